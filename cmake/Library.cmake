@@ -1,0 +1,69 @@
+# The library: one object library for each layer, so that a layer can only use what lies below it, and the shared
+# library made of all of them.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(LIBTOMCRYPT REQUIRED IMPORTED_TARGET libtomcrypt)
+pkg_check_modules(LIBTOMMATH REQUIRED IMPORTED_TARGET libtommath)
+
+# The C++ language without its runtime: errors leave by longjmp, so nothing here may throw or own a destructor.
+add_library(quorvel_library_rules INTERFACE)
+target_compile_options(quorvel_library_rules INTERFACE
+  -fvisibility=hidden
+  -fstack-protector-strong
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fvisibility-inlines-hidden>
+  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wglobal-constructors>
+  $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+target_include_directories(quorvel_library_rules INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(quorvel_library_rules INTERFACE quorvel_warnings quorvel_sanitize)
+
+# quorvel_layer(<name> [<layers below> ...]): the sources of folder <name>.
+function(quorvel_layer name folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_library(${name} OBJECT ${sources})
+  target_link_libraries(${name} PRIVATE quorvel_library_rules)
+endfunction()
+
+quorvel_layer(quorvel_core core)
+quorvel_layer(quorvel_crypt crypt)
+quorvel_layer(quorvel_data abecs/data)
+quorvel_layer(quorvel_comm abecs/comm)
+quorvel_layer(quorvel_cmd abecs/cmd)
+set(QUORVEL_LAYERS quorvel_core quorvel_crypt quorvel_data quorvel_comm quorvel_cmd)
+
+include(cmake/Version.cmake)
+
+# The version script that exports the reviewed names and nothing else (hidden visibility alone would still export the
+# weak symbols of header templates).
+set(QUORVEL_EXPORTS ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${QUORVEL_EXPORTS})
+file(STRINGS ${QUORVEL_EXPORTS} names)
+list(JOIN names ";\n    " names)
+file(CONFIGURE OUTPUT quorvel.map CONTENT "QUORVEL_0 {\n  global:\n    ${names};\n  local:\n    *;\n};\n" @ONLY)
+
+# Linked by the C driver, which does not add libstdc++.
+set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
+add_library(quorvel SHARED)
+add_library(quorvel::quorvel ALIAS quorvel)
+foreach(layer IN LISTS QUORVEL_LAYERS)
+  if(TARGET ${layer})
+    target_sources(quorvel PRIVATE $<TARGET_OBJECTS:${layer}>)
+  endif()
+endforeach()
+set_target_properties(quorvel PROPERTIES
+  OUTPUT_NAME quorvel0
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  LINKER_LANGUAGE C
+  LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/quorvel.map)
+target_include_directories(quorvel INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(quorvel PRIVATE quorvel_sanitize PkgConfig::LIBTOMCRYPT PkgConfig::LIBTOMMATH)
+target_link_options(quorvel PRIVATE
+  -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/quorvel.map
+  -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+if(NOT QUORVEL_SANITIZE)
+  target_link_options(quorvel PRIVATE -Wl,-z,defs)
+endif()

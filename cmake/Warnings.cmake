@@ -1,0 +1,17 @@
+# What every target here is compiled with.
+add_library(quorvel_warnings INTERFACE)
+target_compile_options(quorvel_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual
+  $<$<BOOL:${QUORVEL_WERROR}>:-Werror>)
+
+add_library(quorvel_sanitize INTERFACE)
+if(QUORVEL_SANITIZE)
+  target_compile_options(quorvel_sanitize INTERFACE
+    -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quorvel_sanitize INTERFACE -fsanitize=${QUORVEL_SANITIZE})
+endif()
+
+# Ordinary programs and libraries beside the library: tools, simulator, tests, examples.
+function(quorvel_ordinary target)
+  target_link_libraries(${target} PRIVATE quorvel_warnings quorvel_sanitize)
+endfunction()

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/enum.h"
+
+#include <climits>
+#include <cstdarg>
+
+#include "core/raise.h"
+
+namespace {
+
+constexpr int32_t kEnd = INT_MIN;
+
+}  // namespace
+
+bool kor_enum_is_valid(int32_t value, ...) {
+    if (value == kEnd) {
+        return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%d is not acceptable as an enumerator", value), false;
+    }
+    va_list enumerators;
+    va_start(enumerators, value);
+    int32_t next = kEnd;
+    do { next = va_arg(enumerators, int32_t); } while (next != kEnd && next != value);
+    va_end(enumerators);
+    return next == value;
+}
+
+bool kor_enum_is_valid_range(int32_t value, int32_t first, int32_t last) { return first <= value && value <= last; }

@@ -1,0 +1,25 @@
+/* SPDX-License-Identifier: MIT */
+/* Copyright (c) 2026 the quorvel authors */
+#ifndef QUORVEL_ABECS_WK_PAN_H
+#define QUORVEL_ABECS_WK_PAN_H
+
+#include <stdint.h>
+
+#include "quorvel/kor/defs.h"
+
+KOR_BEGIN_DECLS
+
+typedef enum AbecsWkPanType_E KOR_ENUM_INT32 {
+    ABECS_WK_PAN_TYPE_DES = 0,
+    ABECS_WK_PAN_TYPE_TDES = 1,
+    ABECS_WK_PAN_TYPE_TDES_RSA = 2
+} AbecsWkPanType_E;
+
+typedef struct AbecsWkPan {
+    AbecsWkPanType_E type;
+    uint8_t key[16];
+} AbecsWkPan;
+
+KOR_END_DECLS
+
+#endif

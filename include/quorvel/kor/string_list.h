@@ -1,0 +1,33 @@
+/* SPDX-License-Identifier: MIT */
+/* Copyright (c) 2026 the quorvel authors */
+#ifndef QUORVEL_KOR_STRING_LIST_H
+#define QUORVEL_KOR_STRING_LIST_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#include "quorvel/kor/defs.h"
+#include "quorvel/kor/list.h"
+
+KOR_BEGIN_DECLS
+
+KOR_API KorList* kor_string_list_new(void);
+KOR_API void kor_string_list_clear(KorList* list);
+KOR_API void kor_string_list_delete(KorList** list);
+KOR_API uint32_t kor_string_list_size(const KorList* list);
+KOR_API KorListNode* kor_string_list_first(const KorList* list);
+KOR_API KorListNode* kor_string_list_last(const KorList* list);
+KOR_API KorListNode* kor_string_list_append(KorList* list, const char* text);
+KOR_API bool kor_string_list_pop(KorList* list);
+KOR_API bool kor_string_list_poll(KorList* list);
+KOR_API KorListNode* kor_string_list_next(const KorListNode* node);
+KOR_API KorListNode* kor_string_list_previous(const KorListNode* node);
+KOR_API const char* kor_string_list_item(const KorListNode* node);
+KOR_API KorListNode* kor_string_list_find_first(const KorList* list, const char* text, bool ignoreCase,
+                                                uint32_t* outIndex);
+KOR_API KorListNode* kor_string_list_find_last(const KorList* list, const char* text, bool ignoreCase,
+                                               uint32_t* outIndex);
+
+KOR_END_DECLS
+
+#endif

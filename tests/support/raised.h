@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_TESTS_SUPPORT_RAISED_H
+#define QUORVEL_TESTS_SUPPORT_RAISED_H
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "quorvel/kor/result.h"
+
+namespace support {
+
+struct Raised {
+    int16_t code = KOR_RESULT_OK;
+    std::string message;
+
+    bool operator==(const Raised&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Raised& raised);
+
+// The error that raising `code` with `detail` must leave: "[NAME] detail". The names are spelled here, not asked of
+// the library.
+Raised error(int16_t code, const std::string& detail);
+
+Raised raised_by(void (*call)(void*), void* context);
+
+// Runs `call` inside a try block and returns what it raised, or code 0. The raise leaves by longjmp: keep objects with
+// destructors outside the lambda.
+template <typename Call>
+Raised raised_by(Call&& call) {
+    using Plain = std::remove_reference_t<Call>;
+    return raised_by([](void* context) { (*static_cast<Plain*>(context))(); }, &call);
+}
+
+// While one lives, errors outside every try block are recorded here and the raise returns to the raiser.
+class ReturningRaises {
+public:
+    ReturningRaises();
+    ~ReturningRaises();
+    ReturningRaises(const ReturningRaises&) = delete;
+    ReturningRaises& operator=(const ReturningRaises&) = delete;
+
+    [[nodiscard]] const std::vector<Raised>& all() const;
+};
+
+}  // namespace support
+
+// EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_exception_get(nullptr));
+#define EXPECT_RAISES(code, detail, ...) \
+    EXPECT_EQ(support::raised_by([&] { static_cast<void>(__VA_ARGS__); }), support::error(code, detail))
+
+#define EXPECT_NO_RAISE(...) EXPECT_EQ(support::raised_by([&] { static_cast<void>(__VA_ARGS__); }), support::Raised{})
+
+#endif
