@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/buffer.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/raise.h"
+#include "quorvel/kor/endianness.h"
+#include "quorvel/kor/heap.h"
+
+using kor::raise;
+
+struct KorBuffer {
+    uint8_t* storage;
+    bool ownsStorage;
+    uint32_t capacity;
+    uint32_t writeCursor;
+    uint32_t readCursor;
+    bool lastRead;  // tells empty from full where the cursors are equal
+};
+
+namespace {
+
+size_t readable(const KorBuffer& buffer) {
+    if (buffer.writeCursor > buffer.readCursor) { return buffer.writeCursor - buffer.readCursor; }
+    if (buffer.writeCursor < buffer.readCursor) { return buffer.capacity - buffer.readCursor + buffer.writeCursor; }
+    return buffer.lastRead ? 0 : buffer.capacity;
+}
+
+size_t writable(const KorBuffer& buffer) {
+    if (buffer.writeCursor > buffer.readCursor) { return buffer.capacity - buffer.writeCursor + buffer.readCursor; }
+    if (buffer.writeCursor < buffer.readCursor) { return buffer.readCursor - buffer.writeCursor; }
+    return buffer.lastRead ? buffer.capacity : 0;
+}
+
+void rewind(KorBuffer& buffer, bool lastRead) {
+    buffer.writeCursor = 0;
+    buffer.readCursor = 0;
+    buffer.lastRead = lastRead;
+}
+
+void advance(uint32_t& cursor, uint32_t capacity) {
+    if (++cursor == capacity) { cursor = 0; }
+}
+
+// False, after a raise, unless all the bytes of an `Integer` wait; only then are they taken.
+template <typename Integer>
+bool take(KorBuffer* buffer, Integer& out) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), false; }
+    const size_t available = readable(*buffer);
+    if (available < sizeof out) {
+        return raise(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: %d, requested: %d)",
+                     static_cast<int>(available), static_cast<int>(sizeof out)),
+               false;
+    }
+    kor_buffer_read(buffer, &out, sizeof out);
+    return true;
+}
+
+}  // namespace
+
+KorBuffer* kor_buffer_new(uint32_t capacity) {
+    auto* buffer = static_cast<KorBuffer*>(kor_heap_alloc(sizeof(KorBuffer), 0));
+    if (buffer == nullptr) { return nullptr; }
+    uint8_t* storage = nullptr;
+    if (capacity != 0) {
+        storage = static_cast<uint8_t*>(kor_heap_alloc(capacity, 1));
+        if (storage == nullptr) {
+            kor_heap_free(buffer);
+            return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
+        }
+    }
+    *buffer = {storage, true, capacity, 0, 0, true};
+    return buffer;
+}
+
+void kor_buffer_delete(KorBuffer** buffer) {
+    if (buffer == nullptr || *buffer == nullptr) { return; }
+    if ((*buffer)->ownsStorage) { kor_heap_free((*buffer)->storage); }
+    kor_heap_free(*buffer);
+    *buffer = nullptr;
+}
+
+void kor_buffer_set_storage(KorBuffer* buffer, void* storage, uint32_t sizeStorage, bool full) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"); }
+    if (storage == nullptr && sizeStorage != 0) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is NULL and sizeStorage != 0");
+    }
+    if (storage != nullptr && sizeStorage == 0) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is not NULL but sizeStorage == 0");
+    }
+    if (buffer->ownsStorage) { kor_heap_free(buffer->storage); }
+    buffer->storage = static_cast<uint8_t*>(storage);
+    buffer->ownsStorage = false;
+    buffer->capacity = sizeStorage;
+    rewind(*buffer, !full);
+}
+
+uint8_t* kor_buffer_get_storage(const KorBuffer* buffer) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), nullptr; }
+    return buffer->storage;
+}
+
+uint32_t kor_buffer_capacity(const KorBuffer* buffer) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    return buffer->capacity;
+}
+
+size_t kor_buffer_clear(KorBuffer* buffer) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    const size_t waiting = readable(*buffer);
+    rewind(*buffer, true);
+    return waiting;
+}
+
+size_t kor_buffer_available_read(const KorBuffer* buffer) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    return readable(*buffer);
+}
+
+size_t kor_buffer_available_write(const KorBuffer* buffer) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    return writable(*buffer);
+}
+
+uint32_t kor_buffer_get_read_cursor_pos(const KorBuffer* buffer) { return buffer->readCursor; }
+
+void kor_buffer_set_read_cursor_pos(KorBuffer* buffer, uint32_t pos) { buffer->readCursor = pos; }
+
+uint32_t kor_buffer_get_write_cursor_pos(const KorBuffer* buffer) { return buffer->writeCursor; }
+
+void kor_buffer_set_write_cursor_pos(KorBuffer* buffer, uint32_t pos) { buffer->writeCursor = pos; }
+
+bool kor_buffer_is_last_read(const KorBuffer* buffer) { return buffer->lastRead; }
+
+void kor_buffer_set_last_read(KorBuffer* buffer, bool lastRead) { buffer->lastRead = lastRead; }
+
+KorBufferState* kor_buffer_save_state(const KorBuffer* buffer, KorBufferState* out) {
+    *out = {buffer->writeCursor, buffer->readCursor, buffer->lastRead};
+    return out;
+}
+
+void kor_buffer_set_state(KorBuffer* buffer, const KorBufferState* state) {
+    buffer->writeCursor = state->writeCursor;
+    buffer->readCursor = state->readCursor;
+    buffer->lastRead = state->lastRead;
+}
+
+size_t kor_buffer_read(KorBuffer* buffer, void* destination, size_t length) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    const size_t count = std::min(length, readable(*buffer));
+    if (count == 0) { return 0; }  // setting lastRead here would turn a full buffer into an empty one
+    auto* out = static_cast<uint8_t*>(destination);
+    for (size_t i = 0; i < count; ++i) {
+        if (out != nullptr) { out[i] = buffer->storage[buffer->readCursor]; }
+        advance(buffer->readCursor, buffer->capacity);
+    }
+    buffer->lastRead = true;
+    return count;
+}
+
+uint8_t kor_buffer_read_byte(KorBuffer* buffer) {
+    uint8_t byte = 0;
+    take(buffer, byte);
+    return byte;
+}
+
+uint16_t kor_buffer_read_ui16(KorBuffer* buffer, int32_t byteOrder) {
+    uint16_t value = 0;
+    if (!take(buffer, value)) { return 0; }
+    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be16toh(value) : kor_endianness_le16toh(value);
+}
+
+int16_t kor_buffer_read_i16(KorBuffer* buffer, int32_t byteOrder) {
+    return static_cast<int16_t>(kor_buffer_read_ui16(buffer, byteOrder));
+}
+
+uint32_t kor_buffer_read_ui32(KorBuffer* buffer, int32_t byteOrder) {
+    uint32_t value = 0;
+    if (!take(buffer, value)) { return 0; }
+    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be32toh(value) : kor_endianness_le32toh(value);
+}
+
+int32_t kor_buffer_read_i32(KorBuffer* buffer, int32_t byteOrder) {
+    return static_cast<int32_t>(kor_buffer_read_ui32(buffer, byteOrder));
+}
+
+char* kor_buffer_read_str(KorBuffer* buffer, char* destination, size_t size) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), nullptr; }
+    size_t position = 0;
+    char character = '\0';
+    while (kor_buffer_read(buffer, &character, 1) != 0) {
+        if (position < size) { destination[position] = character; }
+        if (character == '\0') { return destination; }
+        if (position + 1 < size) { ++position; }
+    }
+    // Terminated all the same, for a caller that goes on after the raise.
+    if (size != 0) { destination[position] = '\0'; }
+    return raise(KOR_RESULT_IO_ERROR, "Null-terminator not found"), nullptr;
+}
+
+void kor_buffer_write(KorBuffer* buffer, const void* bytes, size_t length) {
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"); }
+    if (length == 0) { return; }  // clearing lastRead here would turn an empty buffer into a full one
+    const size_t available = writable(*buffer);
+    if (length > available) {
+        return raise(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: %zu, requested: %zu)", available,
+                     length);
+    }
+    const auto* in = static_cast<const uint8_t*>(bytes);
+    for (size_t i = 0; i < length; ++i) {
+        buffer->storage[buffer->writeCursor] = in[i];
+        advance(buffer->writeCursor, buffer->capacity);
+    }
+    buffer->lastRead = false;
+}
+
+void kor_buffer_write_byte(KorBuffer* buffer, uint8_t byte) { kor_buffer_write(buffer, &byte, sizeof byte); }
+
+void kor_buffer_write_ui16(KorBuffer* buffer, uint16_t value, int32_t byteOrder) {
+    const uint16_t wire =
+        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe16(value) : kor_endianness_htole16(value);
+    kor_buffer_write(buffer, &wire, sizeof wire);
+}
+
+void kor_buffer_write_i16(KorBuffer* buffer, int16_t value, int32_t byteOrder) {
+    kor_buffer_write_ui16(buffer, static_cast<uint16_t>(value), byteOrder);
+}
+
+void kor_buffer_write_ui32(KorBuffer* buffer, uint32_t value, int32_t byteOrder) {
+    const uint32_t wire =
+        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe32(value) : kor_endianness_htole32(value);
+    kor_buffer_write(buffer, &wire, sizeof wire);
+}
+
+void kor_buffer_write_i32(KorBuffer* buffer, int32_t value, int32_t byteOrder) {
+    kor_buffer_write_ui32(buffer, static_cast<uint32_t>(value), byteOrder);
+}
+
+// One write, so that a text whose terminator has no room leaves nothing behind.
+void kor_buffer_write_str(KorBuffer* buffer, const char* text, bool withTerminator) {
+    kor_buffer_write(buffer, text, std::strlen(text) + (withTerminator ? 1 : 0));
+}
