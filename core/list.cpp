@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/list.h"
+
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/kor/heap.h"
+
+using kor::raise;
+
+struct KorListNode {
+    KorListNode* previous;
+    KorListNode* next;
+    void* item;
+};
+
+struct KorList {
+    KorListNode* first;
+    KorListNode* last;
+    uint32_t size;
+    KorItemCpFn itemCpFn;
+    KorItemDelFn itemDelFn;
+    KorItemEqualsFn equalsFn;
+};
+
+namespace {
+
+// A node with its copy of `item`, not yet linked; null when that failed and the raise returned.
+KorListNode* new_node(const KorList& list, const void* item) {
+    KorListNode* node = nullptr;
+    bool complete = false;
+    kor::attempt([&] {
+        node = static_cast<KorListNode*>(kor_heap_alloc(sizeof(KorListNode), 0));
+        *node = {list.last, nullptr, item != nullptr ? list.itemCpFn(item) : nullptr};
+        complete = true;
+    })
+        .cleanup([&] {
+            if (complete) { return; }
+            kor_heap_free(node);
+            node = nullptr;
+        })
+        .run();
+    return node;
+}
+
+bool remove(KorList& list, KorListNode* node) {
+    if (node == nullptr) { return false; }
+    (node->previous != nullptr ? node->previous->next : list.first) = node->next;
+    (node->next != nullptr ? node->next->previous : list.last) = node->previous;
+    --list.size;
+    void* item = node->item;
+    kor_heap_free(node);
+    if (item != nullptr) { list.itemDelFn(item); }
+    return true;
+}
+
+bool matches(const KorList& list, const KorListNode& node, const void* item) {
+    return node.item == item || list.equalsFn(node.item, item);
+}
+
+KorListNode* found(KorListNode* node, uint32_t index, uint32_t* outIndex) {
+    if (outIndex != nullptr) { *outIndex = index; }
+    return node;
+}
+
+}  // namespace
+
+KorList* kor_list_new(KorItemCpFn itemCpFn, KorItemDelFn itemDelFn, KorItemEqualsFn equalsFn) {
+    if (itemCpFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "itemCpFn is NULL"), nullptr; }
+    if (itemDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "itemDelFn is NULL"), nullptr; }
+    if (equalsFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "equalsFn is NULL"), nullptr; }
+    auto* list = static_cast<KorList*>(kor_heap_alloc(sizeof(KorList), 0));
+    if (list != nullptr) { *list = {nullptr, nullptr, 0, itemCpFn, itemDelFn, equalsFn}; }
+    return list;
+}
+
+void kor_list_clear(KorList* list) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"); }
+    while (remove(*list, list->last)) {}
+}
+
+void kor_list_delete(KorList** list) {
+    if (list == nullptr || *list == nullptr) { return; }
+    kor_list_clear(*list);
+    kor_heap_free(*list);
+    *list = nullptr;
+}
+
+uint32_t kor_list_size(const KorList* list) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), 0; }
+    return list->size;
+}
+
+KorListNode* kor_list_first(const KorList* list) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    return list->first;
+}
+
+KorListNode* kor_list_last(const KorList* list) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    return list->last;
+}
+
+KorListNode* kor_list_append(KorList* list, const void* item) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    KorListNode* node = new_node(*list, item);
+    if (node == nullptr) { return nullptr; }
+    (list->last != nullptr ? list->last->next : list->first) = node;
+    list->last = node;
+    ++list->size;
+    return node;
+}
+
+bool kor_list_pop(KorList* list) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), false; }
+    return remove(*list, list->last);
+}
+
+bool kor_list_poll(KorList* list) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), false; }
+    return remove(*list, list->first);
+}
+
+KorListNode* kor_list_next(const KorListNode* node) {
+    if (node == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL"), nullptr; }
+    return node->next;
+}
+
+KorListNode* kor_list_previous(const KorListNode* node) {
+    if (node == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL"), nullptr; }
+    return node->previous;
+}
+
+void* kor_list_item(const KorListNode* node) {
+    if (node == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL"), nullptr; }
+    return node->item;
+}
+
+KorListNode* kor_list_find_first(const KorList* list, const void* item, uint32_t* outIndex) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    uint32_t index = 0;
+    for (KorListNode* node = list->first; node != nullptr; node = node->next, ++index) {
+        if (matches(*list, *node, item)) { return found(node, index, outIndex); }
+    }
+    return nullptr;
+}
+
+KorListNode* kor_list_find_last(const KorList* list, const void* item, uint32_t* outIndex) {
+    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    uint32_t index = list->size;
+    for (KorListNode* node = list->last; node != nullptr; node = node->previous) {
+        --index;
+        if (matches(*list, *node, item)) { return found(node, index, outIndex); }
+    }
+    return nullptr;
+}
