@@ -5,35 +5,14 @@
 
 #include <array>
 #include <cstddef>
-#include <memory>
-#include <type_traits>
 
+#include "core/function_ref.h"
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/result.h"
 
 namespace kor {
 
-// A callable that is borrowed, not owned: valid while the lambda it was made from lives.
-class Branch {
-public:
-    constexpr Branch() = default;
-
-    template <typename Callable>
-    requires(!std::is_same_v<std::remove_cvref_t<Callable>, Branch>)
-        Branch(Callable&& callable)  // NOLINT(bugprone-forwarding-reference-overload): excluded by the constraint
-        : context_(std::addressof(callable)),
-          call_([](void* context) { (*static_cast<std::remove_reference_t<Callable>*>(context))(); }) {
-        static_assert(std::is_trivially_destructible_v<std::remove_reference_t<Callable>>,
-                      "a longjmp skips destructors: capture by reference only");
-    }
-
-    void operator()() const { call_(context_); }
-    explicit operator bool() const { return call_ != nullptr; }
-
-private:
-    void* context_ = nullptr;
-    void (*call_)(void*) = nullptr;
-};
+using Branch = FunctionRef<void()>;
 
 // A try block. The branches are lambdas that capture by reference:
 //

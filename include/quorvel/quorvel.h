@@ -3,6 +3,33 @@
 #ifndef QUORVEL_QUORVEL_H
 #define QUORVEL_QUORVEL_H
 
+/*
+ * The whole interface of libquorvel0, which drives an ABECS PIN pad on a serial line.
+ *
+ * Conventions that hold everywhere:
+ *
+ * 1. Errors. No function returns an error code. Every failure is raised through the try blocks of kor/exception.h: a
+ *    KOR_RESULT_* code and a text that reads "[KOR_RESULT_NAME] detail". The comments here name the code and the detail
+ *    ("%d" and the like stand for what is filled in). With no try block open and an uncaught handler that returns, a
+ *    function that raised leaves at once with a harmless result; a command function then returns
+ *    ABECS_RSP_STAT_ST_INTERR.
+ * 2. A status is not an error. Command functions return RSP_STAT, the PIN pad's status (AbecsRspStat_E, 0 is success);
+ *    they raise only when there is no valid answer.
+ * 3. Blocking commands, which wait for the cardholder, come as a sending function and one that ends in _response. The
+ *    link is blocked from the one to the other. Poll the latter: -1 nothing yet (after two seconds), -2 a notification
+ *    was read into the text argument (33 bytes, or none), else the final RSP_STAT. abecs_comm_send_can aborts the wait.
+ * 4. Ownership. What a function ending in _new, or abecs_comm_open, returns is the caller's, to be ended by the matching
+ *    _delete or close, which takes the address of the variable and sets it to none; none is ignored. Containers copy
+ *    what is put into them. Pointers returned by accessors belong to the object and live until it changes.
+ * 5. Arguments are checked before a byte is sent, in the order the comments give. "none" is a null pointer.
+ * 6. Texts are NUL-terminated; lengths count characters or bytes without the NUL; the size of a destination counts it.
+ *    A field's width is what travels on the line.
+ * 7. Byte order arguments: 0 is big-endian, any other value little-endian.
+ * 8. Threads: none are started and nothing is guarded. Use the library from one thread at a time.
+ * 9. Only the link handle keeps secrets: its session key and PAN working key, overwritten when they are removed as
+ *    documented there and when it is closed.
+ */
+
 #include "quorvel/abecs/cmd/builder.h"
 #include "quorvel/abecs/cmd/gin.h"
 #include "quorvel/abecs/cmd/gix.h"

@@ -2,7 +2,202 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/exception.h"
 
+#include <climits>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
 
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/kor/enum.h"
+#include "quorvel/kor/heap.h"
+#include "tests/core/try_block.h"
 #include "tests/support/raised.h"
-TEST(Exception, NullOut) { EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_exception_get(nullptr)); }
+
+namespace {
+
+using support::Raised;
+using support::raised_by;
+
+std::string trace_of(void (*block)(char*)) {
+    char trace[32] = "";
+    EXPECT_EQ(raised_by([&] { block(trace); }), Raised{});
+    return trace;
+}
+
+TEST(Result, NamesEveryCode) {
+    const std::vector<std::string> names{"KOR_RESULT_OK",
+                                         "KOR_RESULT_RUNTIME_ERROR",
+                                         "KOR_RESULT_ILLEGAL_ARGUMENT",
+                                         "KOR_RESULT_ILLEGAL_STATE",
+                                         "KOR_RESULT_INDEX_OUT_OF_BOUNDS",
+                                         "KOR_RESULT_MALLOC_ERROR",
+                                         "KOR_RESULT_IO_ERROR",
+                                         "KOR_RESULT_TIMEOUT_ERROR",
+                                         "KOR_RESULT_FILE_NOT_FOUND",
+                                         "KOR_RESULT_ENCODING_ERROR",
+                                         "KOR_RESULT_DEVICE_BUSY",
+                                         "KOR_RESULT_PERMISSION_DENIED",
+                                         "KOR_RESULT_PROTOCOL_ERROR",
+                                         "KOR_RESULT_CRYPT_ERROR"};
+    for (size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(kor_result_to_string(static_cast<KorResult_E>(i)), names[i]);
+    }
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled KorResult_E: 14\n", kor_result_to_string(14));
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled KorResult_E: -1\n", kor_result_to_string(-1));
+}
+
+TEST(Exception, ThrowingSuccessDoesNothing) {
+    bool reached = false;
+    EXPECT_EQ(raised_by([&] {
+                  kor_exception_throw(KOR_RESULT_OK, "nothing");
+                  reached = true;
+              }),
+              Raised{});
+    EXPECT_TRUE(reached);
+}
+
+TEST(Exception, MessageIsCutAt255Characters) {
+    const std::string fits(255, 'x');
+    const std::string longer = fits + "y";
+    EXPECT_EQ(raised_by([&] { kor_exception_throw(6, fits.c_str()); }), (Raised{6, fits}));
+    EXPECT_EQ(raised_by([&] { kor_exception_throw(6, longer.c_str()); }), (Raised{6, fits}));
+    EXPECT_EQ(raised_by([&] { kor_exception_fthrow(6, "%s", longer.c_str()); }), (Raised{6, fits}));
+    EXPECT_EQ(raised_by([&] { kor_exception_throw(6, nullptr); }), (Raised{6, ""}));
+    EXPECT_EQ(raised_by([&] { kor::raise(KOR_RESULT_IO_ERROR, "%s", longer.c_str()); }).message,
+              "[KOR_RESULT_IO_ERROR] " + std::string(255 - 22, 'x'));
+}
+
+TEST(Exception, ConventionPutsTheNameInFrontOnce) {
+    EXPECT_EQ(raised_by([] { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "after %d s", 2); }),
+              (Raised{7, "[KOR_RESULT_TIMEOUT_ERROR] after 2 s"}));
+}
+
+TEST(Exception, NothingPendingOutsideABlock) {
+    EXPECT_EQ(kor_exception_get_error(), 0);
+    EXPECT_STREQ(kor_exception_get_message(), "");
+    KorException copy{};
+    EXPECT_EQ(kor_exception_get(&copy), &copy);
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_exception_get(nullptr));
+}
+
+TEST(TryBlockInC, RunsItsBranchesInOrder) {
+    char trace[32] = "";
+    try_success(trace);
+    EXPECT_STREQ(trace, "bue") << "the clean-up of a success runs after the frame is closed";
+    EXPECT_EQ(trace_of([](char* t) { try_first_matching_branch(t, KOR_RESULT_IO_ERROR); }), "6e");
+    EXPECT_EQ(trace_of([](char* t) { try_first_matching_branch(t, KOR_RESULT_TIMEOUT_ERROR); }), "0e");
+    EXPECT_EQ(trace_of(try_error_in_cleanup), "u6e") << "the block's own branches see an error of its clean-up";
+    EXPECT_EQ(trace_of(try_error_in_catch), "ioe");
+}
+
+TEST(TryBlockInC, UnmatchedErrorPassesOnUnchanged) {
+    char trace[32] = "";
+    EXPECT_EQ(raised_by([&] { try_unmatched(trace); }), (Raised{7, "late"}));
+    EXPECT_STREQ(trace, "u");
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+}
+
+size_t frame_nodes() {
+    size_t count = 0;
+    for (const KorExceptionFrameNode* node = __fefn__; node != nullptr; node = node->next) { ++count; }
+    return count;
+}
+
+TEST(TryBlockInC, NestingDeeperAllocatesEachNodeOnce) {
+    char trace[32] = "";
+    EXPECT_EQ(raised_by([&] { try_nested(trace, 5); }), (Raised{6, "deep"}));
+    EXPECT_STREQ(trace, "((((()))))");
+    const size_t nodes = frame_nodes();
+    EXPECT_GE(nodes, 6U);  // five and the one that caught it here
+    const KorExceptionFrameNode* first = __fefn__;
+    trace[0] = '\0';
+    EXPECT_EQ(raised_by([&] { try_nested(trace, 5); }), (Raised{6, "deep"}));
+    EXPECT_EQ(frame_nodes(), nodes);
+    EXPECT_EQ(__fefn__, first);
+}
+
+TEST(Attempt, CatchesTheCodeItNamesAndCleansUpFirst) {
+    std::string trace;
+    kor::attempt([&] { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "late"); })
+        .on(KOR_RESULT_IO_ERROR, [&] { trace += "io"; })
+        .on(KOR_RESULT_TIMEOUT_ERROR, [&] { trace += kor_exception_get_message(); })
+        .cleanup([&] { trace += "cleaned "; })
+        .run();
+    EXPECT_EQ(trace, "cleaned [KOR_RESULT_TIMEOUT_ERROR] late");
+    EXPECT_EQ(kor_exception_get_error(), 0);
+}
+
+TEST(Attempt, ClosedBlockLeavesNoFrameOpen) {
+    int cleaned = 0;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(raised_by([&] {
+                      kor::attempt([] { kor_exception_throw(6, "%d is text"); }).cleanup([&] { ++cleaned; }).run();
+                  }),
+                  (Raised{6, "%d is text"}));
+    }
+    EXPECT_EQ(cleaned, 3);
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+}
+
+TEST(UncaughtHandler, ThatReturnsLetsTheRaiserGoOn) {
+    const support::ReturningRaises handler;
+    bool went_on = false;
+    kor_exception_throw(KOR_RESULT_IO_ERROR, "out in the open");
+    went_on = true;
+    EXPECT_TRUE(went_on);
+    EXPECT_EQ(handler.all(), (std::vector<Raised>{{6, "out in the open"}}));
+    EXPECT_EQ(kor_exception_get_error(), 0);
+    EXPECT_STREQ(kor_exception_get_message(), "");
+    EXPECT_STREQ(kor_result_to_string(99), "");
+    EXPECT_EQ(kor_exception_get(nullptr), nullptr);
+    EXPECT_FALSE(kor_enum_is_valid(INT_MIN, 1, INT_MIN));
+    EXPECT_EQ(handler.all().size(), 4U);
+}
+
+TEST(UncaughtHandler, SeesAnErrorThatABlockPassedOn) {
+    const support::ReturningRaises handler;
+    char trace[32] = "";
+    try_unmatched(trace);
+    EXPECT_STREQ(trace, "ux");
+    EXPECT_EQ(handler.all(), (std::vector<Raised>{{7, "late"}}));
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+}
+
+TEST(UncaughtHandlerDeathTest, DefaultPrintsAndAborts) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto raise_in_the_open = [](const char* message) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        kor_exception_throw(KOR_RESULT_IO_ERROR, message);
+    };
+    EXPECT_EXIT(raise_in_the_open("broken"), testing::KilledBySignal(SIGABRT), "Uncaught error: 6 \\(broken\\)\n");
+    EXPECT_EXIT(raise_in_the_open(nullptr), testing::KilledBySignal(SIGABRT), "Uncaught error: 6\n");
+}
+
+TEST(Enum, ChecksListsAndRanges) {
+    EXPECT_TRUE(kor_enum_is_valid(3, 1, 3, 5, INT_MIN));
+    EXPECT_TRUE(kor_enum_is_valid(5, 1, 3, 5, INT_MIN));
+    EXPECT_FALSE(kor_enum_is_valid(4, 1, 3, 5, INT_MIN));
+    EXPECT_FALSE(kor_enum_is_valid(4, INT_MIN));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "-2147483648 is not acceptable as an enumerator",
+                  kor_enum_is_valid(INT_MIN, 1, INT_MIN));
+    EXPECT_TRUE(kor_enum_is_valid_range(5, 5, 5));
+    EXPECT_TRUE(kor_enum_is_valid_range(-1, -1, 1));
+    EXPECT_FALSE(kor_enum_is_valid_range(-2, -1, 1));
+    EXPECT_FALSE(kor_enum_is_valid_range(2, -1, 1));
+}
+
+TEST(Heap, ExhaustionRaisesUnlessNullable) {
+    const size_t impossible = SIZE_MAX / 2;
+    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(impossible, 0));
+    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(impossible, 2));
+    EXPECT_EQ(kor_heap_alloc(impossible, 1), nullptr);
+    void* empty = kor_heap_alloc(0, 1);
+    EXPECT_NE(empty, nullptr);
+    kor_heap_free(empty);
+    kor_heap_free(nullptr);
+}
+
+}  // namespace

@@ -5,6 +5,7 @@
 
 #include <setjmp.h>
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #include "quorvel/kor/defs.h"
@@ -12,6 +13,20 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * Errors and try blocks.
+ *
+ * 1. No function returns an error code. A failure is raised: a code and a text of at most 255 characters, which reads
+ *    "[KOR_RESULT_NAME] detail", go to the innermost open try block.
+ * 2. With no try block open, the uncaught handler is called. The default one prints "Uncaught error: ..." to standard
+ *    output and raises SIGABRT. If the handler returns, the function that raised leaves at once with a harmless result
+ *    (none, 0, false, an empty text) and without having done its work.
+ * 3. One error is pending at a time, in one process-wide record. Opening a try block clears it.
+ * 4. A raise is a longjmp: it runs no destructors. In C++ keep objects that have one out of try blocks.
+ * 5. Nothing here is guarded: use the library from one thread at a time.
+ */
+
+/* The error record: the pending error, or code 0 and an empty text. */
 typedef struct KorException {
     int16_t error;
     char message[256];
@@ -19,28 +34,48 @@ typedef struct KorException {
 
 typedef struct KorExceptionFrameNode KorExceptionFrameNode;
 
+/* One open try block. Nodes are made on demand and used again; they are never freed. */
 struct KorExceptionFrameNode {
-    uint32_t state;
+    uint32_t state; /* 0 opened, 1 body, 2 body ended, 3 no branch has taken the error yet, 4 over */
     jmp_buf jump;
     KorExceptionFrameNode* previous;
     KorExceptionFrameNode* next;
 };
 
+/* `message` may be none and is only valid during the call. */
 typedef void (*KorExceptionUncaughtHandler)(int16_t code, const char* message);
 
-extern KOR_API KorException __cex__;
-extern KOR_API KorExceptionFrameNode* __fefn__;
-extern KOR_API KorExceptionFrameNode* __cefn__;
+extern KOR_API KorException __cex__;            /* the error record */
+extern KOR_API KorExceptionFrameNode* __fefn__; /* the outermost frame node, or none until the first try block */
+extern KOR_API KorExceptionFrameNode* __cefn__; /* the current frame node, or none outside every try block */
+
+/* Raises `code` with `message` as it stands (none: an empty text). Code 0 does nothing. May return, see above. */
 KOR_API void kor_exception_throw(KorResult_E code, const char* message);
+
+/* As kor_exception_throw with a printf-like text, cut to 255 characters. */
 KOR_API void kor_exception_fthrow(KorResult_E code, const char* format, ...);
+
+/* Copies the pending error into `out` and returns `out`. ILLEGAL_ARGUMENT "'out' is NULL". */
 KOR_API KorException* kor_exception_get(KorException* out);
+
+/* The pending code, or 0. */
 KOR_API int16_t kor_exception_get_error(void);
+
+/* The pending text, never none; valid until the next error is raised or cleared. */
 KOR_API const char* kor_exception_get_message(void);
+
+/* The error record itself; the library's for the life of the process. */
 KOR_API KorException* kor_exception_get_exception(void);
+
+/* Installs the handler for errors outside every try block; none restores the default. */
 KOR_API void kor_exception_set_uncaught_handler(KorExceptionUncaughtHandler handler);
+
+/* The frame stack under the try blocks: the current node; a node pushed; a node popped (then the new current one). */
 KOR_API KorExceptionFrameNode* kor_exception_get_frame_node(void);
 KOR_API KorExceptionFrameNode* kor_exception_next_frame_node(void);
 KOR_API KorExceptionFrameNode* kor_exception_previous_frame_node(void);
+
+/* What the try block below is made of; for use through it only. */
 KOR_API KorExceptionFrameNode* __kor_exception_begin_try__(void);
 KOR_API KorExceptionFrameNode* __kor_exception_get_frame__(void);
 KOR_API uint32_t __kor_exception_next_state__(KorExceptionFrameNode* frame);
@@ -69,24 +104,28 @@ KOR_END_DECLS
  * block of its own: that would clear the pending error. Keep locals that the block sets and later code reads
  * `volatile`. Never leave a block by return, break, continue or goto: its frame would stay open.
  */
-#define KOR_TRY                                                                               \
-    do {                                                                                      \
-        if (__kor_exception_begin_try__() == NULL) break;                                     \
-        (void)setjmp(__kor_exception_get_frame__()->jump);                                    \
-        _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wshadow\"")         \
-            KorExceptionFrameNode* const kor_frame_ = __kor_exception_get_frame__();          \
-        _Pragma("GCC diagnostic pop") while (__kor_exception_next_state__(kor_frame_) != 4) { \
+/* clang-format off */
+#define KOR_TRY                                                                      \
+    do {                                                                             \
+        if (__kor_exception_begin_try__() == NULL) break;                            \
+        (void)setjmp(__kor_exception_get_frame__()->jump);                           \
+        _Pragma("GCC diagnostic push")                                               \
+        _Pragma("GCC diagnostic ignored \"-Wshadow\"")                               \
+        KorExceptionFrameNode* const kor_frame_ = __kor_exception_get_frame__();     \
+        _Pragma("GCC diagnostic pop")                                                \
+        while (__kor_exception_next_state__(kor_frame_) != 4) {                      \
             if (kor_frame_->state == 1) {
-#define KOR_CATCH(code) \
-    }                   \
-    else if (__kor_exception_catch__(kor_frame_, (code))) {
-#define KOR_CLEANUP \
-    }               \
-    else if (__kor_exception_cleanup__(kor_frame_)) {
-#define KOR_END_TRY \
-    }               \
-    }               \
-    }               \
-    while (0)
+
+#define KOR_CATCH(code)                                                              \
+            } else if (__kor_exception_catch__(kor_frame_, (code))) {
+
+#define KOR_CLEANUP                                                                  \
+            } else if (__kor_exception_cleanup__(kor_frame_)) {
+
+#define KOR_END_TRY                                                                  \
+            }                                                                        \
+        }                                                                            \
+    } while (0)
+/* clang-format on */
 
 #endif

@@ -9,7 +9,13 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * `size` bytes from the heap, not initialised; free them with kor_heap_free. When memory runs out: none if the low bit
+ * of `nullable` is set, else MALLOC_ERROR with an empty detail. Size 0 gives a block too.
+ */
 KOR_API void* kor_heap_alloc(size_t size, int nullable);
+
+/* Frees what kor_heap_alloc gave; none is ignored. */
 KOR_API void kor_heap_free(void* pointer);
 
 KOR_END_DECLS

@@ -11,8 +11,12 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * The PIN pad's identification for one acquirer index. Which member is filled follows from the index that was asked
+ * for: 0, 2 and 3 have layouts of their own, every other index has idxOther. Texts are without trailing blanks.
+ */
 typedef union AbecsCmdGinOut {
-    struct {
+    struct { /* index 0 */
         char mnName[21];
         char model[20];
         char modelDetail[20];
@@ -51,6 +55,14 @@ typedef union AbecsCmdGinOut {
     } idxOther;
 } AbecsCmdGinOut;
 
+/*
+ * GIN: reads the identification for acquirer index `acqIdx`, 0 to 99, into `out` and returns RSP_STAT; `out` is filled
+ * only when that is 0.
+ *
+ * INDEX_OUT_OF_BOUNDS "Invalid acqIdx: %d (maximum is 99)"; ILLEGAL_ARGUMENT "'out' is NULL", "'pinpad' is NULL";
+ * PROTOCOL_ERROR for an answer under six bytes, of another command, with a length other than the layout's, or with a
+ * flag that is neither set nor blank; IO_ERROR for a malformed field; and what the link raises.
+ */
 KOR_API int32_t abecs_cmd_gin(AbecsComm* pinpad, uint8_t acqIdx, AbecsCmdGinOut* out);
 
 KOR_END_DECLS

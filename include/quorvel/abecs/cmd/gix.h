@@ -12,6 +12,7 @@
 
 KOR_BEGIN_DECLS
 
+/* What GIX can be asked for: the data ids of the answer. The four families run from 0 to 99. */
 typedef enum AbecsCmdGixId_E KOR_ENUM_INT32 {
     ABECS_CMD_GIX_ID_PP_SERNUM = 0x8001,
     ABECS_CMD_GIX_ID_PP_PARTNBR = 0x8002,
@@ -52,6 +53,16 @@ typedef enum AbecsCmdGixId_E KOR_ENUM_INT32 {
     ABECS_CMD_GIX_ID_PP_TABVER99 = 0x9363
 } AbecsCmdGixId_E;
 
+/*
+ * GIX: asks for the items of `idList` (`idListSize` ids, at most 64; with none the PIN pad chooses) and returns
+ * RSP_STAT. When that is 0, `out` holds each item of the answer under its data id (AbecsRspDatId_E), as bytes of its
+ * own without a terminator; it is emptied first, and empty after any other outcome.
+ *
+ * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'idListSize' (%zu) exceeds maximum allowed (64)"; "'idList' is
+ * NULL" with a size other than 0; "Invalid enumerator for AbecsCmdGixId_E at index %zu: %d (%02X)" (an id of a family
+ * ends this check: the ids behind it are sent as they stand); "'out' is NULL". PROTOCOL_ERROR for the answer of another
+ * command, IO_ERROR for a malformed one; and what the link raises.
+ */
 KOR_API int32_t abecs_cmd_gix(AbecsComm* pinpad, const int32_t* idList, size_t idListSize, AbecsRspParamMap* out);
 
 KOR_END_DECLS

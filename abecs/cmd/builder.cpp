@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/cmd/builder.h"
+
+#include <cstring>
+
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/abecs/data.h"
+#include "quorvel/kor/heap.h"
+#include "quorvel/kor/string.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr size_t kIdLength = 3;
+constexpr uint32_t kBlockCapacity = 999;    // what a three-digit length can say
+constexpr size_t kParamHeadLength = 2 + 2;  // id and length
+
+// Chosen for each parameter anew, so a small one can still fill up block 1 after a large one went to block 2.
+KorBuffer* block_with_room(const AbecsCmdBuilder* builder, size_t size) {
+    return kor_buffer_available_write(builder->blk1) >= size ? builder->blk1 : builder->blk2;
+}
+
+void write_block(KorBuffer* block, AbecsPacket* out) {
+    uint8_t bytes[kBlockCapacity];
+    const size_t length = kor_buffer_read(block, bytes, sizeof bytes);
+    abecs_packet_write_field_n(out, length, 3);
+    abecs_packet_write_field_b(out, bytes, length);
+}
+
+}  // namespace
+
+AbecsCmdBuilder* abecs_cmd_builder_new() {
+    AbecsCmdBuilder* builder = nullptr;
+    bool complete = false;
+    kor::attempt([&] {
+        builder = static_cast<AbecsCmdBuilder*>(kor_heap_alloc(sizeof(AbecsCmdBuilder), 0));
+        *builder = {};
+        builder->blk1 = kor_buffer_new(kBlockCapacity);
+        builder->blk2 = kor_buffer_new(kBlockCapacity);
+        complete = true;
+    })
+        .cleanup([&] {
+            if (!complete) { abecs_cmd_builder_delete(&builder); }
+        })
+        .run();
+    return builder;
+}
+
+void abecs_cmd_builder_delete(AbecsCmdBuilder** builder) {
+    if (builder == nullptr || *builder == nullptr) { return; }
+    kor_buffer_delete(&(*builder)->blk1);
+    kor_buffer_delete(&(*builder)->blk2);
+    kor_heap_free(*builder);
+    *builder = nullptr;
+}
+
+void abecs_cmd_builder_reset(AbecsCmdBuilder* builder) {
+    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    builder->cmdId[0] = '\0';
+    kor_buffer_clear(builder->blk1);
+    kor_buffer_clear(builder->blk2);
+}
+
+void abecs_cmd_builder_set_cmd_id(AbecsCmdBuilder* builder, const char* cmdId) {
+    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (cmdId == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdId' is NULL"); }
+    if (kor_string_len(cmdId) != kIdLength) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'cmdId': %s", cmdId); }
+    kor_string_copy(builder->cmdId, cmdId);
+}
+
+void abecs_cmd_builder_add_param(AbecsCmdBuilder* builder, AbecsParam* param) {
+    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (param == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL"); }
+    const size_t length = abecs_param_available_read(param);
+    KorBuffer* block = block_with_room(builder, length + kParamHeadLength);
+    KorBufferState before;
+    kor_buffer_save_state(block, &before);
+    kor::attempt([&] {
+        abecs_data_write_field_x(block, abecs_param_get_id(param), 2);
+        abecs_data_write_field_x(block, static_cast<uint32_t>(length), 2);
+        uint8_t bytes[kBlockCapacity];
+        abecs_param_read_field_b(param, bytes, sizeof bytes, length);
+        abecs_data_write_field_b(block, bytes, length);
+        abecs_param_reset(param);
+    })
+        .cleanup([&] {
+            if (kor_exception_get_error() != KOR_RESULT_OK) { kor_buffer_set_state(block, &before); }
+        })
+        .run();
+}
+
+AbecsPacket* abecs_cmd_builder_build(AbecsCmdBuilder* builder, AbecsPacket* out) {
+    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), nullptr; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (kor_string_is_empty(builder->cmdId)) {
+        return raise(KOR_RESULT_ILLEGAL_STATE, "Builder does not have assigned a command id"), nullptr;
+    }
+    abecs_packet_clear(out);
+    abecs_packet_write_field_a(out, builder->cmdId, kIdLength, false);
+    if (kor_buffer_available_read(builder->blk1) != 0) {
+        write_block(builder->blk1, out);
+        if (kor_buffer_available_read(builder->blk2) != 0) { write_block(builder->blk2, out); }
+    }
+    builder->cmdId[0] = '\0';
+    return out;
+}
+
+namespace abecs {
+
+BuilderState save_builder(const AbecsCmdBuilder* builder) {
+    BuilderState state{};
+    if (builder != nullptr) {
+        kor_buffer_save_state(builder->blk1, &state.blk1);
+        kor_buffer_save_state(builder->blk2, &state.blk2);
+    }
+    return state;
+}
+
+void restore_builder(AbecsCmdBuilder* builder, const BuilderState& state) {
+    if (builder == nullptr) { return; }
+    kor_buffer_set_state(builder->blk1, &state.blk1);
+    kor_buffer_set_state(builder->blk2, &state.blk2);
+}
+
+}  // namespace abecs

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/cmd/frame.h"
+
+#include <cstring>
+
+#include "abecs/cmd/builder.h"
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/kor/heap.h"
+#include "quorvel/kor/string.h"
+
+using kor::raise;
+
+namespace abecs {
+
+namespace {
+
+constexpr size_t kIdLength = 3;
+constexpr size_t kHeadLength = 6;  // RSP_ID and RSP_STAT
+constexpr const char* kRefused = "ERR";
+constexpr const char* kNotification = "NTM";
+
+// What one call needs, released on every way out.
+struct Temporaries {
+    AbecsPacket* packet = nullptr;
+    AbecsParam* param = nullptr;
+    AbecsCmdBuilder* builder = nullptr;
+    AbecsRspParser* parser = nullptr;
+
+    void release() {
+        abecs_rsp_parser_delete(&parser);
+        abecs_cmd_builder_delete(&builder);
+        abecs_param_delete(&param);
+        abecs_packet_delete(&packet);
+    }
+};
+
+void write_params(Temporaries& own, const Command& command, const WriteParams& write) {
+    own.builder = abecs_cmd_builder_new();
+    own.param = abecs_param_new();
+    abecs_cmd_builder_set_cmd_id(own.builder, command.id);
+    ParamWriter writer(own.builder, own.param);
+    write(writer);
+    abecs_cmd_builder_build(own.builder, own.packet);
+}
+
+void write_request(Temporaries& own, const Command& command, const Request& request) {
+    own.packet = abecs_packet_new();
+    if (request.writeParams) { return write_params(own, command, request.writeParams); }
+    if (request.builder != nullptr) {
+        abecs_cmd_builder_set_cmd_id(request.builder, command.id);
+        abecs_cmd_builder_build(request.builder, own.packet);
+        return;
+    }
+    abecs_packet_write_field_a(own.packet, command.id, kIdLength, false);
+    if (request.writeFields) { request.writeFields(own.packet); }
+}
+
+bool send_request(AbecsComm* pinpad, const Command& command, const Request& request, bool blocking) {
+    Temporaries own;
+    bool sent = false;
+    const BuilderState state = save_builder(request.builder);
+    kor::attempt([&] {
+        write_request(own, command, request);
+        abecs_comm_send_packet(pinpad, own.packet);
+        if (blocking) { abecs_comm_lock(pinpad, command.name); }
+        sent = true;
+    })
+        .cleanup([&] {
+            restore_builder(request.builder, state);
+            own.release();
+        })
+        .run();
+    return sent;
+}
+
+void check_id(const Command& command, const char* id) {
+    if (kor_string_equals(id, command.id) || kor_string_equals(id, kRefused)) { return; }
+    raise(KOR_RESULT_PROTOCOL_ERROR, command.unexpectedId, command.name, id);
+}
+
+// The map adopts the copy; until it has, the copy is this function's to free. A zero stands behind the bytes, outside
+// their size, so that a value read as a text ends.
+void copy_into_map(AbecsParam* param, AbecsRspParamMap* map) {
+    const size_t size = abecs_param_available_read(param);
+    const uint16_t id = abecs_param_get_id(param);
+    if (size == 0) {
+        abecs_rsp_param_map_put(map, id, nullptr, true);
+        return;
+    }
+    uint8_t* copy = nullptr;
+    kor::attempt([&] {
+        copy = static_cast<uint8_t*>(kor_heap_alloc(size + 1, 0));
+        copy[size] = 0;
+        abecs_param_read_field_b(param, copy, size, size);
+        const AbecsRspParamValue value{.size = static_cast<uint32_t>(size), .data = copy, .owned = true};
+        abecs_rsp_param_map_put(map, id, &value, true);
+        copy = nullptr;
+    }).cleanup([&] {
+          kor_heap_free(copy);
+      }).run();
+}
+
+int32_t read_parsed_answer(Temporaries& own, const Command& command, const Response& response, bool blocking,
+                           char* notification) {
+    own.parser = abecs_rsp_parser_new();
+    own.param = abecs_param_new();
+    abecs_rsp_parser_set_packet(own.parser, own.packet);
+    const char* id = abecs_rsp_parser_get_id(own.parser);
+    const int32_t stat = abecs_rsp_parser_get_stat(own.parser);
+    if (blocking && kor_string_equals(id, kNotification)) {
+        abecs_rsp_parser_read_notification(own.parser, notification);
+        return ABECS_RSP_STAT_ST_NOTIFICATION;
+    }
+    check_id(command, id);
+    if (stat != ABECS_RSP_STAT_ST_OK) { return stat; }
+    ParamReader reader(own.parser, own.param);
+    if (response.readParams) { response.readParams(reader); }
+    if (response.map != nullptr) {
+        while (AbecsParam* param = reader.next()) { copy_into_map(param, response.map); }
+    }
+    return stat;
+}
+
+int32_t read_field_answer(Temporaries& own, const Command& command, const Response& response, bool blocking,
+                          char* notification) {
+    if (abecs_packet_available_read(own.packet) < kHeadLength) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Unrecognized response"), kRaised;
+    }
+    char id[kIdLength + 1];
+    abecs_packet_read_field_a(own.packet, id, sizeof id, kIdLength, false);
+    if (blocking && kor_string_equals(id, kNotification)) {
+        abecs_packet_read_notification(own.packet, notification);
+        return ABECS_RSP_STAT_ST_NOTIFICATION;
+    }
+    check_id(command, id);
+    const int32_t stat = abecs_packet_read_rsp_stat(own.packet);
+    if (response.readFields && (stat == ABECS_RSP_STAT_ST_OK || response.anyStatus)) {
+        response.readFields(own.packet);
+    }
+    return stat;
+}
+
+int32_t read_answer(AbecsComm* pinpad, Temporaries& own, const Command& command, const Response& response,
+                    bool blocking, char* notification) {
+    if (own.packet == nullptr) { own.packet = abecs_packet_new(); }
+    abecs_comm_read_packet(pinpad, own.packet);
+    auto* read = response.parsed ? read_parsed_answer : read_field_answer;
+    return read(own, command, response, blocking, notification);
+}
+
+void release_after_answer(Temporaries& own, const Response& response) {
+    if (response.map != nullptr && kor_exception_get_error() != KOR_RESULT_OK) { kor_map_clear(response.map); }
+    own.release();
+}
+
+}  // namespace
+
+int32_t call(AbecsComm* pinpad, const Command& command, const Request& request, const Response& response) {
+    Temporaries own;
+    int32_t stat = kRaised;
+    if (response.map != nullptr) { kor_map_clear(response.map); }
+    kor::attempt([&] {
+        send_request(pinpad, command, request, false);
+        stat = read_answer(pinpad, own, command, response, false, nullptr);
+    }).cleanup([&] {
+          release_after_answer(own, response);
+      }).run();
+    return stat;
+}
+
+int32_t send(AbecsComm* pinpad, const Command& command, const Request& request) {
+    return send_request(pinpad, command, request, true) ? 0 : kRaised;
+}
+
+int32_t poll(AbecsComm* pinpad, const Command& command, const Response& response, char* notification) {
+    if (!kor_string_equals(abecs_comm_get_blk_wait_id(pinpad), command.name)) {
+        return raise(KOR_RESULT_ILLEGAL_STATE, "%s was not sent yet", command.name), kRaised;
+    }
+    Temporaries own;
+    int32_t stat = kRaised;
+    if (response.map != nullptr) { kor_map_clear(response.map); }
+    kor::attempt([&] {
+        stat = read_answer(pinpad, own, command, response, true, notification);
+        if (stat != ABECS_RSP_STAT_ST_NOTIFICATION) { abecs_comm_release(pinpad); }
+    })
+        .on(KOR_RESULT_TIMEOUT_ERROR, [&] { stat = ABECS_RSP_STAT_ST_PROCESSING; })
+        .cleanup([&] { release_after_answer(own, response); })
+        .run();
+    return stat;
+}
+
+}  // namespace abecs

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/gin.h"
+
+#include <cstring>
+
+#include "abecs/cmd/frame.h"
+#include "core/raise.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr abecs::Command kGin{.id = "GIN"};
+constexpr uint8_t kMaxIndex = 99;
+constexpr uint32_t kLength00 = 20 + 19 + 1 + 20 + 4 + 16 + 20;
+constexpr uint32_t kLengthOther = 42;
+static_assert(kLength00 == 100);
+
+// The record's text fields are one character longer than the fields of the answer.
+template <size_t Size>
+void read_text(AbecsPacket* packet, char (&to)[Size]) {
+    abecs_packet_read_field_a(packet, to, Size, Size - 1, false);
+}
+
+uint8_t read_number(AbecsPacket* packet) { return static_cast<uint8_t>(abecs_packet_read_field_n(packet, 2)); }
+
+// A one-character field that says yes with `yes` and no with a blank, which the reader trims away.
+bool read_flag(AbecsPacket* packet, char yes, const char* fault) {
+    char text[2];
+    read_text(packet, text);
+    if (text[0] != yes && text[0] != '\0') {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, fault, static_cast<unsigned char>(text[0])), false;
+    }
+    return text[0] == yes;
+}
+
+// "MODEL;DETAIL;..." in one field.
+void read_model(AbecsPacket* packet, char (&model)[20], char (&detail)[20]) {
+    read_text(packet, model);
+    detail[0] = '\0';
+    char* separator = std::strchr(model, ';');
+    if (separator == nullptr) { return; }
+    *separator = '\0';
+    const char* rest = separator + 1;
+    const size_t length = std::strcspn(rest, ";");
+    std::memcpy(detail, rest, length);
+    detail[length] = '\0';
+}
+
+void read_index_00(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx00)& out) {
+    read_text(packet, out.mnName);
+    read_model(packet, out.model, out.modelDetail);
+    out.ctlsSup = read_flag(packet, 'C', "Invalid value for GIN_CTLSSUP: 0x%02X");
+    read_text(packet, out.soVer);
+    read_text(packet, out.specVer);
+    read_text(packet, out.manVers);
+    read_text(packet, out.serNum);
+}
+
+void read_index_02(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx02)& out) {
+    read_text(packet, out.text1);
+    read_text(packet, out.text2);
+    read_text(packet, out.text3);
+    read_text(packet, out.text4);
+    read_text(packet, out.text5);
+    out.number = read_number(packet);
+}
+
+void read_index_03(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx03)& out) {
+    read_text(packet, out.text1);
+    read_text(packet, out.text2);
+    read_text(packet, out.text3);
+    read_text(packet, out.text4);
+    read_text(packet, out.text5);
+    read_text(packet, out.text6);
+    read_text(packet, out.text7);
+    read_text(packet, out.text8);
+    out.dukpt = read_flag(packet, 'T', "Invalid value for GIN_DUKPT: 0x%02X");
+    out.number = read_number(packet);
+}
+
+void read_index_other(AbecsPacket* packet, decltype(AbecsCmdGinOut::idxOther)& out) {
+    read_text(packet, out.text1);
+    read_text(packet, out.text2);
+    read_text(packet, out.text3);
+    read_text(packet, out.text4);
+    out.number = read_number(packet);
+}
+
+void read_layout(AbecsPacket* packet, uint8_t acqIdx, AbecsCmdGinOut& out) {
+    const auto length = static_cast<uint32_t>(abecs_packet_read_field_n(packet, 3));
+    if (acqIdx == 0 && length != kLength00) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 for GIN_ACQIDX == 0 (expected 100, read: %u)",
+                     length);
+    }
+    if (acqIdx != 0 && length != kLengthOther) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 for GIN_ACQIDX == 02 (expected 42, read: %u)",
+                     length);
+    }
+    switch (acqIdx) {
+        case 0:
+            return read_index_00(packet, out.idx00);
+        case 2:
+            return read_index_02(packet, out.idx02);
+        case 3:
+            return read_index_03(packet, out.idx03);
+        default:
+            return read_index_other(packet, out.idxOther);
+    }
+}
+
+}  // namespace
+
+int32_t abecs_cmd_gin(AbecsComm* pinpad, uint8_t acqIdx, AbecsCmdGinOut* out) {
+    using namespace abecs;
+    if (acqIdx > kMaxIndex) {
+        return raise(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid acqIdx: %d (maximum is 99)", acqIdx), kRaised;
+    }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    return call(pinpad, kGin, Request::fields([&](AbecsPacket* packet) {
+                    abecs_packet_write_field_n(packet, 2, 3);
+                    abecs_packet_write_field_n(packet, acqIdx, 2);
+                }),
+                Response::fields([&](AbecsPacket* packet) { read_layout(packet, acqIdx, *out); }));
+}

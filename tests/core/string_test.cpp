@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/string.h"
+
+#include <cstdarg>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "quorvel/kor/heap.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+int32_t vformat(char* to, size_t size, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int32_t length = kor_string_vformat(to, size, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+TEST(StringFormat, CutsAndTerminates) {
+    char to[9] = "........";
+    EXPECT_EQ(kor_string_format(to, 8, "%s", "abcdefghijklmnopqrst"), to);
+    EXPECT_STREQ(to, "abcdefg");
+    EXPECT_EQ(vformat(to, 8, "%s", "abcdefghijklmnopqrst"), 20);
+    std::memcpy(to, "........", sizeof to);
+    EXPECT_EQ(vformat(to, 0, "%d", 5), 1);
+    EXPECT_STREQ(to, "........");
+    EXPECT_EQ(vformat(to, 8, nullptr), 0);
+    EXPECT_STREQ(to, "");
+}
+
+TEST(StringFormat, ChecksItsBuffersInTheirOrder) {
+    char text[8] = "text";
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", kor_string_format(nullptr, 8, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer",
+                  kor_string_format(text, sizeof text, text));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer",
+                  vformat(nullptr, 8, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", vformat(nullptr, 8, "x"));
+}
+
+TEST(String, NoneDestinationsAreRefused) {
+    char to[4];
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", kor_string_copy(nullptr, "x"));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_string_to_lower(nullptr, "x"));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_string_to_upper(nullptr, "x"));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", kor_string_trim(nullptr, "x", nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'dest' is NULL", kor_string_random(nullptr, 3));
+    const support::ReturningRaises handler;
+    EXPECT_EQ(kor_string_format(nullptr, 4, "x"), nullptr);
+    EXPECT_EQ(kor_string_format(to, 4, to), to);
+    EXPECT_EQ(kor_string_copy(nullptr, "x"), nullptr);
+    EXPECT_EQ(kor_string_ltrim(nullptr, "x", nullptr), nullptr);
+    EXPECT_EQ(kor_string_rtrim(nullptr, "x", nullptr), nullptr);
+    EXPECT_EQ(kor_string_trim(nullptr, "x", nullptr), nullptr);
+    EXPECT_EQ(kor_string_random(nullptr, 3), nullptr);
+    EXPECT_EQ(handler.all().size(), 7U);
+}
+
+TEST(String, NewCopiesToTheHeap) {
+    EXPECT_EQ(kor_string_new(nullptr), nullptr);
+    const char original[] = "text";
+    char* copy = kor_string_new(original);
+    EXPECT_STREQ(copy, original);
+    EXPECT_NE(copy, original);
+    kor_heap_free(copy);
+}
+
+TEST(String, Comparison) {
+    struct Case {
+        const char* lhs;
+        const char* rhs;
+        bool ignoreCase;
+        int sign;
+    };
+    const Case cases[] = {
+        {"abc", "abc", false, 0}, {"abc", "ABC", false, 1}, {"abc", "ABC", true, 0},    {"abc", "abd", true, -1},
+        {"abc", "ab", true, 1},   {"", "a", true, -1},      {"\xE9", "a", true, 1},     {"\xE9", "a", false, 1},
+        {"Ab", "aC", true, -1},   {"", "", true, 0},        {"abcd", "ABCE", true, -1},
+    };
+    for (const Case& c : cases) {
+        const int32_t result = kor_string_ccmp(c.lhs, c.rhs, c.ignoreCase);
+        EXPECT_EQ((result > 0) - (result < 0), c.sign) << c.lhs << ' ' << c.rhs;
+        EXPECT_EQ(kor_string_cequals(c.lhs, c.rhs, c.ignoreCase), c.sign == 0) << c.lhs << ' ' << c.rhs;
+    }
+    EXPECT_EQ(kor_string_icmp("b", "A"), 1) << "the difference of the folded characters";
+    EXPECT_EQ(kor_string_cmp(nullptr, nullptr), 0) << "the same pointer is not read";
+}
+
+TEST(String, Search) {
+    struct Case {
+        const char* needle;
+        const char* text;
+        bool ignoreCase;
+        int first;
+        int last;
+    };
+    const Case cases[] = {
+        {"ab", "xxAbyy", true, 2, 2},   {"ab", "xxAbyy", false, -1, -1}, {"/", "a/b/c", false, 1, 3},
+        {"aa", "aaa", false, 0, 1},     {"Ab", "abAB", true, 0, 2},      {"", "abc", false, 0, -1},
+        {"", "abc", true, 0, -1},       {"a", "", false, -1, -1},        {"abcd", "abc", true, -1, -1},
+        {"abc", "ABCabc", false, 3, 3}, {"c", "abc", false, 2, 2},       {"aB", "aabab", true, 1, 3},
+    };
+    for (const Case& c : cases) {
+        const char* first = kor_string_cfind_first(c.needle, c.text, c.ignoreCase);
+        const char* last = kor_string_cfind_last(c.needle, c.text, c.ignoreCase);
+        EXPECT_EQ(first != nullptr ? first - c.text : -1, c.first) << c.needle << " in " << c.text;
+        EXPECT_EQ(last != nullptr ? last - c.text : -1, c.last) << c.needle << " in " << c.text;
+    }
+    const char* text = "text";
+    EXPECT_EQ(kor_string_find_first(text, text), text);
+    EXPECT_EQ(kor_string_find_last(text, text), text);
+    EXPECT_EQ(kor_string_find_last(nullptr, text), nullptr);
+    EXPECT_EQ(kor_string_find_last(text, nullptr), nullptr);
+}
+
+TEST(String, StartsAndEnds) {
+    struct Case {
+        const char* part;
+        const char* text;
+        bool ignoreCase;
+        bool starts;
+        bool ends;
+    };
+    const Case cases[] = {
+        {"c", "abc", false, false, true},    {"abcd", "abc", false, false, false}, {"abc", "abc", false, true, true},
+        {"AB", "abxab", true, true, true},   {"AB", "abxab", false, false, false}, {"", "abc", false, true, false},
+        {"ab", "xabx", false, false, false}, {"aa", "aaa", false, true, true},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(kor_string_cstarts_with(c.part, c.text, c.ignoreCase), c.starts) << c.part << ' ' << c.text;
+        EXPECT_EQ(kor_string_cends_with(c.part, c.text, c.ignoreCase), c.ends) << c.part << ' ' << c.text;
+    }
+}
+
+TEST(String, ShortFormsPassTheirCaseOn) {
+    EXPECT_TRUE(kor_string_iequals("a", "A"));
+    EXPECT_FALSE(kor_string_equals("a", "A"));
+    EXPECT_NE(kor_string_ifind_first("A", "a"), nullptr);
+    EXPECT_EQ(kor_string_find_first("A", "a"), nullptr);
+    EXPECT_NE(kor_string_ifind_last("A", "a"), nullptr);
+    EXPECT_TRUE(kor_string_istarts_with("A", "a"));
+    EXPECT_FALSE(kor_string_starts_with("A", "a"));
+    EXPECT_TRUE(kor_string_iends_with("A", "a"));
+    EXPECT_FALSE(kor_string_ends_with("A", "a"));
+}
+
+TEST(String, ReplacesCharacters) {
+    char text[] = "aAbA";
+    EXPECT_EQ(kor_string_replace_chars(text, 'A', '-'), 2U);
+    EXPECT_STREQ(text, "a-b-");
+    char folded[] = "aAbA";
+    EXPECT_EQ(kor_string_ireplace_chars(folded, 'A', '*'), 3U);
+    EXPECT_STREQ(folded, "**b*");
+    EXPECT_EQ(kor_string_replace_chars(nullptr, 'a', 'b'), 0U);
+}
+
+TEST(String, Trims) {
+    struct Case {
+        const char* from;
+        const char* set;
+        const char* left;
+        const char* right;
+        const char* both;
+    };
+    const Case cases[] = {
+        {"   x\t", nullptr, "x\t", "   x", "x"},
+        {" \t\n\v\f\r", nullptr, "", "", ""},
+        {"", nullptr, "", "", ""},
+        {"00x0", "0", "x0", "00x", "x"},
+        {" x ", "0", " x ", " x ", " x "},
+        {"a b", nullptr, "a b", "a b", "a b"},
+    };
+    for (const Case& c : cases) {
+        char to[16];
+        EXPECT_STREQ(kor_string_ltrim(to, c.from, c.set), c.left);
+        EXPECT_STREQ(kor_string_rtrim(to, c.from, c.set), c.right);
+        EXPECT_STREQ(kor_string_trim(to, c.from, c.set), c.both);
+        std::strcpy(to, c.from);
+        EXPECT_STREQ(kor_string_trim(to, to, c.set), c.both) << "in place";
+    }
+}
+
+TEST(String, ConvertsCaseInPlace) {
+    char text[] = "aB1\xE9";
+    kor_string_to_upper(text, text);
+    EXPECT_STREQ(text, "AB1\xE9");
+    kor_string_to_lower(text, text);
+    EXPECT_STREQ(text, "ab1\xE9");
+}
+
+TEST(String, RandomTextsAreDigitsAndLetters) {
+    char text[201];
+    std::memset(text, '?', sizeof text);
+    EXPECT_EQ(kor_string_random(text, 200), text);
+    EXPECT_EQ(std::strlen(text), 200U);
+    EXPECT_EQ(std::string(text).find_first_not_of("0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"),
+              std::string::npos);
+    EXPECT_NE(std::string(text), std::string(200, text[0]));
+}
+
+}  // namespace
