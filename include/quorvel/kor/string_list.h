@@ -11,6 +11,11 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * A list of copies of texts: the functions of list.h under names and types of their own, with the same errors. None
+ * can be an item.
+ */
+
 KOR_API KorList* kor_string_list_new(void);
 KOR_API void kor_string_list_clear(KorList* list);
 KOR_API void kor_string_list_delete(KorList** list);
@@ -23,6 +28,12 @@ KOR_API bool kor_string_list_poll(KorList* list);
 KOR_API KorListNode* kor_string_list_next(const KorListNode* node);
 KOR_API KorListNode* kor_string_list_previous(const KorListNode* node);
 KOR_API const char* kor_string_list_item(const KorListNode* node);
+
+/*
+ * The first or the last node whose text equals `text`, in which case counts unless `ignoreCase` is true; none when
+ * there is none. A `text` of none finds an item of none. `outIndex` as in kor_list_find_first. Do not use that
+ * function on a list of texts: it does not take a text.
+ */
 KOR_API KorListNode* kor_string_list_find_first(const KorList* list, const char* text, bool ignoreCase,
                                                 uint32_t* outIndex);
 KOR_API KorListNode* kor_string_list_find_last(const KorList* list, const char* text, bool ignoreCase,
