@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/thread.h"
+
+#include <cerrno>
+#include <unistd.h>
+
+#include "core/raise.h"
+
+using kor::raise;
+
+void kor_thread_sleep(uint64_t millis) {
+    if (millis == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "millis == 0"); }
+    if (usleep(static_cast<useconds_t>(millis * 1000)) != 0) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "usleep() error: %d", errno);
+    }
+}
