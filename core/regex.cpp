@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/regex.h"
+
+#include <regex.h>
+
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/kor/heap.h"
+
+using kor::raise;
+
+struct KorRegex {
+    regex_t expression;
+};
+
+KorRegex* kor_regex_new(const char* pattern) {
+    if (pattern == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid regular expression"), nullptr; }
+    auto* regex = static_cast<KorRegex*>(kor_heap_alloc(sizeof(KorRegex), 0));
+    if (regex == nullptr) { return nullptr; }
+    if (regcomp(&regex->expression, pattern, REG_EXTENDED | REG_NOSUB) != 0) {
+        kor_heap_free(regex);
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid regular expression"), nullptr;
+    }
+    return regex;
+}
+
+void kor_regex_delete(KorRegex** regex) {
+    if (regex == nullptr || *regex == nullptr) { return; }
+    regfree(&(*regex)->expression);
+    kor_heap_free(*regex);
+    *regex = nullptr;
+}
+
+bool kor_regex_match(const char* text, const KorRegex* regex) {
+    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'text' is NULL"), false; }
+    if (regex == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'regex' is NULL"), false; }
+    const int result = regexec(&regex->expression, text, 0, nullptr, 0);
+    if (result != 0 && result != REG_NOMATCH) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "regexec() error: %d", result), false;
+    }
+    return result == 0;
+}
+
+bool kor_regex_smatch(const char* text, const char* pattern) {
+    bool matched = false;
+    KorRegex* regex = nullptr;
+    kor::attempt([&] {
+        regex = kor_regex_new(pattern);
+        matched = kor_regex_match(text, regex);
+    }).cleanup([&] {
+          kor_regex_delete(&regex);
+      }).run();
+    return matched;
+}

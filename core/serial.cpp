@@ -1,0 +1,384 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "core/serial.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "core/serial_settings.h"
+#include "quorvel/kor/endianness.h"
+#include "quorvel/kor/exception.h"
+#include "quorvel/kor/heap.h"
+#include "quorvel/kor/path.h"
+#include "quorvel/kor/regex.h"
+#include "quorvel/kor/string.h"
+#include "quorvel/kor/string_list.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr int64_t kMillisPerTenth = 100;
+
+constexpr std::array<const char*, 3> kLinuxPortNames{"ttyS", "ttyUSB", "ttyACM"};
+
+constexpr std::array<int, 3> kPurgeQueues{TCIFLUSH, TCOFLUSH, TCIOFLUSH};
+
+// A signal does not end a call that can be made again.
+template <typename Call>
+auto retry(Call&& call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) { result = call(); }
+    return result;
+}
+
+bool is_usable(const KorSerial* handle) {
+    if (handle == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'handle' is NULL"), false; }
+    return true;
+}
+
+// Closes what cannot be used and gives the error that errno held before.
+int close_after_error(int fd) {
+    const int error = errno;
+    close(fd);
+    return error;
+}
+
+void raise_open_error(const char* path) {
+    switch (errno) {
+        case EBUSY:
+            return raise(KOR_RESULT_DEVICE_BUSY, "Port is busy: %s", path);
+        case EACCES:
+            return raise(KOR_RESULT_PERMISSION_DENIED, "Permission denied for port : %s", path);
+        default:
+            return raise(KOR_RESULT_FILE_NOT_FOUND, "No such port: %s", path);
+    }
+}
+
+// The descriptor of a terminal in blocking mode. O_NONBLOCK only keeps the opening itself from waiting for a carrier.
+int open_terminal(const char* path) {
+    if (path == nullptr) { return raise(KOR_RESULT_FILE_NOT_FOUND, "No such port: %s", "(null)"), -1; }
+    const int fd = open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) { return raise_open_error(path), -1; }
+    termios settings{};
+    if (tcgetattr(fd, &settings) != 0) {
+        return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", close_after_error(fd)), -1;
+    }
+    const int flags = fcntl(fd, F_GETFL);
+    if (flags < 0) { return raise(KOR_RESULT_IO_ERROR, "fcntl(F_GETFL) error: %d", close_after_error(fd)), -1; }
+    if (fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) < 0) {
+        return raise(KOR_RESULT_IO_ERROR, "fcntl(F_SETFL) error: %d", close_after_error(fd)), -1;
+    }
+    return fd;
+}
+
+// Reads the settings, lets `change` alter them in memory and applies them unless it raised.
+template <typename Change>
+void change_settings(const KorSerial* handle, Change&& change) {
+    if (!is_usable(handle)) { return; }
+    termios settings{};
+    if (tcgetattr(handle->fd, &settings) != 0) { return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", errno); }
+    if (!change(settings)) { return; }
+    kor::force_raw(settings);
+    if (tcsetattr(handle->fd, TCSANOW, &settings) != 0) {
+        return raise(KOR_RESULT_IO_ERROR, "tcsetattr(TCSANOW) error: %d", errno);
+    }
+}
+
+int64_t monotonic_millis() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
+// How long a read waits, in tenths of a second; -1 when the port was never told, so that read() itself decides.
+int read_timeout(int fd) {
+    termios settings{};
+    // A hung-up line has no settings any more and nothing to wait for.
+    if (tcgetattr(fd, &settings) != 0) { return 0; }
+    return settings.c_cc[VMIN] == 0 ? settings.c_cc[VTIME] : -1;
+}
+
+enum class Wait { kInput, kHungUp, kExpired };
+
+// Waits here and not in read(): the terminal's own timer starts again with every signal that restarts the read, so
+// that under a fast interval timer it would never expire.
+Wait wait_for_input(int fd, int tenths) {
+    if (tenths < 0) { return Wait::kInput; }
+    const int64_t deadline = monotonic_millis() + tenths * kMillisPerTenth;
+    for (int64_t left = tenths * kMillisPerTenth;; left = std::max<int64_t>(deadline - monotonic_millis(), 0)) {
+        pollfd input{fd, POLLIN, 0};
+        const int ready = poll(&input, 1, static_cast<int>(left));
+        if (ready == 0) { return Wait::kExpired; }
+        if (ready > 0) { return (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput; }
+        if (errno != EINTR) { return Wait::kInput; }
+    }
+}
+
+// The number of bytes obtained, or -1 after it raised.
+ssize_t read_bytes(const KorSerial* handle, uint8_t* to, size_t length) {
+    const int tenths = read_timeout(handle->fd);
+    size_t obtained = 0;
+    while (obtained < length) {
+        const Wait wait = wait_for_input(handle->fd, tenths);
+        if (wait == Wait::kExpired) { break; }
+        const ssize_t count = retry([&] { return read(handle->fd, to + obtained, length - obtained); });
+        if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), -1; }
+        // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.
+        if (count == 0 && wait == Wait::kHungUp) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", EIO), -1; }
+        if (count == 0) { break; }
+        obtained += static_cast<size_t>(count);
+    }
+    return static_cast<ssize_t>(obtained);
+}
+
+// False after it raised.
+bool read_all(const KorSerial* handle, void* to, size_t length) {
+    if (!is_usable(handle)) { return false; }
+    const ssize_t count = read_bytes(handle, static_cast<uint8_t*>(to), length);
+    if (count < 0) { return false; }
+    if (static_cast<size_t>(count) < length) {
+        return raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"), false;
+    }
+    return true;
+}
+
+// Writes once and waits until the bytes have left. The number written, or 0 after it raised.
+size_t write_some(const KorSerial* handle, const uint8_t* bytes, size_t length) {
+    const ssize_t count = retry([&] { return write(handle->fd, bytes, length); });
+    // Kept across tcdrain(); a write of nothing is a failure too, or the caller would never come to an end.
+    const int error = count == 0 ? EIO : errno;
+    if (retry([&] { return tcdrain(handle->fd); }) != 0) {
+        return raise(KOR_RESULT_IO_ERROR, "tcdrain() error: %d", errno), 0;
+    }
+    if (count <= 0) { return raise(KOR_RESULT_IO_ERROR, "write() error: %d", error), 0; }
+    return static_cast<size_t>(count);
+}
+
+// Compiled on first use and kept for the life of the process.
+const KorRegex* port_name_expression() {
+    static KorRegex* expression = nullptr;
+    if (expression == nullptr) { expression = kor_regex_new("(tty.(serial|usbserial|usbmodem).*)"); }
+    return expression;
+}
+
+bool is_port_name(const char* name, const KorRegex* expression) {
+    return kor_regex_match(name, expression)
+           || std::any_of(kLinuxPortNames.begin(), kLinuxPortNames.end(),
+                          [=](const char* prefix) { return std::strncmp(name, prefix, std::strlen(prefix)) == 0; });
+}
+
+// Whether the path can be opened and closed as a port. Whatever is wrong with it, it is only left out.
+bool is_port(const char* path) {
+    bool usable = false;
+    KorSerial* port = nullptr;
+    kor::attempt([&] {
+        if (kor_path_is_dir(path) || kor_path_is_file(path)) { return; }
+        port = kor_serial_open(path);
+        kor_serial_close(&port);
+        usable = true;
+    }).on_any([&] {
+      }).run();
+    return usable;
+}
+
+void append_ports(const char* directory, const KorList* names, const KorRegex* expression, KorList* out) {
+    for (const KorListNode* node = kor_string_list_first(names); node != nullptr; node = kor_string_list_next(node)) {
+        const char* name = kor_string_list_item(node);
+        // The name comes first: opening a stranger could wait, or have effects.
+        if (name == nullptr || !is_port_name(name, expression)) { continue; }
+        char path[128];
+        kor_string_format(path, sizeof path, "%s%s", directory, name);
+        if (is_port(path)) { kor_string_list_append(out, path); }
+    }
+}
+
+}  // namespace
+
+KorList* kor::list_serial_ports(const char* directory, KorList* out) {
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    const KorRegex* expression = port_name_expression();
+    if (expression == nullptr) { return out; }
+    KorList* names = nullptr;
+    kor::attempt([&] {
+        if (!kor_path_exists(directory) || !kor_path_is_dir(directory)) { return; }
+        names = kor_string_list_new();
+        kor_path_list_entries(directory, names);
+        append_ports(directory, names, expression, out);
+    }).cleanup([&] {
+          kor_string_list_delete(&names);
+      }).run();
+    return out;
+}
+
+KorList* kor_serial_list_ports(KorList* out) { return kor::list_serial_ports("/dev/", out); }
+
+KorSerial* kor_serial_open(const char* path) {
+    auto* handle = static_cast<KorSerial*>(kor_heap_alloc(sizeof(KorSerial), 0));
+    if (handle == nullptr) { return nullptr; }
+    handle->fd = -1;
+    kor::attempt([&] { handle->fd = open_terminal(path); })
+        .on_any([&] {
+            KorException error;
+            kor_exception_get(&error);
+            kor_heap_free(handle);
+            handle = nullptr;
+            kor_exception_fthrow(error.error, "%s", error.message);
+        })
+        .run();
+    return handle;
+}
+
+void kor_serial_close(KorSerial** handle) {
+    if (handle == nullptr || *handle == nullptr) { return; }
+    const int fd = (*handle)->fd;
+    kor_heap_free(*handle);
+    *handle = nullptr;
+    if (close(fd) != 0) { raise(KOR_RESULT_IO_ERROR, "close() error: %d", errno); }
+}
+
+void kor_serial_config(KorSerial* handle, const KorSerialConfig* config) {
+    if (!is_usable(handle)) { return; }
+    if (config == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'config' is NULL"); }
+    change_settings(handle, [=](termios& settings) {
+        return kor::set_read_timeout(settings, config->readTimeout) && kor::set_baud_rate(settings, config->baudRate)
+               && kor::set_data_bits(settings, config->dataBits) && kor::set_stop_bits(settings, config->stopBits)
+               && kor::set_parity(settings, config->parity) && kor::set_flow_control(settings, config->flowControl);
+    });
+}
+
+void kor_serial_set_read_timeout(KorSerial* handle, uint8_t tenths) {
+    change_settings(handle, [=](termios& settings) { return kor::set_read_timeout(settings, tenths); });
+}
+
+void kor_serial_set_baud_rate(KorSerial* handle, int32_t baudRate) {
+    change_settings(handle, [=](termios& settings) { return kor::set_baud_rate(settings, baudRate); });
+}
+
+void kor_serial_set_data_bits(KorSerial* handle, int32_t dataBits) {
+    change_settings(handle, [=](termios& settings) { return kor::set_data_bits(settings, dataBits); });
+}
+
+void kor_serial_set_stop_bits(KorSerial* handle, int32_t stopBits) {
+    change_settings(handle, [=](termios& settings) { return kor::set_stop_bits(settings, stopBits); });
+}
+
+void kor_serial_set_parity(KorSerial* handle, int32_t parity) {
+    change_settings(handle, [=](termios& settings) { return kor::set_parity(settings, parity); });
+}
+
+void kor_serial_set_flow_control(KorSerial* handle, int32_t flowControl) {
+    change_settings(handle, [=](termios& settings) { return kor::set_flow_control(settings, flowControl); });
+}
+
+void kor_serial_purge(KorSerial* handle, int32_t purgeType) {
+    if (!is_usable(handle)) { return; }
+    if (purgeType < KOR_SERIAL_PURGE_INPUT || purgeType > KOR_SERIAL_PURGE_BOTH) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: %d", purgeType);
+    }
+    if (tcflush(handle->fd, kPurgeQueues[static_cast<size_t>(purgeType)]) != 0) {
+        return raise(KOR_RESULT_IO_ERROR, "tcflush() error: %d", errno);
+    }
+}
+
+size_t kor_serial_available(KorSerial* handle) {
+    if (!is_usable(handle)) { return 0; }
+    int count = 0;
+    if (ioctl(handle->fd, FIONREAD, &count) != 0) {
+        return raise(KOR_RESULT_IO_ERROR, "ioctl(FIONREAD) error: %d", errno), 0;
+    }
+    return static_cast<size_t>(count);
+}
+
+void kor_serial_write(KorSerial* handle, const void* bytes, size_t length) {
+    if (!is_usable(handle)) { return; }
+    const auto* next = static_cast<const uint8_t*>(bytes);
+    while (length > 0) {
+        const size_t written = write_some(handle, next, length);
+        if (written == 0) { return; }
+        next += written;
+        length -= written;
+    }
+}
+
+void kor_serial_write_byte(KorSerial* handle, uint8_t byte) { kor_serial_write(handle, &byte, sizeof byte); }
+
+void kor_serial_write_str(KorSerial* handle, const char* text, bool withTerminator) {
+    if (!is_usable(handle)) { return; }
+    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'text' is NULL"); }
+    kor_serial_write(handle, text, std::strlen(text) + (withTerminator ? 1 : 0));
+}
+
+void kor_serial_write_ui16(KorSerial* handle, uint16_t value, int32_t byteOrder) {
+    const uint16_t ordered =
+        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe16(value) : kor_endianness_htole16(value);
+    kor_serial_write(handle, &ordered, sizeof ordered);
+}
+
+void kor_serial_write_i16(KorSerial* handle, int16_t value, int32_t byteOrder) {
+    kor_serial_write_ui16(handle, static_cast<uint16_t>(value), byteOrder);
+}
+
+void kor_serial_write_ui32(KorSerial* handle, uint32_t value, int32_t byteOrder) {
+    const uint32_t ordered =
+        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe32(value) : kor_endianness_htole32(value);
+    kor_serial_write(handle, &ordered, sizeof ordered);
+}
+
+void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byteOrder) {
+    kor_serial_write_ui32(handle, static_cast<uint32_t>(value), byteOrder);
+}
+
+size_t kor_serial_read(KorSerial* handle, void* buffer, size_t length) {
+    if (!is_usable(handle)) { return 0; }
+    const ssize_t count = read_bytes(handle, static_cast<uint8_t*>(buffer), length);
+    return count < 0 ? 0 : static_cast<size_t>(count);
+}
+
+uint8_t kor_serial_read_byte(KorSerial* handle) {
+    uint8_t byte = 0;
+    return read_all(handle, &byte, sizeof byte) ? byte : uint8_t{0};
+}
+
+uint16_t kor_serial_read_ui16(KorSerial* handle, int32_t byteOrder) {
+    uint16_t value = 0;
+    if (!read_all(handle, &value, sizeof value)) { return 0; }
+    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be16toh(value) : kor_endianness_le16toh(value);
+}
+
+int16_t kor_serial_read_i16(KorSerial* handle, int32_t byteOrder) {
+    return static_cast<int16_t>(kor_serial_read_ui16(handle, byteOrder));
+}
+
+uint32_t kor_serial_read_ui32(KorSerial* handle, int32_t byteOrder) {
+    uint32_t value = 0;
+    if (!read_all(handle, &value, sizeof value)) { return 0; }
+    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be32toh(value) : kor_endianness_le32toh(value);
+}
+
+int32_t kor_serial_read_i32(KorSerial* handle, int32_t byteOrder) {
+    return static_cast<int32_t>(kor_serial_read_ui32(handle, byteOrder));
+}
+
+char* kor_serial_read_str(KorSerial* handle, char* buffer, size_t size) {
+    if (!is_usable(handle)) { return buffer; }
+    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'buffer' is NULL"), buffer; }
+    char byte = '\0';
+    size_t at = 0;
+    do {
+        if (!read_all(handle, &byte, sizeof byte)) { return buffer; }
+        // What does not fit takes the last place in turn, until the NUL does.
+        if (at < size) { buffer[at] = byte; }
+        if (at + 1 < size) { ++at; }
+    } while (byte != '\0');
+    return buffer;
+}
