@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 the quorvel authors
+# headers.sh <include folder> <language> <compiler> [<flag> ...]: every public header compiles alone, and twice over.
+set -euo pipefail
+include=$1 language=$2
+shift 2
+compile=("$@" -I "$include" -x "$language" -)
+warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual -Werror)
+
+mapfile -t headers < <(cd "$include" && find . -name '*.h' | sed 's|^\./||' | sort)
+[ "${#headers[@]}" -gt 30 ] || { echo "only ${#headers[@]} headers were found"; exit 1; }
+reached=$(echo '#include <quorvel/quorvel.h>' | "${compile[@]}" -MM)
+failed=0
+for header in "${headers[@]}"; do
+    printf '#include <%s>\n#include <%s>\nint not_empty;\n' "$header" "$header" |
+        "${compile[@]}" -fsyntax-only "${warnings[@]}" || { echo "$header fails"; failed=1; }
+    grep -qF "/$header" <<<"$reached" || { echo "quorvel.h leaves out $header"; failed=1; }
+done
+exit $failed

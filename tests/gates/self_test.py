@@ -1,0 +1,73 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 the quorvel authors
+"""The checks of the sources find what they are for: each case is a small tree with one file more."""
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+HERE = Path(__file__).parent
+CPP_HEAD = "// SPDX-License-Identifier: MIT\n// Copyright (c) 2026 the quorvel authors\n"
+C_HEAD = "/* SPDX-License-Identifier: MIT */\n/* Copyright (c) 2026 the quorvel authors */\n"
+SOUND = {
+    "core/exception.cpp": CPP_HEAD + '#include "quorvel/kor/heap.h"\n// new, throw and setjmp() stand in words only\n'
+                          'const char* text = "throw new std::string";\nint f() { return setjmp(jump); }\n',
+    "core/raise.h": CPP_HEAD,
+    "include/quorvel/kor/heap.h": C_HEAD,
+    "include/quorvel/abecs/comm.h": C_HEAD + '#include "quorvel/kor/heap.h"\n',
+    "include/quorvel/abecs/packet.h": C_HEAD,
+    "abecs/comm/comm.cpp": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n#include "quorvel/abecs/packet.h"\n',
+    "abecs/cmd/frame.h": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n',
+}
+# Check, file, its text and what is said of it; nothing said means that it passes.
+CASES = [
+    ("sources", "core/x.cpp", "int* a = new int;", "core/x.cpp:3: operator new"),
+    ("sources", "core/x.cpp", "#include <new>\nauto* a = new (memory) A{};", ""),
+    ("sources", "core/x.cpp", "void f() { delete a; }", "operator delete"),
+    ("sources", "core/x.h", "struct A { A(const A&) = delete; };", ""),
+    ("sources", "crypt/x.cpp", "void f() { throw 1; }", "a C++ exception"),
+    ("sources", "abecs/data/x.cpp", "std::string a;", "a library type with a destructor"),
+    ("sources", "abecs/data/x.cpp", "std::string_view a;", ""),
+    ("sources", "abecs/data/x.cpp", "auto b = a.at(0);", "a member that throws"),
+    ("sources", "abecs/cmd/x.cpp", "#include <vector>", "a header of the C++ runtime"),
+    ("sources", "abecs/cmd/x.h", "struct A { ~A(); };", "a destructor"),
+    ("sources", "core/x.cpp", "auto* b = dynamic_cast<B*>(a);", "run-time type information"),
+    ("sources", "core/x.cpp", "void* a = std::malloc(1);", "memory that is not of kor_heap_alloc"),
+    ("sources", "core/heap.cpp", "void* a = std::malloc(1);", ""),
+    ("sources", "core/x.cpp", 'void f() { std::printf("x"); }', "printing"),
+    ("sources", "core/x.cpp", "void f() { exit(1); }", "an end of the process"),
+    ("sources", "core/x.cpp", "[[gnu::constructor]] void f() {}", "an initialiser"),
+    ("sources", "core/x.cpp", "int f() { return sigsetjmp(jump, 0); }", "2 calls of setjmp"),
+    ("sources", "core/x.cpp", "int f() { /* a\nb */ throw 1; }", "core/x.cpp:4: a C++ exception"),
+    ("layers", "core/x.cpp", '#include "abecs/cmd/frame.h"', "core must not include abecs/cmd/frame.h of cmd"),
+    ("layers", "core/x.cpp", '#include "core/raise.h"', ""),
+    ("layers", "include/quorvel/kor/x.h", '#include "quorvel/abecs/packet.h"', "must not include"),
+    ("layers", "abecs/data/x.cpp", "#include <quorvel/abecs/comm.h>", "of comm"),
+    ("layers", "abecs/comm/x.cpp", '#include "abecs/cmd/frame.h"', "of cmd"),
+    ("layers", "abecs/cmd/x.cpp", '#include "frame.h"\n#include "quorvel/abecs/comm.h"', ""),
+    ("layers", "simulator/commands/x.cpp", '#include "quorvel/abecs/packet.h"', "simulator must not include"),
+    ("layers", "simulator/x.cpp", '#include "core/raise.h"', "simulator must not include"),
+    ("layers", "simulator/x.cpp", "#include <tomcrypt.h>", "a crypto library of its own"),
+    ("layers", "tests/support/peer.cpp", '#include "abecs/cmd/frame.h"', "peer must not include"),
+]
+
+
+def verdict(check: str, files: dict) -> tuple:
+    with tempfile.TemporaryDirectory() as root:
+        for name, text in files.items():
+            path = Path(root, name)
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(text)
+        done = subprocess.run([sys.executable, HERE / f"{check}.py", root], capture_output=True, text=True)
+        return done.returncode, done.stdout.strip() + done.stderr
+
+
+wrong = 0
+for check, name, text, said in [*CASES, ("sources", "core/x.cpp", None, "core/x.cpp:1: no licence head")]:
+    body = "int a;\n" if text is None else CPP_HEAD + text + "\n"
+    code, output = verdict(check, SOUND | {name: body})
+    if code != (1 if said else 0) or said not in output or (not said and output):
+        wrong += 1
+        print(f"{check} on {name} with {text!r}: exit {code}, {output!r}; expected {said!r}")
+sys.exit(1 if wrong else 0)

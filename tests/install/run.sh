@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 the quorvel authors
+# run.sh <cmake> <source folder> <build folder> <C compiler> <library folder> [<C flag> ...]: installs the build into
+# an empty prefix, then builds and runs a small C program against it through find_package and through pkg-config.
+set -euo pipefail
+cmake=$1 source=$2 build=$3 cc=$4 libdir=$5
+shift 5
+flags=(-Wall -Wextra -Wpedantic -Werror "$@")
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# Moved after the installation: neither description may remember where it was first put.
+"$cmake" --install "$build" --prefix "$work/first" >"$work/log" || { cat "$work/log"; exit 1; }
+prefix=$work/moved
+mv "$work/first" "$prefix"
+
+diff <(cd "$source/include" && find . -type f | sort) <(cd "$prefix/include" && find . -type f | sort) ||
+    { echo "the installed headers differ from the tree's"; exit 1; }
+if readelf -d "$prefix/$libdir/libquorvel0.so" | grep -E 'RPATH|RUNPATH'; then
+    echo "the installed library looks for its needs in a folder of the build"; exit 1
+fi
+if grep -rlF -e "$source" -e "$build" -e "$work/first" "$prefix/$libdir/cmake" "$prefix/$libdir/pkgconfig"; then
+    echo "these files name a folder of the build"; exit 1
+fi
+
+expected=$'0.1.0\n[KOR_RESULT_ILLEGAL_ARGUMENT] \'out\' is NULL'
+check() {
+    local printed
+    printed=$("$2")
+    [ "$printed" = "$expected" ] && return
+    printf 'through %s the program printed:\n%s\nexpected:\n%s\n' "$1" "$printed" "$expected"
+    exit 1
+}
+
+"$cmake" -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_C_COMPILER="$cc" -DCMAKE_C_FLAGS="${flags[*]}" \
+    -DCMAKE_PREFIX_PATH="$prefix" >"$work/log"
+"$cmake" --build "$work/consumer" >>"$work/log" || { cat "$work/log"; exit 1; }
+check find_package "$work/consumer/consumer"
+
+export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
+[ "$(pkg-config --modversion quorvel)" = 0.1.0 ]
+read -ra from_pkg_config <<<"$(pkg-config --cflags --libs quorvel)"
+"$cc" -std=c11 "${flags[@]}" "$here/consumer/main.c" -o "$work/by_pkg_config" "${from_pkg_config[@]}" \
+    -Wl,-rpath,"$prefix/$libdir"
+check pkg-config "$work/by_pkg_config"
+
+if [ -e "$prefix/bin/quorvel-sim" ]; then "$prefix/bin/quorvel-sim" --help >/dev/null; fi
