@@ -7,31 +7,31 @@
 
 #include "quorvel/kor/defs.h"
 
-/*
- * Clock, random numbers, platform names and environment of the process.
- */
 KOR_BEGIN_DECLS
 
 /*
- * The wall clock in milliseconds since 1970.
- *
- * Raises KOR_RESULT_RUNTIME_ERROR "gettimeofday() error: %d" with errno when the clock cannot be read.
+ * Clock, random numbers, platform names and environment of the process.
+ */
+
+/*
+ * The wall clock in milliseconds since 1970. RUNTIME_ERROR "gettimeofday() error: %d" with errno when it cannot be
+ * read.
  */
 KOR_API int64_t kor_system_current_time_millis(void);
 
 /*
- * A number from `min` to `max`, both included, with min <= max. The generator is the C library's, seeded from the
- * clock on the first call: good for padding and names, never for keys.
+ * A number from `min` to `max`, both included; `min` is at most `max`. The generator is the C library's, seeded from
+ * the clock on the first call: good for names and padding, never for keys.
  */
 KOR_API int32_t kor_system_random(int32_t min, int32_t max);
 
-/* Static texts: always "osx" and "x86". */
+/* Fixed texts: always "osx" and "x86". */
 KOR_API const char* kor_system_os_name(void);
 KOR_API const char* kor_system_os_arch(void);
 
 /*
- * The value of the environment variable `name`, or null when there is none. The text is the environment's own: do not
- * free it, and do not keep it across a change of the environment.
+ * The value of the environment variable `name`, or none. The text is the environment's own: it is not to be freed, and
+ * lives until the variable changes.
  */
 KOR_API const char* kor_system_get_env(const char* name);
 

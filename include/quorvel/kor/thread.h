@@ -7,17 +7,16 @@
 
 #include "quorvel/kor/defs.h"
 
-/*
- * Sleeping. The library starts no threads.
- */
 KOR_BEGIN_DECLS
 
+/* Sleeping. The library starts no threads. */
+
 /*
- * Sleeps for `millis` milliseconds. More than 4294967 (71 minutes) exceeds the platform's range and sleeps for less.
+ * Sleeps for `millis` milliseconds. The platform counts microseconds in 32 bits: more than 4294967 milliseconds sleep
+ * for less.
  *
- * Raises
- * - KOR_RESULT_ILLEGAL_ARGUMENT "millis == 0";
- * - KOR_RESULT_RUNTIME_ERROR "usleep() error: %d" with errno, 4 when a signal handler ended the sleep early.
+ * ILLEGAL_ARGUMENT "millis == 0"; RUNTIME_ERROR "usleep() error: %d" with errno, which is 4 when a signal ended the
+ * sleep early.
  */
 KOR_API void kor_thread_sleep(uint64_t millis);
 
