@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/comm/comm.h"
+
+#include <cstring>
+#include <new>
+
+#include "abecs/comm/crc16.h"
+#include "abecs/comm/secure.h"
+#include "abecs/comm/transport.h"
+#include "abecs/comm/wire.h"
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/abecs/crc16.h"
+#include "quorvel/kor/heap.h"
+#include "quorvel/kor/string.h"
+#include "quorvel/kor/system.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr KorSerialConfig kSerialConfig{
+    .readTimeout = abecs::kByteWait,
+    .baudRate = abecs::kBaudRate,
+    .dataBits = abecs::kDataBits,
+    .stopBits = KOR_SERIAL_STOP_BITS_ONE,
+    .parity = KOR_SERIAL_PARITY_NONE,
+    .flowControl = KOR_SERIAL_FLOW_CONTROL_NONE,
+};
+
+constexpr size_t kCmdIdLen = 3;
+constexpr const char* kNeverEncrypted = "OPN";
+
+AbecsComm* new_link() {
+    void* memory = kor_heap_alloc(sizeof(AbecsComm), 0);
+    return memory != nullptr ? new (memory) AbecsComm{} : nullptr;
+}
+
+// True when the link can be used; raises otherwise.
+bool check_free(const AbecsComm* link) {
+    if (link == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), false; }
+    if (!abecs::is_blocked(link)) { return true; }
+    return raise(KOR_RESULT_ILLEGAL_STATE, "Connection is blocked waiting for %s response", link->blkWaitId), false;
+}
+
+void connect(AbecsComm* link, const char* portName) {
+    link->serial = kor_serial_open(portName);
+    kor_serial_config(link->serial, &kSerialConfig);
+    abecs::purge(link);
+    abecs::cancel(link);
+    link->lastSend = kor_system_current_time_millis();
+}
+
+// Keeps the first error, so that what follows it is still done.
+template <typename Step>
+void keep_error(KorException* first, Step&& step) {
+    KorException error{};
+    kor::attempt(step).on_any([&] { kor_exception_get(&error); }).run();
+    if (first->error == KOR_RESULT_OK) { *first = error; }
+}
+
+}  // namespace
+
+AbecsComm* abecs_comm_open(const char* portName) {
+    AbecsComm* link = new_link();
+    if (link == nullptr) { return nullptr; }
+    bool opened = false;
+    kor::attempt([&] {
+        connect(link, portName);
+        opened = true;
+    })
+        .cleanup([&] {
+            if (!opened) { abecs_comm_close(&link); }
+        })
+        .run();
+    return link;
+}
+
+// The line may have hung up, and then both steps on the port raise. Callers also close while they clean up after an
+// error: that one must stay the pending one, though the try blocks in here clear it.
+void abecs_comm_close(AbecsComm** pinpad) {
+    if (pinpad == nullptr || *pinpad == nullptr) { return; }
+    AbecsComm* link = *pinpad;
+    *pinpad = nullptr;
+    const KorException pending = *kor_exception_get_exception();
+    KorException error{};
+    if (link->serial != nullptr) {
+        keep_error(&error, [&] { kor_serial_purge(link->serial, KOR_SERIAL_PURGE_BOTH); });
+        keep_error(&error, [&] { kor_serial_close(&link->serial); });
+    }
+    explicit_bzero(link, sizeof *link);
+    kor_heap_free(link);
+    *kor_exception_get_exception() = pending;
+    if (pending.error == KOR_RESULT_OK) { kor_exception_throw(error.error, error.message); }
+}
+
+void abecs_comm_send_can(AbecsComm* pinpad) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    kor::attempt([&] { abecs::cancel(pinpad); }).run();
+}
+
+void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (packet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"); }
+    AbecsPacket* encrypted = nullptr;
+    kor::attempt([&] {
+        char id[kCmdIdLen + 1] = "";
+        abecs_comm_get_cmd_id(packet, id, sizeof id);
+        if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) {
+            encrypted = abecs::secure_encrypt(pinpad, packet);
+        }
+        abecs::transmit(pinpad, packet, encrypted);
+    }).cleanup([&] {
+          abecs_packet_delete(&encrypted);
+      }).run();
+}
+
+AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), nullptr; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    AbecsPacket* response = nullptr;
+    kor::attempt([&] {
+        if (abecs::receive(pinpad, out)) { abecs::secure_decrypt(pinpad, out); }
+        response = out;
+    }).run();
+    return response;
+}
+
+void abecs_comm_check_busy(const AbecsComm* pinpad) { check_free(pinpad); }
+
+void abecs_comm_lock(AbecsComm* pinpad, const char* cmdId) {
+    if (!check_free(pinpad)) { return; }
+    if (cmdId == nullptr || *cmdId == '\0') { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "NULL/empty 'cmdId'"); }
+    if (std::strlen(cmdId) > abecs::kMaxBlkWaitId) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdId' is too long: %s", cmdId);
+    }
+    kor_string_copy(pinpad->blkWaitId, cmdId);
+}
+
+void abecs_comm_release(AbecsComm* pinpad) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    pinpad->blkWaitId[0] = '\0';
+}
+
+const char* abecs_comm_get_blk_wait_id(const AbecsComm* pinpad) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), ""; }
+    return pinpad->blkWaitId;
+}
+
+// Restored on an error too, so that a packet with a bad id is left as it came.
+char* abecs_comm_get_cmd_id(AbecsPacket* packet, char* out, size_t sizeOut) {
+    if (packet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), nullptr; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    KorBufferState start;
+    abecs_packet_save_state(packet, &start);
+    char* id = nullptr;
+    kor::attempt([&] {
+        id = abecs_packet_read_field_a(packet, out, sizeOut, kCmdIdLen, false);
+    }).cleanup([&] {
+          abecs_packet_set_state(packet, &start);
+      }).run();
+    return id;
+}
+
+void abecs_comm_set_send_interval(AbecsComm* pinpad, int64_t interval) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    pinpad->sendInterval = interval;
+}
+
+int64_t abecs_comm_get_send_interval(const AbecsComm* pinpad) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), 0; }
+    return pinpad->sendInterval;
+}
+
+void abecs_comm_set_key(AbecsComm* pinpad, const uint8_t* key) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "pinpad is NULL"); }
+    pinpad->keySet = key != nullptr;
+    if (key == nullptr) { return explicit_bzero(pinpad->key.data(), pinpad->key.size()); }
+    std::memcpy(pinpad->key.data(), key, pinpad->key.size());
+}
+
+// Without a record it is the session key whose bytes go, while its flag stays: a session that is still open goes on
+// under a key of zeros. The PAN key stays in the handle until it is closed.
+void abecs_comm_set_wk_pan(AbecsComm* pinpad, const AbecsWkPan* wkPan) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "pinpad is NULL"); }
+    pinpad->panProtected = wkPan != nullptr;
+    pinpad->panKeyInstalled = wkPan != nullptr;
+    if (wkPan == nullptr) { return explicit_bzero(pinpad->key.data(), pinpad->key.size()); }
+    pinpad->wkPanType = wkPan->type;
+    std::memcpy(pinpad->wkPanKey.data(), wkPan->key, pinpad->wkPanKey.size());
+}
+
+uint16_t abecs_comm_crc16(AbecsPacket* packet, const uint8_t* prefix, const uint8_t* suffix) {
+    if (packet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), uint16_t{0}; }
+    uint16_t crc = abecs::kCrc16.initial;
+    if (prefix != nullptr) { crc = abecs::crc16_update(crc, *prefix); }
+    KorBufferState start;
+    abecs_packet_save_state(packet, &start);
+    for (size_t left = abecs_packet_available_read(packet); left != 0; --left) {
+        crc = abecs::crc16_update(crc, abecs_packet_read_byte(packet));
+    }
+    abecs_packet_set_state(packet, &start);
+    return suffix != nullptr ? abecs::crc16_update(crc, *suffix) : crc;
+}

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_ABECS_COMM_COMM_H
+#define QUORVEL_ABECS_COMM_COMM_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "quorvel/abecs/comm.h"
+#include "quorvel/abecs/wk_pan.h"
+#include "quorvel/kor/serial.h"
+
+namespace abecs {
+
+inline constexpr size_t kSessionKeySize = 16;  // AES-128
+inline constexpr size_t kMaxBlkWaitId = 12;
+
+}  // namespace abecs
+
+struct AbecsComm {
+    KorSerial* serial;
+    std::array<uint8_t, abecs::kSessionKeySize> key;
+    bool keySet;
+    AbecsWkPanType_E wkPanType;
+    std::array<uint8_t, sizeof(AbecsWkPan::key)> wkPanKey;
+    bool panProtected;     // card responses come in the layout of protected mode
+    bool panKeyInstalled;  // and their card data is deciphered with wkPanKey
+    char blkWaitId[abecs::kMaxBlkWaitId + 1];
+    int64_t sendInterval;
+    int64_t lastSend;
+};
+
+namespace abecs {
+
+inline bool is_blocked(const AbecsComm* link) { return link->blkWaitId[0] != '\0'; }
+
+}  // namespace abecs
+
+#endif

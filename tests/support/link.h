@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_TESTS_SUPPORT_LINK_H
+#define QUORVEL_TESTS_SUPPORT_LINK_H
+
+#include <gtest/gtest.h>
+#include <new>
+#include <type_traits>
+
+#include "abecs/comm/comm.h"
+#include "quorvel/abecs/comm.h"
+#include "quorvel/kor/heap.h"
+#include "quorvel/kor/serial.h"
+#include "tests/support/peer.h"
+#include "tests/support/raised.h"
+
+namespace support {
+
+// A link and the scripted peer at its other end. A command's case:
+//
+//     support::Link link;
+//     link.peer.request("GIN00200").response("GIN000...");
+//     AbecsCmdGinResponse out;
+//     EXPECT_EQ(link.call(abecs_cmd_gin)(0, &out), 0);
+//
+// and one of an error: EXPECT_RAISES(code, "detail", abecs_cmd_gin(link.comm, 0, &out));
+//
+// The handle is built here: abecs_comm_open would cost every test the half second in which the line must be silent.
+// All functions are inline, so that only programs that have the link layer need it.
+class Link {
+public:
+    Link() {
+        EXPECT_NO_RAISE(comm = new (kor_heap_alloc(sizeof(AbecsComm), 0)) AbecsComm{});
+        EXPECT_NO_RAISE(comm->serial = kor_serial_open(peer.path().c_str()));
+        const KorSerialConfig config{
+            20, 19200, 8, KOR_SERIAL_STOP_BITS_ONE, KOR_SERIAL_PARITY_NONE, KOR_SERIAL_FLOW_CONTROL_NONE};
+        EXPECT_NO_RAISE(kor_serial_config(comm->serial, &config));
+    }
+
+    // The peer first: closing throws away what it has not read yet.
+    ~Link() {
+        peer.finish();
+        raised_by([&] { abecs_comm_close(&comm); });
+    }
+
+    Link(const Link&) = delete;
+    Link& operator=(const Link&) = delete;
+
+    // call(function)(arguments...) calls a function of the link; an error raised is a failure of the test.
+    template <typename Result, typename Handle, typename... Parameters>
+    [[nodiscard]] auto call(Result (*function)(Handle*, Parameters...), Peer::Where where = {}) {
+        return [this, function, where](Parameters... arguments) {
+            if constexpr (std::is_void_v<Result>) {
+                report(raised_by([&] { function(comm, arguments...); }), where);
+            } else {
+                Result result{};
+                report(raised_by([&] { result = function(comm, arguments...); }), where);
+                return result;
+            }
+        };
+    }
+
+    Peer peer;
+    AbecsComm* comm = nullptr;
+
+private:
+    static void report(const Raised& raised, const Peer::Where& where) {
+        if (raised != Raised{}) { ADD_FAILURE_AT(where.file, where.line) << "the call raised " << raised; }
+    }
+};
+
+}  // namespace support
+
+#endif
