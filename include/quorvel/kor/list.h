@@ -51,7 +51,7 @@ KOR_API void* kor_list_item(const KorListNode* node);
 
 /*
  * The first or the last node whose item is the very pointer `item` or equal to it by the list's function, called as
- * equals(stored, item), where stored may be none; none when nothing matches. `outIndex`, if given, receives its
+ * equals(stored, item), where either may be none; none when nothing matches. `outIndex`, if given, receives its
  * position from the first node, counted from 0; it is left alone when nothing matches.
  */
 KOR_API KorListNode* kor_list_find_first(const KorList* list, const void* item, uint32_t* outIndex);

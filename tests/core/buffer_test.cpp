@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/buffer.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "tests/core/owned.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+using Buffer = Owned<KorBuffer, kor_buffer_delete>;
+using Bytes = std::vector<uint8_t>;
+
+void write(KorBuffer* buffer, const Bytes& bytes) {
+    EXPECT_NO_RAISE(kor_buffer_write(buffer, bytes.data(), bytes.size()));
+}
+
+Bytes read(KorBuffer* buffer, size_t length) {
+    Bytes bytes(length);
+    bytes.resize(kor_buffer_read(buffer, bytes.data(), length));
+    return bytes;
+}
+
+void expect_room(const KorBuffer* buffer, size_t toRead, size_t toWrite) {
+    EXPECT_EQ(kor_buffer_available_read(buffer), toRead);
+    EXPECT_EQ(kor_buffer_available_write(buffer), toWrite);
+}
+
+TEST(Buffer, TellsFullFromEmpty) {
+    const Buffer buffer(kor_buffer_new(4));
+    expect_room(buffer, 0, 4);
+    EXPECT_TRUE(kor_buffer_is_last_read(buffer));
+    write(buffer, {1, 2, 3, 4});
+    expect_room(buffer, 4, 0);
+    EXPECT_EQ(kor_buffer_get_write_cursor_pos(buffer), kor_buffer_get_read_cursor_pos(buffer));
+    EXPECT_FALSE(kor_buffer_is_last_read(buffer));
+    EXPECT_EQ(read(buffer, 9), (Bytes{1, 2, 3, 4}));
+    expect_room(buffer, 0, 4);
+}
+
+TEST(Buffer, MovingNoBytesKeepsFullFullAndEmptyEmpty) {
+    const Buffer buffer(kor_buffer_new(2));
+    EXPECT_NO_RAISE(kor_buffer_write(buffer, "", 0));
+    expect_room(buffer, 0, 2);
+    write(buffer, {1, 2});
+    EXPECT_NO_RAISE(kor_buffer_write(buffer, "", 0));
+    EXPECT_EQ(kor_buffer_read(buffer, nullptr, 0), 0U);
+    expect_room(buffer, 2, 0);
+}
+
+// Reads and writes of changing lengths, against a queue.
+TEST(Buffer, GivesBackWhatWasWrittenInOrderAcrossTheWrap) {
+    constexpr size_t kCapacity = 5;
+    const Buffer buffer(kor_buffer_new(kCapacity));
+    std::deque<uint8_t> model;
+    uint8_t next = 0;
+    for (size_t step = 0; step < 500; ++step) {
+        const size_t in = std::min((step * 7 + step / 6) % (kCapacity + 1), kCapacity - model.size());
+        Bytes bytes;
+        for (size_t i = 0; i < in; ++i) { bytes.push_back(next++); }
+        write(buffer, bytes);
+        model.insert(model.end(), bytes.begin(), bytes.end());
+        expect_room(buffer, model.size(), kCapacity - model.size());
+
+        const size_t out = std::min((step * 5 + step / 11) % (kCapacity + 1), model.size());
+        const Bytes expected(model.begin(), model.begin() + static_cast<std::ptrdiff_t>(out));
+        model.erase(model.begin(), model.begin() + static_cast<std::ptrdiff_t>(out));
+        ASSERT_EQ(read(buffer, out), expected) << "step " << step;
+    }
+}
+
+TEST(Buffer, RefusesAWriteWithoutRoomForAllOfIt) {
+    const Buffer buffer(kor_buffer_new(4));
+    write(buffer, {1, 2, 3});
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 1, requested: 2)",
+                  kor_buffer_write_ui16(buffer, 1, 0));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 1, requested: 2)",
+                  kor_buffer_write_str(buffer, "x", true));
+    EXPECT_EQ(read(buffer, 9), (Bytes{1, 2, 3}));
+}
+
+TEST(Buffer, WithoutStorageHasNoRoom) {
+    const Buffer buffer(kor_buffer_new(0));
+    EXPECT_EQ(kor_buffer_get_storage(buffer), nullptr);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  kor_buffer_write_byte(buffer, 1));
+    EXPECT_EQ(kor_buffer_read(buffer, nullptr, 1), 0U);
+    EXPECT_NO_RAISE(kor_buffer_set_storage(buffer, nullptr, 0, true));
+    expect_room(buffer, 0, 0);
+}
+
+TEST(Buffer, LentStorageIsWorkedOnInPlaceFullOrEmpty) {
+    std::array<uint8_t, 8> storage{1, 2, 3, 4, 5, 6, 7, 8};
+    const Buffer buffer(kor_buffer_new(3));
+    write(buffer, {9, 9});
+    EXPECT_NO_RAISE(kor_buffer_set_storage(buffer, storage.data(), 8, true));
+    EXPECT_EQ(read(buffer, 99), (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_NO_RAISE(kor_buffer_set_storage(buffer, storage.data(), 8, false));
+    expect_room(buffer, 0, 8);
+    EXPECT_EQ(kor_buffer_capacity(buffer), 8U);
+    write(buffer, {0xAA});
+    EXPECT_EQ(storage[0], 0xAA);
+    EXPECT_EQ(kor_buffer_get_storage(buffer), storage.data());
+}
+
+TEST(Buffer, RefusedStorageLeavesTheOldOne) {
+    uint8_t byte = 0;
+    const Buffer buffer(kor_buffer_new(2));
+    write(buffer, {7});
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is NULL and sizeStorage != 0",
+                  kor_buffer_set_storage(buffer, nullptr, 1, false));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is not NULL but sizeStorage == 0",
+                  kor_buffer_set_storage(buffer, &byte, 0, false));
+    EXPECT_EQ(read(buffer, 2), Bytes{7});
+}
+
+TEST(Buffer, NumbersAreWrittenInTheOrderAskedFor) {
+    const Buffer buffer(kor_buffer_new(25));
+    const auto write_all = [&] {
+        kor_buffer_write_byte(buffer, 0xFE);
+        kor_buffer_write_ui16(buffer, 0x1234, 0);
+        kor_buffer_write_ui16(buffer, 0x1234, 1);
+        kor_buffer_write_i16(buffer, -2, 0);
+        kor_buffer_write_i16(buffer, -2, -1);
+        kor_buffer_write_ui32(buffer, 0x12345678, 0);
+        kor_buffer_write_ui32(buffer, 0x12345678, 256);
+        kor_buffer_write_i32(buffer, -2, 0);
+        kor_buffer_write_i32(buffer, -2, 1);
+    };
+    EXPECT_NO_RAISE(write_all());
+    EXPECT_EQ(read(buffer, 25), (Bytes{0xFE, 0x12, 0x34, 0x34, 0x12, 0xFF, 0xFE, 0xFE, 0xFF, 0x12, 0x34, 0x56, 0x78,
+                                       0x78, 0x56, 0x34, 0x12, 0xFF, 0xFF, 0xFF, 0xFE, 0xFE, 0xFF, 0xFF, 0xFF}));
+}
+
+TEST(Buffer, NumbersAreReadInTheOrderAskedFor) {
+    const Bytes bytes{0xFE, 0x12, 0x34, 0xFE};
+    const Buffer buffer(kor_buffer_new(6));
+    const auto from = [&](auto reader, auto... byteOrder) {
+        kor_buffer_clear(buffer);
+        write(buffer, bytes);
+        return reader(buffer, byteOrder...);
+    };
+    EXPECT_EQ(from(kor_buffer_read_byte), 0xFE);
+    EXPECT_EQ(from(kor_buffer_read_ui16, 0), 0xFE12);
+    EXPECT_EQ(from(kor_buffer_read_ui16, 1), 0x12FE);
+    EXPECT_EQ(from(kor_buffer_read_i16, 0), -494);
+    EXPECT_EQ(from(kor_buffer_read_i16, -1), 0x12FE);
+    EXPECT_EQ(from(kor_buffer_read_ui32, 0), 0xFE1234FEU);
+    EXPECT_EQ(from(kor_buffer_read_ui32, 2), 0xFE3412FEU);
+    EXPECT_EQ(from(kor_buffer_read_i32, 0), -32361218);
+    EXPECT_EQ(from(kor_buffer_read_i32, 1), -30141698);
+}
+
+TEST(Buffer, ANumberThatIsNotAllThereStaysUnread) {
+    const Buffer buffer(kor_buffer_new(4));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  kor_buffer_read_byte(buffer));
+    write(buffer, {1, 2, 3});
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 3, requested: 4)",
+                  kor_buffer_read_i32(buffer, 0));
+    kor_buffer_read(buffer, nullptr, 2);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 1, requested: 2)",
+                  kor_buffer_read_i16(buffer, 0));
+    EXPECT_EQ(read(buffer, 4), Bytes{3});
+}
+
+TEST(Buffer, ARestoredStateMakesTheSameBytesReadableAgain) {
+    const Buffer buffer(kor_buffer_new(4));
+    write(buffer, {0, 0, 1, 2});
+    kor_buffer_read(buffer, nullptr, 2);
+    write(buffer, {3, 4});
+    KorBufferState state{};
+    EXPECT_EQ(kor_buffer_save_state(buffer, &state), &state);
+    EXPECT_EQ(read(buffer, 3), (Bytes{1, 2, 3}));
+    kor_buffer_set_state(buffer, &state);
+    expect_room(buffer, 4, 0);
+    EXPECT_EQ(read(buffer, 4), (Bytes{1, 2, 3, 4}));
+    kor_buffer_set_read_cursor_pos(buffer, 1);
+    kor_buffer_set_write_cursor_pos(buffer, 1);
+    kor_buffer_set_last_read(buffer, false);
+    EXPECT_EQ(kor_buffer_clear(buffer), 4U);
+    expect_room(buffer, 0, 4);
+    EXPECT_EQ(kor_buffer_get_read_cursor_pos(buffer), 0U);
+    EXPECT_EQ(kor_buffer_get_write_cursor_pos(buffer), 0U);
+}
+
+TEST(Buffer, ReadsTextsCutToTheDestination) {
+    const struct {
+        std::string text;
+        size_t size;
+        std::string memory;  // of the destination afterwards, "####" before
+    } cases[] = {
+        {"", 4, std::string("\0###", 4)},
+        {"abc", 4, std::string("abc\0", 4)},
+        {"abcdef", 4, std::string("abc\0", 4)},
+        {"abcdef", 1, std::string("\0###", 4)},
+        {"abcdef", 0, "####"},
+    };
+    for (const auto& c : cases) {
+        const Buffer buffer(kor_buffer_new(8));
+        kor_buffer_write_str(buffer, c.text.c_str(), true);
+        kor_buffer_write_byte(buffer, 0x7F);
+        std::string destination = "####";
+        EXPECT_NO_RAISE(kor_buffer_read_str(buffer, destination.data(), c.size));
+        EXPECT_EQ(destination, c.memory) << c.text << " into " << c.size;
+        EXPECT_EQ(read(buffer, 9), Bytes{0x7F}) << c.text << " into " << c.size;
+    }
+}
+
+TEST(Buffer, ATextWithoutItsTerminatorIsTakenAndRefused) {
+    const Buffer buffer(kor_buffer_new(8));
+    kor_buffer_write_str(buffer, "abcdef", false);
+    char destination[4] = "###";
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Null-terminator not found", kor_buffer_read_str(buffer, destination, 4));
+    EXPECT_STREQ(destination, "abc");
+    expect_room(buffer, 0, 8);
+}
+
+TEST(Buffer, RefusesNoneEverywhere) {
+    KorBuffer* none = nullptr;
+    char text[4];
+    void (*const calls[])(KorBuffer*, char*) = {
+        [](KorBuffer* b, char*) { kor_buffer_set_storage(b, nullptr, 1, false); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_get_storage(b), nullptr); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_capacity(b), 0U); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_clear(b), 0U); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_available_read(b), 0U); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_available_write(b), 0U); },
+        [](KorBuffer* b, char* out) { EXPECT_EQ(kor_buffer_read(b, out, 1), 0U); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_read_byte(b), 0U); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_read_i16(b, 1), 0); },
+        [](KorBuffer* b, char*) { EXPECT_EQ(kor_buffer_read_i32(b, 0), 0); },
+        [](KorBuffer* b, char* out) { EXPECT_EQ(kor_buffer_read_str(b, out, 4), nullptr); },
+        [](KorBuffer* b, char*) { kor_buffer_write(b, "", 0); },
+        [](KorBuffer* b, char*) { kor_buffer_write_i16(b, 1, 0); },
+        [](KorBuffer* b, char*) { kor_buffer_write_i32(b, 1, 1); },
+        [](KorBuffer* b, char*) { kor_buffer_write_str(b, "x", true); },
+    };
+    for (auto* call : calls) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL", call(none, text));
+        const support::ReturningRaises raises;
+        call(none, text);
+        EXPECT_EQ(raises.all(), std::vector{support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL")});
+    }
+    EXPECT_NO_RAISE(kor_buffer_delete(nullptr));
+    EXPECT_NO_RAISE(kor_buffer_delete(&none));
+}
+
+}  // namespace

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/collection.h"
+
+#include <gtest/gtest.h>
+
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/kor/buffer.h"
+#include "quorvel/kor/int_set.h"
+#include "quorvel/kor/map.h"
+#include "quorvel/kor/string_list.h"
+#include "tests/core/counted.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+TEST(Collection, HashesTexts) {
+    const struct {
+        const char* text;
+        uint32_t hash;
+    } cases[] = {
+        {nullptr, 0},
+        {"", 0},
+        {"ab", 3105},
+        {"\xC3\xA9", 4294965318U},            // the two bytes count as -61 and -87
+        {"polygenelubricants", 0x80000000U},  // wraps around
+    };
+    for (const auto& [text, hash] : cases) { EXPECT_EQ(kor_collection_hash_str(text), hash); }
+    EXPECT_EQ(kor_collection_hash_int(-1), 0xFFFFFFFFU);
+}
+
+TEST(Collection, ComparesBytesAndNone) {
+    const char abc[] = "abc";
+    EXPECT_TRUE(kor_collection_equals(nullptr, nullptr, 3));
+    EXPECT_FALSE(kor_collection_equals(abc, nullptr, 0));
+    EXPECT_FALSE(kor_collection_equals(nullptr, abc, 3));
+    EXPECT_TRUE(kor_collection_equals(abc, "abd", 2));
+    EXPECT_FALSE(kor_collection_equals(abc, "abd", 3));
+}
+
+TEST(Collection, CopiesBytesAndNone) {
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "data is NULL and size != 0", kor_collection_copy(nullptr, 1));
+    void* copy = nullptr;
+    EXPECT_NO_RAISE(copy = kor_collection_copy(nullptr, 0));
+    EXPECT_EQ(copy, nullptr);
+    EXPECT_NO_RAISE(copy = kor_collection_copy("abc", 4));
+    EXPECT_STREQ(static_cast<char*>(copy), "abc");
+    kor_collection_destroy(copy);
+    kor_collection_destroy(nullptr);
+}
+
+// A try block of their own would clear the pending error.
+TEST(Collection, ClearingAndDeletingInACleanUpKeepThePendingError) {
+    counted::reset();
+    KorMap* map = kor_map_new(2, counted::hash, counted::equals, counted::copy, counted::copy, counted::destroy,
+                              counted::destroy);
+    KorSet* set = kor_int_set_new(2);
+    KorList* list = kor_string_list_new();
+    KorBuffer* buffer = kor_buffer_new(4);
+    kor_map_put(map, "key", "value");
+    kor_int_set_put(set, 1);
+    kor_string_list_append(list, "text");
+    const auto fail_and_clean_up = [&] {
+        kor::attempt([] { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "pending"); })
+            .cleanup([&] {
+                kor_map_clear(map);
+                kor_set_clear(set);
+                kor_list_clear(list);
+                kor_map_delete(&map);
+                kor_set_delete(&set);
+                kor_string_list_delete(&list);
+                kor_buffer_delete(&buffer);
+            })
+            .run();
+    };
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "pending", fail_and_clean_up());
+    EXPECT_EQ(map, nullptr);
+    EXPECT_EQ(set, nullptr);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(buffer, nullptr);
+    EXPECT_EQ(counted::deletions, 2);
+    EXPECT_NO_RAISE(kor_map_delete(&map));
+    EXPECT_NO_RAISE(kor_set_delete(&set));
+    EXPECT_NO_RAISE(kor_list_delete(&list));
+    EXPECT_NO_RAISE(kor_map_delete(nullptr));
+    EXPECT_NO_RAISE(kor_set_delete(nullptr));
+    EXPECT_NO_RAISE(kor_list_delete(nullptr));
+}
+
+}  // namespace

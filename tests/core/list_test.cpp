@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/list.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "quorvel/kor/string_list.h"
+#include "tests/core/counted.h"
+#include "tests/core/owned.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+using List = Owned<KorList, kor_list_delete>;
+
+const char* text_of(const KorListNode* node) {
+    const auto* text = static_cast<const char*>(kor_list_item(node));
+    return text != nullptr ? text : "none";
+}
+
+std::string forwards(const KorList* list) {
+    std::string all;
+    for (KorListNode* n = kor_list_first(list); n != nullptr; n = kor_list_next(n)) { all.append(text_of(n)) += ' '; }
+    return all;
+}
+
+std::string backwards(const KorList* list) {
+    std::string all;
+    for (KorListNode* n = kor_list_last(list); n != nullptr; n = kor_list_previous(n)) {
+        all.append(text_of(n)) += ' ';
+    }
+    return all;
+}
+
+KorList* filled(const std::vector<const char*>& items) {
+    counted::reset();
+    KorList* list = kor_list_new(counted::copy, counted::destroy, [](const void* stored, const void* sought) {
+        return stored != nullptr && sought != nullptr && counted::equals(stored, sought);
+    });
+    for (const char* item : items) {
+        EXPECT_STREQ(text_of(kor_list_append(list, item)), item != nullptr ? item : "none");
+    }
+    return list;
+}
+
+TEST(List, RefusesNoneInItsOrder) {
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "itemCpFn is NULL", kor_list_new(nullptr, nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "itemDelFn is NULL", kor_list_new(counted::copy, nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "equalsFn is NULL",
+                  kor_list_new(counted::copy, counted::destroy, nullptr));
+    uint32_t index = 7;
+    void (*const of_list[])(uint32_t*) = {
+        [](uint32_t*) { kor_list_clear(nullptr); },
+        [](uint32_t*) { EXPECT_EQ(kor_list_size(nullptr), 0U); },
+        [](uint32_t*) { EXPECT_EQ(kor_list_first(nullptr), nullptr); },
+        [](uint32_t*) { EXPECT_EQ(kor_list_last(nullptr), nullptr); },
+        [](uint32_t*) { EXPECT_EQ(kor_string_list_append(nullptr, "x"), nullptr); },
+        [](uint32_t*) { EXPECT_FALSE(kor_list_pop(nullptr)); },
+        [](uint32_t*) { EXPECT_FALSE(kor_list_poll(nullptr)); },
+        [](uint32_t* out) { EXPECT_EQ(kor_list_find_first(nullptr, "x", out), nullptr); },
+        [](uint32_t* out) { EXPECT_EQ(kor_string_list_find_last(nullptr, "x", true, out), nullptr); },
+    };
+    for (auto* call : of_list) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL", call(&index));
+        const support::ReturningRaises raises;
+        call(&index);
+        EXPECT_EQ(raises.all(), std::vector{support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL")});
+    }
+    EXPECT_EQ(index, 7U);
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_list_next(nullptr), nullptr);
+    EXPECT_EQ(kor_list_previous(nullptr), nullptr);
+    EXPECT_EQ(kor_list_item(nullptr), nullptr);
+    EXPECT_EQ(raises.all(), std::vector(3, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL")));
+}
+
+TEST(List, TakesFromBothEndsAndStaysLinked) {
+    const List list(filled({"a", "b", nullptr, "d"}));
+    EXPECT_EQ(forwards(list), "a b none d ");
+    EXPECT_EQ(backwards(list), "d none b a ");
+    EXPECT_TRUE(kor_list_poll(list));
+    EXPECT_TRUE(kor_list_pop(list));
+    EXPECT_EQ(forwards(list), "b none ");
+    EXPECT_EQ(backwards(list), "none b ");
+    EXPECT_EQ(kor_list_size(list), 2U);
+    EXPECT_EQ(counted::deletions, 2);
+    EXPECT_TRUE(kor_list_pop(list));
+    EXPECT_EQ(counted::deletions, 2) << "a none item is not deleted";
+    EXPECT_TRUE(kor_list_poll(list));
+    EXPECT_FALSE(kor_list_poll(list));
+    EXPECT_FALSE(kor_list_pop(list));
+    EXPECT_EQ(forwards(list) + backwards(list), "");
+    EXPECT_EQ(counted::copies, 3);
+    EXPECT_EQ(counted::deletions, 3);
+    kor_list_append(list, "again");
+    kor_list_clear(list);
+    EXPECT_EQ(kor_list_size(list), 0U);
+    EXPECT_EQ(counted::deletions, 4);
+}
+
+TEST(List, FindsFromBothEnds) {
+    const List list(filled({"x", nullptr, "same", "same", "same"}));
+    uint32_t index = 99;
+    EXPECT_EQ(kor_list_find_last(list, "same", &index), kor_list_last(list));
+    EXPECT_EQ(index, 4U);
+    EXPECT_NE(kor_list_find_first(list, "same", &index), nullptr);
+    EXPECT_EQ(index, 2U);
+    EXPECT_STREQ(text_of(kor_list_find_first(list, nullptr, &index)), "none");
+    EXPECT_EQ(index, 1U);
+    EXPECT_EQ(kor_list_find_first(list, "y", &index), nullptr);
+    EXPECT_EQ(kor_list_find_last(list, "y", &index), nullptr);
+    EXPECT_EQ(index, 1U) << "left alone when nothing matches";
+    EXPECT_EQ(kor_list_find_last(list, "x", nullptr), kor_list_first(list));
+}
+
+TEST(StringList, FindsTextsWithAndWithoutCase) {
+    const List list(kor_string_list_new());
+    for (const char* text : {"COM1", "com1", static_cast<const char*>(nullptr), "com2"}) {
+        EXPECT_NO_RAISE(kor_string_list_append(list, text));
+    }
+    uint32_t index = 99;
+    EXPECT_NE(kor_string_list_find_first(list, "com1", true, &index), nullptr);
+    EXPECT_EQ(index, 0U);
+    EXPECT_STREQ(kor_string_list_item(kor_string_list_find_first(list, "com1", false, &index)), "com1");
+    EXPECT_EQ(index, 1U);
+    EXPECT_NE(kor_string_list_find_last(list, "Com1", true, &index), nullptr);
+    EXPECT_EQ(index, 1U);
+    EXPECT_EQ(kor_string_list_find_last(list, "Com1", false, &index), nullptr);
+    EXPECT_NE(kor_string_list_find_first(list, nullptr, true, &index), nullptr);
+    EXPECT_EQ(index, 2U);
+}
+
+}  // namespace

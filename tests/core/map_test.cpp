@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/map.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/core/counted.h"
+#include "tests/core/owned.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+using counted::copy;
+using counted::destroy;
+using counted::equals;
+using counted::hash;
+using Map = Owned<KorMap, kor_map_delete>;
+
+KorMap* new_map(uint32_t capacity) {
+    counted::reset();
+    return kor_map_new(capacity, hash, equals, copy, copy, destroy, destroy);
+}
+
+const char* text_of(const void* item) { return item != nullptr ? static_cast<const char*>(item) : "none"; }
+
+std::string entries(const KorMap* map) {
+    std::string all;
+    KorMapIterator position{};
+    for (auto* it = kor_map_begin(map, &position); it != nullptr; it = kor_map_next(it)) {
+        all.append(text_of(it->key)).append("=").append(text_of(it->value)) += ' ';
+    }
+    return all;
+}
+
+TEST(Map, RefusesItsArgumentsInTheirOrder) {
+    const struct {
+        const char* detail;
+        uint32_t capacity;
+        KorItemHashFn hashFn;
+        KorItemEqualsFn equalsFn;
+        KorItemCpFn keyCpFn;
+        KorItemCpFn valueCpFn;
+        KorItemDelFn keyDelFn;
+    } cases[] = {
+        {"Invalid initialCapacity: 1", 1, nullptr, nullptr, nullptr, nullptr, nullptr},
+        {"Invalid initialCapacity: 0", 0, nullptr, nullptr, nullptr, nullptr, nullptr},
+        {"keyHashFn is NULL", 2, nullptr, nullptr, nullptr, nullptr, nullptr},
+        {"keyEqualsFn is NULL", 2, hash, nullptr, nullptr, nullptr, nullptr},
+        {"keyCpFn is NULL", 2, hash, equals, nullptr, nullptr, nullptr},
+        {"valueCpFn is NULL", 2, hash, equals, copy, nullptr, nullptr},
+        {"keyDelFn is NULL", 2, hash, equals, copy, copy, nullptr},
+        {"valueDelFn is NULL", 2, hash, equals, copy, copy, destroy},
+    };
+    for (const auto& c : cases) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, c.detail,
+                      kor_map_new(c.capacity, c.hashFn, c.equalsFn, c.keyCpFn, c.valueCpFn, c.keyDelFn, nullptr));
+    }
+}
+
+TEST(Map, RefusesNoneEverywhere) {
+    const Map map(new_map(2));
+    KorMapIterator none{};
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_map_put(nullptr, "k", "v"), nullptr);
+    EXPECT_EQ(kor_map_get(nullptr, "k"), nullptr);
+    kor_map_clear(nullptr);
+    EXPECT_EQ(kor_map_capacity(nullptr), 0U);
+    EXPECT_EQ(kor_map_size(nullptr), 0U);
+    EXPECT_EQ(kor_map_begin(nullptr, nullptr), nullptr);
+    EXPECT_EQ(raises.all(), std::vector(6, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL")));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_map_begin(map, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL", kor_map_next(nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->map' is NULL", kor_map_next(&none));
+    none.map = map;
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", kor_map_next(&none));
+}
+
+TEST(Map, ReplacesTheValueAndKeepsTheKey) {
+    const Map map(new_map(4));
+    KorMapIterator first{};
+    EXPECT_STREQ(text_of(kor_map_put(map, "key", "old")), "old");
+    kor_map_begin(map, &first);
+    const void* key = first.key;
+    EXPECT_STREQ(text_of(kor_map_put(map, "key", "new")), "new");
+    EXPECT_EQ(counted::copies, 3) << "the key is not copied again";
+    EXPECT_EQ(counted::deletions, 1);
+    EXPECT_EQ(kor_map_begin(map, &first)->key, key);
+    // The stored value itself may be put again: it is copied before it is freed.
+    EXPECT_STREQ(text_of(kor_map_put(map, "key", kor_map_get(map, "key"))), "new");
+    EXPECT_EQ(entries(map), "key=new ");
+    EXPECT_EQ(kor_map_size(map), 1U);
+}
+
+TEST(Map, KeepsNoneKeysAndValues) {
+    const Map map(new_map(4));
+    EXPECT_EQ(kor_map_put(map, "key", nullptr), nullptr);
+    EXPECT_EQ(kor_map_put(map, nullptr, nullptr), nullptr);
+    EXPECT_STREQ(text_of(kor_map_put(map, nullptr, "value")), "value");
+    EXPECT_EQ(kor_map_get(map, "absent"), nullptr);
+    EXPECT_STREQ(text_of(kor_map_get(map, nullptr)), "value");
+    EXPECT_EQ(entries(map), "none=value key=none ");
+    kor_map_clear(map);
+    EXPECT_EQ(counted::copies, 2);
+    EXPECT_EQ(counted::deletions, 2);
+}
+
+TEST(Map, DoublesAtThreeQuartersAndLosesNothing) {
+    const uint32_t capacities[] = {2, 4, 8, 8, 8, 16, 16, 16, 16, 16, 16, 32};
+    const Map map(new_map(2));
+    const std::string xs(12, 'x');
+    for (size_t i = 0; i < 12; ++i) {
+        kor_map_put(map, &xs[i], &xs[i]);
+        EXPECT_EQ(kor_map_capacity(map), capacities[i]) << i + 1 << " entries";
+        for (size_t k = 0; k < 12; ++k) { EXPECT_EQ(kor_map_get(map, &xs[k]) != nullptr, k <= i) << k << " of " << i; }
+    }
+    kor_map_clear(map);
+    EXPECT_EQ(kor_map_size(map), 0U);
+    EXPECT_EQ(kor_map_capacity(map), 32U) << "the grown capacity stays";
+    EXPECT_EQ(counted::deletions, 24);
+    EXPECT_EQ(kor_map_get(map, "x"), nullptr);
+}
+
+// The hash is the length: 11 and 3 characters meet in the last of four slots, and again in the fourth of eight.
+TEST(Map, GrowsInTheOrderOfTheOldSlots) {
+    const Map map(new_map(4));
+    kor_map_put(map, "eleven-long", "1");
+    kor_map_put(map, "i", "2");
+    EXPECT_EQ(entries(map), "i=2 eleven-long=1 ");
+    kor_map_put(map, "abc", "3");
+    EXPECT_EQ(kor_map_capacity(map), 8U);
+    EXPECT_EQ(entries(map), "i=2 abc=3 eleven-long=1 ");
+}
+
+TEST(Map, AnIteratorLooksItsKeyUpAgainAndStaysOnTheLastEntry) {
+    const Map map(new_map(4));
+    KorMapIterator it{};
+    EXPECT_EQ(kor_map_begin(map, &it), nullptr);
+    EXPECT_EQ(it.map, nullptr) << "untouched when the map is empty";
+    kor_map_put(map, "eleven-long", "1");
+    EXPECT_EQ(kor_map_begin(map, &it), &it);
+    kor_map_put(map, "i", "2");
+    kor_map_put(map, "abc", "3");
+    EXPECT_EQ(kor_map_next(&it), nullptr) << "growing moved the entry to the end";
+    EXPECT_STREQ(text_of(it.key), "eleven-long");
+    EXPECT_EQ(kor_map_next(&it), nullptr);
+    kor_map_clear(map);
+    char gone[] = "eleven-long";
+    it.key = gone;
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", kor_map_next(&it));
+}
+
+}  // namespace

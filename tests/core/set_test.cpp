@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/set.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "quorvel/kor/int_set.h"
+#include "quorvel/kor/string_set.h"
+#include "tests/core/counted.h"
+#include "tests/core/owned.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+using counted::copy;
+using counted::destroy;
+using counted::equals;
+using counted::hash;
+using Set = Owned<KorSet, kor_set_delete>;
+
+TEST(Set, RefusesItsArgumentsInTheirOrder) {
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'initialCapacity': 1",
+                  kor_set_new(1, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemHashFn' is NULL",
+                  kor_set_new(2, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemEqualsFn' is NULL",
+                  kor_set_new(2, hash, nullptr, nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemCpFn' is NULL", kor_set_new(2, hash, equals, nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemDelFn' is NULL", kor_set_new(2, hash, equals, copy, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'initialCapacity': 0", kor_int_set_new(0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'initialCapacity': 1", kor_string_set_new(1));
+}
+
+TEST(Set, RefusesNoneEverywhere) {
+    const Set set(kor_int_set_new(2));
+    KorSetIterator it{};
+    KorIntSetIterator ints{};
+    KorStringSetIterator texts{};
+    {
+        const support::ReturningRaises raises;
+        EXPECT_EQ(kor_set_put(nullptr, "x"), nullptr);
+        EXPECT_EQ(kor_int_set_put(nullptr, 1), nullptr);
+        EXPECT_FALSE(kor_string_set_contains(nullptr, "x"));
+        kor_set_clear(nullptr);
+        EXPECT_EQ(kor_set_capacity(nullptr), 0U);
+        EXPECT_EQ(kor_set_size(nullptr), 0U);
+        EXPECT_EQ(kor_set_begin(nullptr, nullptr), nullptr);
+        EXPECT_EQ(kor_int_set_begin(nullptr, nullptr), nullptr);
+        EXPECT_EQ(kor_string_set_begin(nullptr, &texts), nullptr);
+        EXPECT_EQ(raises.all(), std::vector(9, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL")));
+    }
+    const struct {
+        const char* detail;
+        void* (*call)(const KorSet*, KorSetIterator*, KorIntSetIterator*, KorStringSetIterator*);
+    } cases[] = {
+        {"'out' is NULL", [](auto* s, auto*, auto*, auto*) -> void* { return kor_set_begin(s, nullptr); }},
+        {"'out' is NULL", [](auto* s, auto*, auto*, auto*) -> void* { return kor_int_set_begin(s, nullptr); }},
+        {"'out' is NULL", [](auto* s, auto*, auto*, auto*) -> void* { return kor_string_set_begin(s, nullptr); }},
+        {"'it' is NULL", [](auto*, auto*, auto*, auto*) -> void* { return kor_set_next(nullptr); }},
+        {"'it' is NULL", [](auto*, auto*, auto*, auto*) -> void* { return kor_int_set_next(nullptr); }},
+        {"'it' is NULL", [](auto*, auto*, auto*, auto*) -> void* { return kor_string_set_next(nullptr); }},
+        {"'it->set' is NULL", [](auto*, auto* i, auto*, auto*) -> void* { return kor_set_next(i); }},
+        {"'it->intSet' is NULL", [](auto*, auto*, auto* i, auto*) -> void* { return kor_int_set_next(i); }},
+        {"'it->set' is NULL", [](auto*, auto*, auto*, auto* i) -> void* { return kor_string_set_next(i); }},
+    };
+    for (const auto& c : cases) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, c.detail, c.call(set, &it, &ints, &texts));
+        const support::ReturningRaises raises;
+        EXPECT_EQ(c.call(set, &it, &ints, &texts), nullptr);
+    }
+    ints = {set, 5};
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->item' not present in 'it->set'", kor_int_set_next(&ints));
+}
+
+TEST(Set, TakesAnEqualItemOnce) {
+    counted::reset();
+    const Set set(kor_set_new(2, hash, equals, copy, destroy));
+    EXPECT_STREQ(static_cast<char*>(kor_set_put(set, "abc")), "abc");
+    EXPECT_EQ(kor_set_put(set, "abc"), nullptr);
+    EXPECT_EQ(counted::copies, 1);
+    EXPECT_NE(kor_set_put(set, "abd"), nullptr) << "the same hash is not the same item";
+    EXPECT_EQ(kor_set_put(set, nullptr), nullptr);
+    EXPECT_EQ(kor_set_put(set, nullptr), nullptr);
+    EXPECT_TRUE(kor_set_contains(set, nullptr));
+    EXPECT_EQ(kor_set_size(set), 3U);
+    EXPECT_EQ(kor_set_capacity(set), 8U);
+    kor_set_clear(set);
+    EXPECT_EQ(counted::deletions, 2);
+    EXPECT_FALSE(kor_set_contains(set, "abc"));
+    EXPECT_EQ(kor_set_capacity(set), 8U);
+}
+
+std::vector<int32_t> values(const KorSet* set) {
+    std::vector<int32_t> all;
+    KorIntSetIterator position{};
+    for (auto* it = kor_int_set_begin(set, &position); it != nullptr; it = kor_int_set_next(it)) {
+        all.push_back(it->value);
+    }
+    return all;
+}
+
+// Worked out by hand: 15 and 7 meet in the last of four slots, where 7 wraps to the first; in eight slots 7, moved
+// first, takes the last one and 15 wraps.
+TEST(IntSet, IteratesInSlotOrderAcrossTheWrap) {
+    const Set set(kor_int_set_new(4));
+    EXPECT_EQ(values(set), std::vector<int32_t>{});
+    EXPECT_EQ(*kor_int_set_put(set, 15), 15);
+    EXPECT_EQ(*kor_int_set_put(set, 7), 7);
+    EXPECT_EQ(values(set), (std::vector<int32_t>{7, 15}));
+    EXPECT_EQ(*kor_int_set_put(set, 1), 1);
+    EXPECT_EQ(values(set), (std::vector<int32_t>{15, 1, 7}));
+    EXPECT_EQ(*kor_int_set_put(set, -1), -1);
+    EXPECT_EQ(values(set), (std::vector<int32_t>{15, 1, -1, 7}));
+    EXPECT_EQ(kor_int_set_put(set, -1), nullptr);
+    EXPECT_TRUE(kor_int_set_contains(set, -1));
+    EXPECT_FALSE(kor_int_set_contains(set, 23)) << "meets the others' slots, but is not there";
+}
+
+TEST(IntSet, PassesOverAnItemThatIsNoNumber) {
+    const Set set(kor_int_set_new(8));
+    kor_set_put(set, nullptr);
+    kor_int_set_put(set, 4);
+    EXPECT_EQ(values(set), std::vector<int32_t>{4});
+}
+
+TEST(StringSet, TellsTextsApartByCaseAndHoldsNone) {
+    const Set set(kor_string_set_new(8));
+    EXPECT_STREQ(kor_string_set_put(set, "b"), "b");  // 98, the third slot
+    EXPECT_STREQ(kor_string_set_put(set, "B"), "B");  // 66, the third too
+    EXPECT_EQ(kor_string_set_put(set, "b"), nullptr);
+    EXPECT_EQ(kor_string_set_put(set, nullptr), nullptr);
+    EXPECT_TRUE(kor_string_set_contains(set, "B"));
+    EXPECT_FALSE(kor_string_set_contains(set, "c"));
+    KorStringSetIterator it{};
+    ASSERT_EQ(kor_string_set_begin(set, &it), &it);
+    EXPECT_EQ(it.item, nullptr);
+    ASSERT_EQ(kor_string_set_next(&it), &it);
+    EXPECT_STREQ(it.item, "b");
+    ASSERT_EQ(kor_string_set_next(&it), &it);
+    EXPECT_STREQ(it.item, "B");
+    EXPECT_EQ(kor_string_set_next(&it), nullptr);
+    EXPECT_STREQ(it.item, "B");
+}
+
+}  // namespace

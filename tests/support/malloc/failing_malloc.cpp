@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "tests/support/malloc/failing_malloc.h"
+
+#include <algorithm>
+#include <array>
+
+extern "C" {
+void* __real_malloc(size_t size);
+void __real_free(void* pointer);
+void* __wrap_malloc(size_t size);
+void __wrap_free(void* pointer);
+}
+
+namespace {
+
+// In static storage, because noting a block must not allocate one.
+std::array<void*, 64> blocks{};
+bool armed = false;
+bool has_failed = false;
+size_t countdown = 0;
+
+// Puts `to` in the place of the first `from`; false when there is none.
+bool note(void* from, void* to) {
+    auto* place = std::find(blocks.begin(), blocks.end(), from);
+    if (place == blocks.end()) { return false; }
+    *place = to;
+    return true;
+}
+
+}  // namespace
+
+void* __wrap_malloc(size_t size) {
+    if (!armed) { return __real_malloc(size); }
+    if (countdown != 0 && --countdown == 0) {
+        has_failed = true;
+        return nullptr;
+    }
+    void* block = __real_malloc(size);
+    if (!note(nullptr, block)) { __builtin_trap(); }  // a block that is not noted would be a leak that is not seen
+    return block;
+}
+
+void __wrap_free(void* pointer) {
+    if (pointer != nullptr) { note(pointer, nullptr); }
+    __real_free(pointer);
+}
+
+namespace support {
+
+FailingMalloc::FailingMalloc(size_t n) {
+    blocks.fill(nullptr);
+    has_failed = false;
+    countdown = n;
+    armed = true;
+}
+
+FailingMalloc::~FailingMalloc() { armed = false; }
+
+bool FailingMalloc::failed() const { return has_failed; }
+
+size_t FailingMalloc::kept() const {
+    return blocks.size() - static_cast<size_t>(std::count(blocks.begin(), blocks.end(), nullptr));
+}
+
+}  // namespace support
