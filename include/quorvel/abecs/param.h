@@ -11,15 +11,39 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * A parameter: a 16-bit id and at most 999 bytes of data, made of fields. Commands are given parameters, the
+ * AbecsSpeId_E ids; responses return others, the AbecsRspDatId_E ids.
+ *
+ * The field functions do what the abecs_data_ function of the same name does (quorvel/abecs/data.h: shapes, texts and
+ * order of the checks), on the parameter's bytes: writing appends, reading consumes. `byte` is one byte as it is.
+ *
+ * Every function but abecs_param_delete raises ILLEGAL_ARGUMENT "'param' is NULL" for a null parameter, before
+ * anything else.
+ */
+
 typedef struct AbecsParam AbecsParam;
 
+/* A parameter with id 0 and no data, the caller's to abecs_param_delete. MALLOC_ERROR. */
 KOR_API AbecsParam* abecs_param_new(void);
+
+/* Frees the parameter and sets the caller's variable to null; a null address or parameter is ignored. Never raises. */
 KOR_API void abecs_param_delete(AbecsParam** param);
+
+/* Drops the data and keeps the id. */
 KOR_API void abecs_param_clear_data(AbecsParam* param);
+
+/* Drops the data and sets the id to 0. */
 KOR_API void abecs_param_reset(AbecsParam* param);
+
+/* The id. */
 KOR_API uint16_t abecs_param_get_id(const AbecsParam* param);
 KOR_API void abecs_param_set_id(AbecsParam* param, uint16_t id);
+
+/* The number of data bytes not read yet. */
 KOR_API size_t abecs_param_available_read(const AbecsParam* param);
+
+/* The fields, and single bytes. */
 KOR_API void abecs_param_write_byte(AbecsParam* param, uint8_t byte);
 KOR_API uint8_t abecs_param_read_byte(AbecsParam* param);
 KOR_API void abecs_param_write_field_n(AbecsParam* param, uint64_t i, size_t fieldLen);

@@ -9,6 +9,7 @@
 
 KOR_BEGIN_DECLS
 
+/* What the PIN pad reports in an ABECS_RSP_DATID_PP_EVENT parameter. */
 typedef enum AbecsPpEvent_E KOR_ENUM_INT32 {
     ABECS_PP_EVENT_PRESSED_KEY = 0,
     ABECS_PP_EVENT_PRESSED_KEY_ARROW_UP = 2,
@@ -26,6 +27,7 @@ typedef enum AbecsPpEvent_E KOR_ENUM_INT32 {
     ABECS_PP_EVENT_CTLS_DETECTED = 94
 } AbecsPpEvent_E;
 
+/* The enumerator's name, a constant. RUNTIME_ERROR "Unhandled event: %d\n" for any other number. */
 KOR_API const char* abecs_pp_event_to_string(AbecsPpEvent_E event);
 
 KOR_END_DECLS

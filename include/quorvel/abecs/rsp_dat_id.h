@@ -10,6 +10,10 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * Ids of the parameters in responses. Four families are numbered from 0 to 99; they are given by their first and last
+ * members, the id of number n being the first one's plus n.
+ */
 typedef enum AbecsRspDatId_E KOR_ENUM_INT32 {
     ABECS_RSP_DATID_PP_SERNUM = 0x8001,
     ABECS_RSP_DATID_PP_PARTNBR = 0x8002,
@@ -83,7 +87,15 @@ typedef enum AbecsRspDatId_E KOR_ENUM_INT32 {
     ABECS_RSP_DATID_PP_TABVER99 = 0x9363
 } AbecsRspDatId_E;
 
+/*
+ * The enumerator's name: a constant, but of a numbered id a text that the next call for a numbered id overwrites.
+ * RUNTIME_ERROR "Unhandled id: %d\n" for an unknown id.
+ */
 KOR_API const char* abecs_rsp_dat_id_to_string(AbecsRspDatId_E id);
+
+/*
+ * Whether the parameter's value is bytes (true) or text (false). RUNTIME_ERROR "Unhandled id: %d\n" for an unknown id.
+ */
 KOR_API bool abecs_rsp_dat_id_is_binary(AbecsRspDatId_E id);
 
 KOR_END_DECLS

@@ -9,6 +9,10 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * Response status. The two below 0 never travel: they are what a blocking command's response function returns when no
+ * answer has come yet, and when a notification has.
+ */
 typedef enum AbecsRspStat_E KOR_ENUM_INT32 {
     ABECS_RSP_STAT_ST_NOTIFICATION = -2,
     ABECS_RSP_STAT_ST_PROCESSING = -1,
@@ -59,6 +63,7 @@ typedef enum AbecsRspStat_E KOR_ENUM_INT32 {
     ABECS_RSP_STAT_ST_MFERR = 102
 } AbecsRspStat_E;
 
+/* The enumerator's name, a constant. RUNTIME_ERROR "Unhandled AbecsRspStat_E: %d\n" for any other number. */
 KOR_API const char* abecs_rsp_stat_to_string(AbecsRspStat_E stat);
 
 KOR_END_DECLS

@@ -9,6 +9,7 @@
 
 KOR_BEGIN_DECLS
 
+/* Ids of the parameters in commands. */
 typedef enum AbecsSpeId_E KOR_ENUM_INT32 {
     ABECS_SPE_ID_IDLIST = 0x0001,
     ABECS_SPE_ID_MTHDPIN = 0x0002,

@@ -9,6 +9,10 @@
 
 KOR_BEGIN_DECLS
 
+/*
+ * Methods of data encryption: the kind of key (master and working key, DUKPT, or one made of random data) with the
+ * cipher and its mode.
+ */
 typedef enum AbecsSpeMthdDat_E KOR_ENUM_INT32 {
     ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB = 0,
     ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC = 1,
@@ -21,6 +25,7 @@ typedef enum AbecsSpeMthdDat_E KOR_ENUM_INT32 {
     ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC = 91
 } AbecsSpeMthdDat_E;
 
+/* The enumerator's name, a constant. RUNTIME_ERROR "Unhandled mthdDat: %d\n" for any other number. */
 KOR_API const char* abecs_spe_mthd_dat_to_string(AbecsSpeMthdDat_E mthdDat);
 
 KOR_END_DECLS

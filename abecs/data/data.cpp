@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/data.h"
+
+#include <array>
+#include <cstring>
+
+#include "abecs/data/codec.h"
+#include "core/raise.h"
+#include "quorvel/kor/endianness.h"
+
+using kor::raise;
+using namespace abecs;
+
+namespace {
+
+// Counts into `outIndex`, when there is one, only on a failure.
+bool all_of(const char* text, size_t length, size_t* outIndex, bool (*belongs)(char)) {
+    for (size_t i = 0; i < length; ++i) {
+        if (belongs(text[i])) { continue; }
+        if (outIndex != nullptr) { *outIndex = i; }
+        return false;
+    }
+    return true;
+}
+
+unsigned days_in(const AbecsDate& date) {
+    constexpr std::array<uint8_t, 12> days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    constexpr uint8_t february = 2;
+    // Of two-digit years every fourth is a leap year, 00 included.
+    const bool leapDay = date.month == february && date.year % 4 == 0;
+    return days[date.month - 1U] + (leapDay ? 1U : 0U);
+}
+
+bool is_x_length(size_t fieldLen) { return fieldLen == 1 || fieldLen == 2 || fieldLen == 4; }
+
+void raise_x_length(size_t fieldLen) {
+    raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Unsupported fieldLen: %zu (accepted values are 1, 2, or 4)", fieldLen);
+}
+
+}  // namespace
+
+bool codec::append(KorBuffer* buffer, const void* bytes, size_t length) {
+    const bool fits = buffer != nullptr && length <= kor_buffer_available_write(buffer);
+    kor_buffer_write(buffer, bytes, length);
+    return fits;
+}
+
+bool codec::append_repeated(KorBuffer* buffer, std::string_view unit, size_t count) {
+    while (count != 0 && append(buffer, unit.data(), unit.size())) { --count; }
+    return count == 0;
+}
+
+bool codec::require(const KorBuffer* buffer, size_t length) {
+    const size_t available = kor_buffer_available_read(buffer);
+    if (buffer == nullptr) { return false; }
+    if (available < length) {
+        return raise(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: %zu, available: %zu)", length,
+                     available),
+               false;
+    }
+    return true;
+}
+
+bool codec::append_x(KorBuffer* buffer, uint32_t data, size_t fieldLen) {
+    if (!is_x_length(fieldLen)) { return raise_x_length(fieldLen), false; }
+    if (fieldLen == 1 && data > UINT8_MAX) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (1) is not enough for data (%u)", data), false;
+    }
+    if (fieldLen == 2 && data > UINT16_MAX) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (2) is not enough for data (%u)", data), false;
+    }
+    const uint32_t bigEndian = kor_endianness_htobe32(data << (8 * (sizeof data - fieldLen)));
+    return append(buffer, &bigEndian, fieldLen);
+}
+
+std::optional<uint32_t> codec::read_x(KorBuffer* buffer, size_t fieldLen) {
+    if (!is_x_length(fieldLen)) { return raise_x_length(fieldLen), std::nullopt; }
+    if (!require(buffer, fieldLen)) { return std::nullopt; }
+    switch (fieldLen) {
+        case 1:
+            return kor_buffer_read_byte(buffer);
+        case 2:
+            return kor_buffer_read_ui16(buffer, KOR_ENDIANNESS_BIG);
+        default:
+            return kor_buffer_read_ui32(buffer, KOR_ENDIANNESS_BIG);
+    }
+}
+
+void abecs_data_write_field_x(KorBuffer* buffer, uint32_t data, size_t fieldLen) {
+    codec::append_x(buffer, data, fieldLen);
+}
+
+uint32_t abecs_data_read_field_x(KorBuffer* buffer, size_t fieldLen) {
+    return codec::read_x(buffer, fieldLen).value_or(0);
+}
+
+void abecs_data_write_field_b(KorBuffer* buffer, const void* data, size_t dataLen) {
+    if (data == nullptr && dataLen != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
+    kor_buffer_write(buffer, data, dataLen);
+}
+
+size_t abecs_data_read_field_b(KorBuffer* buffer, void* to, size_t sizeTo, size_t dataLen) {
+    if (to != nullptr && sizeTo < dataLen) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT,
+                     "Destination array does not have enough size to store all data (requested: %zu, available: %zu)",
+                     dataLen, sizeTo),
+               0;
+    }
+    return codec::require(buffer, dataLen) ? kor_buffer_read(buffer, to, dataLen) : 0;
+}
+
+void abecs_data_check_n_string(const char* text, const char* argName, size_t maxLen, size_t minLen) {
+    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is NULL", argName); }
+    const size_t length = std::strlen(text);
+    if (length > maxLen) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is too long (maximum: %zu, requested: %zu)", argName, maxLen,
+                     length);
+    }
+    if (length < minLen) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is too short (minimum: %zu, requested: %zu)", argName, minLen,
+                     length);
+    }
+    size_t bad = 0;
+    if (!abecs_data_is_numeric_field(text, length, &bad)) {
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s: invalid char (0x%02X) at index %zu", argName, codec::shown(text[bad]),
+              bad);
+    }
+}
+
+bool abecs_data_is_numeric_field(const char* text, size_t length, size_t* outIndex) {
+    return all_of(text, length, outIndex, codec::is_digit);
+}
+
+bool abecs_data_is_alphanumeric(char c) { return codec::is_digit(c) || codec::is_upper(c) || codec::is_lower(c); }
+
+bool abecs_data_is_alphanumeric_field(const char* text, size_t length, size_t* outIndex) {
+    return all_of(text, length, outIndex, abecs_data_is_alphanumeric);
+}
+
+void abecs_data_validate_date(const AbecsDate* date) {
+    if (date == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'date' is NULL"); }
+    if (date->year > 99) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid year: %d", date->year); }
+    if (date->month == 0 || date->month > 12) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid month: %d", date->month);
+    }
+    if (date->day == 0 || date->day > days_in(*date)) {
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid date (YY-MM-DD): %02d-%02d-%02d", date->year, date->month,
+              date->day);
+    }
+}
+
+void abecs_data_validate_time(const AbecsTime* time) {
+    if (time == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'time' is NULL"); }
+    if (time->hours > 23) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hours: %d", time->hours); }
+    if (time->minutes > 59) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid minutes: %d", time->minutes); }
+    if (time->seconds > 59) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid seconds: %d", time->seconds); }
+}
+
+char* abecs_data_to_hex(const uint8_t* data, size_t szData, char* to, size_t sizeTo) {
+    if (data == nullptr && szData != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"), to; }
+    if (data != nullptr && szData == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szData' is zero"), to; }
+    if (to == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL"), nullptr; }
+    if (sizeTo == 0 || (sizeTo - 1) / 2 < szData) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Destination buffer does not have enough room for encoded data"), to;
+    }
+    constexpr char digits[] = "0123456789abcdef";
+    for (size_t i = 0; i < szData; ++i) {
+        to[2 * i] = digits[data[i] >> 4];
+        to[2 * i + 1] = digits[data[i] & 0x0F];
+    }
+    to[2 * szData] = '\0';
+    return to;
+}
+
+uint8_t* abecs_data_from_hex(const char* hex, uint8_t* out, size_t sizeOut) {
+    return abecs_data_from_hex2(hex, hex != nullptr ? std::strlen(hex) : 0, out, sizeOut);
+}
+
+uint8_t* abecs_data_from_hex2(const char* hex, size_t szHex, uint8_t* out, size_t sizeOut) {
+    if (hex == nullptr && szHex != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'hex' is NULL"), out; }
+    if (hex != nullptr && *hex != '\0' && szHex == 0) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szHex' is zero"), out;
+    }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (sizeOut < szHex / 2) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Destination buffer does not have enough room for decoded data"), out;
+    }
+    if (szHex % 2 != 0 || !all_of(hex, szHex, nullptr, codec::is_hex)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hex string"), out;
+    }
+    for (size_t i = 0; i < szHex / 2; ++i) { out[i] = codec::hex_byte(hex[2 * i], hex[2 * i + 1]); }
+    return out;
+}

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/data/codec.h"
+#include "core/raise.h"
+#include "quorvel/abecs/data.h"
+
+using kor::raise;
+using namespace abecs;
+
+namespace {
+
+// The characters of a text field, as bytes: those of S reach beyond what a signed char holds.
+struct Charset {
+    unsigned lowest;
+    unsigned highest;
+    bool allowCr;
+
+    constexpr bool contains(char character) const {
+        const unsigned c = codec::shown(character);
+        return c == '\r' ? allowCr : c >= lowest && c <= highest;
+    }
+};
+
+constexpr Charset charset_a(bool allowCr) { return {0x20, 0x7E, allowCr}; }
+constexpr Charset charset_s(bool allowCr) { return {0x20, 0xFF, allowCr}; }
+
+// Character by character, as far as the first fault: what was appended stays for the caller to discard.
+void write_text(KorBuffer* buffer, const char* data, size_t fieldLen, Charset charset) {
+    if (data == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
+    size_t length = 0;
+    for (; data[length] != '\0'; ++length) {
+        if (length == fieldLen) {
+            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Field does not have enough room for data");
+        }
+        if (!charset.contains(data[length])) {
+            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid character (0x%02X) at position %zu",
+                         codec::shown(data[length]), length);
+        }
+        if (!codec::append(buffer, &data[length], 1)) { return; }
+    }
+    codec::append_repeated(buffer, " ", fieldLen - length);
+}
+
+// By the field's length and not up to a NUL, so that a NUL inside the field is found as the bad character it is.
+bool check_text(const char* text, size_t length, Charset charset) {
+    for (size_t i = 0; i < length; ++i) {
+        if (!charset.contains(text[i])) {
+            return raise(KOR_RESULT_IO_ERROR, "Invalid character (0x%02X) at position %zu", codec::shown(text[i]), i),
+                   false;
+        }
+    }
+    return true;
+}
+
+// False after a raise; the destination is then an empty text, if it has any room.
+bool read_text(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen, Charset charset) {
+    if (to != nullptr && sizeTo != 0) { *to = '\0'; }
+    if (to != nullptr && sizeTo <= fieldLen) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (%zu) is not enough to store field data", sizeTo), false;
+    }
+    if (!codec::require(buffer, fieldLen)) { return false; }
+    kor_buffer_read(buffer, to, fieldLen);
+    if (to == nullptr) { return true; }
+    size_t length = fieldLen;
+    while (length != 0 && to[length - 1] == ' ') { --length; }
+    to[length] = '\0';
+    const bool good = check_text(to, length, charset);
+    if (!good) { *to = '\0'; }
+    return good;
+}
+
+}  // namespace
+
+bool codec::read_a(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen) {
+    return read_text(buffer, to, sizeTo, fieldLen, charset_a(false));
+}
+
+void abecs_data_write_field_a(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
+    write_text(buffer, data, fieldLen, charset_a(allowCr));
+}
+
+void abecs_data_write_field_a_cdata(KorBuffer* buffer, const char* data, size_t, size_t fieldLen, bool allowCr) {
+    write_text(buffer, data, fieldLen, charset_a(allowCr));
+}
+
+char* abecs_data_read_field_a(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
+    read_text(buffer, to, sizeTo, fieldLen, charset_a(allowCr));
+    return to;
+}
+
+void abecs_data_write_field_s(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
+    write_text(buffer, data, fieldLen, charset_s(allowCr));
+}
+
+void abecs_data_write_field_s_cdata(KorBuffer* buffer, const char* data, size_t, size_t fieldLen, bool allowCr) {
+    write_text(buffer, data, fieldLen, charset_s(allowCr));
+}
+
+char* abecs_data_read_field_s(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
+    read_text(buffer, to, sizeTo, fieldLen, charset_s(allowCr));
+    return to;
+}

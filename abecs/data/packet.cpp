@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/data/packet.h"
+
+#include "abecs/data/codec.h"
+#include "abecs/data/param.h"
+#include "core/raise.h"
+#include "quorvel/abecs/data.h"
+#include "quorvel/abecs/rsp_stat.h"
+
+using abecs::bytes_of;
+using kor::raise;
+
+namespace {
+
+// A notification's text and its terminator.
+constexpr size_t kNotificationSize = 33;
+
+}  // namespace
+
+AbecsPacket* abecs_packet_new() { return abecs::new_owner(&AbecsPacket::buffer, abecs::kPacketCapacity); }
+
+void abecs_packet_delete(AbecsPacket** packet) { abecs::delete_owner(packet, &AbecsPacket::buffer); }
+
+void abecs_packet_clear(AbecsPacket* packet) { abecs::apply<kor_buffer_clear>(bytes_of(packet)); }
+
+size_t abecs_packet_available_read(const AbecsPacket* packet) {
+    return abecs::apply<kor_buffer_available_read>(bytes_of(packet));
+}
+
+void abecs_packet_write_byte(AbecsPacket* packet, uint8_t byte) {
+    return abecs::apply<kor_buffer_write_byte>(bytes_of(packet), byte);
+}
+
+uint8_t abecs_packet_read_byte(AbecsPacket* packet) { return abecs::apply<kor_buffer_read_byte>(bytes_of(packet)); }
+
+void abecs_packet_write_field_n(AbecsPacket* packet, uint64_t i, size_t fieldLen) {
+    return abecs::apply<abecs_data_write_field_n>(bytes_of(packet), i, fieldLen);
+}
+
+uint64_t abecs_packet_read_field_n(AbecsPacket* packet, size_t fieldLen) {
+    return abecs::apply<abecs_data_read_field_n>(bytes_of(packet), fieldLen);
+}
+
+void abecs_packet_write_field_a(AbecsPacket* packet, const char* data, size_t fieldLen, bool allowCr) {
+    return abecs::apply<abecs_data_write_field_a>(bytes_of(packet), data, fieldLen, allowCr);
+}
+
+void abecs_packet_write_field_a_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen,
+                                      bool allowCr) {
+    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(packet), data, dataLen, fieldLen, allowCr);
+}
+
+char* abecs_packet_read_field_a(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
+    return abecs::apply<abecs_data_read_field_a>(bytes_of(packet), to, sizeTo, fieldLen, allowCr);
+}
+
+void abecs_packet_write_field_s(AbecsPacket* packet, const char* data, size_t fieldLen, bool allowCr) {
+    return abecs::apply<abecs_data_write_field_s>(bytes_of(packet), data, fieldLen, allowCr);
+}
+
+void abecs_packet_write_field_s_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen,
+                                      bool allowCr) {
+    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(packet), data, dataLen, fieldLen, allowCr);
+}
+
+char* abecs_packet_read_field_s(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
+    return abecs::apply<abecs_data_read_field_s>(bytes_of(packet), to, sizeTo, fieldLen, allowCr);
+}
+
+void abecs_packet_write_field_h(AbecsPacket* packet, const char* data, size_t fieldLen) {
+    return abecs::apply<abecs_data_write_field_h>(bytes_of(packet), data, fieldLen);
+}
+
+void abecs_packet_write_field_h_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen) {
+    return abecs::apply<abecs_data_write_field_h_cdata>(bytes_of(packet), data, dataLen, fieldLen);
+}
+
+char* abecs_packet_read_field_h(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen) {
+    return abecs::apply<abecs_data_read_field_h>(bytes_of(packet), to, sizeTo, fieldLen);
+}
+
+void abecs_packet_write_field_h_raw(AbecsPacket* packet, const uint8_t* data, size_t dataLen, size_t fieldLen) {
+    return abecs::apply<abecs_data_write_field_h_raw>(bytes_of(packet), data, dataLen, fieldLen);
+}
+
+size_t abecs_packet_read_field_h_raw(AbecsPacket* packet, uint8_t* to, size_t sizeTo, size_t fieldLen) {
+    return abecs::apply<abecs_data_read_field_h_raw>(bytes_of(packet), to, sizeTo, fieldLen);
+}
+
+void abecs_packet_write_field_x(AbecsPacket* packet, uint32_t data, size_t fieldLen) {
+    return abecs::apply<abecs_data_write_field_x>(bytes_of(packet), data, fieldLen);
+}
+
+uint32_t abecs_packet_read_field_x(AbecsPacket* packet, size_t fieldLen) {
+    return abecs::apply<abecs_data_read_field_x>(bytes_of(packet), fieldLen);
+}
+
+void abecs_packet_write_field_b(AbecsPacket* packet, const void* data, size_t dataLen) {
+    return abecs::apply<abecs_data_write_field_b>(bytes_of(packet), data, dataLen);
+}
+
+size_t abecs_packet_read_field_b(AbecsPacket* packet, void* to, size_t sizeTo, size_t dataLen) {
+    return abecs::apply<abecs_data_read_field_b>(bytes_of(packet), to, sizeTo, dataLen);
+}
+
+// Not the zero result of the others: it would read as success.
+int32_t abecs_packet_read_rsp_stat(AbecsPacket* packet) {
+    KorBuffer* bytes = bytes_of(packet);
+    return bytes != nullptr ? abecs_data_read_rsp_stat(bytes) : ABECS_RSP_STAT_ST_INTERR;
+}
+
+void abecs_packet_write_param(AbecsPacket* packet, AbecsParam* param) {
+    if (bytes_of(packet) == nullptr || bytes_of(param) == nullptr) { return; }
+    abecs::append_param(packet->buffer, param);
+}
+
+AbecsParam* abecs_packet_read_param(AbecsPacket* packet, AbecsParam* out) {
+    if (bytes_of(packet) == nullptr) { return nullptr; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    kor_buffer_clear(out->data);
+    const auto id = abecs::codec::read_x(packet->buffer, 2);
+    if (!id) { return nullptr; }
+    out->id = static_cast<uint16_t>(*id);
+    const auto length = abecs::codec::read_x(packet->buffer, 2);
+    if (!length) { return nullptr; }
+    const size_t available = kor_buffer_available_read(packet->buffer);
+    if (available < *length) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: %hu, available: %hu)",
+                     static_cast<unsigned short>(*length), static_cast<unsigned short>(available)),
+               nullptr;
+    }
+    return abecs::move_bytes(packet->buffer, out->data, *length) ? out : nullptr;
+}
+
+char* abecs_packet_read_notification(AbecsPacket* packet, char* text) {
+    if (bytes_of(packet) == nullptr) { return text; }
+    const auto stat = abecs::codec::read_rsp_stat(packet->buffer);
+    if (!stat) { return text; }
+    if (*stat != ABECS_RSP_STAT_ST_OK) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "NTM with invalid RSP_STAT: %s",
+                     abecs_rsp_stat_to_string(AbecsRspStat_E{*stat})),
+               text;
+    }
+    const auto length = abecs::codec::read_n(packet->buffer, 3);
+    if (!length) { return text; }
+    return abecs_data_read_field_s(packet->buffer, text, kNotificationSize, *length, false);
+}
+
+KorBufferState* abecs_packet_save_state(const AbecsPacket* packet, KorBufferState* out) {
+    if (bytes_of(packet) == nullptr) { return nullptr; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    return kor_buffer_save_state(packet->buffer, out);
+}
+
+void abecs_packet_set_state(AbecsPacket* packet, const KorBufferState* state) {
+    if (bytes_of(packet) == nullptr) { return; }
+    if (state == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'state' is NULL"); }
+    kor_buffer_set_state(packet->buffer, state);
+}

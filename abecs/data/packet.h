@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_ABECS_DATA_PACKET_H
+#define QUORVEL_ABECS_DATA_PACKET_H
+
+#include "abecs/data/bytes.h"
+#include "abecs/data/field_h.h"
+#include "quorvel/abecs/packet.h"
+
+struct AbecsPacket {
+    KorBuffer* buffer;
+};
+
+namespace abecs {
+
+// Everything between SYN and ETB, before stuffing.
+constexpr uint32_t kPacketCapacity = 2044;
+
+// Null, with an error raised, for a null packet.
+inline KorBuffer* bytes_of(const AbecsPacket* packet) {
+    if (packet == nullptr) { return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), nullptr; }
+    return packet->buffer;
+}
+
+inline size_t read_field_h_bytes(AbecsPacket* packet, uint8_t* to, size_t sizeTo, size_t fieldLen) {
+    KorBuffer* bytes = bytes_of(packet);
+    return bytes != nullptr ? read_field_h_bytes(bytes, to, sizeTo, fieldLen) : 0;
+}
+
+}  // namespace abecs
+
+#endif

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/pp_event.h"
+
+#include "abecs/data/enum_table.h"
+#include "core/raise.h"
+
+namespace {
+
+constexpr std::array<abecs::Named<AbecsPpEvent_E>, 14> kEvents{{
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_ARROW_UP)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_ARROW_DOWN)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_F1)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_F2)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_F3)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_F4)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_CLEAR)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_CANCEL)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_MAGNETIC_CARD)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_ICC_REMOVED)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_ICC_INSERTED)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_CTLS_NOT_DETECTED)},
+    {QUORVEL_NAMED(ABECS_PP_EVENT_CTLS_DETECTED)},
+}};
+static_assert(abecs::is_sorted_and_unique(kEvents));
+
+}  // namespace
+
+const char* abecs_pp_event_to_string(AbecsPpEvent_E event) {
+    const auto* row = abecs::find_row(kEvents, event);
+    if (row == nullptr) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled event: %d\n", event), ""; }
+    return row->name;
+}

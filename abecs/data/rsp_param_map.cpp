@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/rsp_param_map.h"
+
+#include "core/raise.h"
+#include "quorvel/kor/heap.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr uint32_t kInitialBuckets = 16;
+
+// The map is an ordinary one too, whose own functions may be asked for a null key or handed a null value.
+uint32_t hash_id(const void* key) { return key != nullptr ? *static_cast<const uint16_t*>(key) : 0U; }
+
+bool equal_ids(const void* lhs, const void* rhs) { return kor_collection_equals(lhs, rhs, sizeof(uint16_t)); }
+
+void* copy_id(const void* key) { return kor_collection_copy(key, sizeof(uint16_t)); }
+
+void* copy_value(const void* value) { return kor_collection_copy(value, sizeof(AbecsRspParamValue)); }
+
+void delete_value(void* item) {
+    auto* value = static_cast<AbecsRspParamValue*>(item);
+    if (value->owned) { kor_heap_free(value->data); }
+    kor_heap_free(value);
+}
+
+AbecsRspParamMapIt* show(AbecsRspParamMapIt* out, const KorMapIterator& at) {
+    out->map = at.map;
+    out->id = static_cast<uint16_t>(hash_id(at.key));
+    out->value = at.value != nullptr ? *static_cast<AbecsRspParamValue*>(at.value) : AbecsRspParamValue{};
+    return out;
+}
+
+}  // namespace
+
+AbecsRspParamMap* abecs_rsp_param_map_new() {
+    return kor_map_new(kInitialBuckets, hash_id, equal_ids, copy_id, copy_value, kor_collection_destroy, delete_value);
+}
+
+AbecsRspParamValue* abecs_rsp_param_map_put(AbecsRspParamMap* map, uint16_t id, const AbecsRspParamValue* value,
+                                            bool owned) {
+    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'map' is NULL"), nullptr; }
+    // Not owned until it is in: whatever a failing put releases, the bytes stay the caller's.
+    AbecsRspParamValue record = value != nullptr ? *value : AbecsRspParamValue{};
+    record.owned = false;
+    if ((record.data != nullptr) != (record.size != 0)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid 'data' x 'szData'"), nullptr;
+    }
+    auto* stored = static_cast<AbecsRspParamValue*>(kor_map_get(map, &id));
+    if (stored != nullptr && stored->data == record.data) {
+        // Replacing the entry would free the very bytes that are being put.
+        stored->size = record.size;
+    } else {
+        stored = static_cast<AbecsRspParamValue*>(kor_map_put(map, &id, &record));
+    }
+    if (stored != nullptr) { stored->owned = owned; }
+    return stored;
+}
+
+AbecsRspParamValue* abecs_rsp_param_map_get(const AbecsRspParamMap* map, uint16_t id) {
+    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'map' is NULL"), nullptr; }
+    return static_cast<AbecsRspParamValue*>(kor_map_get(map, &id));
+}
+
+AbecsRspParamMapIt* abecs_rsp_param_map_begin(const AbecsRspParamMap* map, AbecsRspParamMapIt* out) {
+    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'map' is NULL"), nullptr; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    KorMapIterator at{};
+    return kor_map_begin(map, &at) != nullptr ? show(out, at) : nullptr;
+}
+
+AbecsRspParamMapIt* abecs_rsp_param_map_next(AbecsRspParamMapIt* it) {
+    if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
+    // By the iterator's own copy of the id: the stored key may have gone with a cleared map.
+    KorMapIterator at{it->map, &it->id, nullptr};
+    return kor_map_next(&at) != nullptr ? show(it, at) : nullptr;
+}

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/data.h"
+
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/raised.h"
+
+namespace {
+
+TEST(CheckNString, ReportsTheFirstFault) {
+    struct Case {
+        const char* text;
+        const char* fault;
+    };
+    const Case faults[]{
+        {nullptr, "'pan' is NULL"},
+        {"12345x", "'pan' is too long (maximum: 5, requested: 6)"},
+        {"x", "'pan' is too short (minimum: 2, requested: 1)"},
+        {"1\xE9", "pan: invalid char (0xE9) at index 1"},
+        {"12/", "pan: invalid char (0x2F) at index 2"},
+        {":2", "pan: invalid char (0x3A) at index 0"},
+    };
+    for (const Case& each : faults) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, each.fault, abecs_data_check_n_string(each.text, "pan", 5, 2));
+    }
+    EXPECT_NO_RAISE(abecs_data_check_n_string("09", "pan", 5, 2));
+    EXPECT_NO_RAISE(abecs_data_check_n_string("01239", "pan", 5, 2));
+    EXPECT_NO_RAISE(abecs_data_check_n_string("", "pan", 5, 0));
+}
+
+TEST(CharacterClasses, AreThoseOfAsciiAndReportTheFirstOther) {
+    for (int c = -128; c < 128; ++c) {
+        const bool expected = std::string_view("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz")
+                                  .find(static_cast<char>(c))
+                              != std::string_view::npos;
+        EXPECT_EQ(abecs_data_is_alphanumeric(static_cast<char>(c)), expected) << c;
+    }
+    size_t index = 77;
+    EXPECT_TRUE(abecs_data_is_numeric_field("019x", 3, &index));
+    EXPECT_TRUE(abecs_data_is_alphanumeric_field("aZ9-", 3, &index));
+    EXPECT_EQ(index, 77U) << "untouched on success";
+    EXPECT_FALSE(abecs_data_is_numeric_field("01a", 3, &index));
+    EXPECT_EQ(index, 2U);
+    EXPECT_FALSE(abecs_data_is_alphanumeric_field("a b-", 4, &index));
+    EXPECT_EQ(index, 1U);
+    EXPECT_FALSE(abecs_data_is_numeric_field("x", 1, nullptr));
+}
+
+TEST(Dates, EveryMonthEndsWhereItShould) {
+    constexpr uint8_t lengths[]{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    for (uint8_t month = 1; month <= 12; ++month) {
+        for (const uint8_t year : {uint8_t{0}, uint8_t{23}, uint8_t{24}, uint8_t{99}}) {
+            const auto last = static_cast<uint8_t>(lengths[month - 1] + (month == 2 && (year == 0 || year == 24)));
+            const AbecsDate good{year, month, last};
+            EXPECT_NO_RAISE(abecs_data_validate_date(&good));
+            const AbecsDate bad{year, month, static_cast<uint8_t>(last + 1)};
+            char detail[64];
+            std::snprintf(detail, sizeof detail, "Invalid date (YY-MM-DD): %02d-%02d-%02d", year, month, last + 1);
+            EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, abecs_data_validate_date(&bad));
+        }
+    }
+}
+
+TEST(Dates, FaultsComeInOrder) {
+    const AbecsDate year{100, 0, 0};
+    const AbecsDate month0{99, 0, 0};
+    const AbecsDate month13{99, 13, 0};
+    const AbecsDate day0{5, 6, 0};
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'date' is NULL", abecs_data_validate_date(nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid year: 100", abecs_data_validate_date(&year));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid month: 0", abecs_data_validate_date(&month0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid month: 13", abecs_data_validate_date(&month13));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid date (YY-MM-DD): 05-06-00", abecs_data_validate_date(&day0));
+}
+
+TEST(Times, FaultsComeInOrder) {
+    const AbecsTime last{23, 59, 59};
+    const AbecsTime hours{24, 60, 60};
+    const AbecsTime minutes{23, 60, 60};
+    const AbecsTime seconds{0, 0, 255};
+    EXPECT_NO_RAISE(abecs_data_validate_time(&last));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'time' is NULL", abecs_data_validate_time(nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hours: 24", abecs_data_validate_time(&hours));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid minutes: 60", abecs_data_validate_time(&minutes));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid seconds: 255", abecs_data_validate_time(&seconds));
+}
+
+TEST(Hex, ToHexWritesLowerCase) {
+    const uint8_t data[]{0x00, 0xAF, 0x9C};
+    char to[7];
+    EXPECT_STREQ(abecs_data_to_hex(data, 3, to, sizeof to), "00af9c");
+    EXPECT_STREQ(abecs_data_to_hex(nullptr, 0, to, 1), "");
+    const char* room = "Destination buffer does not have enough room for encoded data";
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL", abecs_data_to_hex(nullptr, 3, nullptr, 0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'szData' is zero", abecs_data_to_hex(data, 0, nullptr, 0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", abecs_data_to_hex(data, 3, nullptr, 0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, room, abecs_data_to_hex(data, 3, to, 6));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, room, abecs_data_to_hex(nullptr, 0, to, 0));
+}
+
+TEST(Hex, FromHexTakesEitherCaseAndDoesNotTerminate) {
+    uint8_t out[4]{9, 9, 9, 9};
+    EXPECT_EQ(abecs_data_from_hex("00aF9C", out, 3), out);
+    EXPECT_EQ(std::vector<uint8_t>(out, out + 4), (std::vector<uint8_t>{0x00, 0xAF, 0x9C, 9}));
+    EXPECT_EQ(abecs_data_from_hex2("77zz", 2, out, 1), out);
+    EXPECT_EQ(out[0], 0x77);
+    EXPECT_EQ(abecs_data_from_hex(nullptr, out, 0), out) << "null is an empty text";
+    const char* room = "Destination buffer does not have enough room for decoded data";
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'hex' is NULL", abecs_data_from_hex2(nullptr, 2, nullptr, 0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'szHex' is zero", abecs_data_from_hex2("12", 0, nullptr, 0));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_data_from_hex("12", nullptr, 1));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, room, abecs_data_from_hex("12345", out, 1));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hex string", abecs_data_from_hex("123", out, 1));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hex string", abecs_data_from_hex("+112", out, 4));
+}
+
+}  // namespace

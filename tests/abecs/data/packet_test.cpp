@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/packet.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "abecs/data/packet.h"
+#include "tests/abecs/data/bytes.h"
+#include "tests/support/raised.h"
+
+using namespace std::string_literals;
+using support::Packet;
+using support::Param;
+
+namespace {
+
+constexpr uint8_t kRaw[]{0xC0, 0xDE};
+
+TEST(Packet, EveryFieldFunctionWorksOnThePacketsBytes) {
+    const Packet packet;
+    abecs_packet_write_byte(packet, 0x01);
+    abecs_packet_write_field_n(packet, 12, 3);
+    abecs_packet_write_field_a(packet, "a\r", 3, true);
+    abecs_packet_write_field_a_cdata(packet, "b", 1, 2, false);
+    abecs_packet_write_field_s(packet, "\xE9\r", 3, true);
+    abecs_packet_write_field_s_cdata(packet, "s", 1, 2, false);
+    abecs_packet_write_field_h(packet, "ab", 4);
+    abecs_packet_write_field_h_cdata(packet, "cdef", 2, 4);
+    abecs_packet_write_field_h_raw(packet, kRaw, 2, 4);
+    abecs_packet_write_field_x(packet, 0x4142, 2);
+    abecs_packet_write_field_b(packet, "xyz", 3);
+    EXPECT_EQ(packet.take(),
+              "\x01"
+              "012"
+              "a\r "
+              "b "
+              "\xE9\r "
+              "s "
+              "30AB"
+              "30CD"
+              "C0DE"
+              "AB"
+              "xyz");
+}
+
+TEST(Packet, EveryReaderConsumesThePacketsBytes) {
+    const Packet packet(
+        "\x01"
+        "012"
+        "a\r "
+        "\xE9\r "
+        "30AB"
+        "C0DE"
+        "AB"
+        "xyz"
+        "040");
+    char text[5];
+    uint8_t raw[3];
+    EXPECT_EQ(abecs_packet_read_byte(packet), 0x01);
+    EXPECT_EQ(abecs_packet_read_field_n(packet, 3), 12U);
+    EXPECT_STREQ(abecs_packet_read_field_a(packet, text, sizeof text, 3, true), "a\r");
+    EXPECT_STREQ(abecs_packet_read_field_s(packet, text, sizeof text, 3, true), "\xE9\r");
+    EXPECT_STREQ(abecs_packet_read_field_h(packet, text, sizeof text, 4), "AB");
+    EXPECT_EQ(abecs_packet_read_field_h_raw(packet, raw, sizeof raw, 4), 2U);
+    EXPECT_EQ(raw[1], 0xDE);
+    EXPECT_EQ(abecs_packet_read_field_x(packet, 2), 0x4142U);
+    EXPECT_EQ(abecs_packet_read_field_b(packet, raw, sizeof raw, 3), 3U);
+    EXPECT_EQ(raw[2], 'z');
+    EXPECT_EQ(abecs_packet_read_rsp_stat(packet), 40);
+    EXPECT_EQ(abecs_packet_available_read(packet), 0U);
+}
+
+TEST(Packet, NullIsRefusedOnceAndDeletedSilently) {
+    AbecsPacket* const none = nullptr;
+    const Param param;
+    constexpr auto calls = std::to_array<void (*)(AbecsPacket*, AbecsParam*)>({
+        [](auto* p, auto*) { abecs_packet_clear(p); },
+        [](auto* p, auto*) { abecs_packet_available_read(p); },
+        [](auto* p, auto*) { abecs_packet_read_byte(p); },
+        [](auto* p, auto*) { abecs_packet_write_field_n(p, 1, 0); },
+        [](auto* p, auto*) { abecs_packet_read_field_h(p, nullptr, 0, 1); },
+        [](auto* p, auto*) { abecs::read_field_h_bytes(p, nullptr, 0, 2); },
+        [](auto* p, auto*) { abecs_packet_read_rsp_stat(p); },
+        [](auto* p, auto*) { abecs_packet_write_param(p, nullptr); },
+        [](auto* p, auto*) { abecs_packet_read_param(p, nullptr); },
+        [](auto* p, auto*) { abecs_packet_read_notification(p, nullptr); },
+        [](auto* p, auto*) { abecs_packet_save_state(p, nullptr); },
+        [](auto* p, auto*) { abecs_packet_set_state(p, nullptr); },
+    });
+    for (size_t i = 0; i < calls.size(); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL", calls[i](none, param));
+    }
+    {
+        const support::ReturningRaises raises;
+        for (const auto call : calls) { call(none, param); }
+        EXPECT_EQ(raises.all().size(), calls.size()) << "each leaves after its one raise";
+    }
+    AbecsPacket* packet = nullptr;
+    EXPECT_NO_RAISE(abecs_packet_delete(nullptr));
+    EXPECT_NO_RAISE(abecs_packet_delete(&packet));
+}
+
+TEST(Packet, HoldsTwoThousandAndFortyFourBytes) {
+    const Packet packet(std::string(2044, 'x'));
+    EXPECT_EQ(abecs_packet_available_read(packet), 2044U);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  abecs_packet_write_byte(packet, 0));
+    abecs_packet_clear(packet);
+    EXPECT_EQ(abecs_packet_available_read(packet), 0U);
+}
+
+TEST(Packet, AParameterIsWrittenAsIdLengthAndData) {
+    const Packet packet;
+    const Param param;
+    param.fill(6, "123456");
+    abecs_packet_write_param(packet, param);
+    EXPECT_EQ(packet.take(),
+              "\0\x06\0\x06"s
+              "123456");
+    abecs_packet_write_param(packet, param);
+    EXPECT_EQ(packet.take(), "\0\x06\0\0"s) << "its data were consumed, its id was not";
+    param.fill(0x1234, "skipped!" + std::string(300, 'y'));
+    abecs_param_read_field_b(param, nullptr, 0, 8);
+    abecs_packet_write_param(packet, param);
+    EXPECT_EQ(packet.take(), "\x12\x34\x01\x2C" + std::string(300, 'y')) << "only what was unread";
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL", abecs_packet_write_param(packet, nullptr));
+}
+
+TEST(Packet, AParameterThatDoesNotFitKeepsItsData) {
+    const Packet packet(std::string(2036, 'x'));
+    const Param param;
+    param.fill(1, "12345");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 4, requested: 5)",
+                  abecs_packet_write_param(packet, param));
+    EXPECT_EQ(param.take(), "12345");
+}
+
+TEST(Packet, ReadsParametersBack) {
+    const Packet packet(
+        "\x80\x01\0\x03"s
+        "abc"
+        "\x93\x63\0\0"s);
+    const Param param;
+    param.fill(7, "old");
+    EXPECT_EQ(abecs_packet_read_param(packet, param), param);
+    EXPECT_EQ(abecs_param_get_id(param), 0x8001);
+    EXPECT_EQ(param.take(), "abc");
+    EXPECT_EQ(abecs_packet_read_param(packet, param), param);
+    EXPECT_EQ(abecs_param_get_id(param), 0x9363);
+    EXPECT_EQ(param.take(), "");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 2, available: 0)",
+                  abecs_packet_read_param(packet, param));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_packet_read_param(packet, nullptr));
+}
+
+TEST(Packet, AParameterLongerThanThePacketIsMalformed) {
+    const Packet packet(
+        "\x80\x02\0\x0A"s
+        "abcd");
+    const Param param;
+    param.fill(7, "old");
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 10, available: 4)",
+                  abecs_packet_read_param(packet, param));
+    EXPECT_EQ(abecs_param_get_id(param), 0x8002);
+    EXPECT_EQ(param.take(), "");
+    EXPECT_EQ(packet.take(), "abcd") << "id and length were consumed";
+    packet.fill("\x80\x02\xFF\xFF" + std::string(2000, 'x'));
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 65535, available: 2000)",
+                  abecs_packet_read_param(packet, param));
+}
+
+TEST(Packet, AParameterLongerThanAParameterCanBeIsRefusedWhole) {
+    const Packet packet("\x80\x02\x03\xE8" + std::string(1000, 'x'));
+    const Param param;
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 999, requested: 1000)",
+                  abecs_packet_read_param(packet, param));
+    EXPECT_EQ(abecs_packet_available_read(packet), 1000U);
+}
+
+TEST(Packet, ReadsANotificationsText) {
+    char text[33];
+    const Packet packet("000005SALDO");
+    EXPECT_STREQ(abecs_packet_read_notification(packet, text), "SALDO");
+    const std::string longest(32, '\xC7');
+    packet.fill("000032" + longest);
+    EXPECT_EQ(abecs_packet_read_notification(packet, text), longest);
+    packet.fill("000005SALDO!");
+    EXPECT_EQ(abecs_packet_read_notification(packet, nullptr), nullptr);
+    EXPECT_EQ(packet.take(), "!");
+    packet.fill("012");
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_TIMEOUT",
+                  abecs_packet_read_notification(packet, text));
+    packet.fill("000033" + std::string(33, 'x'));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (33) is not enough to store field data",
+                  abecs_packet_read_notification(packet, text));
+    packet.fill("000002A\r");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1",
+                  abecs_packet_read_notification(packet, text));
+}
+
+TEST(Packet, ASavedStateMakesBytesReadableAgain) {
+    const Packet packet("abcdef");
+    KorBufferState state;
+    EXPECT_EQ(abecs_packet_save_state(packet, &state), &state);
+    abecs_packet_read_field_b(packet, nullptr, 0, 3);
+    abecs_packet_set_state(packet, &state);
+    EXPECT_EQ(packet.take(), "abcdef");
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_packet_save_state(packet, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'state' is NULL", abecs_packet_set_state(packet, nullptr));
+}
+
+}  // namespace

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/rsp_parser.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "quorvel/abecs/rsp_stat.h"
+#include "tests/abecs/data/bytes.h"
+#include "tests/support/raised.h"
+
+using namespace std::string_literals;
+using support::Packet;
+using support::Param;
+
+namespace {
+
+// 5, 10 and 4 bytes on the wire.
+const std::string kOneByte = "\x80\x40\0\x01"s + "7";
+const std::string kSixBytes = "\x80\x01\0\x06"s + "123456";
+const std::string kNoByte = "\x80\x22\0\0"s;
+
+class RspParser : public testing::Test {
+protected:
+    ~RspParser() override { abecs_rsp_parser_delete(&parser_); }
+
+    void set(const std::string& response) {
+        packet_.fill(response);
+        abecs_rsp_parser_set_packet(parser_, packet_);
+    }
+
+    using Read = std::vector<std::pair<uint16_t, std::string>>;
+
+    // Every parameter up to the end, which has to stay the end.
+    Read read_all() {
+        Read read;
+        while (abecs_rsp_parser_read_param(parser_, param_) != nullptr) {
+            const uint16_t id = abecs_param_get_id(param_);
+            read.emplace_back(id, param_.take());
+        }
+        EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
+        return read;
+    }
+
+    AbecsRspParser* parser_ = abecs_rsp_parser_new();
+    Packet packet_;
+    Param param_;
+};
+
+TEST_F(RspParser, ReadsParametersAcrossTheBlocks) {
+    struct Case {
+        std::string response;
+        Read params;
+    };
+    const Case cases[]{
+        {"GIX000", {}},
+        {"GIX000000", {}},
+        {"GIX000010" + kSixBytes, {{0x8001, "123456"}}},
+        {"GIX000019" + kSixBytes + kOneByte + kNoByte, {{0x8001, "123456"}, {0x8040, "7"}, {0x8022, ""}}},
+        {"GIX000010" + kSixBytes + "005" + kOneByte, {{0x8001, "123456"}, {0x8040, "7"}}},
+        {"GIX000010" + kSixBytes + "009" + kOneByte + kNoByte, {{0x8001, "123456"}, {0x8040, "7"}, {0x8022, ""}}},
+        {"GIX000010" + kSixBytes + "000", {{0x8001, "123456"}}},
+        {"GIX000000005" + kOneByte, {{0x8040, "7"}}},
+    };
+    for (const auto& [response, params] : cases) {
+        SCOPED_TRACE(response);
+        set(response);
+        EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "GIX");
+        EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), 0);
+        EXPECT_EQ(read_all(), params);
+    }
+}
+
+TEST_F(RspParser, LongBlocksAreCountedInFull) {
+    const std::string block = "\x80\x4E\x03\xE3" + std::string(995, 'x');
+    set("CEX000999" + block + "999" + block);
+    EXPECT_EQ(read_all(), (Read{{0x804E, std::string(995, 'x')}, {0x804E, std::string(995, 'x')}}));
+}
+
+TEST_F(RspParser, BehindAnotherStatusNothingIsLookedAt) {
+    set("ERR010garbage");
+    EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "ERR");
+    EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_INVCALL);
+    EXPECT_EQ(read_all(), Read{});
+}
+
+TEST_F(RspParser, RefusesBadHeads) {
+    struct Case {
+        const char* response;
+        int16_t code;
+        const char* detail;
+    };
+    const Case cases[]{
+        {"GIX00", KOR_RESULT_IO_ERROR, "Invalid packet (not enough data)"},
+        {"", KOR_RESULT_IO_ERROR, "Invalid packet (not enough data)"},
+        {"G\x01X000", KOR_RESULT_IO_ERROR, "Invalid character (0x01) at position 1"},
+        {"GIX001", KOR_RESULT_PROTOCOL_ERROR, "Unknown value for RSP_STAT: 001"},
+        {"GIX00002", KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 3, available: 2)"},
+        {"GIX0000x2", KOR_RESULT_IO_ERROR, "Invalid char (0x78) at index 1"},
+        {"GIX000005four", KOR_RESULT_IO_ERROR, "Invalid packet (malformed)"},
+        {"GIX000004four0", KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 3, available: 1)"},
+        {"GIX000004four005four", KOR_RESULT_IO_ERROR, "Invalid packet (malformed)"},
+        {"GIX000004four004four!", KOR_RESULT_IO_ERROR, "Invalid packet (unsupported block)"},
+        {"NTM000033123456789012345678901234567890123", KOR_RESULT_PROTOCOL_ERROR, "Malformed notification"},
+        {"NTM000004four004four", KOR_RESULT_PROTOCOL_ERROR, "Malformed notification"},
+        {"NTM010", KOR_RESULT_PROTOCOL_ERROR, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_INVCALL"},
+    };
+    for (const auto& [response, code, detail] : cases) {
+        SCOPED_TRACE(response);
+        packet_.fill(response);
+        EXPECT_RAISES(code, detail, abecs_rsp_parser_set_packet(parser_, packet_));
+        packet_.fill(response);
+        const support::ReturningRaises raises;
+        abecs_rsp_parser_set_packet(parser_, packet_);
+        EXPECT_EQ(raises.all().size(), 1U);
+        EXPECT_NE(abecs_rsp_parser_get_stat(parser_), 0) << "must not look like success";
+        EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
+    }
+}
+
+TEST_F(RspParser, ABlockMustEndWithAParameter) {
+    const char* block1 = "Malformed packet (remaining bytes on BLK1 cannot be used)";
+    const char* block2 = "Malformed packet (remaining bytes on BLK2 cannot be used)";
+    set("GIX000005" + kNoByte + "x");
+    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, block1, abecs_rsp_parser_read_param(parser_, param_));
+    set("GIX000003abc");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, block1, abecs_rsp_parser_read_param(parser_, param_));
+    set("GIX000004" + kNoByte + "007" + kNoByte + "xyz");
+    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_);
+    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, block2, abecs_rsp_parser_read_param(parser_, param_));
+}
+
+TEST_F(RspParser, AParameterMustNotReachBeyondItsBlock) {
+    set("GIX000005\x80\x40\0\x05"s + "x" + "004" + kNoByte);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Malformed packet (remaining bytes on BLK1 cannot be used)",
+                  abecs_rsp_parser_read_param(parser_, param_));
+    set("GIX000005\x80\x40\0\x02"s + "x");
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 2, available: 1)",
+                  abecs_rsp_parser_read_param(parser_, param_));
+}
+
+TEST_F(RspParser, ReadsANotificationsText) {
+    char text[33];
+    set("NTM000012TIRE\xC9 CARTAO");
+    EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "NTM");
+    EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_NOTIFICATION);
+    EXPECT_STREQ(abecs_rsp_parser_read_notification(parser_, text), "TIRE\xC9 CARTAO");
+    EXPECT_EQ(read_all(), Read{}) << "the text is consumed";
+    const std::string longest(32, 'n');
+    set("NTM000032" + longest);
+    EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, text), longest);
+    set("NTM000");
+    EXPECT_STREQ(abecs_rsp_parser_read_notification(parser_, text), "");
+    set("NTM000005SALDO");
+    EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, nullptr), nullptr);
+    EXPECT_EQ(packet_.take(), "");
+    set("GKY000");
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_STATE, "Response is not a notification",
+                  abecs_rsp_parser_read_notification(parser_, text));
+}
+
+TEST_F(RspParser, ANewParserIsEmpty) {
+    EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "");
+    EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), 0);
+    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
+}
+
+TEST_F(RspParser, NullArgumentsAreRefused) {
+    const char* parser = "'parser' is NULL";
+    char text[33];
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, parser, abecs_rsp_parser_set_packet(nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, parser, abecs_rsp_parser_get_id(nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, parser, abecs_rsp_parser_get_stat(nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, parser, abecs_rsp_parser_read_param(nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, parser, abecs_rsp_parser_read_notification(nullptr, text));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'responsePacket' is NULL",
+                  abecs_rsp_parser_set_packet(parser_, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_rsp_parser_read_param(parser_, nullptr));
+    EXPECT_NO_RAISE(abecs_rsp_parser_delete(nullptr));
+}
+
+}  // namespace
