@@ -21,7 +21,8 @@ public:
     template <typename Callable>
     requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
         FunctionRef(Callable&& callable)  // NOLINT(bugprone-forwarding-reference-overload): excluded by the constraint
-        : context_(std::addressof(callable)), call_([](void* context, Arguments... arguments) -> Result {
+        : context_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
+          call_([](void* context, Arguments... arguments) -> Result {
               return (*static_cast<std::remove_reference_t<Callable>*>(context))(arguments...);
           }) {
         static_assert(std::is_trivially_destructible_v<std::remove_reference_t<Callable>>,
