@@ -9,12 +9,14 @@
 
 KOR_BEGIN_DECLS
 
+/* How the working key for card numbers came and which cipher it is for. */
 typedef enum AbecsWkPanType_E KOR_ENUM_INT32 {
     ABECS_WK_PAN_TYPE_DES = 0,
     ABECS_WK_PAN_TYPE_TDES = 1,
     ABECS_WK_PAN_TYPE_TDES_RSA = 2
 } AbecsWkPanType_E;
 
+/* The working key for card numbers. ABECS_WK_PAN_TYPE_DES uses the first 8 bytes of the key. */
 typedef struct AbecsWkPan {
     AbecsWkPanType_E type;
     uint8_t key[16];
