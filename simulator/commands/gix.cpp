@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <optional>
+#include <random>
+
+#include "simulator/commands/handlers.h"
+#include "simulator/param_id.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t bigRandSize = 900;
+
+std::string slots_text(const KeyDirectory::Slots& slots) {
+    std::string text(indexCount, '0');
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (slots[i]) text[i] = '1';
+    }
+    return text;
+}
+
+std::string slots_text(const std::map<int, KeyDirectory::Ksn>& keys) {
+    KeyDirectory::Slots slots;
+    for (const auto& [index, ksn] : keys) slots.set(static_cast<size_t>(index));
+    return slots_text(slots);
+}
+
+struct Item {
+    uint16_t id;
+    std::string (*text)(const Device& device);
+};
+
+template <std::string Identity::*member>
+constexpr auto identity = [](const Device& device) { return device.identity.*member; };
+
+template <auto KeyDirectory::*member>
+constexpr auto keys = [](const Device& device) { return slots_text(device.keys.*member); };
+
+constexpr std::array items{
+    Item{0x8001, identity<&Identity::serialNumber>},
+    Item{0x8002, identity<&Identity::partNumber>},
+    Item{0x8003, identity<&Identity::model>},
+    Item{0x8004, identity<&Identity::manufacturer>},
+    Item{0x8005, identity<&Identity::capabilities>},
+    Item{0x8006, identity<&Identity::osVersion>},
+    Item{0x8007, identity<&Identity::specVersion>},
+    Item{0x8008, identity<&Identity::manufacturerVersion>},
+    Item{0x8009, identity<&Identity::applicationVersion>},
+    Item{0x800A, identity<&Identity::genericVersion>},
+    Item{0x8010, identity<&Identity::kernelVersion>},
+    Item{0x8011, identity<&Identity::contactlessVersion>},
+    Item{0x8012, identity<&Identity::mastercardVersion>},
+    Item{0x8013, identity<&Identity::visaVersion>},
+    Item{0x8014, identity<&Identity::amexVersion>},
+    Item{0x8015, identity<&Identity::discoverVersion>},
+    Item{0x8016, identity<&Identity::pureVersion>},
+    Item{0x8020, identity<&Identity::textSize>},
+    Item{0x8021, identity<&Identity::graphicSize>},
+    Item{0x8022, identity<&Identity::mediaSupport>},
+    Item{0x8030, keys<&KeyDirectory::desPin>},
+    Item{0x8031, keys<&KeyDirectory::desData>},
+    Item{0x8032, keys<&KeyDirectory::tdesPin>},
+    Item{0x8033, keys<&KeyDirectory::tdesData>},
+    Item{0x8034, keys<&KeyDirectory::dukptDesPin>},
+    Item{0x8035, keys<&KeyDirectory::dukptTdesPin>},
+    Item{0x8036, keys<&KeyDirectory::dukptTdesData>},
+};
+static_assert(std::ranges::is_sorted(items, {}, &Item::id));
+
+Bytes random_bytes() {
+    std::random_device source;
+    Bytes bytes(bigRandSize);
+    std::ranges::generate(bytes, [&] { return static_cast<uint8_t>(source()); });
+    return bytes;
+}
+
+std::optional<Bytes> ksn(const std::map<int, KeyDirectory::Ksn>& from, int index) {
+    const auto found = from.find(index);
+    if (found == from.end()) return std::nullopt;
+    return Bytes(found->second.begin(), found->second.end());
+}
+
+std::optional<Bytes> family_item(const Device& device, int family, int index) {
+    switch (family) {
+        case pp::ksnDesPin:
+            return ksn(device.keys.dukptDesPin, index);
+        case pp::ksnTdesPin:
+            return ksn(device.keys.dukptTdesPin, index);
+        case pp::ksnTdesData:
+            return ksn(device.keys.dukptTdesData, index);
+        case pp::tabVer:
+            break;
+        default:
+            return std::nullopt;
+    }
+    const auto version = device.tableVersions.find(index);
+    if (version == device.tableVersions.end()) return std::nullopt;
+    return Writer().a(version->second, 10).bytes();
+}
+
+// None for what the PIN pad does not have.
+std::optional<Bytes> item(const Device& device, uint16_t id) {
+    const auto* found = std::ranges::lower_bound(items, id, {}, &Item::id);
+    if (found != items.end() && found->id == id) return to_bytes(found->text(device));
+    if (id == pp::bigRand) return random_bytes();
+    if (id == pp::tlrMem) return Writer().x(device.tableMemory, 4).bytes();
+    return family_item(device, id & 0xFF00, id & 0x00FF);
+}
+
+bool exists(uint16_t id) {
+    if (std::ranges::binary_search(items, id, {}, &Item::id) || id == pp::bigRand || id == pp::tlrMem) return true;
+    return id >= pp::ksnDesPin && (id & 0xFF00) <= pp::tabVer && (id & 0x00FF) < pp::familySize;
+}
+
+std::vector<uint16_t> requested(Reader& request) {
+    std::vector<uint16_t> ids;
+    for (const Param& param : request.params()) {
+        if (param.id != spe::idList || !ids.empty()) throw out_of_place("GIX", param.id);
+        Reader list("SPE_IDLIST", param.data);
+        if (list.left() == 0) throw LayoutError("SPE_IDLIST: no id");
+        while (list.left() != 0) ids.push_back(static_cast<uint16_t>(list.x("id", 2)));
+    }
+    return ids;
+}
+
+}  // namespace
+
+// An item that the PIN pad does not have is left out of the answer. No list asks for all that describes the device.
+Answer gix(Call& call) {
+    std::vector<uint16_t> ids = requested(call.request);
+    if (ids.empty()) std::ranges::transform(items, std::back_inserter(ids), &Item::id);
+    std::vector<Param> found;
+    for (const uint16_t id : ids) {
+        if (!exists(id)) {
+            call.journal.record(Finding{Finding::Kind::unsupported, fmt::format("GIX: there is no item 0x{:04X}", id)});
+        } else if (std::optional<Bytes> value = item(call.device, id)) {
+            found.push_back({id, *std::move(value)});
+        }
+    }
+    return Answer::of(found);
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_DEVICE_H
+#define QUORVEL_SIMULATOR_DEVICE_H
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace quorvel::sim {
+
+inline constexpr int indexCount = 100;
+
+// What the PIN pad tells of itself, in the fields of GIN for index 0 and in the items of GIX.
+struct Identity {
+    std::string manufacturer = "QUORVEL";
+    // What stands behind a ";" refines the model.
+    std::string model = "VIRTUAL;SIM";
+    bool contactless = true;
+    std::string osVersion = "QSO 0.1.0";
+    std::string specVersion = "2.12";
+    std::string manufacturerVersion = "001.00 260101";
+    std::string serialNumber = "QV00000001";
+    std::string partNumber = "QV-SIM-1";
+    std::string capabilities = "1111000000";
+    std::string applicationVersion = "001.00 260101";
+    std::string genericVersion = "001.00 260101";
+    std::string kernelVersion = "4.3a";
+    std::string contactlessVersion = "1.00";
+    std::string mastercardVersion = "3.1.4";
+    std::string visaVersion = "2.2";
+    std::string amexVersion = "3.1";
+    std::string discoverVersion = "1.0";
+    std::string pureVersion = "2.1.7";
+    // Lines and columns of text, then height and width in points.
+    std::string textSize = "0416";
+    std::string graphicSize = "01280160";
+    std::string mediaSupport = "1110000000";
+};
+
+// GIN's other layouts: the texts in the order of their fields.
+struct AcquirerInfo {
+    std::array<std::string, 4> texts;
+    unsigned number = 0;
+};
+
+struct Index2Info {
+    std::array<std::string, 5> texts{"QUORVEL", "APPLICATION2", "001.00 260101", "0001", "A00"};
+    unsigned number = 2;
+};
+
+struct Index3Info {
+    std::array<std::string, 8> texts{"APP003", "0100", "0001", "A00", "B00", "001.00 260101", "0001", "01"};
+    bool dukpt = true;
+    unsigned number = 3;
+};
+
+// Which keys are there. The serial number of a DUKPT key stands beside it.
+struct KeyDirectory {
+    using Slots = std::bitset<indexCount>;
+    using Ksn = std::array<uint8_t, 10>;
+
+    Slots desPin;
+    Slots desData;
+    Slots tdesPin;
+    Slots tdesData;
+    std::map<int, Ksn> dukptDesPin;
+    std::map<int, Ksn> dukptTdesPin;
+    std::map<int, Ksn> dukptTdesData;
+};
+
+// All that the PIN pad is and remembers.
+struct Device {
+    Identity identity;
+    Index2Info index2;
+    Index3Info index3;
+    // Indexes that are not here tell about themselves what acquirer() makes up.
+    std::map<int, AcquirerInfo> acquirers;
+    KeyDirectory keys;
+    std::map<int, std::string> tableVersions;
+    uint32_t tableMemory = 262144;
+
+    [[nodiscard]] AcquirerInfo acquirer(int index) const;
+
+    // One with a few keys, as it comes from the factory.
+    [[nodiscard]] static Device standard();
+};
+
+}  // namespace quorvel::sim
+
+#endif

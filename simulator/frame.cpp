@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/frame.h"
+
+#include <fmt/format.h>
+#include <utility>
+
+#include "simulator/crc.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr uint8_t escapeShift = 0x20;
+
+constexpr bool needs_escape(uint8_t byte) {
+    return byte == control::dc3 || byte == control::syn || byte == control::etb;
+}
+
+// Covers the data as it was before stuffing and the ETB behind it, in an encrypted frame the DC2 before it too.
+uint16_t frame_crc(const Frame& frame) {
+    static constexpr uint8_t before[]{control::dc2};
+    static constexpr uint8_t after[]{control::etb};
+    const uint16_t crc = frame.encrypted ? crc16(before) : uint16_t{0};
+    return crc16(after, crc16(frame.data, crc));
+}
+
+}  // namespace
+
+Bytes encode(const Frame& frame) {
+    Bytes wire{control::syn};
+    if (frame.encrypted) wire.push_back(control::dc2);
+    for (const uint8_t byte : frame.data) {
+        if (needs_escape(byte)) wire.push_back(control::dc3);
+        wire.push_back(needs_escape(byte) ? static_cast<uint8_t>(byte + escapeShift) : byte);
+    }
+    wire.push_back(control::etb);
+    const uint16_t crc = frame_crc(frame);
+    wire.push_back(static_cast<uint8_t>(crc >> 8));
+    wire.push_back(static_cast<uint8_t>(crc & 0xFF));
+    return wire;
+}
+
+std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
+    wire_.push_back(byte);
+    switch (state_) {
+        case State::outside:
+            if (byte != control::syn) return finish(Reception::Kind::byte, byte);
+            state_ = State::first;
+            return std::nullopt;
+        case State::first:
+            state_ = State::data;
+            frame_.encrypted = byte == control::dc2;
+            return frame_.encrypted ? std::nullopt : in_data(byte);
+        case State::data:
+            return in_data(byte);
+        case State::escaped:
+            state_ = State::data;
+            if (needs_escape(byte)) {
+                // The escape stands alone: what follows keeps its meaning, so that the frame still ends.
+                blame("DC3 before a control byte");
+                return in_data(byte);
+            }
+            unescape(byte);
+            return std::nullopt;
+        case State::crc_high:
+            crc_ = static_cast<uint16_t>(byte << 8);
+            state_ = State::crc_low;
+            return std::nullopt;
+        case State::crc_low:
+            crc_ = static_cast<uint16_t>(crc_ | byte);
+            return check();
+    }
+    return std::nullopt;
+}
+
+Reception FrameDecoder::give_up() {
+    blame("the frame does not go on");
+    return finish(Reception::Kind::damaged);
+}
+
+std::optional<Reception> FrameDecoder::in_data(uint8_t byte) {
+    switch (byte) {
+        case control::syn:
+            return restart();
+        case control::etb:
+            state_ = State::crc_high;
+            break;
+        case control::dc3:
+            state_ = State::escaped;
+            break;
+        default:
+            store(byte);
+    }
+    return std::nullopt;
+}
+
+// A SYN cannot stand inside a frame: whoever sends one has begun anew.
+std::optional<Reception> FrameDecoder::restart() {
+    wire_.pop_back();
+    blame("SYN inside a frame");
+    Reception cutOff = finish(Reception::Kind::interrupted);
+    wire_.push_back(control::syn);
+    state_ = State::first;
+    return cutOff;
+}
+
+void FrameDecoder::store(uint8_t byte) {
+    if (frame_.data.size() == maxFrameData) return blame(fmt::format("more than {} data bytes", maxFrameData));
+    frame_.data.push_back(byte);
+}
+
+void FrameDecoder::unescape(uint8_t byte) {
+    const auto plain = static_cast<uint8_t>(byte - escapeShift);
+    if (!needs_escape(plain)) blame(fmt::format("0x{:02X} escaped without need", plain));
+    store(plain);
+}
+
+void FrameDecoder::blame(std::string fault) {
+    if (fault_.empty()) fault_ = std::move(fault);
+}
+
+Reception FrameDecoder::check() {
+    const uint16_t due = frame_crc(frame_);
+    if (crc_ != due) blame(fmt::format("bad CRC: 0x{:04X} received, 0x{:04X} due", crc_, due));
+    return finish(fault_.empty() ? Reception::Kind::frame : Reception::Kind::damaged);
+}
+
+Reception FrameDecoder::finish(Reception::Kind kind, uint8_t byte) {
+    state_ = State::outside;
+    return {.kind = kind,
+            .frame = std::exchange(frame_, {}),
+            .byte = byte,
+            .fault = std::exchange(fault_, {}),
+            .wire = std::exchange(wire_, {})};
+}
+
+}  // namespace quorvel::sim

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_FRAME_H
+#define QUORVEL_SIMULATOR_FRAME_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "simulator/bytes.h"
+
+namespace quorvel::sim {
+
+namespace control {
+inline constexpr uint8_t eot = 0x04;
+inline constexpr uint8_t ack = 0x06;
+inline constexpr uint8_t dc2 = 0x12;
+inline constexpr uint8_t dc3 = 0x13;
+inline constexpr uint8_t nak = 0x15;
+inline constexpr uint8_t syn = 0x16;
+inline constexpr uint8_t etb = 0x17;
+inline constexpr uint8_t can = 0x18;
+}  // namespace control
+
+// The largest command has two blocks of 999 bytes, 2007 bytes in all; enciphered, with its head and padding, 2016.
+inline constexpr size_t maxFrameData = 2048;
+
+struct Frame {
+    bool encrypted = false;
+    Bytes data;
+
+    bool operator==(const Frame&) const = default;
+};
+
+[[nodiscard]] Bytes encode(const Frame& frame);
+
+// One thing that the host sent.
+struct Reception {
+    enum class Kind {
+        frame,        // a good frame
+        damaged,      // a whole frame that must be refused
+        interrupted,  // the beginning of a frame that another one cut off
+        byte,         // one byte outside frames
+    };
+
+    Kind kind = Kind::byte;
+    Frame frame;
+    uint8_t byte = 0;
+    std::string fault;  // what is wrong with a damaged or interrupted frame
+    Bytes wire;         // the bytes as they came
+};
+
+// Takes the line's bytes one by one and tells what they make. Outside frames every byte stands for itself.
+class FrameDecoder {
+public:
+    // What this byte completes, if anything.
+    [[nodiscard]] std::optional<Reception> feed(uint8_t byte);
+
+    [[nodiscard]] bool in_frame() const noexcept { return state_ != State::outside; }
+
+    // Ends a frame that does not go on.
+    [[nodiscard]] Reception give_up();
+
+private:
+    enum class State { outside, first, data, escaped, crc_high, crc_low };
+
+    std::optional<Reception> in_data(uint8_t byte);
+    std::optional<Reception> restart();
+    void store(uint8_t byte);
+    void unescape(uint8_t byte);
+    void blame(std::string fault);
+    Reception check();
+    Reception finish(Reception::Kind kind, uint8_t byte = 0);
+
+    State state_ = State::outside;
+    Frame frame_;
+    std::string fault_;
+    uint16_t crc_ = 0;
+    Bytes wire_;
+};
+
+}  // namespace quorvel::sim
+
+#endif

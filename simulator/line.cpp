@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/line.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <termios.h>
+#include <unistd.h>
+
+namespace quorvel::sim {
+
+namespace {
+
+// How long a client may leave the line full before what it does not read is dropped.
+constexpr int patienceMs = 1000;
+
+[[noreturn]] void fail(const char* call) { throw std::system_error(errno, std::generic_category(), call); }
+
+std::string slave_path(int master) {
+    if (grantpt(master) != 0) fail("grantpt");
+    if (unlockpt(master) != 0) fail("unlockpt");
+    std::array<char, 128> path{};
+    if (const int error = ptsname_r(master, path.data(), path.size()); error != 0) {
+        throw std::system_error(error, std::generic_category(), "ptsname_r");
+    }
+    return path.data();
+}
+
+// Before any client sets the line up for itself it must neither echo nor translate.
+void make_raw(int slave) {
+    termios settings{};
+    if (tcgetattr(slave, &settings) != 0) fail("tcgetattr");
+    cfmakeraw(&settings);
+    if (tcsetattr(slave, TCSANOW, &settings) != 0) fail("tcsetattr");
+}
+
+bool transient(int error) { return error == EAGAIN || error == EINTR; }
+
+}  // namespace
+
+Descriptor::Descriptor(int descriptor, const char* call) : descriptor_(descriptor) {
+    if (descriptor < 0) fail(call);
+}
+
+Descriptor::~Descriptor() { ::close(descriptor_); }
+
+Line::Line()
+    : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
+      path_(slave_path(master_.get())),
+      slave_(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open"),
+      wakeUp_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "eventfd") {
+    make_raw(slave_.get());
+}
+
+Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit) {
+    std::array<pollfd, 2> polled{pollfd{master_.get(), POLLIN, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
+    const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
+    if (ready < 0 && errno != EINTR) fail("poll");
+    if (ready == 0) return Event::timedOut;
+    if (ready < 0 || polled[1].revents != 0) {
+        uint64_t count = 0;
+        if (::read(wakeUp_.get(), &count, sizeof count) < 0 && !transient(errno)) fail("read");
+        return Event::woken;
+    }
+    return Event::readable;
+}
+
+Bytes Line::read() {
+    Bytes bytes(4096);
+    const ssize_t count = ::read(master_.get(), bytes.data(), bytes.size());
+    if (count < 0 && !transient(errno)) fail("read");
+    bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
+    return bytes;
+}
+
+bool Line::write(ByteView bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(master_.get(), bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes = bytes.subspan(static_cast<size_t>(count));
+        } else if (!transient(errno)) {
+            fail("write");
+        } else if (!await_room()) {
+            ::tcflush(slave_.get(), TCIFLUSH);
+            return false;
+        }
+    }
+    return true;
+}
+
+void Line::wake() const noexcept {
+    const int error = errno;
+    const uint64_t one = 1;
+    // Can only fail when the counter is full, and then the wait ends anyway.
+    [[maybe_unused]] const ssize_t written = ::write(wakeUp_.get(), &one, sizeof one);
+    errno = error;
+}
+
+// Someone who wants to stop the PIN pad is not made to wait for a client that does not read.
+bool Line::await_room() const {
+    std::array<pollfd, 2> polled{pollfd{master_.get(), POLLOUT, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
+    const int ready = ::poll(polled.data(), polled.size(), patienceMs);
+    if (ready < 0) return errno == EINTR;
+    return ready > 0 && polled[1].revents == 0;
+}
+
+}  // namespace quorvel::sim

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_LINE_H
+#define QUORVEL_SIMULATOR_LINE_H
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "simulator/bytes.h"
+
+namespace quorvel::sim {
+
+// A file descriptor that is closed with its owner.
+class Descriptor {
+public:
+    // Throws std::system_error that names `call` for the negative result of a failed system call.
+    Descriptor(int descriptor, const char* call);
+    ~Descriptor();
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] int get() const noexcept { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+// The PIN pad's end of a serial line: a pseudo-terminal whose other end programs open as they would a serial port.
+// Clients may come and go.
+class Line {
+public:
+    enum class Event { readable, woken, timedOut };
+
+    // Throws std::system_error.
+    Line();
+
+    // The device to open, for instance /dev/pts/7.
+    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+    // Waits for bytes or for wake(), at most `limit`.
+    [[nodiscard]] Event wait(std::optional<std::chrono::milliseconds> limit);
+
+    // What has come, possibly nothing.
+    [[nodiscard]] Bytes read();
+
+    // What nobody takes is lost, as on a line with nobody at its other end. Returns false then.
+    bool write(ByteView bytes);
+
+    // Ends the current wait(), or the next one. Safe from other threads and in signal handlers.
+    void wake() const noexcept;
+
+private:
+    [[nodiscard]] bool await_room() const;
+
+    Descriptor master_;
+    std::string path_;
+    // Held open, so that the line neither hangs up nor forgets its settings when a client closes it.
+    Descriptor slave_;
+    Descriptor wakeUp_;
+};
+
+}  // namespace quorvel::sim
+
+#endif

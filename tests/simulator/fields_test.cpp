@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/fields.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using namespace std::string_literals;
+
+namespace quorvel::sim {
+
+namespace {
+
+std::string fault_of(const std::string& bytes, const std::function<void(Reader&)>& read) {
+    const Bytes owned = to_bytes(bytes);
+    Reader reader("CMD", owned);
+    try {
+        read(reader);
+    } catch (const LayoutError& error) { return error.what(); }
+    return "";
+}
+
+struct Refused {
+    std::string bytes;
+    std::function<void(Reader&)> read;
+    std::string fault;
+};
+
+const std::vector<Refused> refused{
+    {"1A", [](Reader& r) { static_cast<void>(r.n("F", 2)); }, "CMD: F: 0x41 is no digit"},
+    {"1", [](Reader& r) { static_cast<void>(r.n("F", 2)); }, "CMD: F: 2 bytes due, 1 left"},
+    {"A\x7F", [](Reader& r) { static_cast<void>(r.a("F", 2)); }, "CMD: F: 0x7F is not allowed"},
+    {"A\r", [](Reader& r) { static_cast<void>(r.s("F", 2)); }, "CMD: F: 0x0D is not allowed"},
+    {"A\n", [](Reader& r) { static_cast<void>(r.s("F", 2, Cr::allowed)); }, "CMD: F: 0x0A is not allowed"},
+    {"aB", [](Reader& r) { static_cast<void>(r.h("F", 2)); }, "CMD: F: 0x61 is no hexadecimal digit"},
+    {"ABC", [](Reader& r) { static_cast<void>(r.h("F", 3)); }, "CMD: F: an odd number of hexadecimal digits"},
+    {"\x01", [](Reader& r) { static_cast<void>(r.x("F", 2)); }, "CMD: F: 2 bytes due, 1 left"},
+    {"003AB", [](Reader& r) { static_cast<void>(r.block("F")); }, "CMD: F: 3 bytes due, 2 left"},
+    {"\x80\x01\x00\x03"
+     "AB"s,
+     [](Reader& r) { static_cast<void>(r.param()); }, "CMD: parameter 0x8001: 3 bytes due, 2 left"},
+    {"000", [](Reader& r) { static_cast<void>(r.params()); }, "CMD: CMD_LEN1: a block without parameters"},
+    {"AB", [](Reader& r) { r.end(); }, "CMD: 2 bytes too many"},
+};
+
+TEST(Reader, TellsWhatIsWrongWithWhichField) {
+    for (const auto& [bytes, read, fault] : refused) EXPECT_EQ(fault_of(bytes, read), fault);
+}
+
+TEST(Reader, ReadsEachKindOfField) {
+    const Bytes bytes = to_bytes("0420AB  \xC9\r 30ab3041\x12\x34\x56\x78");
+    Reader reader("CMD", bytes);
+    EXPECT_EQ(reader.n("N", 4), 420U);
+    EXPECT_EQ(reader.a("A", 4), "AB");
+    EXPECT_EQ(reader.s("S", 3, Cr::allowed), "\xC9\r");
+    EXPECT_EQ(reader.b("B", 4), to_bytes("30ab"));
+    EXPECT_EQ(reader.h("H", 4), to_bytes("0A"));
+    EXPECT_EQ(reader.x("X", 2), 0x1234U);
+    EXPECT_EQ(reader.x("X", 1), 0x56U);
+    EXPECT_EQ(reader.left(), 1U);
+}
+
+TEST(Reader, GathersParametersFromBothBlocks) {
+    const Bytes bytes = to_bytes(
+        "009\x00\x01\x00\x01"
+        "A\x00\x02\x00\x00"
+        "006\x00\x01\x00\x02"
+        "BC"s);
+    const std::vector<Param> due{{1, to_bytes("A")}, {2, {}}, {1, to_bytes("BC")}};
+    EXPECT_EQ(Reader("CMD", bytes).params(), due);
+}
+
+TEST(Writer, LaysOutEachKindOfField) {
+    const Bytes hexed{0x01, 0xAB};
+    Writer writer;
+    writer.n(7, 3).a("AB", 4).s("\xC9", 2).h(hexed, 8).x(0x1234, 2).param({0x8001, to_bytes("Z")});
+    EXPECT_EQ(writer.bytes(), to_bytes("007AB  \xC9 303001AB\x12\x34\x80\x01\x00\x01Z"s));
+}
+
+TEST(Writer, RefusesWhatDoesNotFit) {
+    EXPECT_THROW(Writer().n(1000, 3), std::invalid_argument);
+    EXPECT_THROW(Writer().a("ABC", 2), std::invalid_argument);
+    EXPECT_THROW(Writer().a("\xC9", 2), std::invalid_argument);
+    EXPECT_THROW(Writer().h(to_bytes("AB"), 2), std::invalid_argument);
+    EXPECT_THROW(Writer().x(256, 1), std::invalid_argument);
+    EXPECT_NO_THROW(Writer().x(0xFFFFFFFF, 4));
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include "tests/simulator/host.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// quorvel-sim, run as a user does.
+class Program {
+public:
+    explicit Program(std::vector<std::string> arguments) {
+        EXPECT_EQ(pipe2(output_.data(), O_CLOEXEC), 0);
+        EXPECT_EQ(pipe2(errors_.data(), O_CLOEXEC), 0);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, output_[1], STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, errors_[1], STDERR_FILENO);
+        arguments.insert(arguments.begin(), QUORVEL_SIM);
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        EXPECT_EQ(posix_spawn(&process_, QUORVEL_SIM, &actions, nullptr, argv.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        close(output_[1]);
+        close(errors_[1]);
+    }
+
+    ~Program() {
+        if (process_ > 0) end(SIGKILL);
+        close(output_[0]);
+        close(errors_[0]);
+    }
+
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    std::string line() { return read_until(output_[0], '\n'); }
+
+    // All that went to standard error; ends when the program has ended.
+    std::string errors() { return read_until(errors_[0], '\0'); }
+
+    // The path behind READY.
+    std::string ready() {
+        const std::string said = line();
+        EXPECT_EQ(said.rfind("READY /dev/pts/", 0), 0U) << said;
+        return said.size() > 6 ? said.substr(6) : "";
+    }
+
+    int end(int signal) {
+        kill(process_, signal);
+        return wait();
+    }
+
+    int wait() {
+        int status = -1;
+        waitpid(process_, &status, 0);
+        process_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    static std::string read_until(int descriptor, char stop) {
+        std::string text;
+        for (char c = 0; read(descriptor, &c, 1) == 1 && c != stop;) text.push_back(c);
+        return text;
+    }
+
+    std::array<int, 2> output_{-1, -1};
+    std::array<int, 2> errors_{-1, -1};
+    pid_t process_ = -1;
+};
+
+class ProgramTest : public testing::Test {
+protected:
+    ProgramTest() {
+        std::string name = (fs::temp_directory_path() / "quorvel-sim-XXXXXX").string();
+        folder_ = mkdtemp(name.data());
+    }
+    ~ProgramTest() override { fs::remove_all(folder_); }
+
+    [[nodiscard]] std::string link() const { return (folder_ / "port").string(); }
+
+    fs::path folder_;
+};
+
+TEST_F(ProgramTest, SaysWhereItIsAndEndsCleanlyOnASignal) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Program program({});
+        Host host(program.ready());
+        host.send("\x18");
+        EXPECT_EQ(host.receive(1), "\x04");
+        EXPECT_EQ(program.end(signal), 0);
+        EXPECT_EQ(program.errors(), "");
+    }
+}
+
+TEST_F(ProgramTest, KeepsALinkWhileItRuns) {
+    Program program({"--link", link()});
+    const std::string path = program.ready();
+    EXPECT_EQ(fs::read_symlink(link()), path);
+    EXPECT_EQ(program.end(SIGTERM), 0);
+    EXPECT_FALSE(fs::is_symlink(link()));
+}
+
+TEST_F(ProgramTest, ReplacesALinkThatLeadsNowhere) {
+    fs::create_symlink(folder_ / "gone", link());
+    Program program({"--link", link()});
+    const std::string path = program.ready();
+    EXPECT_EQ(fs::read_symlink(link()), path);
+}
+
+TEST_F(ProgramTest, LeavesAloneALinkThatIsNoLongerItsOwn) {
+    Program program({"--link", link()});
+    program.ready();
+    fs::remove(link());
+    fs::create_symlink(folder_ / "other", link());
+    EXPECT_EQ(program.end(SIGTERM), 0);
+    EXPECT_EQ(fs::read_symlink(link()), folder_ / "other");
+}
+
+TEST_F(ProgramTest, TakesNoNameThatSomethingElseHas) {
+    std::ofstream(folder_ / "file") << "kept";
+    fs::create_symlink(folder_ / "file", link());
+    Program taken({"--link", (folder_ / "file").string()});
+    EXPECT_EQ(taken.wait(), 1);
+    EXPECT_EQ(taken.errors(), "quorvel-sim: " + (folder_ / "file").string() + " is there and no link\n");
+    Program linked({"--link", link()});
+    EXPECT_EQ(linked.wait(), 1);
+    EXPECT_EQ(linked.errors(),
+              "quorvel-sim: " + link() + " leads to " + (folder_ / "file").string() + ", which is there\n");
+    EXPECT_EQ(linked.line(), "");
+    EXPECT_EQ(fs::file_size(folder_ / "file"), 4U);
+}
+
+TEST_F(ProgramTest, TracesOnlyWhenAsked) {
+    const std::string finding = "finding (unsupported): there is no command \"XYZ\"\n";
+    const std::string trace = "> 16 58 59 5A 17 B3 05\n  \"XYZ\"\n< 06\n  ACK\n" + finding
+                              + "< 16 45 52 52 30 31 30 17 B7 11\n  ERR 010 INVCALL\n";
+    for (const bool asked : {false, true}) {
+        Program program(asked ? std::vector<std::string>{"--trace"} : std::vector<std::string>{});
+        Host host(program.ready());
+        host.send("\x16XYZ\x17\xB3\x05");
+        host.receive(11);
+        EXPECT_EQ(program.end(SIGTERM), 0);
+        EXPECT_EQ(program.errors(), asked ? trace : finding);
+    }
+}
+
+}  // namespace
