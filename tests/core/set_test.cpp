@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/hash_table.h"
+#include "core/raise.h"
 #include "quorvel/kor/int_set.h"
 #include "quorvel/kor/string_set.h"
 #include "tests/core/counted.h"
@@ -90,6 +92,45 @@ TEST(Set, TakesAnEqualItemOnce) {
     EXPECT_EQ(counted::deletions, 2);
     EXPECT_FALSE(kor_set_contains(set, "abc"));
     EXPECT_EQ(kor_set_capacity(set), 8U);
+}
+
+int hashes_left = 0;
+
+uint32_t failing_hash(const void* item) {
+    if (hashes_left-- == 0) { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "hash"); }
+    return hash(item);
+}
+
+// The third item makes the set grow: its own hash is taken, then those of all three for the larger array.
+TEST(Set, AHashThatFailsWhileTheSetGrowsChangesNothing) {
+    counted::reset();
+    hashes_left = 99;
+    const Set set(kor_set_new(4, failing_hash, equals, copy, destroy));
+    kor_set_put(set, "a");
+    kor_set_put(set, "bb");
+    hashes_left = 3;
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "hash", kor_set_put(set, "ccc"));
+    EXPECT_EQ(kor_set_size(set), 2U);
+    EXPECT_EQ(kor_set_capacity(set), 4U);
+    EXPECT_EQ(counted::copies - counted::deletions, 2);
+    hashes_left = 99;
+    EXPECT_FALSE(kor_set_contains(set, "ccc"));
+    EXPECT_NE(kor_set_put(set, "ccc"), nullptr);
+    EXPECT_EQ(kor_set_capacity(set), 8U);
+}
+
+TEST(HashTable, ASearchEndsAfterAFullCycle) {
+    struct Entry {
+        void* key;
+    };
+    char a[] = "a";
+    char b[] = "b";
+    Entry entries[] = {{a}, {b}};
+    Entry* slots[] = {&entries[0], &entries[1]};
+    const kor::HashTable<Entry> table{hash, equals, 2, 2, slots};
+    EXPECT_EQ(table.find("b"), &slots[1]);
+    EXPECT_EQ(table.seek("c"), nullptr);
+    EXPECT_EQ(table.find("c"), nullptr);
 }
 
 std::vector<int32_t> values(const KorSet* set) {
