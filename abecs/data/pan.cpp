@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/pan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "abecs/data/codec.h"
+#include "abecs/data/pan_hex.h"
+#include "core/attempt.h"
+#include "core/raise.h"
+#include "quorvel/crypt/des.h"
+#include "quorvel/crypt/tdes.h"
+
+using abecs::codec::is_digit;
+using abecs::codec::is_hex;
+using kor::raise;
+
+namespace {
+
+constexpr size_t kMaxPan = 64;
+constexpr size_t kMaxTrack = 128;
+constexpr size_t kMaxIdentifiedTrack = 255;
+constexpr size_t kMinPan = 13;
+constexpr size_t kBlockBytes = 8;
+constexpr size_t kBlock = 2 * kBlockBytes;
+constexpr char kPadding = 'F';
+constexpr char kEncipheredBlank = 'E';
+
+char pan_result[kMaxPan + 1];
+char track_result[kMaxTrack + 1];
+char identified_result[kMaxIdentifiedTrack + 1];
+
+// Everything that a transformation works on, in one place so that it is wiped as a whole.
+template <size_t MaxLength>
+struct WorkArea {
+    char text[MaxLength + 1];
+    size_t length;
+    char digits[kBlock];
+    uint8_t block[kBlockBytes];
+    Crypt3DesKey key;
+};
+
+bool decipher(uint8_t* block, Crypt3DesKey& work, const AbecsWkPan& key) {
+    switch (key.type) {
+        case ABECS_WK_PAN_TYPE_DES:
+            crypt_des_ecb_decrypt(key.key, block, block, kBlockBytes);
+            return true;
+        case ABECS_WK_PAN_TYPE_TDES:
+        case ABECS_WK_PAN_TYPE_TDES_RSA:
+            work.keySize = sizeof key.key;
+            std::memcpy(work.key, key.key, sizeof key.key);
+            crypt_3des_ecb_decrypt(&work, block, block, kBlockBytes);
+            return true;
+        default:
+            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
+    }
+}
+
+// The 16 digits at `from` deciphered into area.digits.
+template <typename Area>
+bool decipher_digits(Area& area, const char* from, const AbecsWkPan& key) {
+    return abecs::pan::from_hex({from, kBlock}, area.block) && decipher(area.block, area.key, key)
+           && abecs::pan::to_hex(area.block, area.digits);
+}
+
+bool transform_pan(WorkArea<kMaxPan>& area, const AbecsWkPan& key) {
+    char* end = area.text + area.length;
+    if (area.length < kMinPan || !std::all_of(area.text, end, is_digit)) { return true; }
+    char* start = area.length < kBlock ? area.text : end - kBlock;
+    std::fill(end, std::max(end, start + kBlock), kPadding);
+    if (!decipher_digits(area, start, key)) { return false; }
+    std::memcpy(start, area.digits, kBlock);
+    return true;
+}
+
+// Turns deciphered digits into the number's characters; returns how many there are, or 0 when this is no number.
+size_t read_number(char* digits) {
+    constexpr size_t kFirstPadding = 13;
+    size_t length = kBlock;
+    for (size_t i = 0; i < kBlock; ++i) {
+        if (!is_digit(digits[i]) && digits[i] != kEncipheredBlank && digits[i] != kPadding) { return 0; }
+        if (digits[i] == kEncipheredBlank) { digits[i] = ' '; }
+        if (digits[i] == kPadding && i >= kFirstPadding) { length = std::min(length, i); }
+    }
+    return length;
+}
+
+bool transform_track(WorkArea<kMaxTrack>& area, const AbecsWkPan& key) {
+    char* separator = area.text + std::strcspn(area.text, "^=");
+    if (separator - area.text < static_cast<ptrdiff_t>(kBlock) || !std::all_of(area.text, separator, is_hex)) {
+        return true;
+    }
+    char* start = separator - kBlock;
+    if (!decipher_digits(area, start, key)) { return false; }
+    const size_t length = read_number(area.digits);
+    if (length == 0) { return true; }
+    std::memcpy(start, area.digits, length);
+    std::memmove(start + length, separator, std::strlen(separator) + 1);
+    return true;
+}
+
+// Works on a copy, because the text may be an earlier result; replaces the earlier result in full, so that nothing of
+// a longer one is left behind it.
+template <size_t MaxLength, typename Transform>
+const char* transformed(char (&result)[MaxLength + 1], const char* text, size_t len, Transform transform) {
+    WorkArea<MaxLength> area{};
+    bool done = false;
+    kor::attempt([&] {
+        area.length = strnlen(text, len);
+        std::memcpy(area.text, text, area.length);
+        done = transform(area);
+        if (done) { std::memcpy(result, area.text, sizeof result); }
+    }).cleanup([&] {
+          explicit_bzero(&area, sizeof area);
+      }).run();
+    return done ? result : "";
+}
+
+size_t length_of(const char* text) { return text != nullptr ? std::strlen(text) : 0; }
+
+}  // namespace
+
+const char* abecs_pan_encrypt(const char* pan, const AbecsWkPan* key) {
+    return abecs_pan_encrypt2(pan, length_of(pan), key);
+}
+
+const char* abecs_pan_encrypt2(const char* pan, size_t len, const AbecsWkPan* key) {
+    if (pan == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pan' is NULL"), ""; }
+    if (key == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL"), ""; }
+    if (len > kMaxPan) {
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "PAN length is too big (max: %zu, requested: %zu)", kMaxPan, len);
+        return "";
+    }
+    return transformed<kMaxPan>(pan_result, pan, len, [&](auto& area) { return transform_pan(area, *key); });
+}
+
+const char* abecs_pan_decrypt_track(const char* track, const AbecsWkPan* key) {
+    return abecs_pan_decrypt_track2(track, length_of(track), key);
+}
+
+const char* abecs_pan_decrypt_track2(const char* track, size_t len, const AbecsWkPan* key) {
+    if (track == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL"), ""; }
+    if (key == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL"), ""; }
+    if (len > kMaxTrack) {
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Track length is too big (max: %zu, requested: %zu)", kMaxTrack, len);
+        return "";
+    }
+    return transformed<kMaxTrack>(track_result, track, len, [&](auto& area) { return transform_track(area, *key); });
+}
+
+const char* abecs_pan_identify(const char* track) { return abecs_pan_identify2(track, length_of(track)); }
+
+const char* abecs_pan_identify2(const char* track, size_t len) {
+    if (track == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL"), ""; }
+    if (len > kMaxIdentifiedTrack) {
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "track length is too big (max: %zu, requested: %zu)", kMaxIdentifiedTrack,
+              len);
+        return "";
+    }
+    const char* end = track + strnlen(track, len);
+    const char* first = std::find_if(track, end, [](char c) { return is_digit(c) || c == ' '; });
+    const char* start = first != end ? first : track;
+    const char* stop = std::find_if(start, end, [](char c) { return c == '^' || c == '='; });
+    char number[sizeof identified_result]{};
+    std::copy_if(start, stop, number, [](char c) { return c != ' '; });
+    std::memcpy(identified_result, number, sizeof number);
+    explicit_bzero(number, sizeof number);
+    return identified_result;
+}

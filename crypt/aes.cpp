@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/crypt/aes.h"
+
+#include <cstring>
+
+#include "core/raise.h"
+#include "crypt/block.h"
+#include "quorvel/kor/heap.h"
+
+using kor::raise;
+using kor::crypt::BlockCipher;
+using kor::crypt::cbc;
+using kor::crypt::Direction;
+using kor::crypt::ecb;
+using kor::crypt::Key;
+using kor::crypt::Registry;
+
+struct CryptAesCipher {
+    uint8_t key[32];
+    uint32_t keySize;
+};
+
+namespace {
+
+constexpr BlockCipher kAes{
+    .index = &Registry::aes,
+    .blockSize = 16,
+    .minKeySize = 16,
+    .maxKeySize = sizeof CryptAesCipher::key,
+    .noKey = "'cipher' is NULL",
+    .partialBlock = "'len' must be a multiple of 16",
+};
+
+Key key_of(const CryptAesCipher* cipher) { return cipher != nullptr ? Key{cipher->key, cipher->keySize} : Key{}; }
+
+}  // namespace
+
+CryptAesCipher* crypt_aes_cipher_new(const uint8_t* key, size_t len) {
+    if (key == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL"), nullptr; }
+    if (!kAes.takes(len)) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Unsupported key size: %zu", len), nullptr; }
+    auto* cipher = static_cast<CryptAesCipher*>(kor_heap_alloc(sizeof(CryptAesCipher), 0));
+    if (cipher == nullptr) { return nullptr; }
+    *cipher = {};
+    std::memcpy(cipher->key, key, len);
+    cipher->keySize = static_cast<uint32_t>(len);
+    return cipher;
+}
+
+void crypt_aes_cipher_delete(CryptAesCipher** cipher) {
+    if (cipher == nullptr || *cipher == nullptr) { return; }
+    explicit_bzero(*cipher, sizeof **cipher);
+    kor_heap_free(*cipher);
+    *cipher = nullptr;
+}
+
+void crypt_aes_ecb_encrypt(const CryptAesCipher* cipher, const uint8_t* in, uint8_t* out, size_t len) {
+    ecb(kAes, Direction::kEncrypt, key_of(cipher), {in, out, len});
+}
+
+void crypt_aes_ecb_decrypt(const CryptAesCipher* cipher, const uint8_t* in, uint8_t* out, size_t len) {
+    ecb(kAes, Direction::kDecrypt, key_of(cipher), {in, out, len});
+}
+
+void crypt_aes_cbc_encrypt(const CryptAesCipher* cipher, const uint8_t* in, uint8_t* out, size_t len,
+                           const uint8_t* iv) {
+    cbc(kAes, Direction::kEncrypt, key_of(cipher), {in, out, len}, iv);
+}
+
+void crypt_aes_cbc_decrypt(const CryptAesCipher* cipher, const uint8_t* in, uint8_t* out, size_t len,
+                           const uint8_t* iv) {
+    cbc(kAes, Direction::kDecrypt, key_of(cipher), {in, out, len}, iv);
+}

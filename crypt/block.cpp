@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "crypt/block.h"
+
+#include <array>
+#include <cstring>
+
+#include "core/raise.h"
+
+namespace kor::crypt {
+
+namespace {
+
+constexpr std::array<uint8_t, MAXBLOCKSIZE> kZeroIv{};
+
+// One mode as LibTomCrypt has it: the four calls, and the context that they share.
+template <typename ModeContext, auto StartFunction, auto EncryptFunction, auto DecryptFunction, auto DoneFunction>
+struct Mode {
+    using Context = ModeContext;
+    static constexpr auto start = StartFunction;
+    static constexpr auto encrypt = EncryptFunction;
+    static constexpr auto decrypt = DecryptFunction;
+    static constexpr auto done = DoneFunction;
+};
+
+using Ecb = Mode<symmetric_ECB, ecb_start, ecb_encrypt, ecb_decrypt, ecb_done>;
+using Cbc = Mode<symmetric_CBC, cbc_start, cbc_encrypt, cbc_decrypt, cbc_done>;
+
+bool checked(const BlockCipher& cipher, const Key& key, const Blocks& blocks) {
+    if (key.bytes == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", cipher.noKey), false; }
+    if (!cipher.takes(key.size)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: %zu", key.size), false;
+    }
+    if (blocks.in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), false; }
+    if (blocks.out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), false; }
+    if (blocks.len == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'len' is zero"), false; }
+    if (blocks.len % cipher.blockSize != 0) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, cipher.partialBlock, static_cast<int>(cipher.blockSize)), false;
+    }
+    return true;
+}
+
+// LibTomCrypt leaves round keys and clear blocks in the frames of its functions.
+[[gnu::noinline]] void wipe_used_stack() {
+    std::array<uint8_t, 2048> below;
+    explicit_bzero(below.data(), below.size());
+}
+
+template <typename Mode, typename... Iv>
+int process(int index, Direction direction, const Key& key, const Blocks& blocks, Iv... iv) {
+    typename Mode::Context context;
+    int status = Mode::start(index, iv..., key.bytes, static_cast<int>(key.size), 0, &context);
+    if (status == CRYPT_OK) {
+        const auto run = direction == Direction::kEncrypt ? Mode::encrypt : Mode::decrypt;
+        status = run(blocks.in, blocks.out, blocks.len, &context);
+        const int finished = Mode::done(&context);
+        if (status == CRYPT_OK) { status = finished; }
+    }
+    // A finished mode still holds both key schedules.
+    explicit_bzero(&context, sizeof context);
+    wipe_used_stack();
+    return status;
+}
+
+}  // namespace
+
+void ecb(const BlockCipher& cipher, Direction direction, const Key& key, const Blocks& blocks) {
+    if (!checked(cipher, key, blocks)) { return; }
+    (void)succeeded(process<Ecb>(registry.*cipher.index, direction, key, blocks));
+}
+
+void cbc(const BlockCipher& cipher, Direction direction, const Key& key, const Blocks& blocks, const uint8_t* iv) {
+    if (!checked(cipher, key, blocks)) { return; }
+    const uint8_t* first = iv != nullptr ? iv : kZeroIv.data();
+    (void)succeeded(process<Cbc>(registry.*cipher.index, direction, key, blocks, first));
+}
+
+}  // namespace kor::crypt

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/pan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "abecs/data/pan_hex.h"
+#include "tests/support/raised.h"
+#include "tests/support/wire.h"
+
+using namespace support::literals;
+
+namespace {
+
+AbecsWkPan working_key(int32_t type) {
+    AbecsWkPan key{.type = static_cast<AbecsWkPanType_E>(type), .key = {}};
+    const std::string bytes = "0123456789ABCDEF FEDCBA9876543210"_hex;
+    std::copy(bytes.begin(), bytes.end(), key.key);
+    return key;
+}
+
+// A text that ends with its allocation, so that the sanitizer sees every character read past it.
+class Exact {
+public:
+    explicit Exact(std::string_view text) : characters_(text.begin(), text.end()) {
+        characters_.push_back('\0');
+        characters_.shrink_to_fit();
+    }
+    [[nodiscard]] const char* get() const { return characters_.data(); }
+
+private:
+    std::vector<char> characters_;
+};
+
+// All numbers here are published test numbers, or such a number with zeros in front. The enciphered and deciphered
+// forms come from a second implementation of the ciphers.
+TEST(PanEncrypt, DeciphersTheLastSixteenDigits) {
+    struct Case {
+        const char* pan;
+        const char* des;
+        const char* tdes;
+    };
+    constexpr Case kCases[]{
+        {"4111111111111111", "BEC8C7B720B1ED83", "64B02AE35D82E5CE"},
+        {"0004111111111111111", "000BEC8C7B720B1ED83", "00064B02AE35D82E5CE"},
+        {"378282246310005", "FE0D32BE59E5B29C", "351A2A05CB1EEA69"},
+        {"4222222222222", "8AD95F89C9C0743D", "4EA6E3B067950B33"},
+        {"422222222222", "422222222222", "422222222222"},
+        {"", "", ""},
+        {"41111111111111A1", "41111111111111A1", "41111111111111A1"},
+        {"4111 1111 1111 1111", "4111 1111 1111 1111", "4111 1111 1111 1111"},
+    };
+    for (const Case& test : kCases) {
+        const AbecsWkPan des = working_key(0);
+        EXPECT_STREQ(abecs_pan_encrypt(Exact(test.pan).get(), &des), test.des);
+        for (const int32_t type : {1, 2}) {
+            const AbecsWkPan tdes = working_key(type);
+            EXPECT_STREQ(abecs_pan_encrypt(Exact(test.pan).get(), &tdes), test.tdes);
+        }
+    }
+}
+
+TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
+    struct Case {
+        const char* what;
+        const char* track;
+        const char* clear;
+    };
+    constexpr Case kCases[]{
+        {"sixteen digits", "F0157C5DA1787BED=2512201", "4111111111111111=2512201"},
+        {"the rest is kept, separators too", "F0157C5DA1787BED^CARD/TEST=^2512", "4111111111111111^CARD/TEST=^2512"},
+        {"= before ^", "F0157C5DA1787BED=25^12", "4111111111111111=25^12"},
+        {"lower case", "f0157c5da1787bed=2512", "4111111111111111=2512"},
+        {"digits in front", "000F0157C5DA1787BED=2512", "0004111111111111111=2512"},
+        {"no separator", "F0157C5DA1787BED", "4111111111111111"},
+        {"one character of filling", "3EBC0FCC21D3E027=2512", "378282246310005=2512"},
+        {"two", "1FF1BDD472342008=2512", "30569309025904=2512"},
+        {"three", "C5EAC4F69B8381EB=2512", "4222222222222=2512"},
+        {"filling ends the number although digits follow", "69CECE87291DBD8E=2512", "4222222222222=2512"},
+        {"a blank, then filling", "BE6439E543E311E0=2512", "4222222222222 1=2512"},
+        {"an enciphered blank", "82EBF16D3FB6C5E6=2512", "411111 111111111=2512"},
+        {"a blank where filling could stand", "C78F8B49D961553E=2512", "4222222222222 12=2512"},
+        {"F elsewhere stays", "08557B4443400BD1=2512", "F411111111111111=2512"},
+        {"deciphers to no number", "4C0A11BF17AA5804=2512", "4C0A11BF17AA5804=2512"},
+        {"separator at 10", "F0157C5DA1=2512F0157C5DA1787BED", "F0157C5DA1=2512F0157C5DA1787BED"},
+        {"separator at 15", "0157C5DA1787BED=2512", "0157C5DA1787BED=2512"},
+        {"a sentinel in front", "%BF0157C5DA1787BED^CARD", "%BF0157C5DA1787BED^CARD"},
+        {"a blank in front", "F0157C5DA 1787BED=2512", "F0157C5DA 1787BED=2512"},
+        {"nothing", "", ""},
+    };
+    const AbecsWkPan key = working_key(0);
+    for (const Case& test : kCases) {
+        EXPECT_STREQ(abecs_pan_decrypt_track(Exact(test.track).get(), &key), test.clear) << test.what;
+    }
+    for (const int32_t type : {1, 2}) {
+        const AbecsWkPan tdes = working_key(type);
+        EXPECT_STREQ(abecs_pan_decrypt_track("E7BD6636680F28CA=2512", &tdes), "378282246310005=2512");
+    }
+}
+
+TEST(PanIdentify, TakesTheDigitsUpToTheSeparator) {
+    struct Case {
+        const char* track;
+        const char* pan;
+    };
+    constexpr Case kCases[]{
+        {"%B4111111111111111^CARD/TEST^2512", "4111111111111111"},
+        {"4111111111111111=2512201", "4111111111111111"},
+        {"%B3782 822463 10005^CARD", "378282246310005"},
+        {"% B4111111111111111^", "B4111111111111111"},
+        {"4111111111111111", "4111111111111111"},
+        {"=4111111111111111=25", "4111111111111111"},
+        {"%BCARD^TEST", "%BCARD"},
+        {"^", ""},
+        {"   ", ""},
+        {"", ""},
+    };
+    for (const Case& test : kCases) { EXPECT_STREQ(abecs_pan_identify(Exact(test.track).get()), test.pan); }
+}
+
+TEST(Pan, LengthsBeyondTheTextReadNothingPastIt) {
+    const AbecsWkPan key = working_key(0);
+    const Exact pan("4111111111111111");
+    const Exact shortPan("4222222222222");
+    const Exact track("F0157C5DA1787BED=2512");
+    const Exact bare("F0157C5DA1787BED");
+    EXPECT_STREQ(abecs_pan_encrypt2(pan.get(), 64, &key), "BEC8C7B720B1ED83");
+    EXPECT_STREQ(abecs_pan_encrypt2(shortPan.get(), 16, &key), "8AD95F89C9C0743D");
+    EXPECT_STREQ(abecs_pan_encrypt2(Exact("").get(), 64, &key), "");
+    EXPECT_STREQ(abecs_pan_decrypt_track2(track.get(), 128, &key), "4111111111111111=2512");
+    EXPECT_STREQ(abecs_pan_decrypt_track2(bare.get(), 99, &key), "4111111111111111");
+    EXPECT_STREQ(abecs_pan_identify2(pan.get(), 255), "4111111111111111");
+    EXPECT_STREQ(abecs_pan_identify2(Exact("").get(), 1), "");
+}
+
+TEST(Pan, LengthsCutTheText) {
+    const AbecsWkPan key = working_key(0);
+    EXPECT_STREQ(abecs_pan_encrypt2("41111111111111119", 16, &key), "BEC8C7B720B1ED83");
+    EXPECT_STREQ(abecs_pan_encrypt2("4111111111111111", 12, &key), "411111111111");
+    EXPECT_STREQ(abecs_pan_decrypt_track2("F0157C5DA1787BED=2512", 17, &key), "4111111111111111=");
+    EXPECT_STREQ(abecs_pan_decrypt_track2("F0157C5DA1787BED=2512", 15, &key), "F0157C5DA1787BE");
+    EXPECT_STREQ(abecs_pan_identify2("%B4111111111111111", 6), "4111");
+}
+
+TEST(Pan, LongestTextsAndTheFirstTooLong) {
+    const AbecsWkPan key = working_key(0);
+    const std::string pan = std::string(48, '0') + "4111111111111111";
+    const std::string track = std::string(112, '0') + "F0157C5DA1787BED";
+    const std::string identified(255, '4');
+    EXPECT_EQ(abecs_pan_encrypt(pan.c_str(), &key), std::string(48, '0') + "BEC8C7B720B1ED83");
+    EXPECT_EQ(abecs_pan_decrypt_track(track.c_str(), &key), std::string(112, '0') + "4111111111111111");
+    EXPECT_EQ(abecs_pan_identify(identified.c_str()), identified);
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "PAN length is too big (max: 64, requested: 65)",
+                  abecs_pan_encrypt2("", 65, &key));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Track length is too big (max: 128, requested: 129)",
+                  abecs_pan_decrypt_track2("", 129, &key));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "track length is too big (max: 255, requested: 256)",
+                  abecs_pan_identify2("", 256));
+}
+
+TEST(Pan, MissingArguments) {
+    const AbecsWkPan key = working_key(0);
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'pan' is NULL", abecs_pan_encrypt(nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL", abecs_pan_encrypt2("", 65, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL", abecs_pan_decrypt_track(nullptr, &key));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL", abecs_pan_decrypt_track2("", 129, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL", abecs_pan_identify2(nullptr, 256));
+    const support::ReturningRaises raises;
+    EXPECT_STREQ(abecs_pan_encrypt(nullptr, nullptr), "");
+    EXPECT_STREQ(abecs_pan_decrypt_track("", nullptr), "");
+    EXPECT_STREQ(abecs_pan_identify(nullptr), "");
+    const AbecsWkPan unknown = working_key(3);
+    EXPECT_STREQ(abecs_pan_encrypt("4111111111111111", &unknown), "");
+    EXPECT_EQ(raises.all().size(), 4U);
+}
+
+TEST(Pan, UnknownTypesMatterOnlyWhenThereIsSomethingToDecipher) {
+    for (const int32_t type : {3, -1, INT32_MIN}) {
+        const AbecsWkPan key = working_key(type);
+        EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled case", abecs_pan_encrypt("4111111111111111", &key));
+        EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled case", abecs_pan_decrypt_track("F0157C5DA1787BED", &key));
+        EXPECT_STREQ(abecs_pan_encrypt("422222222222", &key), "422222222222");
+        EXPECT_STREQ(abecs_pan_decrypt_track("F0157C5DA1=", &key), "F0157C5DA1=");
+    }
+}
+
+TEST(Pan, ResultsAreStaticAndCanBeFedBack) {
+    const AbecsWkPan key = working_key(0);
+    const char* pan = abecs_pan_encrypt("4111111111111111", &key);
+    const char* track = abecs_pan_decrypt_track("000F0157C5DA1787BED=2512", &key);
+    const char* identified = abecs_pan_identify(track);
+    EXPECT_STREQ(pan, "BEC8C7B720B1ED83");
+    EXPECT_STREQ(identified, "0004111111111111111");
+    EXPECT_EQ(abecs_pan_identify(identified), identified);
+    EXPECT_STREQ(identified, "0004111111111111111");
+    EXPECT_EQ(abecs_pan_encrypt(pan, &key), pan);
+    EXPECT_STREQ(pan, "BEC8C7B720B1ED83");
+}
+
+TEST(Pan, AShorterResultLeavesNothingOfTheLongerOneBehindIt) {
+    const AbecsWkPan key = working_key(0);
+    const auto rest_is_zero = [](const char* result, size_t size) {
+        return std::all_of(result + std::strlen(result), result + size, [](char c) { return c == '\0'; });
+    };
+    abecs_pan_encrypt("0004111111111111111", &key);
+    EXPECT_TRUE(rest_is_zero(abecs_pan_encrypt("1", &key), 65));
+    abecs_pan_decrypt_track("F0157C5DA1787BED=2512", &key);
+    EXPECT_TRUE(rest_is_zero(abecs_pan_decrypt_track("1", &key), 129));
+    abecs_pan_identify("4111111111111111");
+    EXPECT_TRUE(rest_is_zero(abecs_pan_identify("1"), 256));
+}
+
+TEST(PanHex, LimitsAndBadDigits) {
+    uint8_t bytes[33]{};
+    char text[67]{};
+    ASSERT_TRUE(abecs::pan::from_hex("00fFa09B", bytes));
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(bytes), 4), "00FFA09B"_hex);
+    ASSERT_TRUE(abecs::pan::to_hex({bytes, 4}, text));
+    EXPECT_STREQ(text, "00FFA09B");
+    const std::string longest(64, '3');
+    EXPECT_TRUE(abecs::pan::from_hex(longest, bytes));
+    EXPECT_TRUE(abecs::pan::to_hex({bytes, 32}, text));
+    EXPECT_EQ(text, longest);
+    const std::string tooLong(66, '3');
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Hex string length is too big (max: 64, requested: 66)",
+                  abecs::pan::from_hex(tooLong, bytes));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Bytes length is too big (max: 32, requested: 33)",
+                  abecs::pan::to_hex({bytes, 33}, text));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid byte (3G) at position 2", abecs::pan::from_hex("003G", bytes));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid byte (g0) at position 4",
+                  abecs::pan::from_hex("0011g0", bytes));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid byte (3) at position 2", abecs::pan::from_hex("003", bytes));
+}
+
+}  // namespace

@@ -1,0 +1,314 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <array>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+
+#include "crypt/registry.h"
+#include "quorvel/crypt/aes.h"
+#include "quorvel/crypt/des.h"
+#include "quorvel/crypt/tdes.h"
+#include "tests/crypt/wiped.h"
+#include "tests/support/malloc/failing_malloc.h"
+#include "tests/support/raised.h"
+#include "tests/support/wire.h"
+
+using namespace support::literals;
+
+namespace {
+
+using Call = void (*)(const void* key, const uint8_t* in, uint8_t* out, size_t len, const uint8_t* iv);
+
+// The twelve functions as one type.
+template <auto Function>
+struct Adapter;
+
+template <typename Key, void (*Function)(const Key*, const uint8_t*, uint8_t*, size_t)>
+struct Adapter<Function> {
+    static void call(const void* key, const uint8_t* in, uint8_t* out, size_t len, const uint8_t*) {
+        Function(static_cast<const Key*>(key), in, out, len);
+    }
+};
+
+template <typename Key, void (*Function)(const Key*, const uint8_t*, uint8_t*, size_t, const uint8_t*)>
+struct Adapter<Function> {
+    static void call(const void* key, const uint8_t* in, uint8_t* out, size_t len, const uint8_t* iv) {
+        Function(static_cast<const Key*>(key), in, out, len, iv);
+    }
+};
+
+struct Mode {
+    const char* name;
+    Call encrypt;
+    Call decrypt;
+};
+
+enum Family { kDes, kTdes, kAes };
+
+constexpr std::array<std::array<Mode, 2>, 3> kModes{{
+    {{{"DES ECB", Adapter<crypt_des_ecb_encrypt>::call, Adapter<crypt_des_ecb_decrypt>::call},
+      {"DES CBC", Adapter<crypt_des_cbc_encrypt>::call, Adapter<crypt_des_cbc_decrypt>::call}}},
+    {{{"3DES ECB", Adapter<crypt_3des_ecb_encrypt>::call, Adapter<crypt_3des_ecb_decrypt>::call},
+      {"3DES CBC", Adapter<crypt_3des_cbc_encrypt>::call, Adapter<crypt_3des_cbc_decrypt>::call}}},
+    {{{"AES ECB", Adapter<crypt_aes_ecb_encrypt>::call, Adapter<crypt_aes_ecb_decrypt>::call},
+      {"AES CBC", Adapter<crypt_aes_cbc_encrypt>::call, Adapter<crypt_aes_cbc_decrypt>::call}}},
+}};
+
+const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
+uint8_t* bytes(std::string& text) { return reinterpret_cast<uint8_t*>(text.data()); }
+
+// The key in the form that its family takes.
+class Key {
+public:
+    Key(Family family, std::string_view key) : family_(family), des_(key) {
+        tdes_.keySize = static_cast<uint32_t>(key.size());
+        std::memcpy(tdes_.key, key.data(), std::min(key.size(), sizeof tdes_.key));
+        if (family == kAes) { aes_ = crypt_aes_cipher_new(bytes(key), key.size()); }
+    }
+    ~Key() { crypt_aes_cipher_delete(&aes_); }
+    Key(const Key&) = delete;
+    Key& operator=(const Key&) = delete;
+
+    [[nodiscard]] const void* get() const {
+        if (family_ == kDes) { return des_.data(); }
+        if (family_ == kTdes) { return &tdes_; }
+        return aes_;
+    }
+
+private:
+    Family family_;
+    std::string des_;
+    Crypt3DesKey tdes_{};
+    CryptAesCipher* aes_ = nullptr;
+};
+
+struct Vector {
+    Family family;
+    std::string key;
+    std::string plain;
+    std::string ecb;
+    std::string iv;
+    std::string cbc;
+    std::string cbcWithoutIv;
+};
+
+const std::string kNow = "Now is the time for all ";
+const std::string kNist = "6BC1BEE22E409F96E93D7E117393172A AE2D8A571E03AC9C9EB76FAC45AF8E51"_hex;
+
+// FIPS 81, the NIST examples of 3DES and SP 800-38A; the last column is the second implementation's.
+const std::vector<Vector>& vectors() {
+    static const std::vector<Vector> all{
+        {kDes, "0123456789ABCDEF"_hex, kNow, "3FA40E8A984D48156A271787AB8883F9893D51EC4B563B53"_hex,
+         "1234567890ABCDEF"_hex, "E5C7CDDE872BF27C43E934008C389C0F683788499A7C05F6"_hex,
+         "3FA40E8A984D48150B2E73F88DC5856A70A30640CC76DD8B"_hex},
+        {kTdes, "0123456789ABCDEF 23456789ABCDEF01 456789ABCDEF0123"_hex, kNist,
+         "714772F339841D34267FCC4BD2949CC3EE11C22A576A303876183F99C0B6DE87"_hex, "F69F2445DF4F9B17"_hex,
+         "2079C3D53AA763E193B79E2569AB5262516570481F25B50F73C0BDA85C8E0DA7"_hex,
+         "714772F339841D34A66687569156F45A6D6A8D866556D3496182CFB8DFFF20BB"_hex},
+        {kTdes, "0123456789ABCDEF 23456789ABCDEF01"_hex, kNist,
+         "06EDE3D82884090AFF322C19F0518486730576972A666E58B6C88CF107340D3D"_hex, "F69F2445DF4F9B17"_hex,
+         "7401CE1EAB6D003CAFF84BF47B36CC2154F0238F9FFECD8F6ACF118392B45581"_hex,
+         "06EDE3D82884090A3B7BBD1FC1AD476F999E82F23BF0C275F732226BE8529B13"_hex},
+        {kTdes, "0123456789ABCDEF 23456789ABCDEF01 0123456789ABCDEF"_hex, kNist,
+         "06EDE3D82884090AFF322C19F0518486730576972A666E58B6C88CF107340D3D"_hex, "F69F2445DF4F9B17"_hex,
+         "7401CE1EAB6D003CAFF84BF47B36CC2154F0238F9FFECD8F6ACF118392B45581"_hex,
+         "06EDE3D82884090A3B7BBD1FC1AD476F999E82F23BF0C275F732226BE8529B13"_hex},
+        {kAes, "2B7E151628AED2A6ABF7158809CF4F3C"_hex, kNist,
+         "3AD77BB40D7A3660A89ECAF32466EF97F5D3D58503B9699DE785895A96FDBAAF"_hex, "000102030405060708090A0B0C0D0E0F"_hex,
+         "7649ABAC8119B246CEE98E9B12E9197D5086CB9B507219EE95DB113A917678B2"_hex,
+         "3AD77BB40D7A3660A89ECAF32466EF97B148C17F309EE692287AE57CF12ADD49"_hex},
+        {kAes, "8E73B0F7DA0E6452C810F32B809079E562F8EAD2522C6B7B"_hex, kNist,
+         "BD334F1D6E45F25FF712A214571FA5CC974104846D0AD3AD7734ECB3ECEE4EEF"_hex, "000102030405060708090A0B0C0D0E0F"_hex,
+         "4F021DB243BC633D7178183A9FA071E8B4D9ADA9AD7DEDF4E5E738763F69145A"_hex,
+         "BD334F1D6E45F25FF712A214571FA5CC0F771E2A4F0FBE323CB4146A0D1B86D9"_hex},
+        {kAes, "603DEB1015CA71BE2B73AEF0857D77811F352C073B6108D72D9810A30914DFF4"_hex, kNist,
+         "F3EED1BDB5D2A03C064B5A7E3DB181F8591CCB10D410ED26DC5BA74A31362870"_hex, "000102030405060708090A0B0C0D0E0F"_hex,
+         "F58C4C04D6E5F1BA779EABFB5F7BFBD69CFC4E967EDB808D679F777BC6702C7D"_hex,
+         "F3EED1BDB5D2A03C064B5A7E3DB181F8E3C48B48365CFB14DC9AAA37B1ABC15C"_hex},
+    };
+    return all;
+}
+
+void expect_both_ways(const Mode& mode, const Key& key, const std::string& plain, const std::string& cryptogram,
+                      const uint8_t* iv) {
+    SCOPED_TRACE(mode.name);
+    std::string out(plain.size(), '\0');
+    mode.encrypt(key.get(), bytes(plain), bytes(out), plain.size(), iv);
+    EXPECT_EQ(support::to_hex(out), support::to_hex(cryptogram));
+    mode.decrypt(key.get(), bytes(cryptogram), bytes(out), plain.size(), iv);
+    EXPECT_EQ(support::to_hex(out), support::to_hex(plain));
+    std::string inPlace = plain;
+    mode.encrypt(key.get(), bytes(inPlace), bytes(inPlace), plain.size(), iv);
+    EXPECT_EQ(support::to_hex(inPlace), support::to_hex(cryptogram));
+    mode.decrypt(key.get(), bytes(inPlace), bytes(inPlace), plain.size(), iv);
+    EXPECT_EQ(support::to_hex(inPlace), support::to_hex(plain));
+}
+
+TEST(BlockCiphers, PublishedVectorsBothWaysAndInPlace) {
+    for (const Vector& vector : vectors()) {
+        const Key key(vector.family, vector.key);
+        const auto& [ecb, cbc] = kModes[vector.family];
+        const std::string iv = vector.iv;
+        expect_both_ways(ecb, key, vector.plain, vector.ecb, nullptr);
+        expect_both_ways(cbc, key, vector.plain, vector.cbc, bytes(iv));
+        EXPECT_EQ(iv, vector.iv) << "the caller's vector was updated";
+        expect_both_ways(cbc, key, vector.plain, vector.cbcWithoutIv, nullptr);
+    }
+}
+
+TEST(BlockCiphers, FaultsInTheirOrder) {
+    struct Fault {
+        bool key;
+        bool in;
+        bool out;
+        size_t len;
+        std::array<const char*, 3> detail;  // by family
+    };
+    constexpr Fault kFaults[]{
+        {false, false, false, 0, {"'key' is NULL", "'key' is NULL", "'cipher' is NULL"}},
+        {true, false, false, 0, {"'in' is NULL", "'in' is NULL", "'in' is NULL"}},
+        {true, true, false, 0, {"'out' is NULL", "'out' is NULL", "'out' is NULL"}},
+        {true, true, true, 0, {"'len' is zero", "'len' is zero", "'len' is zero"}},
+        {true,
+         true,
+         true,
+         20,
+         {"'len' must be a multiple of 8", "'len' must be a multiple of 8", "'len' must be a multiple of 16"}},
+    };
+    for (const Family family : {kDes, kTdes, kAes}) {
+        const Key key(family, "0123456789ABCDEF"_hex + (family == kDes ? "" : "0123456789ABCDEF"_hex));
+        for (const Mode& mode : kModes[family]) {
+            for (const Call call : {mode.encrypt, mode.decrypt}) {
+                for (const Fault& fault : kFaults) {
+                    SCOPED_TRACE(mode.name);
+                    const void* k = fault.key ? key.get() : nullptr;
+                    uint8_t in[32]{};
+                    uint8_t out[32]{};
+                    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, fault.detail[family],
+                                  call(k, fault.in ? in : nullptr, fault.out ? out : nullptr, fault.len, nullptr));
+                    EXPECT_EQ(std::string(32, '\0'), std::string(reinterpret_cast<char*>(out), sizeof out));
+                }
+            }
+        }
+    }
+}
+
+TEST(BlockCiphers, SizesOfKeys) {
+    uint8_t block[16]{};
+    for (const uint32_t size : {0U, 8U, 15U, 17U, 20U, 25U, 32U, 0xFFFFFFF8U}) {
+        const Crypt3DesKey key{.key = {}, .keySize = size};
+        const std::string detail = "Invalid key size: " + std::to_string(size);
+        for (const Mode& mode : kModes[kTdes]) {
+            EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, mode.encrypt(&key, nullptr, nullptr, 0, nullptr));
+            EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, mode.decrypt(&key, nullptr, nullptr, 0, nullptr));
+        }
+    }
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL", crypt_aes_cipher_new(nullptr, 0));
+    for (const size_t size : {0UL, 8UL, 15UL, 20UL, 33UL, 40UL}) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Unsupported key size: " + std::to_string(size),
+                      crypt_aes_cipher_new(block, size));
+    }
+}
+
+TEST(BlockCiphers, RaisesThatReturnTouchNothing) {
+    const support::ReturningRaises raises;
+    for (const auto& modes : kModes) {
+        for (const Mode& mode : modes) {
+            mode.encrypt(nullptr, nullptr, nullptr, 0, nullptr);
+            mode.decrypt(nullptr, nullptr, nullptr, 0, nullptr);
+        }
+    }
+    EXPECT_EQ(raises.all().size(), 12U);
+    EXPECT_EQ(crypt_aes_cipher_new(nullptr, 16), nullptr);
+}
+
+TEST(AesCipher, DeletingLeavesNoByteOfTheKey) {
+    const std::string secret = "603DEB1015CA71BE2B73AEF0857D77811F352C073B6108D72D9810A30914DFF4"_hex;
+    CryptAesCipher* cipher = crypt_aes_cipher_new(bytes(secret), secret.size());
+    crypt_aes_cipher_delete(&cipher);
+    EXPECT_EQ(cipher, nullptr);
+    ASSERT_GE(support::last_freed().size(), 36U);
+    EXPECT_EQ(support::last_freed().substr(0, 36), std::string(36, '\0'));
+    crypt_aes_cipher_delete(&cipher);
+    crypt_aes_cipher_delete(nullptr);
+}
+
+TEST(AesCipher, NoMemory) {
+    const uint8_t key[16]{};
+    const support::FailingMalloc failing(1);
+    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", crypt_aes_cipher_new(key, sizeof key));
+    EXPECT_TRUE(failing.failed());
+}
+
+// Stands between the library and a cipher, to learn where the key schedule is and to make a step fail.
+ltc_cipher_descriptor original;
+const symmetric_key* schedule = nullptr;
+int setup_status = CRYPT_OK;
+int block_status = CRYPT_OK;
+
+int watched_setup(const unsigned char* key, int size, int rounds, symmetric_key* skey) {
+    schedule = skey;
+    support::forget_wiped();
+    const int status = original.setup(key, size, rounds, skey);
+    return setup_status != CRYPT_OK ? setup_status : status;
+}
+
+int watched_encrypt(const unsigned char* in, unsigned char* out, symmetric_key* skey) {
+    return block_status != CRYPT_OK ? block_status : original.ecb_encrypt(in, out, skey);
+}
+
+int watched_decrypt(const unsigned char* in, unsigned char* out, symmetric_key* skey) {
+    return block_status != CRYPT_OK ? block_status : original.ecb_decrypt(in, out, skey);
+}
+
+class WatchedCipher {
+public:
+    explicit WatchedCipher(int index) : descriptor_(cipher_descriptor[index]) {
+        original = descriptor_;
+        descriptor_.setup = watched_setup;
+        descriptor_.ecb_encrypt = watched_encrypt;
+        descriptor_.ecb_decrypt = watched_decrypt;
+        descriptor_.accel_ecb_encrypt = nullptr;
+        descriptor_.accel_ecb_decrypt = nullptr;
+        descriptor_.accel_cbc_encrypt = nullptr;
+        descriptor_.accel_cbc_decrypt = nullptr;
+    }
+    ~WatchedCipher() {
+        descriptor_ = original;
+        setup_status = CRYPT_OK;
+        block_status = CRYPT_OK;
+    }
+    WatchedCipher(const WatchedCipher&) = delete;
+    WatchedCipher& operator=(const WatchedCipher&) = delete;
+
+private:
+    ltc_cipher_descriptor& descriptor_;
+};
+
+TEST(BlockCiphers, KeySchedulesAreWipedOnEveryWayOut) {
+    for (const Vector& vector : vectors()) {
+        const Key key(vector.family, vector.key);
+        const WatchedCipher watched(find_cipher(std::array{"des", "3des", "aes"}[vector.family]));
+        for (const Mode& mode : kModes[vector.family]) {
+            for (const Call call : {mode.encrypt, mode.decrypt}) {
+                SCOPED_TRACE(mode.name);
+                uint8_t block[16]{};
+                setup_status = block_status = CRYPT_OK;
+                EXPECT_NO_RAISE(call(key.get(), block, block, sizeof block, nullptr));
+                EXPECT_TRUE(support::was_wiped(schedule, sizeof *schedule));
+                block_status = CRYPT_FAIL_TESTVECTOR;
+                EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Algorithm failed test vectors.",
+                              call(key.get(), block, block, sizeof block, nullptr));
+                EXPECT_TRUE(support::was_wiped(schedule, sizeof *schedule));
+                setup_status = CRYPT_INVALID_KEYSIZE;
+                EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid key size.",
+                              call(key.get(), block, block, sizeof block, nullptr));
+                EXPECT_TRUE(support::was_wiped(schedule, sizeof *schedule));
+            }
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/crypt/init.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "crypt/registry.h"
+#include "quorvel/crypt/aes.h"
+#include "quorvel/crypt/des.h"
+#include "quorvel/crypt/rsa.h"
+#include "quorvel/crypt/tdes.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+template <typename Descriptor>
+struct Table {
+    int (*add)(const Descriptor*);
+    int (*remove)(const Descriptor*);
+    void (*number)(Descriptor& filler, unsigned char i);
+};
+
+const Table<ltc_prng_descriptor> kPrngs{register_prng, unregister_prng,
+                                        [](ltc_prng_descriptor& filler, unsigned char i) { filler.export_size = i; }};
+const Table<ltc_hash_descriptor> kHashes{register_hash, unregister_hash,
+                                         [](ltc_hash_descriptor& filler, unsigned char i) { filler.ID = i; }};
+const Table<ltc_cipher_descriptor> kCiphers{register_cipher, unregister_cipher,
+                                            [](ltc_cipher_descriptor& filler, unsigned char i) { filler.ID = i; }};
+
+// Takes the place of `ours` away by filling the table.
+template <typename Descriptor>
+void expect_refusal(const Table<Descriptor>& table, const Descriptor& ours, const char* detail) {
+    ASSERT_EQ(table.remove(&ours), CRYPT_OK);
+    std::vector<Descriptor> fillers;
+    for (unsigned char i = 100; i < 200; ++i) {
+        Descriptor filler = ours;
+        filler.name = "filler";
+        table.number(filler, i);
+        if (table.add(&filler) == -1) { break; }
+        fillers.push_back(filler);
+    }
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, detail, crypt_init());
+    for (const Descriptor& filler : fillers) { ASSERT_EQ(table.remove(&filler), CRYPT_OK); }
+    EXPECT_NO_RAISE(crypt_init());
+}
+
+void expect_everything_works() {
+    uint8_t block[16]{};
+    const Crypt3DesKey tdes{.key = {}, .keySize = 24};
+    EXPECT_NO_RAISE(crypt_des_ecb_encrypt(tdes.key, block, block, sizeof block));
+    EXPECT_NO_RAISE(crypt_3des_ecb_encrypt(&tdes, block, block, sizeof block));
+    CryptAesCipher* aes = crypt_aes_cipher_new(tdes.key, sizeof tdes.key);
+    EXPECT_NO_RAISE(crypt_aes_ecb_encrypt(aes, block, block, sizeof block));
+    crypt_aes_cipher_delete(&aes);
+    CryptRsaKey* rsa = crypt_rsa_key_new(128, 65537);
+    CryptRsaPublicKey publicKey;
+    crypt_rsa_get_public_key(rsa, &publicKey);
+    uint8_t cryptogram[128];
+    EXPECT_NO_RAISE(crypt_rsa_encrypt(&publicKey, block, sizeof block, cryptogram, sizeof cryptogram));
+    crypt_rsa_key_delete(&rsa);
+}
+
+TEST(CryptInit, RunsAtLoadTimeAndAgainWithoutEffect) {
+    const auto indices = [] {
+        return std::vector{find_prng("sprng"), find_hash("sha1"), find_cipher("aes"), find_cipher("des"),
+                           find_cipher("3des")};
+    };
+    const std::vector<int> atLoad = indices();
+    for (const int index : atLoad) { EXPECT_GE(index, 0); }
+    EXPECT_NO_RAISE(crypt_init());
+    EXPECT_EQ(indices(), atLoad);
+}
+
+TEST(CryptInit, NamesWhatDoesNotFitTheTables) {
+    expect_refusal(kPrngs, sprng_desc, "Error registering SPRNG");
+    expect_refusal(kHashes, sha1_desc, "Error registering SHA-1");
+    expect_refusal(kCiphers, aes_desc, "Error registering AES");
+    expect_refusal(kCiphers, des_desc, "Error registering DES");
+    expect_refusal(kCiphers, des3_desc, "Error registering 3DES");
+    expect_everything_works();
+}
+
+// An application may have registered AES by its older name, which looking up "aes" would not find.
+TEST(CryptInit, TakesAesUnderItsOtherName) {
+    ASSERT_EQ(unregister_cipher(&aes_desc), CRYPT_OK);
+    ASSERT_NE(register_cipher(&rijndael_desc), -1);
+    EXPECT_NO_RAISE(crypt_init());
+    expect_everything_works();
+    ASSERT_EQ(unregister_cipher(&rijndael_desc), CRYPT_OK);
+    EXPECT_NO_RAISE(crypt_init());
+}
+
+}  // namespace

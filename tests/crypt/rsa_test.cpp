@@ -1,0 +1,368 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/crypt/rsa.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <tommath.h>
+
+#include "crypt/registry.h"
+#include "crypt/rsa_key.h"
+#include "tests/crypt/openssl_rsa.h"
+#include "tests/crypt/wiped.h"
+#include "tests/support/malloc/failing_malloc.h"
+#include "tests/support/raised.h"
+#include "tests/support/wire.h"
+
+using namespace support::literals;
+
+namespace {
+
+// The first key, message and cryptogram of the vectors published with PKCS #1 v2.1.
+const std::string kN =
+    "A8B3B284AF8EB50B387034A860F146C4919F318763CD6C5598C8AE4811A1E0ABC4C7E0B082D693A5E7FCED675CF4668512772C0CBC64A742C6"
+    "C630F533C8CC72F62AE833C40BF25842E984BB78BDBF97C0107D55BDB662F5C4E0FAB9845CB5148EF7392DD3AAFF93AE1E6B667BB3D4247616"
+    "D4F5BA10D4CFD226DE88D39F16FB"_hex;
+const std::string kE = "010001"_hex;
+const std::string kD =
+    "53339CFDB79FC8466A655C7316ACA85C55FD8F6DD898FDAF119517EF4F52E8FD8E258DF93FEE180FA0E4AB29693CD83B152A553D4AC4D1812B"
+    "8B9FA5AF0E7F55FE7304DF41570926F3311F15C4D65A732C483116EE3D3D2D0AF3549AD9BF7CBFB78AD884F84D5BEB04724DC7369B31DEF37D"
+    "0CF539E9CFCDD3DE653729EAD5D1"_hex;
+const std::string kMessage = "6628194E12073DB03BA94CDA9EF9532397D50DBA79B987004AFEFE34"_hex;
+const std::string kOaep =
+    "354FE67B4A126D5D35FE36C777791A3F7BA13DEF484E2D3908AFF722FAD468FB21696DE95D0BE911C2D3174F8AFCC201035F7B6D8E69402DE5"
+    "451618C21A535FA9D7BFC5B8DD9FC243F8CF927DB31322D6E881EAA91A996170E657A05A266426D98C88003F8477C1227094A0D9FA1E8C4024"
+    "309CE1ECCCB5210035D47AC72E8A"_hex;
+
+// A number that begins with two zero bytes, and what the public exponent makes of it.
+const std::string kShort = "000002"_hex + std::string(125, '\xAB');
+const std::string kShortRaised =
+    "38FA753831606C7EE9EF1DA717AC697BD92F6548F9AAE2D53EA3750A778919EDE4E522092A0990FA02F48FC0226965D0D1D1BA375508F56033"
+    "9EF136F54B8CF4C35DE9A0535B171AA33A211FAC83A21F205508C5ACC37378EA8B5E3C659F1D2888AEB8833FC2EBF549D012B498CA2942C32D"
+    "E857AB4DD7832E740422FCF53681"_hex;
+
+const uint8_t* bytes(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); }
+
+CryptRsaKey* load(const std::string& N, const std::string& e, const std::string& d) {
+    return crypt_rsa_key_load(bytes(N), N.size(), bytes(e), e.size(), bytes(d), d.size());
+}
+
+class Private {
+public:
+    explicit Private(CryptRsaKey* key) : key_(key) {}
+    explicit Private(const std::string& N = kN, const std::string& e = kE) : key_(load(N, e, kD)) {}
+    ~Private() { crypt_rsa_key_delete(&key_); }
+    Private(const Private&) = delete;
+    Private& operator=(const Private&) = delete;
+
+    operator const CryptRsaKey*() const { return key_; }
+    [[nodiscard]] const CryptRsaKey* get() const { return key_; }
+
+private:
+    CryptRsaKey* key_;
+};
+
+CryptRsaPublicKey public_key(const std::string& N = kN, const std::string& e = kE) {
+    CryptRsaPublicKey key{};
+    key.modulusSize = static_cast<uint32_t>(N.size());
+    key.exponentSize = static_cast<uint32_t>(e.size());
+    std::memcpy(key.modulus, N.data(), std::min(N.size(), sizeof key.modulus));
+    std::memcpy(key.exponent, e.data(), std::min(e.size(), sizeof key.exponent));
+    return key;
+}
+
+// One of the four operations on a text.
+template <typename Key, typename Function>
+std::string run(Function function, const Key* key, const std::string& in) {
+    uint8_t out[256];
+    const size_t length = function(key, bytes(in), in.size(), out, sizeof out);
+    return {reinterpret_cast<char*>(out), length};
+}
+
+TEST(Rsa, RawExponentiationKeepsLeadingZeros) {
+    const Private key;
+    const CryptRsaPublicKey publicKey = public_key();
+    EXPECT_EQ(run(crypt_rsa_private_exp, key.get(), kShortRaised), kShort);
+    EXPECT_EQ(run(crypt_rsa_public_exp, &publicKey, kShort), kShortRaised);
+    EXPECT_EQ(run(crypt_rsa_public_exp, &publicKey, kShort.substr(2)), kShortRaised);
+    const std::string one = std::string(127, '\0') + '\x01';
+    EXPECT_EQ(run(crypt_rsa_private_exp, key.get(), "\x01"), one);
+    EXPECT_EQ(run(crypt_rsa_public_exp, &publicKey, "\x01"), one);
+    std::string inPlace = kShortRaised;
+    auto* place = reinterpret_cast<uint8_t*>(inPlace.data());
+    EXPECT_EQ(crypt_rsa_private_exp(key, place, 128, place, 128), 128U);
+    EXPECT_EQ(inPlace, kShort);
+}
+
+TEST(Rsa, OaepVectorAndBothWaysWithTheSecondImplementation) {
+    const Private key;
+    const CryptRsaPublicKey publicKey = public_key();
+    const support::OpensslRsa other(kN, kE, kD);
+    EXPECT_EQ(run(crypt_rsa_decrypt, key.get(), kOaep), kMessage);
+    for (const std::string& message : {std::string(), kMessage, std::string(86, '\0')}) {
+        EXPECT_EQ(run(crypt_rsa_decrypt, key.get(), other.encrypt(message)), message);
+        EXPECT_EQ(other.decrypt(run(crypt_rsa_encrypt, &publicKey, message)), message);
+    }
+    EXPECT_NE(run(crypt_rsa_encrypt, &publicKey, kMessage), run(crypt_rsa_encrypt, &publicKey, kMessage));
+}
+
+TEST(Rsa, GeneratedKeysServeTheSecondImplementation) {
+    for (const int32_t size : {128, 256}) {
+        const Private key(crypt_rsa_key_new(size, 65537));
+        EXPECT_EQ(crypt_rsa_key_get_size(key), size);
+        CryptRsaPublicKey publicKey;
+        ASSERT_EQ(crypt_rsa_get_public_key(key, &publicKey), &publicKey);
+        const std::string N(reinterpret_cast<char*>(publicKey.modulus), publicKey.modulusSize);
+        const std::string e(reinterpret_cast<char*>(publicKey.exponent), publicKey.exponentSize);
+        EXPECT_EQ(N.size(), static_cast<size_t>(size));
+        EXPECT_EQ(e, kE);
+        EXPECT_EQ(run(crypt_rsa_decrypt, key.get(), support::OpensslRsa(N, e).encrypt(kMessage)), kMessage);
+    }
+}
+
+TEST(Rsa, PublicPartOfALoadedKey) {
+    const Private key;
+    CryptRsaPublicKey publicKey;
+    std::memset(&publicKey, 0xFF, sizeof publicKey);
+    ASSERT_EQ(crypt_rsa_get_public_key(key, &publicKey), &publicKey);
+    const CryptRsaPublicKey expected = public_key();
+    EXPECT_EQ(std::memcmp(&publicKey, &expected, sizeof expected), 0);
+}
+
+TEST(Rsa, FaultsOfLoadingInTheirOrder) {
+    struct Fault {
+        bool d;
+        size_t szd;
+        bool N;
+        size_t szN;
+        bool e;
+        size_t sze;
+        const char* detail;
+    };
+    constexpr Fault kFaults[]{
+        {false, 0, false, 0, false, 0, "'d' is NULL"},
+        {true, 0, false, 0, false, 0, "'szd' is zero"},
+        {true, 128, false, 0, false, 0, "'N' is NULL"},
+        {true, 128, true, 0, false, 0, "'szN' is zero"},
+        {true, 128, true, 127, false, 0, "'e' is NULL"},
+        {true, 128, true, 127, true, 0, "'sze' is zero"},
+        {true, 128, true, 127, true, 3, "Invalid key size: 127"},
+        {true, 128, true, 1, true, 3, "Invalid key size: 1"},
+        {true, 128, true, 257, true, 3, "Invalid key size: 257"},
+    };
+    for (const Fault& fault : kFaults) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, fault.detail,
+                      crypt_rsa_key_load(fault.N ? bytes(kN) : nullptr, fault.szN, fault.e ? bytes(kE) : nullptr,
+                                         fault.sze, fault.d ? bytes(kD) : nullptr, fault.szd));
+    }
+    for (const int32_t size : {-128, 0, 64, 127, 129, 512}) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: " + std::to_string(size),
+                      crypt_rsa_key_new(size, 65537));
+    }
+}
+
+TEST(Rsa, FaultsOfTheOperationsInTheirOrder) {
+    const Private key;
+    const CryptRsaPublicKey publicKey = public_key();
+    uint8_t block[128]{};
+    for (const auto function : {crypt_rsa_private_exp, crypt_rsa_decrypt}) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL", function(nullptr, nullptr, 0, nullptr, 0));
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL", function(key, nullptr, 0, nullptr, 0));
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", function(key, block, 128, nullptr, 0));
+    }
+    struct Shape {
+        uint32_t modulusSize;
+        uint32_t exponentSize;
+        int16_t code;
+        const char* detail;
+    };
+    constexpr Shape kShapes[]{
+        {0, 0, KOR_RESULT_ILLEGAL_ARGUMENT, "'szN' is zero"},
+        {300, 0, KOR_RESULT_ILLEGAL_ARGUMENT, "'sze' is zero"},
+        {300, 5, KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: 300"},
+        {128, 5, KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: 5"},
+    };
+    for (const auto function : {crypt_rsa_public_exp, crypt_rsa_encrypt}) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'pubKey' is NULL", function(nullptr, nullptr, 0, nullptr, 0));
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL", function(&publicKey, nullptr, 0, nullptr, 0));
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", function(&publicKey, block, 1, nullptr, 0));
+        for (const Shape& shape : kShapes) {
+            CryptRsaPublicKey odd = publicKey;
+            odd.modulusSize = shape.modulusSize;
+            odd.exponentSize = shape.exponentSize;
+            EXPECT_RAISES(shape.code, shape.detail, function(&odd, block, 1, block, sizeof block));
+        }
+    }
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL", crypt_rsa_key_get_size(nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL", crypt_rsa_get_public_key(nullptr, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", crypt_rsa_get_public_key(key, nullptr));
+}
+
+TEST(Rsa, KeysOfUnusualShape) {
+    const Private shortModulus('\0' + kN.substr(1));
+    const Private longExponent(kN, "0100000001"_hex);
+    CryptRsaPublicKey out{};
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported key size: 127", crypt_rsa_key_get_size(shortModulus));
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported modulus size: 127",
+                  crypt_rsa_get_public_key(shortModulus, &out));
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: 5",
+                  crypt_rsa_get_public_key(longExponent, &out));
+    EXPECT_EQ(out.modulusSize, 0U);
+
+    // A modulus of fewer bytes than its padding must not reach the padding.
+    for (const std::string& tail : {"00"_hex, "01"_hex, "FB"_hex, "0100"_hex}) {
+        const std::string N = std::string(128 - tail.size(), '\0') + tail;
+        const CryptRsaPublicKey tinyPublic = public_key(N);
+        const Private tiny(N);
+        uint8_t block[128]{};
+        EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid sized parameter.",
+                      crypt_rsa_encrypt(&tinyPublic, block, 1, block, sizeof block));
+        EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid sized parameter.",
+                      crypt_rsa_decrypt(tiny, block, tail.size(), block, sizeof block));
+    }
+}
+
+TEST(Rsa, RefusedDataLeavesTheOutputAsItWas) {
+    const Private key;
+    const CryptRsaPublicKey publicKey = public_key();
+    const std::string above(128, '\xFF');
+    std::string damaged = kOaep;
+    damaged.back() ^= 1;
+    uint8_t out[128];
+    std::memset(out, 0x5A, sizeof out);
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid sized parameter.",
+                  crypt_rsa_private_exp(key, bytes(above), 128, out, 128));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid sized parameter.",
+                  crypt_rsa_public_exp(&publicKey, bytes(above), 128, out, 128));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Buffer overflow.",
+                  crypt_rsa_private_exp(key, bytes(kShortRaised), 128, out, 127));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Buffer overflow.",
+                  crypt_rsa_public_exp(&publicKey, bytes(kShort), 128, out, 127));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Buffer overflow.", crypt_rsa_encrypt(&publicKey, out, 1, out, 127));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid sized parameter.",
+                  crypt_rsa_encrypt(&publicKey, bytes(kShort), 87, out, 128));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid OAEP packet", crypt_rsa_decrypt(key, bytes(damaged), 128, out, 128));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid OAEP packet", crypt_rsa_decrypt(key, bytes(kOaep), 127, out, 128));
+    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid OAEP packet",
+                  crypt_rsa_decrypt(key, bytes(kOaep), 128, out, kMessage.size() - 1));
+    EXPECT_TRUE(std::all_of(out, out + sizeof out, [](uint8_t byte) { return byte == 0x5A; }));
+}
+
+TEST(Rsa, RaisesThatReturnGiveNothing) {
+    const support::ReturningRaises raises;
+    EXPECT_EQ(crypt_rsa_key_new(64, 3), nullptr);
+    EXPECT_EQ(crypt_rsa_key_new(128, 2), nullptr);
+    EXPECT_EQ(crypt_rsa_key_load(nullptr, 0, nullptr, 0, nullptr, 0), nullptr);
+    EXPECT_EQ(crypt_rsa_key_get_size(nullptr), 0);
+    EXPECT_EQ(crypt_rsa_get_public_key(nullptr, nullptr), nullptr);
+    EXPECT_EQ(crypt_rsa_private_exp(nullptr, nullptr, 0, nullptr, 0), 0U);
+    EXPECT_EQ(crypt_rsa_public_exp(nullptr, nullptr, 0, nullptr, 0), 0U);
+    EXPECT_EQ(crypt_rsa_encrypt(nullptr, nullptr, 0, nullptr, 0), 0U);
+    EXPECT_EQ(crypt_rsa_decrypt(nullptr, nullptr, 0, nullptr, 0), 0U);
+    EXPECT_EQ(raises.all().size(), 9U);
+}
+
+// Big numbers that fail to be made, or that are looked at when they go.
+int (*real_init)(void**) = nullptr;
+void (*real_deinit)(void*) = nullptr;
+int countdown = 0;
+std::set<const void*> secrets;
+bool all_zero = true;
+
+int failing_init(void** number) { return --countdown == 0 ? CRYPT_MEM : real_init(number); }
+
+void watching_deinit(void* number) {
+    const auto* digits = static_cast<const mp_int*>(number);
+    if (secrets.erase(number) == 1) {
+        all_zero &= std::all_of(digits->dp, digits->dp + digits->alloc, std::logical_not());
+    }
+    real_deinit(number);
+}
+
+class WatchedNumbers {
+public:
+    WatchedNumbers() : descriptor_(ltc_mp) {
+        real_init = ltc_mp.init;
+        real_deinit = ltc_mp.deinit;
+        countdown = 0;
+        ltc_mp.init = failing_init;
+        ltc_mp.deinit = watching_deinit;
+    }
+    ~WatchedNumbers() { ltc_mp = descriptor_; }
+    WatchedNumbers(const WatchedNumbers&) = delete;
+    WatchedNumbers& operator=(const WatchedNumbers&) = delete;
+
+private:
+    ltc_math_descriptor descriptor_;
+};
+
+TEST(Rsa, DeletingWipesThePrivateNumbers) {
+    CryptRsaKey* key = crypt_rsa_key_new(128, 65537);
+    const rsa_key& numbers = key->key;
+    secrets = {numbers.d, numbers.p, numbers.q, numbers.dP, numbers.dQ, numbers.qP};
+    ASSERT_EQ(secrets.size(), 6U);
+    all_zero = true;
+    const WatchedNumbers watched;
+    crypt_rsa_key_delete(&key);
+    EXPECT_EQ(key, nullptr);
+    EXPECT_TRUE(secrets.empty());
+    EXPECT_TRUE(all_zero);
+    ASSERT_GE(support::last_freed().size(), sizeof(CryptRsaKey));
+    EXPECT_EQ(support::last_freed().substr(0, sizeof(CryptRsaKey)), std::string(sizeof(CryptRsaKey), '\0'));
+    crypt_rsa_key_delete(&key);
+    crypt_rsa_key_delete(nullptr);
+}
+
+// Runs `call` with the n-th new number failing, until it goes through; the sanitizer sees what is left behind.
+template <typename CallFunction>
+void expect_out_of_memory_until_done(CallFunction call) {
+    const WatchedNumbers watched;
+    for (int n = 1; n < 100; ++n) {
+        countdown = n;
+        const support::FailingMalloc blocks(0);
+        const support::Raised raised = support::raised_by(call);
+        EXPECT_EQ(blocks.kept(), 0U);
+        if (countdown > 0) {
+            EXPECT_GT(n, 1);
+            EXPECT_EQ(raised, support::Raised{});
+            return;
+        }
+        EXPECT_EQ(raised, support::error(KOR_RESULT_CRYPT_ERROR, "Out of memory."));
+    }
+    FAIL() << "never done";
+}
+
+TEST(Rsa, EveryNumberThatDoesNotFitTheMemory) {
+    const Private key;
+    const CryptRsaPublicKey publicKey = public_key();
+    uint8_t out[128];
+    expect_out_of_memory_until_done([] {
+        CryptRsaKey* loaded = load(kN, kE, kD);
+        crypt_rsa_key_delete(&loaded);
+    });
+    expect_out_of_memory_until_done([&] { crypt_rsa_private_exp(key, bytes(kShort), 128, out, sizeof out); });
+    expect_out_of_memory_until_done([&] { crypt_rsa_public_exp(&publicKey, bytes(kShort), 128, out, sizeof out); });
+    expect_out_of_memory_until_done([&] { crypt_rsa_encrypt(&publicKey, bytes(kMessage), 28, out, sizeof out); });
+    expect_out_of_memory_until_done([&] { crypt_rsa_decrypt(key, bytes(kOaep), 128, out, sizeof out); });
+}
+
+TEST(Rsa, GenerationThatFailsKeepsNoMemory) {
+    const support::FailingMalloc blocks(0);
+    for (const uint32_t e : {0U, 1U, 2U, 65536U}) {
+        EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid argument provided.", crypt_rsa_key_new(128, e));
+        EXPECT_EQ(blocks.kept(), 0U);
+    }
+}
+
+TEST(Rsa, NoMemoryForTheKeyObject) {
+    for (const auto make : {+[] { return crypt_rsa_key_new(128, 3); }, +[] { return load(kN, kE, kD); }}) {
+        const support::FailingMalloc failing(1);
+        EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", make());
+        EXPECT_TRUE(failing.failed());
+    }
+}
+
+}  // namespace
