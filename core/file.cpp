@@ -60,11 +60,11 @@ size_t kor_file_read(KorFile* file, void* buffer, size_t size, bool* atEnd) {
     if (!is_usable(file)) { return 0; }
     const size_t count = std::fread(buffer, 1, size, file->stream);
     const int error = errno;
-    if (atEnd != nullptr) { *atEnd = std::feof(file->stream) != 0; }
-    if (count < size && std::ferror(file->stream) != 0) {
-        // Or the next short read, at the end of the file, would count as a failure too.
-        std::clearerr(file->stream);
-        return raise(KOR_RESULT_IO_ERROR, "fread() error: %d", error), count;
+    const bool ended = std::feof(file->stream) != 0;
+    if (atEnd != nullptr) { *atEnd = ended; }
+    // The error mark alone may be left of an earlier failure: at the end of the file it says nothing about this read.
+    if (count < size && !ended && std::ferror(file->stream) != 0) {
+        raise(KOR_RESULT_IO_ERROR, "fread() error: %d", error);
     }
     return count;
 }

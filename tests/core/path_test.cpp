@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/path.h"
+
+#include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "quorvel/kor/exception.h"
+#include "quorvel/kor/heap.h"
+#include "quorvel/kor/string.h"
+#include "quorvel/kor/string_list.h"
+#include "tests/core/owned.h"
+#include "tests/core/temp_dir.h"
+#include "tests/support/raised.h"
+
+namespace {
+
+using List = Owned<KorList, kor_string_list_delete>;
+
+std::vector<std::string> sorted(const KorList* list) {
+    std::vector<std::string> all;
+    for (auto* node = kor_string_list_first(list); node != nullptr; node = kor_string_list_next(node)) {
+        all.emplace_back(kor_string_list_item(node));
+    }
+    std::sort(all.begin(), all.end());
+    return all;
+}
+
+TEST(Path, NameAndExtensionAreWorkedOutOfTheText) {
+    const struct {
+        const char* path;
+        const char* name;
+        const char* extension;
+    } cases[] = {
+        {"/no/such/a.tar.gz", "a.tar.gz", "tar.gz"},
+        {"logo.png", "logo.png", "png"},
+        {"/no/such.d/file", "file", ""},
+        {".profile", ".profile", "profile"},
+        {"/no/such/file.", "file.", ""},
+        {"/no/such/", "", ""},
+        {"", "", ""},
+    };
+    for (const auto& test : cases) {
+        EXPECT_STREQ(kor_path_name(test.path), test.name) << test.path;
+        EXPECT_STREQ(kor_path_extension(test.path), test.extension) << test.path;
+        EXPECT_STREQ(kor_path_lextension(test.path, true), test.extension) << test.path;
+    }
+    EXPECT_EQ(kor_path_name(nullptr), nullptr);
+    EXPECT_STREQ(kor_path_extension(nullptr), "");
+}
+
+TEST(Path, ADirectoryHasAnExtensionOnlyWhereAllowed) {
+    const TempDir dir;
+    const std::string path = dir.dir("images.d");
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Path is a dir: " + path, kor_path_extension(path.c_str()));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Path is a dir: " + path, kor_path_lextension(path.c_str(), false));
+    EXPECT_STREQ(kor_path_lextension(path.c_str(), true), "d");
+    // What lies beyond a file cannot be looked at, but its text can.
+    EXPECT_STREQ(kor_path_extension((dir.file("file") + "/x.y").c_str()), "y");
+}
+
+TEST(Path, TellsWhatIsThere) {
+    const TempDir dir;
+    const std::string folder = dir.dir("folder");
+    const std::string file = dir.file("file", "12345");
+    const std::string link = dir.link("link", file);
+    const struct {
+        std::string path;
+        bool isDir;
+        bool isFile;
+    } cases[] = {{folder, true, false}, {file, false, true}, {link, false, true}, {"/dev/null", false, false}};
+    for (const auto& test : cases) {
+        EXPECT_TRUE(kor_path_exists(test.path.c_str())) << test.path;
+        EXPECT_EQ(kor_path_is_dir(test.path.c_str()), test.isDir) << test.path;
+        EXPECT_EQ(kor_path_is_file(test.path.c_str()), test.isFile) << test.path;
+    }
+    EXPECT_EQ(kor_path_file_size(file.c_str()), 5U);
+    EXPECT_EQ(kor_path_file_size(link.c_str()), 5U);
+    EXPECT_EQ(kor_path_file_size(dir.file("empty").c_str()), 0U);
+}
+
+TEST(Path, SizesAndTimesReachBeyond32Bits) {
+    const TempDir dir;
+    const std::string file = dir.file("sparse");
+    ASSERT_EQ(truncate(file.c_str(), 5'000'000'000), 0);
+    EXPECT_EQ(kor_path_file_size(file.c_str()), 5'000'000'000U);
+    const std::array<timespec, 2> times{{{0, 0}, {4'100'000'000, 987'654'321}}};
+    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times.data(), 0), 0);
+    EXPECT_EQ(kor_path_last_modified(file.c_str()), 4'100'000'000'987);
+}
+
+TEST(Path, WhatIsMissingIsToldFromWhatCannotBeSeen) {
+    const TempDir dir;
+    const std::string missing = dir / "missing %d";
+    const std::string beyond = dir.file("file") + "/beyond";
+    const std::string dangling = dir.link("dangling", missing);
+    const List out(kor_string_list_new());
+    EXPECT_FALSE(kor_path_exists(missing.c_str()));
+    EXPECT_FALSE(kor_path_exists(dangling.c_str()));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "stat() error: 20", kor_path_exists(beyond.c_str()));
+    for (const auto& [path, code, detail] :
+         {std::tuple(missing, KOR_RESULT_FILE_NOT_FOUND, "File not found: " + missing),
+          std::tuple(dangling, KOR_RESULT_FILE_NOT_FOUND, "File not found: " + dangling),
+          std::tuple(beyond, KOR_RESULT_IO_ERROR, std::string("stat() error: 20"))}) {
+        const char* text = path.c_str();
+        const support::Raised expected = support::error(static_cast<int16_t>(code), detail);
+        EXPECT_EQ(support::raised_by([&] { kor_path_is_dir(text); }), expected);
+        EXPECT_EQ(support::raised_by([&] { kor_path_is_file(text); }), expected);
+        EXPECT_EQ(support::raised_by([&] { kor_path_file_size(text); }), expected);
+        EXPECT_EQ(support::raised_by([&] { kor_path_last_modified(text); }), expected);
+        EXPECT_EQ(support::raised_by([&] { kor_path_list_entries(text, out); }), expected);
+    }
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "stat() error: 14", kor_path_is_dir(nullptr));
+}
+
+TEST(Path, WorkingDirectoryNeedsRoom) {
+    std::array<char, 4096> path{};
+    EXPECT_EQ(kor_path_cwd(path.data(), path.size()), path.data());
+    EXPECT_EQ(std::string(path.data()), std::filesystem::current_path().string());
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "getcwd() error: 34", kor_path_cwd(path.data(), 1));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'outBuf' is NULL", kor_path_cwd(nullptr, 10));
+}
+
+TEST(PathList, ReplacesTheListByTheNames) {
+    const TempDir dir;
+    const std::string folder = dir.dir("folder");
+    const List out(kor_string_list_new());
+    kor_string_list_append(out, "old");
+    EXPECT_EQ(kor_path_list_entries(folder.c_str(), out), out);
+    EXPECT_EQ(kor_string_list_size(out), 0U);
+    dir.file("folder/a");
+    dir.file("folder/.hidden");
+    dir.file("folder/...");
+    dir.dir("folder/sub");
+    dir.file("folder/sub/below");
+    // A number that an earlier call left behind is no failure of this one.
+    errno = EBADF;
+    EXPECT_NO_RAISE(kor_path_list_entries(folder.c_str(), out));
+    EXPECT_EQ(sorted(out), (std::vector<std::string>{"...", ".hidden", "a", "sub"}));
+}
+
+TEST(PathList, RefusesWhatIsNoDirectoryAndKeepsTheList) {
+    const TempDir dir;
+    const std::string file = dir.file("file");
+    const List out(kor_string_list_new());
+    kor_string_list_append(out, "old");
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_path_list_entries(file.c_str(), nullptr));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Path is not a dir: " + file, kor_path_list_entries(file.c_str(), out));
+    EXPECT_EQ(sorted(out), std::vector<std::string>{"old"});
+}
+
+TEST(PathList, ADirectoryThatCannotBeOpenedIsReportedWithoutANumber) {
+    const TempDir dir;
+    const List out(kor_string_list_new());
+    const std::string folder = dir.dir("folder");
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const support::Raised raised = support::raised_by([&] { kor_path_list_entries(folder.c_str(), out); });
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(raised, support::error(KOR_RESULT_IO_ERROR, "opendir() error: "));
+}
+
+bool equals(const void* lhs, const void* rhs) { return lhs == rhs; }
+
+void* copy_and_fail(const void* /*item*/) {
+    kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "[KOR_RESULT_RUNTIME_ERROR] no copy");
+    return nullptr;
+}
+
+TEST(PathList, AFailedAppendLeavesTheDirectoryClosed) {
+    const TempDir dir;
+    dir.file("file");
+    const std::string path = dir / "";
+    const Owned<KorList, kor_list_delete> out(kor_list_new(copy_and_fail, kor_heap_free, equals));
+    const size_t descriptors = open_descriptors();
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "no copy", kor_path_list_entries(path.c_str(), out));
+    EXPECT_EQ(open_descriptors(), descriptors);
+}
+
+// Descriptors are given lowest first, so the directory opened next has this number.
+int next_descriptor = -1;
+
+void* copy_and_close(const void* item) {
+    close(next_descriptor);
+    return kor_string_new(static_cast<const char*>(item));
+}
+
+TEST(PathList, ADirectoryClosedUnderTheListingIsReportedWithoutANumber) {
+    const TempDir dir;
+    dir.file("file");
+    const std::string path = dir / "";
+    const Owned<KorList, kor_list_delete> out(kor_list_new(copy_and_close, kor_heap_free, equals));
+    next_descriptor = dup(STDERR_FILENO);
+    close(next_descriptor);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "readdir() error: ", kor_path_list_entries(path.c_str(), out));
+}
+
+}  // namespace

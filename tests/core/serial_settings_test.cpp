@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "core/serial_settings.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "tests/support/raised.h"
+
+namespace {
+
+// Every bit set, or none: what a setting must not touch shows.
+termios filled(tcflag_t flags) {
+    termios settings{};
+    settings.c_iflag = settings.c_oflag = settings.c_cflag = settings.c_lflag = flags;
+    return settings;
+}
+
+constexpr tcflag_t kAll = ~tcflag_t{0};
+
+TEST(SerialSettings, SpeedsAreTheTerminalsConstants) {
+    const std::vector<std::pair<int32_t, speed_t>> speeds{
+        {110, B110},   {300, B300},     {600, B600},     {1200, B1200},   {2400, B2400},     {4800, B4800},
+        {9600, B9600}, {19200, B19200}, {38400, B38400}, {57600, B57600}, {115200, B115200},
+    };
+    for (const auto& [baudRate, speed] : speeds) {
+        termios settings{};
+        EXPECT_TRUE(kor::set_baud_rate(settings, baudRate));
+        EXPECT_EQ(cfgetispeed(&settings), speed) << baudRate;
+        EXPECT_EQ(cfgetospeed(&settings), speed) << baudRate;
+    }
+}
+
+struct FlagCase {
+    const char* what;
+    bool (*apply)(termios&, int32_t);
+    int32_t value;
+    tcflag_t inputClear;
+    tcflag_t inputSet;
+    tcflag_t controlClear;
+    tcflag_t controlSet;
+};
+
+TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
+    const FlagCase cases[] = {
+        {"5 bits", kor::set_data_bits, 5, 0, 0, CSIZE, CS5},
+        {"6 bits", kor::set_data_bits, 6, 0, 0, CSIZE, CS6},
+        {"7 bits", kor::set_data_bits, 7, 0, 0, CSIZE, CS7},
+        {"8 bits", kor::set_data_bits, 8, 0, 0, CSIZE, CS8},
+        {"one stop bit", kor::set_stop_bits, 1, 0, 0, CSTOPB, 0},
+        {"two stop bits", kor::set_stop_bits, 2, 0, 0, 0, CSTOPB},
+        {"one and a half stop bits go as two", kor::set_stop_bits, 3, 0, 0, 0, CSTOPB},
+        {"no parity keeps the kind", kor::set_parity, 0, 0, 0, PARENB, 0},
+        {"odd parity", kor::set_parity, 1, 0, 0, 0, PARENB | PARODD},
+        {"even parity", kor::set_parity, 2, 0, 0, PARODD, PARENB},
+        {"no flow control", kor::set_flow_control, 0, IXON | IXOFF, 0, CRTSCTS, 0},
+        {"software", kor::set_flow_control, 1, 0, IXON | IXOFF, CRTSCTS, 0},
+        {"hardware", kor::set_flow_control, 2, IXON | IXOFF, 0, 0, CRTSCTS},
+    };
+    for (const FlagCase& test : cases) {
+        for (const tcflag_t before : {tcflag_t{0}, kAll}) {
+            termios settings = filled(before);
+            EXPECT_TRUE(test.apply(settings, test.value)) << test.what;
+            EXPECT_EQ(settings.c_iflag, (before & ~test.inputClear) | test.inputSet) << test.what;
+            EXPECT_EQ(settings.c_cflag, (before & ~test.controlClear) | test.controlSet) << test.what;
+            EXPECT_EQ(settings.c_oflag, before) << test.what;
+            EXPECT_EQ(settings.c_lflag, before) << test.what;
+        }
+    }
+}
+
+TEST(SerialSettings, OtherValuesAreRefused) {
+    const struct {
+        bool (*apply)(termios&, int32_t);
+        const char* name;
+        std::vector<int32_t> values;
+    } cases[] = {
+        // 13 is B9600 and 15 B38400: the numbers behind the constants are no speeds.
+        {kor::set_baud_rate, "baudRate", {0, 13, 15, 50, 9601, 230400, -9600}},
+        {kor::set_data_bits, "dataBits", {4, 9, 0, -8, 0x30}},
+        {kor::set_stop_bits, "stopBits", {0, 4, -1}},
+        {kor::set_parity, "parity", {3, -1}},
+        {kor::set_flow_control, "flowControl", {3, -1}},
+    };
+    for (const auto& test : cases) {
+        for (const int32_t value : test.values) {
+            termios settings{};
+            EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR,
+                          "Unsupported " + std::string(test.name) + ": " + std::to_string(value),
+                          test.apply(settings, value));
+        }
+    }
+}
+
+TEST(SerialSettings, RawClearsWhatAltersBytesAndKeepsTheRest) {
+    termios settings = filled(kAll);
+    kor::force_raw(settings);
+    EXPECT_EQ(settings.c_iflag, kAll & ~tcflag_t{ISTRIP | INLCR | IGNCR | ICRNL});
+    EXPECT_EQ(settings.c_oflag, kAll & ~tcflag_t{OPOST | ONLCR | OCRNL | ONOCR | ONLRET});
+    EXPECT_EQ(settings.c_lflag, kAll & ~tcflag_t{ICANON | ECHO | ECHOE | ISIG});
+    settings = filled(0);
+    kor::force_raw(settings);
+    EXPECT_EQ(settings.c_cflag, tcflag_t{CREAD | CLOCAL});
+}
+
+}  // namespace

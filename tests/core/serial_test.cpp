@@ -1,0 +1,447 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "core/serial.h"
+
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <thread>
+
+#include "tests/core/line.h"
+#include "tests/core/signals.h"
+#include "tests/core/temp_dir.h"
+#include "tests/support/elapsed.h"
+#include "tests/support/raised.h"
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+
+namespace {
+
+constexpr KorSerialConfig kConfig{
+    1, 19200, 8, KOR_SERIAL_STOP_BITS_ONE, KOR_SERIAL_PARITY_NONE, KOR_SERIAL_FLOW_CONTROL_NONE};
+
+class Serial : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_NE(port, nullptr); }
+    ~Serial() override { kor_serial_close(&port); }
+
+    // The port's descriptor becomes another one, so that system calls on it fail.
+    void replace_descriptor(int fd) const {
+        ASSERT_EQ(dup3(fd, port->fd, O_CLOEXEC), port->fd);
+        close(fd);
+    }
+
+    Line line;
+    KorSerial* port = kor_serial_open(line.path().c_str());
+};
+
+class ConfiguredSerial : public Serial {
+protected:
+    void SetUp() override {
+        Serial::SetUp();
+        EXPECT_NO_RAISE(kor_serial_config(port, &kConfig));
+    }
+};
+
+bool same_settings(const termios& lhs, const termios& rhs) {
+    return lhs.c_iflag == rhs.c_iflag && lhs.c_oflag == rhs.c_oflag && lhs.c_cflag == rhs.c_cflag
+           && lhs.c_lflag == rhs.c_lflag && std::memcmp(lhs.c_cc, rhs.c_cc, sizeof lhs.c_cc) == 0;
+}
+
+// The user of least rights, for as long as it lives; root may open everything.
+class Nobody {
+public:
+    Nobody() : was_(geteuid()), taken_(was_ != 0 || seteuid(65534) == 0) {}
+    ~Nobody() { EXPECT_EQ(seteuid(was_), 0); }
+    Nobody(const Nobody&) = delete;
+    Nobody& operator=(const Nobody&) = delete;
+    [[nodiscard]] bool taken() const { return taken_; }
+
+private:
+    uid_t was_;
+    bool taken_;
+};
+
+TEST_F(Serial, OpensBlockingAndLeavesTheSettings) {
+    const Line other;
+    const termios before = other.settings();
+    KorSerial* opened = kor_serial_open(other.path().c_str());
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(fcntl(opened->fd, F_GETFL) & (O_NONBLOCK | O_ACCMODE), O_RDWR);
+    EXPECT_EQ(fcntl(opened->fd, F_GETFD), FD_CLOEXEC);
+    EXPECT_TRUE(same_settings(other.settings(), before));
+    kor_serial_close(&opened);
+    EXPECT_EQ(opened, nullptr);
+}
+
+TEST(SerialOpen, NamesWhatIsWrongWithThePath) {
+    const TempDir dir;
+    const std::string missing = dir / "missing 100%s %n";
+    const std::string file = dir.file("file");
+    const std::string directory = dir.dir("directory");
+    const size_t descriptors = open_descriptors();
+    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: " + missing, kor_serial_open(missing.c_str()));
+    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: " + directory, kor_serial_open(directory.c_str()));
+    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: (null)", kor_serial_open(nullptr));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25", kor_serial_open(file.c_str()));
+    EXPECT_EQ(open_descriptors(), descriptors);
+}
+
+TEST(SerialOpen, TellsForbiddenFromBusy) {
+    const Line forbidden;
+    const Line busy;
+    ASSERT_EQ(fchmod(forbidden.near_side(), 0), 0);
+    ASSERT_EQ(fchmod(busy.near_side(), 0666), 0);
+    ASSERT_EQ(ioctl(busy.near_side(), TIOCEXCL), 0);
+    const Nobody nobody;
+    if (!nobody.taken()) { GTEST_SKIP() << "the system does not let go of root's rights"; }
+    EXPECT_RAISES(KOR_RESULT_PERMISSION_DENIED, "Permission denied for port : " + forbidden.path(),
+                  kor_serial_open(forbidden.path().c_str()));
+    EXPECT_RAISES(KOR_RESULT_DEVICE_BUSY, "Port is busy: " + busy.path(), kor_serial_open(busy.path().c_str()));
+}
+
+TEST(SerialOpen, WithAReturningHandlerGivesNoneAndOneError) {
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_serial_open("/dev/null"), nullptr);
+    EXPECT_EQ(raises.all(), std::vector{support::error(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25")});
+}
+
+TEST_F(Serial, ConfigMakesTheLineRaw) {
+    termios cooked = line.settings();
+    cooked.c_iflag |= ISTRIP | INLCR | IGNCR | ICRNL | IXON | IXOFF | IXANY;
+    cooked.c_oflag |= OPOST | ONLCR;
+    cooked.c_lflag |= ICANON | ECHO | ECHOE | ISIG | IEXTEN;
+    ASSERT_EQ(tcsetattr(line.near_side(), TCSANOW, &cooked), 0);
+    const KorSerialConfig config{255, 115200, 8, 2, 0, 0};
+    EXPECT_NO_RAISE(kor_serial_config(port, &config));
+    const termios settings = line.settings();
+    EXPECT_EQ(settings.c_iflag & (ISTRIP | INLCR | IGNCR | ICRNL | IXON | IXOFF | IXANY), tcflag_t{IXANY});
+    EXPECT_EQ(settings.c_oflag & (OPOST | ONLCR), 0U);
+    EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ECHOE | ISIG | IEXTEN), tcflag_t{IEXTEN});
+    EXPECT_EQ(settings.c_cflag & (CSIZE | CSTOPB | CREAD | CLOCAL), tcflag_t{CS8 | CSTOPB | CREAD | CLOCAL});
+    EXPECT_EQ(cfgetispeed(&settings), speed_t{B115200});
+    EXPECT_EQ(cfgetospeed(&settings), speed_t{B115200});
+    EXPECT_EQ(settings.c_cc[VMIN], 0);
+    EXPECT_EQ(settings.c_cc[VTIME], 255);
+    // The control bytes of the protocol among them, which a line discipline would keep for itself.
+    std::string every;
+    for (int byte = 0; byte < 256; ++byte) { every += static_cast<char>(byte); }
+    line.feed(every);
+    std::string read(every.size(), '\0');
+    EXPECT_EQ(kor_serial_read(port, read.data(), read.size()), every.size());
+    EXPECT_EQ(read, every);
+    EXPECT_NO_RAISE(kor_serial_write(port, every.data(), every.size()));
+    EXPECT_EQ(line.received(every.size()), every);
+    EXPECT_TRUE(line.is_quiet());
+}
+
+TEST_F(Serial, ConfigWithOneBadValueAppliesNone) {
+    const struct {
+        KorSerialConfig config;
+        const char* detail;
+    } cases[] = {
+        {{9, 1, 8, 1, 0, 0}, "Unsupported baudRate: 1"},       {{9, 9600, 9, 1, 0, 0}, "Unsupported dataBits: 9"},
+        {{9, 9600, 8, 0, 0, 0}, "Unsupported stopBits: 0"},    {{9, 9600, 8, 1, 9, 0}, "Unsupported parity: 9"},
+        {{9, 9600, 8, 1, 0, 3}, "Unsupported flowControl: 3"}, {{9, 1, 9, 0, 9, 3}, "Unsupported baudRate: 1"},
+        {{9, 9600, 8, 0, 9, 3}, "Unsupported stopBits: 0"},
+    };
+    const termios before = line.settings();
+    for (const auto& test : cases) {
+        EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, test.detail, kor_serial_config(port, &test.config));
+        EXPECT_TRUE(same_settings(line.settings(), before)) << test.detail;
+    }
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'config' is NULL", kor_serial_config(port, nullptr));
+}
+
+TEST_F(Serial, ASetterLeavesTheOtherSettings) {
+    const KorSerialConfig config{7, 4800, 8, 2, 0, 1};
+    EXPECT_NO_RAISE(kor_serial_config(port, &config));
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 3));
+    EXPECT_NO_RAISE(kor_serial_set_baud_rate(port, 57600));
+    termios settings = line.settings();
+    EXPECT_EQ(settings.c_cc[VTIME], 3);
+    EXPECT_EQ(cfgetospeed(&settings), speed_t{B57600});
+    EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), tcflag_t{IXON | IXOFF});
+    EXPECT_EQ(settings.c_cflag & CSTOPB, tcflag_t{CSTOPB});
+    EXPECT_NO_RAISE(kor_serial_set_stop_bits(port, 1));
+    EXPECT_NO_RAISE(kor_serial_set_flow_control(port, 0));
+    EXPECT_NO_RAISE(kor_serial_set_parity(port, 1));
+    EXPECT_NO_RAISE(kor_serial_set_parity(port, 0));
+    EXPECT_NO_RAISE(kor_serial_set_data_bits(port, 8));
+    settings = line.settings();
+    EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), 0U);
+    EXPECT_EQ(settings.c_cflag & (CSTOPB | PARENB | PARODD | CSIZE), tcflag_t{PARODD | CS8});
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported parity: 3", kor_serial_set_parity(port, 3));
+    EXPECT_TRUE(same_settings(line.settings(), settings));
+}
+
+TEST_F(ConfiguredSerial, ReadStopsShortWhenTheTimeOutExpires) {
+    line.feed("abc");
+    char bytes[5] = {};
+    const support::Elapsed elapsed;
+    EXPECT_EQ(kor_serial_read(port, bytes, sizeof bytes), 3U);
+    EXPECT_TRUE(elapsed.between(100ms, 5000ms));
+    EXPECT_STREQ(bytes, "abc");
+}
+
+TEST_F(ConfiguredSerial, ReadWithoutTimeOutDoesNotWait) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 0));
+    char byte = 'x';
+    EXPECT_EQ(kor_serial_read(port, &byte, 1), 0U);
+    EXPECT_EQ(byte, 'x');
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_byte(port));
+    line.feed("y");
+    EXPECT_EQ(kor_serial_read(port, &byte, 1), 1U);
+    EXPECT_EQ(byte, 'y');
+}
+
+TEST_F(ConfiguredSerial, TheTimeOutStartsAfreshWithEachArrival) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 4));
+    std::thread slow([&] {
+        for (const char* next = "12345"; *next != '\0'; ++next) {
+            std::this_thread::sleep_for(120ms);
+            line.send({next, 1});
+        }
+    });
+    char bytes[6] = {};
+    EXPECT_EQ(kor_serial_read(port, bytes, 5), 5U);
+    slow.join();
+    EXPECT_STREQ(bytes, "12345");
+}
+
+TEST_F(Serial, AnUnconfiguredReadWaitsAsTheDeviceWasTold) {
+    termios raw = line.settings();
+    cfmakeraw(&raw);
+    ASSERT_EQ(tcsetattr(line.near_side(), TCSANOW, &raw), 0);
+    const Signals signals(0);
+    std::thread later([&] {
+        std::this_thread::sleep_for(50ms);
+        line.send("z");
+    });
+    char byte = 0;
+    EXPECT_EQ(kor_serial_read(port, &byte, 1), 1U);
+    later.join();
+    EXPECT_EQ(byte, 'z');
+    EXPECT_GT(signals.seen(), 0);
+}
+
+class InterruptedSerial : public ConfiguredSerial, public testing::WithParamInterface<int> {};
+
+TEST_P(InterruptedSerial, ReadKeepsToTheTimeOutCountedFromItsStart) {
+    const Signals signals(GetParam());
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 2));
+    const support::Elapsed elapsed;
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_byte(port));
+    EXPECT_TRUE(elapsed.between(200ms, 5000ms));
+    EXPECT_GT(signals.seen(), 5);
+}
+
+TEST_P(InterruptedSerial, WriteSendsEverythingOnce) {
+    std::string sent;
+    for (size_t i = 0; i < 200'000; ++i) { sent += static_cast<char>('0' + i % 61); }
+    std::string received;
+    std::thread far([&] {
+        for (std::string some = "-"; received.size() < sent.size() && !some.empty(); received += some) {
+            std::this_thread::sleep_for(1ms);
+            some = line.received(std::min<size_t>(2000, sent.size() - received.size()));
+        }
+    });
+    int seen = 0;
+    {
+        const Signals signals(GetParam());
+        EXPECT_NO_RAISE(kor_serial_write(port, sent.data(), sent.size()));
+        seen = signals.seen();
+    }
+    far.join();
+    EXPECT_TRUE(received == sent);
+    EXPECT_GT(seen, 5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, InterruptedSerial, testing::Values(0, SA_RESTART),
+                         [](const auto& test) { return test.param == 0 ? "Interrupting" : "Restarting"; });
+
+TEST_F(ConfiguredSerial, WritesNumbersInTheByteOrderAskedFor) {
+    EXPECT_NO_RAISE(kor_serial_write_byte(port, 0xF1));
+    EXPECT_NO_RAISE(kor_serial_write_ui16(port, 0x1234, 0));
+    EXPECT_NO_RAISE(kor_serial_write_ui16(port, 0x1234, 1));
+    EXPECT_NO_RAISE(kor_serial_write_i16(port, -2, 0));
+    EXPECT_NO_RAISE(kor_serial_write_i16(port, -2, -1));
+    EXPECT_NO_RAISE(kor_serial_write_ui32(port, 0x12345678, 0));
+    EXPECT_NO_RAISE(kor_serial_write_ui32(port, 0x12345678, 7));
+    EXPECT_NO_RAISE(kor_serial_write_i32(port, -3, 0));
+    EXPECT_NO_RAISE(kor_serial_write_i32(port, -3, 1));
+    EXPECT_NO_RAISE(kor_serial_write_str(port, "ab", false));
+    EXPECT_NO_RAISE(kor_serial_write_str(port, "cd", true));
+    EXPECT_NO_RAISE(kor_serial_write_str(port, "", false));
+    EXPECT_NO_RAISE(kor_serial_write(port, nullptr, 0));
+    const std::string expected =
+        "\xF1"
+        "\x12\x34\x34\x12"
+        "\xFF\xFE\xFE\xFF"
+        "\x12\x34\x56\x78\x78\x56\x34\x12"
+        "\xFF\xFF\xFF\xFD\xFD\xFF\xFF\xFF"
+        "ab"
+        "cd\0"s;
+    EXPECT_EQ(line.received(expected.size()), expected);
+    EXPECT_TRUE(line.is_quiet());
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'text' is NULL", kor_serial_write_str(port, nullptr, true));
+}
+
+TEST_F(ConfiguredSerial, ReadsNumbersInTheByteOrderAskedFor) {
+    line.feed("\xF1\x12\x34\x12\x34\xFF\xFE\xFE\xFF\x89\x34\x56\x78\x89\x34\x56\x78\xFF\xFF\xFF\xFD\xFD\xFF\xFF\xFF");
+    EXPECT_EQ(kor_serial_read_byte(port), 0xF1);
+    EXPECT_EQ(kor_serial_read_ui16(port, 0), 0x1234);
+    EXPECT_EQ(kor_serial_read_ui16(port, 1), 0x3412);
+    EXPECT_EQ(kor_serial_read_i16(port, 0), -2);
+    EXPECT_EQ(kor_serial_read_i16(port, 9), -2);
+    EXPECT_EQ(kor_serial_read_ui32(port, 0), 0x89345678U);
+    EXPECT_EQ(kor_serial_read_ui32(port, -1), 0x78563489U);
+    EXPECT_EQ(kor_serial_read_i32(port, 0), -3);
+    EXPECT_EQ(kor_serial_read_i32(port, 1), -3);
+}
+
+TEST_F(ConfiguredSerial, ANumberCutShortIsATimeOutAndItsBytesAreLost) {
+    line.feed("\x12");
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_ui16(port, 0));
+    line.feed("\x12\x34\x56");
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_i32(port, 0));
+    line.feed("\x56\x78");
+    EXPECT_EQ(kor_serial_read_ui16(port, 0), 0x5678);
+}
+
+TEST_F(ConfiguredSerial, ReadStrFitsTheTextIntoItsBuffer) {
+    const struct {
+        size_t size;
+        std::string sent;
+        std::string left;
+    } cases[] = {
+        {4, "ABCDEF\0"s, "ABC\0...."s}, {4, "ABC\0"s, "ABC\0...."s}, {8, "ABC\0"s, "ABC\0...."s},
+        {4, "\0"s, "\0......."s},       {1, "ABC\0"s, "\0......."s}, {0, "ABC\0"s, "........"s},
+    };
+    for (const auto& test : cases) {
+        line.feed(test.sent + "!");
+        std::string buffer(8, '.');
+        EXPECT_EQ(kor_serial_read_str(port, buffer.data(), test.size), buffer.data());
+        EXPECT_EQ(buffer, test.left);
+        EXPECT_EQ(kor_serial_read_byte(port), '!') << "the text ends at its NUL";
+    }
+    line.feed("AB");
+    char unended[8];
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data",
+                  kor_serial_read_str(port, unended, sizeof unended));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'buffer' is NULL", kor_serial_read_str(port, nullptr, 8));
+}
+
+TEST_F(ConfiguredSerial, PurgeDiscardsTheQueueThatItNames) {
+    EXPECT_EQ(kor_serial_available(port), 0U);
+    line.feed("abc");
+    EXPECT_EQ(kor_serial_available(port), 3U);
+    EXPECT_NO_RAISE(kor_serial_purge(port, KOR_SERIAL_PURGE_OUTPUT));
+    EXPECT_EQ(kor_serial_available(port), 3U);
+    EXPECT_NO_RAISE(kor_serial_purge(port, KOR_SERIAL_PURGE_INPUT));
+    EXPECT_EQ(kor_serial_available(port), 0U);
+    line.feed("abc");
+    EXPECT_NO_RAISE(kor_serial_purge(port, KOR_SERIAL_PURGE_BOTH));
+    EXPECT_EQ(kor_serial_available(port), 0U);
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: 3", kor_serial_purge(port, 3));
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: -1", kor_serial_purge(port, -1));
+}
+
+TEST_F(ConfiguredSerial, AHungUpLineIsAnErrorAndNoTimeOut) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 255));
+    line.hang_up();
+    char byte = 0;
+    const support::Elapsed elapsed;
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read(port, &byte, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_ui32(port, 0));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_str(port, &byte, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 5", kor_serial_write_byte(port, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", kor_serial_purge(port, KOR_SERIAL_PURGE_BOTH));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "ioctl(FIONREAD) error: 5", kor_serial_available(port));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", kor_serial_set_read_timeout(port, 1));
+    EXPECT_TRUE(elapsed.between(0ms, 10'000ms));
+    EXPECT_NO_RAISE(kor_serial_close(&port));
+    EXPECT_EQ(port, nullptr);
+}
+
+TEST_F(ConfiguredSerial, AHangUpEndsAWaitingRead) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 255));
+    const support::Elapsed elapsed;
+    std::thread later([&] {
+        std::this_thread::sleep_for(50ms);
+        line.hang_up();
+    });
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_byte(port));
+    later.join();
+    EXPECT_TRUE(elapsed.between(50ms, 20'000ms));
+}
+
+TEST_F(ConfiguredSerial, AClosedDescriptorIsReported) {
+    close(port->fd);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 9", kor_serial_read_byte(port));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 9", kor_serial_write_byte(port, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 9", kor_serial_config(port, &kConfig));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "close() error: 9", kor_serial_close(&port));
+    EXPECT_EQ(port, nullptr);
+}
+
+TEST_F(ConfiguredSerial, AWriteThatFailsAloneIsReportedWithItsOwnNumber) {
+    // The drain succeeds on a descriptor without the right to write.
+    replace_descriptor(open(line.path().c_str(), O_RDONLY | O_NOCTTY));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "write() error: 9", kor_serial_write_byte(port, 1));
+}
+
+TEST_F(ConfiguredSerial, AReadThatFailsIsReported) {
+    replace_descriptor(open(line.path().c_str(), O_WRONLY | O_NOCTTY));
+    line.feed("x");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 9", kor_serial_read_byte(port));
+}
+
+TEST(SerialHandle, NoneIsRefusedEverywhereButOnClose) {
+    const std::function<void()> calls[] = {
+        [] { kor_serial_config(nullptr, &kConfig); },
+        [] { kor_serial_set_read_timeout(nullptr, 1); },
+        [] { kor_serial_set_baud_rate(nullptr, 1); },
+        [] { kor_serial_set_data_bits(nullptr, 1); },
+        [] { kor_serial_set_stop_bits(nullptr, 9); },
+        [] { kor_serial_set_parity(nullptr, 9); },
+        [] { kor_serial_set_flow_control(nullptr, 9); },
+        [] { kor_serial_purge(nullptr, 9); },
+        [] { EXPECT_EQ(kor_serial_available(nullptr), 0U); },
+        [] { kor_serial_write(nullptr, "a", 1); },
+        [] { kor_serial_write(nullptr, "", 0); },
+        [] { kor_serial_write_byte(nullptr, 1); },
+        [] { kor_serial_write_str(nullptr, nullptr, true); },
+        [] { kor_serial_write_i16(nullptr, 1, 0); },
+        [] { kor_serial_write_ui16(nullptr, 1, 0); },
+        [] { kor_serial_write_i32(nullptr, 1, 0); },
+        [] { kor_serial_write_ui32(nullptr, 1, 0); },
+        [] { EXPECT_EQ(kor_serial_read(nullptr, nullptr, 1), 0U); },
+        [] { EXPECT_EQ(kor_serial_read_byte(nullptr), 0); },
+        [] { EXPECT_EQ(kor_serial_read_ui16(nullptr, 0), 0); },
+        [] { EXPECT_EQ(kor_serial_read_i16(nullptr, 0), 0); },
+        [] { EXPECT_EQ(kor_serial_read_ui32(nullptr, 0), 0U); },
+        [] { EXPECT_EQ(kor_serial_read_i32(nullptr, 0), 0); },
+        [] { EXPECT_EQ(kor_serial_read_str(nullptr, nullptr, 1), nullptr); },
+    };
+    const support::ReturningRaises raises;
+    for (const auto& call : calls) { call(); }
+    EXPECT_EQ(raises.all(),
+              std::vector(std::size(calls), support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'handle' is NULL")));
+    KorSerial* none = nullptr;
+    EXPECT_NO_RAISE(kor_serial_close(&none));
+    EXPECT_NO_RAISE(kor_serial_close(nullptr));
+}
+
+TEST_F(ConfiguredSerial, AFailureIsReportedOnceWhereTheRaiseReturns) {
+    const support::ReturningRaises raises;
+    line.hang_up();
+    EXPECT_EQ(kor_serial_read_byte(port), 0);
+    kor_serial_write(port, "abc", 3);
+    EXPECT_EQ(raises.all(), (std::vector{support::error(KOR_RESULT_IO_ERROR, "read() error: 5"),
+                                         support::error(KOR_RESULT_IO_ERROR, "tcdrain() error: 5")}));
+}
+
+}  // namespace

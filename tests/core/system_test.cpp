@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/kor/system.h"
+
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <set>
+
+#include "quorvel/kor/thread.h"
+#include "tests/core/signals.h"
+#include "tests/support/elapsed.h"
+#include "tests/support/raised.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+int64_t now_millis() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+TEST(System, TimeIsTheWallClockInMilliseconds) {
+    const int64_t before = now_millis();
+    const int64_t time = kor_system_current_time_millis();
+    EXPECT_GE(time, before);
+    EXPECT_LE(time, now_millis());
+}
+
+TEST(System, RandomCoversItsRangeAndNothingElse) {
+    const struct {
+        int32_t min;
+        int32_t max;
+    } ranges[] = {{0, 61}, {-3, 3}, {7, 7}, {INT_MAX - 1, INT_MAX}, {INT_MIN, INT_MIN + 1}};
+    for (const auto& range : ranges) {
+        std::set<int32_t> seen;
+        for (int i = 0; i < 5000; ++i) { seen.insert(kor_system_random(range.min, range.max)); }
+        EXPECT_EQ(*seen.begin(), range.min);
+        EXPECT_EQ(*seen.rbegin(), range.max);
+        EXPECT_EQ(seen.size(), static_cast<size_t>(int64_t{range.max} - range.min + 1));
+    }
+}
+
+TEST(System, RandomSurvivesExtremeRanges) {
+    EXPECT_EQ(kor_system_random(5, 4), 5) << "an empty range must not divide by zero";
+    std::set<int32_t> seen;
+    for (int i = 0; i < 100; ++i) { seen.insert(kor_system_random(INT_MIN, INT_MAX)); }
+    EXPECT_GT(seen.size(), 50U) << "the whole range has more values than 32 bits can count";
+}
+
+TEST(System, RandomIsSeededOnce) {
+    // Within one second each call would repeat itself if it seeded the generator again.
+    std::set<int32_t> seen;
+    for (int i = 0; i < 50; ++i) { seen.insert(kor_system_random(0, INT_MAX - 1)); }
+    EXPECT_GT(seen.size(), 40U);
+}
+
+TEST(System, PlatformNamesAreFixed) {
+    EXPECT_STREQ(kor_system_os_name(), "osx");
+    EXPECT_STREQ(kor_system_os_arch(), "x86");
+}
+
+TEST(System, EnvironmentGivesValueOrNone) {
+    ASSERT_EQ(setenv("QUORVEL_SYSTEM_TEST", "some value", 1), 0);
+    EXPECT_STREQ(kor_system_get_env("QUORVEL_SYSTEM_TEST"), "some value");
+    ASSERT_EQ(unsetenv("QUORVEL_SYSTEM_TEST"), 0);
+    EXPECT_EQ(kor_system_get_env("QUORVEL_SYSTEM_TEST"), nullptr);
+    EXPECT_EQ(kor_system_get_env(nullptr), nullptr);
+}
+
+TEST(Thread, SleepsForMilliseconds) {
+    const support::Elapsed elapsed;
+    EXPECT_NO_RAISE(kor_thread_sleep(20));
+    EXPECT_TRUE(elapsed.between(20ms, 5000ms));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "millis == 0", kor_thread_sleep(0));
+}
+
+TEST(Thread, ASignalEndsTheSleepWithAnError) {
+    const Signals signals(0);
+    const support::Elapsed elapsed;
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "usleep() error: 4", kor_thread_sleep(30'000));
+    EXPECT_TRUE(elapsed.between(0ms, 20'000ms));
+}
+
+}  // namespace

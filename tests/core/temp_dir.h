@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_TESTS_CORE_TEMP_DIR_H
+#define QUORVEL_TESTS_CORE_TEMP_DIR_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+// A directory of the test's own, removed with all that is in it.
+class TempDir {
+public:
+    TempDir() : path_(testing::TempDir() + "quorvel-XXXXXX") {
+        if (mkdtemp(path_.data()) == nullptr) { throw std::runtime_error("mkdtemp"); }
+    }
+    ~TempDir() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+    std::string file(const std::string& name, std::string_view content = "") const {
+        std::ofstream(*this / name, std::ios::binary) << content;
+        return *this / name;
+    }
+
+    std::string dir(const std::string& name) const {
+        std::filesystem::create_directory(*this / name);
+        return *this / name;
+    }
+
+    std::string link(const std::string& name, const std::string& target) const {
+        std::filesystem::create_symlink(target, *this / name);
+        return *this / name;
+    }
+
+private:
+    std::string path_;
+};
+
+// The number of descriptors that the process has open.
+inline size_t open_descriptors() {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<size_t>(std::distance(begin(all), end(all)));
+}
+
+#endif
