@@ -146,10 +146,11 @@ TEST(Can, IsSentAgainWhenItIsIgnored) {
     EXPECT_TRUE(elapsed.between(2s, 5s));
 }
 
-// The EOT among the purged bytes must not count as an answer.
+// The EOT among the purged bytes must not count as an answer, and the next CAN has the full time to be answered.
 TEST(Can, IsSentAgainAfterAPurgeWhenAnotherByteAnswers) {
     Link link;
-    link.peer.expect(kCan).send(kNak).wait(300ms).send(kEot).expect_silence(450ms).accept_can();
+    link.peer.expect(kCan).send(kNak).wait(300ms).send(kEot).expect_silence(450ms);
+    link.peer.expect(kCan).wait(900ms).send(kEot);
     link.call(abecs_comm_send_can)();
 }
 

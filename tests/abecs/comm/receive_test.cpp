@@ -40,10 +40,13 @@ TEST(Receive, AsksForADamagedFrameAgain) {
 
 TEST(Receive, GivesUpAfterThreeDamagedFrames) {
     Link link;
-    link.peer.send(kBad).expect(kNak).send(kBad).expect(kNak).send(kBad).expect(kNak);
+    link.peer.send(kBad).expect(kNak).send(kBad).expect(kNak).send(kBad).expect(kNak).send("left over");
     const Packet packet;
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "No response in 3 attempts",
                   abecs_comm_read_packet(link.comm, packet.get()));
+    link.peer.send(kGood);
+    link.call(abecs_comm_read_packet)(packet.get());
+    EXPECT_EQ(packet.take(), "GIN000");
 }
 
 TEST(Receive, AsksForAFrameAgainThatStopsArriving) {

@@ -75,11 +75,11 @@ TEST(Send, WaitsTwoSecondsForTheAnswer) {
     EXPECT_TRUE(elapsed.between(2s, 5s));
 }
 
-// The purge between the two leaves a short time-out on the port.
+// The purge that ends the CANs leaves a short time-out on the port.
 TEST(Send, WaitsTheFullTimeAgainAfterAPurge) {
     Link link;
-    link.peer.expect("18"_hex).send(kNak).expect("18"_hex).send("04"_hex);
-    link.call(abecs_comm_send_can)();
+    for (int i = 0; i < 3; ++i) { link.peer.expect("18"_hex).send(kNak); }
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Communication error while sending CAN", abecs_comm_send_can(link.comm));
     link.peer.expect(kGin).wait(900ms).send(kAck);
     const Packet packet("GIN00200");
     link.call(abecs_comm_send_packet)(packet.get());
