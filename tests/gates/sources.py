@@ -6,6 +6,7 @@ import re
 import sys
 from pathlib import Path
 
+SUFFIXES = {".c", ".h", ".cpp", ".hpp"}
 LIBRARY = ("core", "crypt", "abecs")
 
 # What is forbidden in the library, and the files that may.
@@ -35,7 +36,7 @@ HEADS = {
 
 
 def code_of(source: str) -> str:
-    """The source with comments blanked and texts emptied (those of includes kept), every line in its place."""
+    """The source with comments blanked and texts emptied, every line in its place."""
     def blank(match: re.Match) -> str:
         if match["comment"]:
             return re.sub(r"[^\n]", " ", match[0])
@@ -43,10 +44,14 @@ def code_of(source: str) -> str:
     return STRINGS_AND_COMMENTS.sub(blank, source)
 
 
+def sources_in(folder: Path):
+    return sorted(path for path in folder.rglob("*") if path.suffix in SUFFIXES)
+
+
 def library_breaches(root: Path):
     setjmps = []
     for folder in LIBRARY:
-        for path in sorted((root / folder).rglob("*.[ch]*")):
+        for path in sources_in(root / folder):
             name = path.relative_to(root).as_posix()
             for number, line in enumerate(code_of(path.read_text()).splitlines(), 1):
                 for pattern, what, allowed in FORBIDDEN:
@@ -60,8 +65,8 @@ def library_breaches(root: Path):
 
 def head_breaches(root: Path):
     for folder in LIBRARY + ("include", "simulator", "examples", "tests"):
-        for path in sorted((root / folder).rglob("*.[ch]*")):
-            if path.is_file() and not path.read_text().startswith(HEADS.get(path.read_text()[:2], "\0")):
+        for path in sources_in(root / folder):
+            if not path.read_text().startswith(HEADS.get(path.read_text()[:2], "\0")):
                 yield f"{path.relative_to(root).as_posix()}:1: no licence head"
 
 
