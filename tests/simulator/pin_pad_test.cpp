@@ -117,7 +117,7 @@ TEST_F(PinPadTest, RefusesWhatIsNoCommand) {
     exchange("\x16\x12" + "0123456789abcdef\x17\xB9\x4C"s, ack + "\x16"s + "ERR003\x17\xD5\x72");
     expect_findings({{Kind::unsupported, "there is no command \"XYZ\""},
                      {Kind::unsupported, "there is no command \"gin\""},
-                     {Kind::unsupported, "there is no command \"\\xff\\xfeA\""},
+                     {Kind::unsupported, R"(there is no command "\xff\xfeA")"},
                      {Kind::layout, "a frame without a command"},
                      {Kind::layout, "a frame without a command"},
                      {Kind::sequence, "an encrypted frame without a session"}});

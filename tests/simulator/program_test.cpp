@@ -30,9 +30,8 @@ public:
         posix_spawn_file_actions_adddup2(&actions, output_[1], STDOUT_FILENO);
         posix_spawn_file_actions_adddup2(&actions, errors_[1], STDERR_FILENO);
         arguments.insert(arguments.begin(), QUORVEL_SIM);
-        std::vector<char*> argv;
-        for (std::string& argument : arguments) argv.push_back(argument.data());
-        argv.push_back(nullptr);
+        std::vector<char*> argv(arguments.size() + 1);
+        for (size_t i = 0; i < arguments.size(); ++i) argv[i] = arguments[i].data();
         EXPECT_EQ(posix_spawn(&process_, QUORVEL_SIM, &actions, nullptr, argv.data(), environ), 0);
         posix_spawn_file_actions_destroy(&actions);
         close(output_[1]);
