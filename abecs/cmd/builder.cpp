@@ -4,9 +4,9 @@
 
 #include <cstring>
 
+#include "abecs/data/param.h"
 #include "core/attempt.h"
 #include "core/raise.h"
-#include "quorvel/abecs/data.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
@@ -15,8 +15,7 @@ using kor::raise;
 namespace {
 
 constexpr size_t kIdLength = 3;
-constexpr uint32_t kBlockCapacity = 999;    // what a three-digit length can say
-constexpr size_t kParamHeadLength = 2 + 2;  // id and length
+constexpr uint32_t kBlockCapacity = 999;  // what a three-digit length can say
 
 // Chosen for each parameter anew, so a small one can still fill up block 1 after a large one went to block 2.
 KorBuffer* block_with_room(const AbecsCmdBuilder* builder, size_t size) {
@@ -74,22 +73,16 @@ void abecs_cmd_builder_set_cmd_id(AbecsCmdBuilder* builder, const char* cmdId) {
 void abecs_cmd_builder_add_param(AbecsCmdBuilder* builder, AbecsParam* param) {
     if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
     if (param == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL"); }
-    const size_t length = abecs_param_available_read(param);
-    KorBuffer* block = block_with_room(builder, length + kParamHeadLength);
+    KorBuffer* block = block_with_room(builder, abecs_param_available_read(param) + abecs::kParamHead);
     KorBufferState before;
     kor_buffer_save_state(block, &before);
-    kor::attempt([&] {
-        abecs_data_write_field_x(block, abecs_param_get_id(param), 2);
-        abecs_data_write_field_x(block, static_cast<uint32_t>(length), 2);
-        uint8_t bytes[kBlockCapacity];
-        abecs_param_read_field_b(param, bytes, sizeof bytes, length);
-        abecs_data_write_field_b(block, bytes, length);
-        abecs_param_reset(param);
-    })
+    bool added = false;
+    kor::attempt([&] { added = abecs::append_param(block, param); })
         .cleanup([&] {
-            if (kor_exception_get_error() != KOR_RESULT_OK) { kor_buffer_set_state(block, &before); }
+            if (!added) { kor_buffer_set_state(block, &before); }
         })
         .run();
+    if (added) { abecs_param_reset(param); }
 }
 
 AbecsPacket* abecs_cmd_builder_build(AbecsCmdBuilder* builder, AbecsPacket* out) {

@@ -31,8 +31,11 @@
  */
 
 #include "quorvel/abecs/cmd/builder.h"
+#include "quorvel/abecs/cmd/clo.h"
+#include "quorvel/abecs/cmd/clx.h"
 #include "quorvel/abecs/cmd/gin.h"
 #include "quorvel/abecs/cmd/gix.h"
+#include "quorvel/abecs/cmd/opn.h"
 #include "quorvel/abecs/comm.h"
 #include "quorvel/abecs/crc16.h"
 #include "quorvel/abecs/data.h"

@@ -93,7 +93,13 @@ Peer& Peer::expect_silence(Duration time, Where where) {
 }
 
 Peer& Peer::discard(size_t count, Where where) {
-    return add([count, where](Peer& peer) { peer.skip(count, where); });
+    return add([count, where](Peer& peer) { peer.take(count, where, "more to be discarded"); });
+}
+
+Peer& Peer::reply(size_t count, std::function<std::string(const std::string&)> answer, Where where) {
+    return add([count, answer = std::move(answer), where](Peer& peer) {
+        peer.write(answer(peer.take(count, where, "more to be answered")), where);
+    });
 }
 
 Peer& Peer::hang_up() {
@@ -183,8 +189,10 @@ void Peer::match(const std::string& expected, const Where& where) {
     }
 }
 
-void Peer::skip(size_t count, const Where& where) {
-    while (count != 0) { count -= read_some(count, where, "more to be discarded").size(); }
+std::string Peer::take(size_t count, const Where& where, const std::string& what) {
+    std::string received;
+    while (received.size() < count) { received += read_some(count - received.size(), where, what); }
+    return received;
 }
 
 void Peer::write(std::string_view bytes, const Where& where) {

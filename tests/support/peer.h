@@ -59,6 +59,8 @@ public:
     Peer& expect_silence(Duration time, Where where = {});
     // Reads this many bytes, whatever they are.
     Peer& discard(size_t count, Where where = {});
+    // Reads this many bytes and sends what `answer` makes of them.
+    Peer& reply(size_t count, std::function<std::string(const std::string&)> answer, Where where = {});
     // The device is unplugged.
     Peer& hang_up();
 
@@ -88,7 +90,7 @@ private:
     void fail(const Where& where, const std::string& text);
     void match(const std::string& expected, const Where& where);
     void write(std::string_view bytes, const Where& where);
-    void skip(size_t count, const Where& where);
+    std::string take(size_t count, const Where& where, const std::string& what);
     void await(short events, const Where& where, const std::string& what);
     bool ready(short events, Duration time);
     std::string read_waiting(size_t limit);

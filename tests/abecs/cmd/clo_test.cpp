@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/clo.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "quorvel/abecs/cmd/clx.h"
+#include "quorvel/abecs/rsp_stat.h"
+#include "tests/support/link.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+
+TEST(Clo, SendsItsMessageInThirtyTwoCharacters) {
+    const std::string blanks(32, ' ');
+    const std::string full = "ABCDEFGHIJKLMNOPQRSTUVWXYZ\xC1\xE9 78.";
+    const struct {
+        const char* message;
+        std::string field;
+        const char* response;
+        int32_t stat;
+    } rows[] = {
+        {nullptr, blanks, "CLO000", 0},
+        {"", blanks, "CLO000", 0},
+        {"BYE", "BYE" + blanks.substr(3), "ERR010", 10},
+        {full.c_str(), full, "CLO040999", 40},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.request("CLO032" + row.field).response(row.response);
+        EXPECT_EQ(link.call(abecs_cmd_clo)(row.message), row.stat);
+    }
+}
+
+TEST(Clo, RefusesBadMessagesAndAnswers) {
+    Link link;
+    EXPECT_RAISES(2, "'pinpad' is NULL", abecs_cmd_clo(nullptr, nullptr));
+    EXPECT_RAISES(2, "'msg' it too long (maximum: 32, requested: 33)",
+                  abecs_cmd_clo(link.comm, "123456789012345678901234567890123"));
+    EXPECT_RAISES(2, "Invalid character (0x0D) at position 1", abecs_cmd_clo(link.comm, "A\rB"));
+    link.peer.request("CLO032" + std::string(32, ' ')).response("CLO00").request("CLO032" + std::string(32, ' '));
+    link.peer.response("OPN000");
+    EXPECT_RAISES(12, "Unrecognized response", abecs_cmd_clo(link.comm, nullptr));
+    EXPECT_RAISES(12, "(CLO) Invalid RSP_ID: OPN)", abecs_cmd_clo(link.comm, nullptr));
+    const support::ReturningRaises handler;
+    EXPECT_EQ(abecs_cmd_clo(nullptr, nullptr), ABECS_RSP_STAT_ST_INTERR);
+}
+
+TEST(Clx, SendsWhatItIsGiven) {
+    const std::string message(128, 'm');
+    const struct {
+        const char* message;
+        const char* name;
+        std::string request;
+    } rows[] = {
+        {nullptr, nullptr, "CLX"},
+        {"", "", "CLX"},
+        {nullptr, "logo", "CLX012" + "001E0008"_hex + "LOGO    "},
+        {"A\rB", nullptr, "CLX007" + "001B0003"_hex + "A\rB"},
+        {message.c_str(), "Logo1234", "CLX144" + "001E0008"_hex + "LOGO1234" + "001B0080"_hex + message},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, nullptr));
+        link.peer.request(row.request).response("CLX000");
+        EXPECT_EQ(link.call(abecs_cmd_clx)(row.message, row.name), 0);
+    }
+}
+
+TEST(Clx, RefusesBadArgumentsAndAnswers) {
+    Link link;
+    const std::string message(129, 'm');
+    EXPECT_RAISES(2, "'pinpad' is NULL", abecs_cmd_clx(nullptr, message.c_str(), nullptr));
+    EXPECT_RAISES(2, "'dspMsg' length (129)  is greater than 128 characters",
+                  abecs_cmd_clx(link.comm, message.c_str(), "NINECHARS"));
+    EXPECT_RAISES(2, "'mfName' length (9) is greater than 8 characters", abecs_cmd_clx(link.comm, "ok", "NINECHARS"));
+    EXPECT_RAISES(2, "Invalid character (0x0D) at position 0", abecs_cmd_clx(link.comm, nullptr, "\r"));
+    link.peer.request("CLX").response("CLX01").request("CLX").response("CLO000").request("CLX").response("ERR011");
+    EXPECT_RAISES(6, "Invalid packet (not enough data)", abecs_cmd_clx(link.comm, nullptr, nullptr));
+    EXPECT_RAISES(12, "(CLX) Invalid RSP_ID: CLO)", abecs_cmd_clx(link.comm, nullptr, nullptr));
+    EXPECT_EQ(link.call(abecs_cmd_clx)(nullptr, nullptr), 11);
+}
+
+TEST(Close, BothDropTheKeys) {
+    const std::array<uint8_t, 16> key{1, 2, 3};
+    const AbecsWkPan wkPan{ABECS_WK_PAN_TYPE_TDES, {4, 5, 6}};
+    for (const bool extended : {false, true}) {
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &wkPan));
+        EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, key.data()));
+        link.comm->keySet = false;  // so that the request can be spelled; the bytes must go all the same
+        link.peer.request(extended ? "CLX" : "CLO032" + std::string(32, ' ')).response(extended ? "CLX000" : "CLO000");
+        EXPECT_EQ(extended ? link.call(abecs_cmd_clx)(nullptr, nullptr) : link.call(abecs_cmd_clo)(nullptr), 0);
+        EXPECT_FALSE(link.comm->keySet);
+        EXPECT_EQ(link.comm->key, (std::array<uint8_t, 16>{}));
+        EXPECT_FALSE(link.comm->panKeyInstalled);
+        EXPECT_FALSE(link.comm->panProtected);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/opn.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <memory>
+#include <openssl/bn.h>
+#include <string>
+
+#include "quorvel/abecs/rsp_stat.h"
+#include "tests/support/link.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+
+constexpr std::array<uint8_t, 16> kOldKey{9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
+const std::string kSessionKey = "F0E1D2C3B4A5968778695A4B3C2D1E0F"_hex;
+const std::string kAck = "06"_hex;
+
+// SYN, "OPN523", "0", "256", modulus, "3", exponent, ETB and CRC. Digits need no escapes.
+constexpr size_t kModulusAt = 1 + 6 + 1 + 3;
+constexpr size_t kModulusDigits = 512;
+constexpr size_t kFrameLength = kModulusAt + kModulusDigits + 1 + 6 + 1 + 2;
+
+struct FreeNumber {
+    void operator()(BIGNUM* number) const { BN_free(number); }
+    void operator()(BN_CTX* context) const { BN_CTX_free(context); }
+};
+using Number = std::unique_ptr<BIGNUM, FreeNumber>;
+
+std::string modulus_of(const std::string& received) {
+    EXPECT_EQ(received.substr(0, kModulusAt), "\x16OPN5230256");
+    EXPECT_EQ(received.substr(kModulusAt + kModulusDigits, 8), "3010001\x17");
+    EXPECT_EQ(received.find_first_not_of("0123456789ABCDEF", kModulusAt), kModulusAt + kModulusDigits + 7);
+    return received.substr(kModulusAt, kModulusDigits);
+}
+
+// block ^ 65537 mod modulus, in 512 upper-case digits: what a PIN pad answers.
+std::string encipher(const std::string& block, const std::string& modulusDigits) {
+    BIGNUM* read = nullptr;
+    BN_hex2bn(&read, modulusDigits.c_str());
+    const Number modulus(read);
+    const Number exponent(BN_new());
+    BN_set_word(exponent.get(), 65537);
+    const Number base(BN_bin2bn(reinterpret_cast<const unsigned char*>(block.data()), 256, nullptr));
+    const std::unique_ptr<BN_CTX, FreeNumber> context(BN_CTX_new());
+    const Number result(BN_new());
+    BN_mod_exp(result.get(), base.get(), exponent.get(), modulus.get(), context.get());
+    std::string bytes(256, '\0');
+    BN_bn2binpad(result.get(), reinterpret_cast<unsigned char*>(bytes.data()), 256);
+    std::string digits;
+    for (const char c : support::to_hex(bytes)) {
+        if (c != ' ') { digits += c; }
+    }
+    return digits;
+}
+
+std::string padded(const std::string& head, const std::string& key) {
+    return head + std::string(256 - head.size() - 1 - key.size(), '\x5A') + '\0' + key;
+}
+
+using Respond = std::function<std::string(const std::string& modulus)>;
+
+void answer(Link& link, Respond respond) {
+    link.peer.reply(kFrameLength, [respond = std::move(respond)](const std::string& received) {
+        return kAck + support::frame(respond(modulus_of(received)));
+    });
+}
+
+bool holds(const Link& link, const std::string& key) {
+    return link.comm->keySet && std::string(link.comm->key.begin(), link.comm->key.end()) == key;
+}
+
+TEST(Opn, PlainSendsItsIdAlone) {
+    const struct {
+        const char* response;
+        int32_t stat;
+    } rows[] = {{"OPN000", 0}, {"OPN010", 10}, {"ERR040", 40}};
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.expect("16 4F504E 17 A8A9"_hex).send(kAck).response(row.response);
+        EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, kOldKey.data()));
+        EXPECT_EQ(link.call(abecs_cmd_opn)(false), row.stat);
+        EXPECT_TRUE(link.comm->keySet) << "a plain OPN leaves the session as it was";
+    }
+}
+
+TEST(Opn, SecureTakesTheKeyOfTheCryptogram) {
+    Link link;
+    answer(link, [](const std::string& modulus) {
+        return "OPN000515256" + encipher(padded("0002"_hex, kSessionKey), modulus);
+    });
+    EXPECT_EQ(link.call(abecs_cmd_opn)(true), 0);
+    EXPECT_TRUE(holds(link, kSessionKey));
+}
+
+// One cryptogram in 256 begins with the byte whose digits are also the padding of hexadecimal fields.
+TEST(Opn, CryptogramThatBeginsLikePaddingWorksLikeAnyOther) {
+    Link link;
+    const std::string key = "30303030303030303030303030303030"_hex;
+    answer(link, [&](const std::string& modulus) {
+        std::string block = padded("0002"_hex, key);
+        std::string cryptogram;
+        for (int i = 0; i < 4000 && !cryptogram.starts_with("30"); ++i) {
+            block[2] = static_cast<char>(1 + i % 255);
+            block[3] = static_cast<char>(1 + i / 255);
+            cryptogram = encipher(block, modulus);
+        }
+        EXPECT_TRUE(cryptogram.starts_with("30"));
+        return "OPN000515256" + cryptogram;
+    });
+    EXPECT_EQ(link.call(abecs_cmd_opn)(true), 0);
+    EXPECT_TRUE(holds(link, key));
+}
+
+TEST(Opn, SecureWithoutAKeyIsAnInvalidCall) {
+    const struct {
+        const char* response;
+        int32_t stat;
+    } rows[] = {{"OPN000", 10}, {"OPN046", 46}, {"ERR010", 10}};
+    for (const auto& row : rows) {
+        Link link;
+        answer(link, [&](const std::string&) { return row.response; });
+        EXPECT_EQ(link.call(abecs_cmd_opn)(true), row.stat);
+        EXPECT_FALSE(link.comm->keySet);
+    }
+}
+
+TEST(Opn, BadKeysAreRefusedAndTheOldOneStays) {
+    const std::string zeros(512, '0');
+    const auto block = [](std::string content) {
+        return [content](const std::string& modulus) { return "OPN000515256" + encipher(content, modulus); };
+    };
+    const struct {
+        Respond respond;
+        int16_t code;
+        const char* detail;
+    } rows[] = {
+        {block(padded("0001"_hex, kSessionKey)), 12, "(OPN) Invalid PCKS#1 block header"},
+        {block(padded("0102"_hex, kSessionKey)), 12, "(OPN) Invalid PCKS#1 block header"},
+        {block("0002"_hex + std::string(254, 'x')), 12, "(OPN) Invalid Ksec length (expected: 16, read: 0)"},
+        {block(padded("0002"_hex, kSessionKey.substr(1))), 12, "(OPN) Invalid Ksec length (expected: 16, read: 15)"},
+        {block(padded("0002"_hex, "x" + kSessionKey)), 12, "(OPN) Invalid Ksec length (expected: 16, read: 17)"},
+        {[&](const std::string&) { return "OPN000514256" + zeros; }, 12, "(OPN) Invalid RSP_LEN1: 514"},
+        {[&](const std::string&) { return "OPN000515255" + zeros; }, 12, "(OPN) Invalid OPN_CRKSLEN: 255"},
+        {[&](const std::string&) { return "OPN000515256" + zeros.substr(2); }, 6,
+         "Buffer does not have enough data (requested: 512, available: 510)"},
+        {[&](const std::string&) { return "OPN000515256" + zeros.substr(2) + "0x"; }, 6, "Invalid data: 0x"},
+        {[](const std::string&) { return "OPN011x"; }, 6,
+         "Buffer does not have enough data (requested: 3, available: 1)"},
+        {[](const std::string&) { return "OPN00"; }, 12, "Unrecognized response"},
+        {[](const std::string&) { return "GIN000"; }, 12, "(OPN) Invalid RSP_ID: GIN"},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, kOldKey.data()));
+        answer(link, row.respond);
+        EXPECT_RAISES(row.code, row.detail, abecs_cmd_opn(link.comm, true));
+        EXPECT_TRUE(holds(link, std::string(kOldKey.begin(), kOldKey.end()))) << row.detail;
+    }
+}
+
+TEST(Opn, NeedsALink) {
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL", abecs_cmd_opn(nullptr, false));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL", abecs_cmd_opn(nullptr, true));
+    const support::ReturningRaises handler;
+    EXPECT_EQ(abecs_cmd_opn(nullptr, true), ABECS_RSP_STAT_ST_INTERR);
+}
+
+}  // namespace

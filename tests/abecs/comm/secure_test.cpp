@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/comm/secure.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "quorvel/kor/exception.h"
+#include "tests/support/link.h"
+#include "tests/support/packets.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+using support::Packet;
+
+// Session key 00 01 .. 0F; the enciphered bytes and frame CRCs come from the openssl program.
+constexpr std::array<uint8_t, 16> kKey{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+
+void set_key(Link& link) { EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, kKey.data())); }
+
+std::string read_raw(Link& link, const std::string& response) {
+    link.peer.send(response);
+    const Packet packet;
+    EXPECT_NO_RAISE(static_cast<void>(abecs_comm_read_packet(link.comm, packet.get())));
+    return packet.take();
+}
+
+TEST(SecureChannel, EnciphersCommandsWithTheirPadding) {
+    const struct {
+        const char* name;
+        std::string plain;
+        std::string sealed;
+        uint16_t crc;
+    } rows[] = {
+        {"four bytes of padding", "GIN00200", "B77D14F3 6CF7E650 2B922EE6 C135B0F1"_hex, 0x21B9},
+        {"one byte of padding", "ABC12345678", "ED0EA0F9 0A717D0E 624AAF95 1BC1315F"_hex, 0x5A66},
+        {"a whole block of padding", "GIX006" + "0001 0002 8001"_hex,
+         "939936B4 25C89CCC 88D75E3B B37AAF5D 7537EAE4 B0420730 AF4DD001 5000228C"_hex, 0x8162},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        set_key(link);
+        link.peer.expect(support::encrypted_frame(row.sealed, row.crc)).send("06"_hex);
+        const Packet packet(row.plain);
+        EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet.get())) << row.name;
+    }
+}
+
+TEST(SecureChannel, EachPacketBeginsAFreshChainAndANakRepeatsTheBytes) {
+    Link link;
+    set_key(link);
+    const std::string sealed = support::encrypted_frame("B77D14F36CF7E6502B922EE6C135B0F1"_hex, 0x21B9);
+    link.peer.expect(sealed).send("15"_hex).expect(sealed).send("06"_hex).expect(sealed).send("06"_hex);
+    for (int i = 0; i < 2; ++i) {
+        const Packet packet("GIN00200");
+        EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet.get()));
+    }
+}
+
+TEST(SecureChannel, OpnTravelsPlain) {
+    Link link;
+    set_key(link);
+    link.peer.request("OPN");
+    const Packet packet("OPN");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet.get()));
+    EXPECT_TRUE(link.comm->keySet);
+}
+
+TEST(SecureChannel, ClosingGoesEncipheredAndEndsTheSession) {
+    Link link;
+    set_key(link);
+    link.peer
+        .encrypted_request(
+            "4D1068AD97E8779FA16448D2AC874E180E28D1EC5B2E1FCFB0CFD97D515D4D6A8A5F29DD8F163C42EB133280197F8098"_hex)
+        .request("GIN00200");
+    const Packet close("CLO032BYE                             ");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, close.get()));
+    EXPECT_FALSE(link.comm->keySet);
+    EXPECT_EQ(link.comm->key, (std::array<uint8_t, 16>{}));
+    const Packet next("GIN00200");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, next.get()));
+}
+
+TEST(SecureChannel, DeciphersResponses) {
+    Link link;
+    set_key(link);
+    EXPECT_EQ(read_raw(link, support::encrypted_frame(
+                                 "D8E9CE990FD5E9A8E012873B064CE4DDA6CA21DAC4C3356C97B3C8D4994A2E557106902CDF4E6128F65E"
+                                 "6BE8FD945F4881B73CCE84791E70468A18F71A6EF46E"_hex,
+                                 0x93D3)),
+              "GIN000042ACQUIRER            BBBBBBBBBBBB CCC DD 99");
+    EXPECT_EQ(read_raw(link, support::encrypted_frame("ECE1BDBDAB797287876EFD4C4B271F69"_hex, 0x518B)), "GIN011");
+    EXPECT_EQ(read_raw(link, support::encrypted_frame(
+                                 "ECE1BDBDAB797287876EFD4C4B271F6989809C087A55368FC0496B8F6672AAF6"_hex)),
+              "GIN011")
+        << "more padding than needed";
+    EXPECT_EQ(read_raw(link, support::frame("GIN011")), "GIN011") << "a plain response is taken in a session too";
+}
+
+TEST(SecureChannel, WithoutAKeyAnEncipheredResponseStaysAsItIs) {
+    Link link;
+    const std::string sealed = "ECE1BDBDAB797287876EFD4C4B271F69"_hex;
+    EXPECT_EQ(read_raw(link, support::encrypted_frame(sealed)), sealed);
+    link.peer.send(support::encrypted_frame(sealed + "x"));
+    const Packet packet;
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed encrypted response",
+                  abecs_comm_read_packet(link.comm, packet.get()));
+}
+
+TEST(SecureChannel, RefusesMalformedResponses) {
+    const struct {
+        std::string sealed;
+        const char* detail;
+    } rows[] = {
+        {std::string(17, 'x'), "Malformed encrypted response"},
+        {"D76D38BAEDAED7D0A45863653A41240F"_hex, "Malformed encrypted response (caused by Invalid DATACRC)"},
+        {"661AE9A4157DFC6E9827498BD2ACA169"_hex,
+         "Malformed encrypted response (caused by Encrypted packet is not complete)"},
+        {"", "Malformed encrypted response (caused by [KOR_RESULT_ILLEGAL_ARGUMENT] 'len' is zero)"},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        set_key(link);
+        link.peer.send(support::encrypted_frame(row.sealed));
+        const Packet packet;
+        EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, row.detail, abecs_comm_read_packet(link.comm, packet.get()));
+        EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+    }
+}
+
+// Removing the PAN key takes the session key's bytes, not its flag: the session goes on under a key of zeros.
+TEST(SecureChannel, RemovingThePanKeyZeroesTheSessionKey) {
+    Link link;
+    set_key(link);
+    EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, nullptr));
+    link.peer.expect(support::encrypted_frame("33145BC2987C78FC1D6D70764D44522A"_hex, 0xD2D3)).send("06"_hex);
+    const Packet packet("GIN00200");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet.get()));
+}
+
+TEST(SecureChannel, ACommandTooLongToEncipherIsRefused) {
+    Link link;
+    set_key(link);
+    const Packet packet("ABC" + std::string(2038, 'x'));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  abecs_comm_send_packet(link.comm, packet.get()));
+}
+
+}  // namespace
