@@ -18,7 +18,7 @@ demand 'a stack that is not executable' "$segments" 'GNU_STACK.* RW  '
 demand 'binding at load time' "$dynamic" 'BIND_NOW|FLAGS_1.*NOW'
 demand 'the stack protector' "$undefined" '__stack_chk_fail'
 if [ -n "$fortified" ]; then
-    for name in __longjmp_chk __snprintf_chk __vsnprintf_chk; do
+    for name in __longjmp_chk __vsnprintf_chk; do
         demand "fortified calls ($name)" "$undefined" "$name"
     done
 fi
