@@ -29,7 +29,9 @@ void convert(char* out, const char* in, char (*to)(char)) {
 }
 
 // False when there is nowhere to copy to.
-bool copy_unless_same(char* to, const char* from) { return to == from || kor_string_copy(to, from) != nullptr; }
+bool copy_unless_same(char* to, const char* from) {
+    return (to != nullptr && to == from) || kor_string_copy(to, from) != nullptr;
+}
 
 }  // namespace
 
