@@ -9,6 +9,7 @@
 #include "crypt/registry.h"
 #include "quorvel/crypt/aes.h"
 #include "quorvel/crypt/des.h"
+#include "quorvel/crypt/init.h"
 #include "quorvel/crypt/tdes.h"
 #include "tests/crypt/wiped.h"
 #include "tests/support/malloc/failing_malloc.h"
@@ -108,10 +109,6 @@ const std::vector<Vector>& vectors() {
          "2079C3D53AA763E193B79E2569AB5262516570481F25B50F73C0BDA85C8E0DA7"_hex,
          "714772F339841D34A66687569156F45A6D6A8D866556D3496182CFB8DFFF20BB"_hex},
         {kTdes, "0123456789ABCDEF 23456789ABCDEF01"_hex, kNist,
-         "06EDE3D82884090AFF322C19F0518486730576972A666E58B6C88CF107340D3D"_hex, "F69F2445DF4F9B17"_hex,
-         "7401CE1EAB6D003CAFF84BF47B36CC2154F0238F9FFECD8F6ACF118392B45581"_hex,
-         "06EDE3D82884090A3B7BBD1FC1AD476F999E82F23BF0C275F732226BE8529B13"_hex},
-        {kTdes, "0123456789ABCDEF 23456789ABCDEF01 0123456789ABCDEF"_hex, kNist,
          "06EDE3D82884090AFF322C19F0518486730576972A666E58B6C88CF107340D3D"_hex, "F69F2445DF4F9B17"_hex,
          "7401CE1EAB6D003CAFF84BF47B36CC2154F0238F9FFECD8F6ACF118392B45581"_hex,
          "06EDE3D82884090A3B7BBD1FC1AD476F999E82F23BF0C275F732226BE8529B13"_hex},
@@ -237,6 +234,7 @@ TEST(AesCipher, DeletingLeavesNoByteOfTheKey) {
 
 TEST(AesCipher, NoMemory) {
     const uint8_t key[16]{};
+    EXPECT_NO_RAISE(crypt_init());  // so that the frame of the try block is there before the count begins
     const support::FailingMalloc failing(1);
     EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", crypt_aes_cipher_new(key, sizeof key));
     EXPECT_TRUE(failing.failed());

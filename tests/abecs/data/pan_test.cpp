@@ -86,6 +86,7 @@ TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
         {"an enciphered blank", "82EBF16D3FB6C5E6=2512", "411111 111111111=2512"},
         {"a blank where filling could stand", "C78F8B49D961553E=2512", "4222222222222 12=2512"},
         {"F elsewhere stays", "08557B4443400BD1=2512", "F411111111111111=2512"},
+        {"also just before where filling can stand", "B871D0E905BFF1F3=2512", "411111111111F111=2512"},
         {"deciphers to no number", "4C0A11BF17AA5804=2512", "4C0A11BF17AA5804=2512"},
         {"separator at 10", "F0157C5DA1=2512F0157C5DA1787BED", "F0157C5DA1=2512F0157C5DA1787BED"},
         {"separator at 15", "0157C5DA1787BED=2512", "0157C5DA1787BED=2512"},
