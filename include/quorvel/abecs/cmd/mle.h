@@ -1,0 +1,23 @@
+/* SPDX-License-Identifier: MIT */
+/* Copyright (c) 2026 the quorvel authors */
+#ifndef QUORVEL_ABECS_CMD_MLE_H
+#define QUORVEL_ABECS_CMD_MLE_H
+
+#include <stdint.h>
+
+#include "quorvel/abecs/comm.h"
+#include "quorvel/kor/defs.h"
+
+KOR_BEGIN_DECLS
+
+/*
+ * MLE: ends the load of a media file; the PIN pad checks what it got against what MLI announced. Returns RSP_STAT.
+ *
+ * ILLEGAL_ARGUMENT "'pinpad' is NULL"; PROTOCOL_ERROR for an answer under six bytes or of another command; and what the
+ * link raises.
+ */
+KOR_API int32_t abecs_cmd_mle(AbecsComm* pinpad);
+
+KOR_END_DECLS
+
+#endif
