@@ -27,7 +27,8 @@ using kor::raise;
 
 namespace {
 
-constexpr int64_t kMillisPerTenth = 100;
+constexpr int64_t kNanosPerTenth = 100'000'000;
+constexpr int64_t kNanosPerMilli = 1'000'000;
 
 constexpr std::array<const char*, 3> kLinuxPortNames{"ttyS", "ttyUSB", "ttyACM"};
 
@@ -94,10 +95,10 @@ void change_settings(const KorSerial* handle, Change&& change) {
     }
 }
 
-int64_t monotonic_millis() {
+int64_t monotonic_nanos() {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+    return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
 }
 
 // How long a read waits, in tenths of a second; -1 when the port was never told, so that read() itself decides.
@@ -114,10 +115,10 @@ enum class Wait { kInput, kHungUp, kExpired };
 // that under a fast interval timer it would never expire.
 Wait wait_for_input(int fd, int tenths) {
     if (tenths < 0) { return Wait::kInput; }
-    const int64_t deadline = monotonic_millis() + tenths * kMillisPerTenth;
-    for (int64_t left = tenths * kMillisPerTenth;; left = std::max<int64_t>(deadline - monotonic_millis(), 0)) {
+    const int64_t deadline = monotonic_nanos() + tenths * kNanosPerTenth;
+    for (int64_t left = tenths * kNanosPerTenth;; left = std::max<int64_t>(deadline - monotonic_nanos(), 0)) {
         pollfd input{fd, POLLIN, 0};
-        const int ready = poll(&input, 1, static_cast<int>(left));
+        const int ready = poll(&input, 1, static_cast<int>((left + kNanosPerMilli - 1) / kNanosPerMilli));
         if (ready == 0) { return Wait::kExpired; }
         if (ready > 0) { return (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput; }
         if (errno != EINTR) { return Wait::kInput; }

@@ -259,6 +259,22 @@ TEST_P(InterruptedSerial, WriteSendsEverythingOnce) {
     EXPECT_GT(seen, 5);
 }
 
+TEST_P(InterruptedSerial, WriteWaitsOutTheDrain) {
+    // So often that some signals come during a drain, which is short.
+    constexpr size_t kBytes = 20'000;
+    std::string received;
+    std::thread far([&] { received = line.received(kBytes); });
+    {
+        const Signals signals(GetParam(), 30us);
+        const auto write_each = [&] {
+            for (size_t i = 0; i < kBytes; ++i) { kor_serial_write_byte(port, 'x'); }
+        };
+        EXPECT_NO_RAISE(write_each());
+    }
+    far.join();
+    EXPECT_EQ(received.size(), kBytes);
+}
+
 INSTANTIATE_TEST_SUITE_P(Signals, InterruptedSerial, testing::Values(0, SA_RESTART),
                          [](const auto& test) { return test.param == 0 ? "Interrupting" : "Restarting"; });
 

@@ -4,15 +4,16 @@
 #define QUORVEL_TESTS_CORE_SIGNALS_H
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <ctime>
 #include <unistd.h>
 
-// While one lives, SIGALRM interrupts the thread that made it every few milliseconds.
+// While one lives, SIGALRM interrupts the thread that made it, again and again.
 class Signals {
 public:
     // `flags` are those of sigaction: 0 or SA_RESTART.
-    explicit Signals(int flags) {
+    explicit Signals(int flags, std::chrono::microseconds period = std::chrono::milliseconds(3)) {
         count = 0;
         struct sigaction action {};
         action.sa_handler = [](int) { ++count; };
@@ -23,7 +24,8 @@ public:
         event.sigev_signo = SIGALRM;
         event._sigev_un._tid = gettid();
         timer_create(CLOCK_MONOTONIC, &event, &timer_);
-        const itimerspec often{{0, 3'000'000}, {0, 3'000'000}};
+        const timespec pause{0, static_cast<long>(std::chrono::nanoseconds(period).count())};
+        const itimerspec often{pause, pause};
         timer_settime(timer_, 0, &often, nullptr);
     }
     ~Signals() {
