@@ -68,10 +68,8 @@ TEST(Open, SetsTheLineTo19200BaudAndEightPlainBits) {
 TEST(Open, ThatFailsLeavesNothingBehind) {
     Peer silent;
     Peer refusing;
-    Peer unplugged;
     silent.expect(kCan).expect(kCan).expect(kCan);
     refusing.expect(kCan).send(kNak).expect(kCan).send(kNak).expect(kCan).send(kNak);
-    unplugged.expect(kCan).hang_up();
     const std::string nothing = "/dev/nothing-here";
     const struct {
         std::string path;
@@ -79,7 +77,6 @@ TEST(Open, ThatFailsLeavesNothingBehind) {
     } rows[] = {
         {nothing, support::error(KOR_RESULT_FILE_NOT_FOUND, "No such port: " + nothing)},
         {"/dev/null", support::error(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25")},
-        {unplugged.path(), support::error(KOR_RESULT_IO_ERROR, "read() error: 5")},
         {refusing.path(), support::error(KOR_RESULT_IO_ERROR, "Communication error while sending CAN")},
         {silent.path(), support::error(KOR_RESULT_IO_ERROR, "Communication error while sending CAN")},
     };
@@ -88,9 +85,19 @@ TEST(Open, ThatFailsLeavesNothingBehind) {
         AbecsComm* comm = nullptr;
         EXPECT_EQ(raised_by([&] { comm = abecs_comm_open(row.path.c_str()); }), row.error) << row.path;
         EXPECT_EQ(comm, nullptr);
-        // The unplugged peer has closed its own descriptor in between.
-        EXPECT_EQ(open_files(), before - (row.path == unplugged.path() ? 1 : 0)) << row.path;
+        EXPECT_EQ(open_files(), before) << row.path;
     }
+}
+
+// Which call on the port meets the hang-up first is a matter of chance.
+TEST(Open, OfALineThatHangsUpLeavesNothingBehind) {
+    Peer peer;
+    peer.expect(kCan).hang_up();
+    const size_t before = open_files();
+    AbecsComm* comm = nullptr;
+    EXPECT_EQ(raised_by([&] { comm = abecs_comm_open(peer.path().c_str()); }).code, KOR_RESULT_IO_ERROR);
+    EXPECT_EQ(comm, nullptr);
+    EXPECT_EQ(open_files(), before - 1);  // less the peer's own, now closed
 }
 
 TEST(Open, ThatFailsOutsideATryBlockGivesNoHandle) {
