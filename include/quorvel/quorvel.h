@@ -26,8 +26,9 @@
  *    A field's width is what travels on the line.
  * 7. Byte order arguments: 0 is big-endian, any other value little-endian.
  * 8. Threads: none are started and nothing is guarded. Use the library from one thread at a time.
- * 9. Only the link handle keeps secrets: its session key and PAN working key, overwritten when they are removed as
- *    documented there and when it is closed.
+ * 9. Secrets. The link handle (session key, PAN working key), cipher and RSA key objects overwrite what they keep when
+ *    they end; the functions overwrite their work areas before they return. The texts that the abecs_pan_* functions
+ *    return hold clear card numbers until the next call of the same function.
  */
 
 #include "quorvel/abecs/cmd/builder.h"
