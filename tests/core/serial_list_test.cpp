@@ -10,6 +10,7 @@
 #include "tests/core/line.h"
 #include "tests/core/owned.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 
 namespace {
@@ -86,6 +87,30 @@ TEST(SerialList, WithoutTheDirectoryThereIsNothing) {
     for (const std::string& path : {dir / "missing/", dir.file("file")}) {
         EXPECT_NO_RAISE(kor::list_serial_ports(path.c_str(), out));
         EXPECT_EQ(kor_string_list_size(out), 0U);
+    }
+}
+
+TEST(SerialList, ExhaustionKeepsNothingOpenOrAllocated) {
+    const Line line;
+    const TempDir dir;
+    dir.link("ttyS0", line.path());
+    const std::string directory = dir / "";
+    const List out(kor_string_list_new());
+    // What is made once and kept is made here: the expression and the frames.
+    EXPECT_NO_RAISE(kor::list_serial_ports(directory.c_str(), out));
+    kor_string_list_clear(out);
+    const size_t descriptors = open_descriptors();
+    for (size_t n = 1;; ++n) {
+        const support::FailingMalloc failing(n);
+        const support::Raised raised = support::raised_by([&] { kor::list_serial_ports(directory.c_str(), out); });
+        const bool listed = kor_string_list_size(out) == 1;
+        kor_string_list_clear(out);
+        EXPECT_EQ(failing.kept(), 0U) << "allocation " << n;
+        EXPECT_EQ(open_descriptors(), descriptors) << "allocation " << n;
+        EXPECT_EQ(listed, !failing.failed()) << "allocation " << n;
+        if (!failing.failed()) { break; }
+        // The port's own handle is the exception: what cannot be opened is left out.
+        if (raised.code != KOR_RESULT_OK) { EXPECT_EQ(raised, support::error(KOR_RESULT_MALLOC_ERROR, "")); }
     }
 }
 
