@@ -20,9 +20,9 @@ KOR_BEGIN_DECLS
  *
  * ILLEGAL_ARGUMENT, in this order and before anything is sent: "'pinpad' is NULL"; "'records' is NULL"; "'records' is
  * too big (maximum: %d, requested: %d)"; from the first record on "Invalid record (caused by %s)", a text without the
- * code's name in front, and "Duplicate key (TAB_ID: %d, TAB_ACQ: %02d, TAB_RECIDX: %s)"; "Too many records (maximum:
- * %zu, requested: %zu)". MALLOC_ERROR. PROTOCOL_ERROR for an answer under six bytes or "Invalid RSP_ID (expected %s,
- * read: %s)"; and what the link raises.
+ * code's name in front that any fault in between ends in, and "Duplicate key (TAB_ID: %d, TAB_ACQ: %02d, TAB_RECIDX:
+ * %s)"; "Too many records (maximum: %zu, requested: %zu)". PROTOCOL_ERROR for an answer under six bytes or "Invalid
+ * RSP_ID (expected %s, read: %s)"; MALLOC_ERROR; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_tlr(AbecsComm* pinpad, const char* records);
 

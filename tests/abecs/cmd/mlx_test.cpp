@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/mlx.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+#include "quorvel/kor/exception.h"
+#include "tests/support/link.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+namespace fs = std::filesystem;
+
+// Every byte value, and no two blocks alike.
+std::string content(size_t size) {
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i) { bytes[i] = static_cast<char>(i * 7 + (i >> 8)); }
+    return bytes;
+}
+
+// MLI for "logo" of type 1.
+std::string announcement(const std::string& sizeAndCrc) {
+    return "MLI026" + "001E 0008"_hex + "LOGO    " + "001F 000A"_hex + sizeAndCrc + "01 000000"_hex;
+}
+
+class Mlx : public testing::Test {
+protected:
+    Mlx() {
+        std::string pattern = (fs::temp_directory_path() / "quorvel-mlx-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) { throw std::runtime_error("mkdtemp"); }
+        directory_ = pattern;
+        path_ = (directory_ / "file").string();
+    }
+    ~Mlx() override { fs::remove_all(directory_); }
+
+    void write(const std::string& bytes) { std::ofstream(path_, std::ios::binary) << bytes; }
+
+    // The descriptor under which this program has the file open, or -1.
+    [[nodiscard]] int descriptor() const {
+        for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+            std::error_code gone;
+            if (fs::read_symlink(entry, gone) == path_) { return std::stoi(entry.path().filename()); }
+        }
+        return -1;
+    }
+
+    void expect_blocks(const std::string& bytes) {
+        for (size_t at = 0; at < bytes.size(); at += 995) {
+            const std::string block = bytes.substr(at, 995);
+            const size_t size = block.size();
+            std::string length = std::to_string(size + 4);
+            length.insert(0, 3 - length.size(), '0');
+            const std::string head{0, 0x0F, static_cast<char>(size >> 8), static_cast<char>(size & 0xFF)};
+            link_.peer.request("MLR" + length + head + block).response("MLR000");
+        }
+    }
+
+    // Acknowledges `request` and answers it once `act` is done, while the host waits.
+    void answer_after(const std::string& request, const std::string& response, const std::function<void()>& act) {
+        link_.peer.reply(support::frame(request).size(), [=](const std::string& received) {
+            act();
+            EXPECT_EQ(received, support::frame(request));
+            return "\x06" + support::frame(response);
+        });
+    }
+
+    void upload() { link_.call(abecs_cmd_mlx)(path_.c_str(), "logo", 1); }
+
+    fs::path directory_;
+    std::string path_;
+    Link link_;
+};
+
+TEST_F(Mlx, SendsFilesInBlocksOf995) {
+    const struct {
+        size_t size;
+        std::string sizeAndCrc;
+    } rows[] = {
+        {0, "00000000 0000"_hex},   {1, "00000001 0000"_hex},    {995, "000003E3 54C9"_hex},
+        {996, "000003E4 642A"_hex}, {5000, "00001388 5780"_hex},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.size);
+        write(content(row.size));
+        link_.peer.request(announcement(row.sizeAndCrc)).response("MLI000");
+        expect_blocks(content(row.size));
+        link_.peer.request("MLE").response("MLE000");
+        upload();
+        EXPECT_EQ(descriptor(), -1);
+    }
+}
+
+TEST_F(Mlx, CrcOfAFile) {
+    const struct {
+        std::string bytes;
+        uint16_t crc;
+    } rows[] = {{"", 0}, {"123456789", 0x31C3}, {content(512), 0xD22E}, {content(1024), 0x9404}, {"\xFF", 0x1EF0}};
+    for (const auto& row : rows) {
+        write(row.bytes);
+        uint16_t crc = 1;
+        EXPECT_NO_RAISE(crc = abecs_cmd_mlx_crc16(path_.c_str()));
+        EXPECT_EQ(crc, row.crc) << row.bytes.size();
+        EXPECT_EQ(descriptor(), -1);
+    }
+}
+
+TEST_F(Mlx, AStatusOtherThanZeroEndsTheLoad) {
+    write(content(996));
+    const std::string first = "MLR999" + "000F 03E3"_hex + content(995);
+    const struct {
+        std::array<const char*, 4> responses;
+        const char* detail;
+    } rows[] = {
+        {{"MLI011"}, "MLI returned ABECS_RSP_STAT_ST_INVPARM"},
+        {{"ERR010"}, "MLI returned ABECS_RSP_STAT_ST_INVCALL"},
+        {{"MLI000", "MLR102"}, "MLR returned ABECS_RSP_STAT_ST_MFERR"},
+        {{"MLI000", "MLR000", "MLR040"}, "MLR returned ABECS_RSP_STAT_ST_INTERR"},
+        {{"MLI000", "MLR000", "MLR000", "MLE101"}, "MLE returned ABECS_RSP_STAT_ST_MFERRFMT"},
+    };
+    const std::array requests{announcement("000003E4 642A"_hex), first, "MLR005" + "000F 0001"_hex + content(996)[995],
+                              std::string("MLE")};
+    for (const auto& row : rows) {
+        for (size_t i = 0; i < requests.size() && row.responses[i] != nullptr; ++i) {
+            link_.peer.request(requests[i]).response(row.responses[i]);
+        }
+        EXPECT_RAISES(6, row.detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+        EXPECT_EQ(descriptor(), -1) << row.detail;
+    }
+}
+
+TEST_F(Mlx, AFileThatShrinksEndsTheLoad) {
+    write(content(5000));
+    answer_after(announcement("00001388 5780"_hex), "MLI000", [this] { fs::resize_file(path_, 4990); });
+    expect_blocks(content(4990));
+    EXPECT_RAISES(2, "'szData' is zero", abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+    EXPECT_EQ(descriptor(), -1);
+}
+
+TEST_F(Mlx, OfAFileThatGrowsOnlyWhatWasAnnouncedIsSent) {
+    write(content(996));
+    answer_after(announcement("000003E4 642A"_hex), "MLI000", [this] { fs::resize_file(path_, 10000); });
+    expect_blocks(content(996));
+    link_.peer.request("MLE").response("MLE000");
+    upload();
+}
+
+// The descriptor is taken away under the library, so that reading and closing fail.
+TEST_F(Mlx, AFailingCloseDoesNotHideTheErrorBeforeIt) {
+    const auto closed = [this] { EXPECT_EQ(close(descriptor()), 0); };
+    const char* path = path_.c_str();
+    write(content(5000));
+    answer_after(announcement("00001388 5780"_hex), "MLI011", closed);
+    EXPECT_RAISES(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM", abecs_cmd_mlx(link_.comm, path, "logo", 1));
+    answer_after(announcement("00001388 5780"_hex), "XYZ000", closed);
+    EXPECT_RAISES(12, "(MLI) Invalid RSP_ID: XYZ)", abecs_cmd_mlx(link_.comm, path, "logo", 1));
+    answer_after(announcement("00001388 5780"_hex), "MLI000", closed);
+    EXPECT_RAISES(6, "fread() error: 9", abecs_cmd_mlx(link_.comm, path, "logo", 1));
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+}
+
+TEST_F(Mlx, AFailingCloseIsAnErrorOfItsOwn) {
+    write("");
+    link_.peer.request(announcement("00000000 0000"_hex)).response("MLI000");
+    answer_after("MLE", "MLE000", [this] { EXPECT_EQ(close(descriptor()), 0); });
+    EXPECT_RAISES(6, "fclose() error: 9", abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+}
+
+TEST_F(Mlx, RefusesWhatCannotBeSent) {
+    const char* path = path_.c_str();
+    const char* missing = "'to' and 'format' points to the same buffer";
+    EXPECT_RAISES(2, "'pinpad' is NULL", abecs_cmd_mlx(nullptr, nullptr, nullptr, 1));
+    EXPECT_RAISES(2, "'path' is NULL", abecs_cmd_mlx(link_.comm, nullptr, nullptr, 1));
+    EXPECT_RAISES(2, missing, abecs_cmd_mlx(link_.comm, path, nullptr, 1));
+    EXPECT_RAISES(2, "'path' is NULL", abecs_cmd_mlx_crc16(nullptr));
+    EXPECT_RAISES(2, missing, abecs_cmd_mlx_crc16(path));
+    EXPECT_RAISES(6, "fread() error: 21", abecs_cmd_mlx(link_.comm, directory_.c_str(), "logo", 1));
+    EXPECT_RAISES(6, "fread() error: 21", abecs_cmd_mlx_crc16(directory_.c_str()));
+    write("x");
+    EXPECT_RAISES(2, "'filename' is empty", abecs_cmd_mlx(link_.comm, path, "", 1));
+    EXPECT_RAISES(2, "'filename' is too long (max: 8, requested: 9)", abecs_cmd_mlx(link_.comm, path, "NINECHARS", 1));
+    EXPECT_EQ(descriptor(), -1);
+}
+
+TEST_F(Mlx, RefusesFilesWhoseSizeDoesNotFit) {
+    write("");
+    for (const auto& [size, shown] : {std::pair{uintmax_t{1} << 32, "4294967296"}, {0x1400000001, "85899345921"}}) {
+        fs::resize_file(path_, size);
+        const std::string detail = "File (" + path_ + ") is too big (max: 4294967295, req: " + shown + ")";
+        EXPECT_RAISES(6, detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+        EXPECT_EQ(descriptor(), -1);
+    }
+}
+
+TEST_F(Mlx, RaisesOnceWhenTheRaiseReturns) {
+    write("x");
+    link_.peer.request(announcement("00000001 FF9F"_hex)).response("MLI011");
+    const char* path = path_.c_str();
+    const support::ReturningRaises handler;
+    abecs_cmd_mlx(nullptr, path, "logo", 1);
+    abecs_cmd_mlx(link_.comm, nullptr, "logo", 1);
+    abecs_cmd_mlx(link_.comm, path, nullptr, 1);
+    abecs_cmd_mlx(link_.comm, path, "logo", 1);
+    EXPECT_EQ(abecs_cmd_mlx_crc16(nullptr), 0);
+    EXPECT_EQ(abecs_cmd_mlx_crc16("/"), 0);
+    ASSERT_EQ(handler.all().size(), 6U);
+    EXPECT_EQ(handler.all()[2], support::error(2, "'filename' is NULL"));
+    EXPECT_EQ(handler.all()[3], support::error(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
+    EXPECT_EQ(descriptor(), -1);
+}
+
+}  // namespace
