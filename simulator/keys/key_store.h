@@ -3,17 +3,16 @@
 #ifndef QUORVEL_SIMULATOR_KEYS_KEY_STORE_H
 #define QUORVEL_SIMULATOR_KEYS_KEY_STORE_H
 
-#include <array>
-#include <cstdint>
 #include <map>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <tuple>
 
 #include "simulator/bytes.h"
+#include "simulator/keys/dukpt.h"
 
 namespace quorvel::sim {
-
-using Ksn = std::array<uint8_t, 10>;
 
 enum class KeyStrength { des, tdes };
 enum class KeyUse { pin, data };
@@ -29,14 +28,40 @@ class KeyStore {
 public:
     // 8 bytes for DES, 16 for triple DES; none when there is no key at the index.
     [[nodiscard]] std::optional<Bytes> master(KeyStrength strength, KeyUse use, int index) const;
+    // A working key, in clear again, that came enciphered under the master key.
+    [[nodiscard]] std::optional<Bytes> working(KeyStrength strength, KeyUse use, int index, ByteView enciphered) const;
+    // Throws std::invalid_argument for a key or an index that the store has no room for, as set_dukpt() does.
     void set_master(KeyStrength strength, KeyUse use, int index, Bytes key);
 
     // The key of the next transaction; counts the serial number on. None when there is no key at the index, or when it
     // has served all its transactions.
     [[nodiscard]] std::optional<DukptKey> next_dukpt(KeyStrength strength, KeyUse use, int index);
-    // The serial number without counting on.
+    // The serial number without counting on: that of the last transaction.
     [[nodiscard]] std::optional<Ksn> ksn(KeyStrength strength, KeyUse use, int index) const;
     void set_dukpt(KeyStrength strength, KeyUse use, int index, Bytes initialKey, const Ksn& ksn);
+
+    // A digit for each index, '1' where there is a key.
+    [[nodiscard]] std::string master_map(KeyStrength strength, KeyUse use) const;
+    [[nodiscard]] std::string dukpt_map(KeyStrength strength, KeyUse use) const;
+
+    // With keys that have been published as test keys.
+    [[nodiscard]] static KeyStore standard();
+
+    // From tables like the following, of keys for tests only. Throws std::runtime_error with what is wrong and where.
+    //
+    //     [[master]]
+    //     strength = "tdes"  # or "des"
+    //     use = "data"       # or "pin"
+    //     index = 0
+    //     key = "0123456789ABCDEFFEDCBA9876543210"
+    //
+    //     [[dukpt]]          # the same, and the serial number to begin from
+    //     strength = "tdes"
+    //     use = "pin"
+    //     index = 5
+    //     base_key = "0123456789ABCDEFFEDCBA9876543210"  # or initial_key
+    //     ksn = "FFFF9876543210E00000"
+    [[nodiscard]] static KeyStore from_toml(std::string_view text);
 
 private:
     using Slot = std::tuple<KeyStrength, KeyUse, int>;

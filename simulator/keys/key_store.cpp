@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/keys/key_store.h"
+
+#include <fmt/format.h>
+#include <stdexcept>
+#include <utility>
+
+#include "simulator/keys/block_cipher.h"
+#include "simulator/keys/hex.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr int slotCount = 100;
+
+constexpr std::string_view keyA = "0123456789ABCDEFFEDCBA9876543210";
+constexpr std::string_view keyB = "FEDCBA98765432100123456789ABCDEF";
+constexpr Ksn firstKsn{0xFF, 0xFF, 0x98, 0x76, 0x54, 0x32, 0x10, 0xE0, 0x00, 0x00};
+
+constexpr size_t key_size(KeyStrength strength) { return (strength == KeyStrength::des ? 1 : 2) * blockSize; }
+
+void require_room(KeyStrength strength, int index, const Bytes& key) {
+    if (index < 0 || index >= slotCount) throw std::invalid_argument(fmt::format("index {}", index));
+    if (key.size() != key_size(strength)) {
+        throw std::invalid_argument(fmt::format("a key of {} bytes instead of {}", key.size(), key_size(strength)));
+    }
+}
+
+template <typename Value>
+std::optional<Value> find(const std::map<std::tuple<KeyStrength, KeyUse, int>, Value>& values, KeyStrength strength,
+                          KeyUse use, int index) {
+    const auto found = values.find({strength, use, index});
+    if (found == values.end()) return std::nullopt;
+    return found->second;
+}
+
+template <typename Value>
+std::string digits(const std::map<std::tuple<KeyStrength, KeyUse, int>, Value>& values, KeyStrength strength,
+                   KeyUse use) {
+    std::string text(slotCount, '0');
+    for (int i = 0; i < slotCount; ++i) {
+        if (values.contains({strength, use, i})) text[static_cast<size_t>(i)] = '1';
+    }
+    return text;
+}
+
+}  // namespace
+
+std::optional<Bytes> KeyStore::master(KeyStrength strength, KeyUse use, int index) const {
+    return find(masters_, strength, use, index);
+}
+
+std::optional<Bytes> KeyStore::working(KeyStrength strength, KeyUse use, int index, ByteView enciphered) const {
+    const auto key = master(strength, use, index);
+    if (!key) return std::nullopt;
+    return decipher(*key, enciphered);
+}
+
+void KeyStore::set_master(KeyStrength strength, KeyUse use, int index, Bytes key) {
+    require_room(strength, index, key);
+    masters_[{strength, use, index}] = std::move(key);
+}
+
+std::optional<DukptKey> KeyStore::next_dukpt(KeyStrength strength, KeyUse use, int index) {
+    const auto found = dukpt_.find({strength, use, index});
+    if (found == dukpt_.end()) return std::nullopt;
+    DukptKey& stored = found->second;
+    const auto ksn = dukpt::next(stored.ksn);
+    if (!ksn) return std::nullopt;
+    stored.ksn = *ksn;
+    const Bytes key = dukpt::transaction_key(stored.key, *ksn);
+    return DukptKey{use == KeyUse::pin ? dukpt::pin_key(key) : dukpt::data_key(key), *ksn};
+}
+
+std::optional<Ksn> KeyStore::ksn(KeyStrength strength, KeyUse use, int index) const {
+    const auto found = find(dukpt_, strength, use, index);
+    if (!found) return std::nullopt;
+    return found->ksn;
+}
+
+void KeyStore::set_dukpt(KeyStrength strength, KeyUse use, int index, Bytes initialKey, const Ksn& ksn) {
+    require_room(strength, index, initialKey);
+    dukpt_[{strength, use, index}] = {std::move(initialKey), ksn};
+}
+
+std::string KeyStore::master_map(KeyStrength strength, KeyUse use) const { return digits(masters_, strength, use); }
+
+std::string KeyStore::dukpt_map(KeyStrength strength, KeyUse use) const { return digits(dukpt_, strength, use); }
+
+KeyStore KeyStore::standard() {
+    KeyStore store;
+    for (const KeyStrength strength : {KeyStrength::des, KeyStrength::tdes}) {
+        const size_t size = key_size(strength);
+        Bytes initialKey = dukpt::initial_key(from_hex(keyA), firstKsn);
+        initialKey.resize(size);
+        for (const KeyUse use : {KeyUse::pin, KeyUse::data}) {
+            store.set_master(strength, use, 0, from_hex(keyA.substr(0, 2 * size)));
+            store.set_master(strength, use, 1, from_hex(keyB.substr(0, 2 * size)));
+            store.set_dukpt(strength, use, 0, initialKey, firstKsn);
+        }
+    }
+    return store;
+}
+
+}  // namespace quorvel::sim
