@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/chp.h"
+
+#include <cstring>
+
+#include "abecs/cmd/frame.h"
+#include "abecs/cmd/member_text.h"
+#include "core/raise.h"
+#include "quorvel/kor/enum.h"
+
+using kor::raise;
+using namespace abecs;
+
+namespace {
+
+constexpr Command kChp{.id = "CHP"};
+constexpr size_t kLength = 1 + 1 + 3;
+constexpr size_t kMessageWidth = 32;
+constexpr size_t kPinLength = 1 + kMessageWidth;
+constexpr size_t kPinCommandLength = 8;  // CLA, INS, P1 and P2 of the card's command
+constexpr size_t kOutSize = 515;
+
+bool takes_command(AbecsCmdChpOper_E oper) { return oper == ABECS_CMD_CHP_OPER_2 || oper == ABECS_CMD_CHP_OPER_3; }
+bool takes_pin(AbecsCmdChpOper_E oper) { return oper == ABECS_CMD_CHP_OPER_3; }
+
+bool is_pin_format(AbecsCmdChpPinFmt_E format) {
+    return kor_enum_is_valid_range(format, ABECS_CMD_CHP_PIN_FMT_0, ABECS_CMD_CHP_PIN_FMT_2)
+           || format == ABECS_CMD_CHP_PIN_FMT_9;
+}
+
+size_t command_length(const AbecsCmdChpParam& param) {
+    return takes_command(param.oper) ? strnlen(param.chpCmd, sizeof param.chpCmd - 1) : 0;
+}
+
+void write_request(AbecsPacket* packet, const AbecsCmdChpParam& param) {
+    const size_t length = command_length(param);
+    abecs_packet_write_field_n(packet, kLength + length + (takes_pin(param.oper) ? kPinLength : 0), 3);
+    abecs_packet_write_field_n(packet, static_cast<uint64_t>(param.slot), 1);
+    abecs_packet_write_field_n(packet, static_cast<uint64_t>(param.oper), 1);
+    abecs_packet_write_field_n(packet, length / 2, 3);
+    abecs_packet_write_field_h_cdata(packet, param.chpCmd, length, length);
+    if (!takes_pin(param.oper)) { return; }
+    abecs_packet_write_field_n(packet, static_cast<uint64_t>(param.pinFmt), 1);
+    abecs_packet_write_field_s(packet, MemberText(param.message).text, kMessageWidth, false);
+}
+
+void read_response(AbecsPacket* packet, char* out) {
+    const uint64_t length = abecs_packet_read_field_n(packet, 3);
+    const uint64_t count = length != 0 ? abecs_packet_read_field_n(packet, 3) : 0;
+    abecs_packet_read_field_h(packet, out, kOutSize, 2 * count);
+}
+
+}  // namespace
+
+void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (param == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL"); }
+    if (!kor_enum_is_valid_range(param->slot, ABECS_CMD_CHP_SLOT_0, ABECS_CMD_CHP_SLOT_9)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdChpSlot_E", param->slot);
+    }
+    if (!kor_enum_is_valid_range(param->oper, ABECS_CMD_CHP_OPER_0, ABECS_CMD_CHP_OPER_3)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdChpOper_E", param->oper);
+    }
+    const size_t length = command_length(*param);
+    if (length % 2 != 0 || (takes_pin(param->oper) && length != kPinCommandLength)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Length of 'param->chpCmd' is invalid: %zu", length);
+    }
+    if (takes_pin(param->oper) && !is_pin_format(param->pinFmt)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdChpPinFmt_E",
+                     param->pinFmt);
+    }
+    send(pinpad, kChp, Request::fields([&](AbecsPacket* packet) { write_request(packet, *param); }));
+}
+
+int32_t abecs_cmd_chp_response(AbecsComm* pinpad, char* out, char* notification) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    return poll(pinpad, kChp, Response::fields([&](AbecsPacket* packet) { read_response(packet, out); }), notification);
+}

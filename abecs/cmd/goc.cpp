@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/goc.h"
+
+#include "abecs/cmd/frame.h"
+#include "abecs/cmd/member_text.h"
+#include "core/raise.h"
+#include "quorvel/kor/enum.h"
+
+using kor::raise;
+using namespace abecs;
+
+namespace {
+
+constexpr Command kGoc{.id = "GOC"};
+constexpr uint8_t kMaxTwoDigits = 99;
+constexpr uint16_t kMaxTags = 128;
+constexpr size_t kAcquirer2Width = 32;
+// One more than what travels: this is the count that the PIN pad expects.
+constexpr size_t kLength = 1 + 12 + 12 + 1 + 1 + 1 + 1 + 2 + 32 + 1 + 8 + 2 + 8 + 2 + 2;
+static_assert(kLength == 86);
+
+size_t acquirer_block_size(uint8_t acqIdx) {
+    if (acqIdx == 1) { return 2 + 1; }
+    return acqIdx == 2 ? kAcquirer2Width : 0;
+}
+
+void write_flag(AbecsPacket* packet, bool flag) { abecs_packet_write_field_n(packet, flag ? 1 : 0, 1); }
+
+// A member as wide as its field; the digits need no NUL behind them.
+template <size_t Size>
+void write_digits(AbecsPacket* packet, const char (&digits)[Size]) {
+    abecs_packet_write_field_h_cdata(packet, digits, Size - 1, Size - 1);
+}
+
+void write_acquirer_block(AbecsPacket* packet, uint8_t acqIdx, const decltype(AbecsCmdGocData::acqpr)& acqpr) {
+    const size_t size = acquirer_block_size(acqIdx);
+    abecs_packet_write_field_n(packet, size, 2);
+    switch (acqIdx) {
+        case 1:
+            abecs_packet_write_field_n(packet, acqpr.acqpr01.transactionType, 2);
+            return write_flag(packet, acqpr.acqpr01.flag);
+        case 2:
+            return abecs_packet_write_field_s(packet, MemberText(acqpr.acqpr02.data).text, kAcquirer2Width, false);
+        default:
+            if (size != 0) { raise(KOR_RESULT_PROTOCOL_ERROR, "Unsupported GOC_ACQPR (GCR_ACQIDX == %d)", acqIdx); }
+    }
+}
+
+// A block of its own: its length, the number of bytes, the bytes as digits.
+void write_tags(AbecsPacket* packet, const char* tags, size_t count) {
+    abecs_packet_write_field_n(packet, 2 * count + 3, 3);
+    abecs_packet_write_field_n(packet, count, 3);
+    abecs_packet_write_field_h_cdata(packet, tags, 2 * count, 2 * count);
+}
+
+void write_request(AbecsPacket* packet, uint8_t acqIdx, const AbecsCmdGocData& data) {
+    abecs_packet_write_field_n(packet, kLength + acquirer_block_size(acqIdx), 3);
+    abecs_packet_write_field_n(packet, data.amount, 12);
+    abecs_packet_write_field_n(packet, data.cashback, 12);
+    abecs_packet_write_field_n(packet, data.exclist, 1);
+    write_flag(packet, data.connect);
+    abecs_packet_write_field_n(packet, 0, 1);
+    abecs_packet_write_field_n(packet, static_cast<uint64_t>(data.method), 1);
+    abecs_packet_write_field_n(packet, data.keyidx, 2);
+    write_digits(packet, data.wkenc);
+    write_flag(packet, data.riskman);
+    write_digits(packet, data.flrlimit);
+    abecs_packet_write_field_n(packet, data.tpbrs, 2);
+    write_digits(packet, data.thrbrs);
+    abecs_packet_write_field_n(packet, data.mtpbrs, 2);
+    write_acquirer_block(packet, acqIdx, data.acqpr);
+    write_tags(packet, data.tags1, data.tags1len);
+    write_tags(packet, data.tags2, data.tags2len);
+}
+
+uint8_t read_digit(AbecsPacket* packet) { return static_cast<uint8_t>(abecs_packet_read_field_n(packet, 1)); }
+
+void read_response(AbecsPacket* packet, AbecsCmdGocResponse& out) {
+    abecs_packet_read_field_n(packet, 3);
+    out.decision = read_digit(packet);
+    out.signature = read_digit(packet) != 0;
+    out.pinOffline = read_digit(packet) != 0;
+    out.pinOfflineErrors = read_digit(packet);
+    out.pinBlocked = read_digit(packet) != 0;
+    out.pinOnline = read_digit(packet) != 0;
+    abecs_packet_read_field_b(packet, out.pinBlock, sizeof out.pinBlock, sizeof out.pinBlock);
+    abecs_packet_read_field_b(packet, out.ksn, sizeof out.ksn, sizeof out.ksn);
+    const uint64_t length = abecs_packet_read_field_n(packet, 3);
+    out.emvDataLen = static_cast<uint16_t>(length);
+    abecs_packet_read_field_b(packet, out.emvData, sizeof out.emvData, length);
+    abecs_packet_read_field_n(packet, 3);
+}
+
+// False after a raise.
+bool check(uint8_t gcrAcqIdx, const AbecsCmdGocData* gocData) {
+    if (gcrAcqIdx > kMaxTwoDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gcrAcqIdx' is too big (max: 99, requested: %d)", gcrAcqIdx), false;
+    }
+    if (gocData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gocData' is NULL"), false; }
+    const AbecsCmdGocData& data = *gocData;
+    if (data.exclist > 1) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->exclist: %d", data.exclist), false;
+    }
+    if (!kor_enum_is_valid_range(data.method, ABECS_CMD_GOC_METHOD_MK_WK_DES, ABECS_CMD_GOC_METHOD_DUKPT_TDES)) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdGocMethod_E", data.method),
+               false;
+    }
+    if (data.keyidx > kMaxTwoDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->keyidx: %d", data.keyidx), false;
+    }
+    if (data.tpbrs > kMaxTwoDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->tpbrs: %d", data.tpbrs), false;
+    }
+    if (data.mtpbrs > kMaxTwoDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->mtpbrs: %d", data.mtpbrs), false;
+    }
+    if (gcrAcqIdx == 1 && data.acqpr.acqpr01.transactionType > kMaxTwoDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT,
+                     "invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: %d)",
+                     data.acqpr.acqpr01.transactionType),
+               false;
+    }
+    if (data.tags1len > kMaxTags) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->tags1len: %d", data.tags1len), false;
+    }
+    if (data.tags2len > kMaxTags) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->tags2len: %d", data.tags2len), false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void abecs_cmd_goc(AbecsComm* pinpad, uint8_t gcrAcqIdx, const AbecsCmdGocData* gocData) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (!check(gcrAcqIdx, gocData)) { return; }
+    send(pinpad, kGoc, Request::fields([&](AbecsPacket* packet) { write_request(packet, gcrAcqIdx, *gocData); }));
+}
+
+int32_t abecs_cmd_goc_response(AbecsComm* pinpad, AbecsCmdGocResponse* gocResponse, char* notification) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (gocResponse == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gocResponse' is NULL"), kRaised; }
+    return poll(pinpad, kGoc, Response::fields([&](AbecsPacket* packet) { read_response(packet, *gocResponse); }),
+                notification);
+}

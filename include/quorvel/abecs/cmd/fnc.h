@@ -1,0 +1,52 @@
+/* SPDX-License-Identifier: MIT */
+/* Copyright (c) 2026 the quorvel authors */
+#ifndef QUORVEL_ABECS_CMD_FNC_H
+#define QUORVEL_ABECS_CMD_FNC_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "quorvel/abecs/comm.h"
+#include "quorvel/kor/defs.h"
+
+KOR_BEGIN_DECLS
+
+/*
+ * What the acquirer has answered. Texts of hexadecimal digits need no NUL when they fill their member; one shorter than
+ * its length says is filled up at its start with pairs "30".
+ */
+typedef struct AbecsCmdFncData {
+    int32_t commSt;    /* whether the acquirer was reached: 0, 1 or 9 */
+    char arc[3];       /* its response code */
+    size_t issDatLen;  /* bytes in issDat, at most 494 in what can be sent */
+    char issDat[1999]; /* hexadecimal: the issuer's authentication data and scripts */
+    size_t tagsLen;    /* bytes in tags, at most 498 in what can be sent */
+    char tags[1999];   /* hexadecimal: tags whose values are to be in the answer */
+} AbecsCmdFncData;
+
+/* The card's last word. Texts are hexadecimal digits as received, without leading pairs "30". */
+typedef struct AbecsCmdFncResponse {
+    uint32_t decision;
+    uint32_t emvDataLen; /* bytes of EMV data received */
+    char emvData[513];
+    uint32_t isResultsLen; /* bytes of results of issuer scripts received */
+    char isResults[101];
+    uint32_t acqDataLen; /* bytes of data for the acquirer, which are not read */
+} AbecsCmdFncResponse;
+
+/*
+ * FNC: after GOC, hands the acquirer's answer to the card and reads its last decision. Returns RSP_STAT; `rspData` is
+ * filled only when that is 0.
+ *
+ * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'cmdData' is NULL"; "'rspData' is NULL"; "invalid
+ * cmdData->issDatLen: %zu (max: 999)"; "invalid cmdData->tagsLen: %zu (max: 999)"; "invalid cmdData->commSt: %d"; a
+ * text that its field does not take, or "Number length (%zu) is greater than field length (%zu)" when it is too long
+ * for the block's length. PROTOCOL_ERROR for an answer under six bytes or of another command, notifications included;
+ * IO_ERROR for a malformed field; ILLEGAL_ARGUMENT "sizeTo (%zu) is not enough to store field (length: %zu)" for more
+ * than 256 bytes of EMV data or 50 of results; and what the link raises.
+ */
+KOR_API int32_t abecs_cmd_fnc(AbecsComm* pinpad, const AbecsCmdFncData* cmdData, AbecsCmdFncResponse* rspData);
+
+KOR_END_DECLS
+
+#endif
