@@ -175,6 +175,7 @@ int32_t send(AbecsComm* pinpad, const Command& command, const Request& request) 
 }
 
 int32_t poll(AbecsComm* pinpad, const Command& command, const Response& response, char* notification) {
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
     if (!kor_string_equals(abecs_comm_get_blk_wait_id(pinpad), command.name)) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "%s was not sent yet", command.name), kRaised;
     }

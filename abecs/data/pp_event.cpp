@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/abecs/pp_event.h"
+#include "abecs/data/pp_event.h"
 
 #include "abecs/data/enum_table.h"
 #include "core/raise.h"
@@ -26,6 +26,8 @@ constexpr std::array<abecs::Named<AbecsPpEvent_E>, 14> kEvents{{
 static_assert(abecs::is_sorted_and_unique(kEvents));
 
 }  // namespace
+
+bool abecs::is_pp_event(int32_t event) { return find_row(kEvents, event) != nullptr; }
 
 const char* abecs_pp_event_to_string(AbecsPpEvent_E event) {
     const auto* row = abecs::find_row(kEvents, event);

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/cex.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "abecs/cmd/frame.h"
+#include "abecs/data/pp_event.h"
+#include "core/raise.h"
+#include "quorvel/abecs/rsp_dat_id.h"
+#include "quorvel/abecs/spe_id.h"
+#include "quorvel/kor/string.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr abecs::Command kCex{.id = "CEX"};
+constexpr size_t kOptLength = 6;
+constexpr size_t kMaskWidth = 2;
+constexpr auto kNoEvent = static_cast<AbecsPpEvent_E>(-1);
+
+void write_events(abecs::ParamWriter& params, const char* cexOpt, const uint8_t* timeout, const uint8_t* panMask) {
+    params.put(ABECS_SPE_ID_CEXOPT,
+               [&](AbecsParam* param) { abecs_param_write_field_a(param, cexOpt, kOptLength, false); });
+    if (timeout != nullptr) {
+        params.put(ABECS_SPE_ID_TIMEOUT, [&](AbecsParam* param) { abecs_param_write_field_x(param, *timeout, 1); });
+    }
+    if (panMask != nullptr) {
+        params.put(ABECS_SPE_ID_PANMASK, [&](AbecsParam* param) {
+            abecs_param_write_field_n(param, panMask[0], kMaskWidth);
+            abecs_param_write_field_n(param, panMask[1], kMaskWidth);
+        });
+    }
+}
+
+// More digits than a valid number has are enough to see that it is none.
+int32_t to_number(const AbecsRspParamValue& value) {
+    char text[16]{};
+    if (value.data != nullptr) { std::memcpy(text, value.data, std::min<size_t>(value.size, sizeof text - 1)); }
+    constexpr long kMost = std::numeric_limits<int32_t>::max();
+    return static_cast<int32_t>(std::clamp(std::strtol(text, nullptr, 10), -kMost, kMost));
+}
+
+const char* get_text(const AbecsRspParamMap* paramMap, uint16_t id) {
+    if (paramMap == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'paramMap' is NULL"), nullptr; }
+    const AbecsRspParamValue* value = abecs_rsp_param_map_get(paramMap, id);
+    if (value == nullptr) { return nullptr; }
+    return value->data != nullptr ? reinterpret_cast<const char*>(value->data) : "";
+}
+
+}  // namespace
+
+void abecs_cmd_cex(AbecsComm* pinpad, const char* cexOpt, const uint8_t* timeout, const uint8_t* panMask) {
+    using namespace abecs;
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (cexOpt == nullptr || kor_string_len(cexOpt) != kOptLength) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cexOpt' is not valid!");
+    }
+    send(pinpad, kCex, Request::params([&](ParamWriter& params) { write_events(params, cexOpt, timeout, panMask); }));
+}
+
+int32_t abecs_cmd_cex_response(AbecsComm* pinpad, AbecsRspParamMap* paramMap, char* notification) {
+    using namespace abecs;
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (paramMap == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    return poll(pinpad, kCex, Response::into(paramMap), notification);
+}
+
+AbecsPpEvent_E abecs_cmd_cex_response_get_event(const AbecsRspParamMap* paramMap) {
+    if (paramMap == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'paramMap' is NULL"), kNoEvent; }
+    const AbecsRspParamValue* value = abecs_rsp_param_map_get(paramMap, ABECS_RSP_DATID_PP_EVENT);
+    if (value == nullptr) { return raise(KOR_RESULT_PROTOCOL_ERROR, "Mandatory PP_EVENT not found"), kNoEvent; }
+    const int32_t event = to_number(*value);
+    if (!abecs::is_pp_event(event)) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid code for PP_EVENT: %d", event), kNoEvent;
+    }
+    return static_cast<AbecsPpEvent_E>(event);
+}
+
+const char* abecs_cmd_cex_response_get_trk1inc(const AbecsRspParamMap* paramMap) {
+    return get_text(paramMap, ABECS_RSP_DATID_PP_TRK1INC);
+}
+
+const char* abecs_cmd_cex_response_get_trk2inc(const AbecsRspParamMap* paramMap) {
+    return get_text(paramMap, ABECS_RSP_DATID_PP_TRK2INC);
+}
+
+const char* abecs_cmd_cex_response_get_trk3inc(const AbecsRspParamMap* paramMap) {
+    return get_text(paramMap, ABECS_RSP_DATID_PP_TRK3INC);
+}

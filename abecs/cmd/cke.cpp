@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/cke.h"
+
+#include <array>
+#include <cstring>
+
+#include "abecs/cmd/card_data.h"
+#include "abecs/cmd/frame.h"
+#include "abecs/comm/comm.h"
+#include "core/raise.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr abecs::Command kCke{.id = "CKE"};
+
+constexpr size_t kTrack1 = 76;
+constexpr size_t kTrack2 = 37;
+constexpr size_t kEncipheredTrack2 = 40;  // filling of the card number has made it longer
+constexpr size_t kTrack3 = 104;
+constexpr size_t kTrackLength = 2;
+constexpr size_t kTrack3Length = 3;
+
+constexpr uint64_t kKeyAnswer = 1 + 2;
+constexpr uint64_t kPresenceAnswer = 1 + 1;
+constexpr uint64_t kCardAnswer = 1 + kTrackLength + kTrack1 + kTrackLength + kTrack2 + kTrack3Length + kTrack3;
+static_assert(kCardAnswer == 225);
+static_assert(kCardAnswer == 1 + kTrackLength + kTrack1 + kTrackLength + kEncipheredTrack2 + kTrack3);
+
+constexpr std::array kKeys{
+    ABECS_CMD_CKE_KEY_ENTER, ABECS_CMD_CKE_KEY_F1,    ABECS_CMD_CKE_KEY_F2,     ABECS_CMD_CKE_KEY_F3,
+    ABECS_CMD_CKE_KEY_F4,    ABECS_CMD_CKE_KEY_CLEAR, ABECS_CMD_CKE_KEY_CANCEL,
+};
+
+// The keys that the record has no name for, the arrows, count as ENTER.
+AbecsCmdCkeKey_E key_code_from_int(uint64_t code) {
+    for (const AbecsCmdCkeKey_E key : kKeys) {
+        if (static_cast<uint64_t>(key) == code) { return key; }
+    }
+    return ABECS_CMD_CKE_KEY_ENTER;
+}
+
+void check_length(uint64_t length, uint64_t expected, const char* fault) {
+    if (length != expected) { raise(KOR_RESULT_PROTOCOL_ERROR, fault, static_cast<int>(length)); }
+}
+
+bool read_presence(AbecsPacket* packet, const char* fault) {
+    const uint64_t status = abecs_packet_read_field_n(packet, 1);
+    if (status > 1) { return raise(KOR_RESULT_PROTOCOL_ERROR, fault, static_cast<int>(status)), false; }
+    return status == 1;
+}
+
+// Returns the length of what the track has become: the PIN pad's own says nothing of that.
+template <size_t Size>
+uint8_t read_track(const AbecsComm* pinpad, AbecsPacket* packet, char (&track)[Size], size_t width) {
+    static_assert(Size - 1 <= UINT8_MAX);
+    abecs_packet_read_field_a(packet, track, Size, width, false);
+    abecs::decipher_card_data(pinpad, track, Size);
+    return static_cast<uint8_t>(strnlen(track, Size - 1));
+}
+
+// A link can be in the protected layout without having the key. The width of track 2 then follows the one and the
+// length of track 3 the other.
+void read_tracks(const AbecsComm* pinpad, AbecsPacket* packet, AbecsCmdCkeOut& out) {
+    abecs_packet_read_field_n(packet, kTrackLength);
+    out.trk1Len = read_track(pinpad, packet, out.track1, kTrack1);
+    abecs_packet_read_field_n(packet, kTrackLength);
+    out.trk2Len = read_track(pinpad, packet, out.track2, pinpad->panKeyInstalled ? kEncipheredTrack2 : kTrack2);
+    if (!pinpad->panProtected) { abecs_packet_read_field_n(packet, kTrack3Length); }
+    out.trk3Len = read_track(pinpad, packet, out.track3, kTrack3);
+}
+
+void check_event(const AbecsComm* pinpad, AbecsPacket* packet, AbecsCmdCkeOut& out) {
+    const uint64_t length = abecs_packet_read_field_n(packet, 3);
+    out.event = static_cast<AbecsCmdCkeEvent_E>(abecs_packet_read_field_n(packet, 1));
+    switch (out.event) {
+        case ABECS_CMD_CKE_EVENT_KEY:
+            check_length(length, kKeyAnswer, "'RSP_LEN1' invalid value  (expected: 3, received: %d)");
+            out.key = key_code_from_int(abecs_packet_read_field_n(packet, 2));
+            return;
+        case ABECS_CMD_CKE_EVENT_MAGNETIC_CARD:
+            // The text is a number off; applications know it so.
+            check_length(length, kCardAnswer, "'RSP_LEN1' invalid value  (expected: 255, received: %d)");
+            return read_tracks(pinpad, packet, out);
+        case ABECS_CMD_CKE_EVENT_ICC:
+            check_length(length, kPresenceAnswer, "'RSP_LEN1' invalid value (expected: 2, received: %d)");
+            out.iccPresent = read_presence(packet, "'CKE_ICCSTAT' invalid value: %d");
+            return;
+        case ABECS_CMD_CKE_EVENT_CTLS:
+            check_length(length, kPresenceAnswer, "'RSP_LEN1' invalid value  (expected: 2, received: %d");
+            out.ctlsPresent = read_presence(packet, "'CKE_CTLSCSTAT' invalid value: %d");
+            return;
+        default:
+            return raise(KOR_RESULT_PROTOCOL_ERROR, "'CKE_EVENT' invalid value: %d", out.event);
+    }
+}
+
+}  // namespace
+
+void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, AbecsCmdCkeIccCheckType_E iccCheck,
+                   AbecsCmdCkeCtlsCheckType_E ctlsCheck) {
+    using namespace abecs;
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (iccCheck < ABECS_CMD_CKE_ICC_CHECK_TYPE_0 || iccCheck > ABECS_CMD_CKE_ICC_CHECK_TYPE_2) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdCkeIccCheckType_E",
+                     iccCheck);
+    }
+    if (ctlsCheck < ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT || ctlsCheck > ABECS_CMD_CKE_CTLS_CHECK_TYPE_1) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdCkeCtlsCheckType_E",
+                     ctlsCheck);
+    }
+    const bool withCtls = ctlsCheck != ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;
+    send(pinpad, kCke, Request::fields([&](AbecsPacket* packet) {
+             abecs_packet_write_field_n(packet, withCtls ? 4 : 3, 3);
+             abecs_packet_write_field_n(packet, keyEnable ? 1 : 0, 1);
+             abecs_packet_write_field_n(packet, magEnable ? 1 : 0, 1);
+             abecs_packet_write_field_n(packet, static_cast<uint64_t>(iccCheck), 1);
+             if (withCtls) { abecs_packet_write_field_n(packet, static_cast<uint64_t>(ctlsCheck), 1); }
+         }));
+}
+
+int32_t abecs_cmd_cke_response(AbecsComm* pinpad, AbecsCmdCkeOut* out, char* notification) {
+    using namespace abecs;
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    return poll(pinpad, kCke, Response::fields([&](AbecsPacket* packet) { check_event(pinpad, packet, *out); }),
+                notification);
+}

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/gpn.h"
+
+#include <cstring>
+
+#include "abecs/cmd/frame.h"
+#include "core/raise.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr abecs::Command kGpn{.id = "GPN"};
+constexpr int kMaxKeyIdx = 99;
+constexpr size_t kKeyWidth = 32;
+constexpr size_t kPanWidth = 19;
+constexpr size_t kMessageWidth = 32;
+constexpr size_t kPinBlockWidth = 16;
+constexpr size_t kKsnWidth = 20;
+constexpr size_t kMinPan = 2;
+constexpr size_t kMaxEntries = 9;
+constexpr int kMinDigits = 4;
+constexpr int kMaxDigits = 99;
+
+constexpr size_t kFixedLength = 1 + 2 + kKeyWidth + 2 + kPanWidth + 1;
+constexpr size_t kEntryLength = 2 + 2 + kMessageWidth;
+static_assert(kFixedLength == 57 && kEntryLength == 36);
+
+// Counts no further than the array reaches, in which the caller may have left no room for a NUL.
+template <size_t Size>
+size_t length_of(const char (&text)[Size]) {
+    return strnlen(text, Size);
+}
+
+bool has_working_key(const AbecsCmdGpnCmdData& data) {
+    return data.method == ABECS_CMD_GPN_METHOD_MK_WK_DES || data.method == ABECS_CMD_GPN_METHOD_MK_WK_TDES;
+}
+
+// Each check is false when it has raised.
+bool check_key(const AbecsCmdGpnCmdData& data) {
+    size_t expected = 0;
+    switch (data.method) {
+        case ABECS_CMD_GPN_METHOD_MK_WK_DES:
+            expected = 16;
+            break;
+        case ABECS_CMD_GPN_METHOD_MK_WK_TDES:
+            expected = 32;
+            break;
+        case ABECS_CMD_GPN_METHOD_DUKPT_DES:
+        case ABECS_CMD_GPN_METHOD_DUKPT_TDES:
+            return true;
+        default:
+            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
+    }
+    const size_t length = length_of(data.wkEnc);
+    if (length == expected) { return true; }
+    return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->wkEnc': %zu (expected: %zu)", length,
+                 expected),
+           false;
+}
+
+bool check_entry(const AbecsCmdGpnEntry& entry, size_t i) {
+    if (entry.min < kMinDigits || entry.min > kMaxDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid value for 'cmdData->entries[%zu].min': %d", i, entry.min),
+               false;
+    }
+    if (entry.max < entry.min || entry.max > kMaxDigits) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid value for 'cmdData->entries[%zu].max': %d", i, entry.max),
+               false;
+    }
+    const size_t length = length_of(entry.msg);
+    if (length > kMessageWidth) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->entries[%zu].msg': %zu", i, length),
+               false;
+    }
+    return true;
+}
+
+bool check_data(const AbecsCmdGpnCmdData& data) {
+    if (data.method < ABECS_CMD_GPN_METHOD_MK_WK_DES || data.method > ABECS_CMD_GPN_METHOD_DUKPT_TDES) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdGpnMethod_E", data.method),
+               false;
+    }
+    if (data.keyIdx > kMaxKeyIdx) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid value for 'cmdData->keyIdx': %d", data.keyIdx), false;
+    }
+    if (!check_key(data)) { return false; }
+    const size_t panLength = length_of(data.pan);
+    if ((panLength != 0 && panLength < kMinPan) || panLength > kPanWidth) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->pan': %zu", panLength), false;
+    }
+    if (data.entryCount == 0 || data.entryCount > kMaxEntries) {
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->entryCount': %d", data.entryCount),
+               false;
+    }
+    for (size_t i = 0; i < data.entryCount; ++i) {
+        if (!check_entry(data.entries[i], i)) { return false; }
+    }
+    return true;
+}
+
+void write_data(AbecsPacket* packet, const AbecsCmdGpnCmdData& data) {
+    abecs_packet_write_field_n(packet, kFixedLength + kEntryLength * data.entryCount, 3);
+    abecs_packet_write_field_n(packet, static_cast<uint64_t>(data.method), 1);
+    abecs_packet_write_field_n(packet, data.keyIdx, 2);
+    abecs_packet_write_field_h(packet, has_working_key(data) ? data.wkEnc : "", kKeyWidth);
+    abecs_packet_write_field_n(packet, length_of(data.pan), 2);
+    abecs_packet_write_field_a(packet, data.pan, kPanWidth, false);
+    abecs_packet_write_field_n(packet, data.entryCount, 1);
+    for (size_t i = 0; i < data.entryCount; ++i) {
+        abecs_packet_write_field_n(packet, data.entries[i].min, 2);
+        abecs_packet_write_field_n(packet, data.entries[i].max, 2);
+        abecs_packet_write_field_s(packet, data.entries[i].msg, kMessageWidth, false);
+    }
+}
+
+void read_data(AbecsPacket* packet, AbecsCmdGpnRspData& out) {
+    abecs_packet_read_field_n(packet, 3);
+    abecs_packet_read_field_h(packet, out.pinBlk, sizeof out.pinBlk, kPinBlockWidth);
+    abecs_packet_read_field_h(packet, out.ksn, sizeof out.ksn, kKsnWidth);
+}
+
+}  // namespace
+
+void abecs_cmd_gpn(AbecsComm* pinpad, const AbecsCmdGpnCmdData* cmdData) {
+    using namespace abecs;
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (cmdData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdData' is NULL"); }
+    if (!check_data(*cmdData)) { return; }
+    send(pinpad, kGpn, Request::fields([&](AbecsPacket* packet) { write_data(packet, *cmdData); }));
+}
+
+int32_t abecs_cmd_gpn_response(AbecsComm* pinpad, AbecsCmdGpnRspData* rspDataOut, char* notification) {
+    using namespace abecs;
+    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (rspDataOut == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'rspDataOut' is NULL"), kRaised; }
+    return poll(pinpad, kGpn, Response::fields([&](AbecsPacket* packet) { read_data(packet, *rspDataOut); }),
+                notification);
+}

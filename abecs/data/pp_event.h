@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_ABECS_DATA_PP_EVENT_H
+#define QUORVEL_ABECS_DATA_PP_EVENT_H
+
+#include <cstdint>
+
+#include "quorvel/abecs/pp_event.h"
+
+namespace abecs {
+
+bool is_pp_event(int32_t event);
+
+}  // namespace abecs
+
+#endif
