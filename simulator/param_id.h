@@ -11,14 +11,36 @@ namespace quorvel::sim {
 // What requests carry.
 namespace spe {
 inline constexpr uint16_t idList = 0x0001;
+inline constexpr uint16_t mthdDat = 0x0003;
+inline constexpr uint16_t tracks = 0x0007;
+inline constexpr uint16_t opnDig = 0x0008;
+inline constexpr uint16_t keyIdx = 0x0009;
+inline constexpr uint16_t wkEnc = 0x000A;
+inline constexpr uint16_t dataIn = 0x000F;
 inline constexpr uint16_t dspMsg = 0x001B;
+inline constexpr uint16_t ivCbc = 0x001D;
 inline constexpr uint16_t mfName = 0x001E;
+inline constexpr uint16_t mfInfo = 0x001F;
+inline constexpr uint16_t pbkMod = 0x0024;
+inline constexpr uint16_t pbkExp = 0x0025;
 }  // namespace spe
 
 // What responses carry.
 namespace pp {
+inline constexpr uint16_t track1 = 0x8044;
+inline constexpr uint16_t track2 = 0x8045;
+inline constexpr uint16_t track3 = 0x8046;
+inline constexpr uint16_t trk1Ksn = 0x8047;
+inline constexpr uint16_t trk2Ksn = 0x8048;
+inline constexpr uint16_t trk3Ksn = 0x8049;
+inline constexpr uint16_t encPan = 0x804A;
+inline constexpr uint16_t encPanKsn = 0x804B;
+inline constexpr uint16_t ksn = 0x804C;
+inline constexpr uint16_t dataOut = 0x804E;
 inline constexpr uint16_t bigRand = 0x805A;
+inline constexpr uint16_t mfName = 0x805E;
 inline constexpr uint16_t tlrMem = 0x8062;
+inline constexpr uint16_t encKRand = 0x8063;
 // Numbered families: add an index from 0 to 99.
 inline constexpr uint16_t ksnDesPin = 0x9000;
 inline constexpr uint16_t ksnTdesPin = 0x9100;

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_CHIP_H
+#define QUORVEL_SIMULATOR_CHIP_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "simulator/bytes.h"
+#include "simulator/tlv.h"
+
+namespace quorvel::sim {
+
+// The chip of a card, or a security module. It answers from a script.
+struct Chip {
+    // Answer to reset.
+    Bytes atr;
+    // Data and status word by the command's header and data, without their lengths.
+    std::map<Bytes, Bytes> script;
+    DataObjects objects = {};
+    // What VERIFY expects, and how often it may still be wrong.
+    std::string pin = {};
+    int pinTries = 3;
+    bool powered = false;
+
+    // Data and status word. What is not in the script is an instruction that the chip does not have.
+    [[nodiscard]] Bytes exchange(ByteView header, ByteView data);
+
+    // One that lets itself be selected, read and shown the PIN 1234, with a test card number.
+    [[nodiscard]] static Chip standard();
+
+private:
+    [[nodiscard]] Bytes verify(ByteView block);
+};
+
+// The PIN in a block of 8 bytes under a digit that names the format, as VERIFY in clear takes it.
+[[nodiscard]] Bytes plain_pin_block(char format, const std::string& pin);
+
+}  // namespace quorvel::sim
+
+#endif

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/tlv.h"
+
+#include "simulator/fields.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr uint8_t longTag = 0x1F;
+constexpr uint8_t more = 0x80;
+constexpr size_t shortLength = 0x7F;
+constexpr uint8_t lengthInOneByte = 0x81;
+
+void append_tag(Bytes& to, Tag tag) {
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        if (tag >> shift != 0) to.push_back(static_cast<uint8_t>(tag >> shift));
+    }
+}
+
+}  // namespace
+
+std::vector<Tag> split_tags(ByteView list) {
+    std::vector<Tag> tags;
+    for (Reader reader("tags", list); reader.left() != 0;) {
+        Tag tag = reader.x("tag", 1);
+        if ((tag & longTag) == longTag) {
+            do {
+                if (tag > UINT32_MAX >> 8) throw LayoutError("tags: a tag of more than four bytes");
+                tag = tag << 8 | reader.x("tag", 1);
+            } while ((tag & more) != 0);
+        }
+        tags.push_back(tag);
+    }
+    return tags;
+}
+
+Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags) {
+    Bytes encoded;
+    for (const Tag tag : tags) {
+        const auto found = objects.find(tag);
+        if (found == objects.end()) continue;
+        const Bytes& value = found->second;
+        append_tag(encoded, tag);
+        if (value.size() > shortLength) encoded.push_back(lengthInOneByte);
+        encoded.push_back(static_cast<uint8_t>(value.size()));
+        append(encoded, value);
+    }
+    return encoded;
+}
+
+}  // namespace quorvel::sim

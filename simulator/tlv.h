@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_TLV_H
+#define QUORVEL_SIMULATOR_TLV_H
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "simulator/bytes.h"
+
+namespace quorvel::sim {
+
+// The tag's bytes as one number: 0x5A, 0x9F02.
+using Tag = uint32_t;
+
+// A chip's data, each with its tag.
+using DataObjects = std::map<Tag, Bytes>;
+
+// Tags one after the other. Throws LayoutError when the last is not whole.
+[[nodiscard]] std::vector<Tag> split_tags(ByteView list);
+
+// Tag, length and value of each object of the list that is there, in the list's order.
+[[nodiscard]] Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags);
+
+}  // namespace quorvel::sim
+
+#endif
