@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/cex.h"
+
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/abecs/cmd/param_map.h"
+#include "tests/support/link.h"
+#include "tests/support/refused.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+using Items = support::ParamMap::Items;
+
+const std::string kOpt = "0006 0006"_hex + "111111";
+
+class Cex : public testing::Test {
+protected:
+    // Exactly these bytes, nothing behind them.
+    void put_event(std::string_view text) {
+        bytes_.assign(text.begin(), text.end());
+        const AbecsRspParamValue value{static_cast<uint32_t>(bytes_.size()), bytes_.empty() ? nullptr : bytes_.data(),
+                                       false};
+        EXPECT_NO_RAISE(abecs_rsp_param_map_put(map_.get(), 0x8040, &value, false));
+    }
+
+    std::vector<uint8_t> bytes_;
+    support::ParamMap map_;
+    Link link_;
+};
+
+TEST_F(Cex, SendsWhatIsGiven) {
+    const uint8_t zero = 0;
+    const uint8_t most = 255;
+    const uint8_t mask[] = {6, 4};
+    const uint8_t wide[] = {0, 99};
+    const struct {
+        const uint8_t* timeout;
+        const uint8_t* mask;
+        std::string data;
+    } rows[] = {
+        {nullptr, nullptr, "010" + kOpt},
+        {&zero, nullptr, "015" + kOpt + "000C 0001 00"_hex},
+        {nullptr, mask, "018" + kOpt + "0023 0004"_hex + "0604"},
+        {&most, wide, "023" + kOpt + "000C 0001 FF 0023 0004"_hex + "0099"},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.request("CEX" + row.data);
+        link.call(abecs_cmd_cex)("111111", row.timeout, row.mask);
+    }
+}
+
+TEST_F(Cex, RefusesWhatCannotBeSent) {
+    const uint8_t leading[] = {100, 0};
+    const uint8_t trailing[] = {0, 100};
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_cex(nullptr, nullptr, nullptr, nullptr));
+    for (const char* option : {static_cast<const char*>(nullptr), "", "11111", "1111111"}) {
+        EXPECT_REFUSED(2, "'cexOpt' is not valid!", abecs_cmd_cex(link_.comm, option, nullptr, nullptr));
+    }
+    EXPECT_REFUSED(2, "Invalid character (0x0D) at position 5", abecs_cmd_cex(link_.comm, "11111\r", nullptr, nullptr));
+    EXPECT_REFUSED(2, "Number length (3) is greater than field length (2)",
+                   abecs_cmd_cex(link_.comm, "111111", nullptr, leading));
+    EXPECT_REFUSED(2, "Number length (3) is greater than field length (2)",
+                   abecs_cmd_cex(link_.comm, "111111", nullptr, trailing));
+    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "");
+}
+
+TEST_F(Cex, KeepsTheAnswerAsTexts) {
+    link_.peer.request("CEX010" + kOpt)
+        .response(
+            "CEX000"
+            "077"
+            + "8040 0002"_hex + "90" + "8041 0020"_hex + "B4111******1111^DOE/J^2512101000" + "8042 001B"_hex
+            + "4111******1111=251210100000" + "8043 0000"_hex);
+    link_.call(abecs_cmd_cex)("111111", nullptr, nullptr);
+    EXPECT_EQ(link_.call(abecs_cmd_cex_response)(map_.get(), nullptr), 0);
+    EXPECT_EQ(map_.items(), (Items{{0x8040, "90"},
+                                   {0x8041, "B4111******1111^DOE/J^2512101000"},
+                                   {0x8042, "4111******1111=251210100000"},
+                                   {0x8043, ""}}));
+    AbecsPpEvent_E event{};
+    EXPECT_NO_RAISE(event = abecs_cmd_cex_response_get_event(map_.get()));
+    EXPECT_EQ(event, ABECS_PP_EVENT_MAGNETIC_CARD);
+    const char* tracks[3] = {};
+    EXPECT_NO_RAISE(tracks[0] = abecs_cmd_cex_response_get_trk1inc(map_.get()));
+    EXPECT_NO_RAISE(tracks[1] = abecs_cmd_cex_response_get_trk2inc(map_.get()));
+    EXPECT_NO_RAISE(tracks[2] = abecs_cmd_cex_response_get_trk3inc(map_.get()));
+    EXPECT_STREQ(tracks[0], "B4111******1111^DOE/J^2512101000");
+    EXPECT_STREQ(tracks[1], "4111******1111=251210100000");
+    EXPECT_STREQ(tracks[2], "");
+}
+
+TEST_F(Cex, EmptiesTheMapOncePolled) {
+    put_event("90");
+    EXPECT_RAISES(3, "CEX was not sent yet", abecs_cmd_cex_response(link_.comm, map_.get(), nullptr));
+    EXPECT_EQ(map_.items(), (Items{{0x8040, "90"}})) << "nothing was waited for";
+    link_.peer.request("CEX010" + kOpt);
+    link_.call(abecs_cmd_cex)("111111", nullptr, nullptr);
+    const struct {
+        std::string response;
+        int32_t status;
+    } rows[] = {{"NTM000002HI", -2}, {"CEX000006" + "8040 0002"_hex, -99}, {"CEX012", 12}};
+    for (const auto& row : rows) {
+        put_event("90");
+        link_.peer.response(row.response);
+        int32_t status = -99;
+        support::raised_by([&] { status = abecs_cmd_cex_response(link_.comm, map_.get(), nullptr); });
+        EXPECT_EQ(status, row.status);
+        EXPECT_EQ(map_.items(), Items{}) << row.response;
+    }
+}
+
+TEST_F(Cex, KnowsEveryEvent) {
+    const std::set<int> known{0, 2, 3, 4, 5, 6, 7, 8, 13, 90, 91, 92, 93, 94};
+    for (int code = 0; code < 100; ++code) {
+        const std::string text{static_cast<char>('0' + code / 10), static_cast<char>('0' + code % 10)};
+        put_event(text);
+        if (known.contains(code)) {
+            int32_t event = -99;
+            EXPECT_NO_RAISE(event = abecs_cmd_cex_response_get_event(map_.get()));
+            EXPECT_EQ(event, code);
+        } else {
+            EXPECT_RAISES(12, "Invalid code for PP_EVENT: " + std::to_string(code),
+                          abecs_cmd_cex_response_get_event(map_.get()));
+        }
+    }
+}
+
+TEST_F(Cex, RefusesNumbersThatAreNoEvent) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"4294967296", "2147483647"},
+        {"-1", "-1"},
+        {"-9999999999", "-2147483647"},
+        {"99999999999999999999", "2147483647"},
+    };
+    for (const auto& [text, shown] : rows) {
+        put_event(text);
+        EXPECT_RAISES(12, std::string("Invalid code for PP_EVENT: ") + shown,
+                      abecs_cmd_cex_response_get_event(map_.get()));
+    }
+}
+
+TEST_F(Cex, ReadersNeedAMapAndTheEvent) {
+    const char* track = "";
+    EXPECT_NO_RAISE(track = abecs_cmd_cex_response_get_trk1inc(map_.get()));
+    EXPECT_EQ(track, nullptr);
+    EXPECT_RAISES(2, "'paramMap' is NULL", abecs_cmd_cex_response_get_event(nullptr));
+    EXPECT_RAISES(2, "'paramMap' is NULL", abecs_cmd_cex_response_get_trk1inc(nullptr));
+    EXPECT_RAISES(2, "'paramMap' is NULL", abecs_cmd_cex_response_get_trk2inc(nullptr));
+    EXPECT_RAISES(2, "'paramMap' is NULL", abecs_cmd_cex_response_get_trk3inc(nullptr));
+    EXPECT_RAISES(12, "Mandatory PP_EVENT not found", abecs_cmd_cex_response_get_event(map_.get()));
+    const support::ReturningRaises handler;
+    EXPECT_EQ(static_cast<int32_t>(abecs_cmd_cex_response_get_event(nullptr)), -1);
+    EXPECT_EQ(static_cast<int32_t>(abecs_cmd_cex_response_get_event(map_.get())), -1);
+    put_event("01");
+    EXPECT_EQ(static_cast<int32_t>(abecs_cmd_cex_response_get_event(map_.get())), -1);
+    EXPECT_EQ(abecs_cmd_cex_response_get_trk1inc(nullptr), nullptr);
+    EXPECT_EQ(handler.all().size(), 4U);
+}
+
+}  // namespace
