@@ -29,7 +29,7 @@ KOR_API const char* kor_version_build_timestamp(void);
 /* The commit, 40 hexadecimal digits; 40 zeros when the sources were not in version control. */
 KOR_API const char* kor_version_git_commit(void);
 
-/* The tag of that commit, or the name of the release line when it has none. */
+/* The tag of the release line: "release-official-sprint-16". */
 KOR_API const char* kor_version_git_tag(void);
 
 /* "0.1.0". */
