@@ -17,101 +17,80 @@ namespace abecs {
 namespace {
 
 constexpr size_t kCipherBlock = 16;
-constexpr size_t kHeadSize = 2 + 2; // DATALEN and DATACRC
+constexpr size_t kHeadSize = 2 + 2;  // DATALEN and DATACRC
 
 // A length that is a multiple already gets a whole block more.
-constexpr size_t padding_of(size_t plainLength) {
-  return kCipherBlock - (kHeadSize + plainLength) % kCipherBlock;
-}
+constexpr size_t padding_of(size_t plainLength) { return kCipherBlock - (kHeadSize + plainLength) % kCipherBlock; }
 static_assert(padding_of(11) == 1 && padding_of(12) == 16);
 
-void write_content(AbecsPacket *sealed, AbecsPacket *plain) {
-  const size_t length = abecs_packet_available_read(plain);
-  abecs_packet_write_field_x(sealed, static_cast<uint32_t>(length), 2);
-  abecs_packet_write_field_x(sealed, abecs_comm_crc16(plain, nullptr, nullptr),
-                             2);
-  for (size_t i = 0; i < length; ++i) {
-    abecs_packet_write_byte(sealed, abecs_packet_read_byte(plain));
-  }
-  for (size_t i = padding_of(length); i != 0; --i) {
-    abecs_packet_write_byte(sealed, 0);
-  }
+void write_content(AbecsPacket* sealed, AbecsPacket* plain) {
+    const size_t length = abecs_packet_available_read(plain);
+    abecs_packet_write_field_x(sealed, static_cast<uint32_t>(length), 2);
+    abecs_packet_write_field_x(sealed, abecs_comm_crc16(plain, nullptr, nullptr), 2);
+    for (size_t i = 0; i < length; ++i) { abecs_packet_write_byte(sealed, abecs_packet_read_byte(plain)); }
+    for (size_t i = padding_of(length); i != 0; --i) { abecs_packet_write_byte(sealed, 0); }
 }
 
 // The unread bytes of a packet that was written from its start: both packets
 // here were empty before.
-uint8_t *content_of(AbecsPacket *packet) {
-  return kor_buffer_get_storage(packet->buffer);
+uint8_t* content_of(AbecsPacket* packet) { return kor_buffer_get_storage(packet->buffer); }
+
+void open_content(AbecsPacket* packet) {
+    const uint32_t length = abecs_packet_read_field_x(packet, 2);
+    const uint32_t crc = abecs_packet_read_field_x(packet, 2);
+    if (abecs_packet_available_read(packet) < length) {
+        return kor_exception_throw(KOR_RESULT_PROTOCOL_ERROR, "Encrypted packet is not complete");
+    }
+    const uint32_t begin = kor_buffer_get_read_cursor_pos(packet->buffer);
+    const KorBufferState withoutPadding{.writeCursor = begin + length, .readCursor = begin, .lastRead = length == 0};
+    kor_buffer_set_state(packet->buffer, &withoutPadding);
+    if (abecs_comm_crc16(packet, nullptr, nullptr) != crc) {
+        kor_exception_throw(KOR_RESULT_PROTOCOL_ERROR, "Invalid DATACRC");
+    }
 }
 
-void open_content(AbecsPacket *packet) {
-  const uint32_t length = abecs_packet_read_field_x(packet, 2);
-  const uint32_t crc = abecs_packet_read_field_x(packet, 2);
-  if (abecs_packet_available_read(packet) < length) {
-    return kor_exception_throw(KOR_RESULT_PROTOCOL_ERROR,
-                               "Encrypted packet is not complete");
-  }
-  const uint32_t begin = kor_buffer_get_read_cursor_pos(packet->buffer);
-  const KorBufferState withoutPadding{.writeCursor = begin + length,
-                                      .readCursor = begin,
-                                      .lastRead = length == 0};
-  kor_buffer_set_state(packet->buffer, &withoutPadding);
-  if (abecs_comm_crc16(packet, nullptr, nullptr) != crc) {
-    kor_exception_throw(KOR_RESULT_PROTOCOL_ERROR, "Invalid DATACRC");
-  }
+}  // namespace
+
+AbecsPacket* secure_encrypt(AbecsComm* link, AbecsPacket* plain) {
+    CryptAesCipher* cipher = nullptr;
+    AbecsPacket* sealed = nullptr;
+    KorBufferState unread{};
+    bool complete = false;
+    kor::attempt([&] {
+        cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
+        sealed = abecs_packet_new();
+        abecs_packet_save_state(plain, &unread);
+        write_content(sealed, plain);
+        abecs_packet_set_state(plain, &unread);
+        const size_t length = abecs_packet_available_read(sealed);
+        crypt_aes_cbc_encrypt(cipher, content_of(sealed), content_of(sealed), length, nullptr);
+        complete = true;
+    })
+        .cleanup([&] {
+            crypt_aes_cipher_delete(&cipher);
+            if (!complete) { abecs_packet_delete(&sealed); }
+        })
+        .run();
+    return sealed;
 }
 
-} // namespace
-
-AbecsPacket *secure_encrypt(AbecsComm *link, AbecsPacket *plain) {
-  CryptAesCipher *cipher = nullptr;
-  AbecsPacket *sealed = nullptr;
-  KorBufferState unread{};
-  bool complete = false;
-  kor::attempt([&] {
-    cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
-    sealed = abecs_packet_new();
-    abecs_packet_save_state(plain, &unread);
-    write_content(sealed, plain);
-    abecs_packet_set_state(plain, &unread);
-    const size_t length = abecs_packet_available_read(sealed);
-    crypt_aes_cbc_encrypt(cipher, content_of(sealed), content_of(sealed),
-                          length, nullptr);
-    complete = true;
-  })
-      .cleanup([&] {
-        crypt_aes_cipher_delete(&cipher);
-        if (!complete) {
-          abecs_packet_delete(&sealed);
-        }
-      })
-      .run();
-  return sealed;
+void secure_decrypt(AbecsComm* link, AbecsPacket* packet) {
+    const size_t length = abecs_packet_available_read(packet);
+    if (length % kCipherBlock != 0) { return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed encrypted response"); }
+    if (!link->keySet) { return; }
+    CryptAesCipher* cipher = nullptr;
+    kor::attempt([&] {
+        cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
+        crypt_aes_cbc_decrypt(cipher, content_of(packet), content_of(packet), length, nullptr);
+        open_content(packet);
+    })
+        .on_any([&] {
+            KorException cause;
+            kor_exception_get(&cause);
+            raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed encrypted response (caused by %s)", cause.message);
+        })
+        .cleanup([&] { crypt_aes_cipher_delete(&cipher); })
+        .run();
 }
 
-void secure_decrypt(AbecsComm *link, AbecsPacket *packet) {
-  const size_t length = abecs_packet_available_read(packet);
-  if (length % kCipherBlock != 0) {
-    return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed encrypted response");
-  }
-  if (!link->keySet) {
-    return;
-  }
-  CryptAesCipher *cipher = nullptr;
-  kor::attempt([&] {
-    cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
-    crypt_aes_cbc_decrypt(cipher, content_of(packet), content_of(packet),
-                          length, nullptr);
-    open_content(packet);
-  })
-      .on_any([&] {
-        KorException cause;
-        kor_exception_get(&cause);
-        raise(KOR_RESULT_PROTOCOL_ERROR,
-              "Malformed encrypted response (caused by %s)", cause.message);
-      })
-      .cleanup([&] { crypt_aes_cipher_delete(&cipher); })
-      .run();
-}
-
-} // namespace abecs
+}  // namespace abecs

@@ -47,13 +47,13 @@ void write_until_accepted(KorSerial* serial, AbecsPacket* packet, bool encrypted
     KorBufferState start;
     abecs_packet_save_state(packet, &start);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        abecs_packet_set_state(packet, &start);
         write_frame(serial, packet, encrypted);
         const uint8_t answer = kor_serial_read_byte(serial);
         if (answer == kAck) { return; }
         if (answer != kNak) {
             return raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x%hhx)", answer);
         }
+        abecs_packet_set_state(packet, &start);
     }
     raise(KOR_RESULT_PROTOCOL_ERROR, "Packet was rejected");
 }

@@ -59,9 +59,10 @@ KOR_API void abecs_comm_close(AbecsComm** pinpad);
 KOR_API void abecs_comm_send_can(AbecsComm* pinpad);
 
 /*
- * Sends one command and waits until the PIN pad has acknowledged it; the packet is then consumed. Waits out the send
- * interval first. With a session key every command but OPN travels encrypted. An acknowledged CLO or CLX removes the
- * session key and the PAN working key (abecs_comm_set_key and abecs_comm_set_wk_pan with null).
+ * Sends one command and waits until the PIN pad has acknowledged it. Waits out the send interval first. With a session
+ * key every command but OPN travels encrypted. An acknowledged CLO or CLX removes the session key and the PAN working
+ * key (abecs_comm_set_key and abecs_comm_set_wk_pan with null). Sending consumes the packet, except that one which
+ * travels encrypted, or was rejected, is left as it was.
  *
  * ILLEGAL_ARGUMENT "'packet' is NULL". ILLEGAL_STATE "Connection is blocked waiting for %s response", before anything
  * is written. PROTOCOL_ERROR: "Packet was rejected" after three NAKs; "Protocol error (unknown packet response:
