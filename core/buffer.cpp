@@ -240,5 +240,6 @@ void kor_buffer_write_i32(KorBuffer* buffer, int32_t value, int32_t byteOrder) {
 
 // One write, so that a text whose terminator has no room leaves nothing behind.
 void kor_buffer_write_str(KorBuffer* buffer, const char* text, bool withTerminator) {
-    kor_buffer_write(buffer, text, std::strlen(text) + (withTerminator ? 1 : 0));
+    const size_t length = buffer != nullptr ? std::strlen(text) : 0;
+    kor_buffer_write(buffer, text, length + (withTerminator ? 1 : 0));
 }

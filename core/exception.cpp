@@ -54,7 +54,7 @@ void record_error(int16_t code, const char* message) {
 KorExceptionFrameNode* new_node(KorExceptionFrameNode* previous) {
     void* memory = kor_heap_alloc(sizeof(KorExceptionFrameNode), 1);
     if (memory == nullptr) {
-        std::printf("FATAL: MEMORY ALLOCATION ERROR\n");
+        std::fputs("FATAL: MEMORY ALLOCATION ERROR\n", stdout);
         abort_by_signal();
         return nullptr;
     }
