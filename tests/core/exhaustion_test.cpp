@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <functional>
-#include <gtest/gtest.h>
-#include <memory>
-#include <string>
-#include <type_traits>
+#include "tests/support/malloc/exhaustion.h"
 
+#include <csignal>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+#include "core/attempt.h"
 #include "quorvel/kor/buffer.h"
-#include "quorvel/kor/exception.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/int_set.h"
 #include "quorvel/kor/map.h"
@@ -15,45 +16,23 @@
 #include "quorvel/kor/string_list.h"
 #include "quorvel/kor/string_set.h"
 #include "tests/core/counted.h"
-#include "tests/support/malloc/failing_malloc.h"
-#include "tests/support/raised.h"
 
 namespace {
 
-// Something that an operation may change, and what it looks like. The operation keeps no object with a destructor: a
-// raise may leave it.
-struct Subject {
-    Subject() = default;
-    virtual ~Subject() = default;
-    Subject(const Subject&) = delete;
-    Subject& operator=(const Subject&) = delete;
+KorMap* new_map(uint32_t capacity) {
+    return kor_map_new(capacity, counted::hash, counted::equals, counted::copy, counted::copy, counted::destroy,
+                       counted::destroy);
+}
 
-    virtual void act() = 0;
-    [[nodiscard]] virtual std::string look() const = 0;
-};
-
-// Makes an object or a copy, and frees it: nothing is there before or after.
-template <auto kMake, auto kDelete>
-struct Making : Subject {
-    void act() override {
-        auto* made = kMake();
-        if constexpr (std::is_invocable_v<decltype(kDelete), decltype(made)>) {
-            kDelete(made);
-        } else {
-            kDelete(&made);
-        }
-    }
-    [[nodiscard]] std::string look() const override { return ""; }
-};
-
-struct MapPut : Subject {
+// What an operation may change, and what it looks like.
+struct MapPut {
     explicit MapPut(const char* putKey) : key(putKey) {
         kor_map_put(map, "a", "1");
         kor_map_put(map, "bb", "2");
     }
-    ~MapPut() override { kor_map_delete(&map); }
-    void act() override { kor_map_put(map, key, "new"); }
-    [[nodiscard]] std::string look() const override {
+    ~MapPut() { kor_map_delete(&map); }
+    void* act() const { return kor_map_put(map, key, "new"); }
+    [[nodiscard]] std::string look() const {
         std::string all = std::to_string(kor_map_size(map)) + " of " + std::to_string(kor_map_capacity(map)) + ":";
         KorMapIterator position{};
         for (auto* it = kor_map_begin(map, &position); it != nullptr; it = kor_map_next(it)) {
@@ -63,18 +42,17 @@ struct MapPut : Subject {
     }
 
     const char* key;
-    KorMap* map = kor_map_new(4, counted::hash, counted::equals, counted::copy, counted::copy, counted::destroy,
-                              counted::destroy);
+    KorMap* map = new_map(4);
 };
 
-struct SetPut : Subject {
+struct SetPut {
     SetPut() {
         kor_string_set_put(set, "a");
         kor_string_set_put(set, "b");
     }
-    ~SetPut() override { kor_set_delete(&set); }
-    void act() override { kor_string_set_put(set, "c"); }
-    [[nodiscard]] std::string look() const override {
+    ~SetPut() { kor_set_delete(&set); }
+    void* act() const { return kor_string_set_put(set, "c"); }
+    [[nodiscard]] std::string look() const {
         std::string all = std::to_string(kor_set_size(set)) + " of " + std::to_string(kor_set_capacity(set)) + ":";
         KorStringSetIterator position{};
         for (auto* it = kor_string_set_begin(set, &position); it != nullptr; it = kor_string_set_next(it)) {
@@ -86,11 +64,11 @@ struct SetPut : Subject {
     KorSet* set = kor_string_set_new(4);
 };
 
-struct ListAppend : Subject {
+struct ListAppend {
     ListAppend() { kor_string_list_append(list, "a"); }
-    ~ListAppend() override { kor_list_delete(&list); }
-    void act() override { kor_string_list_append(list, "b"); }
-    [[nodiscard]] std::string look() const override {
+    ~ListAppend() { kor_list_delete(&list); }
+    void* act() const { return kor_string_list_append(list, "b"); }
+    [[nodiscard]] std::string look() const {
         std::string all = std::to_string(kor_list_size(list)) + ":";
         for (auto* node = kor_list_first(list); node != nullptr; node = kor_list_next(node)) {
             all.append(" ").append(kor_string_list_item(node));
@@ -101,87 +79,62 @@ struct ListAppend : Subject {
     KorList* list = kor_string_list_new();
 };
 
-struct Case {
-    const char* name;
-    size_t allocations;
-    std::function<std::unique_ptr<Subject>()> make;
-    std::string after;
-};
-
-template <auto kMake, auto kDelete>
-Case making(const char* name, size_t allocations) {
-    return {name, allocations, [] { return std::make_unique<Making<kMake, kDelete>>(); }, ""};
-}
-
-class Exhaustion : public testing::TestWithParam<Case> {
-protected:
-    // The frames' own memory is not the matter here: make them first.
-    void SetUp() override {
-        support::raised_by([] { support::raised_by([] {}); });
-    }
-};
-
-TEST_P(Exhaustion, EachFailedAllocationChangesNothing) {
-    for (size_t n = 1;; ++n) {
-        const auto subject = GetParam().make();
-        const std::string before = subject->look();
-        const KorExceptionFrameNode* frame = kor_exception_get_frame_node();
-        const support::FailingMalloc failing(n);
-        const support::Raised raised = support::raised_by([&] { subject->act(); });
-        EXPECT_EQ(kor_exception_get_frame_node(), frame);
-        if (!failing.failed()) {
-            EXPECT_EQ(raised, support::Raised{});
-            EXPECT_EQ(subject->look(), GetParam().after);
-            EXPECT_EQ(n, GetParam().allocations + 1);
-            break;
+// Every allocation fails once: nothing must have changed, and the same operation must succeed afterwards.
+template <typename Subject, typename... Arguments>
+void expect_all_or_nothing(size_t allocations, const std::string& after, Arguments... arguments) {
+    for (const support::Raise raise : support::kBothRaises) {
+        for (size_t n = 1; n <= allocations + 1; ++n) {
+            const Subject subject(arguments...);
+            const std::string before = subject.look();
+            const void* result = nullptr;
+            EXPECT_EQ(support::fails(n, raise, [&] { result = subject.act(); }), n <= allocations);
+            if (n > allocations) { break; }
+            EXPECT_EQ(result, nullptr);
+            EXPECT_EQ(subject.look(), before) << "allocation " << n;
+            subject.act();
+            EXPECT_EQ(subject.look(), after) << "tried again after allocation " << n;
         }
-        EXPECT_EQ(raised, support::error(KOR_RESULT_MALLOC_ERROR, "")) << "allocation " << n;
-        EXPECT_EQ(subject->look(), before) << "allocation " << n;
-        EXPECT_EQ(failing.kept(), 0U) << "allocation " << n;
     }
 }
 
-TEST_P(Exhaustion, EachFailedAllocationChangesNothingWhereTheRaiseReturns) {
-    const support::ReturningRaises raises;
-    for (size_t n = 1; n <= GetParam().allocations; ++n) {
-        const auto subject = GetParam().make();
-        const std::string before = subject->look();
-        const support::FailingMalloc failing(n);
-        subject->act();
-        EXPECT_TRUE(failing.failed());
-        EXPECT_EQ(raises.all().size(), n);
-        EXPECT_EQ(raises.all().back(), support::error(KOR_RESULT_MALLOC_ERROR, ""));
-        EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
-        EXPECT_EQ(subject->look(), before) << "allocation " << n;
-        EXPECT_EQ(failing.kept(), 0U) << "allocation " << n;
-        if (HasFailure()) { break; }
-        subject->act();
-        EXPECT_EQ(subject->look(), GetParam().after) << "tried again after allocation " << n;
-    }
+TEST(Exhaustion, AFailedChangeChangesNothing) {
+    expect_all_or_nothing<ListAppend>(2, "2: a b");
+    expect_all_or_nothing<MapPut>(4, "3 of 8: a=1 bb=2 ccc=new", "ccc");
+    expect_all_or_nothing<MapPut>(1, "2 of 4: a=1 bb=new", "bb");
+    expect_all_or_nothing<SetPut>(3, "3 of 8: a b c");  // slots 97, 98 and 99 modulo the capacity
 }
 
-KorBuffer* new_buffer() { return kor_buffer_new(8); }
-KorMap* new_map() {
-    return kor_map_new(2, counted::hash, counted::equals, counted::copy, counted::copy, counted::destroy,
-                       counted::destroy);
+TEST(Exhaustion, MakingAnObjectLeavesNothingBehind) {
+    using support::allocations_of;
+    using support::make;
+    EXPECT_EQ(allocations_of(make<[] { return kor_buffer_new(8); }, kor_buffer_delete>), 2U);
+    EXPECT_EQ(allocations_of(make<kor_string_list_new, kor_list_delete>), 1U);
+    EXPECT_EQ(allocations_of(make<[] { return new_map(2); }, kor_map_delete>), 2U);
+    EXPECT_EQ(allocations_of(make<[] { return kor_int_set_new(2); }, kor_set_delete>), 2U);
+    EXPECT_EQ(allocations_of([] { kor_heap_free(kor_string_new("text")); }), 1U);
+    EXPECT_EQ(allocations_of([] { kor_collection_destroy(kor_collection_copy("text", 4)); }), 1U);
 }
-KorSet* new_int_set() { return kor_int_set_new(2); }
-char* new_string() { return kor_string_new("text"); }
-void* new_copy() { return kor_collection_copy("text", 4); }
 
-INSTANTIATE_TEST_SUITE_P(
-    Core, Exhaustion,
-    testing::Values(making<new_buffer, kor_buffer_delete>("BufferNew", 2),
-                    making<new_string, kor_heap_free>("StringNew", 1),
-                    making<new_copy, kor_collection_destroy>("CollectionCopy", 1),
-                    making<kor_string_list_new, kor_list_delete>("ListNew", 1),
-                    making<new_map, kor_map_delete>("MapNew", 2), making<new_int_set, kor_set_delete>("SetNew", 2),
-                    Case{"ListAppend", 2, [] { return std::make_unique<ListAppend>(); }, "2: a b"},
-                    Case{"MapPutGrowing", 4, [] { return std::make_unique<MapPut>("ccc"); },
-                         "3 of 8: a=1 bb=2 ccc=new"},
-                    Case{"MapPutReplacing", 1, [] { return std::make_unique<MapPut>("bb"); }, "2 of 4: a=1 bb=new"},
-                    // Slots 97, 98 and 99 modulo the capacity.
-                    Case{"SetPutGrowing", 3, [] { return std::make_unique<SetPut>(); }, "3 of 8: a b c"}),
-    [](const auto& test) { return test.param.name; });
+// No error can be raised through a try block that cannot be opened.
+TEST(Exhaustion, ATryBlockWithoutMemoryAborts) {
+    support::raised_by([] {});  // makes the first frame
+    const auto ran_without_memory = [] {
+        const support::FailingMalloc failing(1);
+        while (kor_exception_next_frame_node()->next != nullptr) {}
+        bool ran = false;
+        kor::attempt([&] { ran = true; }).run();
+        while (kor_exception_previous_frame_node() != nullptr) {}
+        return ran;
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto on_standard_error = [&] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        ran_without_memory();
+    };
+    EXPECT_EXIT(on_standard_error(), testing::KilledBySignal(SIGABRT), "FATAL: MEMORY ALLOCATION ERROR\n");
+    const auto before = std::signal(SIGABRT, SIG_IGN);
+    EXPECT_FALSE(ran_without_memory()) << "not where the signal is survived either";
+    std::signal(SIGABRT, before);
+}
 
 }  // namespace

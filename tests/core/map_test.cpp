@@ -35,33 +35,21 @@ std::string entries(const KorMap* map) {
 }
 
 TEST(Map, RefusesItsArgumentsInTheirOrder) {
-    const struct {
-        const char* detail;
-        uint32_t capacity;
-        KorItemHashFn hashFn;
-        KorItemEqualsFn equalsFn;
-        KorItemCpFn keyCpFn;
-        KorItemCpFn valueCpFn;
-        KorItemDelFn keyDelFn;
-    } cases[] = {
-        {"Invalid initialCapacity: 1", 1, nullptr, nullptr, nullptr, nullptr, nullptr},
-        {"Invalid initialCapacity: 0", 0, nullptr, nullptr, nullptr, nullptr, nullptr},
-        {"keyHashFn is NULL", 2, nullptr, nullptr, nullptr, nullptr, nullptr},
-        {"keyEqualsFn is NULL", 2, hash, nullptr, nullptr, nullptr, nullptr},
-        {"keyCpFn is NULL", 2, hash, equals, nullptr, nullptr, nullptr},
-        {"valueCpFn is NULL", 2, hash, equals, copy, nullptr, nullptr},
-        {"keyDelFn is NULL", 2, hash, equals, copy, copy, nullptr},
-        {"valueDelFn is NULL", 2, hash, equals, copy, copy, destroy},
-    };
-    for (const auto& c : cases) {
-        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, c.detail,
-                      kor_map_new(c.capacity, c.hashFn, c.equalsFn, c.keyCpFn, c.valueCpFn, c.keyDelFn, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid initialCapacity: 1",
+                  kor_map_new(1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    size_t given = 0;
+    for (const char* missing : {"keyHashFn", "keyEqualsFn", "keyCpFn", "valueCpFn", "keyDelFn", "valueDelFn"}) {
+        EXPECT_RAISES(
+            KOR_RESULT_ILLEGAL_ARGUMENT, std::string(missing) + " is NULL",
+            kor_map_new(2, given > 0 ? hash : nullptr, given > 1 ? equals : nullptr, given > 2 ? copy : nullptr,
+                        given > 3 ? copy : nullptr, given > 4 ? destroy : nullptr, nullptr));
+        ++given;
     }
 }
 
 TEST(Map, RefusesNoneEverywhere) {
     const Map map(new_map(2));
-    KorMapIterator none{};
+    KorMapIterator it{};
     const support::ReturningRaises raises;
     EXPECT_EQ(kor_map_put(nullptr, "k", "v"), nullptr);
     EXPECT_EQ(kor_map_get(nullptr, "k"), nullptr);
@@ -69,12 +57,15 @@ TEST(Map, RefusesNoneEverywhere) {
     EXPECT_EQ(kor_map_capacity(nullptr), 0U);
     EXPECT_EQ(kor_map_size(nullptr), 0U);
     EXPECT_EQ(kor_map_begin(nullptr, nullptr), nullptr);
-    EXPECT_EQ(raises.all(), std::vector(6, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL")));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_map_begin(map, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL", kor_map_next(nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->map' is NULL", kor_map_next(&none));
-    none.map = map;
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", kor_map_next(&none));
+    EXPECT_EQ(kor_map_begin(map, nullptr), nullptr);
+    EXPECT_EQ(kor_map_next(nullptr), nullptr);
+    EXPECT_EQ(kor_map_next(&it), nullptr);
+    it.map = map;
+    EXPECT_EQ(kor_map_next(&it), nullptr);
+    EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
+                                            {"map is NULL", "map is NULL", "map is NULL", "map is NULL", "map is NULL",
+                                             "map is NULL", "'out' is NULL", "'it' is NULL", "'it->map' is NULL",
+                                             "'it->key' not present in 'it->map'"}));
 }
 
 TEST(Map, ReplacesTheValueAndKeepsTheKey) {
@@ -123,16 +114,6 @@ TEST(Map, DoublesAtThreeQuartersAndLosesNothing) {
 }
 
 // The hash is the length: 11 and 3 characters meet in the last of four slots, and again in the fourth of eight.
-TEST(Map, GrowsInTheOrderOfTheOldSlots) {
-    const Map map(new_map(4));
-    kor_map_put(map, "eleven-long", "1");
-    kor_map_put(map, "i", "2");
-    EXPECT_EQ(entries(map), "i=2 eleven-long=1 ");
-    kor_map_put(map, "abc", "3");
-    EXPECT_EQ(kor_map_capacity(map), 8U);
-    EXPECT_EQ(entries(map), "i=2 abc=3 eleven-long=1 ");
-}
-
 TEST(Map, AnIteratorLooksItsKeyUpAgainAndStaysOnTheLastEntry) {
     const Map map(new_map(4));
     KorMapIterator it{};
@@ -145,10 +126,7 @@ TEST(Map, AnIteratorLooksItsKeyUpAgainAndStaysOnTheLastEntry) {
     EXPECT_EQ(kor_map_next(&it), nullptr) << "growing moved the entry to the end";
     EXPECT_STREQ(text_of(it.key), "eleven-long");
     EXPECT_EQ(kor_map_next(&it), nullptr);
-    kor_map_clear(map);
-    char gone[] = "eleven-long";
-    it.key = gone;
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", kor_map_next(&it));
+    EXPECT_EQ(entries(map), "i=2 abc=3 eleven-long=1 ");
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/string.h"
 
+#include <array>
 #include <cstdarg>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 
 #include "quorvel/kor/heap.h"
 #include "tests/support/raised.h"
@@ -32,32 +34,25 @@ TEST(StringFormat, CutsAndTerminates) {
     EXPECT_STREQ(to, "");
 }
 
-TEST(StringFormat, ChecksItsBuffersInTheirOrder) {
+TEST(String, ChecksItsDestinations) {
     char text[8] = "text";
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", kor_string_format(nullptr, 8, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer",
-                  kor_string_format(text, sizeof text, text));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer",
-                  vformat(nullptr, 8, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", vformat(nullptr, 8, "x"));
-}
-
-TEST(String, NoneDestinationsAreRefused) {
-    char to[4];
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", kor_string_copy(nullptr, "x"));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_string_to_lower(nullptr, "x"));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_string_to_upper(nullptr, "x"));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", kor_string_trim(nullptr, "x", nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'dest' is NULL", kor_string_random(nullptr, 3));
-    const support::ReturningRaises handler;
-    EXPECT_EQ(kor_string_format(nullptr, 4, "x"), nullptr);
-    EXPECT_EQ(kor_string_format(to, 4, to), to);
+    const char* same = "'to' and 'format' points to the same buffer";
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_string_format(nullptr, 8, nullptr), nullptr);
+    EXPECT_EQ(kor_string_format(text, sizeof text, text), text);
+    EXPECT_EQ(vformat(nullptr, 8, nullptr), 0);
+    EXPECT_EQ(vformat(nullptr, 8, "x"), 0);
     EXPECT_EQ(kor_string_copy(nullptr, "x"), nullptr);
     EXPECT_EQ(kor_string_ltrim(nullptr, "x", nullptr), nullptr);
     EXPECT_EQ(kor_string_rtrim(nullptr, "x", nullptr), nullptr);
-    EXPECT_EQ(kor_string_trim(nullptr, "x", nullptr), nullptr);
+    EXPECT_EQ(kor_string_trim(nullptr, nullptr, nullptr), nullptr);
+    kor_string_to_lower(nullptr, "x");
+    kor_string_to_upper(nullptr, "x");
     EXPECT_EQ(kor_string_random(nullptr, 3), nullptr);
-    EXPECT_EQ(handler.all().size(), 7U);
+    EXPECT_EQ(raises.all(),
+              support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
+                              {"'to' is NULL", same, same, "'to' is NULL", "'to' is NULL", "'to' is NULL",
+                               "'to' is NULL", "'to' is NULL", "'out' is NULL", "'out' is NULL", "'dest' is NULL"}));
 }
 
 TEST(String, NewCopiesToTheHeap) {
@@ -70,45 +65,32 @@ TEST(String, NewCopiesToTheHeap) {
 }
 
 TEST(String, Comparison) {
-    struct Case {
-        const char* lhs;
-        const char* rhs;
-        bool ignoreCase;
-        int sign;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, bool, int> cases[] = {
         {"abc", "abc", false, 0}, {"abc", "ABC", false, 1}, {"abc", "ABC", true, 0},    {"abc", "abd", true, -1},
         {"abc", "ab", true, 1},   {"", "a", true, -1},      {"\xE9", "a", true, 1},     {"\xE9", "a", false, 1},
         {"Ab", "aC", true, -1},   {"", "", true, 0},        {"abcd", "ABCE", true, -1},
     };
-    for (const Case& c : cases) {
-        const int32_t result = kor_string_ccmp(c.lhs, c.rhs, c.ignoreCase);
-        EXPECT_EQ((result > 0) - (result < 0), c.sign) << c.lhs << ' ' << c.rhs;
-        EXPECT_EQ(kor_string_cequals(c.lhs, c.rhs, c.ignoreCase), c.sign == 0) << c.lhs << ' ' << c.rhs;
+    for (const auto& [lhs, rhs, ignoreCase, sign] : cases) {
+        const int32_t result = kor_string_ccmp(lhs, rhs, ignoreCase);
+        EXPECT_EQ((result > 0) - (result < 0), sign) << lhs << ' ' << rhs;
+        EXPECT_EQ(kor_string_cequals(lhs, rhs, ignoreCase), sign == 0) << lhs << ' ' << rhs;
     }
     EXPECT_EQ(kor_string_icmp("b", "A"), 1) << "the difference of the folded characters";
     EXPECT_EQ(kor_string_cmp(nullptr, nullptr), 0) << "the same pointer is not read";
 }
 
 TEST(String, Search) {
-    struct Case {
-        const char* needle;
-        const char* text;
-        bool ignoreCase;
-        int first;
-        int last;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, bool, int, int> cases[] = {
         {"ab", "xxAbyy", true, 2, 2},   {"ab", "xxAbyy", false, -1, -1}, {"/", "a/b/c", false, 1, 3},
         {"aa", "aaa", false, 0, 1},     {"Ab", "abAB", true, 0, 2},      {"", "abc", false, 0, -1},
         {"", "abc", true, 0, -1},       {"a", "", false, -1, -1},        {"abcd", "abc", true, -1, -1},
         {"abc", "ABCabc", false, 3, 3}, {"c", "abc", false, 2, 2},       {"aB", "aabab", true, 1, 3},
     };
-    for (const Case& c : cases) {
-        const char* first = kor_string_cfind_first(c.needle, c.text, c.ignoreCase);
-        const char* last = kor_string_cfind_last(c.needle, c.text, c.ignoreCase);
-        EXPECT_EQ(first != nullptr ? first - c.text : -1, c.first) << c.needle << " in " << c.text;
-        EXPECT_EQ(last != nullptr ? last - c.text : -1, c.last) << c.needle << " in " << c.text;
+    for (const auto& [needle, in, ignoreCase, firstAt, lastAt] : cases) {
+        const char* first = kor_string_cfind_first(needle, in, ignoreCase);
+        const char* last = kor_string_cfind_last(needle, in, ignoreCase);
+        EXPECT_EQ(first != nullptr ? first - in : -1, firstAt) << needle << " in " << in;
+        EXPECT_EQ(last != nullptr ? last - in : -1, lastAt) << needle << " in " << in;
     }
     const char* text = "text";
     EXPECT_EQ(kor_string_find_first(text, text), text);
@@ -118,21 +100,14 @@ TEST(String, Search) {
 }
 
 TEST(String, StartsAndEnds) {
-    struct Case {
-        const char* part;
-        const char* text;
-        bool ignoreCase;
-        bool starts;
-        bool ends;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, bool, bool, bool> cases[] = {
         {"c", "abc", false, false, true},    {"abcd", "abc", false, false, false}, {"abc", "abc", false, true, true},
         {"AB", "abxab", true, true, true},   {"AB", "abxab", false, false, false}, {"", "abc", false, true, false},
         {"ab", "xabx", false, false, false}, {"aa", "aaa", false, true, true},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(kor_string_cstarts_with(c.part, c.text, c.ignoreCase), c.starts) << c.part << ' ' << c.text;
-        EXPECT_EQ(kor_string_cends_with(c.part, c.text, c.ignoreCase), c.ends) << c.part << ' ' << c.text;
+    for (const auto& [part, text, ignoreCase, starts, ends] : cases) {
+        EXPECT_EQ(kor_string_cstarts_with(part, text, ignoreCase), starts) << part << ' ' << text;
+        EXPECT_EQ(kor_string_cends_with(part, text, ignoreCase), ends) << part << ' ' << text;
     }
 }
 
@@ -148,25 +123,8 @@ TEST(String, ShortFormsPassTheirCaseOn) {
     EXPECT_FALSE(kor_string_ends_with("A", "a"));
 }
 
-TEST(String, ReplacesCharacters) {
-    char text[] = "aAbA";
-    EXPECT_EQ(kor_string_replace_chars(text, 'A', '-'), 2U);
-    EXPECT_STREQ(text, "a-b-");
-    char folded[] = "aAbA";
-    EXPECT_EQ(kor_string_ireplace_chars(folded, 'A', '*'), 3U);
-    EXPECT_STREQ(folded, "**b*");
-    EXPECT_EQ(kor_string_replace_chars(nullptr, 'a', 'b'), 0U);
-}
-
 TEST(String, Trims) {
-    struct Case {
-        const char* from;
-        const char* set;
-        const char* left;
-        const char* right;
-        const char* both;
-    };
-    const Case cases[] = {
+    const std::array<const char*, 5> cases[] = {
         {"   x\t", nullptr, "x\t", "   x", "x"},
         {" \t\n\v\f\r", nullptr, "", "", ""},
         {"", nullptr, "", "", ""},
@@ -174,22 +132,28 @@ TEST(String, Trims) {
         {" x ", "0", " x ", " x ", " x "},
         {"a b", nullptr, "a b", "a b", "a b"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [from, set, left, right, both] : cases) {
         char to[16];
-        EXPECT_STREQ(kor_string_ltrim(to, c.from, c.set), c.left);
-        EXPECT_STREQ(kor_string_rtrim(to, c.from, c.set), c.right);
-        EXPECT_STREQ(kor_string_trim(to, c.from, c.set), c.both);
-        std::strcpy(to, c.from);
-        EXPECT_STREQ(kor_string_trim(to, to, c.set), c.both) << "in place";
+        EXPECT_STREQ(kor_string_ltrim(to, from, set), left);
+        EXPECT_STREQ(kor_string_rtrim(to, from, set), right);
+        EXPECT_STREQ(kor_string_trim(to, from, set), both);
+        kor_string_copy(to, from);
+        EXPECT_STREQ(kor_string_trim(to, to, set), both) << "in place";
     }
 }
 
-TEST(String, ConvertsCaseInPlace) {
+TEST(String, ConvertsAndReplacesCharactersInPlace) {
     char text[] = "aB1\xE9";
     kor_string_to_upper(text, text);
     EXPECT_STREQ(text, "AB1\xE9");
     kor_string_to_lower(text, text);
     EXPECT_STREQ(text, "ab1\xE9");
+    char mixed[] = "aAbA";
+    EXPECT_EQ(kor_string_replace_chars(mixed, 'A', '-'), 2U);
+    EXPECT_STREQ(mixed, "a-b-");
+    EXPECT_EQ(kor_string_ireplace_chars(mixed, 'B', '*'), 1U);
+    EXPECT_STREQ(mixed, "a-*-");
+    EXPECT_EQ(kor_string_replace_chars(nullptr, 'a', 'b'), 0U);
 }
 
 TEST(String, RandomTextsAreDigitsAndLetters) {

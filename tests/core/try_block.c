@@ -6,22 +6,15 @@
 
 static void add(char* trace, const char* letter) { strcat(trace, letter); }
 
-void try_success(char* trace) {
-    KOR_TRY { add(trace, "b"); }
-    KOR_CATCH(KOR_RESULT_OK) { add(trace, "c"); }
-    KOR_CLEANUP { add(trace, kor_exception_get_frame_node() == NULL ? "u" : "o"); }
-    KOR_END_TRY;
-    add(trace, "e");
-}
-
-void try_first_matching_branch(char* trace, int16_t code) {
+void try_branches(char* trace, int16_t code) {
     KOR_TRY {
         kor_exception_throw(code, "thrown");
-        add(trace, "x");
+        add(trace, "b");
     }
     KOR_CATCH(KOR_RESULT_IO_ERROR) { add(trace, "6"); }
     KOR_CATCH(KOR_RESULT_OK) { add(trace, "0"); }
     KOR_CATCH(KOR_RESULT_TIMEOUT_ERROR) { add(trace, "7"); }
+    KOR_CLEANUP { add(trace, "u"); }
     KOR_END_TRY;
     add(trace, kor_exception_get_error() == 0 ? "e" : "p");
 }

@@ -8,8 +8,7 @@
 KOR_BEGIN_DECLS
 
 /* Each runs a try block written in C and adds a letter to `trace` (empty, 32 characters) for each branch it passes. */
-void try_success(char* trace);
-void try_first_matching_branch(char* trace, int16_t code);
+void try_branches(char* trace, int16_t code);
 void try_unmatched(char* trace);
 void try_error_in_cleanup(char* trace);
 void try_error_in_catch(char* trace);

@@ -15,15 +15,18 @@ namespace support {
 // it.
 class Packet {
 public:
-    explicit Packet(std::string_view bytes = {}) {
-        for (const char c : bytes) { abecs_packet_write_byte(packet_, static_cast<uint8_t>(c)); }
-    }
-
+    explicit Packet(std::string_view bytes = {}) { fill(bytes); }
     ~Packet() { abecs_packet_delete(&packet_); }
     Packet(const Packet&) = delete;
     Packet& operator=(const Packet&) = delete;
 
     [[nodiscard]] AbecsPacket* get() const { return packet_; }
+    operator AbecsPacket*() const { return packet_; }
+
+    void fill(std::string_view bytes) const {
+        abecs_packet_clear(packet_);
+        abecs_packet_write_field_b(packet_, bytes.data(), bytes.size());
+    }
 
     // Takes what has not been read yet out of the packet.
     [[nodiscard]] std::string take() const {

@@ -39,6 +39,12 @@ Raised error(int16_t code, const std::string& detail) {
     return {code, "[KOR_RESULT_" + std::string(names.at(static_cast<size_t>(code))) + "] " + detail};
 }
 
+std::vector<Raised> errors(int16_t code, std::initializer_list<const char*> details) {
+    std::vector<Raised> all;
+    for (const char* detail : details) { all.push_back(error(code, detail)); }
+    return all;
+}
+
 Raised raised_by(void (*call)(void*), void* context) {
     KorException caught;
     run_caught(call, context, &caught);

@@ -4,6 +4,7 @@
 #define QUORVEL_TESTS_SUPPORT_RAISED_H
 
 #include <cstdint>
+#include <initializer_list>
 #include <iosfwd>
 #include <string>
 #include <type_traits>
@@ -26,6 +27,7 @@ std::ostream& operator<<(std::ostream& out, const Raised& raised);
 // The error that raising `code` with `detail` must leave: "[NAME] detail". The names are spelled here, not asked of
 // the library.
 Raised error(int16_t code, const std::string& detail);
+std::vector<Raised> errors(int16_t code, std::initializer_list<const char*> details);
 
 Raised raised_by(void (*call)(void*), void* context);
 

@@ -6,8 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "quorvel/abecs/packet.h"
+#include "quorvel/abecs/param.h"
 #include "quorvel/kor/buffer.h"
+#include "tests/support/packets.h"
 
 namespace support {
 
@@ -33,30 +34,6 @@ public:
 
 private:
     KorBuffer* buffer_;
-};
-
-class Packet {
-public:
-    explicit Packet(std::string_view content = {}) : packet_(abecs_packet_new()) { fill(content); }
-    ~Packet() { abecs_packet_delete(&packet_); }
-    Packet(const Packet&) = delete;
-    Packet& operator=(const Packet&) = delete;
-
-    operator AbecsPacket*() const { return packet_; }
-
-    void fill(std::string_view content) const {
-        abecs_packet_clear(packet_);
-        abecs_packet_write_field_b(packet_, content.data(), content.size());
-    }
-
-    [[nodiscard]] std::string take() const {
-        std::string content(abecs_packet_available_read(packet_), '\0');
-        abecs_packet_read_field_b(packet_, content.data(), content.size(), content.size());
-        return content;
-    }
-
-private:
-    AbecsPacket* packet_;
 };
 
 class Param {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/support/raised.h"
@@ -12,11 +13,7 @@
 namespace {
 
 TEST(CheckNString, ReportsTheFirstFault) {
-    struct Case {
-        const char* text;
-        const char* fault;
-    };
-    const Case faults[]{
+    const std::pair<const char*, const char*> faults[]{
         {nullptr, "'pan' is NULL"},
         {"12345x", "'pan' is too long (maximum: 5, requested: 6)"},
         {"x", "'pan' is too short (minimum: 2, requested: 1)"},
@@ -24,8 +21,8 @@ TEST(CheckNString, ReportsTheFirstFault) {
         {"12/", "pan: invalid char (0x2F) at index 2"},
         {":2", "pan: invalid char (0x3A) at index 0"},
     };
-    for (const Case& each : faults) {
-        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, each.fault, abecs_data_check_n_string(each.text, "pan", 5, 2));
+    for (const auto& each : faults) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, each.second, abecs_data_check_n_string(each.first, "pan", 5, 2));
     }
     EXPECT_NO_RAISE(abecs_data_check_n_string("09", "pan", 5, 2));
     EXPECT_NO_RAISE(abecs_data_check_n_string("01239", "pan", 5, 2));
@@ -66,27 +63,30 @@ TEST(Dates, EveryMonthEndsWhereItShould) {
 }
 
 TEST(Dates, FaultsComeInOrder) {
-    const AbecsDate year{100, 0, 0};
-    const AbecsDate month0{99, 0, 0};
-    const AbecsDate month13{99, 13, 0};
-    const AbecsDate day0{5, 6, 0};
+    const std::pair<AbecsDate, const char*> faults[]{
+        {{100, 0, 0}, "Invalid year: 100"},
+        {{99, 0, 0}, "Invalid month: 0"},
+        {{99, 13, 0}, "Invalid month: 13"},
+        {{5, 6, 0}, "Invalid date (YY-MM-DD): 05-06-00"},
+    };
+    for (const auto& each : faults) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, each.second, abecs_data_validate_date(&each.first));
+    }
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'date' is NULL", abecs_data_validate_date(nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid year: 100", abecs_data_validate_date(&year));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid month: 0", abecs_data_validate_date(&month0));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid month: 13", abecs_data_validate_date(&month13));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid date (YY-MM-DD): 05-06-00", abecs_data_validate_date(&day0));
 }
 
 TEST(Times, FaultsComeInOrder) {
+    const std::pair<AbecsTime, const char*> faults[]{
+        {{24, 60, 60}, "Invalid hours: 24"},
+        {{23, 60, 60}, "Invalid minutes: 60"},
+        {{0, 59, 60}, "Invalid seconds: 60"},
+    };
+    for (const auto& each : faults) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, each.second, abecs_data_validate_time(&each.first));
+    }
     const AbecsTime last{23, 59, 59};
-    const AbecsTime hours{24, 60, 60};
-    const AbecsTime minutes{23, 60, 60};
-    const AbecsTime seconds{0, 0, 255};
     EXPECT_NO_RAISE(abecs_data_validate_time(&last));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'time' is NULL", abecs_data_validate_time(nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hours: 24", abecs_data_validate_time(&hours));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid minutes: 60", abecs_data_validate_time(&minutes));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid seconds: 255", abecs_data_validate_time(&seconds));
 }
 
 TEST(Hex, ToHexWritesLowerCase) {
