@@ -184,7 +184,7 @@ void Peer::fail(const Where& where, const std::string& text) {
 void Peer::match(const std::string& expected, const Where& where) {
     std::string received;
     while (received.size() < expected.size()) {
-        received += read_some(1, where, difference(expected, received));
+        received += read_some(expected.size() - received.size(), where, difference(expected, received));
         if (!expected.starts_with(received)) { fail(where, difference(expected, received + read_waiting(64))); }
     }
 }
