@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "quorvel/abecs/rsp_stat.h"
@@ -12,13 +13,19 @@
 
 namespace support {
 
-// A command that refuses what it was given: it raises the error, and the same one once where the raise returns, with a
-// status that nobody takes for success.
+// A function that refuses what it was given: it raises the error, and the same one once where the raise returns. What
+// it returns then is a status that nobody takes for success, or the error's code.
 template <typename Call>
 void expect_refused(const Raised& error, Call&& call) {
     EXPECT_EQ(raised_by([&] { call(); }), error);
     const ReturningRaises handler;
-    EXPECT_EQ(call(), ABECS_RSP_STAT_ST_INTERR) << error;
+    if constexpr (std::is_void_v<decltype(call())>) {
+        call();
+    } else if constexpr (std::is_same_v<decltype(call()), KorResult_E>) {
+        EXPECT_EQ(call(), error.code) << error;
+    } else {
+        EXPECT_EQ(call(), ABECS_RSP_STAT_ST_INTERR) << error;
+    }
     EXPECT_EQ(handler.all(), std::vector{error});
 }
 

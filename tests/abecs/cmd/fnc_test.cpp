@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/fnc.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/abecs/cmd/card_command.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+using support::repeated;
+
+TEST(Fnc, SendsTheAnswerOfTheAcquirer) {
+    const auto expect_sent = [](const AbecsCmdFncData& data, const std::string& request,
+                                support::Peer::Where where = {}) {
+        Link link;
+        link.peer.request("FNC" + request, where).response("FNC021", where);
+        AbecsCmdFncResponse out{77, 0, "", 0, "", 0};
+        EXPECT_EQ(link.call(abecs_cmd_fnc, where)(&data, &out), 21);
+        EXPECT_EQ(out.decision, 77U);
+    };
+    expect_sent({0, "00", 0, "", 0, ""}, "010|00|00|000|000|003|000"_wire);
+    expect_sent({1, "Z", 4, "9108aabb", 2, "9F26"}, "018|10|Z |004|9108AABB|000|007|002|9F26"_wire);
+    expect_sent({9, {'5', '1', '2'}, 2, "72", 0, ""}, "014|90|51|002|3072|000|003|000"_wire);
+    expect_sent({0, "", 494, "", 498, "82"},
+                "998|00|  |494"_wire + repeated("30", 494) + "000|999|498"_wire + repeated("30", 497) + "82");
+}
+
+TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
+    Link link;
+    AbecsCmdFncData data{-1, "\n", 1000, "", 1000, ""};
+    AbecsCmdFncResponse out{};
+    const auto refused = [&](const char* detail) { EXPECT_REFUSED(2, detail, abecs_cmd_fnc(link.comm, &data, &out)); };
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_fnc(nullptr, nullptr, nullptr));
+    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_fnc(link.comm, nullptr, nullptr));
+    EXPECT_REFUSED(2, "'rspData' is NULL", abecs_cmd_fnc(link.comm, &data, nullptr));
+    refused("invalid cmdData->issDatLen: 1000 (max: 999)");
+    data.issDatLen = 999;
+    refused("invalid cmdData->tagsLen: 1000 (max: 999)");
+    data.tagsLen = 999;
+    for (const int32_t status : {-1, 2, 8, 10}) {
+        data.commSt = status;
+        refused(("invalid cmdData->commSt: " + std::to_string(status)).c_str());
+    }
+    data.commSt = 9;
+    refused("Number length (4) is greater than field length (3)");
+    data.issDatLen = 494;
+    refused("Invalid character (0x0A) at position 0");
+    std::strcpy(data.arc, "00");
+    std::memset(data.issDat, 'a', sizeof data.issDat);
+    refused("Field does not have enough room for data");
+    std::strcpy(data.issDat, "9F2");
+    refused("Invalid hex byte at index 2");
+    std::strcpy(data.issDat, "");
+    refused("Number length (4) is greater than field length (3)");
+}
+
+TEST(Fnc, ReadsTheLastDecision) {
+    const struct {
+        std::string response;
+        AbecsCmdFncResponse out;
+        int16_t code;
+        const char* detail;
+    } rows[] = {
+        {"FNC000|999|1|003|9f2601|02|aB0C|007"_wire, {1, 3, "9f2601", 2, "aB0C", 7}, 0, ""},
+        {"FNC000|000|0|000|00|000"_wire, {0, 0, "", 0, "", 0}, 0, ""},
+        {"FNC000|000|2|002|3095|01|30|999|behind"_wire, {2, 2, "95", 1, "", 999}, 0, ""},
+        {"FNC000|999|0|256"_wire + repeated("A", 512) + "50" + repeated("C", 100) + "009",
+         {0, 256, "", 50, "", 9},
+         0,
+         ""},
+        {"FNC000|999|0|257"_wire + repeated("AB", 257) + "00|000"_wire,
+         {},
+         2,
+         "sizeTo (513) is not enough to store field (length: 514)"},
+        {"FNC000|999|0|000|51"_wire + repeated("CD", 51) + "000",
+         {},
+         2,
+         "sizeTo (101) is not enough to store field (length: 102)"},
+        {"FNC000|999|0|257|AB"_wire, {}, 6, "Buffer does not have enough data (requested: 514, available: 2)"},
+        {"FNC000|999|0|000|00"_wire, {}, 6, "Buffer does not have enough data (requested: 3, available: 0)"},
+        {"NTM000|002HI"_wire, {}, 12, "(FNC) Invalid RSP_ID: NTM)"},
+    };
+    const AbecsCmdFncData data{0, "00", 0, "", 0, ""};
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.request("FNC01000|00|000000|003000"_wire).response(row.response);
+        AbecsCmdFncResponse out{};
+        EXPECT_EQ(support::raised_by([&] { abecs_cmd_fnc(link.comm, &data, &out); }),
+                  row.code == 0 ? support::Raised{} : support::error(row.code, row.detail));
+        if (row.code != 0) { continue; }
+        EXPECT_EQ(out.decision, row.out.decision);
+        EXPECT_EQ(out.emvDataLen, row.out.emvDataLen);
+        EXPECT_EQ(out.emvData, row.out.emvDataLen == 256 ? repeated("A", 512) : row.out.emvData);
+        EXPECT_EQ(out.isResultsLen, row.out.isResultsLen);
+        EXPECT_EQ(out.isResults, row.out.isResultsLen == 50 ? repeated("C", 100) : row.out.isResults);
+        EXPECT_EQ(out.acqDataLen, row.out.acqDataLen);
+    }
+}
+
+}  // namespace
