@@ -16,8 +16,8 @@ void purge(AbecsComm* link);
 // Aborts what the PIN pad is doing and frees the link.
 void cancel(AbecsComm* link);
 
-// Sends one frame and sees it acknowledged: `encrypted` if there is one, else `plain`. What was sent is consumed, unless
-// it was rejected each time.
+// Sends one frame and sees it acknowledged: `encrypted` if there is one, else `plain`. What was sent is consumed,
+// unless it was rejected each time.
 void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted);
 
 // Fills `out` with the data of one good frame and tells whether it was an encrypted one.

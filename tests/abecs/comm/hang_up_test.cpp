@@ -35,7 +35,7 @@ TEST(HangUp, AfterEachByteOfARequest) {
         link.peer.discard(count).hang_up();
         const Packet packet("GIN00200");
         expect_io_error_at_once("after byte " + std::to_string(count),
-                                [&] { abecs_comm_send_packet(link.comm, packet.get()); });
+                                [&] { abecs_comm_send_packet(link.comm, packet); });
     }
 }
 
@@ -45,7 +45,7 @@ TEST(HangUp, AfterEachByteOfAResponse) {
         link.peer.send(kResponse.substr(0, count)).wait(20ms).hang_up();
         const Packet packet;
         expect_io_error_at_once("after byte " + std::to_string(count),
-                                [&] { abecs_comm_read_packet(link.comm, packet.get()); });
+                                [&] { abecs_comm_read_packet(link.comm, packet); });
     }
 }
 
@@ -53,13 +53,13 @@ TEST(HangUp, DuringTheRepetitions) {
     Link sending;
     sending.peer.expect(kRequest).send("15"_hex).expect(kRequest).hang_up();
     const Packet packet("GIN00200");
-    expect_io_error_at_once("after the second frame", [&] { abecs_comm_send_packet(sending.comm, packet.get()); });
+    expect_io_error_at_once("after the second frame", [&] { abecs_comm_send_packet(sending.comm, packet); });
     Link purging;
     purging.peer.send(kBad).wait(100ms).hang_up();
-    expect_io_error_at_once("in the purge", [&] { abecs_comm_read_packet(purging.comm, packet.get()); });
+    expect_io_error_at_once("in the purge", [&] { abecs_comm_read_packet(purging.comm, packet); });
     Link repeating;
     repeating.peer.send(kBad).expect("15"_hex).hang_up();
-    expect_io_error_at_once("after NAK", [&] { abecs_comm_read_packet(repeating.comm, packet.get()); });
+    expect_io_error_at_once("after NAK", [&] { abecs_comm_read_packet(repeating.comm, packet); });
 }
 
 TEST(HangUp, DuringCan) {
@@ -84,7 +84,7 @@ TEST(HangUp, IsRaisedOnceOutsideEveryTryBlock) {
     };
     for (const auto& call : calls) {
         const support::ReturningRaises raises;
-        call(link.comm, packet.get());
+        call(link.comm, packet);
         EXPECT_EQ(raises.all().size(), 1U);
         EXPECT_EQ(raises.all().front().code, KOR_RESULT_IO_ERROR);
     }

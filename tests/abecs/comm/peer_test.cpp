@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "tests/support/peer.h"
 
-#include <array>
 #include <chrono>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -61,7 +61,7 @@ TEST(Peer, PlaysItsScript) {
     peer.finish();
 }
 
-TEST(Peer, ReportsAWrongByteAndHangsUp) {
+TEST(Peer, HangsUpAtTheFirstWrongByte) {
     Peer peer;
     const Host host(peer);
     peer.request("OPN");
@@ -70,43 +70,25 @@ TEST(Peer, ReportsAWrongByteAndHangsUp) {
     EXPECT_NONFATAL_FAILURE(peer.finish(), "byte 2");
 }
 
-TEST(Peer, ReportsMissingBytes) {
-    Peer peer;
-    const Host host(peer);
-    peer.expect("OPN");
-    host.send("OP");
-    EXPECT_NONFATAL_FAILURE(peer.finish(), "nothing more came");
-}
-
-TEST(Peer, ReportsBytesBeyondTheScript) {
-    Peer peer;
-    const Host host(peer);
-    peer.expect("OPN");
-    host.send("OPN+");
-    EXPECT_NONFATAL_FAILURE(peer.finish(), "more than the script expects: 2B");
-}
-
-TEST(Peer, ReportsAHostThatIsNotSilent) {
-    Peer peer;
-    const Host host(peer);
-    host.send("+");
-    peer.expect_silence(5s);
-    EXPECT_NONFATAL_FAILURE(peer.finish(), "expected silence, received 2B");
-}
-
-TEST(Peer, ReportsStepsAfterAHangUp) {
-    Peer peer;
-    const Host host(peer);
-    peer.hang_up().expect("OPN");
-    EXPECT_EQ(host.receive(1), "");
-    EXPECT_NONFATAL_FAILURE(peer.finish(), "already hung up");
-}
-
-TEST(Peer, ReportsOnce) {
-    Peer peer;
-    peer.expect("OPN");
-    EXPECT_NONFATAL_FAILURE(peer.finish(), "nothing more came");
-    peer.finish();
+TEST(Peer, ReportsOnceWhatWentWrong) {
+    const struct {
+        const char* sent;
+        std::function<void(Peer&)> script;
+        const char* report;
+    } rows[] = {
+        {"OP", [](Peer& peer) { peer.expect("OPN"); }, "nothing more came"},
+        {"OPN+", [](Peer& peer) { peer.expect("OPN"); }, "more than the script expects: 2B"},
+        {"+", [](Peer& peer) { peer.expect_silence(5s); }, "expected silence, received 2B"},
+        {"", [](Peer& peer) { peer.hang_up().expect("OPN"); }, "already hung up"},
+    };
+    for (const auto& row : rows) {
+        Peer peer;
+        const Host host(peer);
+        host.send(row.sent);
+        row.script(peer);
+        EXPECT_NONFATAL_FAILURE(peer.finish(), row.report);
+        peer.finish();
+    }
 }
 
 }  // namespace
