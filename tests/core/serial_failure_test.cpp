@@ -2,10 +2,10 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <csignal>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include "core/serial.h"
@@ -110,49 +110,40 @@ TEST_F(FailingSerial, AClosedDescriptorIsReported) {
     EXPECT_EQ(port, nullptr);
 }
 
-TEST_F(FailingSerial, AWriteThatFailsAloneIsReportedWithItsOwnNumber) {
-    // The drain succeeds on a descriptor without the right to write.
+// A descriptor without the right to write drains all the same, and one without the right to read waits.
+TEST_F(FailingSerial, AReadOrWriteThatFailsAloneIsReportedWithItsOwnNumber) {
     replace_descriptor(open(line.path().c_str(), O_RDONLY | O_NOCTTY));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "write() error: 9", kor_serial_write_byte(port, 1));
-}
-
-TEST_F(FailingSerial, AReadThatFailsIsReported) {
     replace_descriptor(open(line.path().c_str(), O_WRONLY | O_NOCTTY));
     line.feed("x");
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 9", kor_serial_read_byte(port));
 }
 
-TEST(SerialHandle, NoneIsRefusedEverywhereButOnClose) {
-    const std::function<void()> calls[] = {
-        [] { kor_serial_config(nullptr, &kConfig); },
-        [] { kor_serial_set_read_timeout(nullptr, 1); },
-        [] { kor_serial_set_baud_rate(nullptr, 1); },
-        [] { kor_serial_set_data_bits(nullptr, 1); },
-        [] { kor_serial_set_stop_bits(nullptr, 9); },
-        [] { kor_serial_set_parity(nullptr, 9); },
-        [] { kor_serial_set_flow_control(nullptr, 9); },
-        [] { kor_serial_purge(nullptr, 9); },
-        [] { EXPECT_EQ(kor_serial_available(nullptr), 0U); },
-        [] { kor_serial_write(nullptr, "a", 1); },
-        [] { kor_serial_write(nullptr, "", 0); },
-        [] { kor_serial_write_byte(nullptr, 1); },
-        [] { kor_serial_write_str(nullptr, nullptr, true); },
-        [] { kor_serial_write_i16(nullptr, 1, 0); },
-        [] { kor_serial_write_ui16(nullptr, 1, 0); },
-        [] { kor_serial_write_i32(nullptr, 1, 0); },
-        [] { kor_serial_write_ui32(nullptr, 1, 0); },
-        [] { EXPECT_EQ(kor_serial_read(nullptr, nullptr, 1), 0U); },
-        [] { EXPECT_EQ(kor_serial_read_byte(nullptr), 0); },
-        [] { EXPECT_EQ(kor_serial_read_ui16(nullptr, 0), 0); },
-        [] { EXPECT_EQ(kor_serial_read_i16(nullptr, 0), 0); },
-        [] { EXPECT_EQ(kor_serial_read_ui32(nullptr, 0), 0U); },
-        [] { EXPECT_EQ(kor_serial_read_i32(nullptr, 0), 0); },
-        [] { EXPECT_EQ(kor_serial_read_str(nullptr, nullptr, 1), nullptr); },
-    };
+// Calls it with none for the handle and zeros for the rest.
+template <typename Result, typename... Parameters>
+void call_without_handle(Result (*function)(KorSerial*, Parameters...)) {
+    if constexpr (std::is_void_v<Result>) {
+        function(nullptr, Parameters{}...);
+    } else {
+        EXPECT_EQ(function(nullptr, Parameters{}...), Result{});
+    }
+}
+
+template <auto... Functions>
+size_t call_each_without_handle() {
+    (call_without_handle(Functions), ...);
+    return sizeof...(Functions);
+}
+
+TEST(SerialHandle, NoneIsRefusedOnceEverywhereButOnClose) {
     const support::ReturningRaises raises;
-    for (const auto& call : calls) { call(); }
-    EXPECT_EQ(raises.all(),
-              std::vector(std::size(calls), support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'handle' is NULL")));
+    const size_t calls = call_each_without_handle<
+        kor_serial_config, kor_serial_set_read_timeout, kor_serial_set_baud_rate, kor_serial_set_data_bits,
+        kor_serial_set_stop_bits, kor_serial_set_parity, kor_serial_set_flow_control, kor_serial_purge,
+        kor_serial_available, kor_serial_write, kor_serial_write_byte, kor_serial_write_str, kor_serial_write_i16,
+        kor_serial_write_ui16, kor_serial_write_i32, kor_serial_write_ui32, kor_serial_read, kor_serial_read_byte,
+        kor_serial_read_ui16, kor_serial_read_i16, kor_serial_read_ui32, kor_serial_read_i32, kor_serial_read_str>();
+    EXPECT_EQ(raises.all(), std::vector(calls, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'handle' is NULL")));
     KorSerial* none = nullptr;
     EXPECT_NO_RAISE(kor_serial_close(&none));
     EXPECT_NO_RAISE(kor_serial_close(nullptr));

@@ -20,31 +20,16 @@ termios filled(tcflag_t flags) {
 
 constexpr tcflag_t kAll = ~tcflag_t{0};
 
-TEST(SerialSettings, SpeedsAreTheTerminalsConstants) {
-    const std::vector<std::pair<int32_t, speed_t>> speeds{
-        {110, B110},   {300, B300},     {600, B600},     {1200, B1200},   {2400, B2400},     {4800, B4800},
-        {9600, B9600}, {19200, B19200}, {38400, B38400}, {57600, B57600}, {115200, B115200},
-    };
-    for (const auto& [baudRate, speed] : speeds) {
-        termios settings{};
-        EXPECT_TRUE(kor::set_baud_rate(settings, baudRate));
-        EXPECT_EQ(cfgetispeed(&settings), speed) << baudRate;
-        EXPECT_EQ(cfgetospeed(&settings), speed) << baudRate;
-    }
-}
-
-struct FlagCase {
-    const char* what;
-    bool (*apply)(termios&, int32_t);
-    int32_t value;
-    tcflag_t inputClear;
-    tcflag_t inputSet;
-    tcflag_t controlClear;
-    tcflag_t controlSet;
-};
-
 TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
-    const FlagCase cases[] = {
+    const struct {
+        const char* what;
+        bool (*apply)(termios&, int32_t);
+        int32_t value;
+        tcflag_t inputClear;
+        tcflag_t inputSet;
+        tcflag_t controlClear;
+        tcflag_t controlSet;
+    } cases[] = {
         {"5 bits", kor::set_data_bits, 5, 0, 0, CSIZE, CS5},
         {"6 bits", kor::set_data_bits, 6, 0, 0, CSIZE, CS6},
         {"7 bits", kor::set_data_bits, 7, 0, 0, CSIZE, CS7},
@@ -59,7 +44,7 @@ TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
         {"software", kor::set_flow_control, 1, 0, IXON | IXOFF, CRTSCTS, 0},
         {"hardware", kor::set_flow_control, 2, IXON | IXOFF, 0, 0, CRTSCTS},
     };
-    for (const FlagCase& test : cases) {
+    for (const auto& test : cases) {
         for (const tcflag_t before : {tcflag_t{0}, kAll}) {
             termios settings = filled(before);
             EXPECT_TRUE(test.apply(settings, test.value)) << test.what;

@@ -38,14 +38,14 @@ private:
     bool taken_;
 };
 
-TEST_F(Serial, OpensBlockingAndLeavesTheSettings) {
-    const Line other;
-    const termios before = other.settings();
-    KorSerial* opened = kor_serial_open(other.path().c_str());
+TEST(SerialOpen, BlocksAndLeavesTheSettings) {
+    const Line line;
+    const termios before = line.settings();
+    KorSerial* opened = kor_serial_open(line.path().c_str());
     ASSERT_NE(opened, nullptr);
     EXPECT_EQ(fcntl(opened->fd, F_GETFL) & (O_NONBLOCK | O_ACCMODE), O_RDWR);
     EXPECT_EQ(fcntl(opened->fd, F_GETFD), FD_CLOEXEC);
-    EXPECT_TRUE(same_settings(other.settings(), before));
+    EXPECT_TRUE(same_settings(line.settings(), before));
     kor_serial_close(&opened);
     EXPECT_EQ(opened, nullptr);
 }
@@ -53,13 +53,14 @@ TEST_F(Serial, OpensBlockingAndLeavesTheSettings) {
 TEST(SerialOpen, NamesWhatIsWrongWithThePath) {
     const TempDir dir;
     const std::string missing = dir / "missing 100%s %n";
-    const std::string file = dir.file("file");
     const std::string directory = dir.dir("directory");
     const size_t descriptors = open_descriptors();
     EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: " + missing, kor_serial_open(missing.c_str()));
     EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: " + directory, kor_serial_open(directory.c_str()));
     EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: (null)", kor_serial_open(nullptr));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25", kor_serial_open(file.c_str()));
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_serial_open("/dev/null"), nullptr);
+    EXPECT_EQ(raises.all(), std::vector{support::error(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25")});
     EXPECT_EQ(open_descriptors(), descriptors);
 }
 
@@ -74,12 +75,6 @@ TEST(SerialOpen, TellsForbiddenFromBusy) {
     EXPECT_RAISES(KOR_RESULT_PERMISSION_DENIED, "Permission denied for port : " + forbidden.path(),
                   kor_serial_open(forbidden.path().c_str()));
     EXPECT_RAISES(KOR_RESULT_DEVICE_BUSY, "Port is busy: " + busy.path(), kor_serial_open(busy.path().c_str()));
-}
-
-TEST(SerialOpen, WithAReturningHandlerGivesNoneAndOneError) {
-    const support::ReturningRaises raises;
-    EXPECT_EQ(kor_serial_open("/dev/null"), nullptr);
-    EXPECT_EQ(raises.all(), std::vector{support::error(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25")});
 }
 
 TEST_F(Serial, ConfigMakesTheLineRaw) {
@@ -116,10 +111,9 @@ TEST_F(Serial, ConfigWithOneBadValueAppliesNone) {
         KorSerialConfig config;
         const char* detail;
     } cases[] = {
-        {{9, 1, 8, 1, 0, 0}, "Unsupported baudRate: 1"},       {{9, 9600, 9, 1, 0, 0}, "Unsupported dataBits: 9"},
-        {{9, 9600, 8, 0, 0, 0}, "Unsupported stopBits: 0"},    {{9, 9600, 8, 1, 9, 0}, "Unsupported parity: 9"},
-        {{9, 9600, 8, 1, 0, 3}, "Unsupported flowControl: 3"}, {{9, 1, 9, 0, 9, 3}, "Unsupported baudRate: 1"},
-        {{9, 9600, 8, 0, 9, 3}, "Unsupported stopBits: 0"},
+        {{9, 1, 9, 0, 9, 3}, "Unsupported baudRate: 1"},       {{9, 9600, 9, 0, 9, 3}, "Unsupported dataBits: 9"},
+        {{9, 9600, 8, 0, 9, 3}, "Unsupported stopBits: 0"},    {{9, 9600, 8, 1, 9, 3}, "Unsupported parity: 9"},
+        {{9, 9600, 8, 1, 0, 3}, "Unsupported flowControl: 3"},
     };
     const termios before = line.settings();
     for (const auto& test : cases) {
@@ -147,8 +141,6 @@ TEST_F(Serial, ASetterLeavesTheOtherSettings) {
     settings = line.settings();
     EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), 0U);
     EXPECT_EQ(settings.c_cflag & (CSTOPB | PARENB | PARODD | CSIZE), tcflag_t{PARODD | CS8});
-    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported parity: 3", kor_serial_set_parity(port, 3));
-    EXPECT_TRUE(same_settings(line.settings(), settings));
 }
 
 TEST_F(ConfiguredSerial, ReadStopsShortWhenTheTimeOutExpires) {
@@ -158,17 +150,12 @@ TEST_F(ConfiguredSerial, ReadStopsShortWhenTheTimeOutExpires) {
     EXPECT_EQ(kor_serial_read(port, bytes, sizeof bytes), 3U);
     EXPECT_TRUE(elapsed.between(100ms, 5000ms));
     EXPECT_STREQ(bytes, "abc");
-}
-
-TEST_F(ConfiguredSerial, ReadWithoutTimeOutDoesNotWait) {
     EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 0));
-    char byte = 'x';
-    EXPECT_EQ(kor_serial_read(port, &byte, 1), 0U);
-    EXPECT_EQ(byte, 'x');
+    EXPECT_EQ(kor_serial_read(port, bytes, 1), 0U);
+    EXPECT_STREQ(bytes, "abc");
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_byte(port));
     line.feed("y");
-    EXPECT_EQ(kor_serial_read(port, &byte, 1), 1U);
-    EXPECT_EQ(byte, 'y');
+    EXPECT_EQ(kor_serial_read(port, bytes, 1), 1U) << "what is there needs no wait";
 }
 
 TEST_F(ConfiguredSerial, TheTimeOutStartsAfreshWithEachArrival) {
@@ -274,16 +261,17 @@ TEST_F(ConfiguredSerial, ReadStrFitsTheTextIntoItsBuffer) {
 }
 
 TEST_F(ConfiguredSerial, PurgeDiscardsTheQueueThatItNames) {
-    EXPECT_EQ(kor_serial_available(port), 0U);
-    line.feed("abc");
-    EXPECT_EQ(kor_serial_available(port), 3U);
-    EXPECT_NO_RAISE(kor_serial_purge(port, KOR_SERIAL_PURGE_OUTPUT));
-    EXPECT_EQ(kor_serial_available(port), 3U);
-    EXPECT_NO_RAISE(kor_serial_purge(port, KOR_SERIAL_PURGE_INPUT));
-    EXPECT_EQ(kor_serial_available(port), 0U);
-    line.feed("abc");
-    EXPECT_NO_RAISE(kor_serial_purge(port, KOR_SERIAL_PURGE_BOTH));
-    EXPECT_EQ(kor_serial_available(port), 0U);
+    const struct {
+        int32_t type;
+        size_t left;
+    } rows[] = {{KOR_SERIAL_PURGE_OUTPUT, 3}, {KOR_SERIAL_PURGE_INPUT, 0}, {KOR_SERIAL_PURGE_BOTH, 0}};
+    for (const auto& row : rows) {
+        line.feed("abc");
+        EXPECT_EQ(kor_serial_available(port), 3U);
+        EXPECT_NO_RAISE(kor_serial_purge(port, row.type));
+        EXPECT_EQ(kor_serial_available(port), row.left);
+        tcflush(line.near_side(), TCIFLUSH);
+    }
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: 3", kor_serial_purge(port, 3));
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: -1", kor_serial_purge(port, -1));
 }

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_TESTS_CORE_TEMP_DIR_H
 #define QUORVEL_TESTS_CORE_TEMP_DIR_H
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,9 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "quorvel/kor/string_list.h"
 
 // A directory of the test's own, removed with all that is in it.
 class TempDir {
@@ -49,6 +53,16 @@ private:
 inline size_t open_descriptors() {
     const std::filesystem::directory_iterator all("/proc/self/fd");
     return static_cast<size_t>(std::distance(begin(all), end(all)));
+}
+
+// The texts of a string list, whose order a directory gives.
+inline std::vector<std::string> sorted(const KorList* list) {
+    std::vector<std::string> all;
+    for (auto* node = kor_string_list_first(list); node != nullptr; node = kor_string_list_next(node)) {
+        all.emplace_back(kor_string_list_item(node));
+    }
+    std::sort(all.begin(), all.end());
+    return all;
 }
 
 #endif
