@@ -70,7 +70,7 @@ bool is_quiet(const std::string& name) {
     static const char* const buffers[] = {"kor_buffer_get_", "kor_buffer_set_", "kor_buffer_is_", "kor_buffer_save_",
                                           "kor_buffer_write_str"};
     const auto starts = [&](const char* prefix) { return name.starts_with(prefix); };
-    return kQuiet.contains(name) || name.ends_with("_new") || name.ends_with("_delete")
+    return kQuiet.contains(name) || name.ends_with("_new") || name.ends_with("_delete") || name.ends_with("_to_string")
            || std::ranges::any_of(families, starts) || std::ranges::any_of(texts, starts)
            || std::ranges::any_of(buffers, starts);
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "quorvel/kor/exception.h"
+
 extern "C" {
 void* __real_malloc(size_t size);
 void __real_free(void* pointer);
@@ -28,6 +30,14 @@ bool note(void* from, void* to) {
     return true;
 }
 
+// Frame nodes are made once and kept: running out of memory for one ends the process, and is not what is tested.
+void make_frame_nodes(int depth) {
+    KOR_TRY {
+        if (depth > 1) { make_frame_nodes(depth - 1); }
+    }
+    KOR_END_TRY;
+}
+
 }  // namespace
 
 void* __wrap_malloc(size_t size) {
@@ -49,6 +59,7 @@ void __wrap_free(void* pointer) {
 namespace support {
 
 FailingMalloc::FailingMalloc(size_t n) {
+    make_frame_nodes(16);
     blocks.fill(nullptr);
     has_failed = false;
     countdown = n;
