@@ -26,10 +26,10 @@ using Slot = char[kOptionWidth + 1];
 
 // An option with the NUL that its slot may lack: it is then too long for its field, and refused there.
 struct Option {
-    char text[sizeof(Slot) + 1];
+    char text[sizeof(Slot) + 1]{};
     size_t length;
 
-    explicit Option(const Slot& slot) : text(), length(strnlen(slot, sizeof slot)) { std::memcpy(text, slot, length); }
+    explicit Option(const Slot& slot) : length(strnlen(slot, sizeof slot)) { std::memcpy(text, slot, length); }
 };
 
 bool check_options(std::span<const Slot> slots) {

@@ -12,7 +12,6 @@
 namespace {
 
 using support::Link;
-using support::Peer;
 
 constexpr AbecsWkPan kTdes{
     ABECS_WK_PAN_TYPE_TDES,
@@ -168,15 +167,6 @@ TEST_F(Cke, DoesNotReadBehindTheAnswerInALayoutThatIsTooWide) {
     AbecsCmdCkeOut out{};
     EXPECT_RAISES(6, "Buffer does not have enough data (requested: 104, available: 101)",
                   abecs_cmd_cke_response(link_.comm, &out, nullptr));
-}
-
-TEST_F(Cke, AKeyOfAnUnknownKindEndsTheReading) {
-    protect({static_cast<AbecsWkPanType_E>(3), {}}, true);
-    send();
-    link_.peer.response("CKE000225144" + fill(kTdes1, 76) + "40" + kTdes2 + kTdes3);
-    AbecsCmdCkeOut out{};
-    EXPECT_RAISES(1, "Unhandled case", abecs_cmd_cke_response(link_.comm, &out, nullptr));
-    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "CKE");
 }
 
 TEST_F(Cke, RefusesMalformedEvents) {

@@ -68,22 +68,4 @@ TEST(Display, RefusesWhatDoesNotFit) {
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
 }
 
-TEST(Display, AnswersAreStatuses) {
-    const struct {
-        const char* id;
-        int32_t (*show)(AbecsComm*, const char*);
-        std::string request;
-    } rows[] = {{"DSP", abecs_cmd_dsp, "DSP032" + std::string(32, ' ')}, {"DEX", abecs_cmd_dex, "DEX003000"}};
-    for (const auto& row : rows) {
-        Link link;
-        const std::string id = row.id;
-        link.peer.request(row.request).response(id + "011").request(row.request).response("ERR010");
-        EXPECT_EQ(link.call(row.show)(""), 11);
-        EXPECT_EQ(link.call(row.show)(""), 10);
-        link.peer.request(row.request).response(id + "00").request(row.request).response("GKY000");
-        EXPECT_RAISES(12, "Unrecognized response", row.show(link.comm, ""));
-        EXPECT_RAISES(12, "(" + id + ") Invalid RSP_ID: GKY)", row.show(link.comm, ""));
-    }
-}
-
 }  // namespace

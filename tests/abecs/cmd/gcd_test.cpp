@@ -38,65 +38,48 @@ TEST(Gcd, RefusesMoreThan32Digits) {
     EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_gcd(nullptr, 1, 33, 33, 0));
     EXPECT_REFUSED(2, "Invalid value for minDig: 33 (max: 32)", abecs_cmd_gcd(link.comm, 1, 33, 34, 0));
     EXPECT_REFUSED(2, "Invalid value for maxDig: 255 (max: 32)", abecs_cmd_gcd(link.comm, 1, 32, 255, 0));
+    EXPECT_REFUSED(2, "Invalid value for maxDig: 33 (max: 32)", abecs_cmd_gcd(link.comm, 1, 0, 33, 0));
     EXPECT_REFUSED(2, "minDig (5) > maxDig (4)", abecs_cmd_gcd(link.comm, 1, 5, 4, 0));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
 }
 
-class GcdAnswer : public testing::Test {
-protected:
-    GcdAnswer() {
-        link_.peer.request("GCD016" + "000B 0002 0001 000D 0001 01 000E 0001 20"_hex);
-        link_.call(abecs_cmd_gcd)(1, 1, 32, 0);
+void send(Link& link) {
+    link.peer.request("GCD016" + "000B 0002 0001 000D 0001 01 000E 0001 20"_hex);
+    link.call(abecs_cmd_gcd)(1, 1, 32, 0);
+}
+
+TEST(Gcd, ReadsTheNumberWhereverItStandsAndHoweverLongItIs) {
+    const std::string longest(995, '7');
+    const struct {
+        std::string data;
+        std::string number;
+    } rows[] = {
+        {"016" + "8050 0000 804D 0004"_hex + "0042" + "804D 0000"_hex, "0042"},
+        {"004" + "8050 0000"_hex + "036" + "804D 0020"_hex + "01234567890123456789012345678901",
+         "01234567890123456789012345678901"},
+        {"004" + "804D 0000"_hex, ""},
+        {"999" + "804D 03E3"_hex + longest, longest},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        send(link);
+        link.peer.response("GCD000" + row.data);
+        char out[1000] = "old";
+        EXPECT_EQ(link.call(abecs_cmd_gcd_response)(out, nullptr), 0);
+        EXPECT_EQ(out, row.number);
     }
-
-    Link link_;
-    char out_[1000] = "old";
-};
-
-TEST_F(GcdAnswer, IsTheNumberWhereverItStands) {
-    link_.peer.response(
-        "GCD000"
-        "016"
-        + "8050 0000 804D 0004"_hex + "0042" + "804D 0000"_hex);
-    EXPECT_EQ(link_.call(abecs_cmd_gcd_response)(out_, nullptr), 0);
-    EXPECT_STREQ(out_, "0042");
 }
 
-TEST_F(GcdAnswer, MayStandInTheSecondBlock) {
-    link_.peer.response(
-        "GCD000"
-        "004"
-        + "8050 0000"_hex + "036" + "804D 0020"_hex + "01234567890123456789012345678901");
-    EXPECT_EQ(link_.call(abecs_cmd_gcd_response)(out_, nullptr), 0);
-    EXPECT_STREQ(out_, "01234567890123456789012345678901");
-}
-
-TEST_F(GcdAnswer, MayBeEmpty) {
-    link_.peer.response("GCD000004" + "804D 0000"_hex);
-    EXPECT_EQ(link_.call(abecs_cmd_gcd_response)(out_, nullptr), 0);
-    EXPECT_STREQ(out_, "");
-}
-
-TEST_F(GcdAnswer, IsNotCutShort) {
-    link_.peer.response("GCD000999" + "804D 03E3"_hex + std::string(995, '7'));
-    EXPECT_EQ(link_.call(abecs_cmd_gcd_response)(out_, nullptr), 0);
-    EXPECT_EQ(out_, std::string(995, '7'));
-}
-
-TEST_F(GcdAnswer, WithoutANumberIsAnError) {
+TEST(Gcd, AnAnswerWithoutANumberIsAnError) {
+    Link link;
+    send(link);
+    char out[33] = "old";
     for (const std::string& data : {std::string(), std::string("000"), "004" + "8050 0000"_hex}) {
-        link_.peer.response("GCD000" + data);
-        EXPECT_RAISES(12, "PP_VALUE not found on response", abecs_cmd_gcd_response(link_.comm, out_, nullptr));
-        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "GCD");
+        link.peer.response("GCD000" + data);
+        EXPECT_RAISES(12, "PP_VALUE not found on response", abecs_cmd_gcd_response(link.comm, out, nullptr));
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GCD");
     }
-    EXPECT_STREQ(out_, "old");
-}
-
-TEST_F(GcdAnswer, OfAnotherStatusLeavesTheText) {
-    link_.peer.response("GCD013");
-    EXPECT_EQ(link_.call(abecs_cmd_gcd_response)(out_, nullptr), 13);
-    EXPECT_STREQ(out_, "old");
-    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "");
+    EXPECT_STREQ(out, "old");
 }
 
 }  // namespace

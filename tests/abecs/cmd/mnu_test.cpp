@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/mnu.h"
 
-#include <array>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 
 #include "tests/support/link.h"

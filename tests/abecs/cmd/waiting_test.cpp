@@ -3,6 +3,7 @@
 #include <chrono>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 #include "quorvel/abecs/cmd/cex.h"
 #include "quorvel/abecs/cmd/cke.h"
@@ -64,16 +65,7 @@ std::vector<Waiting> all_waiting() {
              abecs_cmd_cke(link, true, false, ABECS_CMD_CKE_ICC_CHECK_TYPE_0, ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
          },
          [](AbecsComm* link, Outputs& out, char* text) { return abecs_cmd_cke_response(link, &out.event, text); }},
-        {"GPN",
-         "GPN093"
-         "2"
-         "07"
-         "30303030303030303030303030303030"
-         "00                   "
-         "1"
-         "0412"
-         "PIN"
-             + std::string(29, ' '),
+        {"GPN", "GPN0932073030303030303030303030303030303000                   10412PIN" + std::string(29, ' '),
          kFields,
          [](AbecsComm* link) {
              const AbecsCmdGpnCmdData data{ABECS_CMD_GPN_METHOD_DUKPT_DES, 7, "", "", 1, {{4, 12, "PIN"}}};
@@ -185,13 +177,13 @@ TEST_F(Waits, CanBePolledAgainAfterATimeOut) {
     for (const Waiting& command : {commands[1], commands[3]}) {
         SCOPED_TRACE(command.id);
         send(command);
-        link_.peer.wait(2300ms).response("NTM000002HI").response(std::string(command.id) + "000");
         const support::Elapsed elapsed;
         EXPECT_EQ(poll(command), -1);
         EXPECT_TRUE(elapsed.between(2s, 5s));
         EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), command.id);
+        link_.peer.response("NTM000002HI").response(std::string(command.id) + "013");
         EXPECT_EQ(poll(command), -2);
-        EXPECT_EQ(poll(command), 0);
+        EXPECT_EQ(poll(command), 13);
         EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "");
     }
 }
