@@ -2,7 +2,7 @@
 /* Copyright (c) 2026 the quorvel authors */
 
 /*
- * Asks a PIN pad who it is:
+ * Asks a PIN pad who it is, in a plain session and in an encrypted one:
  *
  *     first_light /dev/ttyACM0
  *
@@ -10,6 +10,7 @@
  * holds; main catches whatever arrives.
  */
 
+#include <stdbool.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -72,12 +73,21 @@ static void print_items(AbecsComm* pinpad) {
     KOR_END_TRY;
 }
 
+/* An error leaves the session open; closing the link ends it on this side, and the next OPN on the other. */
+static void print_in_session(AbecsComm* pinpad, bool secure) {
+    printf("-- %s session\n", secure ? "encrypted" : "plain");
+    require_ok("OPN", abecs_cmd_opn(pinpad, secure));
+    print_identification(pinpad);
+    print_items(pinpad);
+    require_ok("CLO", abecs_cmd_clo(pinpad, "FIRST LIGHT"));
+}
+
 static void ask(const char* port) {
     AbecsComm* volatile pinpad = NULL;
     KOR_TRY {
         pinpad = abecs_comm_open(port);
-        print_identification(pinpad);
-        print_items(pinpad);
+        print_in_session(pinpad, false);
+        print_in_session(pinpad, true);
     }
     KOR_CLEANUP {
         AbecsComm* link = pinpad;

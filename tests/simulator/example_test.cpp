@@ -32,24 +32,25 @@ TEST(FirstLight, PrintsWhatThePinPadTellsOfItself) {
     pinPad.start();
     const Outcome run = first_light(pinPad.path());
     EXPECT_EQ(run.status, EXIT_SUCCESS);
-    EXPECT_EQ(run.output,
-              "manufacturer   QUORVEL\n"
-              "model          VIRTUAL SIM\n"
-              "contactless    yes\n"
-              "system         QSO 0.1.0\n"
-              "specification  2.12\n"
-              "version        001.00 260101\n"
-              "serial number  QV00000001\n"
-              "ABECS_RSP_DATID_PP_SERNUM       QV00000001\n"
-              "ABECS_RSP_DATID_PP_PARTNBR      QV-SIM-1\n"
-              "ABECS_RSP_DATID_PP_MODEL        VIRTUAL;SIM\n"
-              "ABECS_RSP_DATID_PP_MNNAME       QUORVEL\n"
-              "ABECS_RSP_DATID_PP_CAPAB        1111000000\n"
-              "ABECS_RSP_DATID_PP_SOVER        QSO 0.1.0\n"
-              "ABECS_RSP_DATID_PP_SPECVER      2.12\n"
-              "ABECS_RSP_DATID_PP_MANVERS      001.00 260101\n"
-              "ABECS_RSP_DATID_PP_APPVERS      001.00 260101\n"
-              "ABECS_RSP_DATID_PP_KSNTDESP0    FFFF9876543210E00000\n");
+    const std::string answers =
+        "manufacturer   QUORVEL\n"
+        "model          VIRTUAL SIM\n"
+        "contactless    yes\n"
+        "system         QSO 0.1.0\n"
+        "specification  2.12\n"
+        "version        001.00 260101\n"
+        "serial number  QV00000001\n"
+        "ABECS_RSP_DATID_PP_SERNUM       QV00000001\n"
+        "ABECS_RSP_DATID_PP_PARTNBR      QV-SIM-1\n"
+        "ABECS_RSP_DATID_PP_MODEL        VIRTUAL;SIM\n"
+        "ABECS_RSP_DATID_PP_MNNAME       QUORVEL\n"
+        "ABECS_RSP_DATID_PP_CAPAB        1111000000\n"
+        "ABECS_RSP_DATID_PP_SOVER        QSO 0.1.0\n"
+        "ABECS_RSP_DATID_PP_SPECVER      2.12\n"
+        "ABECS_RSP_DATID_PP_MANVERS      001.00 260101\n"
+        "ABECS_RSP_DATID_PP_APPVERS      001.00 260101\n"
+        "ABECS_RSP_DATID_PP_KSNTDESP0    FFFF9876543210E00000\n";
+    EXPECT_EQ(run.output, "-- plain session\n" + answers + "-- encrypted session\n" + answers);
     EXPECT_TRUE(pinPad.findings().empty());
 }
 
