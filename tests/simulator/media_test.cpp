@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/media.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/simulator/command_fixture.h"
+
+using namespace support::literals;
+
+namespace quorvel::sim {
+
+namespace {
+
+const std::string nameHead = "001E 0008"_hex;
+const std::string infoHead = "001F 000A"_hex;
+const std::string listHead = "805E 0008"_hex;
+
+// Both of MLI's parameters.
+std::string mli(const std::string& name, const std::string& info) {
+    return "MLI026" + nameHead + name + infoHead + info;
+}
+
+class MediaTest : public CommandTest {};
+
+TEST_F(MediaTest, FilesAreLoadedListedShownAndDeleted) {
+    const std::string both = "LMF000024" + listHead + "A B     " + listHead + "LOGO    ";
+    play();
+    call("LMF", "LMF000");
+    call(mli("LOGO    ", "00000009 31C3 01 000000"_hex), "MLI000");
+    call("MLR009" + "000F 0005"_hex + "12345", "MLR000");
+    call("DSI012" + nameHead + "LOGO    ", "DSI100");
+    call("MLR008" + "000F 0004"_hex + "6789", "MLR000");
+    call("MLE", "MLE000");
+    // An empty file, announced the other way round.
+    call("MLI026" + infoHead + "00000000 0000 03 000000"_hex + nameHead + "A B     ", "MLI000");
+    call("MLE", "MLE000");
+    call("LMF", both);
+    call("DSI012" + nameHead + "LOGO    ", "DSI000");
+    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.media = "LOGO"}));
+    call("CLX012" + nameHead + "NONE    ", "CLX100");
+    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.media = "LOGO"}));
+    call("DMF024" + nameHead + "LOGO    " + nameHead + "NONE    ", "DMF100");
+    call("LMF", both);
+    call("DMF036" + nameHead + "LOGO    " + nameHead + "LOGO    " + nameHead + "A B     ", "DMF000");
+    expect_findings({});
+    EXPECT_EQ(retire().media.files(), Media::Files{});
+}
+
+TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
+    const std::string logo = "LOGO    ";
+    const std::string one = "00000001 0000 01 000000"_hex;
+    Device device;
+    device.media.store("LOGO", {2, {'x'}});
+    play({.device = device});
+    refuse("MLR010", Kind::sequence, {{"MLR005" + "000F 0001"_hex + "1", "MLR: no load was begun"}});
+    refuse("MLE010", Kind::sequence, {{"MLE", "MLE: no load was begun"}});
+    refuse("MLI101", Kind::unsupported,
+           {{mli(logo, "00000001 0000 00 000000"_hex), "MLI: there are no files of type 0"},
+            {mli(logo, "00000001 0000 04 000000"_hex), "MLI: there are no files of type 4"}});
+    refuse("MLI011", Kind::layout,
+           {{mli(logo, "00000001 0000 01 000001"_hex), "SPE_MFINFO: reserved: 1 instead of 0"},
+            {mli("LOGo    ", one), "SPE_MFNAME: a small letter"},
+            {mli("        ", one), "SPE_MFNAME: no name"},
+            {mli("LOG\xC9    ", one), "SPE_MFNAME: text: 0xC9 is not allowed"},
+
+            {"MLI024" + nameHead + logo + nameHead + logo, "MLI: SPE_MFNAME 0x001E has no place in it"}});
+    refuse("MLI019", Kind::layout, {{"MLI012" + nameHead + logo, "MLI: no SPE_MFINFO"}});
+    refuse("DSI011", Kind::layout,
+           {{"DSI013" + "001E 0009"_hex + "LOGO     ", "SPE_MFNAME: 1 bytes too many"},
+            {"DSI005" + "000F 0001"_hex + "1", "DSI: SPE_DATAIN 0x000F has no place in it"}});
+    refuse("DMF019", Kind::layout, {{"DMF", "DMF: no SPE_MFNAME"}});
+    refuse("LMF011", Kind::layout, {{"LMF000", "LMF: 3 bytes too many"}});
+    call(mli(logo, "00000002 31C3 01 000000"_hex), "MLI000");
+    call("MLR006" + "000F 0002"_hex + "12", "MLR000");
+    refuse("MLR102", Kind::layout, {{"MLR005" + "000F 0001"_hex + "3", "MLR: 3 bytes of LOGO, which has 2"}});
+    refuse("MLR011", Kind::layout, {{"MLR004" + "000F 0000"_hex, "MLR: no data"}});
+    refuse("MLE102", Kind::layout, {{"MLE", "MLE: LOGO has the CRC 0x20B5, 0x31C3 was announced"}});
+    refuse("MLE010", Kind::sequence, {{"MLE", "MLE: no load was begun"}});
+    call(mli(logo, one), "MLI000");
+    refuse("MLE102", Kind::layout, {{"MLE", "MLE: 0 bytes of LOGO, which has 1"}});
+    EXPECT_EQ(retire().media.files(), device.media.files());
+}
+
+// A block holds 83 names of twelve bytes.
+TEST_F(MediaTest, ListsAsManyFilesAsTwoBlocksHold) {
+    for (const int count : {83, 84, 166, 167}) {
+        Device device;
+        std::string answer = "LMF000996";
+        for (int i = 0; i < count; ++i) {
+            const std::string name = fmt::format("FILE{:04}", i);
+            device.media.store(name, {});
+            if (i == 83) answer += count == 84 ? "012" : "996";
+            answer += listHead + name;
+        }
+        play({.device = device});
+        call("LMF", count > 166 ? "LMF045" : answer);
+    }
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
