@@ -58,6 +58,13 @@ bool take(KorBuffer* buffer, Integer& out) {
     return true;
 }
 
+// Packets are built on buffers: card data and PIN block inputs must not stay behind in freed memory.
+void release_storage(const KorBuffer& buffer) {
+    if (!buffer.ownsStorage) { return; }
+    if (buffer.storage != nullptr) { explicit_bzero(buffer.storage, buffer.capacity); }
+    kor_heap_free(buffer.storage);
+}
+
 }  // namespace
 
 KorBuffer* kor_buffer_new(uint32_t capacity) {
@@ -77,7 +84,7 @@ KorBuffer* kor_buffer_new(uint32_t capacity) {
 
 void kor_buffer_delete(KorBuffer** buffer) {
     if (buffer == nullptr || *buffer == nullptr) { return; }
-    if ((*buffer)->ownsStorage) { kor_heap_free((*buffer)->storage); }
+    release_storage(**buffer);
     kor_heap_free(*buffer);
     *buffer = nullptr;
 }
@@ -90,7 +97,7 @@ void kor_buffer_set_storage(KorBuffer* buffer, void* storage, uint32_t sizeStora
     if (storage != nullptr && sizeStorage == 0) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is not NULL but sizeStorage == 0");
     }
-    if (buffer->ownsStorage) { kor_heap_free(buffer->storage); }
+    release_storage(*buffer);
     buffer->storage = static_cast<uint8_t*>(storage);
     buffer->ownsStorage = false;
     buffer->capacity = sizeStorage;
