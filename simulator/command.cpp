@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <fmt/format.h>
 
 #include "simulator/commands/handlers.h"
@@ -14,18 +15,48 @@ namespace quorvel::sim {
 namespace {
 
 using Form = Command::Form;
+using Privacy = Command::Privacy;
+using Session = Command::Session;
 
 constexpr std::array table{
-    Command{"CLO", "close the session", Form::fields, commands::clo},
-    Command{"CLX", "close the session", Form::params, commands::clx},
+    Command{"CLO", "close the session", Form::fields, commands::clo, Session::ends},
+    Command{"CLX", "close the session", Form::params, commands::clx, Session::ends},
+    Command{"DMF", "delete media files", Form::params, commands::dmf},
+    Command{"DSI", "show a media file", Form::params, commands::dsi},
+    Command{"DWK", "load a PAN working key", Form::fields, commands::dwk, Session::stays, Privacy::withheld},
+    Command{"EBX", "encipher data", Form::params, commands::ebx, Session::stays, Privacy::withheld},
+    Command{"ENB", "encipher a block", Form::fields, commands::enb, Session::stays, Privacy::withheld},
+    Command{"GDU", "serial number of a DUKPT key", Form::fields, commands::gdu},
+    Command{"GEN", "generic command", Form::fields, commands::gen, Session::stays, Privacy::withheld},
     Command{"GIN", "device information", Form::fields, commands::gin},
     Command{"GIX", "device information", Form::params, commands::gix},
+    Command{"GTK", "tracks of the last card", Form::params, commands::gtk, Session::stays, Privacy::withheld},
+    Command{"GTS", "version of the tables", Form::fields, commands::gts},
+    Command{"LMF", "list media files", Form::params, commands::lmf},
+    Command{"MLE", "end the load of a media file", Form::params, commands::mle},
+    Command{"MLI", "begin the load of a media file", Form::params, commands::mli},
+    Command{"MLR", "a media file's next bytes", Form::params, commands::mlr},
     Command{"OPN", "open a session", Form::fields, commands::opn},
+    Command{"TLE", "end the load of tables", Form::fields, commands::tle},
+    Command{"TLI", "begin the load of tables", Form::fields, commands::tli},
+    Command{"TLR", "records of tables", Form::fields, commands::tlr},
 };
 static_assert(std::ranges::adjacent_find(table, std::ranges::greater_equal{}, &Command::id) == table.end(),
               "sorted and unique");
 
 constexpr size_t maxBlocks = 2;
+
+Answer failure(const Command& command, Journal& journal) {
+    try {
+        throw;
+    } catch (const LayoutError& error) {
+        journal.record(Finding{Finding::Kind::layout, error.what()});
+        return {.status = error.status(), .blocks = {}};
+    } catch (const std::exception& error) {
+        journal.record(Finding{Finding::Kind::internal, fmt::format("{}: {}", command.id, error.what())});
+        return {.status = Status::interr, .blocks = {}};
+    }
+}
 
 }  // namespace
 
@@ -43,6 +74,18 @@ Answer Answer::of(std::span<const Param> params) {
     Answer answer;
     for (const Writer& block : blocks) answer.blocks.push_back(block.bytes());
     return answer;
+}
+
+Outcome run(const Command& command, Call& call) {
+    try {
+        return std::visit([&](auto handle) -> Outcome { return handle(call); }, command.handle);
+    } catch (...) { return failure(command, call.journal); }
+}
+
+std::optional<Answer> resume(const Command& command, const Wait& wait, const Event& event, Journal& journal) {
+    try {
+        return wait.on(event);
+    } catch (...) { return failure(command, journal); }
 }
 
 LayoutError out_of_place(std::string_view command, uint16_t param) {

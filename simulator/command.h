@@ -3,24 +3,35 @@
 #ifndef QUORVEL_SIMULATOR_COMMAND_H
 #define QUORVEL_SIMULATOR_COMMAND_H
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "simulator/bytes.h"
 #include "simulator/device.h"
+#include "simulator/event.h"
 #include "simulator/fields.h"
 #include "simulator/journal.h"
+#include "simulator/screen.h"
+#include "simulator/secure_channel.h"
 #include "simulator/status.h"
 
 namespace quorvel::sim {
 
-// What a handler works on.
+// What a handler works on. All but the request outlives the command, so that a wait may go on using it.
 struct Call {
     Device& device;
     Journal& journal;
+    Screen& screen;
+    SecureChannel& channel;
+    // Tells the host something, at most 32 characters, while the command waits.
+    const std::function<void(std::string_view)>& notify;
     // Stands behind the command's id.
     Reader request;
 };
@@ -35,14 +46,38 @@ struct Answer {
     [[nodiscard]] static Answer of(std::span<const Param> params);
 };
 
+// A command that is answered when the cardholder has done something.
+struct Wait {
+    // The answer, once an event makes one.
+    std::function<std::optional<Answer>(const Event&)> on;
+    // None stands for what the PIN pad waits by itself.
+    std::optional<std::chrono::seconds> limit = {};
+};
+
+using Outcome = std::variant<Answer, Wait>;
+
+// Commands that never wait have the simpler form.
+using Handler = std::variant<Answer (*)(Call&), Outcome (*)(Call&)>;
+
 struct Command {
     enum class Form { fields, params };
+    enum class Session { stays, ends };
+    // Whether traces show what it carries and is answered with: no keys, card numbers or tracks.
+    enum class Privacy { shown, withheld };
 
     std::string_view id;
     std::string_view title;
     Form form = Form::fields;
-    Answer (*handle)(Call&) = nullptr;
+    Handler handle;
+    Session session = Session::stays;
+    Privacy privacy = Privacy::shown;
 };
+
+// Runs the handler. What it throws is found and becomes the answer.
+[[nodiscard]] Outcome run(const Command& command, Call& call);
+// The same for an event that comes while the command waits.
+[[nodiscard]] std::optional<Answer> resume(const Command& command, const Wait& wait, const Event& event,
+                                           Journal& journal);
 
 // What to throw for a parameter that the command does not take, or not again.
 [[nodiscard]] LayoutError out_of_place(std::string_view command, uint16_t param);

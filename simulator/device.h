@@ -4,10 +4,17 @@
 #define QUORVEL_SIMULATOR_DEVICE_H
 
 #include <array>
-#include <bitset>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+
+#include "simulator/bytes.h"
+#include "simulator/card.h"
+#include "simulator/chip.h"
+#include "simulator/keys/key_store.h"
+#include "simulator/media.h"
+#include "simulator/tables.h"
 
 namespace quorvel::sim {
 
@@ -57,20 +64,6 @@ struct Index3Info {
     unsigned number = 3;
 };
 
-// Which keys are there. The serial number of a DUKPT key stands beside it.
-struct KeyDirectory {
-    using Slots = std::bitset<indexCount>;
-    using Ksn = std::array<uint8_t, 10>;
-
-    Slots desPin;
-    Slots desData;
-    Slots tdesPin;
-    Slots tdesData;
-    std::map<int, Ksn> dukptDesPin;
-    std::map<int, Ksn> dukptTdesPin;
-    std::map<int, Ksn> dukptTdesData;
-};
-
 // All that the PIN pad is and remembers.
 struct Device {
     Identity identity;
@@ -78,11 +71,21 @@ struct Device {
     Index3Info index3;
     // Indexes that are not here tell about themselves what acquirer() makes up.
     std::map<int, AcquirerInfo> acquirers;
-    KeyDirectory keys;
-    std::map<int, std::string> tableVersions;
+    KeyStore keys;
+    Tables tables;
     uint32_t tableMemory = 262144;
+    Media media;
+    // The card in the chip reader.
+    std::optional<Card> chip;
+    // The one that was read last, by whatever command, in the chip reader or not.
+    std::optional<Card> lastCard;
+    // Security modules in the slots from 1 on.
+    std::map<int, Chip> modules;
+    // Card numbers and tracks leave enciphered under it: 8 bytes for DES, 16 for triple DES. A session's end drops it.
+    std::optional<Bytes> panKey;
 
     [[nodiscard]] AcquirerInfo acquirer(int index) const;
+    void drop_pan_key();
 
     // One with a few keys, as it comes from the factory.
     [[nodiscard]] static Device standard();

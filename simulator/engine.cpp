@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/engine.h"
 
-#include <exception>
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 
@@ -17,11 +17,27 @@ constexpr int maxResends = 3;
 
 // What answers a command that is refused as a whole.
 constexpr std::string_view errorId = "ERR";
+constexpr std::string_view notificationId = "NTM";
+// The only command that is plain inside an encrypted session too.
+constexpr std::string_view openId = "OPN";
+
+// Before the words of what crossed the line enciphered.
+std::string enciphered(const std::string& words) { return "enciphered " + words; }
+
+bool is_open(ByteView packet) { return std::ranges::equal(packet.first(std::min(packet.size(), idWidth)), openId); }
 
 }  // namespace
 
-Engine::Engine(Device device, Journal& journal, Send send)
-    : device_(std::move(device)), journal_(journal), send_(std::move(send)) {}
+Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Send send)
+    : device_(std::move(options.device)),
+      second_(options.second),
+      patience_(options.patience),
+      journal_(journal),
+      screen_(screen),
+      cardholder_(cardholder),
+      send_(std::move(send)),
+      notify_([this](std::string_view text) { notify(text); }),
+      channel_(options.sessionKey) {}
 
 void Engine::receive(ByteView bytes) {
     for (const uint8_t byte : bytes) {
@@ -32,15 +48,14 @@ void Engine::receive(ByteView bytes) {
 void Engine::give_up() { handle(decoder_.give_up()); }
 
 void Engine::handle(const Reception& reception) {
+    if (reception.kind == Reception::Kind::frame) return accept(reception);
     journal_.record(Traffic{Sender::host, reception.wire, reception_words(reception)});
     switch (reception.kind) {
-        case Reception::Kind::frame:
-            return accept(reception.frame);
         case Reception::Kind::damaged:
             return refuse(reception.fault);
         case Reception::Kind::interrupted:
             return find(Finding::Kind::framing, reception.fault);
-        case Reception::Kind::byte:
+        default:
             return handle_byte(reception.byte);
     }
 }
@@ -57,17 +72,20 @@ void Engine::handle_byte(uint8_t byte) {
 }
 
 void Engine::cancel() {
+    if (pending_) stop_waiting();
     lastResponse_.clear();
     send_byte(control::eot);
 }
 
-void Engine::accept(const Frame& frame) {
+void Engine::accept(const Reception& reception) {
+    const Request request = open(reception);
+    journal_.record(Traffic{Sender::host, reception.wire, request.words});
     send_byte(control::ack);
-    const Bytes response = respond(frame);
-    lastResponse_ = encode({.encrypted = false, .data = response});
-    lastWords_ = response_words(response);
-    resends_ = 0;
-    transmit(lastResponse_, lastWords_);
+    if (pending_) {
+        find(Finding::Kind::sequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
+    }
+    lastResponse_.clear();
+    obey(request);
 }
 
 void Engine::refuse(const std::string& fault) {
@@ -82,37 +100,113 @@ void Engine::resend() {
     transmit(lastResponse_, lastWords_);
 }
 
-Bytes Engine::respond(const Frame& frame) {
-    if (frame.encrypted) {
-        return refusal(Finding::Kind::sequence, "an encrypted frame without a session", errorId, Status::nosec);
+Engine::Request Engine::open(const Reception& reception) const {
+    const Frame& frame = reception.frame;
+    Request request{.packet = frame.data, .words = reception_words(reception)};
+    const auto refuse = [&](Finding::Kind kind, std::string text, Status status) {
+        request.refused = Finding{kind, std::move(text)};
+        request.status = status;
+        return request;
+    };
+    if (!frame.encrypted) {
+        if (!channel_.active() || is_open(frame.data)) return request;
+        return refuse(Finding::Kind::sequence, "a plain command inside an encrypted session", Status::errpktsec);
     }
-    if (frame.data.size() < idWidth) {
-        return refusal(Finding::Kind::layout, "a frame without a command", errorId, Status::invcall);
-    }
-    const ByteView packet = frame.data;
-    const ByteView id = packet.first(idWidth);
-    return run(std::string(id.begin(), id.end()), packet.subspan(idWidth));
-}
-
-Bytes Engine::run(std::string_view id, ByteView request) {
-    const Command* command = find_command(id);
-    if (command == nullptr) {
-        return refusal(Finding::Kind::unsupported, fmt::format("there is no command {:?}", id), errorId,
-                       Status::invcall);
+    if (!channel_.active()) {
+        return refuse(Finding::Kind::sequence, "an encrypted frame without a session", Status::nosec);
     }
     try {
-        Call call{device_, journal_, Reader(id, request)};
-        return response_packet(id, command->handle(call));
-    } catch (const LayoutError& error) {
-        return refusal(Finding::Kind::layout, error.what(), id, Status::invparm);
-    } catch (const std::exception& error) {
-        return refusal(Finding::Kind::internal, fmt::format("{}: {}", id, error.what()), id, Status::interr);
+        request.packet = channel_.unseal(frame.data);
+    } catch (const SealError& error) {
+        return refuse(Finding::Kind::layout, fmt::format("an encrypted frame: {}", error.what()), Status::errpktsec);
     }
+    if (is_open(request.packet)) return refuse(Finding::Kind::sequence, "an enciphered OPN", Status::errpktsec);
+    request.sealed = true;
+    request.words = enciphered(request_words(request.packet));
+    return request;
 }
 
-Bytes Engine::refusal(Finding::Kind kind, std::string text, std::string_view id, Status status) {
-    find(kind, std::move(text));
-    return response_packet(id, {.status = status, .blocks = {}});
+void Engine::obey(const Request& request) {
+    // Plain: whoever sends what cannot be deciphered may have another key.
+    if (request.refused) return refuse(*request.refused, request.status, false);
+    const ByteView packet = request.packet;
+    if (packet.size() < idWidth) {
+        return refuse({Finding::Kind::layout, "a frame without a command"}, Status::invcall, request.sealed);
+    }
+    const std::string id(packet.begin(), packet.begin() + idWidth);
+    const Command* command = find_command(id);
+    if (command == nullptr) {
+        return refuse({Finding::Kind::unsupported, fmt::format("there is no command {:?}", id)}, Status::invcall,
+                      request.sealed);
+    }
+    Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(idWidth))};
+    const Screen::Content before = screen_.content();
+    Outcome outcome = run(*command, call);
+    const bool ends = command->session == Command::Session::ends;
+    if (ends) end_session();
+    if (const auto* answer = std::get_if<Answer>(&outcome)) return respond(id, *answer, request.sealed && !ends);
+    wait(*command, std::get<Wait>(std::move(outcome)), request.sealed, before);
+}
+
+void Engine::refuse(Finding finding, Status status, bool sealed) {
+    journal_.record(std::move(finding));
+    respond(errorId, {.status = status, .blocks = {}}, sealed);
+}
+
+// The host has dropped its keys as soon as the command was acknowledged, whatever the answer says.
+void Engine::end_session() {
+    channel_.close();
+    device_.drop_pan_key();
+}
+
+void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Content before) {
+    const auto deadline = Clock::now() + wait.limit.value_or(patience_).count() * second_;
+    pending_.emplace(command, std::move(wait), sealed, deadline, std::move(before));
+    cardholder_.attend(command.id);
+}
+
+std::optional<Engine::Clock::time_point> Engine::deadline() const {
+    return pending_ ? std::optional(pending_->deadline) : std::nullopt;
+}
+
+void Engine::poll(Clock::time_point now) {
+    for (const Event& event : cardholder_.take()) perform(event);
+    if (pending_ && now >= pending_->deadline) finish({.status = Status::timeout, .blocks = {}});
+}
+
+// A card goes in and out of the reader whether or not a command waits for it.
+void Engine::perform(const Event& event) {
+    if (const auto* inserted = std::get_if<CardInserted>(&event)) device_.chip = inserted->card;
+    if (std::holds_alternative<CardRemoved>(event)) device_.chip.reset();
+    if (!pending_) return;
+    if (const auto* notice = std::get_if<Notice>(&event)) return notify(notice->text);
+    if (const auto answer = resume(pending_->command, pending_->wait, event, journal_)) finish(*answer);
+}
+
+void Engine::notify(std::string_view text) {
+    if (!pending_) return;
+    Writer block;
+    block.s(text, text.size());
+    respond(notificationId, Answer::of(block), pending_->sealed);
+}
+
+Engine::Pending Engine::stop_waiting() {
+    Pending ended = *std::exchange(pending_, std::nullopt);
+    screen_.show(ended.before);
+    return ended;
+}
+
+void Engine::finish(const Answer& answer) {
+    const Pending ended = stop_waiting();
+    respond(ended.command.id, answer, ended.sealed);
+}
+
+void Engine::respond(std::string_view id, const Answer& answer, bool sealed) {
+    const Bytes packet = response_packet(id, answer);
+    lastResponse_ = encode({.encrypted = sealed, .data = sealed ? channel_.seal(packet) : packet});
+    lastWords_ = sealed ? enciphered(response_words(packet)) : response_words(packet);
+    resends_ = 0;
+    transmit(lastResponse_, lastWords_);
 }
 
 void Engine::send_byte(uint8_t byte) {

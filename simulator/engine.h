@@ -3,14 +3,20 @@
 #ifndef QUORVEL_SIMULATOR_ENGINE_H
 #define QUORVEL_SIMULATOR_ENGINE_H
 
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "simulator/bytes.h"
+#include "simulator/cardholder.h"
+#include "simulator/command.h"
 #include "simulator/device.h"
 #include "simulator/frame.h"
 #include "simulator/journal.h"
+#include "simulator/screen.h"
+#include "simulator/secure_channel.h"
 #include "simulator/status.h"
 
 namespace quorvel::sim {
@@ -18,9 +24,20 @@ namespace quorvel::sim {
 // The PIN pad's side of the protocol, without a line: bytes go in, bytes come out.
 class Engine {
 public:
+    using Clock = std::chrono::steady_clock;
     using Send = std::function<void(ByteView)>;
 
-    Engine(Device device, Journal& journal, Send send);
+    struct Options {
+        Device device;
+        // The key of every encrypted session, in place of one that is drawn.
+        std::optional<SessionKey> sessionKey = {};
+        // How long a second of a command's time-out lasts.
+        std::chrono::milliseconds second{1000};
+        // How long a command waits that says nothing about it.
+        std::chrono::seconds patience{120};
+    };
+
+    Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Send send);
 
     void receive(ByteView bytes);
 
@@ -28,26 +45,65 @@ public:
     [[nodiscard]] bool in_frame() const noexcept { return decoder_.in_frame(); }
     void give_up();
 
+    // Hands what the cardholder has done to the command that waits, and ends it when its time is over.
+    void poll(Clock::time_point now);
+    // When to call poll() at the latest.
+    [[nodiscard]] std::optional<Clock::time_point> deadline() const;
+
+    [[nodiscard]] const Device& device() const noexcept { return device_; }
+
 private:
+    // What a frame holds, or why it is refused.
+    struct Request {
+        Bytes packet;
+        bool sealed = false;
+        std::string words;
+        std::optional<Finding> refused = {};
+        Status status = Status::ok;
+    };
+
+    struct Pending {
+        const Command& command;
+        Wait wait;
+        bool sealed;
+        Clock::time_point deadline;
+        Screen::Content before;
+    };
+
     void handle(const Reception& reception);
     void handle_byte(uint8_t byte);
     void cancel();
-    void accept(const Frame& frame);
+    void accept(const Reception& reception);
     void refuse(const std::string& fault);
     void resend();
 
-    Bytes respond(const Frame& frame);
-    Bytes run(std::string_view id, ByteView request);
-    Bytes refusal(Finding::Kind kind, std::string text, std::string_view id, Status status);
+    [[nodiscard]] Request open(const Reception& reception) const;
+    void obey(const Request& request);
+    void refuse(Finding finding, Status status, bool sealed);
+    void end_session();
 
+    void wait(const Command& command, Wait wait, bool sealed, Screen::Content before);
+    void perform(const Event& event);
+    void notify(std::string_view text);
+    Pending stop_waiting();
+    void finish(const Answer& answer);
+
+    void respond(std::string_view id, const Answer& answer, bool sealed);
     void send_byte(uint8_t byte);
     void transmit(ByteView wire, std::string words);
     void find(Finding::Kind kind, std::string text);
 
     Device device_;
+    const std::chrono::milliseconds second_;
+    const std::chrono::seconds patience_;
     Journal& journal_;
-    Send send_;
+    Screen& screen_;
+    Cardholder& cardholder_;
+    const Send send_;
+    const std::function<void(std::string_view)> notify_;
+    SecureChannel channel_;
     FrameDecoder decoder_;
+    std::optional<Pending> pending_;
     Bytes lastResponse_;
     std::string lastWords_;
     int resends_ = 0;

@@ -40,6 +40,12 @@ void Reader::refuse(std::string_view field, std::string_view fault) const {
     throw LayoutError(fmt::format("{}: {}: {}", what_, field, fault));
 }
 
+uint64_t Reader::within(std::string_view field, uint64_t value, Range range) const {
+    if (value >= range.lowest && value <= range.highest) return value;
+    if (range.lowest == range.highest) refuse(field, fmt::format("{} instead of {}", value, range.lowest));
+    refuse(field, fmt::format("{} is not from {} to {}", value, range.lowest, range.highest));
+}
+
 uint64_t Reader::n(std::string_view field, size_t digits) {
     uint64_t value = 0;
     for (const uint8_t c : take(field, digits)) {
@@ -47,6 +53,10 @@ uint64_t Reader::n(std::string_view field, size_t digits) {
         value = value * 10 + (c - uint64_t{'0'});
     }
     return value;
+}
+
+uint64_t Reader::n(std::string_view field, size_t digits, Range range) {
+    return within(field, n(field, digits), range);
 }
 
 std::string Reader::text(std::string_view field, size_t width, uint8_t highest, Cr cr) {
@@ -81,6 +91,10 @@ uint32_t Reader::x(std::string_view field, size_t width) {
     uint32_t value = 0;
     for (const uint8_t byte : take(field, width)) value = value << 8 | byte;
     return value;
+}
+
+uint32_t Reader::x(std::string_view field, size_t width, Range range) {
+    return static_cast<uint32_t>(within(field, x(field, width), range));
 }
 
 Bytes Reader::b(std::string_view field, size_t count) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "simulator/bytes.h"
+#include "simulator/status.h"
 
 namespace quorvel::sim {
 
@@ -19,10 +20,16 @@ inline constexpr size_t maxBlock = 999;
 // A parameter's id and length, two bytes each.
 inline constexpr size_t paramHead = 4;
 
-// A request that breaks its layout. The text names the field and what is wrong with it.
+// A request that breaks its layout. The text names the field and what is wrong with it; the status answers it.
 class LayoutError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit LayoutError(const std::string& text, Status status = Status::invparm)
+        : std::runtime_error(text), status_(status) {}
+
+    [[nodiscard]] Status status() const noexcept { return status_; }
+
+private:
+    Status status_;
 };
 
 struct Param {
@@ -34,6 +41,12 @@ struct Param {
 
 enum class Cr { refused, allowed };
 
+// Of values that a field may have, both included.
+struct Range {
+    uint64_t lowest = 0;
+    uint64_t highest = 0;
+};
+
 // Reads the fields of a request from front to back and refuses with a LayoutError whatever is not exactly as the
 // layout says. The bytes must outlive the reader.
 class Reader {
@@ -44,12 +57,14 @@ public:
     [[nodiscard]] size_t left() const noexcept { return left_.size(); }
 
     [[nodiscard]] uint64_t n(std::string_view field, size_t digits);
+    uint64_t n(std::string_view field, size_t digits, Range range);
     // Texts come back without their trailing spaces.
     [[nodiscard]] std::string a(std::string_view field, size_t width, Cr cr = Cr::refused);
     [[nodiscard]] std::string s(std::string_view field, size_t width, Cr cr = Cr::refused);
     // Padding is data here: whoever knows the value's length takes its last bytes.
     [[nodiscard]] Bytes h(std::string_view field, size_t digits);
     [[nodiscard]] uint32_t x(std::string_view field, size_t width);
+    uint32_t x(std::string_view field, size_t width, Range range);
     [[nodiscard]] Bytes b(std::string_view field, size_t count);
 
     // Three digits of length and what they count.
@@ -63,6 +78,7 @@ public:
 private:
     ByteView take(std::string_view field, size_t count);
     std::string text(std::string_view field, size_t width, uint8_t highest, Cr cr);
+    uint64_t within(std::string_view field, uint64_t value, Range range) const;
     [[noreturn]] void refuse(std::string_view field, std::string_view fault) const;
 
     std::string what_;

@@ -39,20 +39,28 @@ private:
 
 void print_error(const std::string& text) { fmt::print(stderr, "{}", text); }
 
-sim::PinPad::Options options(bool trace) {
+struct Settings {
+    std::string link;
+    std::string keys;
+    bool trace = false;
+};
+
+sim::PinPad::Options options(const Settings& settings) {
     sim::PinPad::Options options;
-    if (trace) options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
+    if (!settings.keys.empty()) options.device.keys = sim::KeyStore::from_file(settings.keys);
+    if (settings.trace)
+        options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
     options.listeners.finding = [](const sim::Finding& finding) {
         print_error(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
     };
     return options;
 }
 
-void play(const std::string& link, bool trace) {
-    sim::PinPad pinPad(options(trace));
+void play(const Settings& settings) {
+    sim::PinPad pinPad(options(settings));
     const StopOnSignals stopOnSignals(pinPad);
     std::optional<sim::PortLink> portLink;
-    if (!link.empty()) portLink.emplace(link, pinPad.path());
+    if (!settings.link.empty()) portLink.emplace(settings.link, pinPad.path());
     fmt::print("READY {}\n", pinPad.path());
     std::fflush(stdout);
     pinPad.run();
@@ -61,16 +69,17 @@ void play(const std::string& link, bool trace) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::string link;
-    bool trace = false;
+    Settings settings;
     CLI::App app("A virtual PIN pad on a pseudo-terminal. Prints READY and the device to open.", "quorvel-sim");
-    app.add_option("--link", link, "Keep a symbolic link to the device at this path")->type_name("PATH");
-    app.add_flag("--trace", trace, "Print each frame in hexadecimal and in words to standard error");
+    app.add_option("--link", settings.link, "Keep a symbolic link to the device at this path")->type_name("PATH");
+    app.add_option("--keys", settings.keys, "Take the keys from this TOML file, keys for tests only")
+        ->type_name("FILE");
+    app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
     app.set_version_flag("--version", QUORVEL_VERSION);
     CLI11_PARSE(app, argc, argv);
 
     try {
-        play(link, trace);
+        play(settings);
     } catch (const std::exception& error) {
         print_error(fmt::format("quorvel-sim: {}\n", error.what()));
         return EXIT_FAILURE;

@@ -5,15 +5,18 @@
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "simulator/cardholder.h"
 #include "simulator/device.h"
 #include "simulator/engine.h"
 #include "simulator/finding.h"
 #include "simulator/journal.h"
 #include "simulator/line.h"
+#include "simulator/screen.h"
 #include "simulator/trace.h"
 
 namespace quorvel::sim {
@@ -33,6 +36,12 @@ public:
         Journal::Listeners listeners = {};
         // How long the host may pause inside a frame.
         std::chrono::milliseconds frameTimeout{1000};
+        // The key of every encrypted session, in place of one that is drawn.
+        std::optional<SessionKey> sessionKey = {};
+        // How long a second of a command's time-out lasts.
+        std::chrono::milliseconds second{1000};
+        // How long a command waits that says nothing about it, in such seconds.
+        std::chrono::seconds patience{120};
     };
 
     // Throws std::system_error when no pseudo-terminal can be had.
@@ -53,15 +62,34 @@ public:
     void start();
     void stop();
 
+    // What the cardholder does, now or when a command waits for it; see Gestures and Cardholder.
+    void act(const Gestures& gestures);
+    void when(std::string command, const Gestures& gestures) { cardholder_.when(std::move(command), gestures); }
+
+    void press(Key key) { act(Gestures().press(key)); }
+    void type_pin(std::string_view digits) { act(Gestures().type(digits)); }
+    void swipe(Card card) { act(Gestures().swipe(std::move(card))); }
+    void insert(Card card) { act(Gestures().insert(std::move(card))); }
+    void remove() { act(Gestures().remove()); }
+    void tap(Card card) { act(Gestures().tap(std::move(card))); }
+
+    [[nodiscard]] Screen::Content screen() const { return screen_.content(); }
+
+    // What the commands have made of it. Only while nobody plays the PIN pad.
+    [[nodiscard]] const Device& device() const noexcept { return engine_.device(); }
+
     // From any thread, at any time. What led to an answer is there before the answer is sent.
     [[nodiscard]] std::vector<Finding> findings() const { return journal_.findings(); }
     [[nodiscard]] std::vector<Traffic> traffic() const { return journal_.traffic(); }
 
 private:
+    [[nodiscard]] std::optional<std::chrono::milliseconds> patience() const;
     void send(ByteView bytes);
 
     Journal journal_;
     Line line_;
+    Screen screen_;
+    Cardholder cardholder_;
     Engine engine_;
     const std::chrono::milliseconds frameTimeout_;
     std::atomic<bool> stopping_{false};

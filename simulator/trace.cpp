@@ -50,13 +50,32 @@ std::string fields_words(ByteView blocks) {
     return text;
 }
 
+bool is_withheld(const Command* command) {
+    return command != nullptr && command->privacy == Command::Privacy::withheld;
+}
+
 // The trace shows what came, whether or not it makes sense.
 std::string blocks_words(const Command* command, ByteView blocks) {
     if (blocks.empty()) return "";
+    if (is_withheld(command)) return fmt::format(": {} bytes withheld", blocks.size());
     try {
         const bool params = command != nullptr && command->form == Command::Form::params;
         return params ? params_words(blocks) : fields_words(blocks);
     } catch (const LayoutError&) { return ": " + value_words(blocks); }
+}
+
+// Of a plain frame; enciphered ones keep their secrets by themselves.
+const Command* command_in(ByteView wire) {
+    if (wire.size() <= idWidth || wire.front() != control::syn) return nullptr;
+    const ByteView id = wire.subspan(1, idWidth);
+    return find_command(std::string(id.begin(), id.end()));
+}
+
+std::string wire_words(const Traffic& traffic) {
+    if (!is_withheld(command_in(traffic.wire))) return hex(traffic.wire, " ");
+    const size_t open = 1 + idWidth + (traffic.sender == Sender::pinPad ? statusWidth : 0);
+    const ByteView shown = ByteView(traffic.wire).first(std::min(open, traffic.wire.size()));
+    return fmt::format("{} ... ({} bytes)", hex(shown, " "), traffic.wire.size());
 }
 
 }  // namespace
@@ -109,8 +128,7 @@ std::string reception_words(const Reception& reception) {
 }
 
 std::string to_text(const Traffic& traffic) {
-    return fmt::format("{} {}\n  {}\n", traffic.sender == Sender::host ? ">" : "<", hex(traffic.wire, " "),
-                       traffic.words);
+    return fmt::format("{} {}\n  {}\n", traffic.sender == Sender::host ? ">" : "<", wire_words(traffic), traffic.words);
 }
 
 }  // namespace quorvel::sim

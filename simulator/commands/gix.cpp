@@ -4,30 +4,19 @@
 #include <array>
 #include <fmt/format.h>
 #include <optional>
-#include <random>
 
 #include "simulator/commands/handlers.h"
+#include "simulator/keys/rsa.h"
 #include "simulator/param_id.h"
 
 namespace quorvel::sim::commands {
 
 namespace {
 
+using enum KeyStrength;
+using enum KeyUse;
+
 constexpr size_t bigRandSize = 900;
-
-std::string slots_text(const KeyDirectory::Slots& slots) {
-    std::string text(indexCount, '0');
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (slots[i]) text[i] = '1';
-    }
-    return text;
-}
-
-std::string slots_text(const std::map<int, KeyDirectory::Ksn>& keys) {
-    KeyDirectory::Slots slots;
-    for (const auto& [index, ksn] : keys) slots.set(static_cast<size_t>(index));
-    return slots_text(slots);
-}
 
 struct Item {
     uint16_t id;
@@ -37,8 +26,11 @@ struct Item {
 template <std::string Identity::*member>
 constexpr auto identity = [](const Device& device) { return device.identity.*member; };
 
-template <auto KeyDirectory::*member>
-constexpr auto keys = [](const Device& device) { return slots_text(device.keys.*member); };
+template <KeyStrength strength, KeyUse use>
+constexpr auto masters = [](const Device& device) { return device.keys.master_map(strength, use); };
+
+template <KeyStrength strength, KeyUse use>
+constexpr auto dukpts = [](const Device& device) { return device.keys.dukpt_map(strength, use); };
 
 constexpr std::array items{
     Item{0x8001, identity<&Identity::serialNumber>},
@@ -61,52 +53,45 @@ constexpr std::array items{
     Item{0x8020, identity<&Identity::textSize>},
     Item{0x8021, identity<&Identity::graphicSize>},
     Item{0x8022, identity<&Identity::mediaSupport>},
-    Item{0x8030, keys<&KeyDirectory::desPin>},
-    Item{0x8031, keys<&KeyDirectory::desData>},
-    Item{0x8032, keys<&KeyDirectory::tdesPin>},
-    Item{0x8033, keys<&KeyDirectory::tdesData>},
-    Item{0x8034, keys<&KeyDirectory::dukptDesPin>},
-    Item{0x8035, keys<&KeyDirectory::dukptTdesPin>},
-    Item{0x8036, keys<&KeyDirectory::dukptTdesData>},
+    Item{0x8030, masters<des, pin>},
+    Item{0x8031, masters<des, data>},
+    Item{0x8032, masters<tdes, pin>},
+    Item{0x8033, masters<tdes, data>},
+    Item{0x8034, dukpts<des, pin>},
+    Item{0x8035, dukpts<tdes, pin>},
+    Item{0x8036, dukpts<tdes, data>},
 };
 static_assert(std::ranges::is_sorted(items, {}, &Item::id));
 
-Bytes random_bytes() {
-    std::random_device source;
-    Bytes bytes(bigRandSize);
-    std::ranges::generate(bytes, [&] { return static_cast<uint8_t>(source()); });
-    return bytes;
-}
-
-std::optional<Bytes> ksn(const std::map<int, KeyDirectory::Ksn>& from, int index) {
-    const auto found = from.find(index);
-    if (found == from.end()) return std::nullopt;
-    return Bytes(found->second.begin(), found->second.end());
+std::optional<Bytes> ksn(const KeyStore& keys, KeyStrength strength, KeyUse use, int index) {
+    const auto found = keys.ksn(strength, use, index);
+    if (!found) return std::nullopt;
+    return Bytes(found->begin(), found->end());
 }
 
 std::optional<Bytes> family_item(const Device& device, int family, int index) {
     switch (family) {
         case pp::ksnDesPin:
-            return ksn(device.keys.dukptDesPin, index);
+            return ksn(device.keys, des, pin, index);
         case pp::ksnTdesPin:
-            return ksn(device.keys.dukptTdesPin, index);
+            return ksn(device.keys, tdes, pin, index);
         case pp::ksnTdesData:
-            return ksn(device.keys.dukptTdesData, index);
+            return ksn(device.keys, tdes, data, index);
         case pp::tabVer:
             break;
         default:
             return std::nullopt;
     }
-    const auto version = device.tableVersions.find(index);
-    if (version == device.tableVersions.end()) return std::nullopt;
-    return Writer().a(version->second, 10).bytes();
+    const std::optional<std::string> version = device.tables.version(index);
+    if (!version) return std::nullopt;
+    return Writer().a(*version, 10).bytes();
 }
 
 // None for what the PIN pad does not have.
 std::optional<Bytes> item(const Device& device, uint16_t id) {
     const auto* found = std::ranges::lower_bound(items, id, {}, &Item::id);
     if (found != items.end() && found->id == id) return to_bytes(found->text(device));
-    if (id == pp::bigRand) return random_bytes();
+    if (id == pp::bigRand) return random_bytes(bigRandSize);
     if (id == pp::tlrMem) return Writer().x(device.tableMemory, 4).bytes();
     return family_item(device, id & 0xFF00, id & 0x00FF);
 }

@@ -3,6 +3,9 @@
 #ifndef QUORVEL_SIMULATOR_COMMANDS_HANDLERS_H
 #define QUORVEL_SIMULATOR_COMMANDS_HANDLERS_H
 
+#include <string>
+#include <utility>
+
 #include "simulator/command.h"
 
 // One function for each command. It reads the whole request before it changes anything: what does not have its layout
@@ -11,9 +14,31 @@ namespace quorvel::sim::commands {
 
 Answer clo(Call& call);
 Answer clx(Call& call);
+Answer dmf(Call& call);
+Answer dsi(Call& call);
+Answer dwk(Call& call);
+Answer ebx(Call& call);
+Answer enb(Call& call);
+Answer gdu(Call& call);
+Outcome gen(Call& call);
 Answer gin(Call& call);
 Answer gix(Call& call);
+Answer gtk(Call& call);
+Answer gts(Call& call);
+Answer lmf(Call& call);
+Answer mle(Call& call);
+Answer mli(Call& call);
+Answer mlr(Call& call);
 Answer opn(Call& call);
+Answer tle(Call& call);
+Answer tli(Call& call);
+Answer tlr(Call& call);
+
+// Answers a command that another one had to come before.
+inline Answer out_of_sequence(Call& call, std::string fault) {
+    call.journal.record(Finding{Finding::Kind::sequence, std::move(fault)});
+    return {.status = Status::invcall, .blocks = {}};
+}
 
 }  // namespace quorvel::sim::commands
 

@@ -8,45 +8,70 @@ namespace quorvel::sim::commands {
 namespace {
 
 constexpr size_t messageWidth = 32;
-constexpr size_t mediaNameWidth = 8;
 constexpr size_t maxDisplay = 128;
+
+constexpr size_t modulusSize = 256;
+constexpr size_t exponentSize = 3;
+
+struct PublicKey {
+    Bytes modulus;
+    Bytes exponent;
+};
+
+PublicKey public_key(Reader fields) {
+    PublicKey key;
+    fields.n("OPN_OPMODE", 1, {0, 0});
+    fields.n("OPN_MODLEN", 3, {modulusSize, modulusSize});
+    key.modulus = fields.h("OPN_MOD", 2 * modulusSize);
+    fields.n("OPN_EXPLEN", 1, {exponentSize, exponentSize});
+    key.exponent = fields.h("OPN_EXP", 2 * exponentSize);
+    fields.end();
+    if (key.modulus.front() < 0x80) throw LayoutError("OPN: OPN_MOD: less than 2048 bits");
+    for (const Bytes* number : {&key.modulus, &key.exponent}) {
+        if (number->back() % 2 == 0) throw LayoutError("OPN: an even number in the public key");
+    }
+    return key;
+}
 
 }  // namespace
 
-// With data it asks for an encrypted session. A PIN pad that has none answers as if to the plain form, without a key.
+// With data it asks for an encrypted session. Without, one that is open goes on.
 Answer opn(Call& call) {
     if (call.request.left() == 0) return {};
-    const Reader keys = call.request.block("CMD_LEN1");
+    const Reader fields = call.request.block("CMD_LEN1");
     call.request.end();
-    call.journal.record(Finding{Finding::Kind::unsupported, "OPN: an encrypted session was asked for with "
-                                                                + std::to_string(keys.left()) + " bytes"});
-    return {};
+    const PublicKey key = public_key(fields);
+    return Answer::of(Writer().n(modulusSize, 3).h(call.channel.open(key.modulus, key.exponent), 2 * modulusSize));
 }
 
 Answer clo(Call& call) {
     Reader fields = call.request.block("CMD_LEN1");
     call.request.end();
-    static_cast<void>(fields.s("CLO_MSG", messageWidth));
+    Screen::Content content{.text = fields.s("CLO_MSG", messageWidth)};
     fields.end();
+    call.screen.show(std::move(content));
     return {};
 }
 
 Answer clx(Call& call) {
+    Screen::Content content;
     for (const Param& param : call.request.params()) {
-        Reader value(param_name(param.id), param.data);
         switch (param.id) {
             case spe::mfName:
-                static_cast<void>(value.s("text", mediaNameWidth));
+                content.media = media_name(param, &Reader::s);
                 break;
             case spe::dspMsg:
                 if (param.data.size() > maxDisplay) throw LayoutError("SPE_DSPMSG: more than 128 characters");
-                static_cast<void>(value.s("text", param.data.size(), Cr::allowed));
+                content.text = Reader("SPE_DSPMSG", param.data).s("text", param.data.size(), Cr::allowed);
                 break;
             default:
                 throw out_of_place("CLX", param.id);
         }
-        value.end();
     }
+    if (!content.media.empty() && !call.device.media.has(content.media)) {
+        return {.status = Status::mfnfound, .blocks = {}};
+    }
+    call.screen.show(std::move(content));
     return {};
 }
 

@@ -43,7 +43,7 @@ Bytes one_way(ByteView leftKey, ByteView rightKey, ByteView reg) {
 
 // In the DES form both halves are the whole key, and there is nothing before the right half.
 Bytes descend(ByteView key, ByteView reg) {
-    const Bytes rightHalf = one_way(left(key), right(key), reg);
+    Bytes rightHalf = one_way(left(key), right(key), reg);
     if (key.size() == blockSize) return rightHalf;
     const Bytes maskedKey = masked(key, leftHalfMask);
     Bytes next = one_way(left(maskedKey), right(maskedKey), reg);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <toml++/toml.h>
@@ -106,6 +108,16 @@ KeyStore KeyStore::from_toml(std::string_view text) {
         throw std::runtime_error(fmt::format("line {}: {}", error.source().begin.line, error.description()));
     }
     return store;
+}
+
+KeyStore KeyStore::from_file(const std::string& path) {
+    std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    if (!file || !text) throw std::runtime_error(path + " cannot be read");
+    try {
+        return from_toml(text.str());
+    } catch (const std::runtime_error& error) { throw std::runtime_error(fmt::format("{}: {}", path, error.what())); }
 }
 
 }  // namespace quorvel::sim

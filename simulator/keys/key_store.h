@@ -62,6 +62,7 @@ public:
     //     base_key = "0123456789ABCDEFFEDCBA9876543210"  # or initial_key
     //     ksn = "FFFF9876543210E00000"
     [[nodiscard]] static KeyStore from_toml(std::string_view text);
+    [[nodiscard]] static KeyStore from_file(const std::string& path);
 
 private:
     using Slot = std::tuple<KeyStrength, KeyUse, int>;

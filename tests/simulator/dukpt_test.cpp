@@ -71,10 +71,7 @@ TEST(Dukpt, EnciphersDataUnderAKeyOfItsOwn) {
     const Ksn ksn = ksn_of("FFFF9876543210E00001");
     const Bytes key = dukpt::data_key(dukpt::transaction_key(tdesInitialKey, ksn));
     EXPECT_EQ(to_hex(key), "448D3F076D8304036A55A3D7E0055A78");
-    EXPECT_EQ(to_hex(encipher(key,
-                              from_hex("34303132333435363738393039443938"
-                                       "3700000000000000"),
-                              Bytes(8))),
+    EXPECT_EQ(to_hex(encipher(key, from_hex("343031323334353637383930394439383700000000000000"), Bytes(8))),
               "FC0D53B7EA1FDA9EE68AAF2E70D9B9506229BE2AA993F04F");
     EXPECT_EQ(to_hex(dukpt::data_key(dukpt::transaction_key(desInitialKey, ksn))), "E806579543A7C401");
 }

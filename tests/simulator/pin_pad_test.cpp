@@ -4,54 +4,22 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/simulator/host.h"
+#include "tests/simulator/pin_pad_fixture.h"
 
 using namespace std::string_literals;
 
 namespace quorvel::sim {
 
-void PrintTo(const Finding& finding, std::ostream* out) { *out << kind_name(finding.kind) << ": " << finding.text; }
-
 namespace {
 
 using Kind = Finding::Kind;
 
-const std::string ack = "\x06";
-const std::string nak = "\x15";
-const std::string can = "\x18";
-const std::string eot = "\x04";
-
 const std::string opn = "\x16OPN\x17\xA8\xA9";
 const std::string opnDone = "\x16OPN000\x17\x77\x5E";
-
-class PinPadTest : public testing::Test {
-protected:
-    void play(PinPad::Options options = {}) {
-        pinPad_.emplace(std::move(options));
-        pinPad_->start();
-        host_.emplace(pinPad_->path());
-    }
-
-    void exchange(const std::string& sent, const std::string& due) {
-        host_->send(sent);
-        EXPECT_EQ(host_->receive(due.size()), due);
-    }
-
-    // The answer to CAN comes next only if nothing else was sent that no test expected.
-    void TearDown() override {
-        if (pinPad_) exchange(can, eot);
-    }
-
-    void expect_findings(const std::vector<Finding>& due) { EXPECT_EQ(pinPad_->findings(), due); }
-
-    std::optional<PinPad> pinPad_;
-    std::optional<Host> host_;
-};
 
 TEST_F(PinPadTest, AnswersCanWithEot) {
     play();
@@ -139,7 +107,7 @@ TEST_F(PinPadTest, AnswersGinWithTheLayoutOfTheIndex) {
 
 TEST_F(PinPadTest, AnswersGixWithWhatItHas) {
     Device device = Device::standard();
-    device.tableVersions[5] = "V00000001";
+    device.tables.load(5, "V00000001");
     play({.device = device});
     exchange("\x16GIX012\x00\x01\x00\x08\x80\x01\x91\x00\x93\x05\x80\x62\x17\x80\x5C"s,
              ack
@@ -192,18 +160,14 @@ TEST_F(PinPadTest, AnswersWithAnOverflowWhatTwoBlocksDoNotHold) {
 }
 
 TEST_F(PinPadTest, ClosesPlainly) {
-    play();
+    Device device;
+    device.media.store("LOGO", {});
+    play({.device = device});
     exchange("\x16"s + "CLO032BYE                             \x17\x1A\x62"s, ack + "\x16"s + "CLO000\x17\x9E\x03");
     exchange("\x16"s + "CLX\x17\x78\x4C"s, ack + "\x16"s + "CLX000\x17\xFD\x8D");
     exchange("\x16"s + "CLX021\x00\x1E\x00\x08LOGO    \x00\x1B\x00\x05"s + "A\rB C\x17\xC0\xD4"s,
              ack + "\x16"s + "CLX000\x17\xFD\x8D");
     expect_findings({});
-}
-
-TEST_F(PinPadTest, OpensWithoutAKeyWhenAskedForOne) {
-    play();
-    exchange("\x16OPN003" + "ABC\x17\x85\xDC"s, ack + opnDone);
-    expect_findings({{Kind::unsupported, "OPN: an encrypted session was asked for with 3 bytes"}});
 }
 
 struct Malformed {

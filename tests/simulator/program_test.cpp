@@ -145,6 +145,22 @@ TEST_F(ProgramTest, TakesNoNameThatSomethingElseHas) {
     EXPECT_EQ(fs::file_size(folder_ / "file"), 4U);
 }
 
+TEST_F(ProgramTest, TakesItsKeysFromAFile) {
+    const std::string path = (folder_ / "keys.toml").string();
+    std::ofstream(path) << "[[master]]\nstrength = \"des\"\nuse = \"pin\"\nindex = 7\nkey = \"0123456789ABCDEF\"\n";
+    Program program({"--keys", path});
+    Host host(program.ready());
+    host.send("\x16GEN01302008K3000608\x17\x93\xC8");
+    EXPECT_EQ(host.receive(20), "\x06\x16GEN000006003010\x17\x1F\xA4");
+    std::ofstream(path) << "[[master]]";
+    Program faulty({"--keys", path});
+    EXPECT_EQ(faulty.wait(), 1);
+    EXPECT_EQ(faulty.errors(), "quorvel-sim: " + path + ": line 1: no strength\n");
+    Program missing({"--keys", link()});
+    EXPECT_EQ(missing.wait(), 1);
+    EXPECT_EQ(missing.errors(), "quorvel-sim: " + link() + " cannot be read\n");
+}
+
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {
     const std::string finding = "finding (unsupported): there is no command \"XYZ\"\n";
     const std::string trace = "> 16 58 59 5A 17 B3 05\n  \"XYZ\"\n< 06\n  ACK\n" + finding

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/data_cipher.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+
+#include "simulator/command.h"
+#include "simulator/keys/block_cipher.h"
+#include "simulator/keys/rsa.h"
+#include "simulator/param_id.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+using enum KeySource;
+using enum KeyStrength;
+
+constexpr std::array methods{
+    DataMethod{0, workingKey, des, false},   DataMethod{1, workingKey, des, true},
+    DataMethod{10, workingKey, tdes, false}, DataMethod{11, workingKey, tdes, true},
+    DataMethod{30, dukptKey, des, false},    DataMethod{50, dukptKey, tdes, false},
+    DataMethod{51, dukptKey, tdes, true},    DataMethod{90, randomKey, tdes, false},
+    DataMethod{91, randomKey, tdes, true},
+};
+
+constexpr std::array ids{spe::mthdDat, spe::keyIdx, spe::wkEnc, spe::ivCbc, spe::pbkMod, spe::pbkExp};
+
+constexpr size_t modulusSize = 256;
+constexpr size_t maxExponent = 3;
+constexpr uint8_t highBit = 0x80;
+
+constexpr size_t key_size(KeyStrength strength) { return strength == des ? blockSize : 2 * blockSize; }
+
+uint64_t number(uint16_t id, const Bytes& value) {
+    Reader reader(param_name(id), value);
+    const uint64_t number = reader.n("value", 2);
+    reader.end();
+    return number;
+}
+
+const DataMethod& method_of(const Bytes& value) {
+    const uint64_t wanted = number(spe::mthdDat, value);
+    const auto* found = std::ranges::find(methods, wanted, &DataMethod::number);
+    if (found == methods.end()) throw LayoutError(fmt::format("SPE_MTHDDAT: there is no method {:02}", wanted));
+    return *found;
+}
+
+}  // namespace
+
+bool DataCipher::take(const Param& param) {
+    if (std::ranges::find(ids, param.id) == ids.end()) return false;
+    if (!given_.try_emplace(param.id, param.data).second) throw out_of_place(command_, param.id);
+    return true;
+}
+
+bool DataCipher::fits(uint16_t id) const {
+    if (method_ == nullptr) return false;
+    return needs(id) || (id == spe::ivCbc && method_->chained);
+}
+
+bool DataCipher::needs(uint16_t id) const {
+    if (method_ == nullptr) return false;
+    switch (id) {
+        case spe::mthdDat:
+            return true;
+        case spe::keyIdx:
+            return method_->source != randomKey;
+        case spe::wkEnc:
+            return method_->source == workingKey;
+        case spe::pbkMod:
+        case spe::pbkExp:
+            return method_->source == randomKey;
+        default:
+            return false;
+    }
+}
+
+void DataCipher::require_size(uint16_t id, size_t smallest, size_t largest) const {
+    const auto found = given_.find(id);
+    if (found == given_.end()) return;
+    const size_t size = found->second.size();
+    if (size < smallest || size > largest) throw LayoutError(fmt::format("{}: {} bytes", param_name(id), size));
+}
+
+void DataCipher::settle() {
+    if (const auto found = given_.find(spe::mthdDat); found != given_.end()) method_ = &method_of(found->second);
+    for (const uint16_t id : ids) {
+        if (given_.contains(id) && !fits(id)) throw out_of_place(command_, id);
+        if (!given_.contains(id) && needs(id)) {
+            throw LayoutError(fmt::format("{}: {} is missing", command_, param_name(id)), Status::mandat);
+        }
+    }
+    if (method_ == nullptr) return;
+    require_size(spe::wkEnc, key_size(method_->strength), key_size(method_->strength));
+    require_size(spe::ivCbc, blockSize, blockSize);
+    require_size(spe::pbkMod, modulusSize, modulusSize);
+    require_size(spe::pbkExp, 1, maxExponent);
+    if (method_->source != randomKey) {
+        keyIndex_ = static_cast<int>(number(spe::keyIdx, given_.at(spe::keyIdx)));
+        return;
+    }
+    if (given_.at(spe::pbkMod).front() < highBit) throw LayoutError("SPE_PBKMOD: less than 2048 bits");
+    randomKey_ = random_bytes(key_size(method_->strength));
+}
+
+std::optional<Enciphered> DataCipher::key(KeyStore& keys) const {
+    if (method_->source == randomKey) return Enciphered{randomKey_};
+    if (method_->source == workingKey) {
+        const auto key = keys.working(method_->strength, KeyUse::data, keyIndex_, given_.at(spe::wkEnc));
+        return key ? std::optional(Enciphered{*key}) : std::nullopt;
+    }
+    const auto key = keys.next_dukpt(method_->strength, KeyUse::data, keyIndex_);
+    if (!key) return std::nullopt;
+    return Enciphered{key->key, Bytes(key->ksn.begin(), key->ksn.end())};
+}
+
+// Without a vector of the host's a chain begins with zeros.
+std::optional<Enciphered> DataCipher::encipher(KeyStore& keys, ByteView blocks) const {
+    const auto with = key(keys);
+    if (!with) return std::nullopt;
+    const auto given = given_.find(spe::ivCbc);
+    const Bytes vector = given != given_.end() ? given->second : Bytes(blockSize);
+    return Enciphered{
+        method_->chained ? sim::encipher(with->bytes, blocks, vector) : sim::encipher(with->bytes, blocks), with->ksn};
+}
+
+Bytes DataCipher::enciphered_random_key() const {
+    return rsa_padded({given_.at(spe::pbkMod), given_.at(spe::pbkExp)}, randomKey_);
+}
+
+}  // namespace quorvel::sim

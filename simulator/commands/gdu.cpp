@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/handlers.h"
+
+namespace quorvel::sim::commands {
+
+// Of a DUKPT key for PINs: the same methods as those that encipher a PIN block.
+Answer gdu(Call& call) {
+    static constexpr uint64_t desMethod = 2;
+    static constexpr uint64_t tdesMethod = 3;
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    const uint64_t method = fields.n("GDU_METHOD", 1, {desMethod, tdesMethod});
+    const auto index = static_cast<int>(fields.n("GDU_IDX", 2));
+    fields.end();
+    const KeyStrength strength = method == desMethod ? KeyStrength::des : KeyStrength::tdes;
+    const auto ksn = call.device.keys.ksn(strength, KeyUse::pin, index);
+    if (!ksn) return {.status = Status::errkey, .blocks = {}};
+    return Answer::of(Writer().h(*ksn, 2 * ksn->size()));
+}
+
+}  // namespace quorvel::sim::commands

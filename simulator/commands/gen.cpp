@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <string>
+
+#include "simulator/commands/handlers.h"
+#include "simulator/keys/block_cipher.h"
+#include "simulator/keys/pin_block.h"
+#include "simulator/pin_entry.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr int highestSlot = 8;
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+
+Answer refused(Status status) { return {.status = status, .blocks = {}}; }
+
+// What the output's length counts is each sub-command's own.
+Answer output(size_t length, const Writer& fields) { return Answer::of(Writer().n(length, 3).b(fields.bytes())); }
+Answer output(const Writer& fields) { return output(fields.bytes().size(), fields); }
+
+// For each index of a range whether there is a key.
+Outcome key_query(Call& call, Reader fields) {
+    static constexpr uint64_t firstDukpt = 2;
+    const uint64_t type = fields.n("GEN02K3_KEYTYPE", 1, {0, 3});
+    const KeyUse use = fields.n("GEN02K3_KEYUSE", 1, {0, 1}) == 0 ? KeyUse::pin : KeyUse::data;
+    const size_t first = fields.n("GEN02K3_IDXINI", 2);
+    const size_t last = fields.n("GEN02K3_IDXEND", 2, {first, 99});
+    fields.end();
+    const KeyStrength strength = type % 2 == 0 ? KeyStrength::des : KeyStrength::tdes;
+    const KeyStore& keys = call.device.keys;
+    const std::string map = type < firstDukpt ? keys.master_map(strength, use) : keys.dukpt_map(strength, use);
+    return output(Writer().a(std::string_view(map).substr(first, last - first + 1), last - first + 1));
+}
+
+std::vector<Tag> tags_in(Reader& fields) {
+    const Bytes list = fields.h("GEN_TAGS", fields.left());
+    return split_tags(list);
+}
+
+constexpr size_t maxTagOutput = 256;
+
+// Of the card that was read last, whether or not it is still there. The length counts digits.
+Outcome read_tags(Call& call, Reader fields) {
+    const std::vector<Tag> tags = tags_in(fields);
+    const auto& card = call.device.lastCard;
+    if (!card || !card->chip) return refused(Status::nocard);
+    const Bytes found = encode(card->chip->objects, tags);
+    if (found.size() > maxTagOutput) return refused(Status::rspovrfl);
+    return output(Writer().h(found, 2 * found.size()));
+}
+
+// Once a PAN working key is loaded the host sends the data deciphered under it: that comes off first.
+Outcome encipher_data(Call& call, Reader fields) {
+    static constexpr uint64_t dukptTdes = 3;
+    static constexpr size_t maxDigits = 256;
+    fields.n("GEN0303_METHOD", 1, {dukptTdes, dukptTdes});
+    const auto index = static_cast<int>(fields.n("GEN0303_IDX", 2));
+    if (fields.left() > maxDigits || fields.left() % (2 * blockSize) != 0) {
+        throw LayoutError(fmt::format("GEN: GEN0303_INPUT: {} digits", fields.left()));
+    }
+    const Bytes input = fields.h("GEN0303_INPUT", fields.left());
+    const auto& panKey = call.device.panKey;
+    const Bytes clear = panKey ? encipher(*panKey, input) : input;
+    const auto key = call.device.keys.next_dukpt(KeyStrength::tdes, KeyUse::data, index);
+    if (!key) return refused(Status::errkey);
+    return output(Writer().h(key->ksn, 2 * key->ksn.size()).h(encipher(key->key, clear), 2 * clear.size()));
+}
+
+// Slot 0 is the chip reader, the others hold security modules.
+Chip* chip_in(Device& device, int slot) {
+    if (slot == 0) return device.chip && device.chip->chip ? &*device.chip->chip : nullptr;
+    const auto found = device.modules.find(slot);
+    return found != device.modules.end() ? &found->second : nullptr;
+}
+
+Status absence(int slot) { return slot == 0 ? Status::nocard : Status::nosam; }
+
+int slot_in(Reader& fields) { return static_cast<int>(fields.n("GEN_SLOT", 1, {0, highestSlot})); }
+
+enum class Power { on = 1, reset = 2, off = 3, query = 4 };
+
+// Answers whether there is a chip, whether it has power, and with power what it answered to the reset.
+Outcome power(Call& call, Reader fields) {
+    static constexpr size_t maxAtr = 36;
+    const auto operation = static_cast<Power>(fields.n("GEN0401_OPER", 1, {1, 4}));
+    const int slot = slot_in(fields);
+    fields.end();
+    Chip* const chip = chip_in(call.device, slot);
+    if (chip == nullptr && operation != Power::query) return refused(absence(slot));
+    if (chip != nullptr && operation != Power::query) chip->powered = operation != Power::off;
+    const bool powered = chip != nullptr && chip->powered;
+    const Bytes atr = powered ? chip->atr : Bytes();
+    return output(Writer().n(chip != nullptr ? 1 : 0, 1).n(powered ? 1 : 0, 1).n(atr.size(), 2).h(atr, 2 * maxAtr));
+}
+
+enum class Exchange { done = 0, noPower = 1 };
+
+struct ApduResponse {
+    Exchange status = Exchange::noPower;
+    Bytes statusWord{0, 0};
+    Bytes data = {};
+};
+
+ApduResponse exchange(Chip& chip, ByteView header, ByteView data) {
+    if (!chip.powered) return {};
+    const Bytes response = chip.exchange(header, data);
+    const auto dataEnd = response.end() - 2;
+    return {Exchange::done, {dataEnd, response.end()}, {response.begin(), dataEnd}};
+}
+
+// As a chip does it: less room than there are data gets none of them, but their number.
+void limit(ApduResponse& response, size_t expected) {
+    static constexpr uint8_t wrongLength = 0x6C;
+    if (expected == 0) response.data.clear();
+    if (response.data.size() <= expected) return;
+    response.statusWord = {wrongLength, static_cast<uint8_t>(response.data.size())};
+    response.data.clear();
+}
+
+constexpr size_t headerDigits = 8;
+
+Outcome exchange_apdu(Call& call, Reader fields) {
+    static constexpr size_t maxData = 255;
+    static constexpr size_t maxExpected = 256;
+    const int slot = slot_in(fields);
+    const Bytes header = fields.h("GEN0402_HEADER", headerDigits);
+    const size_t length = fields.n("GEN0402_LC", 3, {0, maxData});
+    const Bytes data = fields.h("GEN0402_DATA", 2 * length);
+    const size_t expected = fields.n("GEN0402_LE", 3, {0, maxExpected});
+    fields.end();
+    Chip* const chip = chip_in(call.device, slot);
+    if (chip == nullptr) return refused(absence(slot));
+    ApduResponse response = exchange(*chip, header, data);
+    limit(response, expected);
+    return output(Writer()
+                      .n(static_cast<unsigned>(response.status), 1)
+                      .h(response.statusWord, 4)
+                      .n(response.data.size(), 3)
+                      .h(response.data, 2 * response.data.size()));
+}
+
+struct PinRequest {
+    int slot = 0;
+    Bytes header;
+    char format = '0';
+    size_t fewest = 0;
+    size_t most = 0;
+    std::string message;
+};
+
+PinRequest read_pin_request(Reader& fields) {
+    static constexpr size_t messageWidth = 32;
+    PinRequest request;
+    request.slot = slot_in(fields);
+    request.header = fields.h("GEN0403_HEADER", headerDigits);
+    request.format = static_cast<char>(fields.b("GEN0403_FORMAT", 1).front());
+    if (hexDigits.find(request.format) == std::string_view::npos) {
+        throw LayoutError("GEN: GEN0403_FORMAT: no hexadecimal digit");
+    }
+    request.fewest = fields.n("GEN0403_PINMIN", 2, {0, maxPinDigits});
+    request.most = std::min<size_t>(fields.n("GEN0403_PINMAX", 2, {request.fewest, 99}), maxPinDigits);
+    request.message = fields.s("GEN0403_MSG", messageWidth);
+    fields.end();
+    return request;
+}
+
+Answer show_pin(Device& device, const PinRequest& request, const std::string& pin) {
+    Chip* const chip = chip_in(device, request.slot);
+    if (chip == nullptr) return refused(absence(request.slot));
+    const ApduResponse response = exchange(*chip, request.header, plain_pin_block(request.format, pin));
+    return output(Writer().n(static_cast<unsigned>(response.status), 1).h(response.statusWord, 4));
+}
+
+// The PIN goes to the chip and nowhere else.
+Outcome verify_pin(Call& call, Reader fields) {
+    const PinRequest request = read_pin_request(fields);
+    if (chip_in(call.device, request.slot) == nullptr) return refused(absence(request.slot));
+    PinEntry entry(call.screen, request.message, request.fewest, request.most);
+    return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
+        const auto result = entry.on(event);
+        if (!result) return std::nullopt;
+        return result->status == Status::ok ? show_pin(device, request, result->pin) : refused(result->status);
+    }};
+}
+
+// Of the card in the chip reader. The length counts bytes.
+Outcome read_slot_tags(Call& call, Reader fields) {
+    const size_t count = fields.n("GEN0404_TAGSLEN", 3);
+    if (fields.left() != 2 * count) {
+        throw LayoutError(fmt::format("GEN: GEN0404_TAGSLEN: {} bytes, {} digits follow", count, fields.left()));
+    }
+    const std::vector<Tag> tags = tags_in(fields);
+    const Chip* const chip = chip_in(call.device, 0);
+    if (chip == nullptr) return refused(Status::nocard);
+    const Bytes found = encode(chip->objects, tags);
+    if (found.size() > maxTagOutput) return refused(Status::rspovrfl);
+    return output(found.size(), Writer().h(found, 2 * found.size()));
+}
+
+struct SubCommand {
+    std::string_view group;
+    std::string_view id;
+    Outcome (*handle)(Call& call, Reader fields);
+};
+
+constexpr std::array subCommands{
+    SubCommand{"02", "K3", key_query},      SubCommand{"03", "02", read_tags},
+    SubCommand{"03", "03", encipher_data},  SubCommand{"04", "01", power},
+    SubCommand{"04", "02", exchange_apdu},  SubCommand{"04", "03", verify_pin},
+    SubCommand{"04", "04", read_slot_tags},
+};
+
+}  // namespace
+
+Outcome gen(Call& call) {
+    Reader envelope = call.request.block("CMD_LEN1");
+    call.request.end();
+    const std::string group = envelope.a("GEN_GROUP", 2);
+    Reader fields = envelope.block("GEN_LEN");
+    envelope.end();
+    const std::string id = fields.a("GEN_SUBCMD", 2);
+    const auto* found = std::ranges::find_if(
+        subCommands, [&](const SubCommand& known) { return known.group == group && known.id == id; });
+    if (found != subCommands.end()) return found->handle(call, fields);
+    call.journal.record(Finding{Finding::Kind::unsupported, fmt::format("GEN: there is no {}/{}", group, id)});
+    return refused(Status::invcall);
+}
+
+}  // namespace quorvel::sim::commands

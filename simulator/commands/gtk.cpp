@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "simulator/commands/data_cipher.h"
+#include "simulator/commands/handlers.h"
+#include "simulator/keys/block_cipher.h"
+#include "simulator/param_id.h"
+
+// Track 1 is given as characters, filled up with blanks to whole blocks when it is enciphered. Of tracks 2 and 3 and of
+// the card number a byte holds two characters, each as its lower four bits, so that '=' is D; F fills them up. In front
+// of an enciphered track stand, in clear and in the track's own form, as many of the card number's first digits as the
+// host asked for.
+namespace quorvel::sim::commands {
+
+namespace {
+
+enum class Form { characters, packed };
+
+struct Item {
+    std::string Card::*text;
+    uint16_t id;
+    uint16_t ksnId;
+    Form form;
+    bool openDigits;
+};
+
+// One for each digit of SPE_TRACKS.
+constexpr std::array items{
+    Item{&Card::track1, pp::track1, pp::trk1Ksn, Form::characters, true},
+    Item{&Card::track2, pp::track2, pp::trk2Ksn, Form::packed, true},
+    Item{&Card::track3, pp::track3, pp::trk3Ksn, Form::packed, true},
+    Item{&Card::pan, pp::encPan, pp::encPanKsn, Form::packed, false},
+};
+
+struct Request {
+    std::string wanted;
+    size_t openDigits = 0;
+    DataCipher cipher{"GTK"};
+};
+
+Bytes packed(std::string_view text) {
+    Bytes bytes((text.size() + 1) / 2, 0x0F);
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c < '0' || c > '?') throw std::invalid_argument(fmt::format("no character for a packed track at {}", i));
+        const auto digit = static_cast<uint8_t>(c - '0');
+        bytes[i / 2] = static_cast<uint8_t>(i % 2 == 0 ? (digit << 4) | 0x0F : (bytes[i / 2] & 0xF0) | digit);
+    }
+    return bytes;
+}
+
+Bytes in_form(Form form, std::string_view text) { return form == Form::packed ? packed(text) : to_bytes(text); }
+
+Bytes whole_blocks(Form form, Bytes bytes) {
+    bytes.resize((bytes.size() + blockSize - 1) / blockSize * blockSize, form == Form::packed ? 0xFF : ' ');
+    return bytes;
+}
+
+std::string tracks(const Param& param) {
+    Reader reader("SPE_TRACKS", param.data);
+    std::string digits = reader.a("digits", items.size());
+    reader.end();
+    if (digits.size() != items.size() || digits.find_first_not_of("01") != std::string::npos) {
+        throw LayoutError("SPE_TRACKS: digits other than 0 and 1");
+    }
+    return digits;
+}
+
+size_t open_digits(const Param& param) {
+    Reader reader("SPE_OPNDIG", param.data);
+    const size_t digits = reader.n("digits", 1, {0, 8});
+    reader.end();
+    if (digits % 2 != 0) throw LayoutError("SPE_OPNDIG: an odd number");
+    return digits;
+}
+
+Request read(Reader& reader) {
+    Request request;
+    std::optional<size_t> openDigits;
+    for (const Param& param : reader.params()) {
+        if (request.cipher.take(param)) continue;
+        if (param.id == spe::tracks && request.wanted.empty()) {
+            request.wanted = tracks(param);
+        } else if (param.id == spe::opnDig && !openDigits) {
+            openDigits = open_digits(param);
+        } else {
+            throw out_of_place("GTK", param.id);
+        }
+    }
+    request.cipher.settle();
+    request.openDigits = openDigits.value_or(0);
+    if (request.wanted.empty()) throw LayoutError("GTK: SPE_TRACKS is missing", Status::mandat);
+    if (request.wanted.back() == '1' && request.cipher.method() == nullptr) {
+        throw LayoutError("GTK: SPE_MTHDDAT is missing for the card number", Status::mandat);
+    }
+    return request;
+}
+
+// False when the PIN pad does not have the key.
+bool add_item(std::vector<Param>& answer, const Item& item, const Card& card, const Request& request, KeyStore& keys) {
+    const Bytes clear = in_form(item.form, card.*item.text);
+    if (request.cipher.method() == nullptr) {
+        answer.push_back({item.id, clear});
+        return true;
+    }
+    const auto enciphered = request.cipher.encipher(keys, whole_blocks(item.form, clear));
+    if (!enciphered) return false;
+    const size_t open = item.openDigits ? request.openDigits : 0;
+    Bytes value = in_form(item.form, std::string_view(card.pan).substr(0, open));
+    append(value, enciphered->bytes);
+    answer.push_back({item.id, std::move(value)});
+    if (enciphered->ksn) answer.push_back({item.ksnId, *enciphered->ksn});
+    return true;
+}
+
+}  // namespace
+
+// A track that the card does not have is left out.
+Answer gtk(Call& call) {
+    const Request request = read(call.request);
+    const auto& card = call.device.lastCard;
+    if (!card) return {.status = Status::nocard, .blocks = {}};
+    std::vector<Param> answer;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (request.wanted[i] != '1' || (*card.*items[i].text).empty()) continue;
+        if (!add_item(answer, items[i], *card, request, call.device.keys)) {
+            return {.status = Status::errkey, .blocks = {}};
+        }
+    }
+    const DataMethod* method = request.cipher.method();
+    if (method != nullptr && method->source == KeySource::randomKey) {
+        answer.push_back({pp::encKRand, request.cipher.enciphered_random_key()});
+    }
+    return Answer::of(answer);
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_PIN_ENTRY_H
+#define QUORVEL_SIMULATOR_PIN_ENTRY_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "simulator/event.h"
+#include "simulator/screen.h"
+#include "simulator/status.h"
+
+namespace quorvel::sim {
+
+// Typing a PIN: the screen shows a message and how many digits there are.
+class PinEntry {
+public:
+    struct Result {
+        // Anything but OK is the command's answer.
+        Status status = Status::ok;
+        std::string pin = {};
+    };
+
+    PinEntry(Screen& screen, std::string message, size_t fewest, size_t most);
+
+    // Once the event ends the entry. Enter does not, with fewer digits than there must be.
+    [[nodiscard]] std::optional<Result> on(const Event& event);
+
+private:
+    [[nodiscard]] std::optional<Result> press(Key key);
+    void show() const;
+
+    Screen* screen_;
+    std::string message_;
+    size_t fewest_;
+    size_t most_;
+    std::string pin_;
+};
+
+}  // namespace quorvel::sim
+
+#endif

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+
+#include "simulator/keys/hex.h"
+#include "simulator/keys/pin_block.h"
+#include "simulator/trace.h"
+#include "tests/simulator/cipher_fixture.h"
+#include "tests/simulator/host_key.h"
+
+using namespace support::literals;
+
+// The clear working key is 11223344556677889900AABBCCDDEEFF; what is enciphered was worked out with the openssl
+// program.
+namespace quorvel::sim {
+
+namespace {
+
+class EncipherTest : public CipherTest {};
+
+TEST_F(EncipherTest, EnbEnciphersUnderAWorkingKey) {
+    play();
+    call("ENB051000B4CC3FD9D8D95214A024E6D986FDCDB04111111111111111", "ENB0000167CC310657070D8A3");
+    // The same key, sent as the 8 bytes that it is.
+    call("ENB0510003030303030303030B4CC3FD9D8D952144111111111111111", "ENB0000167CC310657070D8A3");
+    call("ENB051101ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB00001646DF6741E1E2B68C");
+    call("ENB051199ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB042");
+    expect_findings({});
+    refuse("ENB011", Kind::layout,
+           {{"ENB051200ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB: ENB_METHOD: 2 is not from 0 to 1"},
+            {"ENB049100ECAA54F11CEDC5178BE0FB560E8C43F041111111111111", "ENB: ENB_DATA: 16 bytes due, 14 left"}});
+}
+
+TEST_F(EncipherTest, EbxEnciphersByEachMethod) {
+    play();
+    const std::string head = "000F 0010 00112233445566778899AABBCCDDEEFF 0003 0002"_hex;
+    const std::string index = "0009 0002"_hex + "00";
+    const std::string des = "000A 0008 B4CC3FD9D8D95214"_hex;
+    const std::string tdes = "000A 0010 3EB3B72576BBBE834F0B96AAA5A8B548"_hex;
+    const std::string vector = "001D 0008 A1B2C3D4E5F60718"_hex;
+    const std::string answer = "EBX000020" + "804E 0010"_hex;
+    const std::string answerWithKsn = "EBX000034" + "804E 0010"_hex;
+    call("EBX044" + head + "00" + index + des, answer + "4F9C3608AC94496682AB5DFF3E6B5E4B"_hex);
+    call("EBX056" + head + "01" + index + des + vector, answer + "C3376CBCEA604ADEA413D8653BA79C37"_hex);
+    call("EBX044" + head + "01" + index + des, answer + "4F9C3608AC9449664690F05F74FCEECF"_hex);
+    call("EBX052" + head + "10" + index + tdes, answer + "DE6412A0862BE889EA1986C6785A09F9"_hex);
+    call("EBX064" + head + "11" + vector + tdes + index, answer + "6FA0C63259F2F14C9C1F4F0F23189BFA"_hex);
+    call("EBX032" + head + "30" + index,
+         answerWithKsn + "067CDF1AFFB18D8948C80BD37FA343B8 804C 000A FFFF9876543210E00001"_hex);
+    call("EBX032" + head + "50" + index,
+         answerWithKsn + "A8356B9FB799703294165C23E1ACCD22 804C 000A FFFF9876543210E00001"_hex);
+    call("EBX044" + head + "51" + index + vector,
+         answerWithKsn + "47816350F0CADB0CA7BA8A3AC4C764CB 804C 000A FFFF9876543210E00002"_hex);
+    call("EBX032" + head + "50" + "0009 0002"_hex + "01", "EBX042");
+    // The data key's counter, of which the first query for PIN keys knows nothing.
+    call("GIX006" + "0001 0002 9200"_hex, "GIX000014" + "9200 000A FFFF9876543210E00002"_hex);
+    call("GDU003300", "GDU000020FFFF9876543210E00000");
+    expect_findings({});
+}
+
+TEST_F(EncipherTest, EbxTakesExactlyWhatItsMethodNeeds) {
+    play();
+    const std::string data = "000F 0008 0011223344556677"_hex;
+    const std::string method = "0003 0002"_hex;
+    const std::string index = "0009 0002"_hex + "00";
+    const std::string des = "000A 0008 B4CC3FD9D8D95214"_hex;
+    const std::string vector = "001D 0008 A1B2C3D4E5F60718"_hex;
+    refuse("EBX019", Kind::layout,
+           {{"EBX012" + data, "EBX: SPE_MTHDDAT is missing"},
+            {"EBX012" + method + "50" + index, "EBX: SPE_DATAIN is missing"},
+            {"EBX018" + data + method + "50", "EBX: SPE_KEYIDX is missing"},
+            {"EBX024" + data + method + "11" + index, "EBX: SPE_WKENC is missing"}});
+    refuse("EBX011", Kind::layout,
+           {{"EBX036" + data + method + "10" + index + des, "SPE_WKENC: 8 bytes"},
+            {"EBX036" + data + method + "50" + index + des, "EBX: SPE_WKENC 0x000A has no place in it"},
+            {"EBX036" + data + method + "50" + index + vector, "EBX: SPE_IVCBC 0x001D has no place in it"},
+            {"EBX030" + data + method + "50" + index + index, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
+            {"EBX024" + data + method + "05" + index, "SPE_MTHDDAT: there is no method 05"},
+            {"EBX024" + data + method + "90" + index, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
+            {"EBX017" + "000F 0001 00"_hex + method + "50" + index, "SPE_DATAIN: 1 bytes"},
+            {"EBX009" + "0007 0005"_hex + "01110", "EBX: SPE_TRACKS 0x0007 has no place in it"}});
+}
+
+TEST_F(EncipherTest, GduCountsWithThePinBlocks) {
+    Device device = Device::standard();
+    for (const int method : {2, 3, 3}) ASSERT_TRUE(encipher_pin(device.keys, {method, 0}, "", "1234"));
+    play({.device = device});
+    call("GDU003200", "GDU000020FFFF9876543210E00001");
+    call("GDU003300", "GDU000020FFFF9876543210E00002");
+    call("GDU003399", "GDU042");
+    expect_findings({});
+    refuse("GDU011", Kind::layout, {{"GDU003100", "GDU: GDU_METHOD: 1 is not from 2 to 3"}});
+}
+
+// Loads 0F1E2D3C4B5A69788796A5B4C3D2E1F0. From then on data come in deciphered under it, until the session ends.
+TEST_F(EncipherTest, DwkTakesAKeyUnderAMasterKey) {
+    const std::string enb = "ENB051101ECAA54F11CEDC5178BE0FB560E8C43F0";
+    const std::string tdes = "DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C";
+    play();
+    call(tdes, "DWK000");
+    call(enb + "5D3D5A8E5C5A5D12", "ENB00001646DF6741E1E2B68C");
+    call("DWK0361000F9DD498AF884A97FA20E328C39686F3E", "DWK000");
+    call("DWK0361199BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK042");
+    call(enb + "6DB95C87A27B8CEC", "ENB00001646DF6741E1E2B68C");
+    call("CLO032" + std::string(32, ' '), "CLO000");
+    call(enb + "4111111111111111", "ENB00001646DF6741E1E2B68C");
+    call(tdes, "DWK000");
+    expect_findings({});
+    refuse("DWK011", Kind::layout,
+           {{"DWK0363100BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_MODE: 3 is not from 1 to 2"},
+            {"DWK0361200BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_METHOD: 2 is not from 0 to 1"},
+            {"DWK2632" + std::string(256, '7') + "010001", "DWK: DWK_MOD: less than 1024 bits"}});
+    EXPECT_EQ(to_hex(retire().panKey.value()), "0F1E2D3C4B5A69788796A5B4C3D2E1F0");
+}
+
+// Until cryptograms have begun with each of the bytes that hexadecimal fields or numbers might lose.
+TEST_F(EncipherTest, DwkGivesAKeyUnderTheHostsPublicKey) {
+    const HostKey key(1024);
+    play();
+    std::set<char> awaited{'\0', '0'};
+    std::string last;
+    for (int i = 0; i < 6000 && !awaited.empty(); ++i) {
+        const std::string answer = ask("DWK2632" + to_hex(to_bytes(key.modulus())) + "010001");
+        ASSERT_EQ(answer.size(), 3U + 3 + 3 + 256);
+        ASSERT_EQ(answer.substr(0, 9), "DWK000256");
+        const Bytes cryptogram = from_hex(answer.substr(9));
+        if (i != 0 && awaited.erase(static_cast<char>(cryptogram.front())) == 0) continue;
+        const std::string block = key.open_raw(std::string(cryptogram.begin(), cryptogram.end()));
+        ASSERT_EQ(block.size(), 128U);
+        EXPECT_EQ(block.substr(0, 2), "T1");
+        EXPECT_EQ(block.back(), 'X');
+        last = block.substr(11, 32);
+    }
+    EXPECT_TRUE(awaited.empty());
+    expect_findings({});
+    EXPECT_EQ(last, to_hex(retire().panKey.value()));
+}
+
+TEST(Trace, WithholdsKeysCardNumbersAndTracks) {
+    const std::string request =
+        "\x16"
+        "DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C\x17\x12\x34";
+    const std::string response =
+        "\x16"
+        "ENB00001646DF6741E1E2B68C\x17\x12\x34";
+    const auto text = [](Sender sender, const std::string& wire, const std::string& packet) {
+        const Bytes bytes = to_bytes(packet);
+        return to_text({sender, to_bytes(wire), sender == Sender::host ? request_words(bytes) : response_words(bytes)});
+    };
+    EXPECT_EQ(text(Sender::host, request, request.substr(1, 42)),
+              "> 16 44 57 4B ... (46 bytes)\n  DWK load a PAN working key: 39 bytes withheld\n");
+    EXPECT_EQ(text(Sender::pinPad, response, response.substr(1, 25)),
+              "< 16 45 4E 42 30 30 30 ... (29 bytes)\n  ENB 000 OK: 19 bytes withheld\n");
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <gtest/gtest.h>
+#include <string>
+
+#include "simulator/keys/hex.h"
+#include "simulator/pin_entry.h"
+#include "tests/simulator/command_fixture.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+class GenTest : public CommandTest {
+protected:
+    // What fills up a hexadecimal field in front of its value.
+    static std::string pads(size_t count) {
+        std::string text;
+        for (size_t i = 0; i < count; ++i) text += "30";
+        return text;
+    }
+
+    void play_with_chip() {
+        Device device = Device::standard();
+        device.chip = device.lastCard = Card{.pan = "4111111111111111", .chip = Chip::standard()};
+        device.modules[2] = Chip{.atr = from_hex("3B0011"), .script = {}};
+        play({.device = device});
+    }
+};
+
+TEST_F(GenTest, TellsWhereKeysAre) {
+    play();
+    call("GEN01302008K3000003", "GEN0000070041100");
+    call("GEN01302008K3110099", "GEN00010310011" + std::string(98, '0'));
+    call("GEN01302008K3200000", "GEN0000040011");
+    call("GEN01302008K3319999", "GEN0000040010");
+    expect_findings({});
+    refuse("GEN011", Kind::layout,
+           {{"GEN01302008K3000504", "GEN: GEN02K3_IDXEND: 4 is not from 5 to 99"},
+            {"GEN01302008K3400000", "GEN: GEN02K3_KEYTYPE: 4 is not from 0 to 3"},
+            {"GEN01302008K3020000", "GEN: GEN02K3_KEYUSE: 2 is not from 0 to 1"},
+            {"GEN01402008K30000009", "GEN: 1 bytes too many"},
+            {"GEN01302009K3000000", "GEN: GEN_LEN: 9 bytes due, 8 left"}});
+    refuse("GEN010", Kind::unsupported, {{"GEN01302008K4000000", "GEN: there is no 02/K4"}});
+}
+
+TEST_F(GenTest, ReadsTags) {
+    play();
+    call("GEN0150301002829F175A", "GEN043");
+    call("GEN01804013040049F029F17", "GEN043");
+    play_with_chip();
+    // One length counts digits, the other bytes.
+    call("GEN0150301002829F175A", "GEN000039036820238009F1701035A084111111111111111");
+    call("GEN01804013040049F029F17", "GEN0000110049F170103");
+    call("GEN0070300202", "GEN000003000");
+    call("GEN0100400504000", "GEN000003000");
+    expect_findings({});
+    refuse("GEN011", Kind::layout,
+           {{"GEN01103006025F9F", "tags: tag: 1 bytes due, 0 left"},
+            {"GEN01204007040025A", "GEN: GEN0404_TAGSLEN: 2 bytes, 2 digits follow"},
+            {"GEN00903004025G", "GEN: GEN_TAGS: 0x47 is no hexadecimal digit"}});
+}
+
+TEST_F(GenTest, EnciphersDataUnderDukpt) {
+    const std::string answer = "GEN000055052FFFF9876543210E00001DCCD4E096CCD9A4FA8356B9FB7997032";
+    play();
+    call("GEN042030370330041111111111111110011223344556677", answer);
+    call("GEN02603021033994111111111111111", "GEN042");
+    call("GEN0100300503300", "GEN000023020FFFF9876543210E00002");
+    expect_findings({});
+    refuse("GEN011", Kind::layout,
+           {{"GEN02603021032004111111111111111", "GEN: GEN0303_METHOD: 2 instead of 3"},
+            {"GEN018030130330041111111", "GEN: GEN0303_INPUT: 8 digits"}});
+    // Once a PAN working key is loaded it comes in deciphered.
+    Device device = Device::standard();
+    device.panKey = from_hex("0F1E2D3C4B5A69788796A5B4C3D2E1F0");
+    play({.device = device});
+    call("GEN04203037033005D3D5A8E5C5A5D1271065ECF66B7AEF6", answer);
+}
+
+TEST_F(GenTest, PowersChips) {
+    const std::string head = "GEN000079076";
+    const std::string atr = std::string("1109") + pads(27) + "3B6500002063CB6800";
+    play_with_chip();
+    call("GEN009040040140", head + "1000" + pads(36));
+    call("GEN009040040110", head + atr);
+    call("GEN009040040140", head + atr);
+    call("GEN009040040120", head + atr);
+    call("GEN009040040130", head + "1000" + pads(36));
+    call("GEN009040040112", head + "1103" + pads(33) + "3B0011");
+    call("GEN009040040113", "GEN051");
+    call("GEN009040040143", head + "0000" + pads(36));
+    play();
+    call("GEN009040040110", "GEN043");
+    expect_findings({});
+    refuse("GEN011", Kind::layout,
+           {{"GEN009040040100", "GEN: GEN0401_OPER: 0 is not from 1 to 4"},
+            {"GEN009040040119", "GEN: GEN_SLOT: 9 is not from 0 to 8"}});
+}
+
+TEST_F(GenTest, ExchangesApdus) {
+    const std::string select = "GEN0360403102000A40400007A0000000031010";
+    const std::string verify = "GEN0380403302000200080008";
+    play_with_chip();
+    call(select + "256", "GEN00001100810000000");
+    call("GEN009040040110", "GEN0000790761109" + pads(27) + "3B6500002063CB6800");
+    call(select + "256", "GEN000043040090000166F0E8407A0000000031010A50350015A");
+    call(select + "016", "GEN000043040090000166F0E8407A0000000031010A50350015A");
+    call(select + "015", "GEN00001100806C10000");
+    call(select + "000", "GEN00001100809000000");
+    call("GEN0220401702000880000000000", "GEN00001100806D00000");
+    for (const char* answer : {"063C2000", "063C1000"}) {
+        call(verify + "241111FFFFFFFFFF000", std::string("GEN000011008") + answer);
+    }
+    call(verify + "241234FFFFFFFFFF000", "GEN00001100809000000");
+    for (const char* answer : {"063C2000", "063C1000", "063C0000", "06983000"}) {
+        call(verify + "251234FFFFFFFFFF000", std::string("GEN000011008") + answer);
+    }
+    call("GEN0220401702800880000000000", "GEN051");
+    expect_findings({});
+    refuse("GEN011", Kind::layout,
+           {{"GEN0220401702000880000256000", "GEN: GEN0402_LC: 256 is not from 0 to 255"},
+            {"GEN0220401702000880000000257", "GEN: GEN0402_LE: 257 is not from 0 to 256"}});
+}
+
+TEST_F(GenTest, ShowsThePinToTheChipOnly) {
+    const auto typed = [&](const Gestures& gestures, const std::string& answer) {
+        pinPad_->when("GEN", gestures);
+        call("GEN053040480300020008020412ENTER PIN                       ", answer);
+    };
+    play_with_chip();
+    typed(Gestures().type("1234"), "GEN00000800510000");
+    call("GEN009040040110", "GEN0000790761109" + pads(27) + "3B6500002063CB6800");
+    typed(Gestures().type("1111"), "GEN000008005063C2");
+    typed(Gestures().type("123").type("4"), "GEN00000800509000");
+    typed(Gestures().press(digit('9')).press(Key::clear).type("1234"), "GEN00000800509000");
+    typed(Gestures().press(digit('1')).press(Key::cancel), "GEN013");
+    typed(Gestures().remove().type("1234"), "GEN043");
+    call("GEN053040480300020008020412" + std::string(32, ' '), "GEN043");
+    expect_findings({});
+    refuse("GEN011", Kind::layout,
+           {{"GEN0530404803000200080G0412" + std::string(32, ' '), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
+            {"GEN053040480300020008020504" + std::string(32, ' '), "GEN: GEN0403_PINMAX: 4 is not from 5 to 99"}});
+    for (const Traffic& traffic : pinPad_->traffic()) EXPECT_EQ(traffic.words.find("1234"), std::string::npos);
+}
+
+TEST(PinEntry, ShowsHowManyDigitsThereAre) {
+    Screen screen;
+    PinEntry entry(screen, "PIN", 4, 5);
+    std::string shown = screen.content().typed;
+    for (const Key key : {digit('1'), digit('2'), Key::clear, digit('1'), digit('2'), digit('3'), digit('4'),
+                          digit('5'), digit('6'), Key::up}) {
+        EXPECT_FALSE(entry.on(KeyPressed{key}));
+        shown += "," + screen.content().typed;
+    }
+    EXPECT_EQ(shown, ",*,**,,*,**,***,****,*****,*****,*****");
+    EXPECT_EQ(screen.content().text, "PIN");
+    EXPECT_EQ(entry.on(KeyPressed{Key::enter}).value().pin, "12345");
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
