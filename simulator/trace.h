@@ -25,8 +25,8 @@ struct Traffic {
 [[nodiscard]] std::string control_words(uint8_t byte);
 [[nodiscard]] std::string reception_words(const Reception& reception);
 
-// Two lines: the bytes in hexadecimal behind an arrow that tells the sender, and the words. Both leave out what commands
-// carry whose privacy is to be kept.
+// Two lines: the bytes in hexadecimal behind an arrow that tells the sender, and the words. Both leave out what
+// commands carry whose privacy is to be kept.
 [[nodiscard]] std::string to_text(const Traffic& traffic);
 
 }  // namespace quorvel::sim
