@@ -96,6 +96,7 @@ TEST(Gcr, ChecksItsArgumentsInTheirOrder) {
     refused("Invalid char at aidRecIds[6]: (0xE9)", "010101\xE9-");
     refused("Too many records", support::repeated("0101", 100).c_str());
     refused("Duplicate record ID: 0101", "010101020101");
+    refused("Duplicate record ID: 01Zz", "01Zz01Zz");
     const auto fails = [&](const char* detail) { EXPECT_RAISES(2, detail, abecs_cmd_gcr(link.comm, &data, nullptr)); };
     fails("Number length (13) is greater than field length (12)");
     data.amount = 0;

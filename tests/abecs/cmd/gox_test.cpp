@@ -72,8 +72,6 @@ TEST_F(Gox, NeedsTheWorkingKeyOfItsMethod) {
 }
 
 TEST_F(Gox, ChecksEveryArgumentInOrder) {
-    const AbecsEmvData emvData{{}, 513};
-    const AbecsTagList tagList{{}, 129};
     const auto reset = abecs_cmd_gox_builder_reset;
     refused(2, "Invalid 'acqRef': 100 (min: 0, max: 99)", reset, 100, method(4), 100);
     refused(2, "Invalid enumerator for AbecsSpeMthdPin_E: 4", reset, 99, method(4), 100);
@@ -83,8 +81,6 @@ TEST_F(Gox, ChecksEveryArgumentInOrder) {
     refused(2, "goxOpt: invalid char (0x61) at index 4", abecs_cmd_gox_builder_goxopt, "0123a");
     refused(2, "'dspMsg' is NULL", abecs_cmd_gox_builder_dspmsg, nullptr);
     refused(2, "'trmPar' is NULL", abecs_cmd_gox_builder_trmpar, nullptr);
-    refused(2, "'emvData->szData' is too long (size: 513, maximum: 512)", abecs_cmd_gox_builder_emvdata, &emvData);
-    refused(2, "'tagList' is too long (size: 129, maximum: 128)", abecs_cmd_gox_builder_taglist, &tagList);
     expect_sent("GOX017" + kFirst);
     EXPECT_RAISES(2, "Invalid 'keyIdx': 100 (min: 0, max: 99)", abecs_cmd_gox_builder_new(0, method(0), 100));
 }

@@ -10,11 +10,8 @@
 #include "tests/support/malloc/exhaustion.h"
 #include "tests/support/packets.h"
 #include "tests/support/refused.h"
-#include "tests/support/wire.h"
 
 namespace {
-
-using namespace support::literals;
 
 struct Builder : abecs::ParamBuilder {};
 
@@ -56,18 +53,6 @@ TEST_F(ParamBuilder, TakesEachParameterOnceByItsName) {
         EXPECT_REFUSED(3, "SPE_" + name + " already set", static_cast<void>(abecs::add_bytes(builder_, id, "?", 1)));
         EXPECT_EQ(command(), before);
     }
-}
-
-// Those of the builders to come; the others are seen in the requests.
-TEST_F(ParamBuilder, KnowsTheFormOfEachParameter) {
-    const std::string bytes(256, 'b');
-    abecs::add_number(builder_, ABECS_SPE_ID_MTHDDAT, 9);
-    abecs::add_number(builder_, ABECS_SPE_ID_OPNDIG, 4);
-    for (const AbecsSpeId_E id : {ABECS_SPE_ID_TRACKS, ABECS_SPE_ID_IVCBC, ABECS_SPE_ID_PBKMOD}) {
-        abecs::add_bytes(builder_, id, bytes.data());
-    }
-    EXPECT_EQ(command(), "ABC297" + "0010 0002 3037 0003 0002 3039 0008 0001 34 0007 0004 62626262"_hex
-                             + "001D 0008 6262 6262 6262 6262 0024 0100"_hex + bytes);
 }
 
 TEST_F(ParamBuilder, WhatHasNoRoomIsNotAdded) {
