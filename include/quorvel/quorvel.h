@@ -18,9 +18,9 @@
  * 3. Blocking commands, which wait for the cardholder, come as a sending function and one that ends in _response. The
  *    link is blocked from the one to the other. Poll the latter: -1 nothing yet (after two seconds), -2 a notification
  *    was read into the text argument (33 bytes, or none), else the final RSP_STAT. abecs_comm_send_can aborts the wait.
- * 4. Ownership. What a function ending in _new, or abecs_comm_open, returns is the caller's, to be ended by the matching
- *    _delete or close, which takes the address of the variable and sets it to none; none is ignored. Containers copy
- *    what is put into them. Pointers returned by accessors belong to the object and live until it changes.
+ * 4. Ownership. What a function ending in _new, or abecs_comm_open, returns is the caller's, to be ended by the
+ * matching _delete or close, which takes the address of the variable and sets it to none; none is ignored. Containers
+ * copy what is put into them. Pointers returned by accessors belong to the object and live until it changes.
  * 5. Arguments are checked before a byte is sent, in the order the comments give. "none" is a null pointer.
  * 6. Texts are NUL-terminated; lengths count characters or bytes without the NUL; the size of a destination counts it.
  *    A field's width is what travels on the line.
