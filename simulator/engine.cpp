@@ -161,7 +161,7 @@ void Engine::end_session() {
 
 void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Content before) {
     const auto deadline = Clock::now() + wait.limit.value_or(patience_).count() * second_;
-    pending_.emplace(command, std::move(wait), sealed, deadline, std::move(before));
+    pending_.emplace(Pending{command, std::move(wait), sealed, deadline, std::move(before)});
     cardholder_.attend(command.id);
 }
 

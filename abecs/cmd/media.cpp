@@ -9,7 +9,7 @@ using kor::raise;
 
 namespace abecs {
 
-MediaName::MediaName(const char* filename) : text() { kor_string_to_upper(text, filename); }
+MediaName::MediaName(const char* filename) { kor_string_to_upper(text, filename); }
 
 bool check_media_name(const char* filename) {
     if (filename == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'filename' is NULL"), false; }

@@ -18,7 +18,7 @@ static_assert(kMaxMediaBlock == 995);
 
 // The PIN pad's name for a file: in upper case. Only for names that were found to be short enough.
 struct MediaName {
-    char text[kMediaNameWidth + 1];
+    char text[kMediaNameWidth + 1]{};
 
     explicit MediaName(const char* filename);
 };
