@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <memory>
-#include <openssl/bn.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/rand.h>
@@ -13,6 +12,7 @@
 
 #include "simulator/crc.h"
 #include "simulator/fields.h"
+#include "simulator/keys/rsa.h"
 
 namespace quorvel::sim {
 
@@ -22,16 +22,7 @@ constexpr size_t cipherBlock = 16;
 // DATALEN and DATACRC.
 constexpr size_t headSize = 2 + 2;
 
-template <auto release>
-struct Releaser {
-    template <typename Object>
-    void operator()(Object* object) const noexcept {
-        release(object);
-    }
-};
-using BigNumber = std::unique_ptr<BIGNUM, Releaser<BN_clear_free>>;
-using BigNumberContext = std::unique_ptr<BN_CTX, Releaser<BN_CTX_free>>;
-using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, Releaser<EVP_CIPHER_CTX_free>>;
+using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
 
 void require(bool done, std::string_view call) {
     if (!done) throw std::runtime_error(fmt::format("libcrypto: {} failed", call));
@@ -42,40 +33,10 @@ void wipe(std::optional<SessionKey>& key) noexcept {
     key.reset();
 }
 
-// A block of type 2: 00 02, at least eight random bytes that are not zero, 00, the key.
-Bytes pad(const SessionKey& key, size_t size) {
-    Bytes block(size);
-    const auto filling = std::span(block).subspan(2, size - key.size() - 3);
-    block[1] = 0x02;
-    for (uint8_t& byte : filling) {
-        while (byte == 0) require(RAND_bytes(&byte, 1) == 1, "RAND_bytes");
-    }
-    std::ranges::copy(key, block.end() - static_cast<std::ptrdiff_t>(key.size()));
-    return block;
-}
-
-BigNumber big_number(ByteView bytes) {
-    BigNumber number(BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr));
-    require(number != nullptr, "BN_bin2bn");
-    return number;
-}
-
-Bytes rsa_public(ByteView block, ByteView modulus, ByteView exponent) {
-    const BigNumberContext context(BN_CTX_secure_new());
-    const BigNumber base = big_number(block);
-    const BigNumber power = big_number(exponent);
-    const BigNumber module = big_number(modulus);
-    const BigNumber result(BN_new());
-    require(BN_mod_exp(result.get(), base.get(), power.get(), module.get(), context.get()) == 1, "BN_mod_exp");
-    Bytes bytes(modulus.size());
-    require(BN_bn2binpad(result.get(), bytes.data(), static_cast<int>(bytes.size())) >= 0, "BN_bn2binpad");
-    return bytes;
-}
-
 // Every frame begins with the same initialisation vector, all zeros.
 Bytes aes_cbc(ByteView bytes, const SessionKey& key, bool encipher) {
     static constexpr std::array<uint8_t, cipherBlock> vector{};
-    const CipherContext context(EVP_CIPHER_CTX_new());
+    const CipherContext context(EVP_CIPHER_CTX_new(), EVP_CIPHER_CTX_free);
     Bytes result(bytes.size());
     int length = 0;
     require(
@@ -97,14 +58,11 @@ SecureChannel::~SecureChannel() {
     wipe(fixedKey_);
 }
 
-Bytes SecureChannel::open(ByteView modulus, ByteView exponent) {
+Bytes SecureChannel::open(const RsaPublicKey& hostKey) {
     close();
     key_ = fixedKey_ ? *fixedKey_ : SessionKey{};
     if (!fixedKey_) require(RAND_bytes(key_->data(), static_cast<int>(key_->size())) == 1, "RAND_bytes");
-    Bytes block = pad(*key_, modulus.size());
-    Bytes cryptogram = rsa_public(block, modulus, exponent);
-    OPENSSL_cleanse(block.data(), block.size());
-    return cryptogram;
+    return rsa_padded(hostKey, *key_);
 }
 
 void SecureChannel::close() noexcept { wipe(key_); }

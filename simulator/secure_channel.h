@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "simulator/bytes.h"
+#include "simulator/keys/rsa.h"
 
 namespace quorvel::sim {
 
@@ -33,7 +34,7 @@ public:
 
     // Draws a key, in place of the one before, and returns it enciphered under the host's public key: as many bytes as
     // the modulus has.
-    [[nodiscard]] Bytes open(ByteView modulus, ByteView exponent);
+    [[nodiscard]] Bytes open(const RsaPublicKey& hostKey);
     void close() noexcept;
 
     // The content of an encrypted frame.

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "simulator/commands/handlers.h"
+#include "simulator/digit_entry.h"
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/pin_block.h"
-#include "simulator/pin_entry.h"
 
 namespace quorvel::sim::commands {
 
@@ -180,11 +180,11 @@ Answer show_pin(Device& device, const PinRequest& request, const std::string& pi
 Outcome verify_pin(Call& call, Reader fields) {
     const PinRequest request = read_pin_request(fields);
     if (chip_in(call.device, request.slot) == nullptr) return refused(absence(request.slot));
-    PinEntry entry(call.screen, request.message, request.fewest, request.most);
+    DigitEntry entry(call.screen, request.message, request.fewest, request.most, DigitEntry::Echo::count);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
         const auto result = entry.on(event);
         if (!result) return std::nullopt;
-        return result->status == Status::ok ? show_pin(device, request, result->pin) : refused(result->status);
+        return result->status == Status::ok ? show_pin(device, request, result->digits) : refused(result->status);
     }};
 }
 

@@ -13,13 +13,8 @@ constexpr size_t maxDisplay = 128;
 constexpr size_t modulusSize = 256;
 constexpr size_t exponentSize = 3;
 
-struct PublicKey {
-    Bytes modulus;
-    Bytes exponent;
-};
-
-PublicKey public_key(Reader fields) {
-    PublicKey key;
+RsaPublicKey public_key(Reader fields) {
+    RsaPublicKey key;
     fields.n("OPN_OPMODE", 1, {0, 0});
     fields.n("OPN_MODLEN", 3, {modulusSize, modulusSize});
     key.modulus = fields.h("OPN_MOD", 2 * modulusSize);
@@ -40,8 +35,7 @@ Answer opn(Call& call) {
     if (call.request.left() == 0) return {};
     const Reader fields = call.request.block("CMD_LEN1");
     call.request.end();
-    const PublicKey key = public_key(fields);
-    return Answer::of(Writer().n(modulusSize, 3).h(call.channel.open(key.modulus, key.exponent), 2 * modulusSize));
+    return Answer::of(Writer().n(modulusSize, 3).h(call.channel.open(public_key(fields)), 2 * modulusSize));
 }
 
 Answer clo(Call& call) {

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <memory>
 #include <openssl/bn.h>
+#include <openssl/crypto.h>
 #include <openssl/rand.h>
 #include <stdexcept>
 
@@ -56,6 +57,8 @@ Bytes rsa_raw(const RsaPublicKey& key, ByteView block) {
 // 00 02, random bytes that are not zero, 00, the message.
 Bytes rsa_padded(const RsaPublicKey& key, ByteView message) {
     Bytes block{0x00, 0x02};
+    // Growing it would leave parts of it behind.
+    block.reserve(key.modulus.size());
     Bytes filling = random_bytes(key.modulus.size() - message.size() - 3);
     for (uint8_t& byte : filling) {
         while (byte == 0) byte = random_bytes(1).front();
@@ -63,7 +66,9 @@ Bytes rsa_padded(const RsaPublicKey& key, ByteView message) {
     append(block, filling);
     block.push_back(0x00);
     append(block, message);
-    return rsa_raw(key, block);
+    Bytes cryptogram = rsa_raw(key, block);
+    OPENSSL_cleanse(block.data(), block.size());
+    return cryptogram;
 }
 
 }  // namespace quorvel::sim

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "simulator/digit_entry.h"
 #include "simulator/keys/hex.h"
-#include "simulator/pin_entry.h"
 #include "tests/simulator/command_fixture.h"
 
 namespace quorvel::sim {
@@ -144,9 +144,9 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
     for (const Traffic& traffic : pinPad_->traffic()) EXPECT_EQ(traffic.words.find("1234"), std::string::npos);
 }
 
-TEST(PinEntry, ShowsHowManyDigitsThereAre) {
+TEST(DigitEntry, ShowsHowManyDigitsThereAre) {
     Screen screen;
-    PinEntry entry(screen, "PIN", 4, 5);
+    DigitEntry entry(screen, "PIN", 4, 5, DigitEntry::Echo::count);
     std::string shown = screen.content().typed;
     for (const Key key : {digit('1'), digit('2'), Key::clear, digit('1'), digit('2'), digit('3'), digit('4'),
                           digit('5'), digit('6'), Key::up}) {
@@ -155,7 +155,7 @@ TEST(PinEntry, ShowsHowManyDigitsThereAre) {
     }
     EXPECT_EQ(shown, ",*,**,,*,**,***,****,*****,*****,*****");
     EXPECT_EQ(screen.content().text, "PIN");
-    EXPECT_EQ(entry.on(KeyPressed{Key::enter}).value().pin, "12345");
+    EXPECT_EQ(entry.on(KeyPressed{Key::enter}).value().digits, "12345");
 }
 
 }  // namespace

@@ -110,7 +110,7 @@ TEST(SecureChannel, DrawsAKeyEachTimeAndKeepsLeadingZerosOfTheCryptogram) {
     std::vector<Bytes> keys;
     for (const int first : {0x00, 0x30}) {
         Bytes cryptogram;
-        do { cryptogram = channel.open(unhex(modulus), unhex("010001")); } while (cryptogram.front() != first);
+        do { cryptogram = channel.open({unhex(modulus), unhex("010001")}); } while (cryptogram.front() != first);
         ASSERT_EQ(cryptogram.size(), 256U);
         const Bytes block = decipher(cryptogram, privateExponent);
         keys.emplace_back(block.end() - 16, block.end());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_PIN_ENTRY_H
-#define QUORVEL_SIMULATOR_PIN_ENTRY_H
+#ifndef QUORVEL_SIMULATOR_DIGIT_ENTRY_H
+#define QUORVEL_SIMULATOR_DIGIT_ENTRY_H
 
 #include <cstddef>
 #include <optional>
@@ -13,16 +13,19 @@
 
 namespace quorvel::sim {
 
-// Typing a PIN: the screen shows a message and how many digits there are.
-class PinEntry {
+// Typing a number or a PIN under a message on the screen.
+class DigitEntry {
 public:
+    // What the screen shows of the digits: each of them, or only how many there are.
+    enum class Echo { digits, count };
+
     struct Result {
         // Anything but OK is the command's answer.
         Status status = Status::ok;
-        std::string pin = {};
+        std::string digits = {};
     };
 
-    PinEntry(Screen& screen, std::string message, size_t fewest, size_t most);
+    DigitEntry(Screen& screen, std::string message, size_t fewest, size_t most, Echo echo);
 
     // Once the event ends the entry. Enter does not, with fewer digits than there must be.
     [[nodiscard]] std::optional<Result> on(const Event& event);
@@ -35,7 +38,8 @@ private:
     std::string message_;
     size_t fewest_;
     size_t most_;
-    std::string pin_;
+    Echo echo_;
+    std::string digits_;
 };
 
 }  // namespace quorvel::sim
