@@ -39,7 +39,7 @@ struct Call {
 // What a command is answered with: a status, and with status OK up to two blocks.
 struct Answer {
     Status status = Status::ok;
-    std::vector<Bytes> blocks;
+    std::vector<Bytes> blocks = {};
 
     [[nodiscard]] static Answer of(const Writer& fields) { return {.blocks = {fields.bytes()}}; }
     // The parameters in their order, in the second block those from the first that does not fit on.

@@ -12,21 +12,32 @@ namespace quorvel::sim {
 namespace spe {
 inline constexpr uint16_t idList = 0x0001;
 inline constexpr uint16_t mthdDat = 0x0003;
+inline constexpr uint16_t cexOpt = 0x0006;
 inline constexpr uint16_t tracks = 0x0007;
 inline constexpr uint16_t opnDig = 0x0008;
 inline constexpr uint16_t keyIdx = 0x0009;
 inline constexpr uint16_t wkEnc = 0x000A;
+inline constexpr uint16_t msgIdx = 0x000B;
+inline constexpr uint16_t timeout = 0x000C;
+inline constexpr uint16_t minDig = 0x000D;
+inline constexpr uint16_t maxDig = 0x000E;
 inline constexpr uint16_t dataIn = 0x000F;
 inline constexpr uint16_t dspMsg = 0x001B;
 inline constexpr uint16_t ivCbc = 0x001D;
 inline constexpr uint16_t mfName = 0x001E;
 inline constexpr uint16_t mfInfo = 0x001F;
+inline constexpr uint16_t mnuOpt = 0x0020;
+inline constexpr uint16_t panMask = 0x0023;
 inline constexpr uint16_t pbkMod = 0x0024;
 inline constexpr uint16_t pbkExp = 0x0025;
 }  // namespace spe
 
 // What responses carry.
 namespace pp {
+inline constexpr uint16_t event = 0x8040;
+inline constexpr uint16_t trk1Inc = 0x8041;
+inline constexpr uint16_t trk2Inc = 0x8042;
+inline constexpr uint16_t trk3Inc = 0x8043;
 inline constexpr uint16_t track1 = 0x8044;
 inline constexpr uint16_t track2 = 0x8045;
 inline constexpr uint16_t track3 = 0x8046;
@@ -36,6 +47,7 @@ inline constexpr uint16_t trk3Ksn = 0x8049;
 inline constexpr uint16_t encPan = 0x804A;
 inline constexpr uint16_t encPanKsn = 0x804B;
 inline constexpr uint16_t ksn = 0x804C;
+inline constexpr uint16_t value = 0x804D;
 inline constexpr uint16_t dataOut = 0x804E;
 inline constexpr uint16_t bigRand = 0x805A;
 inline constexpr uint16_t mfName = 0x805E;

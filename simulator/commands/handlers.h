@@ -12,24 +12,33 @@
 // leaves as a LayoutError and is answered in one place.
 namespace quorvel::sim::commands {
 
+Outcome cex(Call& call);
+Outcome cke(Call& call);
 Answer clo(Call& call);
 Answer clx(Call& call);
+Answer dex(Call& call);
 Answer dmf(Call& call);
 Answer dsi(Call& call);
+Answer dsp(Call& call);
 Answer dwk(Call& call);
 Answer ebx(Call& call);
 Answer enb(Call& call);
+Outcome gcd(Call& call);
 Answer gdu(Call& call);
 Outcome gen(Call& call);
 Answer gin(Call& call);
 Answer gix(Call& call);
+Outcome gky(Call& call);
+Outcome gpn(Call& call);
 Answer gtk(Call& call);
 Answer gts(Call& call);
 Answer lmf(Call& call);
 Answer mle(Call& call);
 Answer mli(Call& call);
 Answer mlr(Call& call);
+Outcome mnu(Call& call);
 Answer opn(Call& call);
+Outcome rmc(Call& call);
 Answer tle(Call& call);
 Answer tli(Call& call);
 Answer tlr(Call& call);

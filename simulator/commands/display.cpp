@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <string_view>
+#include <variant>
+
+#include "simulator/commands/handlers.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t messageWidth = 32;
+constexpr size_t maxLongMessage = 160;
+
+Screen::Content message(Call& call, std::string_view field) {
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    Screen::Content content{.text = fields.s(field, messageWidth)};
+    fields.end();
+    return content;
+}
+
+}  // namespace
+
+Answer dsp(Call& call) {
+    call.screen.show(message(call, "DSP_MSG"));
+    return {};
+}
+
+Answer dex(Call& call) {
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    const size_t length = fields.n("DEX_MSGLEN", 3, {0, maxLongMessage});
+    Screen::Content content{.text = fields.s("DEX_MSG", length, Cr::allowed)};
+    fields.end();
+    call.screen.show(std::move(content));
+    return {};
+}
+
+// With no card in the reader there is nothing to wait for.
+Outcome rmc(Call& call) {
+    call.screen.show(message(call, "RMC_MSG"));
+    if (!call.device.chip) return Answer{};
+    return Wait{[](const Event& event) -> std::optional<Answer> {
+        if (std::holds_alternative<CardRemoved>(event)) return Answer{};
+        return std::nullopt;
+    }};
+}
+
+}  // namespace quorvel::sim::commands
