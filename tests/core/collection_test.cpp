@@ -50,9 +50,7 @@ TEST(Collection, CopiesBytesAndNone) {
 
 // A try block of their own would clear the pending error.
 TEST(Collection, ClearingAndDeletingInACleanUpKeepThePendingError) {
-    counted::reset();
-    KorMap* map = kor_map_new(2, counted::hash, counted::equals, counted::copy, counted::copy, counted::destroy,
-                              counted::destroy);
+    KorMap* map = counted::new_map(2);
     KorSet* set = kor_int_set_new(2);
     KorList* list = kor_string_list_new();
     KorBuffer* buffer = kor_buffer_new(4);

@@ -14,25 +14,12 @@ namespace {
 
 using counted::copy;
 using counted::destroy;
+using counted::entries;
 using counted::equals;
 using counted::hash;
+using counted::new_map;
+using counted::text_of;
 using Map = Owned<KorMap, kor_map_delete>;
-
-KorMap* new_map(uint32_t capacity) {
-    counted::reset();
-    return kor_map_new(capacity, hash, equals, copy, copy, destroy, destroy);
-}
-
-const char* text_of(const void* item) { return item != nullptr ? static_cast<const char*>(item) : "none"; }
-
-std::string entries(const KorMap* map) {
-    std::string all;
-    KorMapIterator position{};
-    for (auto* it = kor_map_begin(map, &position); it != nullptr; it = kor_map_next(it)) {
-        all.append(text_of(it->key)).append("=").append(text_of(it->value)) += ' ';
-    }
-    return all;
-}
 
 TEST(Map, RefusesItsArgumentsInTheirOrder) {
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid initialCapacity: 1",
@@ -71,15 +58,15 @@ TEST(Map, RefusesNoneEverywhere) {
 TEST(Map, ReplacesTheValueAndKeepsTheKey) {
     const Map map(new_map(4));
     KorMapIterator first{};
-    EXPECT_STREQ(text_of(kor_map_put(map, "key", "old")), "old");
+    EXPECT_EQ(text_of(kor_map_put(map, "key", "old")), "old");
     kor_map_begin(map, &first);
     const void* key = first.key;
-    EXPECT_STREQ(text_of(kor_map_put(map, "key", "new")), "new");
+    EXPECT_EQ(text_of(kor_map_put(map, "key", "new")), "new");
     EXPECT_EQ(counted::copies, 3) << "the key is not copied again";
     EXPECT_EQ(counted::deletions, 1);
     EXPECT_EQ(kor_map_begin(map, &first)->key, key);
     // The stored value itself may be put again: it is copied before it is freed.
-    EXPECT_STREQ(text_of(kor_map_put(map, "key", kor_map_get(map, "key"))), "new");
+    EXPECT_EQ(text_of(kor_map_put(map, "key", kor_map_get(map, "key"))), "new");
     EXPECT_EQ(entries(map), "key=new ");
     EXPECT_EQ(kor_map_size(map), 1U);
 }
@@ -88,9 +75,9 @@ TEST(Map, KeepsNoneKeysAndValues) {
     const Map map(new_map(4));
     EXPECT_EQ(kor_map_put(map, "key", nullptr), nullptr);
     EXPECT_EQ(kor_map_put(map, nullptr, nullptr), nullptr);
-    EXPECT_STREQ(text_of(kor_map_put(map, nullptr, "value")), "value");
+    EXPECT_EQ(text_of(kor_map_put(map, nullptr, "value")), "value");
     EXPECT_EQ(kor_map_get(map, "absent"), nullptr);
-    EXPECT_STREQ(text_of(kor_map_get(map, nullptr)), "value");
+    EXPECT_EQ(text_of(kor_map_get(map, nullptr)), "value");
     EXPECT_EQ(entries(map), "none=value key=none ");
     kor_map_clear(map);
     EXPECT_EQ(counted::copies, 2);
@@ -124,7 +111,7 @@ TEST(Map, AnIteratorLooksItsKeyUpAgainAndStaysOnTheLastEntry) {
     kor_map_put(map, "i", "2");
     kor_map_put(map, "abc", "3");
     EXPECT_EQ(kor_map_next(&it), nullptr) << "growing moved the entry to the end";
-    EXPECT_STREQ(text_of(it.key), "eleven-long");
+    EXPECT_EQ(text_of(it.key), "eleven-long");
     EXPECT_EQ(kor_map_next(&it), nullptr);
     EXPECT_EQ(entries(map), "i=2 abc=3 eleven-long=1 ");
 }

@@ -114,6 +114,7 @@ TEST(String, StartsAndEnds) {
 TEST(String, ShortFormsPassTheirCaseOn) {
     EXPECT_TRUE(kor_string_iequals("a", "A"));
     EXPECT_FALSE(kor_string_equals("a", "A"));
+    EXPECT_NE(kor_string_cmp("a", "A"), 0);
     EXPECT_NE(kor_string_ifind_first("A", "a"), nullptr);
     EXPECT_EQ(kor_string_find_first("A", "a"), nullptr);
     EXPECT_NE(kor_string_ifind_last("A", "a"), nullptr);

@@ -240,6 +240,7 @@ const Refusal kRefusals[]{
     {"", [](auto* b) { abecs_data_write_field_h(b, "012", 4); }, kArg, "Invalid hex byte at index 2"},
     {"", [](auto* b) { abecs_data_write_field_h_cdata(b, "0123", 3, 4); }, kArg, "Invalid hex byte at index 2"},
     {"", [](auto* b) { abecs_data_write_field_h(b, nullptr, 4); }, kArg, "'data' is NULL"},
+    {"", [](auto* b) { abecs_data_write_field_h_raw(b, nullptr, 1, 2); }, kArg, "'data' is NULL"},
     {"", [](auto* b) { abecs_data_write_field_h_raw(b, raw, 4, 7); }, kArg, "fieldLen (7) must be even"},
     {"", [](auto* b) { abecs_data_write_field_h_raw(b, raw, 3, 4); }, kArg,
      "fieldLen < (dataLen * 2) ==> (4 < (3 * 2))"},

@@ -87,7 +87,7 @@ TEST_F(RspParser, BehindAnotherStatusNothingIsLookedAt) {
 TEST_F(RspParser, RefusesBadHeads) {
     const std::tuple<const char*, int16_t, const char*> cases[]{
         {"GIX00", KOR_RESULT_IO_ERROR, "Invalid packet (not enough data)"},
-        {"G\x01X000", KOR_RESULT_IO_ERROR, "Invalid character (0x01) at position 1"},
+        {"G\rX000", KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1"},
         {"GIX001", KOR_RESULT_PROTOCOL_ERROR, "Unknown value for RSP_STAT: 001"},
         {"GIX00002", KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 3, available: 2)"},
         {"GIX0000x2", KOR_RESULT_IO_ERROR, "Invalid char (0x78) at index 1"},

@@ -36,11 +36,12 @@ bool fails(size_t n, Raise raise, Act act) {
     return failing.failed();
 }
 
-// Makes an object and deletes it.
+// Makes an object and deletes it, which must leave no pointer to it.
 template <auto kNew, auto kDelete>
 void make() {
     auto* made = kNew();
     kDelete(&made);
+    EXPECT_EQ(made, nullptr);
 }
 
 // Each allocation of `act` fails once, with either kind of raise; returns how many there are.
