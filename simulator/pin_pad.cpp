@@ -26,6 +26,8 @@ void PinPad::run() {
     while (!stopping_) {
         switch (line_.wait(patience())) {
             case Line::Event::readable:
+                // What was done before the host spoke is not for the command that comes.
+                engine_.poll(Engine::Clock::now());
                 engine_.receive(line_.read());
                 break;
             case Line::Event::timedOut:
