@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <string>
+#include <vector>
+
+#include "tests/e2e/fixture.h"
+
+namespace {
+
+using namespace quorvel::sim;
+
+const Card kCard{.pan = "4111111111111111",
+                 .track1 = "B4111111111111111^DOE/JOHN^30121010000000000",
+                 .track2 = "4111111111111111=30121010000000000"};
+
+AbecsCmdGpnCmdData pin_request() {
+    AbecsCmdGpnCmdData request{};
+    request.method = ABECS_CMD_GPN_METHOD_DUKPT_TDES;
+    std::string("4012345678909").copy(request.pan, sizeof request.pan);
+    request.entryCount = 1;
+    request.entries[0] = {.min = 4, .max = 12, .msg = "PIN"};
+    return request;
+}
+
+class Interaction : public EndToEnd {
+protected:
+    void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK); }
+
+    // Sends a blocking command during which the cardholder does so.
+    template <typename... Parameters>
+    void begin(const char* id, const Gestures& gestures, void (*command)(AbecsComm*, Parameters...),
+               std::type_identity_t<Parameters>... arguments) {
+        pinPad_.when(id, gestures);
+        EXPECT_NO_RAISE(command(link_, arguments...));
+    }
+};
+
+TEST_F(Interaction, IsPolledToItsEnd) {
+    char note[33] = "";
+    EXPECT_NO_RAISE(abecs_cmd_gky(link_));
+    EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_PROCESSING);
+    pinPad_.act(Gestures().notify("STILL THERE?").press(Key::f2));
+    EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_NOTIFICATION);
+    EXPECT_STREQ(note, "STILL THERE?");
+    EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_F2);
+    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
+    retire();
+}
+
+TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
+    const char options[][25] = {"TEA", "COFFEE"};
+    uint32_t option = 0;
+    begin("MNU", Gestures().choose(2), abecs_cmd_mnu, 0, "CHOOSE", options, 2);
+    EXPECT_EQ(call(abecs_cmd_mnu_response, &option, nullptr), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(option, 2U);
+    char number[33] = "";
+    begin("GCD", Gestures().type("042"), abecs_cmd_gcd, 7, 1, 3, 0);
+    EXPECT_EQ(call(abecs_cmd_gcd_response, number, nullptr), ABECS_RSP_STAT_ST_OK);
+    EXPECT_STREQ(number, "042");
+    const AbecsCmdGpnCmdData request = pin_request();
+    AbecsCmdGpnRspData pin{};
+    begin("GPN", Gestures().type("1234"), abecs_cmd_gpn, &request);
+    EXPECT_EQ(call(abecs_cmd_gpn_response, &pin, nullptr), ABECS_RSP_STAT_ST_OK);
+    EXPECT_STREQ(pin.pinBlk, "1B9C1845EB993A7A");
+    EXPECT_STREQ(pin.ksn, "FFFF9876543210E00001");
+    AbecsRspParamMap* items = abecs_rsp_param_map_new();
+    begin("CEX", Gestures().swipe(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
+    EXPECT_EQ(call(abecs_cmd_cex_response, items, nullptr), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(abecs_cmd_cex_response_get_event(items), ABECS_PP_EVENT_MAGNETIC_CARD);
+    EXPECT_STREQ(abecs_cmd_cex_response_get_trk2inc(items), "411111******1111=30121010000000000");
+    kor_map_delete(&items);
+    AbecsCmdCkeOut out{};
+    begin("CKE", Gestures().swipe(kCard), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
+          ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
+    EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(out.track1, kCard.track1);
+    EXPECT_EQ(out.track2, kCard.track2);
+    EXPECT_EQ(out.trk3Len, 0U);
+    retire();
+}
+
+TEST_F(Interaction, IsCancelledAtAnyTime) {
+    const AbecsCmdGpnCmdData request = pin_request();
+    const char options[][25] = {"TEA"};
+    pinPad_.insert(kCard);
+    EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);
+    begin("RMC", Gestures().press(Key::enter), abecs_cmd_rmc, "TAKE YOUR CARD");
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    pinPad_.remove();
+    begin("GKY", Gestures().press(digit('1')), abecs_cmd_gky);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    begin("MNU", Gestures().press(Key::down), abecs_cmd_mnu, 9, nullptr, options, 1);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    begin("CEX", Gestures().tap(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    begin("CKE", Gestures().tap(kCard), abecs_cmd_cke, true, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_2,
+          ABECS_CMD_CKE_CTLS_CHECK_TYPE_0);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    begin("GPN", Gestures().press(digit('1')), abecs_cmd_gpn, &request);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    begin("GCD", Gestures().press(digit('1')), abecs_cmd_gcd, 1, 1, 9, 9);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    EXPECT_EQ(pinPad_.screen().text, "IDLE");
+    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
+    retire();
+}
+
+}  // namespace
