@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/goc.h"
 
+#include <cstring>
+
 #include "abecs/cmd/frame.h"
 #include "abecs/cmd/member_text.h"
 #include "core/raise.h"
@@ -25,7 +27,12 @@ size_t acquirer_block_size(uint8_t acqIdx) {
     return acqIdx == 2 ? kAcquirer2Width : 0;
 }
 
-void write_flag(AbecsPacket* packet, bool flag) { abecs_packet_write_field_n(packet, flag ? 1 : 0, 1); }
+// By its byte: callers that are not written in C may leave any number in a bool, and only 0 and 1 can be read as one.
+void write_flag(AbecsPacket* packet, const bool& flag) {
+    uint8_t byte;
+    std::memcpy(&byte, &flag, sizeof byte);
+    abecs_packet_write_field_n(packet, byte != 0 ? 1 : 0, 1);
+}
 
 // A member as wide as its field; the digits need no NUL behind them.
 template <size_t Size>

@@ -65,7 +65,7 @@ TEST(Goc, SendsDigitsWithoutNulAndAsManyTagsAsAreAnnounced) {
     data.exclist = 1;
     data.connect = false;
     data.method = ABECS_CMD_GOC_METHOD_MK_WK_DES;
-    data.riskman = true;
+    std::memset(&data.riskman, 0x22, sizeof data.riskman);
     data.tags1len = data.tags2len = 128;
     std::memset(data.wkenc, 'a', sizeof data.wkenc);
     std::memset(data.flrlimit, 'b', sizeof data.flrlimit);
