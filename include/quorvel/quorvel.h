@@ -12,9 +12,10 @@
  *    KOR_RESULT_* code and a text that reads "[KOR_RESULT_NAME] detail". The comments here name the code and the detail
  *    ("%d" and the like stand for what is filled in). With no try block open and an uncaught handler that returns, a
  *    function that raised leaves at once with a harmless result; a command function then returns
- *    ABECS_RSP_STAT_ST_INTERR.
+ *    ABECS_RSP_STAT_ST_INTERR. What takes memory can raise MALLOC_ERROR even where its comment does not say so.
  * 2. A status is not an error. Command functions return RSP_STAT, the PIN pad's status (AbecsRspStat_E, 0 is success);
- *    they raise only when there is no valid answer.
+ *    they raise only when there is no valid answer, a status that the protocol does not know being none:
+ *    PROTOCOL_ERROR "Unknown value for RSP_STAT: %03d".
  * 3. Blocking commands, which wait for the cardholder, come as a sending function and one that ends in _response. The
  *    link is blocked from the one to the other. Poll the latter: -1 nothing yet (after two seconds), -2 a notification
  *    was read into the text argument (33 bytes, or none), else the final RSP_STAT. abecs_comm_send_can aborts the wait.

@@ -46,7 +46,7 @@ typedef enum AbecsCmdChpPinFmt_E KOR_ENUM_INT32 {
 
 /*
  * What is asked for. Operations 2 and 3 hand the card a command; operation 3 takes a PIN for it, showing a message
- * meanwhile. Texts need no NUL when they fill their member.
+ * meanwhile, without carriage returns. Texts need no NUL when they fill their member.
  */
 typedef struct AbecsCmdChpParam {
     AbecsCmdChpSlot_E slot;
@@ -72,8 +72,8 @@ KOR_API void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param);
  * bytes) holds what the card has answered, in hexadecimal digits without leading pairs "30".
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR for an
- * answer under six bytes or of another command; IO_ERROR for a malformed field; ILLEGAL_ARGUMENT for more than 257
- * bytes; and what the link raises. After an error the link stays blocked.
+ * answer under six bytes or of another command; those of abecs_packet_read_notification; IO_ERROR for a malformed
+ * field; ILLEGAL_ARGUMENT for more than 257 bytes; and what the link raises. After an error the link stays blocked.
  */
 KOR_API int32_t abecs_cmd_chp_response(AbecsComm* pinpad, char* out, char* notification);
 

@@ -28,8 +28,8 @@ KOR_API AbecsCmdFcxBuilder* abecs_cmd_fcx_builder_new(const char* fcxOpt);
 
 /*
  * Leaves nothing but the options SPE_FCXOPT, four digits. With a first one of 0 or 1 the acquirer was reached, and its
- * response code is needed; with any other there is none. ILLEGAL_ARGUMENT, with the builder as it was: those of
- * abecs_data_check_n_string. MALLOC_ERROR: the builder is to be reset again before it is sent.
+ * response code is needed; with any other there is none. ILLEGAL_ARGUMENT, with the builder as it was: "'builder'
+ * is NULL"; those of abecs_data_check_n_string. MALLOC_ERROR: the builder is to be reset again before it is sent.
  */
 KOR_API void abecs_cmd_fcx_builder_reset(AbecsCmdFcxBuilder* builder, const char* fcxOpt);
 
@@ -61,8 +61,8 @@ KOR_API void abecs_cmd_fcx(AbecsComm* pinpad, AbecsCmdFcxBuilder* builder);
  * first, and empty after any other outcome.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
- * PROTOCOL_ERROR for the answer of another command, IO_ERROR for a malformed one; and what the link raises. After an
- * error the link stays blocked.
+ * PROTOCOL_ERROR for the answer of another command; those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises. After an error the link stays blocked.
  */
 KOR_API int32_t abecs_cmd_fcx_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification);
 

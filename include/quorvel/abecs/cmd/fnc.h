@@ -13,7 +13,7 @@ KOR_BEGIN_DECLS
 
 /*
  * What the acquirer has answered. Texts of hexadecimal digits need no NUL when they fill their member; one shorter than
- * its length says is filled up at its start with pairs "30".
+ * its length says is filled up at its start with pairs "30", a longer one is refused.
  */
 typedef struct AbecsCmdFncData {
     int32_t commSt;    /* whether the acquirer was reached: 0, 1 or 9 */
@@ -36,14 +36,15 @@ typedef struct AbecsCmdFncResponse {
 
 /*
  * FNC: after GOC, hands the acquirer's answer to the card and reads its last decision. Returns RSP_STAT; `rspData` is
- * filled only when that is 0.
+ * filled only when that is 0; after an error in the answer's fields it holds what had been read by then.
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'cmdData' is NULL"; "'rspData' is NULL"; "invalid
  * cmdData->issDatLen: %zu (max: 999)"; "invalid cmdData->tagsLen: %zu (max: 999)"; "invalid cmdData->commSt: %d"; a
- * text that its field does not take, or "Number length (%zu) is greater than field length (%zu)" when it is too long
- * for the block's length. PROTOCOL_ERROR for an answer under six bytes or of another command, notifications included;
- * IO_ERROR for a malformed field; ILLEGAL_ARGUMENT "sizeTo (%zu) is not enough to store field (length: %zu)" for more
- * than 256 bytes of EMV data or 50 of results; and what the link raises.
+ * text that its field does not take, "Field does not have enough room for data" for one longer than its length says, or
+ * "Number length (%zu) is greater than field length (%zu)" when it is too long for the block's length. PROTOCOL_ERROR
+ * for an answer under six bytes or of another command, notifications included; IO_ERROR for a malformed field;
+ * ILLEGAL_ARGUMENT "sizeTo (%zu) is not enough to store field (length: %zu)" for more than 256 bytes of EMV data or 50
+ * of results; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_fnc(AbecsComm* pinpad, const AbecsCmdFncData* cmdData, AbecsCmdFncResponse* rspData);
 

@@ -27,8 +27,9 @@ typedef enum AbecsCmdGocMethod_E KOR_ENUM_INT32 {
 } AbecsCmdGocMethod_E;
 
 /*
- * What is asked for. Texts of hexadecimal digits need no NUL when they fill their member; a shorter one is filled up
- * at its start with pairs "30". Amounts are in the smallest unit of the currency, below 10^12.
+ * What is asked for. Texts need no NUL when they fill their member. A shorter one of hexadecimal digits is filled up at
+ * its start with pairs "30"; of longer tags than announced the rest is left out. Amounts are in the smallest unit of
+ * the currency, below 10^12.
  */
 typedef struct AbecsCmdGocData {
     uint64_t amount;
@@ -49,7 +50,7 @@ typedef struct AbecsCmdGocData {
             bool flag;
         } acqpr01;
         struct {
-            char data[33];
+            char data[33]; /* up to 32 characters, without carriage returns */
         } acqpr02;
     } acqpr;
     uint16_t tags1len; /* bytes in tags1, 0 to 128 */
@@ -90,8 +91,9 @@ KOR_API void abecs_cmd_goc(AbecsComm* pinpad, uint8_t gcrAcqIdx, const AbecsCmdG
  * when that is 0.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'gocResponse' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR for
- * an answer under six bytes or of another command; IO_ERROR for a malformed field; ILLEGAL_ARGUMENT for more than 512
- * bytes of EMV data; and what the link raises. After an error the link stays blocked.
+ * an answer under six bytes or of another command; those of abecs_packet_read_notification; IO_ERROR for a malformed
+ * field; ILLEGAL_ARGUMENT for more than 512 bytes of EMV data; and what the link raises. After an error the link stays
+ * blocked, and `gocResponse` holds what had been read by then.
  */
 KOR_API int32_t abecs_cmd_goc_response(AbecsComm* pinpad, AbecsCmdGocResponse* gocResponse, char* notification);
 

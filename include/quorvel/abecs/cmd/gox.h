@@ -30,8 +30,8 @@ KOR_API AbecsCmdGoxBuilder* abecs_cmd_gox_builder_new(uint8_t acqRef, AbecsSpeMt
 
 /*
  * Leaves nothing but the acquirer, the method of PIN encryption and the index of its key. ILLEGAL_ARGUMENT, with the
- * builder as it was: "Invalid 'acqRef': %d (min: 0, max: 99)"; "Invalid enumerator for %s: %d"; "Invalid 'keyIdx': %d
- * (min: 0, max: 99)". MALLOC_ERROR: the builder is to be reset again before it is sent.
+ * builder as it was: "'builder' is NULL"; "Invalid 'acqRef': %d (min: 0, max: 99)"; "Invalid enumerator for %s: %d";
+ * "Invalid 'keyIdx': %d (min: 0, max: 99)". MALLOC_ERROR: the builder is to be reset again before it is sent.
  */
 KOR_API void abecs_cmd_gox_builder_reset(AbecsCmdGoxBuilder* builder, uint8_t acqRef, AbecsSpeMthdPin_E mthdPin,
                                          uint8_t keyIdx);
@@ -50,7 +50,7 @@ KOR_API void abecs_cmd_gox_builder_wkenc(AbecsCmdGoxBuilder* builder, const uint
 KOR_API void abecs_cmd_gox_builder_trntype(AbecsCmdGoxBuilder* builder, uint8_t trnType);
 
 /* SPE_AMOUNT and SPE_CASHBACK, in the smallest unit of the currency. "Number length (%zu) is greater than field length
- * (%zu)" from 10^12 on. */
+ * (%zu)" from 10^12 on, "'i' (%llu) is too long (maximum: 9999999999999" from 10^13 on. */
 KOR_API void abecs_cmd_gox_builder_amount(AbecsCmdGoxBuilder* builder, uint64_t amount);
 KOR_API void abecs_cmd_gox_builder_cashback(AbecsCmdGoxBuilder* builder, uint64_t cashback);
 
@@ -88,8 +88,8 @@ KOR_API void abecs_cmd_gox(AbecsComm* pinpad, AbecsCmdGoxBuilder* builder);
  * first, and empty after any other outcome.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
- * PROTOCOL_ERROR for the answer of another command, IO_ERROR for a malformed one; and what the link raises. After an
- * error the link stays blocked.
+ * PROTOCOL_ERROR for the answer of another command; those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises. After an error the link stays blocked.
  */
 KOR_API int32_t abecs_cmd_gox_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification);
 
