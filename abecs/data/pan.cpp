@@ -8,10 +8,9 @@
 
 #include "abecs/data/codec.h"
 #include "abecs/data/pan_hex.h"
+#include "abecs/data/wk_pan.h"
 #include "core/attempt.h"
 #include "core/raise.h"
-#include "quorvel/crypt/des.h"
-#include "quorvel/crypt/tdes.h"
 
 using abecs::codec::is_digit;
 using abecs::codec::is_hex;
@@ -39,29 +38,12 @@ struct WorkArea {
     size_t length;
     char digits[kBlock];
     uint8_t block[kBlockBytes];
-    Crypt3DesKey key;
 };
-
-bool decipher(uint8_t* block, Crypt3DesKey& work, const AbecsWkPan& key) {
-    switch (key.type) {
-        case ABECS_WK_PAN_TYPE_DES:
-            crypt_des_ecb_decrypt(key.key, block, block, kBlockBytes);
-            return true;
-        case ABECS_WK_PAN_TYPE_TDES:
-        case ABECS_WK_PAN_TYPE_TDES_RSA:
-            work.keySize = sizeof key.key;
-            std::memcpy(work.key, key.key, sizeof key.key);
-            crypt_3des_ecb_decrypt(&work, block, block, kBlockBytes);
-            return true;
-        default:
-            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
-    }
-}
 
 // The 16 digits at `from` deciphered into area.digits.
 template <typename Area>
 bool decipher_digits(Area& area, const char* from, const AbecsWkPan& key) {
-    return abecs::pan::from_hex({from, kBlock}, area.block) && decipher(area.block, area.key, key)
+    return abecs::pan::from_hex({from, kBlock}, area.block) && abecs::decipher(key, area.block, kBlockBytes)
            && abecs::pan::to_hex(area.block, area.digits);
 }
 
