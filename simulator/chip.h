@@ -8,9 +8,13 @@
 #include <string>
 
 #include "simulator/bytes.h"
+#include "simulator/status.h"
 #include "simulator/tlv.h"
 
 namespace quorvel::sim {
+
+// How the card wants to know that the cardholder is its owner.
+enum class Verification { none, signature, offlinePin, onlinePin };
 
 // The chip of a card, or a security module. It answers from a script.
 struct Chip {
@@ -23,6 +27,14 @@ struct Chip {
     std::string pin = {};
     int pinTries = 3;
     bool powered = false;
+    // The rules of the payment applications.
+    Verification verification = Verification::none;
+    // What the chip wants of the first decision, when it may be otherwise than the PIN pad says.
+    enum class First { asAsked, online, declined } first = First::asAsked;
+    // And once the issuer has answered or could not be reached.
+    enum class Second { asAsked, approved, declined } second = Second::asAsked;
+    // What reading it comes to, other than OK: DUMBCARD for a chip that is mute.
+    Status fault = Status::ok;
 
     // Data and status word. What is not in the script is an instruction that the chip does not have.
     [[nodiscard]] Bytes exchange(ByteView header, ByteView data);

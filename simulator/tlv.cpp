@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/tlv.h"
 
+#include <fmt/format.h>
+
 #include "simulator/fields.h"
 
 namespace quorvel::sim {
@@ -12,6 +14,7 @@ constexpr uint8_t longTag = 0x1F;
 constexpr uint8_t more = 0x80;
 constexpr size_t shortLength = 0x7F;
 constexpr uint8_t lengthInOneByte = 0x81;
+constexpr uint8_t lengthInTwoBytes = 0x82;
 
 void append_tag(Bytes& to, Tag tag) {
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -19,21 +22,39 @@ void append_tag(Bytes& to, Tag tag) {
     }
 }
 
+Tag next_tag(Reader& reader) {
+    Tag tag = reader.x("tag", 1);
+    if ((tag & longTag) != longTag) return tag;
+    do {
+        if (tag > UINT32_MAX >> 8) throw LayoutError("tags: a tag of more than four bytes");
+        tag = tag << 8 | reader.x("tag", 1);
+    } while ((tag & more) != 0);
+    return tag;
+}
+
+size_t next_length(Reader& reader) {
+    const uint32_t first = reader.x("length", 1);
+    if (first <= shortLength) return first;
+    if (first != lengthInOneByte && first != lengthInTwoBytes) throw LayoutError("tags: a length of too many bytes");
+    return reader.x("length", first - lengthInOneByte + 1);
+}
+
 }  // namespace
 
 std::vector<Tag> split_tags(ByteView list) {
     std::vector<Tag> tags;
-    for (Reader reader("tags", list); reader.left() != 0;) {
-        Tag tag = reader.x("tag", 1);
-        if ((tag & longTag) == longTag) {
-            do {
-                if (tag > UINT32_MAX >> 8) throw LayoutError("tags: a tag of more than four bytes");
-                tag = tag << 8 | reader.x("tag", 1);
-            } while ((tag & more) != 0);
-        }
-        tags.push_back(tag);
-    }
+    for (Reader reader("tags", list); reader.left() != 0;) tags.push_back(next_tag(reader));
     return tags;
+}
+
+DataObjects decode(ByteView encoded) {
+    DataObjects objects;
+    for (Reader reader("tags", encoded); reader.left() != 0;) {
+        const Tag tag = next_tag(reader);
+        const size_t length = next_length(reader);
+        objects[tag] = reader.b(fmt::format("{:X}", tag), length);
+    }
+    return objects;
 }
 
 Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags) {

@@ -20,6 +20,9 @@ using DataObjects = std::map<Tag, Bytes>;
 // Tags one after the other. Throws LayoutError when the last is not whole.
 [[nodiscard]] std::vector<Tag> split_tags(ByteView list);
 
+// The opposite of encode(). Throws LayoutError for bytes that are none.
+[[nodiscard]] DataObjects decode(ByteView encoded);
+
 // Tag, length and value of each object of the list that is there, in the list's order.
 [[nodiscard]] Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags);
 

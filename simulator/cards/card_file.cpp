@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <array>
+#include <fmt/format.h>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "simulator/cards/cards.h"
+#include "simulator/keys/hex.h"
+#include "simulator/keys/pin_block.h"
+#include "simulator/toml_table.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+template <typename Value, size_t Count>
+using Choices = std::array<std::pair<std::string_view, Value>, Count>;
+
+constexpr Choices<Verification, 4> verifications{{{"none", Verification::none},
+                                                  {"signature", Verification::signature},
+                                                  {"offline-pin", Verification::offlinePin},
+                                                  {"online-pin", Verification::onlinePin}}};
+
+constexpr Choices<Chip::First, 3> firstDecisions{
+    {{"as-asked", Chip::First::asAsked}, {"online", Chip::First::online}, {"declined", Chip::First::declined}}};
+
+constexpr Choices<Chip::Second, 3> secondDecisions{
+    {{"as-asked", Chip::Second::asAsked}, {"approved", Chip::Second::approved}, {"declined", Chip::Second::declined}}};
+
+constexpr Choices<Status, 9> chipFaults{{{"none", Status::ok},
+                                         {"mute", Status::dumbcard},
+                                         {"unreadable", Status::errcard},
+                                         {"invalidated", Status::cardinvalidat},
+                                         {"problems", Status::cardproblems},
+                                         {"invalid-data", Status::cardinvdata},
+                                         {"not-accepted", Status::cardappnaut},
+                                         {"fallback", Status::errfallback},
+                                         {"blocked", Status::cardblocked}}};
+
+constexpr Choices<Status, 8> contactlessFaults{{{"none", Status::ok},
+                                                {"multiple", Status::ctlsmultiple},
+                                                {"unreadable", Status::ctlscommerr},
+                                                {"invalidated", Status::ctlsinvalidat},
+                                                {"problems", Status::ctlsproblems},
+                                                {"not-accepted", Status::ctlsappnaut},
+                                                {"confirm-on-device", Status::ctlsextcvm},
+                                                {"use-chip", Status::ctlsifchg}}};
+
+constexpr std::string_view decimalDigits = "0123456789";
+
+// The widths of a PIN pad's answers: nothing of a card may be longer.
+constexpr size_t maxPan = 19;
+constexpr size_t maxTrack1 = 76;
+constexpr size_t maxTrack2 = 37;
+constexpr size_t maxTrack3 = 104;
+constexpr size_t maxName = 26;
+constexpr size_t maxLabel = 16;
+
+std::string at_most(TomlTable& table, std::string_view key, size_t length) {
+    std::string text = table.text(key);
+    if (text.size() > length) table.refuse(key, fmt::format("longer than {} characters", length));
+    return text;
+}
+
+void require_digits(const TomlTable& table, std::string_view key, std::string_view digits) {
+    if (digits.find_first_not_of(decimalDigits) != std::string_view::npos) table.refuse(key, "not only digits");
+}
+
+// Either none or exactly so many.
+std::string digits(TomlTable& table, std::string_view key, size_t count) {
+    std::string text = table.text(key);
+    require_digits(table, key, text);
+    if (!text.empty() && text.size() != count) table.refuse(key, fmt::format("not of {} digits", count));
+    return text;
+}
+
+DataObjects tags(TomlTable& table) {
+    DataObjects objects;
+    auto list = table.table("tags");
+    if (!list) return objects;
+    for (const std::string& key : list->keys()) {
+        std::vector<Tag> tag;
+        list->blame(key, [&] { tag = split_tags(from_hex(key)); });
+        if (tag.size() != 1) list->refuse(key, "no single tag");
+        objects[tag.front()] = list->hex(key);
+    }
+    return objects;
+}
+
+// CLA, INS, P1 and P2 stand before the data; two bytes of status behind the response.
+std::map<Bytes, Bytes> script(TomlTable& table) {
+    static constexpr size_t header = 4;
+    static constexpr size_t statusWord = 2;
+    std::map<Bytes, Bytes> script;
+    auto list = table.table("script");
+    if (!list) return script;
+    for (const std::string& key : list->keys()) {
+        Bytes command;
+        list->blame(key, [&] { command = from_hex(key); });
+        Bytes response = list->hex(key);
+        if (command.size() < header || response.size() < statusWord) list->refuse(key, "no command and response");
+        script[std::move(command)] = std::move(response);
+    }
+    return script;
+}
+
+Application application(TomlTable table) {
+    static constexpr size_t recordIndex = 2;
+    Application application;
+    application.aid = table.required_hex("aid");
+    application.label = at_most(table, "label", maxLabel);
+    application.type = static_cast<unsigned>(table.number("type", 1, 98, 1));
+    application.acquirer = static_cast<unsigned>(table.number("acquirer", 1, 99, std::nullopt));
+    application.record = table.required_text("record");
+    if (application.record.size() != recordIndex) table.refuse("record", "not of two characters");
+    application.objects = tags(table);
+    table.end();
+    return application;
+}
+
+Chip chip(TomlTable table) {
+    Chip chip;
+    chip.atr = table.hex("atr");
+    if (chip.atr.empty()) chip.atr = Chip::standard().atr;
+    chip.script = script(table);
+    chip.objects = tags(table);
+    chip.pin = at_most(table, "pin", maxPinDigits);
+    require_digits(table, "pin", chip.pin);
+    chip.pinTries = static_cast<int>(table.number("tries", 0, 9, 3));
+    chip.verification = table.choice("verification", verifications);
+    if (chip.verification == Verification::offlinePin && chip.pin.empty()) table.refuse("pin", "is missing");
+    chip.first = table.choice("first", firstDecisions);
+    chip.second = table.choice("second", secondDecisions);
+    chip.fault = table.choice("fault", chipFaults);
+    table.end();
+    return chip;
+}
+
+Contactless contactless(TomlTable table) {
+    Contactless contactless;
+    contactless.stripeData = table.choice("mode", Choices<bool, 2>{{{"emv", false}, {"stripe", true}}});
+    contactless.verification = table.choice("verification", verifications);
+    if (contactless.verification == Verification::offlinePin) table.refuse("verification", "it would need the chip");
+    contactless.fault = table.choice("fault", contactlessFaults);
+    table.end();
+    return contactless;
+}
+
+// SELECT of an application, and its file control information.
+void let_select(Chip& chip, const Application& application) {
+    Bytes command = from_hex("00A40400");
+    append(command, application.aid);
+    const Bytes proprietary = encode({{0x50, to_bytes(application.label)}}, {0x50});
+    const Bytes content = encode({{0x84, application.aid}, {0xA5, proprietary}}, {0x84, 0xA5});
+    Bytes response = encode({{0x6F, content}}, {0x6F});
+    append(response, from_hex("9000"));
+    chip.script.try_emplace(command, response);
+}
+
+Card card(TomlTable table) {
+    Card card;
+    card.pan = table.required_text("pan");
+    require_digits(table, "pan", card.pan);
+    if (card.pan.empty() || card.pan.size() > maxPan) table.refuse("pan", "no card number");
+    card.track1 = at_most(table, "track1", maxTrack1);
+    card.track2 = at_most(table, "track2", maxTrack2);
+    card.track3 = at_most(table, "track3", maxTrack3);
+    for (const std::string_view key : {"track2", "track3"}) {
+        const std::string track = table.text(key);
+        if (track.find_first_not_of("0123456789=") != std::string::npos) table.refuse(key, "not only digits and =");
+    }
+    card.expiry = digits(table, "expiry", 6);
+    card.name = at_most(table, "name", maxName);
+    card.serviceCode = digits(table, "service_code", 3);
+    card.issuerCountry = static_cast<unsigned>(table.number("country", 0, 999, 0));
+    card.panSequence = static_cast<unsigned>(table.number("sequence", 0, 99, 0));
+    for (TomlTable& each : table.tables("applications")) card.applications.push_back(application(std::move(each)));
+    if (auto inner = table.table("chip")) card.chip = chip(std::move(*inner));
+    if (auto inner = table.table("contactless")) card.contactless = contactless(std::move(*inner));
+    table.end();
+    if (card.chip) {
+        for (const Application& each : card.applications) let_select(*card.chip, each);
+    }
+    return card;
+}
+
+}  // namespace
+
+Cards Cards::from_toml(std::string_view text) {
+    const toml::table document = parse_toml(text);
+    TomlTable table(document);
+    Cards cards;
+    for (const std::string& name : table.keys()) cards.cards_[name] = card(*table.table(name));
+    return cards;
+}
+
+Cards Cards::from_file(const std::string& path) {
+    const std::string text = text_of_file(path);
+    try {
+        return from_toml(text);
+    } catch (const std::runtime_error& error) { throw std::runtime_error(fmt::format("{}: {}", path, error.what())); }
+}
+
+}  // namespace quorvel::sim

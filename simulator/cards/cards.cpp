@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/cards/cards.h"
+
+#include <fmt/format.h>
+#include <stdexcept>
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr std::string_view standardText =
+#include "cards.toml.inc"
+    ;
+
+}  // namespace
+
+const Card& Cards::at(std::string_view name) const {
+    const auto found = cards_.find(name);
+    if (found == cards_.end()) throw std::out_of_range(fmt::format("there is no card \"{}\"", name));
+    return found->second;
+}
+
+std::vector<std::string> Cards::names() const {
+    std::vector<std::string> names;
+    for (const auto& [name, card] : cards_) names.push_back(name);
+    return names;
+}
+
+void Cards::add(const Cards& more) {
+    for (const auto& [name, card] : more.cards_) cards_.insert_or_assign(name, card);
+}
+
+const Cards& Cards::standard() {
+    static const Cards cards = from_toml(standardText);
+    return cards;
+}
+
+}  // namespace quorvel::sim

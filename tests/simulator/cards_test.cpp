@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/cards/cards.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "simulator/keys/hex.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+// A digit that was mistyped in the shipped file would otherwise go unnoticed.
+bool passes_luhn_check(const std::string& pan) {
+    int sum = 0;
+    for (size_t i = 0; i < pan.size(); ++i) {
+        const int digit = pan[pan.size() - 1 - i] - '0';
+        const int weighted = i % 2 == 0 ? digit : 2 * digit;
+        sum += weighted / 10 + weighted % 10;
+    }
+    return sum % 10 == 0;
+}
+
+TEST(Cards, StandardOnesAgreeWithThemselves) {
+    ASSERT_FALSE(Cards::standard().names().empty());
+    for (const std::string& name : Cards::standard().names()) {
+        SCOPED_TRACE(name);
+        const Card& card = Cards::standard().at(name);
+        EXPECT_TRUE(passes_luhn_check(card.pan));
+        EXPECT_TRUE(card.track2.starts_with(card.pan + "=" + card.expiry.substr(0, 4) + card.serviceCode));
+        if (!card.track1.empty()) {
+            EXPECT_TRUE(card.track1.starts_with("B" + card.pan + "^" + card.name + "^" + card.expiry.substr(0, 4)));
+        }
+        EXPECT_EQ(card.prefers_chip(), card.chip.has_value() || card.contactless.has_value());
+    }
+    EXPECT_THROW(static_cast<void>(Cards::standard().at("visa")), std::out_of_range);
+}
+
+TEST(Cards, AreReadWhole) {
+    const Cards cards = Cards::from_toml(R"(
+        [a]
+        pan = "4111111111111111"
+        track1 = "ONE"
+        track2 = "41=30"
+        track3 = "3=3"
+        expiry = "301231"
+        name = "A/B"
+        service_code = "206"
+        country = 76
+        sequence = 4
+        [[a.applications]]
+        aid = "A000000003"
+        label = "DEBIT"
+        type = 2
+        acquirer = 99
+        record = "Z9"
+        tags = { 9F07 = "FF00" }
+        [a.chip]
+        verification = "offline-pin"
+        pin = "987654"
+        tries = 1
+        first = "online"
+        second = "declined"
+        fault = "blocked"
+        atr = "3B00"
+        tags = { 82 = "3800", 5F34 = "07" }
+        script = { 00B2010C = "70009000" }
+        [a.contactless]
+        mode = "stripe"
+        verification = "signature"
+        fault = "use-chip"
+        [b]
+        pan = "41"
+    )");
+    const Card& card = cards.at("a");
+    EXPECT_EQ(card.track1 + card.track2 + card.track3, "ONE41=303=3");
+    EXPECT_EQ(std::pair(card.issuerCountry, card.panSequence), std::pair(76U, 4U));
+    ASSERT_EQ(card.applications.size(), 1U);
+    const Application& application = card.applications.front();
+    EXPECT_EQ(to_hex(application.aid) + application.label + application.record, "A000000003DEBITZ9");
+    EXPECT_EQ(std::pair(application.type, application.acquirer), std::pair(2U, 99U));
+    EXPECT_EQ(application.objects, (DataObjects{{0x9F07, {0xFF, 0x00}}}));
+    EXPECT_EQ(card.chip->verification, Verification::offlinePin);
+    EXPECT_EQ(card.chip->pin, "987654");
+    EXPECT_EQ(card.chip->pinTries, 1);
+    EXPECT_EQ(std::pair(card.chip->first, card.chip->second), std::pair(Chip::First::online, Chip::Second::declined));
+    EXPECT_EQ(card.chip->fault, Status::cardblocked);
+    EXPECT_EQ(to_hex(card.chip->atr), "3B00");
+    EXPECT_EQ(to_hex(card.chip->script.at(from_hex("00B2010C"))), "70009000");
+    EXPECT_EQ(to_hex(card.chip->script.at(from_hex("00A40400A000000003"))), "6F108405A000000003A507500544454249549000");
+    EXPECT_TRUE(card.contactless->stripeData);
+    EXPECT_EQ(card.contactless->verification, Verification::signature);
+    EXPECT_EQ(card.contactless->fault, Status::ctlsifchg);
+    EXPECT_EQ(card.objects(), (DataObjects{{0x57, from_hex("41D30F")},
+                                           {0x5A, from_hex("4111111111111111")},
+                                           {0x82, from_hex("3800")},
+                                           {0x5F20, to_bytes("A/B")},
+                                           {0x5F24, from_hex("301231")},
+                                           {0x5F28, from_hex("0076")},
+                                           {0x5F30, from_hex("0206")},
+                                           {0x5F34, from_hex("07")}}));
+    EXPECT_FALSE(cards.at("b").chip || cards.at("b").contactless || cards.at("b").has_stripe());
+    EXPECT_EQ(cards.at("b").objects().at(0x5A), from_hex("41"));
+}
+
+TEST(Cards, ErrorsNameTheKeyAndTheLine) {
+    const std::string card = "[a]\npan = '41'\n";
+    const std::string application = card + "[[a.applications]]\n";
+    for (const auto& [text, due] : {
+             std::pair<std::string, std::string>{"a = 1", "line 1: a: no table"},
+             {"[a]\nname = 'A'", "line 1: a.pan: is missing"},
+             {"[a]\npan = 41", "line 2: a.pan: no text"},
+             {"[a]\npan = '4-1'", "line 2: a.pan: not only digits"},
+             {"[a]\npan = '41111111111111111111'", "line 2: a.pan: no card number"},
+             {card + "track2 = '41^30'", "line 3: a.track2: not only digits and ="},
+             {card + "expiry = '3012'", "line 3: a.expiry: not of 6 digits"},
+             {card + "country = 1000", "line 3: a.country: 1000 is not from 0 to 999"},
+             {card + "contry = 76", "line 3: a.contry: there is no such key"},
+             {card + "applications = 1", "line 3: a.applications: no list of tables"},
+             {application + "aid = 'A0'\nacquirer = 1\nrecord = '1'",
+              "line 6: a.applications.record: not of two characters"},
+             {application + "aid = 'A'", "line 4: a.applications.aid: an odd number of hexadecimal digits"},
+             {card + "[a.chip]\nverification = 'pin'", "line 4: a.chip.verification: \"pin\" is none of its values"},
+             {card + "[a.chip]\nverification = 'offline-pin'", "line 3: a.chip.pin: is missing"},
+             {card + "[a.chip]\ntags = { 9F = '00' }", "line 4: a.chip.tags.9F: tags: tag: 1 bytes due, 0 left"},
+             {card + "[a.chip]\ntags = { 8283 = '00' }", "line 4: a.chip.tags.8283: no single tag"},
+             {card + "[a.chip]\nscript = { 00A404 = '9000' }", "line 4: a.chip.script.00A404: no command and response"},
+             {"[a", "line 1: "},
+         }) {
+        try {
+            static_cast<void>(Cards::from_toml(text));
+            ADD_FAILURE() << text;
+        } catch (const std::runtime_error& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with(due)) << error.what();
+        }
+    }
+    EXPECT_THROW(static_cast<void>(Cards::from_file("/nowhere/cards.toml")), std::runtime_error);
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
