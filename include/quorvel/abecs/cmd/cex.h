@@ -32,8 +32,9 @@ KOR_API void abecs_cmd_cex(AbecsComm* pinpad, const char* cexOpt, const uint8_t*
  * errors.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL" for the map; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
- * "(%s) Invalid RSP_ID: %s)" for the answer of another command; IO_ERROR for a malformed one; and what the link raises.
- * An error leaves the blocked state as it is.
+ * "(%s) Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises. An error leaves the blocked state as it
+ * is.
  */
 KOR_API int32_t abecs_cmd_cex_response(AbecsComm* pinpad, AbecsRspParamMap* paramMap, char* notification);
 

@@ -85,8 +85,9 @@ KOR_API void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, Ab
  * value  (expected: 255, received: %d)" (a magnetic card, whose answer has 225 bytes), "'RSP_LEN1' invalid value
  * (expected: 2, received: %d)" and "'CKE_ICCSTAT' invalid value: %d" (a chip card), "'RSP_LEN1' invalid value
  * (expected: 2, received: %d" with two blanks before the bracket and "'CKE_CTLSCSTAT' invalid value: %d" (a contactless
- * card), "'CKE_EVENT' invalid value: %d". IO_ERROR for a malformed field, CRYPT_ERROR when deciphering fails; and what
- * the link raises. An error leaves the blocked state as it is, and may leave a part of the answer in `out`.
+ * card), "'CKE_EVENT' invalid value: %d". Those of abecs_packet_read_rsp_stat and abecs_packet_read_notification;
+ * IO_ERROR for a malformed field, CRYPT_ERROR when deciphering fails; and what the link raises. An error leaves the
+ * blocked state as it is, and may leave a part of the answer in `out`.
  */
 KOR_API int32_t abecs_cmd_cke_response(AbecsComm* pinpad, AbecsCmdCkeOut* out, char* notification);
 

@@ -18,7 +18,8 @@ KOR_BEGIN_DECLS
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'files' is NULL"; "At least one file must be supplied"; for
  * each name "'files' has an item that is NULL" or, with the name in double quotes first, "it too long (max: 8,
  * requested: %zu)"; a character that the field does not take. IO_ERROR for more than 166 names, of which none is
- * deleted. PROTOCOL_ERROR for an answer under six bytes or of another command; and what the link raises.
+ * deleted. PROTOCOL_ERROR for an answer under six bytes or of another command; those of abecs_packet_read_rsp_stat for
+ * a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_dmf(AbecsComm* pinpad, const KorList* files);
 

@@ -15,8 +15,8 @@ KOR_BEGIN_DECLS
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'msg' is NULL"; "'msg' it too long (maximum: %d, requested:
  * %zu)"; a character that an S field does not take. PROTOCOL_ERROR "Unrecognized response" for an answer under six
- * bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; IO_ERROR for a malformed one; and what the link
- * raises.
+ * bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those of abecs_packet_read_rsp_stat for a malformed
+ * one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_dsp(AbecsComm* pinpad, const char* msg);
 

@@ -29,7 +29,8 @@ KOR_API void abecs_cmd_gcd(AbecsComm* pinpad, uint16_t msgIdx, uint8_t minDig, u
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "(%s)
  * Invalid RSP_ID: %s)" for the answer of another command, "PP_VALUE not found on response" when the number is missing;
- * IO_ERROR for a malformed answer; and what the link raises. An error leaves the blocked state as it is.
+ * those of abecs_rsp_parser_set_packet and abecs_rsp_parser_read_param for a malformed answer; and what the link
+ * raises. An error leaves the blocked state as it is.
  */
 KOR_API int32_t abecs_cmd_gcd_response(AbecsComm* pinpad, char* out, char* notification);
 

@@ -92,8 +92,8 @@ KOR_API void abecs_cmd_gcx(AbecsComm* pinpad, AbecsCmdGcxBuilder* builder);
  * first, and empty after any other outcome.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
- * PROTOCOL_ERROR for the answer of another command, IO_ERROR for a malformed one; and what the link raises. After an
- * error the link stays blocked.
+ * PROTOCOL_ERROR for the answer of another command, those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises. After an error the link stays blocked.
  */
 KOR_API int32_t abecs_cmd_gcx_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification);
 

@@ -61,8 +61,9 @@ KOR_API void abecs_cmd_gpn(AbecsComm* pinpad, const AbecsCmdGpnCmdData* cmdData)
  * the link staying blocked.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'rspDataOut' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
- * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command;
- * IO_ERROR for a malformed field; and what the link raises. An error leaves the blocked state as it is.
+ * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those
+ * of abecs_packet_read_rsp_stat and abecs_packet_read_notification; IO_ERROR for a malformed field; and what the link
+ * raises. An error leaves the blocked state as it is, and may leave a part of the answer in `rspDataOut`.
  */
 KOR_API int32_t abecs_cmd_gpn_response(AbecsComm* pinpad, AbecsCmdGpnRspData* rspDataOut, char* notification);
 

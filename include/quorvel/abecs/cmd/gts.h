@@ -16,7 +16,8 @@ KOR_BEGIN_DECLS
  *
  * In this order: INDEX_OUT_OF_BOUNDS "Invalid acqIdx: %d (maximum is 99)"; ILLEGAL_ARGUMENT "'out' is NULL", "'pinpad'
  * is NULL". PROTOCOL_ERROR for an answer under six bytes, "Invalid RSP_ID (expected %s, read: %s)" or "Invalid RSP_LEN1
- * (expected: 10, read: %u)"; IO_ERROR for a malformed field; and what the link raises.
+ * (expected: 10, read: %u)"; those of abecs_packet_read_rsp_stat; IO_ERROR for a malformed field, which may leave a
+ * part of the answer in `out`; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_gts(AbecsComm* pinpad, uint8_t acqIdx, char* out);
 

@@ -17,7 +17,8 @@ KOR_BEGIN_DECLS
  * holds the names that came before the fault.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL". PROTOCOL_ERROR for the answer of another command or
- * "Unrecognized RSP_DATID: %hu"; IO_ERROR for a malformed one; MALLOC_ERROR; and what the link raises.
+ * "Unrecognized RSP_DATID: %hu"; those of abecs_rsp_parser_set_packet and abecs_rsp_parser_read_param, and of
+ * abecs_param_read_field_a, for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_lmf(AbecsComm* pinpad, KorList* out);
 

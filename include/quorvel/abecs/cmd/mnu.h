@@ -31,8 +31,9 @@ KOR_API void abecs_cmd_mnu(AbecsComm* pinpad, uint8_t timeout, const char* dspMs
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'optOut' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "(%s)
  * Invalid RSP_ID: %s)" for the answer of another command, "PP_VALUE not present in response" when the first parameter
- * is not the choice; IO_ERROR for a malformed answer; and what the link raises. An error leaves the blocked state as
- * it is.
+ * is not the choice; those of abecs_rsp_parser_set_packet and abecs_rsp_parser_read_param, and of
+ * abecs_param_read_field_n, for a malformed answer; and what the link raises. An error leaves the blocked state as it
+ * is.
  */
 KOR_API int32_t abecs_cmd_mnu_response(AbecsComm* pinpad, uint32_t* optOut, char* notification);
 

@@ -23,8 +23,9 @@ KOR_API void abecs_cmd_rmc(AbecsComm* pinpad, const char* msg);
  * text of a notification in `notification` (33 bytes, or none), the link staying blocked.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "Unrecognized response" for
- * an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; IO_ERROR for a malformed one; and
- * what the link raises. An error leaves the blocked state as it is.
+ * an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those of
+ * abecs_packet_read_rsp_stat and abecs_packet_read_notification for a malformed one; and what the link raises. An error
+ * leaves the blocked state as it is.
  */
 KOR_API int32_t abecs_cmd_rmc_response(AbecsComm* pinpad, char* notification);
 
