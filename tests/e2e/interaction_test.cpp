@@ -3,20 +3,25 @@
 #include <string>
 #include <vector>
 
+#include "simulator/keys/hex.h"
 #include "tests/e2e/fixture.h"
+#include "tests/simulator/host_key.h"
+#include "tests/support/wire.h"
 
 namespace {
 
 using namespace quorvel::sim;
+using namespace support::literals;
 
 const Card kCard{.pan = "4111111111111111",
                  .track1 = "B4111111111111111^DOE/JOHN^30121010000000000",
                  .track2 = "4111111111111111=30121010000000000"};
 
-AbecsCmdGpnCmdData pin_request() {
+AbecsCmdGpnCmdData pin_request(AbecsCmdGpnMethod_E method, const std::string& wkEnc, const std::string& pan) {
     AbecsCmdGpnCmdData request{};
-    request.method = ABECS_CMD_GPN_METHOD_DUKPT_TDES;
-    std::string("4012345678909").copy(request.pan, sizeof request.pan);
+    request.method = method;
+    wkEnc.copy(request.wkEnc, sizeof request.wkEnc);
+    pan.copy(request.pan, sizeof request.pan);
     request.entryCount = 1;
     request.entries[0] = {.min = 4, .max = 12, .msg = "PIN"};
     return request;
@@ -57,12 +62,6 @@ TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
     begin("GCD", Gestures().type("042"), abecs_cmd_gcd, 7, 1, 3, 0);
     EXPECT_EQ(call(abecs_cmd_gcd_response, number, nullptr), ABECS_RSP_STAT_ST_OK);
     EXPECT_STREQ(number, "042");
-    const AbecsCmdGpnCmdData request = pin_request();
-    AbecsCmdGpnRspData pin{};
-    begin("GPN", Gestures().type("1234"), abecs_cmd_gpn, &request);
-    EXPECT_EQ(call(abecs_cmd_gpn_response, &pin, nullptr), ABECS_RSP_STAT_ST_OK);
-    EXPECT_STREQ(pin.pinBlk, "1B9C1845EB993A7A");
-    EXPECT_STREQ(pin.ksn, "FFFF9876543210E00001");
     AbecsRspParamMap* items = abecs_rsp_param_map_new();
     begin("CEX", Gestures().swipe(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
     EXPECT_EQ(call(abecs_cmd_cex_response, items, nullptr), ABECS_RSP_STAT_ST_OK);
@@ -79,8 +78,42 @@ TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
     retire();
 }
 
+// The working keys are deciphered, and those of DUKPT the published ones of its first two transactions.
+TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
+    const struct {
+        AbecsCmdGpnMethod_E method;
+        const char* wkEnc;
+        const char* pan;
+        const char* pin;
+        std::string key;
+        const char* ksn;
+        std::string block;
+    } rows[] = {
+        {ABECS_CMD_GPN_METHOD_MK_WK_DES, "B4CC3FD9D8D95214", "4012345678909", "1234",
+         "1122334455667788 1122334455667788"_hex, "00000000000000000000", "041274EDCBA9876F"_hex},
+        {ABECS_CMD_GPN_METHOD_MK_WK_TDES, "3eb3b72576bbbe834f0b96aaa5a8b548", "6799990100000000019", "123456789012",
+         "1122334455667788 9900AABBCCDDEEFF"_hex, "00000000000000000000", "0C123556789012FE"_hex},
+        {ABECS_CMD_GPN_METHOD_DUKPT_DES, "", "", "1234", "35FDB4BBAEE6A293 35FDB4BBAEE6A293"_hex,
+         "FFFF9876543210E00001", "041234FFFFFFFFFF"_hex},
+        {ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4111111111111111", "12345", "042666B49184CF5C 68DE9628D0397B36"_hex,
+         "FFFF9876543210E00001", "0512254EEEEEEEEE"_hex},
+        {ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "19", "1234", "C46551CEF9FD244F AA9AD834130D3B38"_hex,
+         "FFFF9876543210E00002", "041234FFFFFFFFFE"_hex},
+    };
+    for (const auto& row : rows) {
+        const AbecsCmdGpnCmdData request = pin_request(row.method, row.wkEnc, row.pan);
+        AbecsCmdGpnRspData out{};
+        begin("GPN", Gestures().type(row.pin), abecs_cmd_gpn, &request);
+        EXPECT_EQ(call(abecs_cmd_gpn_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
+        const Bytes block = from_hex(out.pinBlk);
+        EXPECT_EQ(tdes_decipher(row.key, {reinterpret_cast<const char*>(block.data()), block.size()}), row.block);
+        EXPECT_STREQ(out.ksn, row.ksn);
+    }
+    retire();
+}
+
 TEST_F(Interaction, IsCancelledAtAnyTime) {
-    const AbecsCmdGpnCmdData request = pin_request();
+    const AbecsCmdGpnCmdData request = pin_request(ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4012345678909");
     const char options[][25] = {"TEA"};
     pinPad_.insert(kCard);
     EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);

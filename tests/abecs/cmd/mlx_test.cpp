@@ -4,16 +4,35 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 #include "quorvel/kor/exception.h"
 #include "tests/support/link.h"
 #include "tests/support/wire.h"
+
+namespace {
+
+// How much each read of a file has given.
+std::vector<size_t> reads;
+
+}  // namespace
+
+// This program is linked with -Wl,--wrap=fread.
+extern "C" size_t __real_fread(void* to, size_t size, size_t count, FILE* stream);
+extern "C" size_t __wrap_fread(void* to, size_t size, size_t count, FILE* stream);
+
+size_t __wrap_fread(void* to, size_t size, size_t count, FILE* stream) {
+    const size_t given = __real_fread(to, size, count, stream);
+    reads.push_back(size * given);
+    return given;
+}
 
 namespace {
 
@@ -98,6 +117,16 @@ TEST_F(Mlx, SendsFilesInBlocksOf995) {
         upload();
         EXPECT_EQ(descriptor(), -1);
     }
+}
+
+TEST_F(Mlx, ReadsAFileOnceForTheCrcAndOnceForTheBlocks) {
+    write(content(2500));
+    link_.peer.request(announcement("000009C4 3B8F"_hex)).response("MLI000");
+    expect_blocks(content(2500));
+    link_.peer.request("MLE").response("MLE000");
+    reads.clear();
+    upload();
+    EXPECT_EQ(reads, (std::vector<size_t>{512, 512, 512, 512, 452, 995, 995, 510}));
 }
 
 TEST_F(Mlx, CrcOfAFile) {
