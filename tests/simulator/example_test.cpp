@@ -8,29 +8,39 @@
 #include <sys/wait.h>
 
 #include "simulator/pin_pad.h"
+#include "tests/support/peer.h"
 
 namespace {
+
+using namespace quorvel::sim;
+using namespace support::literals;
+using support::frame;
+using support::Peer;
 
 struct Outcome {
     int status = -1;
     std::string output;
 };
 
-Outcome first_light(const std::string& port) {
-    Outcome run;
-    FILE* pipe = popen((QUORVEL_FIRST_LIGHT " " + port + " 2>&1").c_str(), "r");
-    if (pipe == nullptr) return run;
+Outcome run(const std::string& command) {
+    Outcome outcome;
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    if (pipe == nullptr) return outcome;
     std::array<char, 256> line{};
-    while (std::fgets(line.data(), line.size(), pipe) != nullptr) run.output += line.data();
+    while (std::fgets(line.data(), line.size(), pipe) != nullptr) outcome.output += line.data();
     const int ended = pclose(pipe);
-    run.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-    return run;
+    outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    return outcome;
+}
+
+Outcome run_example(const std::string& name, const std::string& arguments) {
+    return run(QUORVEL_EXAMPLES "/" + name + " " + arguments);
 }
 
 TEST(FirstLight, PrintsWhatThePinPadTellsOfItself) {
-    quorvel::sim::PinPad pinPad;
+    PinPad pinPad;
     pinPad.start();
-    const Outcome run = first_light(pinPad.path());
+    const Outcome run = run_example("first_light", pinPad.path());
     EXPECT_EQ(run.status, EXIT_SUCCESS);
     const std::string answers =
         "manufacturer   QUORVEL\n"
@@ -55,9 +65,103 @@ TEST(FirstLight, PrintsWhatThePinPadTellsOfItself) {
 }
 
 TEST(FirstLight, PrintsTheErrorAndFails) {
-    const Outcome run = first_light("/nowhere/port");
+    const Outcome run = run_example("first_light", "/nowhere/port");
     EXPECT_EQ(run.status, EXIT_FAILURE);
     EXPECT_EQ(run.output, "/nowhere/port: [KOR_RESULT_FILE_NOT_FOUND] No such port: /nowhere/port\n");
 }
+
+TEST(FindPinPad, SaysWhyAPortIsNoneAndStopsAtTheOneThatIs) {
+    PinPad pinPad;
+    pinPad.start();
+    const std::string none =
+        "/nowhere/port: nothing is plugged in\n"
+        "/dev/null: no PIN pad: [KOR_RESULT_IO_ERROR] tcgetattr() error: 25\n";
+    Outcome run = run_example("find_pin_pad", "/nowhere/port /dev/null " + pinPad.path() + " /nowhere/port");
+    EXPECT_EQ(run.status, EXIT_SUCCESS);
+    EXPECT_EQ(run.output, none + pinPad.path() + ": here it is\n");
+    run = run_example("find_pin_pad", "/nowhere/port /dev/null");
+    EXPECT_EQ(run.status, EXIT_FAILURE);
+    EXPECT_EQ(run.output, none);
+}
+
+TEST(WaitForKey, TellsTheKeyAndWhatThePinPadSaysBefore) {
+    PinPad pinPad;
+    pinPad.start();
+    pinPad.when("GKY", Gestures().notify("ANY KEY").press(Key::f2));
+    const Outcome run = run_example("wait_for_key", pinPad.path() + " 60");
+    EXPECT_EQ(run.status, EXIT_SUCCESS);
+    EXPECT_EQ(run.output, "the PIN pad says: ANY KEY\nABECS_RSP_STAT_ST_F2\n");
+    EXPECT_TRUE(pinPad.findings().empty());
+}
+
+TEST(WaitForKey, GivesUpInTimeAndFreesThePinPad) {
+    PinPad pinPad;
+    pinPad.start();
+    const Outcome run = run_example("wait_for_key", pinPad.path() + " 0");
+    EXPECT_EQ(run.status, EXIT_SUCCESS);
+    EXPECT_EQ(run.output, "ABECS_RSP_STAT_ST_TIMEOUT\n");
+    EXPECT_TRUE(pinPad.findings().empty());
+}
+
+class Steady : public testing::Test {
+protected:
+    // A PIN pad that refuses the command for good, as it does on a line with noise.
+    Peer& refuse(const std::string& payload) {
+        for (int i = 0; i < 3; ++i) peer_.expect(frame(payload)).send("15"_hex);
+        return peer_;
+    }
+
+    void show(const std::string& output) {
+        const Outcome run = run_example("steady", peer_.path() + " HI");
+        EXPECT_EQ(run.status, EXIT_SUCCESS);
+        EXPECT_EQ(run.output, output);
+    }
+
+    Peer peer_;
+    const std::string show_ = "DSP032HI                              ";
+};
+
+TEST_F(Steady, CancelsAndGoesOnInTheSameSession) {
+    peer_.accept_can().request("OPN").response("OPN000");
+    refuse(show_).accept_can().request(show_).response("DSP000");
+    show("[KOR_RESULT_PROTOCOL_ERROR] Packet was rejected\n");
+}
+
+TEST_F(Steady, OpensTheLinkAnewWhenNobodyConfirms) {
+    peer_.accept_can().request("OPN").response("OPN000");
+    refuse(show_).expect("18"_hex).expect("18"_hex).expect("18"_hex);
+    peer_.accept_can().request("OPN").response("OPN000").request(show_).response("DSP000");
+    show("[KOR_RESULT_PROTOCOL_ERROR] Packet was rejected\n");
+}
+
+TEST(InCpp, PrintsTheIdentificationOrTheError) {
+    PinPad pinPad;
+    pinPad.start();
+    Outcome run = run_example("in_cpp", pinPad.path());
+    EXPECT_EQ(run.status, EXIT_SUCCESS);
+    EXPECT_EQ(run.output, "QUORVEL QV00000001\n");
+    run = run_example("in_cpp", "/nowhere/port");
+    EXPECT_EQ(run.status, EXIT_FAILURE);
+    EXPECT_EQ(run.output, "[KOR_RESULT_FILE_NOT_FOUND] No such port: /nowhere/port\n");
+}
+
+// A sanitizer must be loaded before the program, which here is the interpreter.
+#ifdef QUORVEL_PYTHON
+TEST(InPython, ShowsTheTextOrTheError) {
+    PinPad pinPad;
+    pinPad.start();
+    const std::string program = QUORVEL_PYTHON " " QUORVEL_LIBRARY " ";
+    Outcome outcome = run(program + pinPad.path() + " HELLO");
+    EXPECT_EQ(outcome.status, EXIT_SUCCESS);
+    EXPECT_EQ(outcome.output, "RSP_STAT 0\n");
+    EXPECT_EQ(pinPad.screen().text, "HELLO");
+    outcome = run(program + "/nowhere/port HELLO");
+    EXPECT_EQ(outcome.status, EXIT_FAILURE);
+    EXPECT_EQ(outcome.output, "code 8: [KOR_RESULT_FILE_NOT_FOUND] No such port: /nowhere/port\n");
+    outcome = run(program + pinPad.path() + " 'A TEXT THAT IS TOO LONG FOR THE DISPLAY'");
+    EXPECT_EQ(outcome.status, EXIT_FAILURE);
+    EXPECT_EQ(outcome.output, "code 2: [KOR_RESULT_ILLEGAL_ARGUMENT] 'msg' it too long (maximum: 32, requested: 39)\n");
+}
+#endif
 
 }  // namespace
