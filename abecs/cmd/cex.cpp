@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "abecs/cmd/frame.h"
+#include "abecs/cmd/param_text.h"
 #include "abecs/data/pp_event.h"
 #include "core/raise.h"
 #include "quorvel/abecs/rsp_dat_id.h"
@@ -47,9 +48,7 @@ int32_t to_number(const AbecsRspParamValue& value) {
 
 const char* get_text(const AbecsRspParamMap* paramMap, uint16_t id) {
     if (paramMap == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'paramMap' is NULL"), nullptr; }
-    const AbecsRspParamValue* value = abecs_rsp_param_map_get(paramMap, id);
-    if (value == nullptr) { return nullptr; }
-    return value->data != nullptr ? reinterpret_cast<const char*>(value->data) : "";
+    return abecs::param_text(paramMap, id);
 }
 
 }  // namespace

@@ -19,11 +19,13 @@ namespace {
 
 struct Range {
     const char* begin;
-    size_t size;
+    std::string content;
 };
 
 std::vector<Range> wiped;
 std::string freed;
+
+void note(const char* begin, size_t size) { wiped.push_back({begin, {begin, begin + size}}); }
 
 }  // namespace
 
@@ -33,12 +35,12 @@ void __wrap_kor_heap_free(void* pointer) {
 }
 
 void __wrap_explicit_bzero(void* begin, size_t size) {
-    wiped.push_back({static_cast<const char*>(begin), size});
+    note(static_cast<const char*>(begin), size);
     __real_explicit_bzero(begin, size);
 }
 
 void __wrap___explicit_bzero_chk(void* begin, size_t size, size_t room) {
-    wiped.push_back({static_cast<const char*>(begin), size});
+    note(static_cast<const char*>(begin), size);
     __real___explicit_bzero_chk(begin, size, room);
 }
 
@@ -49,7 +51,13 @@ void forget_wiped() { wiped.clear(); }
 bool was_wiped(const void* begin, size_t size) {
     const auto* first = static_cast<const char*>(begin);
     return std::any_of(wiped.begin(), wiped.end(), [&](const Range& range) {
-        return range.begin <= first && first + size <= range.begin + range.size;
+        return range.begin <= first && first + size <= range.begin + range.content.size();
+    });
+}
+
+bool bytes_were_wiped(const std::string& bytes, size_t size) {
+    return std::any_of(wiped.begin(), wiped.end(), [&](const Range& range) {
+        return range.content.size() == size && range.content.find(bytes) != std::string::npos;
     });
 }
 

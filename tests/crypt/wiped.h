@@ -15,6 +15,9 @@ void forget_wiped();
 // True if one explicit_bzero since forget_wiped covered all of it.
 bool was_wiped(const void* begin, size_t size);
 
+// True if one explicit_bzero since forget_wiped covered just `size` bytes with these among them.
+bool bytes_were_wiped(const std::string& bytes, size_t size);
+
 // The content of the block that kor_heap_free got last, as it was then.
 const std::string& last_freed();
 

@@ -4,11 +4,10 @@
 
 #include <array>
 #include <gtest/gtest.h>
-#include <memory>
-#include <openssl/bn.h>
 #include <string>
 
 #include "quorvel/abecs/rsp_stat.h"
+#include "tests/abecs/cmd/rsa_peer.h"
 #include "tests/support/link.h"
 #include "tests/support/wire.h"
 
@@ -16,6 +15,7 @@ namespace {
 
 using namespace support::literals;
 using support::Link;
+using support::rsa_encipher;
 
 constexpr std::array<uint8_t, 16> kOldKey{9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
 const std::string kSessionKey = "F0E1D2C3B4A5968778695A4B3C2D1E0F"_hex;
@@ -26,37 +26,11 @@ constexpr size_t kModulusAt = 1 + 6 + 1 + 3;
 constexpr size_t kModulusDigits = 512;
 constexpr size_t kFrameLength = kModulusAt + kModulusDigits + 1 + 6 + 1 + 2;
 
-struct FreeNumber {
-    void operator()(BIGNUM* number) const { BN_free(number); }
-    void operator()(BN_CTX* context) const { BN_CTX_free(context); }
-};
-using Number = std::unique_ptr<BIGNUM, FreeNumber>;
-
 std::string modulus_of(const std::string& received) {
     EXPECT_EQ(received.substr(0, kModulusAt), "\x16OPN5230256");
     EXPECT_EQ(received.substr(kModulusAt + kModulusDigits, 8), "3010001\x17");
     EXPECT_EQ(received.find_first_not_of("0123456789ABCDEF", kModulusAt), kModulusAt + kModulusDigits + 7);
     return received.substr(kModulusAt, kModulusDigits);
-}
-
-// block ^ 65537 mod modulus, in 512 upper-case digits: what a PIN pad answers.
-std::string encipher(const std::string& block, const std::string& modulusDigits) {
-    BIGNUM* read = nullptr;
-    BN_hex2bn(&read, modulusDigits.c_str());
-    const Number modulus(read);
-    const Number exponent(BN_new());
-    BN_set_word(exponent.get(), 65537);
-    const Number base(BN_bin2bn(reinterpret_cast<const unsigned char*>(block.data()), 256, nullptr));
-    const std::unique_ptr<BN_CTX, FreeNumber> context(BN_CTX_new());
-    const Number result(BN_new());
-    BN_mod_exp(result.get(), base.get(), exponent.get(), modulus.get(), context.get());
-    std::string bytes(256, '\0');
-    BN_bn2binpad(result.get(), reinterpret_cast<unsigned char*>(bytes.data()), 256);
-    std::string digits;
-    for (const char c : support::to_hex(bytes)) {
-        if (c != ' ') { digits += c; }
-    }
-    return digits;
 }
 
 std::string padded(const std::string& head, const std::string& key) {
@@ -92,7 +66,7 @@ TEST(Opn, PlainSendsItsIdAlone) {
 TEST(Opn, SecureTakesTheKeyOfTheCryptogram) {
     Link link;
     answer(link, [](const std::string& modulus) {
-        return "OPN000515256" + encipher(padded("0002"_hex, kSessionKey), modulus);
+        return "OPN000515256" + rsa_encipher(padded("0002"_hex, kSessionKey), modulus);
     });
     EXPECT_EQ(link.call(abecs_cmd_opn)(true), 0);
     EXPECT_TRUE(holds(link, kSessionKey));
@@ -108,7 +82,7 @@ TEST(Opn, CryptogramThatBeginsLikePaddingWorksLikeAnyOther) {
         for (int i = 0; i < 4000 && !cryptogram.starts_with("30"); ++i) {
             block[2] = static_cast<char>(1 + i % 255);
             block[3] = static_cast<char>(1 + i / 255);
-            cryptogram = encipher(block, modulus);
+            cryptogram = rsa_encipher(block, modulus);
         }
         EXPECT_TRUE(cryptogram.starts_with("30"));
         return "OPN000515256" + cryptogram;
@@ -133,7 +107,7 @@ TEST(Opn, SecureWithoutAKeyIsAnInvalidCall) {
 TEST(Opn, BadKeysAreRefusedAndTheOldOneStays) {
     const std::string zeros(512, '0');
     const auto block = [](std::string content) {
-        return [content](const std::string& modulus) { return "OPN000515256" + encipher(content, modulus); };
+        return [content](const std::string& modulus) { return "OPN000515256" + rsa_encipher(content, modulus); };
     };
     const struct {
         Respond respond;

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/gdu.h"
+
+#include "abecs/cmd/frame.h"
+#include "core/raise.h"
+#include "quorvel/kor/enum.h"
+
+using kor::raise;
+
+namespace {
+
+constexpr abecs::Command kGdu{.id = "GDU", .unexpectedId = "Invalid RSP_ID (expected %s, read: %s)"};
+constexpr uint8_t kMaxIndex = 99;
+constexpr size_t kKsnWidth = 20;
+
+void read_ksn(AbecsPacket* packet, char* out) {
+    const auto length = static_cast<unsigned>(abecs_packet_read_field_n(packet, 3));
+    if (length != kKsnWidth) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 (expected: 20, read: %u)", length);
+    }
+    abecs_packet_read_field_h(packet, out, kKsnWidth + 1, kKsnWidth);
+}
+
+}  // namespace
+
+int32_t abecs_cmd_gdu(AbecsComm* pinpad, AbecsCmdGduMethod_E method, uint8_t idx, char* out) {
+    using namespace abecs;
+    if (idx > kMaxIndex) {
+        return raise(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid idx: %d (maximum is 99)", idx), kRaised;
+    }
+    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (!kor_enum_is_valid_range(method, ABECS_CMD_GDU_METHOD_2, ABECS_CMD_GDU_METHOD_3)) {
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdGduMethod_E", method);
+        return kRaised;
+    }
+    return call(pinpad, kGdu, Request::fields([&](AbecsPacket* packet) {
+                    abecs_packet_write_field_n(packet, 1 + 2, 3);
+                    abecs_packet_write_field_n(packet, static_cast<uint64_t>(method), 1);
+                    abecs_packet_write_field_n(packet, idx, 2);
+                }),
+                Response::fields([&](AbecsPacket* packet) { read_ksn(packet, out); }));
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/data/mk.h"
+
+#include "abecs/data/tdes_key.h"
+#include "core/raise.h"
+#include "quorvel/crypt/des.h"
+
+bool abecs::encipher(const AbecsMk& key, uint8_t* blocks, size_t size) {
+    switch (key.type) {
+        case ABECS_MK_TYPE_DES:
+            crypt_des_ecb_encrypt(key.key, blocks, blocks, size);
+            return true;
+        case ABECS_MK_TYPE_TDES:
+            return apply_tdes(crypt_3des_ecb_encrypt, key.key, blocks, size);
+        default:
+            return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
+    }
+}

@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/dwk.h"
+
+#include <gtest/gtest.h>
+#include <iterator>
+#include <memory>
+#include <openssl/evp.h>
+#include <set>
+#include <string>
+
+#include "tests/abecs/cmd/rsa_peer.h"
+#include "tests/crypt/wiped.h"
+#include "tests/support/link.h"
+#include "tests/support/refused.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+
+const std::string kAck = "06"_hex;
+constexpr AbecsWkPan kOldKey{ABECS_WK_PAN_TYPE_DES, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}};
+constexpr uint8_t kMasterKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
+                                    0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10};
+
+std::string bytes_of(const uint8_t (&key)[16]) { return {key, key + sizeof key}; }
+
+// Under two-key triple DES, which is DES when both keys are the same.
+std::string decipher(const std::string& key, const std::string& blocks) {
+    const std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> context(EVP_CIPHER_CTX_new(),
+                                                                                  EVP_CIPHER_CTX_free);
+    std::string clear(blocks.size(), '\0');
+    int size = 0;
+    const auto* from = reinterpret_cast<const unsigned char*>(blocks.data());
+    EXPECT_EQ(EVP_DecryptInit_ex2(context.get(), EVP_des_ede_ecb(), reinterpret_cast<const unsigned char*>(key.data()),
+                                  nullptr, nullptr),
+              1);
+    EVP_CIPHER_CTX_set_padding(context.get(), 0);
+    EXPECT_EQ(EVP_DecryptUpdate(context.get(), reinterpret_cast<unsigned char*>(clear.data()), &size, from,
+                                static_cast<int>(blocks.size())),
+              1);
+    return clear;
+}
+
+std::string from_hex(const std::string& digits) {
+    EXPECT_EQ(digits.find_first_not_of("0123456789ABCDEF"), std::string::npos);
+    return operator""_hex(digits.c_str(), digits.size());
+}
+
+struct Expected {
+    bool panProtected;
+    bool panKeyInstalled;
+    const AbecsWkPan& key;
+};
+
+void expect_link(const Link& link, const Expected& expected) {
+    EXPECT_EQ(link.comm->panProtected, expected.panProtected);
+    EXPECT_EQ(link.comm->panKeyInstalled, expected.panKeyInstalled);
+    EXPECT_EQ(link.comm->wkPanType, expected.key.type);
+    EXPECT_EQ(std::string(link.comm->wkPanKey.begin(), link.comm->wkPanKey.end()), bytes_of(expected.key.key));
+}
+
+// SYN, "DWK036", "1", type, index, 32 digits, ETB and CRC. Digits need no escapes.
+constexpr size_t kDwk1Length = 1 + 6 + 1 + 1 + 2 + 32 + 1 + 2;
+
+// Takes a request, keeps it and answers.
+void answer(Link& link, size_t length, std::string* request, std::string response) {
+    link.peer.reply(length, [request, response = std::move(response)](const std::string& received) {
+        *request = received;
+        return kAck + support::frame(response);
+    });
+}
+
+class Dwk1 : public testing::TestWithParam<AbecsMkType_E> {
+protected:
+    Dwk1() { std::copy(std::begin(kMasterKey), std::end(kMasterKey), std::begin(master_.key)); }
+
+    [[nodiscard]] std::string key_of(const std::string& request) const {
+        const bool des = GetParam() == ABECS_MK_TYPE_DES;
+        EXPECT_EQ(request.substr(0, 11), des ? "\x16"
+                                               "DWK0361099"
+                                             : "\x16"
+                                               "DWK0361199");
+        EXPECT_EQ(request[43], '\x17');
+        const std::string half(kMasterKey, kMasterKey + 8);
+        return decipher(des ? half + half : bytes_of(kMasterKey), from_hex(request.substr(11, 32)));
+    }
+
+    AbecsMk master_{GetParam(), 99, {}};
+};
+
+INSTANTIATE_TEST_SUITE_P(Of, Dwk1, testing::Values(ABECS_MK_TYPE_DES, ABECS_MK_TYPE_TDES),
+                         [](const auto& test) { return test.param == ABECS_MK_TYPE_DES ? "Des" : "Tdes"; });
+
+TEST_P(Dwk1, LoadsAFreshKeyEachTime) {
+    std::set<std::string> keys;
+    for (const bool setOnLink : {true, false}) {
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
+        std::string request;
+        answer(link, kDwk1Length, &request, "DWK000");
+        AbecsWkPan key{};
+        EXPECT_EQ(link.call(abecs_cmd_dwk1)(&master_, &key, setOnLink), 0);
+        EXPECT_EQ(key.type, GetParam() == ABECS_MK_TYPE_DES ? ABECS_WK_PAN_TYPE_DES : ABECS_WK_PAN_TYPE_TDES);
+        EXPECT_EQ(key_of(request), bytes_of(key.key));
+        expect_link(link, {true, setOnLink, setOnLink ? key : kOldKey});
+        keys.insert(bytes_of(key.key));
+    }
+    EXPECT_EQ(keys.size(), 2U);
+}
+
+TEST_P(Dwk1, LeavesTheLinkAsItWasWhenItFails) {
+    const struct {
+        const char* response;
+        int32_t stat;
+        support::Raised error;
+    } rows[] = {
+        {"DWK042", 42, {}},
+        {"ERR010", 10, {}},
+        {"DWK00", -99, support::error(12, "Unrecognized response")},
+        {"OPN000", -99, support::error(12, "(DWK) Invalid RSP_ID: OPN)")},
+    };
+    for (const bool setOnLink : {false, true}) {
+        for (const auto& row : rows) {
+            Link link;
+            EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
+            std::string request;
+            answer(link, kDwk1Length, &request, row.response);
+            AbecsWkPan key = kOldKey;
+            int32_t stat = -99;
+            support::forget_wiped();
+            EXPECT_EQ(support::raised_by([&] { stat = abecs_cmd_dwk1(link.comm, &master_, &key, setOnLink); }),
+                      row.error);
+            EXPECT_EQ(stat, row.stat);
+            expect_link(link, {true, true, kOldKey});
+            EXPECT_EQ(bytes_of(key.key), bytes_of(kOldKey.key));
+            EXPECT_TRUE(support::bytes_were_wiped(key_of(request), sizeof key)) << "the clear key does not stay";
+            EXPECT_TRUE(support::bytes_were_wiped(from_hex(request.substr(11, 32)), sizeof key.key));
+        }
+    }
+}
+
+TEST_P(Dwk1, ChecksItsArgumentsInOrder) {
+    Link link;
+    AbecsWkPan key{};
+    AbecsMk mk = master_;
+    mk.idx = 100;
+    EXPECT_REFUSED(2, "Invalid master key index: 100 (max: 99)", abecs_cmd_dwk1(link.comm, &mk, &key, true));
+    for (const int32_t type : {-1, 2}) {
+        mk.type = static_cast<AbecsMkType_E>(type);
+        EXPECT_REFUSED(2, "Invalid enumerator for AbecsMkType_E: " + std::to_string(type),
+                       abecs_cmd_dwk1(link.comm, &mk, &key, true));
+    }
+    EXPECT_REFUSED(2, "'mk' is NULL", abecs_cmd_dwk1(link.comm, nullptr, &key, true));
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_dwk1(nullptr, nullptr, nullptr, false));
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_dwk2(nullptr, nullptr, false));
+}
+
+// SYN, "DWK263", "2", modulus, exponent, ETB and CRC.
+constexpr size_t kModulusAt = 1 + 6 + 1;
+constexpr size_t kModulusDigits = 256;
+constexpr size_t kDwk2Length = kModulusAt + kModulusDigits + 6 + 1 + 2;
+
+const std::string kKeyDigits = "0F1E2D3C4B5A69788796A5B4C3D2E1F0";
+
+// The block under the host's public key.
+std::string block(const std::string& head, const std::string& key, char end) {
+    return head + "9 filling" + key + std::string(84, '\xA5') + end;
+}
+
+using Respond = std::function<std::string(const std::string& modulus)>;
+
+Respond enciphered(const std::string& block) {
+    return [block](const std::string& modulus) { return "DWK000256" + support::rsa_encipher(block, modulus); };
+}
+
+void answer(Link& link, Respond respond) {
+    link.peer.reply(kDwk2Length, [respond = std::move(respond)](const std::string& received) {
+        EXPECT_EQ(received.substr(0, kModulusAt),
+                  "\x16"
+                  "DWK2632");
+        EXPECT_EQ(received.substr(kModulusAt + kModulusDigits, 7), "010001\x17");
+        EXPECT_GE(received[kModulusAt], '8') << "a modulus of 1024 bits";
+        return kAck + support::frame(respond(received.substr(kModulusAt, kModulusDigits)));
+    });
+}
+
+TEST(Dwk2, TakesTheKeyOutOfTheBlock) {
+    const struct {
+        const char* digits;
+        std::string key;
+        bool setOnLink;
+        bool out;
+    } rows[] = {
+        {"0F1E2D3C4B5A69788796A5B4C3D2E1F0", "0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, true, true},
+        {"0f1e2d3c4b5a69788796a5b4c3d2e1f0", "0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, false, true},
+        {"30303030303030303030303030303030", "30303030303030303030303030303030"_hex, true, true},
+        {"303030304B5A69788796A5B4C3D2E1F0", "303030304B5A69788796A5B4C3D2E1F0"_hex, true, false},
+    };
+    for (const auto& row : rows) {
+        AbecsWkPan expected{ABECS_WK_PAN_TYPE_TDES_RSA, {}};
+        std::copy(row.key.begin(), row.key.end(), std::begin(expected.key));
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
+        answer(link, enciphered(block("T1", row.digits, 'X')));
+        AbecsWkPan out{};
+        support::forget_wiped();
+        EXPECT_EQ(link.call(abecs_cmd_dwk2)(row.out ? &out : nullptr, row.setOnLink), 0);
+        if (row.out) {
+            EXPECT_EQ(out.type, expected.type);
+            EXPECT_EQ(bytes_of(out.key), row.key);
+        }
+        expect_link(link, {row.setOnLink, row.setOnLink, row.setOnLink ? expected : kOldKey});
+        EXPECT_TRUE(support::bytes_were_wiped(row.key, sizeof out));
+        EXPECT_TRUE(support::bytes_were_wiped(row.digits, kModulusDigits / 2)) << "the block does not stay";
+    }
+}
+
+// One cryptogram in 256 begins with the byte whose digits are also the padding of hexadecimal fields.
+TEST(Dwk2, CryptogramThatBeginsLikePaddingWorksLikeAnyOther) {
+    Link link;
+    answer(link, [](const std::string& modulus) {
+        std::string clear = block("T1", kKeyDigits, 'X');
+        std::string cryptogram;
+        for (int i = 0; i < 8000 && !cryptogram.starts_with("30"); ++i) {
+            clear[2] = static_cast<char>(i % 256);
+            clear[3] = static_cast<char>(i / 256);
+            cryptogram = support::rsa_encipher(clear, modulus);
+        }
+        EXPECT_TRUE(cryptogram.starts_with("30"));
+        return "DWK000256" + cryptogram;
+    });
+    AbecsWkPan out{};
+    EXPECT_EQ(link.call(abecs_cmd_dwk2)(&out, true), 0);
+    EXPECT_EQ(bytes_of(out.key), from_hex(kKeyDigits));
+}
+
+TEST(Dwk2, RefusesBadBlocksAndLeavesTheLinkAsItWas) {
+    const auto text = [](const std::string& response) { return [=](const std::string&) { return response; }; };
+    const std::string zeros(256, '0');
+    const struct {
+        Respond respond;
+        int32_t stat;
+        support::Raised error;
+        bool keyRead = false;
+    } rows[] = {
+        {enciphered(block("T1", kKeyDigits, 'Y')), -99,
+         support::error(12, "(DWK) Invalid block end (expected: 'X', read: 'Y')"), true},
+        {enciphered(block("U2", kKeyDigits, 'Y')), -99,
+         support::error(12, "(DWK) Invalid header: 55 (expected: 0x54)")},
+        {enciphered(block(" 1", kKeyDigits, 'X')), -99,
+         support::error(12, "(DWK) Invalid header: 00 (expected: 0x54)")},
+        {enciphered(block("\x01"
+                          "1",
+                          kKeyDigits, 'X')),
+         -99, support::error(6, "Invalid character (0x01) at position 0")},
+        {enciphered(block("T2", kKeyDigits, 'Y')), -99,
+         support::error(12, "(DWK) Invalid layout version: 2 (expected: 1)")},
+        {enciphered(block("Tx", kKeyDigits, 'X')), -99, support::error(6, "Invalid char (0x78) at index 0")},
+        {enciphered(block("T1", kKeyDigits.substr(2) + "?0", 'Y')), -99, support::error(6, "Invalid data: ?0")},
+        {text("DWK000255" + zeros), -99, support::error(12, "Invalid RSP_LEN: 255 (expected: 256)")},
+        {text("DWK000256" + zeros.substr(2)), -99,
+         support::error(6, "Buffer does not have enough data (requested: 256, available: 254)")},
+        {text("DWK000256" + zeros.substr(2) + "0x"), -99, support::error(6, "Invalid data: 0x")},
+        {text("DWK00"), -99, support::error(12, "Unrecognized response")},
+        {text("ENB000"), -99, support::error(12, "(DWK) Invalid RSP_ID: ENB)")},
+        {text("DWK010256" + zeros), 10, {}},
+    };
+    for (const auto& row : rows) {
+        for (const bool setOnLink : {true, false}) {
+            Link link;
+            EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
+            answer(link, row.respond);
+            AbecsWkPan out = kOldKey;
+            int32_t stat = -99;
+            support::forget_wiped();
+            EXPECT_EQ(support::raised_by([&] { stat = abecs_cmd_dwk2(link.comm, &out, setOnLink); }), row.error);
+            EXPECT_EQ(stat, row.stat);
+            expect_link(link, {true, true, kOldKey});
+            EXPECT_EQ(bytes_of(out.key), bytes_of(kOldKey.key));
+            EXPECT_EQ(support::bytes_were_wiped(from_hex(kKeyDigits), sizeof out), row.keyRead);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/enb.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <utility>
+
+#include "tests/support/link.h"
+#include "tests/support/refused.h"
+
+namespace {
+
+using support::Link;
+using Data = AbecsCmdEnbCmdData;
+
+constexpr AbecsMk kMaster{
+    ABECS_MK_TYPE_TDES,
+    0,
+    {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
+constexpr AbecsWkPan kPanKey{
+    ABECS_WK_PAN_TYPE_TDES,
+    {0x0F, 0x1E, 0x2D, 0x3C, 0x4B, 0x5A, 0x69, 0x78, 0x87, 0x96, 0xA5, 0xB4, 0xC3, 0xD2, 0xE1, 0xF0}};
+const char* const kWorkingKey = "11223344556677889900aabbCCDDEEFF";
+
+constexpr Data kSimple{ABECS_CMD_ENB_METHOD_1, 7, "3eb3b72576bbbe834f0b96aaa5a8b548", "4111111111111111"};
+const std::string kRequest = "ENB0511073EB3B72576BBBE834F0B96AAA5A8B5484111111111111111";
+
+// Worked out with the openssl program: enc -des-ecb and -des-ede, the latter two with -d.
+TEST(Enb, PreparesWorkingKeysAndData) {
+    char key[33];
+    AbecsMk master = kMaster;
+    EXPECT_EQ(abecs_cmd_enb_encrypt_wk(kWorkingKey, &master, key), key);
+    EXPECT_STREQ(key, "3eb3b72576bbbe834f0b96aaa5a8b548");
+    EXPECT_EQ(abecs_cmd_enb_encrypt_wk("1122334455667788", &master, key), key);
+    EXPECT_STREQ(key, "3eb3b72576bbbe8308d7b4fb629d0885") << "as though zeros followed";
+    master.type = ABECS_MK_TYPE_DES;
+    EXPECT_EQ(abecs_cmd_enb_encrypt_wk(kWorkingKey, &master, key), key);
+    EXPECT_STREQ(key, "b4cc3fd9d8d95214a024e6d986fdcdb0");
+
+    const std::pair<AbecsWkPanType_E, const char*> rows[] = {{ABECS_WK_PAN_TYPE_DES, "6db95c87a27b8cec"},
+                                                             {ABECS_WK_PAN_TYPE_TDES, "5d3d5a8e5c5a5d12"},
+                                                             {ABECS_WK_PAN_TYPE_TDES_RSA, "5d3d5a8e5c5a5d12"}};
+    for (const auto& [type, expected] : rows) {
+        AbecsWkPan panKey = kPanKey;
+        panKey.type = type;
+        char data[17] = "4111111111111111";
+        EXPECT_EQ(abecs_cmd_enb_encode_data(data, &panKey, data), data) << "in place, too";
+        EXPECT_STREQ(data, expected);
+    }
+}
+
+// What a helper refuses, it raises once, and leaves the caller's text as it was.
+template <typename Call>
+void expect_refused(const char* detail, const char* out, Call&& call) {
+    EXPECT_EQ(support::raised_by([&] { call(); }), support::error(2, detail));
+    const support::ReturningRaises handler;
+    EXPECT_EQ(call(), nullptr) << detail;
+    EXPECT_EQ(handler.all(), support::errors(2, {detail}));
+    EXPECT_STREQ(out, "kept");
+}
+
+TEST(Enb, HelpersCheckTheirArgumentsInOrder) {
+    AbecsMk master = kMaster;
+    AbecsWkPan panKey = kPanKey;
+    char out[33] = "kept";
+    const auto encrypt = abecs_cmd_enb_encrypt_wk;
+    const auto encode = abecs_cmd_enb_encode_data;
+    expect_refused("Missing 'clearWk'", out, [&] { return encrypt(nullptr, nullptr, nullptr); });
+    expect_refused("Missing 'mk'", out, [&] { return encrypt("x", nullptr, nullptr); });
+    expect_refused("Missing 'out'", out, [&] { return encrypt("x", &master, nullptr); });
+    expect_refused("Missing 'clearData'", out, [&] { return encode(nullptr, nullptr, nullptr); });
+    expect_refused("Missing 'wkPan'", out, [&] { return encode("x", nullptr, nullptr); });
+    expect_refused("Missing 'out'", out, [&] { return encode("x", &panKey, nullptr); });
+    for (const int32_t type : {-1, 2}) {
+        master.type = static_cast<AbecsMkType_E>(type);
+        const std::string detail = "Invalid enumerator for AbecsMkType_E: " + std::to_string(type);
+        expect_refused(detail.c_str(), out, [&] { return encrypt("x", &master, out); });
+    }
+    panKey.type = static_cast<AbecsWkPanType_E>(3);
+    expect_refused("Invalid enumerator for AbecsWkPanType_E: 3", out, [&] { return encode("x", &panKey, out); });
+    master = kMaster;
+    panKey = kPanKey;
+    const char* const noRoom = "Destination buffer does not have enough room for decoded data";
+    expect_refused(noRoom, out, [&] { return encrypt("11223344556677889900AABBCCDDEEFF00", &master, out); });
+    expect_refused("Invalid hex string", out, [&] { return encrypt("1122334455667788x", &master, out); });
+    expect_refused(noRoom, out, [&] { return encode("411111111111111100", &panKey, out); });
+    expect_refused("Invalid hex string", out, [&] { return encode("411111111111111", &panKey, out); });
+}
+
+TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
+    const struct {
+        Data data;
+        std::string request;
+        const char* response;
+        int32_t stat;
+        const char* out;
+    } rows[] = {
+        {kSimple, kRequest, "ENB00001646df6741E1E2B68C", 0, "46df6741E1E2B68C"},
+        {{ABECS_CMD_ENB_METHOD_0, 99, "", "0123456789abcdef"},
+         "ENB051099303030303030303030303030303030300123456789ABCDEF",
+         "ENB00099930DF6741E1E2B630",
+         0,
+         "DF6741E1E2B630"},
+        {kSimple, kRequest, "ENB042", 42, "kept"},
+        {kSimple, kRequest, "ERR01001646DF6741E1E2B68C", 10, "kept"},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.request(row.request).response(row.response);
+        char out[17] = "kept";
+        EXPECT_EQ(link.call(abecs_cmd_enb)(&row.data, out), row.stat) << row.response;
+        EXPECT_STREQ(out, row.out) << row.response;
+    }
+}
+
+// In the order of the checks. From the last row on, each fault is added to those behind it and hides them.
+TEST(Enb, ChecksTheDataInOrder) {
+    const std::pair<const char*, void (*)(Data&)> rows[] = {
+        {"Invalid enumerator for AbecsCmdEnbMethod_E: -1",
+         [](Data& data) { data.method = static_cast<AbecsCmdEnbMethod_E>(-1); }},
+        {"Invalid enumerator for AbecsCmdEnbMethod_E: 2",
+         [](Data& data) { data.method = static_cast<AbecsCmdEnbMethod_E>(2); }},
+        {"Number length (3) is greater than field length (2)", [](Data& data) { data.keyIdx = 100; }},
+        {"Field does not have enough room for data", [](Data& data) { std::memset(data.wkEnc, '0', 33); }},
+        {"Invalid hex byte at index 30", [](Data& data) { data.wkEnc[31] = 'g'; }},
+        {"Field does not have enough room for data", [](Data& data) { std::memset(data.data, '0', 17); }},
+        {"Invalid hex byte at index 0", [](Data& data) { data.data[0] = ' '; }},
+    };
+    Link link;
+    char out[17] = "kept";
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_enb(nullptr, nullptr, nullptr));
+    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_enb(link.comm, nullptr, nullptr));
+    EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_enb(link.comm, &kSimple, nullptr));
+    Data data = kSimple;
+    for (size_t i = std::size(rows); i-- > 0;) {
+        rows[i].second(data);
+        EXPECT_REFUSED(2, rows[i].first, abecs_cmd_enb(link.comm, &data, out));
+    }
+    EXPECT_STREQ(out, "kept");
+}
+
+TEST(Enb, RefusesMalformedAnswers) {
+    const struct {
+        const char* response;
+        int16_t code;
+        const char* detail;
+    } rows[] = {
+        {"ENB00", 12, "Unrecognized response"},
+        {"EBX000", 12, "(ENB) Invalid RSP_ID: EBX)"},
+        {"ENB000", 6, "Buffer does not have enough data (requested: 3, available: 0)"},
+        {"ENB00001646DF6741E1E2B6", 6, "Buffer does not have enough data (requested: 16, available: 14)"},
+        {"ENB00001646DF6741E1E2B6-C", 6, "Invalid data: -C"},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.request(kRequest).response(row.response);
+        char out[17];
+        EXPECT_RAISES(row.code, row.detail, abecs_cmd_enb(link.comm, &kSimple, out));
+    }
+}
+
+}  // namespace
