@@ -120,7 +120,8 @@ KOR_API KorResult_E abecs_cmd_gcr_empty(AbecsComm* pinpad);
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'gcrResponse' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR for
  * an answer under six bytes or of another command; those of abecs_packet_read_rsp_stat and
  * abecs_packet_read_notification; IO_ERROR for a malformed field; those of abecs_pan_decrypt_track while the link has a
- * PAN working key; and what the link raises. After an error the link stays blocked.
+ * PAN working key; and what the link raises. After an error the link stays blocked, and `gcrResponse` may hold a part
+ * of the answer.
  */
 KOR_API int32_t abecs_cmd_gcr_response(AbecsComm* pinpad, AbecsCmdGcrResponse* gcrResponse, char* notification);
 
