@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "simulator/commands/handlers.h"
@@ -60,10 +61,10 @@ std::string card_number(Reader& fields, const std::optional<Bytes>& panKey) {
     return pan;
 }
 
-// A PIN has at most 12 digits, whatever else the host would take.
+// A PIN has at most 12 digits, however many the host would take.
 Prompt prompt(Reader& fields) {
     Prompt prompt;
-    prompt.fewest = fields.n("GPN_MIN", 2, {fewestPinDigits, maxPinDigits});
+    prompt.fewest = fields.n("GPN_MIN", 2, {fewestPinDigits, 99});
     prompt.most = std::min<size_t>(fields.n("GPN_MAX", 2, {prompt.fewest, 99}), maxPinDigits);
     prompt.message = fields.s("GPN_MSG", messageWidth);
     return prompt;
@@ -124,7 +125,12 @@ private:
 }  // namespace
 
 Outcome gpn(Call& call) {
-    const auto capture = std::make_shared<Capture>(call.device, call.screen, pin_request(call));
+    PinRequest request = pin_request(call);
+    // Hosts may ask for it, but no cardholder could ever enter it.
+    if (std::ranges::any_of(request.prompts, [](const Prompt& prompt) { return prompt.fewest > maxPinDigits; })) {
+        return Answer{.status = Status::invparm};
+    }
+    const auto capture = std::make_shared<Capture>(call.device, call.screen, std::move(request));
     return Wait{[capture](const Event& event) { return capture->on(event); }};
 }
 

@@ -215,6 +215,7 @@ TEST_F(InteractionTest, EnciphersAPin) {
                gpn("200", blank, pan, {"0412PIN", "0412AGAIN"}), "GPN000036AE03BBC9A095DEFEFFFF9876543210E00001");
     call_while(Gestures().press(digit('1')).press(Key::cancel), gpn("300", blank, pan, {"0412PIN"}), "GPN013");
     call_while(Gestures().type("1234"), gpn("399", blank, pan, {"0412PIN"}), "GPN042");
+    call(gpn("300", blank, pan, {"0412PIN", "1399AGAIN"}), "GPN011");
     pinPad_->when("GPN", Gestures().type("12345").press(digit('1')).notify("TYPED"));
     exchange(support::frame(gpn("300", blank, "00" + padded("", 19), {"0412PIN", "0412AGAIN"})),
              ack + support::frame("NTM000005TYPED"));
@@ -231,7 +232,7 @@ TEST_F(InteractionTest, EnciphersAPin) {
             {gpn("300", blank, "01" + padded("4", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
             {gpn("300", blank, "02" + padded("4A", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
             {gpn("300", blank, pan, {}), "GPN: GPN_ENTRIES: 0 is not from 1 to 9"},
-            {gpn("300", blank, pan, {"0312PIN"}), "GPN: GPN_MIN: 3 is not from 4 to 12"},
+            {gpn("300", blank, pan, {"0312PIN"}), "GPN: GPN_MIN: 3 is not from 4 to 99"},
             {gpn("300", blank, pan, {"0807PIN"}), "GPN: GPN_MAX: 7 is not from 8 to 99"}});
 }
 
