@@ -21,21 +21,22 @@ constexpr std::string_view notificationId = "NTM";
 // The only command that is plain inside an encrypted session too.
 constexpr std::string_view openId = "OPN";
 
-// Before the words of what crossed the line enciphered.
-std::string enciphered(const std::string& words) { return "enciphered " + words; }
-
-bool is_open(ByteView packet) { return std::ranges::equal(packet.first(std::min(packet.size(), idWidth)), openId); }
+// The command's id, or as much of it as there is.
+std::string id_of(ByteView packet) {
+    const ByteView id = packet.first(std::min(packet.size(), idWidth));
+    return {id.begin(), id.end()};
+}
 
 }  // namespace
 
-Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Send send)
+Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Transmitter& transmitter)
     : device_(std::move(options.device)),
       second_(options.second),
       patience_(options.patience),
       journal_(journal),
       screen_(screen),
       cardholder_(cardholder),
-      send_(std::move(send)),
+      transmitter_(transmitter),
       notify_([this](std::string_view text) { notify(text); }),
       channel_(options.sessionKey) {}
 
@@ -73,31 +74,33 @@ void Engine::handle_byte(uint8_t byte) {
 
 void Engine::cancel() {
     if (pending_) stop_waiting();
-    lastResponse_.clear();
-    send_byte(control::eot);
+    lastResponse_.reset();
+    transmitter_.abandon();
+    transmitter_.send_byte(control::eot);
 }
 
 void Engine::accept(const Reception& reception) {
     const Request request = open(reception);
     journal_.record(Traffic{Sender::host, reception.wire, request.words});
-    send_byte(control::ack);
+    if (!transmitter_.acknowledge(id_of(request.packet))) return;
     if (pending_) {
         find(Finding::Kind::sequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
     }
-    lastResponse_.clear();
+    lastResponse_.reset();
     obey(request);
 }
 
 void Engine::refuse(const std::string& fault) {
     find(Finding::Kind::framing, fault);
-    send_byte(control::nak);
+    transmitter_.send_byte(control::nak);
 }
 
 void Engine::resend() {
-    if (lastResponse_.empty()) return find(Finding::Kind::sequence, "NAK without a response before it");
+    if (!lastResponse_) return find(Finding::Kind::sequence, "NAK without a response before it");
     if (resends_ == maxResends) return find(Finding::Kind::sequence, "NAK after the last repetition");
     ++resends_;
-    transmit(lastResponse_, lastWords_);
+    transmitter_.abandon();
+    transmitter_.send(*lastResponse_, channel_);
 }
 
 Engine::Request Engine::open(const Reception& reception) const {
@@ -109,7 +112,7 @@ Engine::Request Engine::open(const Reception& reception) const {
         return request;
     };
     if (!frame.encrypted) {
-        if (!channel_.active() || is_open(frame.data)) return request;
+        if (!channel_.active() || id_of(frame.data) == openId) return request;
         return refuse(Finding::Kind::sequence, "a plain command inside an encrypted session", Status::errpktsec);
     }
     if (!channel_.active()) {
@@ -120,37 +123,39 @@ Engine::Request Engine::open(const Reception& reception) const {
     } catch (const SealError& error) {
         return refuse(Finding::Kind::layout, fmt::format("an encrypted frame: {}", error.what()), Status::errpktsec);
     }
-    if (is_open(request.packet)) return refuse(Finding::Kind::sequence, "an enciphered OPN", Status::errpktsec);
+    if (id_of(request.packet) == openId) return refuse(Finding::Kind::sequence, "an enciphered OPN", Status::errpktsec);
     request.sealed = true;
-    request.words = enciphered(request_words(request.packet));
+    request.words = enciphered_words(request_words(request.packet));
     return request;
 }
 
 void Engine::obey(const Request& request) {
-    // Plain: whoever sends what cannot be deciphered may have another key.
-    if (request.refused) return refuse(*request.refused, request.status, false);
+    if (request.refused) return refuse(*request.refused, request.status, request);
     const ByteView packet = request.packet;
     if (packet.size() < idWidth) {
-        return refuse({Finding::Kind::layout, "a frame without a command"}, Status::invcall, request.sealed);
+        return refuse({Finding::Kind::layout, "a frame without a command"}, Status::invcall, request);
     }
-    const std::string id(packet.begin(), packet.begin() + idWidth);
+    const std::string id = id_of(packet);
     const Command* command = find_command(id);
     if (command == nullptr) {
         return refuse({Finding::Kind::unsupported, fmt::format("there is no command {:?}", id)}, Status::invcall,
-                      request.sealed);
+                      request);
     }
     Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(idWidth))};
     const Screen::Content before = screen_.content();
     Outcome outcome = run(*command, call);
     const bool ends = command->session == Command::Session::ends;
     if (ends) end_session();
-    if (const auto* answer = std::get_if<Answer>(&outcome)) return respond(id, *answer, request.sealed && !ends);
+    if (const auto* answer = std::get_if<Answer>(&outcome)) {
+        return respond(id, id, *answer, request.sealed && !ends);
+    }
     wait(*command, std::get<Wait>(std::move(outcome)), request.sealed, before);
 }
 
-void Engine::refuse(Finding finding, Status status, bool sealed) {
+// Plain where the request was not read: whoever sends what cannot be deciphered may have another key.
+void Engine::refuse(Finding finding, Status status, const Request& request) {
     journal_.record(std::move(finding));
-    respond(errorId, {.status = status, .blocks = {}}, sealed);
+    respond(id_of(request.packet), errorId, {.status = status, .blocks = {}}, request.sealed);
 }
 
 // The host has dropped its keys as soon as the command was acknowledged, whatever the answer says.
@@ -187,7 +192,7 @@ void Engine::notify(std::string_view text) {
     if (!pending_) return;
     Writer block;
     block.s(text, text.size());
-    respond(notificationId, Answer::of(block), pending_->sealed);
+    respond(notificationId, notificationId, Answer::of(block), pending_->sealed);
 }
 
 Engine::Pending Engine::stop_waiting() {
@@ -198,26 +203,20 @@ Engine::Pending Engine::stop_waiting() {
 
 void Engine::finish(const Answer& answer) {
     const Pending ended = stop_waiting();
-    respond(ended.command.id, answer, ended.sealed);
+    respond(ended.command.id, ended.command.id, answer, ended.sealed);
 }
 
-void Engine::respond(std::string_view id, const Answer& answer, bool sealed) {
-    const Bytes packet = response_packet(id, answer);
-    lastResponse_ = encode({.encrypted = sealed, .data = sealed ? channel_.seal(packet) : packet});
-    lastWords_ = sealed ? enciphered(response_words(packet)) : response_words(packet);
+void Engine::respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed) {
+    lastResponse_ = Message{.command = std::string(command), .packet = response_packet(as, answer), .sealed = sealed};
     resends_ = 0;
-    transmit(lastResponse_, lastWords_);
+    transmitter_.send(*lastResponse_, channel_);
 }
 
-void Engine::send_byte(uint8_t byte) {
-    const uint8_t wire[]{byte};
-    transmit(wire, control_words(byte));
-}
-
-// Recorded first: whoever has read the answer can rely on finding it in the journal.
-void Engine::transmit(ByteView wire, std::string words) {
-    journal_.record(Traffic{Sender::pinPad, Bytes(wire.begin(), wire.end()), std::move(words)});
-    send_(wire);
+void Engine::restart() {
+    if (pending_) stop_waiting();
+    decoder_ = {};
+    lastResponse_.reset();
+    end_session();
 }
 
 void Engine::find(Finding::Kind kind, std::string text) { journal_.record(Finding{kind, std::move(text)}); }

@@ -15,9 +15,11 @@
 #include "simulator/device.h"
 #include "simulator/frame.h"
 #include "simulator/journal.h"
+#include "simulator/message.h"
 #include "simulator/screen.h"
 #include "simulator/secure_channel.h"
 #include "simulator/status.h"
+#include "simulator/transmitter.h"
 
 namespace quorvel::sim {
 
@@ -25,7 +27,6 @@ namespace quorvel::sim {
 class Engine {
 public:
     using Clock = std::chrono::steady_clock;
-    using Send = std::function<void(ByteView)>;
 
     struct Options {
         Device device;
@@ -37,7 +38,7 @@ public:
         std::chrono::seconds patience{120};
     };
 
-    Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Send send);
+    Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Transmitter& transmitter);
 
     void receive(ByteView bytes);
 
@@ -49,6 +50,9 @@ public:
     void poll(Clock::time_point now);
     // When to call poll() at the latest.
     [[nodiscard]] std::optional<Clock::time_point> deadline() const;
+
+    // Forgets all but the device, as it does without power.
+    void restart();
 
     [[nodiscard]] const Device& device() const noexcept { return device_; }
 
@@ -79,7 +83,7 @@ private:
 
     [[nodiscard]] Request open(const Reception& reception) const;
     void obey(const Request& request);
-    void refuse(Finding finding, Status status, bool sealed);
+    void refuse(Finding finding, Status status, const Request& request);
     void end_session();
 
     void wait(const Command& command, Wait wait, bool sealed, Screen::Content before);
@@ -88,9 +92,8 @@ private:
     Pending stop_waiting();
     void finish(const Answer& answer);
 
-    void respond(std::string_view id, const Answer& answer, bool sealed);
-    void send_byte(uint8_t byte);
-    void transmit(ByteView wire, std::string words);
+    // `as` stands in the response where the command's id does otherwise.
+    void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed);
     void find(Finding::Kind kind, std::string text);
 
     Device device_;
@@ -99,13 +102,12 @@ private:
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;
-    const Send send_;
+    Transmitter& transmitter_;
     const std::function<void(std::string_view)> notify_;
     SecureChannel channel_;
     FrameDecoder decoder_;
     std::optional<Pending> pending_;
-    Bytes lastResponse_;
-    std::string lastWords_;
+    std::optional<Message> lastResponse_;
     int resends_ = 0;
 };
 

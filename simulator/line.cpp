@@ -49,16 +49,21 @@ Descriptor::Descriptor(int descriptor, const char* call) : descriptor_(descripto
 
 Descriptor::~Descriptor() { ::close(descriptor_); }
 
-Line::Line()
-    : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
-      path_(slave_path(master_.get())),
-      slave_(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open"),
-      wakeUp_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "eventfd") {
-    make_raw(slave_.get());
+Line::Terminal::Terminal()
+    : master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
+      path(slave_path(master.get())),
+      slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
+    make_raw(slave.get());
 }
 
-Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit) {
-    std::array<pollfd, 2> polled{pollfd{master_.get(), POLLIN, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
+Line::Line() : wakeUp_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "eventfd") { open(); }
+
+void Line::open() { terminal_.emplace(); }
+
+Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool wanted) {
+    // poll() passes over descriptors below 0.
+    const int master = wanted && terminal_ ? terminal_->master.get() : -1;
+    std::array<pollfd, 2> polled{pollfd{master, POLLIN, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
     const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
     if (ready < 0 && errno != EINTR) fail("poll");
     if (ready == 0) return Event::timedOut;
@@ -72,7 +77,7 @@ Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit) {
 
 Bytes Line::read() {
     Bytes bytes(4096);
-    const ssize_t count = ::read(master_.get(), bytes.data(), bytes.size());
+    const ssize_t count = ::read(terminal_->master.get(), bytes.data(), bytes.size());
     if (count < 0 && !transient(errno)) fail("read");
     bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
     return bytes;
@@ -80,13 +85,13 @@ Bytes Line::read() {
 
 bool Line::write(ByteView bytes) {
     while (!bytes.empty()) {
-        const ssize_t count = ::write(master_.get(), bytes.data(), bytes.size());
+        const ssize_t count = ::write(terminal_->master.get(), bytes.data(), bytes.size());
         if (count >= 0) {
             bytes = bytes.subspan(static_cast<size_t>(count));
         } else if (!transient(errno)) {
             fail("write");
         } else if (!await_room()) {
-            ::tcflush(slave_.get(), TCIFLUSH);
+            ::tcflush(terminal_->slave.get(), TCIFLUSH);
             return false;
         }
     }
@@ -103,7 +108,7 @@ void Line::wake() const noexcept {
 
 // Someone who wants to stop the PIN pad is not made to wait for a client that does not read.
 bool Line::await_room() const {
-    std::array<pollfd, 2> polled{pollfd{master_.get(), POLLOUT, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
+    std::array<pollfd, 2> polled{pollfd{terminal_->master.get(), POLLOUT, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
     const int ready = ::poll(polled.data(), polled.size(), patienceMs);
     if (ready < 0) return errno == EINTR;
     return ready > 0 && polled[1].revents == 0;

@@ -27,7 +27,7 @@ private:
 };
 
 // The PIN pad's end of a serial line: a pseudo-terminal whose other end programs open as they would a serial port.
-// Clients may come and go.
+// Clients may come and go, and so may the line, as one does that is unplugged.
 class Line {
 public:
     enum class Event { readable, woken, timedOut };
@@ -36,15 +36,22 @@ public:
     Line();
 
     // The device to open, for instance /dev/pts/7.
-    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+    [[nodiscard]] const std::string& path() const noexcept { return terminal_->path; }
 
-    // Waits for bytes or for wake(), at most `limit`.
-    [[nodiscard]] Event wait(std::optional<std::chrono::milliseconds> limit);
+    // Everyone who has the device open loses it, and it is there no more.
+    void hang_up() noexcept { terminal_.reset(); }
+    // There is a device again, as a rule another one. Throws std::system_error.
+    void open();
+    [[nodiscard]] bool is_open() const noexcept { return terminal_.has_value(); }
+
+    // Waits for bytes, if any are wanted, or for wake(), at most `limit`.
+    [[nodiscard]] Event wait(std::optional<std::chrono::milliseconds> limit, bool wanted);
 
     // What has come, possibly nothing.
     [[nodiscard]] Bytes read();
 
-    // What nobody takes is lost, as on a line with nobody at its other end. Returns false then.
+    // What nobody takes is lost, as on a line with nobody at its other end. Returns false then. Not while the line is
+    // gone, like read().
     bool write(ByteView bytes);
 
     // Ends the current wait(), or the next one. Safe from other threads and in signal handlers.
@@ -53,10 +60,16 @@ public:
 private:
     [[nodiscard]] bool await_room() const;
 
-    Descriptor master_;
-    std::string path_;
-    // Held open, so that the line neither hangs up nor forgets its settings when a client closes it.
-    Descriptor slave_;
+    struct Terminal {
+        Terminal();
+
+        Descriptor master;
+        std::string path;
+        // Held open, so that the line neither hangs up nor forgets its settings when a client closes it.
+        Descriptor slave;
+    };
+
+    std::optional<Terminal> terminal_;
     Descriptor wakeUp_;
 };
 

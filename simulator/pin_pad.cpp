@@ -9,44 +9,111 @@
 
 namespace quorvel::sim {
 
+namespace {
+
+// What has come and is not yet heard; more stays where it is, so that whoever sends without end has to wait.
+constexpr size_t maxHeard = 4096;
+constexpr unsigned bitsPerByte = 10;
+
+std::chrono::nanoseconds byte_time(unsigned speed) {
+    return speed == 0 ? std::chrono::nanoseconds::zero()
+                      : std::chrono::nanoseconds(std::chrono::seconds(bitsPerByte)) / speed;
+}
+
+}  // namespace
+
 static_assert(std::atomic<bool>::is_always_lock_free, "request_stop() is called in signal handlers");
 
 PinPad::PinPad(Options options)
     : journal_(std::move(options.listeners)),
+      faults_(options.seed),
+      transmitter_(byte_time(options.speed), faults_, journal_,
+                   {.write = [this](ByteView bytes) { send(bytes); },
+                    .hangUp = [this](std::chrono::milliseconds time) { hang_up(time); }}),
       engine_({.device = std::move(options.device),
                .sessionKey = options.sessionKey,
                .second = options.second,
                .patience = options.patience},
-              journal_, screen_, cardholder_, [this](ByteView bytes) { send(bytes); }),
-      frameTimeout_(options.frameTimeout) {}
+              journal_, screen_, cardholder_, transmitter_),
+      heard_(byte_time(options.speed)),
+      frameTimeout_(options.frameTimeout),
+      returned_(std::move(options.returned)),
+      path_(line_.path()) {
+    for (const Fault& fault : options.faults) inject(fault);
+}
 
 PinPad::~PinPad() { stop(); }
 
 void PinPad::run() {
     while (!stopping_) {
-        switch (line_.wait(patience())) {
-            case Line::Event::readable:
-                // What was done before the host spoke is not for the command that comes.
-                engine_.poll(Engine::Clock::now());
-                engine_.receive(line_.read());
-                break;
-            case Line::Event::timedOut:
-                if (engine_.in_frame()) engine_.give_up();
-                break;
-            case Line::Event::woken:
-                break;
-        }
-        engine_.poll(Engine::Clock::now());
+        const bool room = heard_.size() < maxHeard;
+        if (line_.wait(patience(), room) == Line::Event::readable) heard_.push(line_.read(), {}, Clock::now());
+        // What was done before the host spoke is not for the command that comes.
+        engine_.poll(Clock::now());
+        hear();
+        engine_.poll(Clock::now());
+        transmitter_.flush();
+        come_and_go();
     }
 }
 
-// A frame that has begun comes first: a command that waits notices a little later that its time is over.
+void PinPad::hear() {
+    const auto now = Clock::now();
+    if (const Bytes bytes = heard_.take(now); !bytes.empty()) {
+        lastHeard_ = now;
+        engine_.receive(bytes);
+    } else if (engine_.in_frame() && now >= lastHeard_ + frameTimeout_) {
+        engine_.give_up();
+    }
+}
+
 std::optional<std::chrono::milliseconds> PinPad::patience() const {
-    if (engine_.in_frame()) return frameTimeout_;
-    const auto deadline = engine_.deadline();
-    if (!deadline) return std::nullopt;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Engine::Clock::now());
-    return std::max(left, std::chrono::milliseconds::zero());
+    const auto at = next();
+    if (!at) return std::nullopt;
+    return std::max(std::chrono::ceil<std::chrono::milliseconds>(*at - Clock::now()),
+                    std::chrono::milliseconds::zero());
+}
+
+// When there is something to do though nothing happens. A frame that has begun comes first: a command that waits
+// notices a little later that its time is over.
+std::optional<PinPad::Clock::time_point> PinPad::next() const {
+    std::optional<Clock::time_point> next = engine_.in_frame() ? lastHeard_ + frameTimeout_ : engine_.deadline();
+    const auto consider = [&next](std::optional<Clock::time_point> other) {
+        if (other && (!next || *other < *next)) next = other;
+    };
+    consider(heard_.due());
+    consider(transmitter_.due());
+    if (!line_.is_open()) consider(returns_);
+    return next;
+}
+
+void PinPad::come_and_go() {
+    std::unique_lock lock(mutex_);
+    if (const auto absence = std::exchange(absence_, std::nullopt)) {
+        transmitter_.abandon();
+        heard_.clear();
+        engine_.restart();
+        line_.hang_up();
+        returns_ = Clock::now() + *absence;
+    }
+    if (line_.is_open() || Clock::now() < returns_) return;
+    line_.open();
+    const std::string path = path_ = line_.path();
+    lock.unlock();
+    if (returned_) returned_(path);
+}
+
+void PinPad::hang_up(std::chrono::milliseconds time) {
+    {
+        const std::lock_guard lock(mutex_);
+        absence_ = time;
+    }
+    line_.wake();
+}
+
+std::string PinPad::path() const {
+    const std::lock_guard lock(mutex_);
+    return path_;
 }
 
 void PinPad::act(const Gestures& gestures) {
@@ -73,7 +140,7 @@ void PinPad::stop() {
 }
 
 void PinPad::send(ByteView bytes) {
-    if (line_.write(bytes) || stopping_) return;
+    if (!line_.is_open() || line_.write(bytes) || stopping_) return;
     journal_.record(Finding{Finding::Kind::sequence, "nobody reads the line: bytes were lost"});
 }
 

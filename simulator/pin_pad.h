@@ -5,6 +5,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -13,11 +16,14 @@
 #include "simulator/cardholder.h"
 #include "simulator/device.h"
 #include "simulator/engine.h"
+#include "simulator/faults/fault_plan.h"
 #include "simulator/finding.h"
 #include "simulator/journal.h"
 #include "simulator/line.h"
+#include "simulator/paced_bytes.h"
 #include "simulator/screen.h"
 #include "simulator/trace.h"
+#include "simulator/transmitter.h"
 
 namespace quorvel::sim {
 
@@ -42,6 +48,13 @@ public:
         std::chrono::milliseconds second{1000};
         // How long a command waits that says nothing about it, in such seconds.
         std::chrono::seconds patience{120};
+        // Bits per second of the line, ten to a byte; 0 for one that takes no time.
+        unsigned speed = 0;
+        // What is to go wrong from the start, and the seed for what goes wrong by chance.
+        std::vector<Fault> faults = {};
+        uint32_t seed = 1;
+        // Called with the new path() when the line is back, on the PIN pad's thread.
+        std::function<void(const std::string&)> returned = {};
     };
 
     // Throws std::system_error when no pseudo-terminal can be had.
@@ -51,7 +64,8 @@ public:
     PinPad(const PinPad&) = delete;
     PinPad& operator=(const PinPad&) = delete;
 
-    [[nodiscard]] const std::string& path() const noexcept { return line_.path(); }
+    // Another one each time that the line has been gone; while it is, still the last one.
+    [[nodiscard]] std::string path() const;
 
     // Plays the PIN pad on this thread until request_stop(). Throws std::system_error when the line fails.
     void run();
@@ -73,6 +87,13 @@ public:
     void remove() { act(Gestures().remove()); }
     void tap(Card card) { act(Gestures().tap(std::move(card))); }
 
+    // What is to go wrong. Throws std::invalid_argument for a fault that cannot be.
+    void inject(const Fault& fault) { faults_.add(fault); }
+    void clear_faults() { faults_.clear(); }
+    [[nodiscard]] std::vector<Fault> faults() const { return faults_.faults(); }
+    // Unplugs the PIN pad for so long. It forgets its session and what it was doing, and returns with another path().
+    void hang_up(std::chrono::milliseconds time);
+
     [[nodiscard]] Screen::Content screen() const { return screen_.content(); }
 
     // What the commands have made of it. Only while nobody plays the PIN pad.
@@ -83,15 +104,32 @@ public:
     [[nodiscard]] std::vector<Traffic> traffic() const { return journal_.traffic(); }
 
 private:
+    using Clock = Engine::Clock;
+
     [[nodiscard]] std::optional<std::chrono::milliseconds> patience() const;
+    [[nodiscard]] std::optional<Clock::time_point> next() const;
+    void hear();
     void send(ByteView bytes);
+    void come_and_go();
 
     Journal journal_;
+    FaultPlan faults_;
     Line line_;
     Screen screen_;
     Cardholder cardholder_;
+    Transmitter transmitter_;
     Engine engine_;
+    PacedBytes heard_;
     const std::chrono::milliseconds frameTimeout_;
+    Clock::time_point lastHeard_{};
+    // While the line is gone.
+    Clock::time_point returns_{};
+    const std::function<void(const std::string&)> returned_;
+
+    mutable std::mutex mutex_;
+    std::string path_;
+    std::optional<std::chrono::milliseconds> absence_;
+
     std::atomic<bool> stopping_{false};
     std::thread thread_;
 };

@@ -50,35 +50,32 @@ std::string fields_words(ByteView blocks) {
     return text;
 }
 
-bool is_withheld(const Command* command) {
+bool keeps_private(const Command* command) {
     return command != nullptr && command->privacy == Command::Privacy::withheld;
 }
 
 // The trace shows what came, whether or not it makes sense.
 std::string blocks_words(const Command* command, ByteView blocks) {
     if (blocks.empty()) return "";
-    if (is_withheld(command)) return fmt::format(": {} bytes withheld", blocks.size());
+    if (keeps_private(command)) return fmt::format(": {} bytes withheld", blocks.size());
     try {
         const bool params = command != nullptr && command->form == Command::Form::params;
         return params ? params_words(blocks) : fields_words(blocks);
     } catch (const LayoutError&) { return ": " + value_words(blocks); }
 }
 
-// Of a plain frame; enciphered ones keep their secrets by themselves.
-const Command* command_in(ByteView wire) {
-    if (wire.size() <= idWidth || wire.front() != control::syn) return nullptr;
-    const ByteView id = wire.subspan(1, idWidth);
-    return find_command(std::string(id.begin(), id.end()));
-}
-
-std::string wire_words(const Traffic& traffic) {
-    if (!is_withheld(command_in(traffic.wire))) return hex(traffic.wire, " ");
-    const size_t open = 1 + idWidth + (traffic.sender == Sender::pinPad ? statusWidth : 0);
-    const ByteView shown = ByteView(traffic.wire).first(std::min(open, traffic.wire.size()));
-    return fmt::format("{} ... ({} bytes)", hex(shown, " "), traffic.wire.size());
+// Plain frames only; enciphered ones keep their secrets by themselves.
+bool keeps_private(const Traffic& traffic) {
+    const ByteView wire = traffic.wire;
+    return traffic.withheld || (!wire.empty() && wire.front() == control::syn && is_withheld(wire.subspan(1)));
 }
 
 }  // namespace
+
+bool is_withheld(ByteView packet) {
+    const ByteView id = packet.first(std::min(packet.size(), idWidth));
+    return keeps_private(find_command(std::string(id.begin(), id.end())));
+}
 
 std::string request_words(ByteView packet) {
     const ByteView head = packet.first(std::min(packet.size(), idWidth));
@@ -127,8 +124,17 @@ std::string reception_words(const Reception& reception) {
     return frame.encrypted ? fmt::format("encrypted frame, {} bytes", frame.data.size()) : request_words(frame.data);
 }
 
+std::string enciphered_words(std::string_view words) { return fmt::format("enciphered {}", words); }
+
+std::string wire_text(const Traffic& traffic) {
+    if (!keeps_private(traffic)) return hex(traffic.wire, " ");
+    const size_t open = 1 + idWidth + (traffic.sender == Sender::pinPad ? statusWidth : 0);
+    const ByteView shown = ByteView(traffic.wire).first(std::min(open, traffic.wire.size()));
+    return fmt::format("{} ... ({} bytes)", hex(shown, " "), traffic.wire.size());
+}
+
 std::string to_text(const Traffic& traffic) {
-    return fmt::format("{} {}\n  {}\n", traffic.sender == Sender::host ? ">" : "<", wire_words(traffic), traffic.words);
+    return fmt::format("{} {}\n  {}\n", traffic.sender == Sender::host ? ">" : "<", wire_text(traffic), traffic.words);
 }
 
 }  // namespace quorvel::sim

@@ -4,6 +4,7 @@
 #define QUORVEL_SIMULATOR_TRACE_H
 
 #include <string>
+#include <string_view>
 
 #include "simulator/bytes.h"
 #include "simulator/frame.h"
@@ -17,6 +18,8 @@ struct Traffic {
     Sender sender = Sender::host;
     Bytes wire;
     std::string words;
+    // Set for bytes in which the command whose privacy is to be kept cannot be recognised any more.
+    bool withheld = false;
 };
 
 // "GIX device information: SPE_IDLIST=80018003", "GIN 000 OK: \"QUORVEL ...\"".
@@ -24,9 +27,15 @@ struct Traffic {
 [[nodiscard]] std::string response_words(ByteView packet);
 [[nodiscard]] std::string control_words(uint8_t byte);
 [[nodiscard]] std::string reception_words(const Reception& reception);
+// The words for what crossed the line enciphered.
+[[nodiscard]] std::string enciphered_words(std::string_view words);
 
-// Two lines: the bytes in hexadecimal behind an arrow that tells the sender, and the words. Both leave out what
-// commands carry whose privacy is to be kept.
+// Whether a packet belongs to a command whose privacy is to be kept.
+[[nodiscard]] bool is_withheld(ByteView packet);
+
+// The bytes in hexadecimal. Like the words, they leave out what commands carry whose privacy is to be kept.
+[[nodiscard]] std::string wire_text(const Traffic& traffic);
+// Two lines: the bytes behind an arrow that tells the sender, and the words.
 [[nodiscard]] std::string to_text(const Traffic& traffic);
 
 }  // namespace quorvel::sim

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <type_traits>
+#include <utility>
 
 #include "quorvel/quorvel.h"
 #include "simulator/pin_pad.h"
@@ -14,7 +15,8 @@
 // The library and a virtual PIN pad at the other end of its link.
 class EndToEnd : public testing::Test {
 protected:
-    EndToEnd() {
+    EndToEnd() : EndToEnd(quorvel::sim::PinPad::Options{}) {}
+    explicit EndToEnd(quorvel::sim::PinPad::Options options) : pinPad_(std::move(options)) {
         pinPad_.start();
         EXPECT_NO_RAISE(link_ = abecs_comm_open(pinPad_.path().c_str()));
     }

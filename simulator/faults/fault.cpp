@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/faults/fault.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <stdexcept>
+
+#include "simulator/command.h"
+#include "simulator/frame.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr size_t idWidth = 3;
+// RSP_ID and RSP_STAT, and RSP_LEN1 behind them.
+constexpr size_t headWidth = 6;
+constexpr size_t dataStart = headWidth + 3;
+constexpr int highestStatus = 999;
+
+void take_another_id(Bytes& packet, int) { std::fill_n(packet.begin(), idWidth, uint8_t{'X'}); }
+
+// Only status OK has data behind it.
+void take_status(Bytes& packet, int status) {
+    packet.resize(idWidth);
+    append(packet, to_bytes(fmt::format("{:03}", status)));
+}
+
+// The first parameter, or in a command of fields the block, says that it is longer than all that comes.
+void claim_too_much(Bytes& packet, int) {
+    const Command* command = find_command(std::string(packet.begin(), packet.begin() + idWidth));
+    const bool params = command != nullptr && command->form == Command::Form::params;
+    if (params && packet.size() >= dataStart + paramHead) {
+        std::fill_n(packet.begin() + dataStart + 2, 2, uint8_t{0xFF});
+    } else {
+        std::fill_n(packet.begin() + headWidth, 3, uint8_t{'9'});
+    }
+}
+
+// In the cryptogram's first block, where the length and the checksum of the content stand.
+void damage(Bytes& content) { content.front() ^= 0x01; }
+
+void vanish(Bytes& wire) { wire.clear(); }
+void refuse(Bytes& wire) { wire = {control::nak}; }
+void spoil_crc(Bytes& wire) { wire.back() ^= 0x01; }
+void break_off(Bytes& wire) { wire.resize(wire.size() / 2); }
+void precede_with_garbage(Bytes& wire) {
+    static constexpr std::array<uint8_t, 3> garbage{0x55, 0xAA, 0x55};
+    wire.insert(wire.begin(), garbage.begin(), garbage.end());
+}
+
+using Pace = PacedBytes::Pace;
+using std::chrono::milliseconds;
+using Detail = FaultKind::Detail;
+using Target = FaultKind::Target;
+
+constexpr std::array kinds{
+    FaultKind{.name = "no-answer", .wire = vanish},
+    FaultKind{
+        .name = "delay", .detail = Detail::time, .pace = [](Pace& pace, milliseconds time) { pace.before = time; }},
+    FaultKind{.name = "slow-bytes",
+              .detail = Detail::time,
+              .pace = [](Pace& pace, milliseconds time) { pace.between = time; }},
+    FaultKind{.name = "split", .detail = Detail::time, .pace = [](Pace& pace, milliseconds time) { pace.amid = time; }},
+    FaultKind{.name = "garbage", .wire = precede_with_garbage},
+    FaultKind{.name = "bad-crc", .wire = spoil_crc},
+    FaultKind{.name = "truncated", .wire = break_off},
+    FaultKind{.name = "wrong-id", .packet = take_another_id},
+    FaultKind{.name = "status", .detail = Detail::status, .packet = take_status},
+    FaultKind{.name = "too-long", .target = Target::data, .packet = claim_too_much},
+    FaultKind{.name = "bad-cryptogram", .target = Target::sealed, .content = damage},
+    FaultKind{.name = "nak", .target = Target::acknowledgement, .wire = refuse},
+    FaultKind{.name = "lost-ack", .target = Target::acknowledgement, .wire = vanish},
+    FaultKind{.name = "hang-up", .detail = Detail::time, .wire = vanish, .hangsUp = true},
+};
+
+void require(bool holds, std::string_view what) {
+    if (!holds) throw std::invalid_argument(std::string(what));
+}
+
+}  // namespace
+
+std::span<const FaultKind> fault_kinds() noexcept { return kinds; }
+
+const FaultKind* find_fault_kind(std::string_view name) noexcept {
+    const auto* found = std::ranges::find(kinds, name, &FaultKind::name);
+    return found != kinds.end() ? found : nullptr;
+}
+
+void check(const Fault& fault) {
+    const FaultKind* kind = find_fault_kind(fault.kind);
+    require(kind != nullptr, fmt::format("there is no fault \"{}\"", fault.kind));
+    require(fault.command.empty() || fault.command.size() == idWidth, "a command's id has three characters");
+    const bool timed = kind->detail == Detail::time;
+    require(timed ? fault.time > milliseconds::zero() : fault.time == milliseconds::zero(),
+            fmt::format("\"{}\" {}", fault.kind, timed ? "needs a time" : "takes no time"));
+    require(fault.status >= 0 && fault.status <= highestStatus, "a status is from 0 to 999");
+    require(fault.status == 0 || kind->detail == Detail::status, fmt::format("\"{}\" takes no status", fault.kind));
+    require(fault.every > 0, "every 0th occasion is none");
+    require(fault.chance > 0 && fault.chance <= 1, "a chance is above 0 and at most 1");
+    require(fault.times != 0U, "0 times is never");
+}
+
+bool concerns(const FaultKind& kind, const Message& message) noexcept {
+    const bool response = message.kind == Message::Kind::response;
+    switch (kind.target) {
+        case Target::acknowledgement:
+            return !response;
+        case Target::response:
+            return response;
+        case Target::data:
+            return response && message.packet.size() >= dataStart;
+        case Target::sealed:
+            return response && message.sealed;
+    }
+    return false;
+}
+
+}  // namespace quorvel::sim

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_TRANSMITTER_H
+#define QUORVEL_SIMULATOR_TRANSMITTER_H
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "simulator/bytes.h"
+#include "simulator/faults/fault_plan.h"
+#include "simulator/journal.h"
+#include "simulator/message.h"
+#include "simulator/paced_bytes.h"
+#include "simulator/secure_channel.h"
+
+namespace quorvel::sim {
+
+// Makes of what the engine wants to say the bytes that go out, in their time: this is where faults strike.
+class Transmitter {
+public:
+    using Clock = PacedBytes::Clock;
+
+    struct Line {
+        std::function<void(ByteView)> write;
+        // The line is to be gone for this long.
+        std::function<void(std::chrono::milliseconds)> hangUp;
+    };
+
+    Transmitter(std::chrono::nanoseconds perByte, FaultPlan& faults, Journal& journal, Line line);
+
+    // One that belongs to no command.
+    void send_byte(uint8_t byte);
+    // False when the host heard a refusal instead, and will repeat the command.
+    [[nodiscard]] bool acknowledge(std::string_view command);
+    void send(const Message& message, const SecureChannel& channel);
+
+    // What has not gone out never will.
+    void abandon();
+    // Writes what is due.
+    void flush();
+    // When to call flush() at the latest.
+    [[nodiscard]] std::optional<Clock::time_point> due() const { return bytes_.due(); }
+
+private:
+    void put(Bytes wire, std::string words, const std::optional<Fault>& fault = {}, bool withheld = false);
+
+    FaultPlan& faults_;
+    Journal& journal_;
+    const Line line_;
+    PacedBytes bytes_;
+};
+
+}  // namespace quorvel::sim
+
+#endif

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/e2e/fixture.h"
+#include "tests/support/elapsed.h"
+
+namespace {
+
+using namespace quorvel::sim;
+using namespace std::chrono_literals;
+
+// What an application sees of a line, or a PIN pad, that does not do as it should.
+class Faults : public EndToEnd {
+protected:
+    using EndToEnd::EndToEnd;
+
+    // A command that must succeed, whatever went wrong before it.
+    void expect_answer() {
+        AbecsCmdGinOut out{};
+        EXPECT_EQ(call(abecs_cmd_gin, 3, &out), ABECS_RSP_STAT_ST_OK);
+        EXPECT_STREQ(out.idx03.text1, "APP003");
+    }
+
+    void expect_error(const Fault& fault, int16_t code, const char* detail) {
+        SCOPED_TRACE(fault.kind);
+        pinPad_.inject(fault);
+        AbecsCmdGinOut out{};
+        EXPECT_RAISES(code, detail, abecs_cmd_gin(link_, 3, &out));
+        EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+        expect_answer();
+    }
+
+    // Sends GKY, and presses a key once the PIN pad waits for one.
+    void press_under(const Fault& fault) {
+        pinPad_.inject(fault);
+        pinPad_.when("GKY", Gestures().press(Key::f1));
+        EXPECT_NO_RAISE(abecs_cmd_gky(link_));
+    }
+
+    int32_t poll() { return call(abecs_cmd_gky_response, nullptr); }
+};
+
+TEST_F(Faults, OfOneCommandAreErrorsThatCanHeals) {
+    expect_error({.kind = "garbage"}, KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x55)");
+    expect_error({.kind = "lost-ack"}, KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x16)");
+    expect_error({.kind = "nak", .times = 3}, KOR_RESULT_PROTOCOL_ERROR, "Packet was rejected");
+    expect_error({.kind = "wrong-id"}, KOR_RESULT_PROTOCOL_ERROR, "(GIN) Invalid RSP_ID: XXX)");
+    retire();
+}
+
+TEST_F(Faults, OfThreeFramesInARowAreNoResponse) {
+    expect_error({.kind = "bad-crc", .times = 3}, KOR_RESULT_TIMEOUT_ERROR, "No response in 3 attempts");
+    retire();
+}
+
+TEST_F(Faults, OfAFrameAreMadeUpForByItsRepetition) {
+    for (const Fault& fault :
+         {Fault{.kind = "bad-crc", .times = 2}, Fault{.kind = "truncated"}, Fault{.kind = "nak", .times = 2}}) {
+        SCOPED_TRACE(fault.kind);
+        pinPad_.inject(fault);
+        expect_answer();
+    }
+    retire();
+}
+
+TEST_F(Faults, OfPaceAreBorne) {
+    for (const Fault& fault : {Fault{.kind = "delay", .time = 300ms}, Fault{.kind = "slow-bytes", .time = 5ms},
+                               Fault{.kind = "split", .time = 300ms}}) {
+        SCOPED_TRACE(fault.kind);
+        pinPad_.inject(fault);
+        const support::Elapsed elapsed;
+        expect_answer();
+        EXPECT_TRUE(elapsed.between(250ms, 5s));
+    }
+    retire();
+}
+
+TEST_F(Faults, OfWhatTheResponseSaysReachTheCaller) {
+    AbecsCmdGinOut out{};
+    pinPad_.inject({.kind = "status", .status = ABECS_RSP_STAT_ST_INTERR});
+    EXPECT_EQ(call(abecs_cmd_gin, 3, &out), ABECS_RSP_STAT_ST_INTERR);
+    pinPad_.inject({.kind = "too-long"});
+    AbecsRspParamMap* items = abecs_rsp_param_map_new();
+    const int32_t id = ABECS_CMD_GIX_ID_PP_SERNUM;
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 65535, available: 10)",
+                  abecs_cmd_gix(link_, &id, 1, items));
+    EXPECT_EQ(call(abecs_cmd_gix, &id, 1, items), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(kor_map_size(items), 1U);
+    kor_map_delete(&items);
+    retire();
+}
+
+TEST_F(Faults, OfABlockingCommandLeaveItPending) {
+    press_under({.kind = "delay", .time = 2500ms});
+    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_PROCESSING);
+    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_F1);
+    press_under({.kind = "no-answer"});
+    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_PROCESSING);
+    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    expect_answer();
+    retire();
+}
+
+class Unplugged : public Faults {
+protected:
+    Unplugged() : Unplugged(std::make_shared<std::promise<std::string>>()) {}
+
+    std::future<std::string> returned_;
+
+private:
+    explicit Unplugged(const std::shared_ptr<std::promise<std::string>>& path)
+        : Faults(PinPad::Options{.returned = [path](const std::string& to) { path->set_value(to); }}),
+          returned_(path->get_future()) {}
+};
+
+TEST_F(Unplugged, IsAnErrorUntilTheLinkIsOpenedAgain) {
+    EXPECT_NO_RAISE(abecs_cmd_gky(link_));
+    pinPad_.inject({.kind = "hang-up", .time = 1ms});
+    pinPad_.press(Key::f1);
+    const std::string path = returned_.get();
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", abecs_cmd_gky_response(link_, nullptr));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", abecs_comm_send_can(link_));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link_));
+    EXPECT_NO_RAISE(link_ = abecs_comm_open(path.c_str()));
+    expect_answer();
+    retire();
+}
+
+SessionKey counting_key() {
+    SessionKey key{};
+    for (size_t i = 0; i < key.size(); ++i) key.at(i) = static_cast<uint8_t>(i);
+    return key;
+}
+
+// The key decides what the damage makes of the content.
+class SessionFaults : public Faults {
+protected:
+    SessionFaults() : Faults(PinPad::Options{.sessionKey = counting_key()}) {}
+};
+
+TEST_F(SessionFaults, OfACryptogramAreAMalformedResponse) {
+    EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK);
+    expect_error({.kind = "bad-cryptogram"}, KOR_RESULT_PROTOCOL_ERROR,
+                 "Malformed encrypted response (caused by Encrypted packet is not complete)");
+    retire();
+}
+
+class Paced : public Faults {
+protected:
+    Paced() : Faults(PinPad::Options{.speed = 19200}) {}
+};
+
+TEST_F(Paced, TakesTheTimeOfTheLine) {
+    const support::Elapsed elapsed;
+    for (int i = 0; i < 4; ++i) expect_answer();
+    EXPECT_TRUE(elapsed.between(4 * 69 * 10 * 1000ms / 19200, 5s));
+    pinPad_.when("GKY", Gestures().press(Key::f1));
+    EXPECT_NO_RAISE(abecs_cmd_gky(link_));
+    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_F1);
+    retire();
+}
+
+}  // namespace

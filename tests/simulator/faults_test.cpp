@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <future>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "simulator/faults/fault_plan.h"
+#include "tests/simulator/command_fixture.h"
+#include "tests/support/elapsed.h"
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using namespace support::literals;
+
+namespace quorvel::sim {
+
+namespace {
+
+const std::string opn = "\x16OPN\x17\xA8\xA9";
+const std::string opnDone = "\x16OPN000\x17\x77\x5E";
+
+class FaultsTest : public CommandTest {
+protected:
+    // What comes after the command in place of what is due, which the line has nothing of before or behind it.
+    void strike(const Fault& fault, const std::string& request, const std::string& due) {
+        SCOPED_TRACE(fault.kind);
+        pinPad_->inject(fault);
+        exchange(support::frame(request), due);
+        exchange(can, eot);
+        EXPECT_EQ(pinPad_->faults(), std::vector<Fault>{});
+    }
+};
+
+TEST_F(FaultsTest, StrikeWhatGoesOverTheLineOnce) {
+    play();
+    strike({.kind = "no-answer"}, "OPN", ack);
+    strike({.kind = "garbage"}, "OPN", ack + "55 AA 55"_hex + opnDone);
+    strike({.kind = "bad-crc"}, "OPN", ack + "\x16OPN000\x17\x77\x5F");
+    strike({.kind = "truncated"}, "OPN", ack + "\x16OPN0");
+    strike({.kind = "wrong-id"}, "OPN", ack + support::frame("XXX000"));
+    strike({.kind = "status", .status = 42}, "GIN00204", ack + support::frame("GIN042"));
+    strike({.kind = "status"}, "GIN00204", ack + support::frame("GIN000"));
+    strike({.kind = "nak"}, "OPN", nak);
+    strike({.kind = "lost-ack"}, "OPN", opnDone);
+    strike({.kind = "too-long"}, "GIN00204",
+           ack + support::frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
+    strike({.kind = "too-long"}, "GIX006" + "0001 0002 8001"_hex,
+           ack + support::frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
+    exchange(opn, ack + opnDone);
+    expect_findings({});
+}
+
+TEST_F(FaultsTest, LeaveTheResponseWholeForItsRepetition) {
+    play({.faults = {{.kind = "no-answer"}, {.kind = "bad-crc"}, {.kind = "split", .time = 1h}}});
+    exchange(opn, ack);
+    exchange(nak, "\x16OPN000\x17\x77\x5F");
+    exchange(nak, "\x16OPN0");
+    exchange(nak, opnDone);
+    expect_findings({});
+}
+
+TEST_F(FaultsTest, BreakTheCryptogramUnderAGoodFrame) {
+    SessionKey key{};
+    for (size_t i = 0; i < key.size(); ++i) key.at(i) = static_cast<uint8_t>(i);
+    play({.sessionKey = key, .faults = {{.kind = "bad-cryptogram"}}});
+    call("GIN00203", "GIN000042APP00301000001A00B00001.00 260101000101T03");
+    host_->send(support::frame("OPN5230256" + std::string(512, 'F') + "3010001"));
+    host_->receive(1 + 1 + 6 + 3 + 515 + 3);
+    const std::string gky = support::encrypted_frame("85F4FF83818B561EC3ED87569A03F9EB"_hex);
+    pinPad_->when("GKY", Gestures().press(Key::f1));
+    exchange(gky, ack + support::encrypted_frame("DCEB3B9C6650FC6FEAA5009894571462"_hex));
+    exchange(nak, support::encrypted_frame("DDEB3B9C6650FC6FEAA5009894571462"_hex));
+    expect_findings({});
+}
+
+TEST_F(FaultsTest, StretchTheResponse) {
+    play();
+    const std::vector<std::pair<Fault, std::chrono::milliseconds>> cases{{{.kind = "delay", .time = 40ms}, 40ms},
+                                                                         {{.kind = "slow-bytes", .time = 5ms}, 45ms},
+                                                                         {{.kind = "split", .time = 40ms}, 40ms}};
+    for (const auto& [fault, least] : cases) {
+        SCOPED_TRACE(fault.kind);
+        pinPad_->inject(fault);
+        const support::Elapsed elapsed;
+        exchange(opn, ack + opnDone);
+        EXPECT_TRUE(elapsed.between(least, 5s));
+    }
+    expect_findings({});
+}
+
+TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
+    play({.faults = {{.kind = "nak", .command = "GKY", .times = 2},
+                     {.kind = "wrong-id", .command = "OPN", .every = 2, .times = 2},
+                     {.kind = "no-answer", .command = "NTM"}}});
+    pinPad_->when("GKY", Gestures().notify("NOT HEARD").press(Key::f1));
+    for (const char* due : {"OPN000", "XXX000", "OPN000", "XXX000", "OPN000", "OPN000"}) call("OPN", due);
+    for (int i = 0; i < 2; ++i) exchange(support::frame("GKY"), nak);
+    call("GKY", "GKY004");
+    pinPad_->inject({.kind = "wrong-id", .times = {}});
+    for (int i = 0; i < 5; ++i) call("OPN", "XXX000");
+    pinPad_->clear_faults();
+    call("OPN", "OPN000");
+    expect_findings({});
+}
+
+TEST_F(FaultsTest, HangUpAndReturnElsewhere) {
+    std::promise<std::string> returned;
+    play({.returned = [&](const std::string& path) { returned.set_value(path); }});
+    exchange(support::frame("GKY"), ack);
+    pinPad_->inject({.kind = "hang-up", .time = 1ms});
+    pinPad_->press(Key::f1);
+    EXPECT_EQ(host_->receive(1), "");
+    const std::string path = returned.get_future().get();
+    EXPECT_EQ(pinPad_->path(), path);
+    host_.emplace(path);
+    exchange(nak + can, eot);
+    exchange(opn, ack + opnDone);
+    expect_findings({{Kind::sequence, "NAK without a response before it"}});
+}
+
+TEST_F(FaultsTest, ShowInTheTraceAndKeepItsSecrets) {
+    play({.faults = {{.kind = "bad-crc", .command = "OPN"}, {.kind = "garbage", .command = "GEN"}}});
+    exchange(opn, ack + "\x16OPN000\x17\x77\x5F");
+    exchange(support::frame("GEN01302008K3000608"), ack + "55 AA 55"_hex + support::frame("GEN000006003000"));
+    pinPad_->stop();
+    EXPECT_EQ(to_text(pinPad_->traffic().at(2)), "< 16 4F 50 4E 30 30 30 17 77 5F\n  OPN 000 OK (fault: bad-crc)\n");
+    EXPECT_EQ(to_text(pinPad_->traffic().at(5)).substr(0, 27), "< 55 AA 55 16 47 45 4E ... ");
+    pinPad_.reset();
+}
+
+TEST(FaultPlan, StrikesByChanceAsItsSeedSays) {
+    const auto strikes = [](uint32_t seed) {
+        FaultPlan plan(seed);
+        plan.add({.kind = "no-answer", .chance = 0.25, .times = {}});
+        std::string drawn;
+        for (int i = 0; i < 400; ++i) drawn += plan.strike({.command = "GIN"}) ? '!' : '.';
+        return drawn;
+    };
+    const std::string drawn = strikes(1);
+    EXPECT_EQ(strikes(1), drawn);
+    EXPECT_NE(strikes(2), drawn);
+    const auto count = std::ranges::count(drawn, '!');
+    EXPECT_TRUE(count > 60 && count < 140) << count;
+}
+
+TEST(FaultPlan, TakesNoFaultThatCannotBe) {
+    const std::vector<std::pair<Fault, std::string>> cases{
+        {{.kind = "gremlin"}, "there is no fault \"gremlin\""},
+        {{.kind = "nak", .command = "GI"}, "a command's id has three characters"},
+        {{.kind = "delay"}, "\"delay\" needs a time"},
+        {{.kind = "delay", .time = -1ms}, "\"delay\" needs a time"},
+        {{.kind = "nak", .time = 1ms}, "\"nak\" takes no time"},
+        {{.kind = "status", .status = 1000}, "a status is from 0 to 999"},
+        {{.kind = "nak", .status = 1}, "\"nak\" takes no status"},
+        {{.kind = "nak", .every = 0}, "every 0th occasion is none"},
+        {{.kind = "nak", .chance = 0}, "a chance is above 0 and at most 1"},
+        {{.kind = "nak", .chance = 1.5}, "a chance is above 0 and at most 1"},
+        {{.kind = "nak", .times = 0}, "0 times is never"},
+    };
+    FaultPlan plan(1);
+    for (const auto& [fault, due] : cases) {
+        try {
+            plan.add(fault);
+            ADD_FAILURE() << due;
+        } catch (const std::invalid_argument& error) { EXPECT_EQ(error.what(), due); }
+    }
+    EXPECT_EQ(plan.faults(), std::vector<Fault>{});
+}
+
+class SpeedTest : public CommandTest {};
+
+TEST_F(SpeedTest, IsThatOfTheLineBothWays) {
+    play({.speed = 2400});
+    const std::string gin = "GIN000042APP00301000001A00B00001.00 260101000101T03";
+    const support::Elapsed elapsed;
+    const std::clock_t worked = std::clock();
+    call("GIN00203", gin);
+    const size_t bits = 10 * (8 + 4 + 1 + gin.size() + 4);
+    EXPECT_TRUE(elapsed.between(bits * 1000ms / 2400, 10s));
+    EXPECT_LT(std::clock() - worked, CLOCKS_PER_SEC / 10);
+    expect_findings({});
+}
+
+TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
+    play({.speed = 1200});
+    host_->send("\x16GIN00200\x17\xEE\xCA");
+    EXPECT_EQ(host_->receive(2), ack + "\x16");
+    host_->send(can);
+    size_t more = 0;
+    for (std::string byte = host_->receive(1); byte != eot && byte != ""; byte = host_->receive(1)) ++more;
+    EXPECT_LT(more, 80U);
+    exchange(nak + can, eot);
+    expect_findings({{Kind::sequence, "NAK without a response before it"}});
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
