@@ -30,6 +30,14 @@ protected:
         return status;
     }
 
+    // Sends a blocking command during which the cardholder does so.
+    template <typename... Parameters>
+    void begin(const char* id, const quorvel::sim::Gestures& gestures, void (*command)(AbecsComm*, Parameters...),
+               std::type_identity_t<Parameters>... arguments) {
+        pinPad_.when(id, gestures);
+        EXPECT_NO_RAISE(command(link_, arguments...));
+    }
+
     // What became of the PIN pad, which has found nothing to complain about.
     const quorvel::sim::Device& retire() {
         pinPad_.stop();

@@ -30,14 +30,6 @@ AbecsCmdGpnCmdData pin_request(AbecsCmdGpnMethod_E method, const std::string& wk
 class Interaction : public EndToEnd {
 protected:
     void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK); }
-
-    // Sends a blocking command during which the cardholder does so.
-    template <typename... Parameters>
-    void begin(const char* id, const Gestures& gestures, void (*command)(AbecsComm*, Parameters...),
-               std::type_identity_t<Parameters>... arguments) {
-        pinPad_.when(id, gestures);
-        EXPECT_NO_RAISE(command(link_, arguments...));
-    }
 };
 
 TEST_F(Interaction, IsPolledToItsEnd) {

@@ -4,13 +4,12 @@
 
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
-#include <openssl/evp.h>
 #include <set>
 #include <string>
 
 #include "tests/abecs/cmd/rsa_peer.h"
 #include "tests/crypt/wiped.h"
+#include "tests/simulator/host_key.h"
 #include "tests/support/link.h"
 #include "tests/support/refused.h"
 #include "tests/support/wire.h"
@@ -26,23 +25,6 @@ constexpr uint8_t kMasterKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0x
                                     0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10};
 
 std::string bytes_of(const uint8_t (&key)[16]) { return {key, key + sizeof key}; }
-
-// Under two-key triple DES, which is DES when both keys are the same.
-std::string decipher(const std::string& key, const std::string& blocks) {
-    const std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> context(EVP_CIPHER_CTX_new(),
-                                                                                  EVP_CIPHER_CTX_free);
-    std::string clear(blocks.size(), '\0');
-    int size = 0;
-    const auto* from = reinterpret_cast<const unsigned char*>(blocks.data());
-    EXPECT_EQ(EVP_DecryptInit_ex2(context.get(), EVP_des_ede_ecb(), reinterpret_cast<const unsigned char*>(key.data()),
-                                  nullptr, nullptr),
-              1);
-    EVP_CIPHER_CTX_set_padding(context.get(), 0);
-    EXPECT_EQ(EVP_DecryptUpdate(context.get(), reinterpret_cast<unsigned char*>(clear.data()), &size, from,
-                                static_cast<int>(blocks.size())),
-              1);
-    return clear;
-}
 
 std::string from_hex(const std::string& digits) {
     EXPECT_EQ(digits.find_first_not_of("0123456789ABCDEF"), std::string::npos);
@@ -85,7 +67,7 @@ protected:
                                                "DWK0361199");
         EXPECT_EQ(request[43], '\x17');
         const std::string half(kMasterKey, kMasterKey + 8);
-        return decipher(des ? half + half : bytes_of(kMasterKey), from_hex(request.substr(11, 32)));
+        return tdes_decipher(des ? half + half : bytes_of(kMasterKey), from_hex(request.substr(11, 32)));
     }
 
     AbecsMk master_{GetParam(), 99, {}};

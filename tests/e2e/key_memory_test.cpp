@@ -150,4 +150,27 @@ TEST_P(SessionKey, StandsNowhereInMemoryOnceTheSessionIsOver) {
 INSTANTIATE_TEST_SUITE_P(Ended, SessionKey, testing::Bool(),
                          [](const auto& test) { return test.param ? "ByClo" : "ByClosingTheLink"; });
 
+TEST(WorkingKey, StandsNowhereButOnTheLink) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "a sanitizer's own memory is too large to look through";
+#endif
+    const ForkedPinPad pinPad;
+    AbecsComm* link = nullptr;
+    EXPECT_NO_RAISE(link = abecs_comm_open(pinPad.path.c_str()));
+    ASSERT_NE(link, nullptr);
+    const AbecsMk masterKey{
+        ABECS_MK_TYPE_TDES,
+        1,
+        {0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10, 0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
+    expect_success([&] { return abecs_cmd_dwk1(link, &masterKey, nullptr, true); });
+    const MaskedKey first(link->wkPanKey.data());
+    EXPECT_EQ(first.occurrences(), 1U);
+    expect_success([&] { return abecs_cmd_dwk2(link, nullptr, true); });
+    EXPECT_EQ(first.occurrences(), 0U);
+    const MaskedKey second(link->wkPanKey.data());
+    EXPECT_EQ(second.occurrences(), 1U);
+    EXPECT_NO_RAISE(abecs_comm_close(&link));
+    EXPECT_EQ(second.occurrences(), 0U);
+}
+
 }  // namespace

@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <string>
+#include <tuple>
+
+#include "abecs/comm/comm.h"
+#include "simulator/keys/hex.h"
+#include "tests/e2e/fixture.h"
+#include "tests/simulator/host_key.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace quorvel::sim;
+using namespace support::literals;
+
+// The test keys that the PIN pad has at index 0, and the working key to use under them.
+const std::string kMasterKey = "0123456789ABCDEF FEDCBA9876543210"_hex;
+const char* const kWorkingKey = "11223344556677889900AABBCCDDEEFF";
+const std::string kDes = "1122334455667788 1122334455667788"_hex;
+const std::string kTdes = "1122334455667788 9900AABBCCDDEEFF"_hex;
+
+AbecsMk master(AbecsMkType_E type) {
+    AbecsMk mk{type, 0, {}};
+    std::copy(kMasterKey.begin(), kMasterKey.end(), mk.key);
+    return mk;
+}
+
+std::string bytes_of(const char* digits) {
+    const Bytes bytes = from_hex(digits);
+    return {bytes.begin(), bytes.end()};
+}
+
+std::string digits_of(const std::string& bytes) { return to_hex(to_bytes(bytes)); }
+
+class KeysTest : public EndToEnd {
+protected:
+    void open(bool secure) { EXPECT_EQ(call(abecs_cmd_opn, secure), ABECS_RSP_STAT_ST_OK); }
+
+    // The block that the PIN pad makes of `data`, 16 digits.
+    std::string enb(AbecsMkType_E type, const char* data) {
+        const AbecsMk mk = master(type);
+        AbecsCmdEnbCmdData request{static_cast<AbecsCmdEnbMethod_E>(type), 0, "", ""};
+        EXPECT_NO_RAISE(abecs_cmd_enb_encrypt_wk(kWorkingKey, &mk, request.wkEnc));
+        std::string(data).copy(request.data, sizeof request.data);
+        char out[17] = "";
+        EXPECT_EQ(call(abecs_cmd_enb, &request, out), ABECS_RSP_STAT_ST_OK);
+        return out;
+    }
+
+    // The clear PIN block of the PIN 12345, typed for this card number as it is sent, and the key's serial number.
+    std::pair<std::string, std::string> pin_block(const std::string& pan, const std::string& key) {
+        AbecsCmdGpnCmdData request{ABECS_CMD_GPN_METHOD_DUKPT_TDES, 0, "", "", 1, {{4, 12, "PIN"}}};
+        pan.copy(request.pan, sizeof request.pan);
+        AbecsCmdGpnRspData out{};
+        begin("GPN", Gestures().type("12345"), abecs_cmd_gpn, &request);
+        EXPECT_EQ(call(abecs_cmd_gpn_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
+        return {tdes_decipher(key, bytes_of(out.pinBlk)), out.ksn};
+    }
+
+    std::string serial_number() {
+        char ksn[21] = "";
+        EXPECT_EQ(call(abecs_cmd_gdu, ABECS_CMD_GDU_METHOD_3, 0, ksn), ABECS_RSP_STAT_ST_OK);
+        return ksn;
+    }
+};
+
+std::string session_name(bool secure) { return secure ? "Encrypted" : "Plain"; }
+
+class Keys : public KeysTest, public testing::WithParamInterface<bool> {
+protected:
+    void SetUp() override { open(GetParam()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(In, Keys, testing::Bool(), [](const auto& test) { return session_name(test.param); });
+
+TEST_P(Keys, EnbEnciphersABlockUnderTheWorkingKey) {
+    const std::pair<AbecsMkType_E, const std::string&> rows[] = {{ABECS_MK_TYPE_DES, kDes},
+                                                                 {ABECS_MK_TYPE_TDES, kTdes}};
+    for (const auto& [type, key] : rows) {
+        EXPECT_EQ(tdes_decipher(key, bytes_of(enb(type, "0123456789abcdef").c_str())), "0123456789ABCDEF"_hex);
+        // A block that begins like the filling of its field comes without what is taken for that.
+        const std::string clear = digits_of(tdes_decipher(key, "30 30 46 DF 67 41 E1 E2"_hex));
+        EXPECT_EQ(enb(type, clear.c_str()), "46DF6741E1E2");
+    }
+    retire();
+}
+
+// The keys of DUKPT are the published ones for data of the first two transactions.
+TEST_P(Keys, EbxEnciphersDataByEachMethod) {
+    const std::string data = "0011223344556677 8899AABBCCDDEEFF 0011223344556677"_hex;
+    const std::string vector = "A1B2C3D4E5F60718"_hex;
+    const struct {
+        AbecsSpeMthdDat_E method;
+        std::string workingKey;
+        std::string key;
+        bool chained;
+        const char* ksn;
+    } rows[] = {
+        {ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB, "B4CC3FD9D8D95214"_hex, kDes, false, ""},
+        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, "B4CC3FD9D8D95214"_hex, kDes, true, ""},
+        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, "3EB3B72576BBBE83 4F0B96AAA5A8B548"_hex, kTdes, false, ""},
+        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC, "3EB3B72576BBBE83 4F0B96AAA5A8B548"_hex, kTdes, true, ""},
+        {ABECS_SPE_MTHD_DAT_DUKPT_DAT1_ECB, "", "E806579543A7C401 E806579543A7C401"_hex, false, "FFFF9876543210E00001"},
+        {ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, "", "448D3F076D830403 6A55A3D7E0055A78"_hex, false, "FFFF9876543210E00001"},
+        {ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, "", "F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex, true, "FFFF9876543210E00002"},
+    };
+    const auto* from = reinterpret_cast<const uint8_t*>(data.data());
+    const auto text = [](const AbecsRspParamMap* map, uint16_t id) {
+        const AbecsRspParamValue* value = abecs_rsp_param_map_get(map, id);
+        return value != nullptr ? std::string(value->data, value->data + value->size) : "";
+    };
+    AbecsRspParamMap* answer = abecs_rsp_param_map_new();
+    for (const auto& row : rows) {
+        AbecsCmdEbxBuilder* builder = abecs_cmd_ebx_builder_new(from, data.size(), row.method, 0);
+        if (!row.workingKey.empty()) {
+            const auto* key = reinterpret_cast<const uint8_t*>(row.workingKey.data());
+            EXPECT_NO_RAISE(abecs_cmd_ebx_builder_wkenc(builder, key, row.workingKey.size()));
+        }
+        const auto* iv = reinterpret_cast<const uint8_t*>(vector.data());
+        if (row.chained) { EXPECT_NO_RAISE(abecs_cmd_ebx_builder_ivcbc(builder, iv)); }
+        EXPECT_EQ(call(abecs_cmd_ebx, builder, answer), ABECS_RSP_STAT_ST_OK);
+        abecs_cmd_ebx_builder_delete(&builder);
+        EXPECT_EQ(tdes_decipher(row.key, text(answer, ABECS_RSP_DATID_PP_DATAOUT), row.chained ? vector : ""), data)
+            << row.method;
+        EXPECT_EQ(digits_of(text(answer, ABECS_RSP_DATID_PP_KSN)), row.ksn);
+    }
+    kor_map_delete(&answer);
+    retire();
+}
+
+TEST_P(Keys, GduTellsTheSerialNumberOfTheLastPinBlock) {
+    EXPECT_EQ(serial_number(), "FFFF9876543210E00000");
+    EXPECT_EQ(pin_block("", "042666B49184CF5C 68DE9628D0397B36"_hex).second, "FFFF9876543210E00001");
+    EXPECT_EQ(serial_number(), "FFFF9876543210E00001");
+    EXPECT_EQ(pin_block("", "C46551CEF9FD244F AA9AD834130D3B38"_hex).second, "FFFF9876543210E00002");
+    EXPECT_EQ(serial_number(), "FFFF9876543210E00002");
+    retire();
+}
+
+class PanKey : public KeysTest, public testing::WithParamInterface<std::tuple<bool, AbecsWkPanType_E>> {
+protected:
+    void SetUp() override { open(secure_); }
+
+    int32_t load(AbecsWkPan* out, bool setOnLink) {
+        if (type_ == ABECS_WK_PAN_TYPE_TDES_RSA) { return call(abecs_cmd_dwk2, out, setOnLink); }
+        const AbecsMk mk = master(type_ == ABECS_WK_PAN_TYPE_DES ? ABECS_MK_TYPE_DES : ABECS_MK_TYPE_TDES);
+        return call(abecs_cmd_dwk1, &mk, out, setOnLink);
+    }
+
+    // The PIN pad has the same key: it undoes what the host does to a block and to a card number.
+    void expect_shared(const AbecsWkPan& key) {
+        EXPECT_EQ(key.type, type_);
+        char data[17] = "";
+        EXPECT_NO_RAISE(abecs_cmd_enb_encode_data("0123456789ABCDEF", &key, data));
+        EXPECT_EQ(tdes_decipher(kTdes, bytes_of(enb(ABECS_MK_TYPE_TDES, data).c_str())), "0123456789ABCDEF"_hex);
+        const std::string pan = abecs_pan_encrypt("4111111111111111", &key);
+        EXPECT_NE(pan, "4111111111111111");
+        EXPECT_EQ(pin_block(pan, "042666B49184CF5C 68DE9628D0397B36"_hex).first, "0512254EEEEEEEEE"_hex);
+    }
+
+    void expect_clear_tracks(const std::string& pan) {
+        const Card card{.pan = pan, .track1 = "B" + pan + "^DOE/JOHN^3012101", .track2 = pan + "=30121010000000000"};
+        AbecsCmdCkeOut out{};
+        begin("CKE", Gestures().swipe(card), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
+              ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
+        EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
+        EXPECT_EQ(out.track1, card.track1);
+        EXPECT_EQ(out.track2, card.track2);
+    }
+
+    void expect_marks(bool panProtected, bool panKeyInstalled) {
+        EXPECT_EQ(link_->panProtected, panProtected);
+        EXPECT_EQ(link_->panKeyInstalled, panKeyInstalled);
+    }
+
+    const bool secure_ = std::get<0>(GetParam());
+    const AbecsWkPanType_E type_ = std::get<1>(GetParam());
+};
+
+std::string pan_key_name(const testing::TestParamInfo<PanKey::ParamType>& test) {
+    const std::array types{"Des", "Tdes", "TdesOverRsa"};
+    return session_name(std::get<0>(test.param)) + types.at(static_cast<size_t>(std::get<1>(test.param)));
+}
+
+INSTANTIATE_TEST_SUITE_P(In, PanKey,
+                         testing::Combine(testing::Bool(),
+                                          testing::Values(ABECS_WK_PAN_TYPE_DES, ABECS_WK_PAN_TYPE_TDES,
+                                                          ABECS_WK_PAN_TYPE_TDES_RSA)),
+                         pan_key_name);
+
+TEST_P(PanKey, OnTheLinkServesUntilTheSessionEnds) {
+    AbecsWkPan key{};
+    EXPECT_EQ(load(&key, true), ABECS_RSP_STAT_ST_OK);
+    expect_marks(true, true);
+    EXPECT_EQ(link_->wkPanType, key.type);
+    EXPECT_TRUE(std::equal(std::begin(key.key), std::end(key.key), link_->wkPanKey.begin()));
+    expect_shared(key);
+    for (const char* pan : {"4111111111111111", "4222222222222", "6799990100000000019"}) { expect_clear_tracks(pan); }
+    AbecsWkPan next{};
+    EXPECT_EQ(load(&next, true), ABECS_RSP_STAT_ST_OK);
+    EXPECT_FALSE(std::equal(std::begin(key.key), std::end(key.key), std::begin(next.key)));
+    expect_clear_tracks("4111111111111111");
+    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
+    expect_marks(false, false);
+    expect_clear_tracks("4111111111111111");
+    EXPECT_FALSE(retire().panKey.has_value());
+}
+
+// The bytes of an encrypted session's key go with the link's own, so a new session has to follow.
+TEST_P(PanKey, OfTheApplicationAloneIsSharedToo) {
+    EXPECT_EQ(load(nullptr, true), ABECS_RSP_STAT_ST_OK);
+    AbecsWkPan key{};
+    EXPECT_EQ(load(&key, false), ABECS_RSP_STAT_ST_OK);
+    expect_marks(type_ != ABECS_WK_PAN_TYPE_TDES_RSA, false);
+    EXPECT_EQ(link_->keySet, secure_);
+    EXPECT_EQ(link_->key, decltype(link_->key){});
+    if (secure_) { open(true); }
+    expect_shared(key);
+    const Bytes used(key.key, key.key + (type_ == ABECS_WK_PAN_TYPE_DES ? 8 : 16));
+    EXPECT_EQ(retire().panKey, used);
+}
+
+}  // namespace
