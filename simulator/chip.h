@@ -39,6 +39,9 @@ struct Chip {
     // Data and status word. What is not in the script is an instruction that the chip does not have.
     [[nodiscard]] Bytes exchange(ByteView header, ByteView data);
 
+    // Counts a wrong one, and forgets the errors after the right one.
+    [[nodiscard]] bool accepts_pin(const std::string& typed);
+
     // One that lets itself be selected, read and shown the PIN 1234, with a test card number.
     [[nodiscard]] static Chip standard();
 

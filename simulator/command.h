@@ -52,6 +52,8 @@ struct Wait {
     std::function<std::optional<Answer>(const Event&)> on;
     // None stands for what the PIN pad waits by itself.
     std::optional<std::chrono::seconds> limit = {};
+    // What the host is told as the wait begins, as Call::notify does it later.
+    std::string notice = {};
 };
 
 using Outcome = std::variant<Answer, Wait>;

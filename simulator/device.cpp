@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 #include <openssl/crypto.h>
+#include <utility>
 
 namespace quorvel::sim {
 
@@ -16,6 +17,19 @@ AcquirerInfo Device::acquirer(int index) const {
 void Device::drop_pan_key() {
     if (panKey) OPENSSL_cleanse(panKey->data(), panKey->size());
     panKey.reset();
+}
+
+void Device::insert(Card card) {
+    remove_card();
+    const auto left = pinTries.find(card.pan);
+    if (card.chip && left != pinTries.end()) card.chip->pinTries = left->second;
+    chip = std::move(card);
+}
+
+void Device::remove_card() {
+    if (chip && chip->chip) pinTries[chip->pan] = chip->chip->pinTries;
+    if (transaction && transaction->interface == Transaction::Interface::chip) transaction->interrupted = true;
+    chip.reset();
 }
 
 Device Device::standard() {

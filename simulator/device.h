@@ -15,6 +15,7 @@
 #include "simulator/keys/key_store.h"
 #include "simulator/media.h"
 #include "simulator/tables.h"
+#include "simulator/transaction.h"
 
 namespace quorvel::sim {
 
@@ -79,6 +80,13 @@ struct Device {
     std::optional<Card> chip;
     // The one that was read last, by whatever command, in the chip reader or not.
     std::optional<Card> lastCard;
+    std::optional<Transaction> transaction;
+    uint64_t transactions = 0;
+    // What GCR asked for last, so that it can go on after tables were loaded.
+    std::optional<CardRequest> cardRequest;
+    ChipReading lastChipReading = ChipReading::good;
+    // What is left of each chip that has been in the reader, by card number: it stays so when the card comes again.
+    std::map<std::string, int> pinTries;
     // Security modules in the slots from 1 on.
     std::map<int, Chip> modules;
     // Card numbers and tracks leave enciphered under it: 8 bytes for DES, 16 for triple DES. A session's end drops it.
@@ -86,6 +94,10 @@ struct Device {
 
     [[nodiscard]] AcquirerInfo acquirer(int index) const;
     void drop_pan_key();
+
+    // Of the chip reader. A card takes the place of the one that is there.
+    void insert(Card card);
+    void remove_card();
 
     // One with a few keys, as it comes from the factory.
     [[nodiscard]] static Device standard();

@@ -162,12 +162,14 @@ void Engine::refuse(Finding finding, Status status, const Request& request) {
 void Engine::end_session() {
     channel_.close();
     device_.drop_pan_key();
+    device_.transaction.reset();
 }
 
 void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Content before) {
     const auto deadline = Clock::now() + wait.limit.value_or(patience_).count() * second_;
     pending_.emplace(Pending{command, std::move(wait), sealed, deadline, std::move(before)});
     cardholder_.attend(command.id);
+    if (const std::string& notice = pending_->wait.notice; !notice.empty()) notify(notice);
 }
 
 std::optional<Engine::Clock::time_point> Engine::deadline() const {
@@ -181,8 +183,8 @@ void Engine::poll(Clock::time_point now) {
 
 // A card goes in and out of the reader whether or not a command waits for it.
 void Engine::perform(const Event& event) {
-    if (const auto* inserted = std::get_if<CardInserted>(&event)) device_.chip = inserted->card;
-    if (std::holds_alternative<CardRemoved>(event)) device_.chip.reset();
+    if (const auto* inserted = std::get_if<CardInserted>(&event)) device_.insert(inserted->card);
+    if (std::holds_alternative<CardRemoved>(event)) device_.remove_card();
     if (!pending_) return;
     if (const auto* notice = std::get_if<Notice>(&event)) return notify(notice->text);
     if (const auto answer = resume(pending_->command, pending_->wait, event, journal_)) finish(*answer);

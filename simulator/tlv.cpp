@@ -22,6 +22,16 @@ void append_tag(Bytes& to, Tag tag) {
     }
 }
 
+void append_length(Bytes& to, size_t length) {
+    if (length > UINT8_MAX) {
+        to.push_back(lengthInTwoBytes);
+        to.push_back(static_cast<uint8_t>(length >> 8));
+    } else if (length > shortLength) {
+        to.push_back(lengthInOneByte);
+    }
+    to.push_back(static_cast<uint8_t>(length));
+}
+
 Tag next_tag(Reader& reader) {
     Tag tag = reader.x("tag", 1);
     if ((tag & longTag) != longTag) return tag;
@@ -47,13 +57,19 @@ std::vector<Tag> split_tags(ByteView list) {
     return tags;
 }
 
-DataObjects decode(ByteView encoded) {
-    DataObjects objects;
+std::vector<std::pair<Tag, Bytes>> decode_list(ByteView encoded) {
+    std::vector<std::pair<Tag, Bytes>> objects;
     for (Reader reader("tags", encoded); reader.left() != 0;) {
         const Tag tag = next_tag(reader);
         const size_t length = next_length(reader);
-        objects[tag] = reader.b(fmt::format("{:X}", tag), length);
+        objects.emplace_back(tag, reader.b(fmt::format("{:X}", tag), length));
     }
+    return objects;
+}
+
+DataObjects decode(ByteView encoded) {
+    DataObjects objects;
+    for (auto& [tag, value] : decode_list(encoded)) objects[tag] = std::move(value);
     return objects;
 }
 
@@ -64,8 +80,7 @@ Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags) {
         if (found == objects.end()) continue;
         const Bytes& value = found->second;
         append_tag(encoded, tag);
-        if (value.size() > shortLength) encoded.push_back(lengthInOneByte);
-        encoded.push_back(static_cast<uint8_t>(value.size()));
+        append_length(encoded, value.size());
         append(encoded, value);
     }
     return encoded;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "simulator/bytes.h"
@@ -22,6 +23,8 @@ using DataObjects = std::map<Tag, Bytes>;
 
 // The opposite of encode(). Throws LayoutError for bytes that are none.
 [[nodiscard]] DataObjects decode(ByteView encoded);
+// In their order, so that a tag may stand more than once.
+[[nodiscard]] std::vector<std::pair<Tag, Bytes>> decode_list(ByteView encoded);
 
 // Tag, length and value of each object of the list that is there, in the list's order.
 [[nodiscard]] Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags);

@@ -9,6 +9,7 @@
 #include "simulator/digit_entry.h"
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/pin_block.h"
+#include "simulator/slots.h"
 
 namespace quorvel::sim::commands {
 
@@ -49,7 +50,8 @@ Outcome read_tags(Call& call, Reader fields) {
     const std::vector<Tag> tags = tags_in(fields);
     const auto& card = call.device.lastCard;
     if (!card || !card->chip) return refused(Status::nocard);
-    const Bytes found = encode(card->chip->objects, tags);
+    const auto& transaction = call.device.transaction;
+    const Bytes found = encode(transaction ? transaction->objects : card->objects(), tags);
     if (found.size() > maxTagOutput) return refused(Status::rspovrfl);
     return output(Writer().h(found, 2 * found.size()));
 }
@@ -70,15 +72,6 @@ Outcome encipher_data(Call& call, Reader fields) {
     if (!key) return refused(Status::errkey);
     return output(Writer().h(key->ksn, 2 * key->ksn.size()).h(encipher(key->key, clear), 2 * clear.size()));
 }
-
-// Slot 0 is the chip reader, the others hold security modules.
-Chip* chip_in(Device& device, int slot) {
-    if (slot == 0) return device.chip && device.chip->chip ? &*device.chip->chip : nullptr;
-    const auto found = device.modules.find(slot);
-    return found != device.modules.end() ? &found->second : nullptr;
-}
-
-Status absence(int slot) { return slot == 0 ? Status::nocard : Status::nosam; }
 
 int slot_in(Reader& fields) { return static_cast<int>(fields.n("GEN_SLOT", 1, {0, highestSlot})); }
 
@@ -195,9 +188,9 @@ Outcome read_slot_tags(Call& call, Reader fields) {
         throw LayoutError(fmt::format("GEN: GEN0404_TAGSLEN: {} bytes, {} digits follow", count, fields.left()));
     }
     const std::vector<Tag> tags = tags_in(fields);
-    const Chip* const chip = chip_in(call.device, 0);
-    if (chip == nullptr) return refused(Status::nocard);
-    const Bytes found = encode(chip->objects, tags);
+    const auto& card = call.device.chip;
+    if (!card || !card->chip) return refused(Status::nocard);
+    const Bytes found = encode(card->objects(), tags);
     if (found.size() > maxTagOutput) return refused(Status::rspovrfl);
     return output(found.size(), Writer().h(found, 2 * found.size()));
 }

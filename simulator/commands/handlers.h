@@ -13,9 +13,11 @@
 namespace quorvel::sim::commands {
 
 Outcome cex(Call& call);
+Outcome chp(Call& call);
 Outcome cke(Call& call);
 Answer clo(Call& call);
 Answer clx(Call& call);
+Answer cng(Call& call);
 Answer dex(Call& call);
 Answer dmf(Call& call);
 Answer dsi(Call& call);
@@ -23,12 +25,19 @@ Answer dsp(Call& call);
 Answer dwk(Call& call);
 Answer ebx(Call& call);
 Answer enb(Call& call);
+Answer fcx(Call& call);
+Answer fnc(Call& call);
 Outcome gcd(Call& call);
+Outcome gcr(Call& call);
+Outcome gcx(Call& call);
 Answer gdu(Call& call);
+Answer ged(Call& call);
 Outcome gen(Call& call);
 Answer gin(Call& call);
 Answer gix(Call& call);
 Outcome gky(Call& call);
+Outcome goc(Call& call);
+Outcome gox(Call& call);
 Outcome gpn(Call& call);
 Answer gtk(Call& call);
 Answer gts(Call& call);

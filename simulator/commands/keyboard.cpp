@@ -9,6 +9,7 @@
 
 #include "simulator/commands/handlers.h"
 #include "simulator/digit_entry.h"
+#include "simulator/menu.h"
 #include "simulator/param_id.h"
 #include "simulator/params.h"
 
@@ -23,42 +24,6 @@ constexpr uint64_t maxNumberDigits = 32;
 
 // Those whose code is also a status.
 constexpr std::array statusKeys{Key::enter, Key::f1, Key::f2, Key::f3, Key::f4, Key::clear, Key::cancel};
-
-// The arrows move, enter chooses, a digit chooses at once.
-class Menu {
-public:
-    Menu(Screen& screen, Screen::Content content) : screen_(&screen), content_(std::move(content)) {
-        screen_->show(content_);
-    }
-
-    std::optional<Answer> operator()(const Event& event) {
-        const auto* pressed = std::get_if<KeyPressed>(&event);
-        return pressed != nullptr ? press(pressed->key) : std::nullopt;
-    }
-
-private:
-    std::optional<Answer> press(Key key) {
-        const size_t last = content_.menu.size();
-        if (key == Key::cancel) return Answer{.status = Status::cancel};
-        if (key == Key::enter) return chosen(content_.selected);
-        if (is_digit(key)) {
-            const auto option = static_cast<size_t>(key) - static_cast<size_t>(Key::digit0);
-            return option >= 1 && option <= last ? std::optional(chosen(option)) : std::nullopt;
-        }
-        if (key == Key::down && content_.selected < last) ++content_.selected;
-        if (key == Key::up && content_.selected > 1) --content_.selected;
-        screen_->show(content_);
-        return std::nullopt;
-    }
-
-    static Answer chosen(size_t option) {
-        const Param value{pp::value, Writer().n(option, 2).bytes()};
-        return Answer::of(std::span(&value, 1));
-    }
-
-    Screen* screen_;
-    Screen::Content content_;
-};
 
 std::string prompt(uint64_t index) { return fmt::format("NUMBER {:04X}", index); }
 
@@ -80,7 +45,15 @@ Outcome mnu(Call& call) {
     const auto title = params.find(spe::dspMsg, [](Reader& r) { return r.s("text", menuTitleWidth, Cr::allowed); });
     auto options = params.all(spe::mnuOpt, [](Reader& r) { return r.s("text", menuOptionWidth); });
     const auto limit = params.timeout();
-    return Wait{Menu(call.screen, {.text = title.value_or(""), .menu = std::move(options), .selected = 1}), limit};
+    Menu menu(call.screen, title.value_or(""), std::move(options));
+    return Wait{[menu](const Event& event) mutable -> std::optional<Answer> {
+                    const auto result = menu.on(event);
+                    if (!result) return std::nullopt;
+                    if (result->status != Status::ok) return Answer{.status = result->status};
+                    const Param value{pp::value, Writer().n(result->option, 2).bytes()};
+                    return Answer::of(std::span(&value, 1));
+                },
+                limit};
 }
 
 Outcome gcd(Call& call) {

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/card_reading.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/emv.h"
+#include "simulator/menu.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t counterSize = 2;
+
+// After these the stripe may stand in for the chip.
+constexpr std::array allowFallback{Status::dumbcard, Status::errcard, Status::errfallback};
+
+// The answers to a card without the application that was asked for.
+struct Absence {
+    Status notThere;
+    Status noTable = Status::taberr;
+};
+constexpr Absence chipAbsence{Status::cardappnav};
+constexpr Absence contactlessAbsence{Status::ctlsappnav};
+
+class CardReading {
+public:
+    CardReading(Call& call, CardRequest request, CardAnswer answer)
+        : device_(call.device),
+          screen_(call.screen),
+          notify_(call.notify),
+          request_(std::move(request)),
+          answer_(std::move(answer)) {}
+
+    // Before the wait: what the chip in the reader comes to at once.
+    std::optional<Answer> begin() {
+        if (device_.chip) return insert();
+        const std::string& message = request_.message;
+        const std::string own = request_.contactless ? "INSERT, SWIPE OR TAP THE CARD" : "INSERT OR SWIPE THE CARD";
+        screen_.show({.text = message.empty() ? own : message});
+        return std::nullopt;
+    }
+
+    // What the host is told as the wait begins; afterwards it is told at once.
+    std::string wait() {
+        waiting_ = true;
+        return std::exchange(notice_, {});
+    }
+
+    std::optional<Answer> on(const Event& event) {
+        if (menu_) return choose(event);
+        if (const auto* pressed = std::get_if<KeyPressed>(&event); pressed != nullptr && pressed->key == Key::cancel) {
+            return Answer{.status = Status::cancel};
+        }
+        if (const auto* swiped = std::get_if<CardSwiped>(&event)) return swipe(swiped->card);
+        if (std::holds_alternative<CardInserted>(event)) return insert();
+        if (const auto* tapped = std::get_if<CardTapped>(&event)) return tap(tapped->card);
+        return std::nullopt;
+    }
+
+private:
+    void tell(std::string text) {
+        if (waiting_) return notify_(text);
+        notice_ = std::move(text);
+    }
+
+    std::optional<Answer> swipe(const Card& card) {
+        if (!card.has_stripe()) return Answer{.status = Status::mcdataerr};
+        const ChipReading last = std::exchange(device_.lastChipReading, ChipReading::good);
+        if (card.prefers_chip() && last == ChipReading::good) {
+            screen_.show({.text = "INSERT THE CHIP"});
+            tell("INSERT THE CHIP");
+            return std::nullopt;
+        }
+        device_.lastCard = card;
+        return answer_({.type = CardType::stripe, .lastChip = last, .card = card});
+    }
+
+    std::optional<Answer> insert() {
+        const Card& card = *device_.chip;
+        const Status fault = card.chip ? card.chip->fault : Status::dumbcard;
+        if (fault != Status::ok) return chip_failed(fault);
+        const auto found = applications(card, chipAbsence);
+        if (const auto* status = std::get_if<Status>(&found)) return chip_failed(*status);
+        candidates_ = std::get<std::vector<Application>>(found);
+        if (candidates_.size() == 1) return take_chip(candidates_.front());
+        std::vector<std::string> labels;
+        for (const Application& each : candidates_) labels.push_back(each.label);
+        menu_.emplace(screen_, "CHOOSE", std::move(labels));
+        tell("CHOOSE THE APPLICATION");
+        return std::nullopt;
+    }
+
+    Answer chip_failed(Status status) {
+        if (std::ranges::find(allowFallback, status) != allowFallback.end()) {
+            device_.lastChipReading = ChipReading::failed;
+        } else if (status == Status::cardappnav) {
+            device_.lastChipReading = ChipReading::notSupported;
+        }
+        return {.status = status};
+    }
+
+    std::optional<Answer> choose(const Event& event) {
+        if (std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::nocard};
+        const auto result = menu_->on(event);
+        if (!result) return std::nullopt;
+        if (result->status != Status::ok) return Answer{.status = result->status};
+        return take_chip(candidates_[result->option - 1]);
+    }
+
+    Answer take_chip(const Application& application) {
+        device_.chip->chip->powered = true;
+        device_.lastChipReading = ChipReading::good;
+        return take(CardType::chip, Transaction::Interface::chip, *device_.chip, application);
+    }
+
+    // Nobody can be asked while the card is held to the reader: the one that the card prefers is taken.
+    std::optional<Answer> tap(const Card& card) {
+        if (!request_.contactless || !card.contactless) return std::nullopt;
+        if (card.contactless->fault != Status::ok) return Answer{.status = card.contactless->fault};
+        const auto found = applications(card, contactlessAbsence);
+        if (const auto* status = std::get_if<Status>(&found)) return Answer{.status = *status};
+        const CardType type = card.contactless->stripeData ? CardType::contactlessStripe : CardType::contactless;
+        return take(type, Transaction::Interface::contactless, card, std::get<std::vector<Application>>(found).front());
+    }
+
+    // Those that the host accepts and the tables know.
+    [[nodiscard]] std::variant<Status, std::vector<Application>> applications(const Card& card, Absence absence) const {
+        std::vector<Application> found;
+        std::ranges::copy_if(card.applications, std::back_inserter(found),
+                             [&](const Application& each) { return request_.accepts(each); });
+        if (found.empty()) return absence.notThere;
+        std::erase_if(found, [&](const Application& each) {
+            return !device_.tables.has_record(static_cast<int>(each.acquirer), each.record);
+        });
+        if (found.empty()) return absence.noTable;
+        return found;
+    }
+
+    Answer take(CardType type, Transaction::Interface interface, const Card& card, const Application& application) {
+        DataObjects objects = request_.objects;
+        objects[tag::aid] = objects[tag::fileName] = application.aid;
+        objects[tag::label] = to_bytes(application.label);
+        objects[tag::counter] = bcd(++device_.transactions, counterSize);
+        objects.merge(DataObjects(application.objects));
+        objects.merge(card.objects());
+        objects.merge(terminal_objects());
+        device_.lastCard = card;
+        device_.transaction =
+            Transaction{.interface = interface, .card = card, .application = application, .objects = objects};
+        return answer_({.type = type, .card = card, .application = application, .objects = std::move(objects)});
+    }
+
+    Device& device_;
+    Screen& screen_;
+    const std::function<void(std::string_view)>& notify_;
+    CardRequest request_;
+    CardAnswer answer_;
+    std::vector<Application> candidates_;
+    std::optional<Menu> menu_;
+    bool waiting_ = false;
+    std::string notice_;
+};
+
+}  // namespace
+
+Outcome read_card(Call& call, CardRequest request, std::optional<std::chrono::seconds> limit, CardAnswer answer) {
+    call.device.transaction.reset();
+    const auto reading = std::make_shared<CardReading>(call, std::move(request), std::move(answer));
+    if (const auto atOnce = reading->begin()) return *atOnce;
+    return Wait{[reading](const Event& event) { return reading->on(event); }, limit, reading->wait()};
+}
+
+}  // namespace quorvel::sim::commands

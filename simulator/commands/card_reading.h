@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_COMMANDS_CARD_READING_H
+#define QUORVEL_SIMULATOR_COMMANDS_CARD_READING_H
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+#include "simulator/command.h"
+#include "simulator/transaction.h"
+
+// What GCR and GCX have in common: both wait for a card and only lay out their answers differently.
+namespace quorvel::sim::commands {
+
+// Has the protocol's numbers.
+enum class CardType { stripe = 0, chip = 3, contactlessStripe = 5, contactless = 6 };
+
+struct CardRead {
+    CardType type = CardType::stripe;
+    ChipReading lastChip = ChipReading::good;
+    Card card;
+    // None for a stripe.
+    std::optional<Application> application = {};
+    // What the chip or the antenna told, and the host before it.
+    DataObjects objects = {};
+};
+
+using CardAnswer = std::function<Answer(const CardRead&)>;
+
+// Takes the card that comes, or the one whose chip is in the reader already.
+[[nodiscard]] Outcome read_card(Call& call, CardRequest request, std::optional<std::chrono::seconds> limit,
+                                CardAnswer answer);
+
+}  // namespace quorvel::sim::commands
+
+#endif

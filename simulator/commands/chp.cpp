@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <fmt/format.h>
+#include <string>
+#include <utility>
+
+#include "simulator/commands/handlers.h"
+#include "simulator/digit_entry.h"
+#include "simulator/keys/hex.h"
+#include "simulator/keys/pin_block.h"
+#include "simulator/slots.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t headerSize = 4;
+constexpr size_t fewestPinDigits = 4;
+
+enum class Operation { off = 0, on = 1, exchange = 2, verify = 3 };
+
+struct ChpRequest {
+    int slot = 0;
+    Operation operation = Operation::off;
+    Bytes command;
+    char format = '2';
+    std::string message;
+};
+
+void read_pin_fields(Reader& fields, ChpRequest& request) {
+    static constexpr size_t messageWidth = 32;
+    static constexpr std::string_view formats = "0129";
+    if (request.command.size() != headerSize) throw LayoutError("CHP: CHP_CMDLEN: no header of four bytes");
+    request.format = static_cast<char>(fields.b("CHP_PINFMT", 1).front());
+    if (formats.find(request.format) == std::string_view::npos) throw LayoutError("CHP: CHP_PINFMT: no such format");
+    request.message = fields.s("CHP_MSG", messageWidth);
+}
+
+ChpRequest chp_request(Call& call) {
+    static constexpr size_t maxCommand = 260;
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    ChpRequest request;
+    request.slot = static_cast<int>(fields.n("CHP_SLOT", 1));
+    request.operation = static_cast<Operation>(fields.n("CHP_OPER", 1, {0, 3}));
+    const bool commands = request.operation >= Operation::exchange;
+    const size_t size = fields.n("CHP_CMDLEN", 3, {0, commands ? maxCommand : 0});
+    request.command = fields.h("CHP_CMD", 2 * size);
+    if (request.operation == Operation::verify) read_pin_fields(fields, request);
+    fields.end();
+    return request;
+}
+
+// What the card answered to the reset or to a command; nothing when it lost its power.
+Answer output(ByteView data) { return Answer::of(Writer().n(data.size(), 3).h(data, 2 * data.size())); }
+
+Outcome power_on(Chip& chip) {
+    if (chip.fault != Status::ok) return Answer{.status = chip.fault};
+    chip.powered = true;
+    return output(chip.atr);
+}
+
+// Behind the header stand the length of the data and the data, and the length that is expected, each if any.
+Answer send_command(Chip& chip, ByteView command) {
+    if (command.size() < headerSize) return output(from_hex("6700"));
+    const ByteView body = command.subspan(headerSize);
+    const size_t length = body.size() > 1 ? body.front() : 0;
+    if (body.size() > 1 && (length == 0 || body.size() < length + 1 || body.size() > length + 2)) {
+        return output(from_hex("6700"));
+    }
+    return output(chip.exchange(command.first(headerSize), length == 0 ? ByteView() : body.subspan(1, length)));
+}
+
+// The last format has the digits alone.
+Bytes pin_data(char format, const std::string& pin) {
+    static constexpr char digitsAlone = '9';
+    static constexpr size_t digits = 16;
+    if (format != digitsAlone) return plain_pin_block(format, pin);
+    std::string data = pin;
+    data.resize(digits, 'F');
+    return from_hex(data);
+}
+
+// The PIN goes to the chip and nowhere else.
+Outcome verify(Call& call, const ChpRequest& request) {
+    DigitEntry entry(call.screen, request.message, fewestPinDigits, maxPinDigits, DigitEntry::Echo::count);
+    return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
+        if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::nocard};
+        const auto typed = entry.on(event);
+        if (!typed) return std::nullopt;
+        if (typed->status != Status::ok) return Answer{.status = typed->status};
+        return output(
+            chip_in(device, request.slot)->exchange(request.command, pin_data(request.format, typed->digits)));
+    }};
+}
+
+}  // namespace
+
+Outcome chp(Call& call) {
+    const ChpRequest request = chp_request(call);
+    Chip* const chip = chip_in(call.device, request.slot);
+    if (chip == nullptr) return Answer{.status = absence(request.slot)};
+    if (request.operation == Operation::on) return power_on(*chip);
+    if (request.operation == Operation::off) {
+        chip->powered = false;
+        return Answer{.blocks = {Bytes()}};
+    }
+    if (!chip->powered) return out_of_sequence(call, "CHP: a command to a chip without power");
+    if (request.operation == Operation::exchange) return send_command(*chip, request.command);
+    return verify(call, request);
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/emv_params.h"
+
+#include <fmt/format.h>
+
+#include "simulator/emv.h"
+#include "simulator/param_id.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t amountDigits = 12;
+constexpr size_t maxMessage = 128;
+constexpr size_t maxTagList = 128;
+constexpr size_t maxEmvData = 512;
+
+void limit(const Reader& value, std::string_view name, size_t most) {
+    if (value.left() > most) throw LayoutError(fmt::format("{}: {} bytes, at most {}", name, value.left(), most));
+}
+
+Bytes amount(Reader& value) { return bcd(value.n("digits", amountDigits), amountDigits / 2); }
+
+}  // namespace
+
+DataObjects emv_data(Reader& value) {
+    limit(value, "SPE_EMVDATA", maxEmvData);
+    return decode(value.b("objects", value.left()));
+}
+
+std::vector<Tag> tag_list(Reader& value) {
+    limit(value, "SPE_TAGLIST", maxTagList);
+    return split_tags(value.b("tags", value.left()));
+}
+
+std::string message(Reader& value) {
+    limit(value, "SPE_DSPMSG", maxMessage);
+    return value.s("text", value.left(), Cr::allowed);
+}
+
+unsigned two_digits(Reader& value) { return static_cast<unsigned>(value.n("digits", 2)); }
+
+DataObjects transaction_objects(const Params& params) {
+    DataObjects objects = params.find(spe::emvData, emv_data).value_or(DataObjects());
+    const auto put = [&](Tag tag, std::optional<Bytes> value) {
+        if (value) objects[tag] = std::move(*value);
+    };
+    put(tag::amount, params.find(spe::amount, amount));
+    put(tag::cashback, params.find(spe::cashback, amount));
+    put(tag::type, params.find(spe::trnType, [](Reader& value) { return value.b("type", 1); }));
+    put(tag::currency, params.find(spe::trnCurr, [](Reader& value) { return bcd(value.n("currency", 3), 2); }));
+    return objects;
+}
+
+Answer with_emv_data(std::vector<Param> params, const DataObjects& objects,
+                     const std::optional<std::vector<Tag>>& tags) {
+    if (tags) {
+        Bytes found = encode(objects, *tags);
+        if (found.size() > maxEmvData) return {.status = Status::rspovrfl};
+        params.push_back({pp::emvData, std::move(found)});
+    }
+    return Answer::of(params);
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <utility>
+#include <vector>
+
+#include "simulator/commands/emv_params.h"
+#include "simulator/commands/finish_chip.h"
+#include "simulator/commands/go_on_chip.h"
+#include "simulator/commands/handlers.h"
+#include "simulator/param_id.h"
+#include "simulator/params.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+// The first digit tells whether the issuer answered; the others stand for nothing.
+bool issuer_answered(Reader& value) {
+    static constexpr uint64_t highestAnswer = 1;
+    const bool answered = value.n("answer", 1) <= highestAnswer;
+    static_cast<void>(value.n("others", 3));
+    return answered;
+}
+
+FinishRequest finish_request(const Params& params) {
+    FinishRequest request;
+    request.responseCode = params.find(spe::arc, [](Reader& value) { return response_code(value, "SPE_ARC"); });
+    const bool answered = params.get(spe::fcxOpt, issuer_answered);
+    if (answered && !request.responseCode) throw LayoutError("FCX: no SPE_ARC", Status::mandat);
+    if (!answered && request.responseCode) throw out_of_place("FCX", spe::arc);
+    const auto data =
+        params.find(spe::emvData, [](Reader& value) { return decode_list(value.b("objects", value.left())); });
+    if (data) request.issuerData = *data;
+    return request;
+}
+
+}  // namespace
+
+// Nobody is waited for: a time-out has nothing to limit.
+Answer fcx(Call& call) {
+    const Params params("FCX", call.request,
+                        {Params::once(spe::fcxOpt), Params::at_most_once(spe::arc), Params::at_most_once(spe::emvData),
+                         Params::at_most_once(spe::tagList), Params::at_most_once(spe::timeout)});
+    const FinishRequest request = finish_request(params);
+    const auto tags = params.find(spe::tagList, tag_list);
+    static_cast<void>(params.timeout());
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::online, "FCX")) return *unfit;
+    const Finished finished = finish_chip(call.device, request);
+    std::vector<Param> answer;
+    answer.push_back({pp::fcxRes, Writer().n(static_cast<unsigned>(finished.decision), 3).bytes()});
+    if (!finished.scriptResults.empty()) answer.push_back({pp::isResults, finished.scriptResults});
+    return with_emv_data(std::move(answer), finished.objects, tags);
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/finish_chip.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <fmt/format.h>
+
+#include "simulator/emv.h"
+#include "simulator/keys/hex.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t codeWidth = 2;
+constexpr size_t headerSize = 4;
+constexpr std::array<std::string_view, 3> approvals{"00", "10", "11"};
+
+Issuer issuer(const FinishRequest& request) {
+    if (!request.responseCode) return Issuer::unreachable;
+    const bool approved = std::ranges::find(approvals, *request.responseCode) != approvals.end();
+    return approved ? Issuer::approved : Issuer::declined;
+}
+
+// An issuer's command has its data behind a length.
+bool obeys(Chip& chip, ByteView command) {
+    if (command.size() < headerSize) return false;
+    const ByteView data = command.subspan(std::min(headerSize + 1, command.size()));
+    return chip.exchange(command.first(headerSize), data) == from_hex("9000");
+}
+
+// How the script went, and at which of its commands it stopped; then its identifier.
+Bytes run_script(Chip* chip, ByteView script) {
+    static constexpr uint8_t succeeded = 0x20;
+    static constexpr uint8_t failed = 0x10;
+    static constexpr size_t highestNumber = 0x0F;
+    static constexpr size_t identifierSize = 4;
+    Bytes identifier(identifierSize);
+    size_t number = 0;
+    uint8_t result = succeeded;
+    for (const auto& [tag, value] : decode_list(script)) {
+        if (tag == tag::scriptId && value.size() == identifierSize) identifier = value;
+        if (tag != tag::command || result != succeeded) continue;
+        ++number;
+        if (chip == nullptr || !obeys(*chip, value)) {
+            result = static_cast<uint8_t>(failed | std::min(number, highestNumber));
+        }
+    }
+    Bytes results{result};
+    append(results, identifier);
+    return results;
+}
+
+// Those for before the decision are run before it, the others after it: the results are in the scripts' order.
+Bytes run_scripts(Chip* chip, const FinishRequest& request, DataObjects& objects) {
+    static constexpr uint8_t succeeded = 0x20;
+    Bytes results;
+    for (const auto& [tag, value] : request.issuerData) {
+        if (tag != tag::earlyScript && tag != tag::lateScript) continue;
+        const Bytes result = run_script(chip, value);
+        if (result.front() != succeeded) {
+            set(objects,
+                tag == tag::earlyScript ? terminal_result::earlyScriptFailed : terminal_result::lateScriptFailed);
+        }
+        append(results, result);
+    }
+    return results;
+}
+
+}  // namespace
+
+std::string response_code(Reader& fields, std::string_view field) {
+    const Bytes code = fields.b(field, codeWidth);
+    if (!std::ranges::all_of(code, [](uint8_t c) { return std::isalnum(c) != 0; })) {
+        throw LayoutError(fmt::format("{}: not of letters and digits", field));
+    }
+    return {code.begin(), code.end()};
+}
+
+Finished finish_chip(Device& device, const FinishRequest& request) {
+    Transaction& transaction = *device.transaction;
+    const bool isChip = transaction.interface == Transaction::Interface::chip;
+    Chip* const chip = isChip ? &*device.chip->chip : nullptr;
+    DataObjects& objects = transaction.objects;
+    Finished finished;
+    finished.scriptResults = run_scripts(chip, request, objects);
+    finished.decision = final_decision(issuer(request), chip != nullptr ? chip->second : Chip::Second::asAsked);
+    const bool approved = finished.decision == FinalDecision::approved;
+    objects[tag::responseCode] = to_bytes(request.responseCode.value_or(approved ? "Y3" : "Z3"));
+    if (!finished.scriptResults.empty()) objects[tag::scriptResults] = finished.scriptResults;
+    generate(objects, approved ? Cryptogram::approved : Cryptogram::declined);
+    transaction.stage = Transaction::Stage::finished;
+    finished.objects = objects;
+    return finished;
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_COMMANDS_FINISH_CHIP_H
+#define QUORVEL_SIMULATOR_COMMANDS_FINISH_CHIP_H
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/command.h"
+#include "simulator/risk.h"
+
+// What FNC and FCX have in common: the issuer's answer goes to the chip, and the final decision is made.
+namespace quorvel::sim::commands {
+
+struct FinishRequest {
+    // Two characters; none when the issuer could not be reached.
+    std::optional<std::string> responseCode;
+    std::vector<std::pair<Tag, Bytes>> issuerData = {};
+};
+
+struct Finished {
+    FinalDecision decision = FinalDecision::declinedByCard;
+    // Five bytes for each script: how it went, and its identifier.
+    Bytes scriptResults = {};
+    DataObjects objects = {};
+};
+
+// Throws LayoutError for a code that is not of two letters or digits.
+[[nodiscard]] std::string response_code(Reader& fields, std::string_view field);
+
+// Needs a transaction that has asked for the issuer and for which unfit_transaction() finds nothing.
+[[nodiscard]] Finished finish_chip(Device& device, const FinishRequest& request);
+
+}  // namespace quorvel::sim::commands
+
+#endif

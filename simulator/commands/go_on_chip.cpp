@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/go_on_chip.h"
+
+#include <fmt/format.h>
+#include <memory>
+#include <openssl/rand.h>
+#include <utility>
+
+#include "simulator/commands/handlers.h"
+#include "simulator/digit_entry.h"
+#include "simulator/emv.h"
+#include "simulator/keys/hex.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t fewestPinDigits = 4;
+
+// From 1 to 99, as the random selection draws it.
+unsigned draw() {
+    uint8_t byte = 0;
+    RAND_bytes(&byte, sizeof byte);
+    return byte % 99U + 1;
+}
+
+// Which method, under which condition, and how it ended.
+Bytes verification_results(const Verified& verified) {
+    if (verified.pinOnline) return from_hex("420300");
+    if (verified.pinOffline) return from_hex("410302");
+    if (verified.failed) return from_hex("410301");
+    return from_hex(verified.signature ? "1E0300" : "1F0302");
+}
+
+Cryptogram cryptogram(Decision decision) {
+    switch (decision) {
+        case Decision::approved:
+            return Cryptogram::approved;
+        case Decision::online:
+            return Cryptogram::online;
+        case Decision::declined:
+            break;
+    }
+    return Cryptogram::declined;
+}
+
+class GoOnChip {
+public:
+    GoOnChip(Call& call, GoRequest request, GoAnswer answer)
+        : device_(call.device),
+          screen_(call.screen),
+          notify_(call.notify),
+          request_(std::move(request)),
+          answer_(std::move(answer)) {
+        for (auto& [tag, value] : request_.objects) transaction().objects.insert_or_assign(tag, std::move(value));
+    }
+
+    // Unless a PIN has to be waited for.
+    std::optional<Answer> begin() {
+        switch (verification()) {
+            case Verification::none:
+                return decide();
+            case Verification::signature:
+                verified_.signature = true;
+                return decide();
+            case Verification::offlinePin:
+                if (chip().pinTries == 0) return pin_blocked();
+                break;
+            case Verification::onlinePin:
+                break;
+        }
+        ask();
+        return std::nullopt;
+    }
+
+    std::optional<Answer> on(const Event& event) {
+        if (is_chip() && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::nocard};
+        const auto typed = entry_->on(event);
+        if (!typed) return std::nullopt;
+        if (typed->status != Status::ok) return Answer{.status = typed->status};
+        return verification() == Verification::onlinePin ? take_online(typed->digits) : verify_offline(typed->digits);
+    }
+
+private:
+    [[nodiscard]] Transaction& transaction() const { return *device_.transaction; }
+    [[nodiscard]] bool is_chip() const { return transaction().interface == Transaction::Interface::chip; }
+    [[nodiscard]] Chip& chip() const { return *device_.chip->chip; }
+
+    [[nodiscard]] Verification verification() const {
+        return is_chip() ? chip().verification : transaction().card.contactless->verification;
+    }
+
+    void ask() {
+        const std::string& message = request_.message;
+        entry_.emplace(screen_, message.empty() ? "ENTER THE PIN" : message, fewestPinDigits, maxPinDigits,
+                       DigitEntry::Echo::count);
+    }
+
+    Answer take_online(const std::string& pin) {
+        pin_ = encipher_pin(device_.keys, request_.key, transaction().card.pan, pin);
+        if (!pin_) return {.status = Status::errkey};
+        verified_.pinOnline = true;
+        return decide();
+    }
+
+    // The chip counts down, and has forgotten the errors after the right one.
+    std::optional<Answer> verify_offline(const std::string& pin) {
+        if (chip().accepts_pin(pin)) {
+            verified_.pinOffline = true;
+            return decide();
+        }
+        ++verified_.pinErrors;
+        if (chip().pinTries == 0) return pin_blocked();
+        notify_(chip().pinTries == 1 ? "WRONG PIN, LAST TRY" : "WRONG PIN");
+        ask();
+        return std::nullopt;
+    }
+
+    Answer pin_blocked() {
+        verified_.pinBlocked = verified_.failed = true;
+        return decide();
+    }
+
+    Answer decide() {
+        DataObjects& objects = transaction().objects;
+        objects[tag::verificationResults] = verification_results(verified_);
+        const Chip::First wish = is_chip() ? chip().first : Chip::First::asAsked;
+        const Decision decision = first_decision(request_.risk, verified_, wish, draw(), objects);
+        if (decision != Decision::online) {
+            objects[tag::responseCode] = to_bytes(decision == Decision::approved ? "Y1" : "Z1");
+        }
+        generate(objects, cryptogram(decision));
+        transaction().stage = decision == Decision::online ? Transaction::Stage::online : Transaction::Stage::finished;
+        return answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects});
+    }
+
+    Device& device_;
+    Screen& screen_;
+    const std::function<void(std::string_view)>& notify_;
+    GoRequest request_;
+    GoAnswer answer_;
+    std::optional<DigitEntry> entry_;
+    Verified verified_;
+    std::optional<PinBlock> pin_;
+};
+
+}  // namespace
+
+std::optional<Answer> unfit_transaction(Call& call, Transaction::Stage stage, std::string_view command) {
+    const auto& transaction = call.device.transaction;
+    if (!transaction) return out_of_sequence(call, fmt::format("{} without a chip that was read", command));
+    if (transaction->stage != stage) {
+        return out_of_sequence(call, fmt::format("{} at the wrong stage of the transaction", command));
+    }
+    if (transaction->interrupted) return Answer{.status = Status::nocard};
+    return std::nullopt;
+}
+
+Outcome go_on_chip(Call& call, GoRequest request, std::optional<std::chrono::seconds> limit, GoAnswer answer) {
+    const auto going = std::make_shared<GoOnChip>(call, std::move(request), std::move(answer));
+    if (const auto atOnce = going->begin()) return *atOnce;
+    return Wait{[going](const Event& event) { return going->on(event); }, limit, "ENTER THE PIN"};
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <array>
+#include <fmt/format.h>
+#include <utility>
+#include <vector>
+
+#include "simulator/commands/emv_params.h"
+#include "simulator/commands/go_on_chip.h"
+#include "simulator/commands/handlers.h"
+#include "simulator/emv.h"
+#include "simulator/param_id.h"
+#include "simulator/params.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+// A master key's method needs the working key, a DUKPT method has none.
+PinKey pin_key(const Params& params) {
+    static constexpr std::array<size_t, 4> sizes{8, 16, 0, 0};
+    PinKey key;
+    key.method = static_cast<int>(params.get(spe::mthdPin, [](Reader& value) { return value.n("method", 1, {0, 3}); }));
+    key.index = static_cast<int>(params.get(spe::keyIdx, two_digits));
+    const size_t size = sizes.at(static_cast<size_t>(key.method));
+    const auto workingKey = params.find(spe::wkEnc, [&](Reader& value) { return value.b("key", size); });
+    if (workingKey && size == 0) throw out_of_place("GOX", spe::wkEnc);
+    if (!workingKey && size != 0) throw LayoutError("GOX: no SPE_WKENC", Status::mandat);
+    key.workingKey = workingKey.value_or(Bytes());
+    return key;
+}
+
+// The digits say that the card is on the exception list and that the issuer cannot be asked; the others stand for
+// nothing.
+void read_options(Reader& value, Risk& risk) {
+    risk.onExceptionList = value.n("exception list", 1) == 1;
+    risk.canGoOnline = value.n("offline only", 1) != 1;
+    static_cast<void>(value.n("others", 3));
+}
+
+// Floor limit, target percentage, threshold and maximum percentage.
+void read_terminal_parameters(Reader& value, Risk& risk) {
+    risk.managed = true;
+    risk.floorLimit = value.x("floor limit", 4);
+    risk.targetPercentage = value.x("target percentage", 1, {0, 99});
+    risk.threshold = value.x("threshold", 4);
+    risk.maxPercentage = value.x("maximum percentage", 1, {0, 99});
+}
+
+Risk risk(const Params& params) {
+    Risk risk;
+    const auto apply = [&](uint16_t id, void (*read)(Reader&, Risk&)) {
+        static_cast<void>(params.find(id, [&](Reader& value) { return read(value, risk), true; }));
+    };
+    apply(spe::goxOpt, read_options);
+    apply(spe::trmPar, read_terminal_parameters);
+    return risk;
+}
+
+Answer gox_answer(const Gone& gone, const std::optional<std::vector<Tag>>& tags, int method) {
+    static constexpr int firstDukpt = 2;
+    const Verified& verified = gone.verified;
+    std::vector<Param> params;
+    Writer result;
+    result.n(static_cast<unsigned>(gone.decision), 1).n(verified.signature ? 1 : 0, 1);
+    result.n(verified.pinOffline ? 1 : 0, 1).n(static_cast<unsigned>(verified.pinErrors), 1);
+    result.n(verified.pinBlocked ? 1 : 0, 1).n(verified.pinOnline ? 1 : 0, 1);
+    params.push_back({pp::goxRes, result.bytes()});
+    if (gone.pin) params.push_back({pp::pinBlk, gone.pin->block});
+    if (gone.pin && method >= firstDukpt) params.push_back({pp::ksn, {gone.pin->ksn.begin(), gone.pin->ksn.end()}});
+    return with_emv_data(std::move(params), gone.objects, tags);
+}
+
+// What GCX was told, when GOX is not.
+Bytes known_amount(const Device& device) {
+    const DataObjects& objects = device.transaction->objects;
+    const auto found = objects.find(tag::amount);
+    return found != objects.end() ? found->second : Bytes();
+}
+
+}  // namespace
+
+Outcome gox(Call& call) {
+    const Params params(
+        "GOX", call.request,
+        {Params::once(spe::acqRef), Params::once(spe::mthdPin), Params::once(spe::keyIdx),
+         Params::at_most_once(spe::wkEnc), Params::at_most_once(spe::trnType), Params::at_most_once(spe::amount),
+         Params::at_most_once(spe::cashback), Params::at_most_once(spe::trnCurr), Params::at_most_once(spe::goxOpt),
+         Params::at_most_once(spe::dspMsg), Params::at_most_once(spe::trmPar), Params::at_most_once(spe::emvData),
+         Params::at_most_once(spe::tagList), Params::at_most_once(spe::timeout)});
+    GoRequest request;
+    request.key = pin_key(params);
+    request.risk = risk(params);
+    request.message = params.find(spe::dspMsg, message).value_or("");
+    request.objects = transaction_objects(params);
+    static_cast<void>(params.get(spe::acqRef, two_digits));
+    const auto tags = params.find(spe::tagList, tag_list);
+    const auto limit = params.timeout();
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::selected, "GOX")) return *unfit;
+    const auto amount = request.objects.find(tag::amount);
+    request.risk.amount = from_bcd(amount != request.objects.end() ? amount->second : known_amount(call.device));
+    const int method = request.key.method;
+    return go_on_chip(call, request, limit, [=](const Gone& gone) { return gox_answer(gone, tags, method); });
+}
+
+}  // namespace quorvel::sim::commands
