@@ -22,14 +22,14 @@ constexpr size_t dateDigits = 6;
 constexpr size_t maxTypes = 10;
 constexpr size_t maxRecords = 128;
 constexpr size_t recordIndexWidth = 2;
-constexpr size_t maxMessage = 128;
 
 Bytes digits(Reader& value) { return bcd(value.n("digits", dateDigits), dateDigits / 2); }
 
 std::set<unsigned> types(Reader& value) {
     std::set<unsigned> types;
-    do types.insert(static_cast<unsigned>(value.n("type", 2, {1, 98})));
-    while (value.left() != 0 && types.size() < maxTypes);
+    for (size_t count = 0; count == 0 || (value.left() != 0 && count < maxTypes); ++count) {
+        types.insert(static_cast<unsigned>(value.n("type", 2, {1, 98})));
+    }
     return types;
 }
 

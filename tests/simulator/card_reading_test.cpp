@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/keys/hex.h"
+#include "tests/simulator/card_fixture.h"
+
+using namespace support::literals;
+
+namespace quorvel::sim {
+
+namespace {
+
+// Acquirer, application type, amount, date and time; behind it come version and records.
+std::string gcr(const std::string& acquirerAndType, const std::string& version = std::string(10, ' ')) {
+    return "GCR040" + acquirerAndType + "000000001234" + "240229" + "235958" + version + "00";
+}
+
+const std::string anyCard = gcr("0099");
+const std::string dateAndTime = "0015 0006"_hex + "240229" + "0016 0006"_hex + "235958";
+
+std::string gcx(const std::string& parameters) {
+    return "GCX" + std::to_string(1020 + parameters.size()).substr(1) + dateAndTime + parameters;
+}
+
+class CardReadingTest : public CardTest {
+protected:
+    // The parts of an answer to GCR; lengths stand before the texts that they count.
+    struct Gcr {
+        std::string head = "000000000";
+        std::string track1 = "00";
+        std::string track2;
+        std::string track3 = "000";
+        std::string pan;
+        std::string sequence = "00";
+        std::string label = "";
+        std::string serviceCode = "201";
+        std::string name = "";
+        std::string tail = "076000";
+        size_t track2Width = 37;
+    };
+
+    static std::string answer(const Gcr& gcr) {
+        return "GCR000" + std::to_string(336 + gcr.tail.size()) + gcr.head + field(gcr.track1, 78)
+               + field(gcr.track2, 2 + gcr.track2Width) + field(gcr.track3, gcr.track2Width == 37 ? 107 : 104)
+               + field(gcr.pan, 21) + gcr.sequence + field(gcr.label, 16) + gcr.serviceCode + field(gcr.name, 26)
+               + "301231" + field("", 29) + gcr.tail;
+    }
+};
+
+TEST_F(CardReadingTest, GcrTellsOfAStripe) {
+    play_loaded();
+    call_while(Gestures().press(Key::enter).swipe(card("mastercard-magnetic")), anyCard,
+               answer({.track1 = "60B5555555555554444^CARDHOLDER/MASTERCARD^30121010000000000000",
+                       .track2 = "345555555555554444=30121010000000000",
+                       .track3 = "036015555555555554444=00000000000000000",
+                       .pan = "165555555555554444",
+                       .serviceCode = "101",
+                       .name = "CARDHOLDER/MASTERCARD",
+                       .tail = "840000"}));
+    expect_findings({});
+    EXPECT_EQ(retire().lastCard->pan, "5555555555554444");
+}
+
+// Enciphered by the openssl program.
+TEST_F(CardReadingTest, GcrProtectsTracksAndCardNumberUnderAPanKey) {
+    Device device = loaded_device();
+    device.panKey = from_hex("11223344556677889900AABBCCDDEEFF");
+    play_loaded(device);
+    call_while(Gestures().swipe(card("visa-magnetic")), anyCard,
+               answer({.track1 = "54B4F9B54F506C42579^CARDHOLDER/VISA^30121010000000000000",
+                       .track2 = "344F9B54F506C42579=30121010000000000",
+                       .track3 = "",
+                       .pan = "164F9B54F506C42579",
+                       .serviceCode = "101",
+                       .name = "CARDHOLDER/VISA",
+                       .track2Width = 40}));
+    expect_findings({});
+}
+
+TEST_F(CardReadingTest, GcrTellsOfAChipAndItsApplication) {
+    play_loaded();
+    call_while(inserted("mastercard-chip"), gcr("0301"),
+               answer({.head = "030010302",
+                       .track1 = "60B5105105105105100^CARDHOLDER/MASTERCARD^30122060000000000000",
+                       .track2 = "345105105105105100=30122060000000000",
+                       .pan = "165105105105105100",
+                       .sequence = "02",
+                       .label = "MASTERCARD",
+                       .serviceCode = "206",
+                       .name = "CARDHOLDER/MASTERCARD"}));
+    pinPad_->remove();
+    call_while(inserted("amex-chip"), gcr("0100"),
+               answer({.head = "030010101",
+                       .track1 = "53B378282246310005^CARDHOLDER/AMEX^30122010000000000000",
+                       .track2 = "33378282246310005=30122010000000000",
+                       .pan = "15378282246310005",
+                       .label = "AMERICAN EXPRESS",
+                       .name = "CARDHOLDER/AMEX",
+                       .tail = "84006612" + ("30303030303030303030A00000002501" + field("AMERICAN EXPRESS", 32))}));
+    pinPad_->remove();
+    call_while(inserted("diners-chip"), gcr("0201"),
+               answer({.head = "030010201",
+                       .track2 = "3230569309025904=30122010000000000",
+                       .pan = "1430569309025904",
+                       .label = "DINERS CLUB",
+                       .name = "CARDHOLDER/DINERS",
+                       .tail = "076010A000000152"}));
+    expect_findings({});
+}
+
+TEST_F(CardReadingTest, GcrChecksTheTablesAndGoesOnOnceTheyAreLoaded) {
+    Device device = loaded_device();
+    device.tables = Tables();
+    play_loaded(device);
+    call(gcr("0399", "TABLES0001"), "GCR021");
+    call("TLI01203TABLES0001", "TLI000");
+    call("TLR0130101110301XXX", "TLR000");
+    call("TLE", "TLE000");
+    call(gcr("0399", "TABLES0002"), "GCR020");
+    call_while(inserted("mastercard-chip"), gcr("0399", "TABLES0001"), "GCR021");
+    pinPad_->remove();
+    call_while(inserted("amex-chip"), "GCR", "GCR070");
+    pinPad_->remove();
+    call_while(inserted("declining-chip"), "GCR",
+               answer({.head = "030010301",
+                       .track2 = "344000000000000069=30122010000000000",
+                       .pan = "164000000000000069",
+                       .label = "VISA CREDITO"}));
+    expect_findings({});
+}
+
+TEST_F(CardReadingTest, GcxTellsOfEachKindOfCard) {
+    play_loaded();
+    call_while(Gestures().swipe(card("mastercard-magnetic")), gcx(""),
+               "GCX000208" + "804F 0002"_hex + "00" + "8050 0001"_hex + "0" + "8052 0010"_hex + "555555******4444"
+                   + "8041 003C"_hex + "B555555******4444^CARDHOLDER/MASTERCARD^30121010000000000000" + "8042 0022"_hex
+                   + "555555******4444=30121010000000000" + "8043 0024"_hex + "01555555******4444=00000000000000000"
+                   + "8055 0015"_hex + "CARDHOLDER/MASTERCARD" + "805D 0006"_hex + "301231");
+    const std::string parameters = "0023 0004"_hex + "0000" + "0004 0006 9F02 9A 9F21 82 0005 0004 82 02 FFFF"_hex
+                                   + "0013 000C"_hex + "000000001234" + "0014 000C"_hex + "000000000000"
+                                   + "0021 0001 00 0022 0003"_hex + "986";
+    call_while(Gestures().tap(card("mastercard-contactless")), gcx(parameters),
+               "GCX000150" + "804F 0002"_hex + "05" + "8050 0001"_hex + "0" + "8052 0010"_hex + "****************"
+                   + "8042 0022"_hex + "****************=30122010000000000" + "805D 0006"_hex + "301231"
+                   + "8051 0006"_hex + "030201" + "805B 000A"_hex + "MASTERCARD" + "8053 0002"_hex + "00"
+                   + "805C 0003"_hex + "076" + "8060 0002"_hex + "00"
+                   + "8054 0018 9F0206000000001234 9A03240229 9F2103235958 8202FFFF"_hex);
+    expect_findings({});
+}
+
+const std::string debitOnly = "0011 0004"_hex + "0203";
+const std::string debitAnswer = "GCX000135" + "804F 0002"_hex + "03" + "8050 0001"_hex + "0" + "8052 0010"_hex
+                                + "400000******0002" + "8042 0022"_hex + "400000******0002=30122010000000000"
+                                + "8055 0013"_hex + "CARDHOLDER/MULTIPLE" + "805D 0006"_hex + "301231" + "8051 0006"_hex
+                                + "030302" + "805B 0006"_hex + "DEBITO" + "8053 0002"_hex + "00" + "805C 0003"_hex
+                                + "076";
+
+TEST_F(CardReadingTest, OfSeveralApplicationsTheHostOrTheCardholderChooses) {
+    play_loaded();
+    const std::vector<std::string> asked{"CHOOSE THE APPLICATION"};
+    call_while(inserted("visa-multiple").choose(2), gcx(""), debitAnswer, asked);
+    call_while(Gestures().press(digit('2')), gcx(""), debitAnswer, asked);
+    call(gcx(debitOnly), debitAnswer);
+    call(gcx("0012 0008"_hex + "01010303"), debitAnswer);
+    call_while(Gestures().press(Key::cancel), gcx(""), "GCX013", asked);
+    pinPad_->when("GCX", Gestures().notify("SHOWN"));
+    exchange(support::frame(gcx("")),
+             ack + support::frame("NTM000022CHOOSE THE APPLICATION") + support::frame("NTM000005SHOWN"));
+    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "CHOOSE", .menu = {"CREDITO", "DEBITO"}, .selected = 1}));
+    pinPad_->remove();
+    expect(support::frame("GCX043"));
+    expect_findings({});
+}
+
+Card faulty(Status chip, Status contactless) {
+    Card card = Cards::standard().at("elo-contactless");
+    card.chip->fault = chip;
+    card.contactless->fault = contactless;
+    return card;
+}
+
+struct Refusal {
+    Gestures gestures;
+    std::string parameters;
+    std::string response;
+};
+
+TEST_F(CardReadingTest, RefusesWhatCannotBeUsed) {
+    play_loaded();
+    const Card blocked = faulty(Status::cardblocked, Status::ctlsifchg);
+    for (const auto& [gestures, parameters, response] : {
+             Refusal{Gestures().press(Key::f1).press(Key::cancel), "", "GCX013"},
+             {Gestures(), "000C 0001 01"_hex, "GCX012"},
+             {inserted("mute-chip"), "", "GCX060"},
+             {Gestures().insert({.pan = "4111111111111111"}), "", "GCX060"},
+             {Gestures().insert(blocked), "", "GCX079"},
+             {Gestures().tap(blocked), "", "GCX087"},
+             {Gestures().swipe({.pan = "4111111111111111"}), "", "GCX041"},
+             {inserted("visa-chip"), debitOnly, "GCX070"},
+             {Gestures().tap(card("visa-contactless")), debitOnly, "GCX084"},
+             {inserted("visa-chip"), "0010 0002"_hex + "04", "GCX070"},
+             {inserted("visa-chip"), "0012 0008"_hex + "03020401", "GCX070"},
+             {Gestures().tap(card("visa-contactless")).press(Key::cancel), "0017 0005"_hex + "01111", "GCX013"},
+             {Gestures().tap(card("visa-chip")).press(Key::cancel), "", "GCX013"},
+         }) {
+        call_while(gestures, gcx(parameters), response);
+        pinPad_->remove();
+    }
+    expect_findings({});
+    EXPECT_FALSE(retire().transaction);
+}
+
+// The chip that was tried last decides whether a stripe may stand in for it, and the answer says why it does.
+TEST_F(CardReadingTest, TakesTheStripeOfAChipCardOnlyAfterItsChip) {
+    play_loaded();
+    const Card visa = card("visa-chip");
+    const auto swiped = [](const std::string& chip) {
+        return "GCX000156" + "804F 0002"_hex + "00" + "8050 0001"_hex + chip + "8052 0010"_hex + "411111******1111"
+               + "8041 0036"_hex + "B411111******1111^CARDHOLDER/VISA^30122010000000000000" + "8042 0022"_hex
+               + "411111******1111=30122010000000000" + "8055 000F"_hex + "CARDHOLDER/VISA" + "805D 0006"_hex
+               + "301231";
+    };
+    const std::vector<std::string> told{"INSERT THE CHIP"};
+    call_while(Gestures().swipe(visa).press(Key::cancel), gcx(""), "GCX013", told);
+    call_while(inserted("mute-chip"), gcx(""), "GCX060");
+    pinPad_->remove();
+    call_while(Gestures().swipe(visa), gcx(""), swiped("1"));
+    call_while(inserted("visa-chip"), gcx(debitOnly), "GCX070");
+    pinPad_->remove();
+    call_while(Gestures().swipe(visa), gcx(""), swiped("2"));
+    call_while(Gestures().swipe(visa).press(Key::cancel), gcx(""), "GCX013", told);
+    expect_findings({});
+}
+
+TEST_F(CardReadingTest, RefusesRequestsThatBreakTheirLayout) {
+    play_loaded();
+    const std::string when = "000000001234240229235958          ";
+    refuse("GCR011", Kind::layout,
+           {{"GCR0400099" + when + "002", "GCR: GCR_CTLSON: 2 is not from 0 to 1"},
+            {"GCR0410099" + when + "000", "GCR: 1 bytes too many"},
+            {"GCR0440099" + when + "0201010", "GCR: GCR_AIDLIST: 2 bytes due, 0 left"},
+            {"GCR0440001" + when + "010101", "GCR: GCR_AIDLIST: beside an application type"},
+            {"GCR0400099000000001234241329235958          00", "GCR: GCR_DATE: 13 is not from 1 to 12"},
+            {"GCR0400099000000001234240229245958          00", "GCR: GCR_TIME: 24 is not from 0 to 23"}});
+    refuse("GCX019", Kind::layout, {{"GCX010" + dateAndTime.substr(0, 10), "GCX: no SPE_TRNTIME"}});
+    refuse("GCX011", Kind::layout,
+           {{gcx("0010 0001"_hex + "0"), "SPE_ACQREF: digits: 2 bytes due, 1 left"},
+            {gcx("0011 0002"_hex + "99"), "SPE_APPTYPE: type: 99 is not from 1 to 98"},
+            {gcx("0011 0000"_hex), "SPE_APPTYPE: type: 2 bytes due, 0 left"},
+            {gcx("0011 0016"_hex + "0101010101010101010101"), "SPE_APPTYPE: 2 bytes too many"},
+            {gcx("0012 0004"_hex + "AB01"), "SPE_AIDLIST: acquirer: 0x41 is no digit"},
+            {gcx("0017 0004"_hex + "0000"), "SPE_GCXOPT: others: 4 bytes due, 3 left"},
+            {gcx("0004 0001 9F"_hex), "tags: tag: 1 bytes due, 0 left"},
+            {gcx("0005 0003 820238"_hex), "tags: 82: 2 bytes due, 1 left"},
+            {gcx("0013 000C"_hex + "000000001234" + "0013 000C"_hex + "000000001234"),
+             "GCX: SPE_AMOUNT 0x0013 has no place in it"},
+            {gcx("001B 0081"_hex + std::string(129, 'M')), "SPE_DSPMSG: 129 bytes, at most 128"}});
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
