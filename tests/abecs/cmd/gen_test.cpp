@@ -1,0 +1,387 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/cmd/gen.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+
+#include "tests/abecs/cmd/card_command.h"
+#include "tests/crypt/wiped.h"
+#include "tests/support/wire.h"
+
+namespace {
+
+using namespace support::literals;
+using support::Link;
+using support::repeated;
+using Call = int32_t (*)(AbecsComm*);
+
+// The outputs of the calls below, which a raise leaves with nothing to destroy.
+struct Output {
+    char keys[101];
+    AbecsCmdGenTagsOut tags;
+    AbecsCmdGen0303RspData data;
+    AbecsCmdGen0401RspData slot;
+    AbecsCmdGen0402RspData apdu;
+} out;
+
+int32_t find_keys(AbecsComm* link, AbecsCmdGen02K3CmdData data) { return abecs_cmd_gen_02_k3(link, &data, out.keys); }
+
+int32_t encipher(AbecsComm* link, uint8_t idx, const char* digits, uint32_t size) {
+    AbecsCmdGen0303CmdData data{idx, {size, {}}};
+    std::strncpy(data.input.data, digits, sizeof data.input.data - 1);
+    return abecs_cmd_gen_03_03(link, &data, &out.data);
+}
+
+int32_t power(AbecsComm* link, int32_t oper, uint8_t slot) {
+    const AbecsCmdGen0401CmdData data{static_cast<AbecsCmdGen0401Oper_E>(oper), slot};
+    return abecs_cmd_gen_04_01(link, &data, &out.slot);
+}
+
+int32_t exchange(AbecsComm* link, AbecsCmdGen0402CmdData data) { return abecs_cmd_gen_04_02(link, &data, &out.apdu); }
+
+const std::string kMostTags = repeated("5a", 128);
+const std::string kMostData = repeated("00112233445566ab", 16);
+
+TEST(Gen, SendsEachSubCommand) {
+    AbecsCmdGen0402CmdData longest{1, "80CA9F17", 255, {}, 1};
+    std::memset(longest.apduData, 'f', 510);
+    static const AbecsCmdGen0402CmdData most = longest;
+    const std::pair<std::string, Call> rows[] = {
+        {"013|02|008|K3|0|0|00|00"_wire,
+         [](auto* link) {
+             return find_keys(link, {0, 0, 0, 0});
+         }},
+        {"013|02|008|K3|3|1|99|99"_wire,
+         [](auto* link) {
+             return find_keys(link, {3, 1, 99, 99});
+         }},
+        {"007|03|002|02"_wire, [](auto* link) { return abecs_cmd_gen_03_02(link, "", &out.tags); }},
+        {"263|03|258|02"_wire + repeated("5A", 128),
+         [](auto* link) { return abecs_cmd_gen_03_02(link, kMostTags.c_str(), &out.tags); }},
+        {"010|04|005|04|000"_wire, [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }},
+        {"266|04|261|04|128"_wire + repeated("5A", 128),
+         [](auto* link) { return abecs_cmd_gen_04_04(link, kMostTags.c_str(), &out.tags); }},
+        {"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "41", 0); }},
+        {"026|03|021|03|3|07|41111111111111FF"_wire,
+         [](auto* link) { return encipher(link, 7, "41111111111111ff00", 16); }},
+        {"266|03|261|03|3|99"_wire + repeated("00112233445566AB", 16),
+         [](auto* link) { return encipher(link, 99, kMostData.c_str(), 256); }},
+        {"009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); }},
+        {"009|04|004|01|4|8"_wire, [](auto* link) { return power(link, 4, 8); }},
+        {"022|04|017|02|0|00B2010C|000||000"_wire,
+         [](auto* link) {
+             return exchange(link, {0, "00b2010C", 0, "", 0});
+         }},
+        {"024|04|019|02|8|00A40400|001|5F|256"_wire,
+         [](auto* link) {
+             return exchange(link, {8, "00A40400", 1, "5f", 256});
+         }},
+        {"532|04|527|02|1|80CA9F17|255"_wire + repeated("FF", 255) + "001",
+         [](auto* link) { return exchange(link, most); }},
+        {"026|04|021|02|1|30CA9F17|002|305F|001"_wire,
+         [](auto* link) {
+             return exchange(link, {1, "CA9F17", 2, "5F", 1});
+         }},
+    };
+    const std::pair<const char*, support::Raised> badAnswers[] = {
+        {"GEN00", support::error(12, "Unrecognized response")},
+        {"XYZ000006003", support::error(12, "(GEN) Invalid RSP_ID: XYZ)")},
+        {"NTM000004WAIT", support::error(12, "(GEN) Invalid RSP_ID: NTM)")},
+        {"GEN000003", support::error(6, "Buffer does not have enough data (requested: 3, available: 0)")},
+    };
+    for (const auto& [request, call] : rows) {
+        Link link;
+        link.peer.request("GEN" + request).response("GEN051").request("GEN" + request).response("ERR011");
+        EXPECT_EQ(call(link.comm), 51);
+        EXPECT_EQ(call(link.comm), 11);
+        for (const auto& [answer, error] : badAnswers) {
+            link.peer.request("GEN" + request).response(answer);
+            EXPECT_EQ(support::raised_by([&] { call(link.comm); }), error);
+        }
+    }
+}
+
+struct SubCommand {
+    std::string request;
+    Call call;
+    std::string (*shown)();
+};
+
+const SubCommand kKeys{"013|02|008|K3|0|0|00|99"_wire,
+                       [](auto* link) {
+                           return find_keys(link, {0, 0, 0, 99});
+                       },
+                       [] { return std::string(out.keys); }};
+const SubCommand kLastTags{"007|03|002|02"_wire, [](auto* link) { return abecs_cmd_gen_03_02(link, "", &out.tags); },
+                           [] { return std::to_string(out.tags.len) + "," + out.tags.data; }};
+const SubCommand kSlotTags{"010|04|005|04|000"_wire,
+                           [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }, kLastTags.shown};
+const SubCommand kData{"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "", 0); },
+                       [] { return out.data.ksn + ("," + std::to_string(out.data.dataLen)) + "," + out.data.data; }};
+const SubCommand kSlot{"009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); },
+                       [] {
+                           return std::to_string(out.slot.status1) + "," + std::to_string(out.slot.status2) + ","
+                                  + std::to_string(out.slot.atrLen) + "," + out.slot.atr;
+                       }};
+const SubCommand kApdu{"022|04|017|02|0|00B2010C|000||000"_wire,
+                       [](auto* link) {
+                           return exchange(link, {0, "00B2010C", 0, "", 0});
+                       },
+                       [] {
+                           return std::to_string(out.apdu.status) + "," + out.apdu.sw + ","
+                                  + std::to_string(out.apdu.la) + "," + out.apdu.apduData;
+                       }};
+
+TEST(Gen, ReadsAsMuchAsThereIs) {
+    const std::string keys = repeated("01x.\x16", 20);
+    const std::string digits = repeated("5f", 256);
+    const std::string ksn = "FFFF9876543210e00001";
+    const std::string atr = repeated("3B6500002063CB680a", 4);
+    const auto few = [](int requested, int available) {
+        return "Buffer does not have enough data (requested: " + std::to_string(requested)
+               + ", available: " + std::to_string(available) + ")";
+    };
+    // The code of an error with its detail, or 0 with what was read.
+    const struct {
+        const SubCommand& sub;
+        std::string response;
+        int16_t code;
+        std::string expected;
+    } rows[] = {
+        {kKeys, "103|100"_wire + keys, 0, keys},
+        {kKeys, "999|003|101more"_wire, 0, "101"},
+        {kKeys, "003|000"_wire, 0, ""},
+        {kKeys, "104|101"_wire + keys + "1", 12, "(GEN) GEN_OUTLEN is too big: 101)"},
+        {kKeys, "006|003|10"_wire, 6, few(3, 2)},
+        // One counts digits, the other bytes.
+        {kLastTags, "011|008|9F170103"_wire, 0, "8,9F170103"},
+        {kSlotTags, "011|004|9F170103"_wire, 0, "4,9F170103"},
+        {kLastTags, "515|512"_wire + digits, 0, "512," + digits},
+        {kSlotTags, "515|256"_wire + digits, 0, "256," + digits},
+        {kSlotTags, "003|000"_wire, 0, "0,"},
+        {kLastTags, "008|005|9F170"_wire, 2, "fieldLen (5) is not an even number"},
+        {kLastTags, "517|514"_wire + digits + "00", 2, "sizeTo (513) is not enough to store field (length: 514)"},
+        {kSlotTags, "517|257"_wire + digits + "00", 2, "sizeTo (513) is not enough to store field (length: 514)"},
+        {kData, "023|020"_wire + ksn, 0, ksn + ",0,"},
+        {kData, "279|276"_wire + ksn + digits.substr(256), 0, ksn + ",256," + digits.substr(256)},
+        {kData, "031|028|303076543210E0000120|30CD4E"_wire, 6, few(8, 6)},
+        {kData, "031|028|303076543210E0000120|30CD4E09"_wire, 0, "76543210E0000120,8,CD4E09"},
+        {kData, "022|019"_wire + ksn, 12, "(GEN/03/03) Invalid GEN_OUTLEN: 19"},
+        {kData, "280|277"_wire + ksn + digits, 12, "(GEN/03/03) Invalid GEN_OUTLEN: 277"},
+        // Of an ATR of nine bytes the first nine digits are given.
+        {kSlot, "079|076|1|1|09"_wire + repeated("30", 27) + atr.substr(54), 0, "1,1,9,3B6500002"},
+        {kSlot, "079|076|7|9|36"_wire + atr, 0, "7,9,36," + atr.substr(36)},
+        {kSlot, "079|076|0|0|00"_wire + repeated("30", 36), 0, "0,0,0,"},
+        {kSlot, "079|076|1|1|37"_wire + atr, 12, "GEN0401_ATRLEN is too big (max: 36, returned: 37)"},
+        {kSlot, "079|076|1|1|09"_wire + atr.substr(1), 6, few(72, 71)},
+        {kApdu, "011|008|0|9000|000"_wire, 0, "0,9000,0,"},
+        {kApdu, "523|520|9|6a82|256"_wire + digits, 0, "9,6a82,256," + digits},
+        {kApdu, "015|012|0|9000|002|3030"_wire, 0, "0,9000,2,"},
+        {kApdu, "525|522|1|9000|257"_wire + digits + "00", 12, "G0402_LA is too big (max: 256, returned: 257)"},
+        {kApdu, "525|522|1|9000|002|6F0"_wire, 6, few(4, 3)},
+    };
+    for (const auto& row : rows) {
+        Link link;
+        link.peer.request("GEN" + row.sub.request).response("GEN000" + row.response);
+        out = {};
+        int32_t stat = -3;
+        EXPECT_EQ(support::raised_by([&] { stat = row.sub.call(link.comm); }),
+                  row.code == 0 ? support::Raised{} : support::error(row.code, row.expected));
+        if (row.code != 0) { continue; }
+        EXPECT_EQ(stat, 0);
+        EXPECT_EQ(row.sub.shown(), row.expected);
+    }
+}
+
+TEST(Gen, ChecksArgumentsInTheirOrder) {
+    static const std::string longTags = std::string(257, '5');
+    static const AbecsCmdGen02K3CmdData noKeys{4, 2, 101, 100};
+    static const AbecsCmdGen0303CmdData noData{100, {8, "x"}};
+    static const AbecsCmdGen0401CmdData noSlot{static_cast<AbecsCmdGen0401Oper_E>(0), 9};
+    static const AbecsCmdGen0402CmdData noApdu{9, "x", 0, "", 257};
+    const std::pair<const char*, Call> rows[] = {
+        {"'cmdData' is NULL", [](auto* link) { return abecs_cmd_gen_02_k3(link, nullptr, nullptr); }},
+        {"'responseData' is NULL", [](auto* link) { return abecs_cmd_gen_02_k3(link, &noKeys, nullptr); }},
+        {"Invalid value for cmdData->keyType: 4", [](auto* link) { return find_keys(link, noKeys); }},
+        {"Invalid value for cmdData->keyUse: 2",
+         [](auto* link) {
+             return find_keys(link, {3, 2, 101, 100});
+         }},
+        {"Invalid value for cmdData->idxIni: 101",
+         [](auto* link) {
+             return find_keys(link, {3, 1, 101, 100});
+         }},
+        {"Invalid value for cmdData->idxEnd: 100",
+         [](auto* link) {
+             return find_keys(link, {3, 1, 99, 100});
+         }},
+        {"cmdData->idxIni > cmdData->idxEnd",
+         [](auto* link) {
+             return find_keys(link, {3, 1, 5, 4});
+         }},
+        {"'tags' is NULL", [](auto* link) { return abecs_cmd_gen_03_02(link, nullptr, nullptr); }},
+        {"'tags' is too big (max: 256, requested: 257)",
+         [](auto* link) { return abecs_cmd_gen_03_02(link, longTags.c_str(), nullptr); }},
+        {"'tags' length is not even (length: 3)", [](auto* link) { return abecs_cmd_gen_03_02(link, "5Ax", nullptr); }},
+        {"'out' is NULL", [](auto* link) { return abecs_cmd_gen_03_02(link, "5x", nullptr); }},
+        {"Invalid hex byte at index 2", [](auto* link) { return abecs_cmd_gen_03_02(link, "5A5x", &out.tags); }},
+        {"'tags' is too big (max: 256, requested: 257)",
+         [](auto* link) { return abecs_cmd_gen_04_04(link, longTags.c_str(), nullptr); }},
+        {"'cmdData' is NULL", [](auto* link) { return abecs_cmd_gen_03_03(link, nullptr, nullptr); }},
+        {"Invalid 'cmdData->idx': 100", [](auto* link) { return abecs_cmd_gen_03_03(link, &noData, nullptr); }},
+        {"Invalid length for 'cmdData->input': 8", [](auto* link) { return encipher(link, 99, "x", 8); }},
+        {"Invalid length for 'cmdData->input': 272", [](auto* link) { return encipher(link, 99, "x", 272); }},
+        {"Invalid hex byte at index 0", [](auto* link) { return encipher(link, 99, "x", 256); }},
+        {"'cmdData' is NULL", [](auto* link) { return abecs_cmd_gen_04_01(link, nullptr, nullptr); }},
+        {"'responseData' is NULL", [](auto* link) { return abecs_cmd_gen_04_01(link, &noSlot, nullptr); }},
+        {"Invalid enumerator for AbecsCmdGen0401Oper_E: 0", [](auto* link) { return power(link, 0, 9); }},
+        {"Invalid enumerator for AbecsCmdGen0401Oper_E: 5", [](auto* link) { return power(link, 5, 9); }},
+        {"Invalid value for cmdData->slot: 9", [](auto* link) { return power(link, 4, 9); }},
+        {"'cmdData' is NULL", [](auto* link) { return abecs_cmd_gen_04_02(link, nullptr, nullptr); }},
+        {"'responseData' is NULL", [](auto* link) { return abecs_cmd_gen_04_02(link, &noApdu, nullptr); }},
+        {"'cmdData->slot' is invalid: 9", [](auto* link) { return exchange(link, noApdu); }},
+        {"'cmdData->le' is invalid: 257",
+         [](auto* link) {
+             return exchange(link, {8, "x", 0, "", 257});
+         }},
+        {"Invalid hex byte at index 6",
+         [](auto* link) {
+             return exchange(link, {8, "00B2010", 0, "", 256});
+         }},
+        {"Field does not have enough room for data",
+         [](auto* link) {
+             return exchange(link, {8, "00B2010C", 1, "1122", 256});
+         }},
+    };
+    Link link;
+    for (const auto& [detail, call] : rows) { EXPECT_REFUSED(2, detail, call(link.comm)); }
+    const AbecsCmdGen0303CmdData data{99, {16, "x"}};
+    EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_03_03(link.comm, &data, nullptr));
+}
+
+AbecsWkPan pan_key(int32_t type) {
+    return {static_cast<AbecsWkPanType_E>(type),
+            {0x0F, 0x1E, 0x2D, 0x3C, 0x4B, 0x5A, 0x69, 0x78, 0x87, 0x96, 0xA5, 0xB4, 0xC3, 0xD2, 0xE1, 0xF0}};
+}
+
+AbecsCmdGen0303Data data_of(const std::string& digits) {
+    AbecsCmdGen0303Data data{static_cast<uint32_t>(digits.size()), {}};
+    digits.copy(data.data, sizeof data.data);
+    return data;
+}
+
+// Worked out with the openssl program.
+TEST(Gen0303EncodeData, DeciphersTheClearDataAndWipesWhatItWorkedWith) {
+    const struct {
+        int32_t type;
+        std::string clear;
+        std::string encoded;
+    } rows[] = {
+        {0, "41111111111111110011223344556677", "6db95c87a27b8cecbb33e3aa4963b083"},
+        {2, repeated("4111111111111111", 16), repeated("5d3d5a8e5c5a5d12", 16)},
+        {1, "41111111111111110011223344556677", "5d3d5a8e5c5a5d1271065ecf66b7aef6"},
+    };
+    AbecsCmdGen0303Data encoded{};
+    for (const auto& row : rows) {
+        const AbecsWkPan key = pan_key(row.type);
+        AbecsCmdGen0303Data data = data_of(row.clear);
+        support::forget_wiped();
+        EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&data, &key, &encoded), &encoded);
+        EXPECT_EQ(encoded.data, row.encoded);
+        EXPECT_EQ(encoded.size, row.encoded.size());
+        EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&data, &key, &data), &data);
+        EXPECT_EQ(data.data, row.encoded);
+    }
+    EXPECT_TRUE(support::bytes_were_wiped("5D3D5A8E5C5A5D1271065ECF66B7AEF6"_hex, 128));
+    // When it fails, the area is full of deciphered zeros.
+    const AbecsWkPan key = pan_key(1);
+    const AbecsCmdGen0303Data none{};
+    EXPECT_RAISES(2, "'szData' is zero", abecs_cmd_gen_03_03_encode_data(&none, &key, &encoded));
+    EXPECT_TRUE(support::bytes_were_wiped(repeated("86D7B8A0882D47D5"_hex, 16), 128));
+}
+
+TEST(Gen0303EncodeData, ChecksItsArgumentsInTheirOrder) {
+    const AbecsCmdGen0303Data good = data_of("4111111111111111");
+    const AbecsCmdGen0303Data bad = data_of("411111111111111x");
+    const AbecsCmdGen0303Data tooShort{8, "x"};
+    const AbecsCmdGen0303Data tooLong{272, "x"};
+    const AbecsCmdGen0303Data noSize{0, "x"};
+    const AbecsWkPan des = pan_key(0);
+    const AbecsWkPan noKeys[] = {pan_key(3), pan_key(-1)};
+    AbecsCmdGen0303Data encoded = data_of("old");
+    const auto refused = [&](const char* detail, const AbecsCmdGen0303Data* clear, const AbecsWkPan* key,
+                             AbecsCmdGen0303Data* to) {
+        EXPECT_RAISES(2, detail, abecs_cmd_gen_03_03_encode_data(clear, key, to));
+        const support::ReturningRaises handler;
+        EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(clear, key, to), nullptr) << detail;
+        EXPECT_EQ(handler.all(), support::errors(2, {detail}));
+    };
+    refused("Invalid length for 'clearData': 8", &tooShort, nullptr, nullptr);
+    refused("Invalid length for 'clearData': 272", &tooLong, nullptr, nullptr);
+    refused("Missing 'wkPan'", &bad, nullptr, nullptr);
+    refused("Missing 'out'", &bad, noKeys, nullptr);
+    refused("Invalid enumerator for AbecsWkPanType_E: 3", &bad, noKeys, &encoded);
+    refused("Invalid enumerator for AbecsWkPanType_E: -1", &good, noKeys + 1, &encoded);
+    refused("Invalid hex string", &bad, &des, &encoded);
+    refused("'szHex' is zero", &noSize, &des, &encoded);
+    EXPECT_STREQ(encoded.data, "old");
+}
+
+TEST(Gen0403, IsSentPolledAndAborted) {
+    const std::string full(32, '\xE9');
+    AbecsCmdGen0403CmdData longest{8, "00200080", '2', 99, 99, {}};
+    std::memset(longest.message, '\xE9', sizeof longest.message);
+    const std::pair<AbecsCmdGen0403CmdData, std::string> rows[] = {
+        {{0, "00200080", 'b', 0, 12, "?"}, "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' ')},
+        {longest, "GEN053|04|048|03|8|00200080|2|99|99"_wire + full},
+    };
+    const auto polled = abecs_cmd_gen_04_03_response;
+    for (const auto& [data, request] : rows) {
+        Link link;
+        char text[33] = "";
+        AbecsCmdGen0403RspData verdict{};
+        EXPECT_REFUSED(3, "GEN/04/03 was not sent yet", polled(link.comm, &verdict, text));
+        link.peer.request(request).response("NTM000004WAIT").response("XYZ000").response("GEN00");
+        EXPECT_EQ(link.call(abecs_cmd_gen_04_03)(&data), KOR_RESULT_OK);
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GEN/04/03");
+        EXPECT_EQ(link.call(polled)(&verdict, text), -2);
+        EXPECT_STREQ(text, "WAIT");
+        EXPECT_RAISES(12, "(GEN/04/03) Invalid RSP_ID: XYZ)", polled(link.comm, &verdict, text));
+        EXPECT_RAISES(12, "Unrecognized response", polled(link.comm, &verdict, nullptr));
+        link.peer.response("GEN000|008|005|1|63C2"_wire);
+        EXPECT_EQ(link.call(polled)(&verdict, text), 0);
+        EXPECT_EQ(verdict.status, 1);
+        EXPECT_STREQ(verdict.sw, "63C2");
+        link.peer.request(request).response("ERR013").request(request).accept_can();
+        EXPECT_EQ(link.call(abecs_cmd_gen_04_03)(&data), KOR_RESULT_OK);
+        EXPECT_EQ(link.call(polled)(&verdict, text), 13);
+        EXPECT_EQ(link.call(abecs_cmd_gen_04_03)(&data), KOR_RESULT_OK);
+        EXPECT_NO_RAISE(abecs_comm_send_can(link.comm));
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
+    }
+}
+
+TEST(Gen0403, ChecksItsArgumentsInTheirOrder) {
+    Link link;
+    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_04_03(link.comm, nullptr));
+    EXPECT_REFUSED(2, "'rspDataOut' is NULL", abecs_cmd_gen_04_03_response(link.comm, nullptr, nullptr));
+    const std::pair<const char*, AbecsCmdGen0403CmdData> rows[] = {
+        {"'cmdData->slot' is invalid: 9", {9, "x", 'g', 101, 100, "\r"}},
+        {"'cmdData->format' is invalid: g", {8, "x", 'g', 101, 100, "\r"}},
+        {"'cmdData->format' is invalid: /", {8, "x", '/', 101, 100, "\r"}},
+        {"'cmdData->pinMinDigits' is invalid: 101", {8, "x", 'A', 101, 100, "\r"}},
+        {"'cmdData->pinMaxDigits' is invalid: 100", {8, "x", 'A', 99, 100, "\r"}},
+        {"'cmdData->pinMinDigits (5)' is greater than cmdData->pinMaxDigits (4)", {8, "x", 'A', 5, 4, "\r"}},
+    };
+    for (const auto& [detail, data] : rows) { EXPECT_REFUSED(2, detail, abecs_cmd_gen_04_03(link.comm, &data)); }
+    const AbecsCmdGen0403CmdData badHeader{8, "002000x0", 'A', 4, 4, "\r"};
+    const AbecsCmdGen0403CmdData badMessage{8, "00200080", 'A', 4, 4, "\r"};
+    EXPECT_RAISES(2, "Invalid hex byte at index 6", abecs_cmd_gen_04_03(link.comm, &badHeader));
+    EXPECT_RAISES(2, "Invalid character (0x0D) at position 0", abecs_cmd_gen_04_03(link.comm, &badMessage));
+    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
+}
+
+}  // namespace
