@@ -72,13 +72,7 @@ TEST(Collection, ClearingAndDeletingInACleanUpKeepThePendingError) {
     };
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "pending", fail_and_clean_up());
     EXPECT_EQ(counted::deletions, 2);
-    kor_map_delete(&map);
-    kor_set_delete(&set);
-    kor_list_delete(&list);
-    kor_buffer_delete(&buffer);
-    kor_map_delete(nullptr);
-    kor_set_delete(nullptr);
-    kor_list_delete(nullptr);
+    EXPECT_TRUE(map == nullptr && set == nullptr && list == nullptr && buffer == nullptr);
 }
 
 }  // namespace

@@ -5,17 +5,13 @@
 
 // Deletes a library object at the end of a test. Keep it outside the lambdas in which a raise may be on its way.
 template <typename Object, void (*kDelete)(Object**)>
-class Owned {
-public:
-    explicit Owned(Object* object) : object_(object) {}
-    ~Owned() { kDelete(&object_); }
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
+struct Owned {
+    explicit Owned(Object* made) : object(made) {}
+    ~Owned() { kDelete(&object); }
+    Owned(Owned&&) = delete;
+    operator Object*() const { return object; }
 
-    operator Object*() const { return object_; }
-
-private:
-    Object* object_;
+    Object* object;
 };
 
 #endif

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <vector>
 
 #include "core/serial.h"
@@ -85,7 +84,11 @@ TEST_F(FailingSerial, AHungUpLineIsAnErrorAndNoTimeOut) {
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "ioctl(FIONREAD) error: 5", kor_serial_available(port));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", kor_serial_set_read_timeout(port, 1));
     EXPECT_TRUE(elapsed.between(0ms, 10'000ms));
-    EXPECT_NO_RAISE(kor_serial_close(&port));
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_serial_read_byte(port), 0);
+    kor_serial_write(port, "abc", 3);
+    EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_IO_ERROR, {"read() error: 5", "tcdrain() error: 5"}));
+    kor_serial_close(&port);
     EXPECT_EQ(port, nullptr);
 }
 
@@ -117,45 +120,6 @@ TEST_F(FailingSerial, AReadOrWriteThatFailsAloneIsReportedWithItsOwnNumber) {
     replace_descriptor(open(line.path().c_str(), O_WRONLY | O_NOCTTY));
     line.feed("x");
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 9", kor_serial_read_byte(port));
-}
-
-// Calls it with none for the handle and zeros for the rest.
-template <typename Result, typename... Parameters>
-void call_without_handle(Result (*function)(KorSerial*, Parameters...)) {
-    if constexpr (std::is_void_v<Result>) {
-        function(nullptr, Parameters{}...);
-    } else {
-        EXPECT_EQ(function(nullptr, Parameters{}...), Result{});
-    }
-}
-
-template <auto... Functions>
-size_t call_each_without_handle() {
-    (call_without_handle(Functions), ...);
-    return sizeof...(Functions);
-}
-
-TEST(SerialHandle, NoneIsRefusedOnceEverywhereButOnClose) {
-    const support::ReturningRaises raises;
-    const size_t calls = call_each_without_handle<
-        kor_serial_config, kor_serial_set_read_timeout, kor_serial_set_baud_rate, kor_serial_set_data_bits,
-        kor_serial_set_stop_bits, kor_serial_set_parity, kor_serial_set_flow_control, kor_serial_purge,
-        kor_serial_available, kor_serial_write, kor_serial_write_byte, kor_serial_write_str, kor_serial_write_i16,
-        kor_serial_write_ui16, kor_serial_write_i32, kor_serial_write_ui32, kor_serial_read, kor_serial_read_byte,
-        kor_serial_read_ui16, kor_serial_read_i16, kor_serial_read_ui32, kor_serial_read_i32, kor_serial_read_str>();
-    EXPECT_EQ(raises.all(), std::vector(calls, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'handle' is NULL")));
-    KorSerial* none = nullptr;
-    EXPECT_NO_RAISE(kor_serial_close(&none));
-    EXPECT_NO_RAISE(kor_serial_close(nullptr));
-}
-
-TEST_F(FailingSerial, AFailureIsReportedOnceWhereTheRaiseReturns) {
-    const support::ReturningRaises raises;
-    line.hang_up();
-    EXPECT_EQ(kor_serial_read_byte(port), 0);
-    kor_serial_write(port, "abc", 3);
-    EXPECT_EQ(raises.all(), (std::vector{support::error(KOR_RESULT_IO_ERROR, "read() error: 5"),
-                                         support::error(KOR_RESULT_IO_ERROR, "tcdrain() error: 5")}));
 }
 
 }  // namespace

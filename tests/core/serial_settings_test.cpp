@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "core/serial_settings.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/raised.h"
@@ -57,11 +57,7 @@ TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
 }
 
 TEST(SerialSettings, OtherValuesAreRefused) {
-    const struct {
-        bool (*apply)(termios&, int32_t);
-        const char* name;
-        std::vector<int32_t> values;
-    } cases[] = {
+    const std::tuple<bool (*)(termios&, int32_t), std::string, std::vector<int32_t>> cases[] = {
         // 13 is B9600 and 15 B38400: the numbers behind the constants are no speeds.
         {kor::set_baud_rate, "baudRate", {0, 13, 15, 50, 9601, 230400, -9600}},
         {kor::set_data_bits, "dataBits", {4, 9, 0, -8, 0x30}},
@@ -69,12 +65,11 @@ TEST(SerialSettings, OtherValuesAreRefused) {
         {kor::set_parity, "parity", {3, -1}},
         {kor::set_flow_control, "flowControl", {3, -1}},
     };
-    for (const auto& test : cases) {
-        for (const int32_t value : test.values) {
+    for (const auto& [apply, name, values] : cases) {
+        for (const int32_t value : values) {
             termios settings{};
-            EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR,
-                          "Unsupported " + std::string(test.name) + ": " + std::to_string(value),
-                          test.apply(settings, value));
+            EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported " + name + ": " + std::to_string(value),
+                          apply(settings, value));
         }
     }
 }

@@ -31,43 +31,26 @@ TEST(Set, RefusesItsArgumentsInTheirOrder) {
                                   given > 2 ? copy : nullptr, nullptr));
         ++given;
     }
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'initialCapacity': 0", kor_int_set_new(0));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'initialCapacity': 1", kor_string_set_new(1));
 }
 
-TEST(Set, RefusesNoneEverywhere) {
+TEST(Set, IteratorsRefuseWhatTheyCannotGoOnFrom) {
     const Set set(kor_int_set_new(2));
     KorSetIterator it{};
     KorIntSetIterator ints{};
     KorStringSetIterator texts{};
     const support::ReturningRaises raises;
-    EXPECT_EQ(kor_set_put(nullptr, "x"), nullptr);
-    EXPECT_EQ(kor_int_set_put(nullptr, 1), nullptr);
-    EXPECT_FALSE(kor_string_set_contains(nullptr, "x"));
-    kor_set_clear(nullptr);
-    EXPECT_EQ(kor_set_capacity(nullptr), 0U);
-    EXPECT_EQ(kor_set_size(nullptr), 0U);
-    EXPECT_EQ(kor_set_begin(nullptr, nullptr), nullptr);
-    EXPECT_EQ(kor_int_set_begin(nullptr, nullptr), nullptr);
-    EXPECT_EQ(kor_string_set_begin(nullptr, nullptr), nullptr);
-    EXPECT_EQ(raises.all(), std::vector(9, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL")));
-
-    const support::ReturningRaises more;
     EXPECT_EQ(kor_set_begin(set, nullptr), nullptr);
     EXPECT_EQ(kor_int_set_begin(set, nullptr), nullptr);
     EXPECT_EQ(kor_string_set_begin(set, nullptr), nullptr);
-    EXPECT_EQ(kor_set_next(nullptr), nullptr);
-    EXPECT_EQ(kor_int_set_next(nullptr), nullptr);
-    EXPECT_EQ(kor_string_set_next(nullptr), nullptr);
     EXPECT_EQ(kor_set_next(&it), nullptr);
     EXPECT_EQ(kor_int_set_next(&ints), nullptr);
     EXPECT_EQ(kor_string_set_next(&texts), nullptr);
     ints = {set, 5};
     EXPECT_EQ(kor_int_set_next(&ints), nullptr);
-    EXPECT_EQ(more.all(), support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
-                                          {"'out' is NULL", "'out' is NULL", "'out' is NULL", "'it' is NULL",
-                                           "'it' is NULL", "'it' is NULL", "'it->set' is NULL", "'it->intSet' is NULL",
-                                           "'it->set' is NULL", "'it->item' not present in 'it->set'"}));
+    EXPECT_EQ(raises.all(),
+              support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
+                              {"'out' is NULL", "'out' is NULL", "'out' is NULL", "'it->set' is NULL",
+                               "'it->intSet' is NULL", "'it->set' is NULL", "'it->item' not present in 'it->set'"}));
 }
 
 TEST(Set, TakesAnEqualItemOnce) {
@@ -81,11 +64,9 @@ TEST(Set, TakesAnEqualItemOnce) {
     EXPECT_EQ(kor_set_put(set, nullptr), nullptr);
     EXPECT_TRUE(kor_set_contains(set, nullptr));
     EXPECT_EQ(kor_set_size(set), 3U);
-    EXPECT_EQ(kor_set_capacity(set), 8U);
     kor_set_clear(set);
     EXPECT_EQ(counted::deletions, 2);
     EXPECT_FALSE(kor_set_contains(set, "abc"));
-    EXPECT_EQ(kor_set_capacity(set), 8U);
 }
 
 int hashes_left = 0;
@@ -112,7 +93,6 @@ TEST(Set, AHashThatFailsWhileTheSetGrowsChangesNothing) {
     EXPECT_EQ(kor_set_put(set, "ccc"), nullptr);
     EXPECT_EQ(raises.all().size(), 1U);
     hashes_left = 99;
-    EXPECT_FALSE(kor_set_contains(set, "ccc"));
     EXPECT_NE(kor_set_put(set, "ccc"), nullptr);
     EXPECT_EQ(kor_set_capacity(set), 8U);
 }
@@ -130,43 +110,32 @@ std::vector<int32_t> values(const KorSet* set) {
 // first, takes the last one and 15 wraps.
 TEST(IntSet, IteratesInSlotOrderAcrossTheWrap) {
     const Set set(kor_int_set_new(4));
-    EXPECT_EQ(values(set), std::vector<int32_t>{});
     EXPECT_EQ(*kor_int_set_put(set, 15), 15);
     EXPECT_EQ(*kor_int_set_put(set, 7), 7);
     EXPECT_EQ(values(set), (std::vector<int32_t>{7, 15}));
     EXPECT_EQ(*kor_int_set_put(set, 1), 1);
-    EXPECT_EQ(values(set), (std::vector<int32_t>{15, 1, 7}));
     EXPECT_EQ(*kor_int_set_put(set, -1), -1);
     EXPECT_EQ(values(set), (std::vector<int32_t>{15, 1, -1, 7}));
     EXPECT_EQ(kor_int_set_put(set, -1), nullptr);
     EXPECT_TRUE(kor_int_set_contains(set, -1));
     EXPECT_FALSE(kor_int_set_contains(set, 23)) << "meets the others' slots, but is not there";
-}
-
-TEST(IntSet, PassesOverAnItemThatIsNoNumber) {
-    const Set set(kor_int_set_new(8));
     kor_set_put(set, nullptr);
-    kor_int_set_put(set, 4);
-    EXPECT_EQ(values(set), std::vector<int32_t>{4});
+    EXPECT_EQ(values(set), (std::vector<int32_t>{15, 1, -1, 7})) << "an item that is no number is passed over";
 }
 
 TEST(StringSet, TellsTextsApartByCaseAndHoldsNone) {
     const Set set(kor_string_set_new(8));
     EXPECT_STREQ(kor_string_set_put(set, "b"), "b");  // 98, the third slot
     EXPECT_STREQ(kor_string_set_put(set, "B"), "B");  // 66, the third too
-    EXPECT_EQ(kor_string_set_put(set, "b"), nullptr);
     EXPECT_EQ(kor_string_set_put(set, nullptr), nullptr);
     EXPECT_TRUE(kor_string_set_contains(set, "B"));
     EXPECT_FALSE(kor_string_set_contains(set, "c"));
-    KorStringSetIterator it{};
-    ASSERT_EQ(kor_string_set_begin(set, &it), &it);
-    EXPECT_EQ(it.item, nullptr);
-    ASSERT_EQ(kor_string_set_next(&it), &it);
-    EXPECT_STREQ(it.item, "b");
-    ASSERT_EQ(kor_string_set_next(&it), &it);
-    EXPECT_STREQ(it.item, "B");
-    EXPECT_EQ(kor_string_set_next(&it), nullptr);
-    EXPECT_STREQ(it.item, "B");
+    std::vector<std::string> met;
+    KorStringSetIterator position{};
+    for (auto* it = kor_string_set_begin(set, &position); it != nullptr; it = kor_string_set_next(it)) {
+        met.push_back(counted::text_of(it->item));
+    }
+    EXPECT_EQ(met, (std::vector<std::string>{"none", "b", "B"}));
 }
 
 }  // namespace

@@ -32,8 +32,7 @@ public:
         timer_delete(timer_);
         sigaction(SIGALRM, &before_, nullptr);
     }
-    Signals(const Signals&) = delete;
-    Signals& operator=(const Signals&) = delete;
+    Signals(Signals&&) = delete;
 
     [[nodiscard]] int seen() const { return count; }
 

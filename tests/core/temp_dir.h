@@ -25,8 +25,7 @@ public:
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
+    TempDir(TempDir&&) = delete;
 
     [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 

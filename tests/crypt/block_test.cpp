@@ -69,8 +69,7 @@ public:
         if (family == kAes) { aes_ = crypt_aes_cipher_new(bytes(key), key.size()); }
     }
     ~Key() { crypt_aes_cipher_delete(&aes_); }
-    Key(const Key&) = delete;
-    Key& operator=(const Key&) = delete;
+    Key(Key&&) = delete;
 
     [[nodiscard]] const void* get() const {
         if (family_ == kDes) { return des_.data(); }
@@ -253,8 +252,7 @@ public:
         setup_status = CRYPT_OK;
         block_status = CRYPT_OK;
     }
-    WatchedCipher(const WatchedCipher&) = delete;
-    WatchedCipher& operator=(const WatchedCipher&) = delete;
+    WatchedCipher(WatchedCipher&&) = delete;
 
 private:
     ltc_cipher_descriptor& descriptor_;

@@ -57,8 +57,7 @@ public:
     explicit Private(CryptRsaKey* key) : key_(key) {}
     explicit Private(const std::string& N = kN, const std::string& e = kE) : key_(load(N, e, kD)) {}
     ~Private() { crypt_rsa_key_delete(&key_); }
-    Private(const Private&) = delete;
-    Private& operator=(const Private&) = delete;
+    Private(Private&&) = delete;
 
     operator const CryptRsaKey*() const { return key_; }
     [[nodiscard]] const CryptRsaKey* get() const { return key_; }

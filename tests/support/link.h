@@ -43,8 +43,7 @@ public:
         raised_by([&] { abecs_comm_close(&comm); });
     }
 
-    Link(const Link&) = delete;
-    Link& operator=(const Link&) = delete;
+    Link(Link&&) = delete;
 
     // call(function)(arguments...) calls a function of the link; an error raised is a failure of the test.
     template <typename Result, typename Handle, typename... Parameters>

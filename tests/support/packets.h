@@ -17,8 +17,7 @@ class Packet {
 public:
     explicit Packet(std::string_view bytes = {}) { fill(bytes); }
     ~Packet() { abecs_packet_delete(&packet_); }
-    Packet(const Packet&) = delete;
-    Packet& operator=(const Packet&) = delete;
+    Packet(Packet&&) = delete;
 
     [[nodiscard]] AbecsPacket* get() const { return packet_; }
     operator AbecsPacket*() const { return packet_; }

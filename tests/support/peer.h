@@ -41,8 +41,7 @@ public:
 
     Peer();
     ~Peer();
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
+    Peer(Peer&&) = delete;
 
     // The device for the host to open.
     [[nodiscard]] const std::string& path() const { return path_; }

@@ -44,8 +44,7 @@ class ReturningRaises {
 public:
     ReturningRaises();
     ~ReturningRaises();
-    ReturningRaises(const ReturningRaises&) = delete;
-    ReturningRaises& operator=(const ReturningRaises&) = delete;
+    ReturningRaises(ReturningRaises&&) = delete;
 
     [[nodiscard]] const std::vector<Raised>& all() const;
 };

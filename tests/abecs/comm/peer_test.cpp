@@ -24,8 +24,7 @@ class Host {
 public:
     explicit Host(const Peer& peer) : fd_(open(peer.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {}
     ~Host() { close(fd_); }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
+    Host(Host&&) = delete;
 
     void send(const std::string& bytes) const { ASSERT_EQ(write(fd_, bytes.data(), bytes.size()), std::ssize(bytes)); }
 

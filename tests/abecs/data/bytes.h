@@ -20,8 +20,7 @@ public:
         kor_buffer_write(buffer_, content.data(), content.size());
     }
     ~Bytes() { kor_buffer_delete(&buffer_); }
-    Bytes(const Bytes&) = delete;
-    Bytes& operator=(const Bytes&) = delete;
+    Bytes(Bytes&&) = delete;
 
     operator KorBuffer*() const { return buffer_; }
 
@@ -40,8 +39,7 @@ class Param {
 public:
     Param() : param_(abecs_param_new()) {}
     ~Param() { abecs_param_delete(&param_); }
-    Param(const Param&) = delete;
-    Param& operator=(const Param&) = delete;
+    Param(Param&&) = delete;
 
     operator AbecsParam*() const { return param_; }
 

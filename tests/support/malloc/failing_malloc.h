@@ -13,8 +13,7 @@ class FailingMalloc {
 public:
     explicit FailingMalloc(size_t n);
     ~FailingMalloc();
-    FailingMalloc(const FailingMalloc&) = delete;
-    FailingMalloc& operator=(const FailingMalloc&) = delete;
+    FailingMalloc(FailingMalloc&&) = delete;
 
     [[nodiscard]] bool failed() const;
 
