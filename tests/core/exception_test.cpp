@@ -52,7 +52,6 @@ TEST(Exception, NothingPendingOutsideABlock) {
     EXPECT_STREQ(kor_exception_get_message(), "");
     KorException copy{};
     EXPECT_EQ(kor_exception_get(&copy), &copy);
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_exception_get(nullptr));
 }
 
 TEST(TryBlockInC, RunsItsBranchesInOrder) {
@@ -113,9 +112,8 @@ TEST(UncaughtHandler, ThatReturnsLetsTheRaiserGoOn) {
     EXPECT_EQ(kor_exception_get_error(), 0);
     EXPECT_STREQ(kor_exception_get_message(), "") << "nothing is left pending";
     EXPECT_STREQ(kor_result_to_string(99), "");
-    EXPECT_EQ(kor_exception_get(nullptr), nullptr);
     EXPECT_FALSE(kor_enum_is_valid(INT_MIN, 1, INT_MIN));
-    EXPECT_EQ(handler.all().size(), 4U);
+    EXPECT_EQ(handler.all().size(), 3U);
 }
 
 TEST(UncaughtHandler, SeesAnErrorThatABlockPassedOn) {
@@ -138,27 +136,23 @@ TEST(UncaughtHandlerDeathTest, DefaultPrintsAndAborts) {
 }
 
 TEST(Enum, ChecksListsAndRanges) {
-    EXPECT_TRUE(kor_enum_is_valid(3, 1, 3, 5, INT_MIN));
-    EXPECT_TRUE(kor_enum_is_valid(5, 1, 3, 5, INT_MIN));
-    EXPECT_FALSE(kor_enum_is_valid(4, 1, 3, 5, INT_MIN));
-    EXPECT_FALSE(kor_enum_is_valid(4, INT_MIN));
+    for (int32_t value = -2; value <= 6; ++value) {
+        EXPECT_EQ(kor_enum_is_valid(value, 1, 3, 5, INT_MIN), value == 1 || value == 3 || value == 5) << value;
+        EXPECT_EQ(kor_enum_is_valid_range(value, -1, 5), value != -2 && value != 6) << value;
+        EXPECT_EQ(kor_enum_is_valid_range(value, 5, 5), value == 5) << value;
+        EXPECT_FALSE(kor_enum_is_valid(value, INT_MIN));
+    }
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "-2147483648 is not acceptable as an enumerator",
                   kor_enum_is_valid(INT_MIN, 1, INT_MIN));
-    EXPECT_TRUE(kor_enum_is_valid_range(5, 5, 5));
-    EXPECT_TRUE(kor_enum_is_valid_range(-1, -1, 1));
-    EXPECT_FALSE(kor_enum_is_valid_range(-2, -1, 1));
-    EXPECT_FALSE(kor_enum_is_valid_range(2, -1, 1));
 }
 
 TEST(Heap, ExhaustionRaisesUnlessNullable) {
     const size_t impossible = SIZE_MAX / 2;
     EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(impossible, 0));
-    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(impossible, 2));
     EXPECT_EQ(kor_heap_alloc(impossible, 1), nullptr);
     void* empty = kor_heap_alloc(0, 1);
     EXPECT_NE(empty, nullptr);
     kor_heap_free(empty);
-    kor_heap_free(nullptr);
 }
 
 }  // namespace

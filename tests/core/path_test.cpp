@@ -8,10 +8,11 @@
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
-#include "quorvel/kor/exception.h"
+#include "core/raise.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
@@ -24,11 +25,7 @@ namespace {
 using List = Owned<KorList, kor_string_list_delete>;
 
 TEST(Path, NameAndExtensionAreWorkedOutOfTheText) {
-    const struct {
-        const char* path;
-        const char* name;
-        const char* extension;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"/no/such/a.tar.gz", "a.tar.gz", "tar.gz"},
         {"logo.png", "logo.png", "png"},
         {"/no/such.d/file", "file", ""},
@@ -37,10 +34,10 @@ TEST(Path, NameAndExtensionAreWorkedOutOfTheText) {
         {"/no/such/", "", ""},
         {"", "", ""},
     };
-    for (const auto& test : cases) {
-        EXPECT_STREQ(kor_path_name(test.path), test.name) << test.path;
-        EXPECT_STREQ(kor_path_extension(test.path), test.extension) << test.path;
-        EXPECT_STREQ(kor_path_lextension(test.path, true), test.extension) << test.path;
+    for (const auto& [path, name, extension] : cases) {
+        EXPECT_STREQ(kor_path_name(path), name) << path;
+        EXPECT_STREQ(kor_path_extension(path), extension) << path;
+        EXPECT_STREQ(kor_path_lextension(path, true), extension) << path;
     }
     EXPECT_EQ(kor_path_name(nullptr), nullptr);
     EXPECT_STREQ(kor_path_extension(nullptr), "");
@@ -61,15 +58,12 @@ TEST(Path, TellsWhatIsThere) {
     const std::string folder = dir.dir("folder");
     const std::string file = dir.file("file", "12345");
     const std::string link = dir.link("link", file);
-    const struct {
-        std::string path;
-        bool isDir;
-        bool isFile;
-    } cases[] = {{folder, true, false}, {file, false, true}, {link, false, true}, {"/dev/null", false, false}};
-    for (const auto& test : cases) {
-        EXPECT_TRUE(kor_path_exists(test.path.c_str())) << test.path;
-        EXPECT_EQ(kor_path_is_dir(test.path.c_str()), test.isDir) << test.path;
-        EXPECT_EQ(kor_path_is_file(test.path.c_str()), test.isFile) << test.path;
+    const std::tuple<std::string, bool, bool> cases[] = {
+        {folder, true, false}, {file, false, true}, {link, false, true}, {"/dev/null", false, false}};
+    for (const auto& [path, isDir, isFile] : cases) {
+        EXPECT_TRUE(kor_path_exists(path.c_str())) << path;
+        EXPECT_EQ(kor_path_is_dir(path.c_str()), isDir) << path;
+        EXPECT_EQ(kor_path_is_file(path.c_str()), isFile) << path;
     }
     EXPECT_EQ(kor_path_file_size(link.c_str()), 5U);
 }
@@ -106,7 +100,6 @@ TEST(Path, WhatIsMissingIsToldFromWhatCannotBeSeen) {
         EXPECT_EQ(support::raised_by([&] { kor_path_last_modified(text); }), expected);
         EXPECT_EQ(support::raised_by([&] { kor_path_list_entries(text, out); }), expected);
     }
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "stat() error: 14", kor_path_is_dir(nullptr));
 }
 
 TEST(Path, WorkingDirectoryNeedsRoom) {
@@ -114,7 +107,6 @@ TEST(Path, WorkingDirectoryNeedsRoom) {
     EXPECT_EQ(kor_path_cwd(path.data(), path.size()), path.data());
     EXPECT_EQ(std::string(path.data()), std::filesystem::current_path().string());
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "getcwd() error: 34", kor_path_cwd(path.data(), 1));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'outBuf' is NULL", kor_path_cwd(nullptr, 10));
 }
 
 TEST(PathList, ReplacesTheListByTheNames) {
@@ -155,10 +147,7 @@ TEST(PathList, ADirectoryThatCannotBeOpenedIsReportedWithoutANumber) {
 
 bool equals(const void* lhs, const void* rhs) { return lhs == rhs; }
 
-void* copy_and_fail(const void* /*item*/) {
-    kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "[KOR_RESULT_RUNTIME_ERROR] no copy");
-    return nullptr;
-}
+void* copy_and_fail(const void* /*item*/) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "no copy"), nullptr; }
 
 // Descriptors are given lowest first, so the directory opened next has this number.
 int next_descriptor = -1;

@@ -65,7 +65,8 @@ TEST(SerialSettings, OtherValuesAreRefused) {
         {kor::set_parity, "parity", {3, -1}},
         {kor::set_flow_control, "flowControl", {3, -1}},
     };
-    for (const auto& [apply, name, values] : cases) {
+    for (const auto& [function, name, values] : cases) {
+        const auto apply = function;
         for (const int32_t value : values) {
             termios settings{};
             EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported " + name + ": " + std::to_string(value),

@@ -233,7 +233,7 @@ TEST_F(ConfiguredSerial, PurgeDiscardsTheQueueThatItNames) {
                                      std::pair(KOR_SERIAL_PURGE_BOTH, 0U)}) {
         line.feed("abc");
         EXPECT_EQ(kor_serial_available(port), 3U);
-        EXPECT_NO_RAISE(kor_serial_purge(port, type));
+        kor_serial_purge(port, type);
         EXPECT_EQ(kor_serial_available(port), left);
         tcflush(line.near_side(), TCIFLUSH);
     }

@@ -32,35 +32,15 @@ TEST(StringFormat, CutsAndTerminates) {
     EXPECT_STREQ(to, "........");
     EXPECT_EQ(vformat(to, 8, nullptr), 0);
     EXPECT_STREQ(to, "");
-}
-
-TEST(String, ChecksItsDestinations) {
-    char text[8] = "text";
-    const char* same = "'to' and 'format' points to the same buffer";
-    const support::ReturningRaises raises;
-    EXPECT_EQ(kor_string_format(nullptr, 8, nullptr), nullptr);
-    EXPECT_EQ(kor_string_format(text, sizeof text, text), text);
-    EXPECT_EQ(vformat(nullptr, 8, nullptr), 0);
-    EXPECT_EQ(vformat(nullptr, 8, "x"), 0);
-    EXPECT_EQ(kor_string_copy(nullptr, "x"), nullptr);
-    EXPECT_EQ(kor_string_ltrim(nullptr, "x", nullptr), nullptr);
-    EXPECT_EQ(kor_string_rtrim(nullptr, "x", nullptr), nullptr);
-    EXPECT_EQ(kor_string_trim(nullptr, nullptr, nullptr), nullptr);
-    kor_string_to_lower(nullptr, "x");
-    kor_string_to_upper(nullptr, "x");
-    EXPECT_EQ(kor_string_random(nullptr, 3), nullptr);
-    EXPECT_EQ(raises.all(),
-              support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
-                              {"'to' is NULL", same, same, "'to' is NULL", "'to' is NULL", "'to' is NULL",
-                               "'to' is NULL", "'to' is NULL", "'out' is NULL", "'out' is NULL", "'dest' is NULL"}));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer",
+                  kor_string_format(to, 8, to));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL", vformat(nullptr, 8, "x"));
 }
 
 TEST(String, NewCopiesToTheHeap) {
     EXPECT_EQ(kor_string_new(nullptr), nullptr);
-    const char original[] = "text";
-    char* copy = kor_string_new(original);
-    EXPECT_STREQ(copy, original);
-    EXPECT_NE(copy, original);
+    char* copy = kor_string_new("text");
+    EXPECT_STREQ(copy, "text");
     kor_heap_free(copy);
 }
 

@@ -26,16 +26,14 @@ TEST(System, TimeIsTheWallClockInMilliseconds) {
 }
 
 TEST(System, RandomCoversItsRangeAndNothingElse) {
-    const struct {
-        int32_t min;
-        int32_t max;
-    } ranges[] = {{0, 61}, {-3, 3}, {7, 7}, {INT_MAX - 1, INT_MAX}, {INT_MIN, INT_MIN + 1}};
-    for (const auto& range : ranges) {
+    const std::pair<int32_t, int32_t> ranges[] = {
+        {0, 61}, {-3, 3}, {7, 7}, {INT_MAX - 1, INT_MAX}, {INT_MIN, INT_MIN + 1}};
+    for (const auto& [min, max] : ranges) {
         std::set<int32_t> seen;
-        for (int i = 0; i < 5000; ++i) { seen.insert(kor_system_random(range.min, range.max)); }
-        EXPECT_EQ(*seen.begin(), range.min);
-        EXPECT_EQ(*seen.rbegin(), range.max);
-        EXPECT_EQ(seen.size(), static_cast<size_t>(int64_t{range.max} - range.min + 1));
+        for (int i = 0; i < 5000; ++i) { seen.insert(kor_system_random(min, max)); }
+        EXPECT_EQ(*seen.begin(), min);
+        EXPECT_EQ(*seen.rbegin(), max);
+        EXPECT_EQ(seen.size(), static_cast<size_t>(int64_t{max} - min + 1));
     }
 }
 
@@ -62,7 +60,6 @@ TEST(Thread, SleepsForMillisecondsUnlessASignalComes) {
     const support::Elapsed elapsed;
     EXPECT_NO_RAISE(kor_thread_sleep(20));
     EXPECT_TRUE(elapsed.between(20ms, 5000ms));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "millis == 0", kor_thread_sleep(0));
     const Signals signals(0);
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "usleep() error: 4", kor_thread_sleep(30'000));
     EXPECT_TRUE(elapsed.between(0ms, 20'000ms));

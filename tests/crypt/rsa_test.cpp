@@ -9,11 +9,13 @@
 #include <set>
 #include <string>
 #include <tommath.h>
+#include <tuple>
 #include <utility>
 
 #include "crypt/registry.h"
 #include "crypt/rsa_key.h"
 #include "quorvel/crypt/init.h"
+#include "tests/core/owned.h"
 #include "tests/crypt/wiped.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
@@ -52,18 +54,9 @@ CryptRsaKey* load(const std::string& N, const std::string& e, const std::string&
     return crypt_rsa_key_load(bytes(N), N.size(), bytes(e), e.size(), bytes(d), d.size());
 }
 
-class Private {
-public:
-    explicit Private(CryptRsaKey* key) : key_(key) {}
-    explicit Private(const std::string& N = kN, const std::string& e = kE) : key_(load(N, e, kD)) {}
-    ~Private() { crypt_rsa_key_delete(&key_); }
-    Private(Private&&) = delete;
-
-    operator const CryptRsaKey*() const { return key_; }
-    [[nodiscard]] const CryptRsaKey* get() const { return key_; }
-
-private:
-    CryptRsaKey* key_;
+struct Private : Owned<CryptRsaKey, crypt_rsa_key_delete> {
+    explicit Private(const std::string& N = kN, const std::string& e = kE) : Owned(load(N, e, kD)) {}
+    [[nodiscard]] const CryptRsaKey* get() const { return object; }
 };
 
 CryptRsaPublicKey public_key(const std::string& N = kN, const std::string& e = kE) {
@@ -111,38 +104,32 @@ TEST(Rsa, OaepVectorAndBothWays) {
 
 TEST(Rsa, GeneratedKeysBelongTogether) {
     for (const int32_t size : {128, 256}) {
-        const Private key(crypt_rsa_key_new(size, 65537));
+        const Owned<CryptRsaKey, crypt_rsa_key_delete> key(crypt_rsa_key_new(size, 65537));
         EXPECT_EQ(crypt_rsa_key_get_size(key), size);
         CryptRsaPublicKey publicKey;
         ASSERT_EQ(crypt_rsa_get_public_key(key, &publicKey), &publicKey);
         EXPECT_EQ(publicKey.modulusSize, static_cast<uint32_t>(size));
         EXPECT_EQ(std::string(publicKey.exponent, publicKey.exponent + publicKey.exponentSize), kE);
-        EXPECT_EQ(run(crypt_rsa_decrypt, key.get(), run(crypt_rsa_encrypt, &publicKey, kMessage)), kMessage);
+        EXPECT_EQ(
+            run(crypt_rsa_decrypt, static_cast<const CryptRsaKey*>(key), run(crypt_rsa_encrypt, &publicKey, kMessage)),
+            kMessage);
     }
 }
 
 TEST(Rsa, FaultsOfLoadingInTheirOrder) {
-    const uint8_t* N = bytes(kN);
-    const uint8_t* e = bytes(kE);
-    const uint8_t* d = bytes(kD);
-    const struct {
-        const uint8_t* d;
-        size_t szd;
-        const uint8_t* N;
-        size_t szN;
-        const uint8_t* e;
-        size_t sze;
-        const char* detail;
-    } rows[] = {
-        {nullptr, 0, nullptr, 0, nullptr, 0, "'d' is NULL"}, {d, 0, nullptr, 0, nullptr, 0, "'szd' is zero"},
-        {d, 128, nullptr, 0, nullptr, 0, "'N' is NULL"},     {d, 128, N, 0, nullptr, 0, "'szN' is zero"},
-        {d, 128, N, 127, nullptr, 0, "'e' is NULL"},         {d, 128, N, 127, e, 0, "'sze' is zero"},
-        {d, 128, N, 127, e, 3, "Invalid key size: 127"},     {d, 128, N, 257, e, 3, "Invalid key size: 257"},
+    const auto expect = [](const char* detail, const uint8_t* d, size_t szd, const uint8_t* N, size_t szN,
+                           const uint8_t* e, size_t sze) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, crypt_rsa_key_load(N, szN, e, sze, d, szd));
     };
-    for (const auto& row : rows) {
-        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, row.detail,
-                      crypt_rsa_key_load(row.N, row.szN, row.e, row.sze, row.d, row.szd));
-    }
+    const uint8_t* byte = bytes(kN);
+    expect("'d' is NULL", nullptr, 0, nullptr, 0, nullptr, 0);
+    expect("'szd' is zero", byte, 0, nullptr, 0, nullptr, 0);
+    expect("'N' is NULL", byte, 128, nullptr, 0, nullptr, 0);
+    expect("'szN' is zero", byte, 128, byte, 0, nullptr, 0);
+    expect("'e' is NULL", byte, 128, byte, 127, nullptr, 0);
+    expect("'sze' is zero", byte, 128, byte, 127, byte, 0);
+    expect("Invalid key size: 127", byte, 128, byte, 127, byte, 3);
+    expect("Invalid key size: 257", byte, 128, byte, 257, byte, 3);
     for (const int32_t size : {-128, 0, 64, 127, 129, 512}) {
         EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: " + std::to_string(size),
                       crypt_rsa_key_new(size, 65537));
@@ -150,9 +137,8 @@ TEST(Rsa, FaultsOfLoadingInTheirOrder) {
 }
 
 template <typename Key, typename Function>
-void expect_null_faults(Function function, const Key* key, const char* noKey) {
+void expect_null_faults(Function function, const Key* key) {
     uint8_t block[128]{};
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, noKey, function(nullptr, nullptr, 0, nullptr, 0));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL", function(key, nullptr, 0, nullptr, 0));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", function(key, block, 128, nullptr, 0));
 }
@@ -160,32 +146,23 @@ void expect_null_faults(Function function, const Key* key, const char* noKey) {
 TEST(Rsa, FaultsOfTheOperationsInTheirOrder) {
     const Private key;
     const CryptRsaPublicKey publicKey = public_key();
-    for (const auto function : {crypt_rsa_private_exp, crypt_rsa_decrypt}) {
-        expect_null_faults(function, key.get(), "'privKey' is NULL");
-    }
-    const struct {
-        uint32_t modulusSize;
-        uint32_t exponentSize;
-        int16_t code;
-        const char* detail;
-    } shapes[] = {
+    for (const auto function : {crypt_rsa_private_exp, crypt_rsa_decrypt}) { expect_null_faults(function, key.get()); }
+    const std::tuple<uint32_t, uint32_t, KorResult_E, const char*> shapes[] = {
         {0, 0, KOR_RESULT_ILLEGAL_ARGUMENT, "'szN' is zero"},
         {300, 0, KOR_RESULT_ILLEGAL_ARGUMENT, "'sze' is zero"},
         {300, 5, KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: 300"},
         {128, 5, KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: 5"},
     };
     for (const auto function : {crypt_rsa_public_exp, crypt_rsa_encrypt}) {
-        expect_null_faults(function, &publicKey, "'pubKey' is NULL");
-        for (const auto& shape : shapes) {
+        expect_null_faults(function, &publicKey);
+        for (const auto& [modulusSize, exponentSize, code, detail] : shapes) {
             CryptRsaPublicKey odd = publicKey;
-            odd.modulusSize = shape.modulusSize;
-            odd.exponentSize = shape.exponentSize;
+            odd.modulusSize = modulusSize;
+            odd.exponentSize = exponentSize;
             uint8_t block[128]{};
-            EXPECT_RAISES(shape.code, shape.detail, function(&odd, block, 1, block, sizeof block));
+            EXPECT_RAISES(code, detail, function(&odd, block, 1, block, sizeof block));
         }
     }
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL", crypt_rsa_key_get_size(nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL", crypt_rsa_get_public_key(nullptr, nullptr));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", crypt_rsa_get_public_key(key, nullptr));
 }
 
@@ -253,12 +230,8 @@ TEST(Rsa, RefusedDataLeavesTheOutputAsItWas) {
 
 TEST(Rsa, RaisesThatReturnGiveNothing) {
     const support::ReturningRaises raises;
-    EXPECT_EQ(crypt_rsa_key_new(64, 3), nullptr);
     EXPECT_EQ(crypt_rsa_key_new(128, 2), nullptr);
-    EXPECT_EQ(crypt_rsa_key_load(nullptr, 0, nullptr, 0, nullptr, 0), nullptr);
-    EXPECT_EQ(crypt_rsa_private_exp(nullptr, nullptr, 0, nullptr, 0), 0U);
-    EXPECT_EQ(crypt_rsa_public_exp(nullptr, nullptr, 0, nullptr, 0), 0U);
-    EXPECT_EQ(raises.all().size(), 5U);
+    EXPECT_EQ(raises.all().size(), 1U);
 }
 
 // Looks at the private numbers when they go.
@@ -285,10 +258,7 @@ TEST(Rsa, DeletingWipesThePrivateNumbers) {
     EXPECT_EQ(key, nullptr);
     EXPECT_TRUE(secrets.empty());
     EXPECT_TRUE(all_zero);
-    ASSERT_GE(support::last_freed().size(), sizeof(CryptRsaKey));
     EXPECT_EQ(support::last_freed().substr(0, sizeof(CryptRsaKey)), std::string(sizeof(CryptRsaKey), '\0'));
-    crypt_rsa_key_delete(&key);
-    crypt_rsa_key_delete(nullptr);
 }
 
 TEST(Rsa, KeysThatCannotBeMadeKeepNoMemory) {
