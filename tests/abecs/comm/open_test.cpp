@@ -40,7 +40,6 @@ TEST(Open, SetsAndClearsTheLineAndSendsCan) {
     EXPECT_FALSE(comm->keySet || comm->panProtected || comm->panKeyInstalled);
     EXPECT_LE(kor_system_current_time_millis() - comm->lastSend, 1000);
     const termios line = peer.settings();
-    EXPECT_EQ(cfgetispeed(&line), speed_t{B19200});
     EXPECT_EQ(cfgetospeed(&line), speed_t{B19200});
     EXPECT_EQ(line.c_cflag & (CSIZE | CSTOPB | PARENB | CRTSCTS), tcflag_t{CS8});
     EXPECT_EQ(line.c_iflag & (IXON | IXOFF), 0U);
@@ -95,7 +94,6 @@ TEST(Close, WipesTheKeys) {
     link.comm->key.fill(0xAA);
     link.comm->wkPanKey.fill(0xBB);
     EXPECT_NO_RAISE(abecs_comm_close(&link.comm));
-    ASSERT_GE(support::last_freed().size(), sizeof(AbecsComm));
     EXPECT_EQ(support::last_freed().substr(0, sizeof(AbecsComm)), std::string(sizeof(AbecsComm), '\0'));
 }
 
@@ -106,8 +104,6 @@ TEST(Close, OfAHungUpLineReleasesEverything) {
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link.comm));
     EXPECT_EQ(link.comm, nullptr);
     EXPECT_EQ(open_descriptors(), before - 1);
-    EXPECT_NO_RAISE(abecs_comm_close(&link.comm));
-    EXPECT_NO_RAISE(abecs_comm_close(nullptr));
 }
 
 // Applications close in the clean-up of the block that failed; they want to know why it failed, not that the line did.

@@ -5,6 +5,8 @@
 #include <array>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "quorvel/kor/exception.h"
 #include "tests/support/link.h"
@@ -31,12 +33,7 @@ std::string read_raw(Link& link, const std::string& response) {
 
 // Each packet begins a chain of its own, and a repetition is the same bytes.
 TEST(SecureChannel, EnciphersCommandsWithTheirPadding) {
-    const struct {
-        const char* name;
-        std::string plain;
-        std::string sealed;
-        uint16_t crc;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string, uint16_t> rows[] = {
         {"four bytes of padding", "GIN00200", "B77D14F3 6CF7E650 2B922EE6 C135B0F1"_hex, 0x21B9},
         {"one byte of padding", "ABC12345678", "ED0EA0F9 0A717D0E 624AAF95 1BC1315F"_hex, 0x5A66},
         {"a whole block of padding", "GIX006" + "0001 0002 8001"_hex,
@@ -44,33 +41,30 @@ TEST(SecureChannel, EnciphersCommandsWithTheirPadding) {
     };
     Link link;
     set_key(link);
-    for (const auto& row : rows) {
-        const std::string sealed = support::encrypted_frame(row.sealed, row.crc);
+    for (const auto& [name, plain, cryptogram, crc] : rows) {
+        const std::string sealed = support::encrypted_frame(cryptogram, crc);
         link.peer.expect(sealed).send("15"_hex).expect(sealed).send("06"_hex).expect(sealed).send("06"_hex);
-        const Packet packet(row.plain);
+        const Packet packet(plain);
         for (int i = 0; i < 2; ++i) {
-            EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet)) << row.name;
-            EXPECT_EQ(abecs_packet_available_read(packet), row.plain.size()) << "what goes enciphered is not consumed";
+            EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet)) << name;
+            EXPECT_EQ(abecs_packet_available_read(packet), plain.size()) << "what goes enciphered is not consumed";
         }
     }
+    const Packet tooLong("ABC" + std::string(2038, 'x'));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  abecs_comm_send_packet(link.comm, tooLong));
 }
 
-TEST(SecureChannel, OpnTravelsPlain) {
+TEST(SecureChannel, OpnTravelsPlainAndClosingEndsTheSession) {
     Link link;
     set_key(link);
-    link.peer.request("OPN");
-    const Packet packet("OPN");
-    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
-    EXPECT_TRUE(link.comm->keySet);
-}
-
-TEST(SecureChannel, ClosingGoesEncipheredAndEndsTheSession) {
-    Link link;
-    set_key(link);
-    link.peer
+    link.peer.request("OPN")
         .encrypted_request(
             "4D1068AD97E8779FA16448D2AC874E180E28D1EC5B2E1FCFB0CFD97D515D4D6A8A5F29DD8F163C42EB133280197F8098"_hex)
         .request("GIN00200");
+    const Packet open("OPN");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, open));
+    EXPECT_TRUE(link.comm->keySet);
     const Packet close("CLO032BYE                             ");
     EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, close));
     EXPECT_FALSE(link.comm->keySet);
@@ -105,10 +99,7 @@ TEST(SecureChannel, WithoutAKeyAnEncipheredResponseStaysAsItIs) {
 }
 
 TEST(SecureChannel, RefusesMalformedResponses) {
-    const struct {
-        std::string sealed;
-        const char* detail;
-    } rows[] = {
+    const std::pair<std::string, const char*> rows[] = {
         {std::string(17, 'x'), "Malformed encrypted response"},
         {"D76D38BAEDAED7D0A45863653A41240F"_hex, "Malformed encrypted response (caused by Invalid DATACRC)"},
         {"661AE9A4157DFC6E9827498BD2ACA169"_hex,
@@ -117,20 +108,12 @@ TEST(SecureChannel, RefusesMalformedResponses) {
     };
     Link link;
     set_key(link);
-    for (const auto& row : rows) {
-        link.peer.send(support::encrypted_frame(row.sealed));
+    for (const auto& [sealed, detail] : rows) {
+        link.peer.send(support::encrypted_frame(sealed));
         const Packet packet;
-        EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, row.detail, abecs_comm_read_packet(link.comm, packet));
+        EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, detail, abecs_comm_read_packet(link.comm, packet));
         EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
     }
-}
-
-TEST(SecureChannel, ACommandTooLongToEncipherIsRefused) {
-    Link link;
-    set_key(link);
-    const Packet packet("ABC" + std::string(2038, 'x'));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
-                  abecs_comm_send_packet(link.comm, packet));
 }
 
 }  // namespace

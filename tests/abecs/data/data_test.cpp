@@ -72,7 +72,6 @@ TEST(Dates, FaultsComeInOrder) {
     for (const auto& each : faults) {
         EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, each.second, abecs_data_validate_date(&each.first));
     }
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'date' is NULL", abecs_data_validate_date(nullptr));
 }
 
 TEST(Times, FaultsComeInOrder) {
@@ -86,7 +85,6 @@ TEST(Times, FaultsComeInOrder) {
     }
     const AbecsTime last{23, 59, 59};
     EXPECT_NO_RAISE(abecs_data_validate_time(&last));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'time' is NULL", abecs_data_validate_time(nullptr));
 }
 
 TEST(Hex, ToHexWritesLowerCase) {

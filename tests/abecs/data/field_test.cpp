@@ -24,9 +24,7 @@ TEST(FieldN, IsZeroPaddedAndAtMostThirteenDigits) {
     abecs_data_write_field_n(bytes, 9999999999999, 13);
     abecs_data_write_field_n(bytes, 0, 13);
     EXPECT_EQ(bytes.take(), "0001299999999999990000000000000");
-    const Bytes fields(
-        "00120000000000000"
-        "9999999999999");
+    const Bytes fields("001200000000000009999999999999");
     EXPECT_EQ(abecs_data_read_field_n(fields, 4), 12U);
     EXPECT_EQ(abecs_data_read_field_n(fields, 0), 0U);
     EXPECT_EQ(abecs_data_read_field_n(fields, 13), 0U);
@@ -36,12 +34,9 @@ TEST(FieldN, IsZeroPaddedAndAtMostThirteenDigits) {
 using TextWriter = void (*)(KorBuffer*, const char*, size_t, bool);
 using TextReader = char* (*)(KorBuffer*, char*, size_t, size_t, bool);
 
-void write_a_cdata(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
-    abecs_data_write_field_a_cdata(buffer, data, 1, fieldLen, allowCr);
-}
-
-void write_s_cdata(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
-    abecs_data_write_field_s_cdata(buffer, data, 1, fieldLen, allowCr);
+template <auto kWriteCdata>
+void write_one(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
+    kWriteCdata(buffer, data, 1, fieldLen, allowCr);
 }
 
 struct TextType {
@@ -53,10 +48,11 @@ struct TextType {
 
 class FieldText : public testing::TestWithParam<TextType> {};
 
-INSTANTIATE_TEST_SUITE_P(
-    AAndS, FieldText,
-    testing::Values(TextType{abecs_data_write_field_a, write_a_cdata, abecs_data_read_field_a, 0x7E},
-                    TextType{abecs_data_write_field_s, write_s_cdata, abecs_data_read_field_s, 0xFF}));
+INSTANTIATE_TEST_SUITE_P(AAndS, FieldText,
+                         testing::Values(TextType{abecs_data_write_field_a, write_one<abecs_data_write_field_a_cdata>,
+                                                  abecs_data_read_field_a, 0x7E},
+                                         TextType{abecs_data_write_field_s, write_one<abecs_data_write_field_s_cdata>,
+                                                  abecs_data_read_field_s, 0xFF}));
 
 TEST_P(FieldText, IsPaddedWithBlanksThatReadingDrops) {
     const Bytes bytes;
@@ -156,12 +152,9 @@ TEST(FieldH, ReadingDropsLeadingPairsThirty) {
         EXPECT_EQ(std::vector<uint8_t>(raw, raw + count), expected);
         EXPECT_EQ(abecs_data_read_field_h_raw(bytes, nullptr, 0, length), expected.size());
     }
-}
-
-TEST(FieldH, ExactBytesKeepWhatLooksLikePadding) {
-    const Bytes bytes("3030AB30");
+    const Bytes exact("3030AB30");
     uint8_t raw[4]{};
-    EXPECT_EQ(abecs::read_field_h_bytes(bytes, raw, sizeof raw, 8), 4U);
+    EXPECT_EQ(abecs::read_field_h_bytes(exact, raw, sizeof raw, 8), 4U) << "keeps what looks like padding";
     EXPECT_EQ(std::vector<uint8_t>(raw, raw + 4), (std::vector<uint8_t>{0x30, 0x30, 0xAB, 0x30}));
 }
 
@@ -282,7 +275,7 @@ TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
         const Bytes bytes(each.content);
         const support::ReturningRaises raises;
         each.call(bytes);
-        EXPECT_EQ(raises.all(), std::vector{support::error(each.code, each.detail)});
+        EXPECT_EQ(raises.all(), support::errors(each.code, {each.detail}));
         EXPECT_EQ(bytes.take(), each.left) << each.detail;
     }
 }
@@ -296,9 +289,7 @@ TEST(Fields, AFullBufferIsRaisedOnce) {
     abecs_data_write_field_h_raw(full, raw, 0, 20);
     abecs_data_write_field_x(full, 1, 4);
     abecs_data_write_field_b(full, "x", 1);
-    abecs_data_write_field_n(nullptr, 1, 3);
-    EXPECT_EQ(abecs_data_read_field_b(nullptr, raw, sizeof raw, 0), 0U);
-    EXPECT_EQ(raises.all().size(), 8U);
+    EXPECT_EQ(raises.all().size(), 6U);
 }
 
 }  // namespace

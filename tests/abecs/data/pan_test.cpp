@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "abecs/data/pan_hex.h"
@@ -40,12 +41,7 @@ private:
 // All numbers here are published test numbers, or such a number with zeros in front. The enciphered and deciphered
 // forms come from a second implementation of the ciphers.
 TEST(PanEncrypt, DeciphersTheLastSixteenDigits) {
-    struct Case {
-        const char* pan;
-        const char* des;
-        const char* tdes;
-    };
-    constexpr Case kCases[]{
+    const std::tuple<const char*, const char*, const char*> cases[]{
         {"4111111111111111", "BEC8C7B720B1ED83", "64B02AE35D82E5CE"},
         {"0004111111111111111", "000BEC8C7B720B1ED83", "00064B02AE35D82E5CE"},
         {"378282246310005", "FE0D32BE59E5B29C", "351A2A05CB1EEA69"},
@@ -55,23 +51,16 @@ TEST(PanEncrypt, DeciphersTheLastSixteenDigits) {
         {"41111111111111A1", "41111111111111A1", "41111111111111A1"},
         {"4111 1111 1111 1111", "4111 1111 1111 1111", "4111 1111 1111 1111"},
     };
-    for (const Case& test : kCases) {
-        const AbecsWkPan des = working_key(0);
-        EXPECT_STREQ(abecs_pan_encrypt(Exact(test.pan).get(), &des), test.des);
-        for (const int32_t type : {1, 2}) {
-            const AbecsWkPan tdes = working_key(type);
-            EXPECT_STREQ(abecs_pan_encrypt(Exact(test.pan).get(), &tdes), test.tdes);
+    for (const auto& [pan, des, tdes] : cases) {
+        for (const int32_t type : {0, 1, 2}) {
+            const AbecsWkPan key = working_key(type);
+            EXPECT_STREQ(abecs_pan_encrypt(Exact(pan).get(), &key), type == 0 ? des : tdes);
         }
     }
 }
 
 TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
-    struct Case {
-        const char* what;
-        const char* track;
-        const char* clear;
-    };
-    constexpr Case kCases[]{
+    const std::tuple<const char*, const char*, const char*> cases[]{
         {"sixteen digits", "F0157C5DA1787BED=2512201", "4111111111111111=2512201"},
         {"the rest is kept, separators too", "F0157C5DA1787BED^CARD/TEST=^2512", "4111111111111111^CARD/TEST=^2512"},
         {"= before ^", "F0157C5DA1787BED=25^12", "4111111111111111=25^12"},
@@ -95,8 +84,8 @@ TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
         {"nothing", "", ""},
     };
     const AbecsWkPan key = working_key(0);
-    for (const Case& test : kCases) {
-        EXPECT_STREQ(abecs_pan_decrypt_track(Exact(test.track).get(), &key), test.clear) << test.what;
+    for (const auto& [what, track, clear] : cases) {
+        EXPECT_STREQ(abecs_pan_decrypt_track(Exact(track).get(), &key), clear) << what;
     }
     for (const int32_t type : {1, 2}) {
         const AbecsWkPan tdes = working_key(type);
@@ -105,11 +94,7 @@ TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
 }
 
 TEST(PanIdentify, TakesTheDigitsUpToTheSeparator) {
-    struct Case {
-        const char* track;
-        const char* pan;
-    };
-    constexpr Case kCases[]{
+    const std::pair<const char*, const char*> cases[]{
         {"%B4111111111111111^CARD/TEST^2512", "4111111111111111"},
         {"4111111111111111=2512201", "4111111111111111"},
         {"%B3782 822463 10005^CARD", "378282246310005"},
@@ -121,31 +106,33 @@ TEST(PanIdentify, TakesTheDigitsUpToTheSeparator) {
         {"   ", ""},
         {"", ""},
     };
-    for (const Case& test : kCases) { EXPECT_STREQ(abecs_pan_identify(Exact(test.track).get()), test.pan); }
+    for (const auto& [track, pan] : cases) { EXPECT_STREQ(abecs_pan_identify(Exact(track).get()), pan); }
 }
 
-TEST(Pan, LengthsBeyondTheTextReadNothingPastIt) {
+TEST(Pan, LengthsCutTheTextAndReadNothingPastIt) {
     const AbecsWkPan key = working_key(0);
-    const Exact pan("4111111111111111");
-    const Exact shortPan("4222222222222");
-    const Exact track("F0157C5DA1787BED=2512");
-    const Exact bare("F0157C5DA1787BED");
-    EXPECT_STREQ(abecs_pan_encrypt2(pan.get(), 64, &key), "BEC8C7B720B1ED83");
-    EXPECT_STREQ(abecs_pan_encrypt2(shortPan.get(), 16, &key), "8AD95F89C9C0743D");
-    EXPECT_STREQ(abecs_pan_encrypt2(Exact("").get(), 64, &key), "");
-    EXPECT_STREQ(abecs_pan_decrypt_track2(track.get(), 128, &key), "4111111111111111=2512");
-    EXPECT_STREQ(abecs_pan_decrypt_track2(bare.get(), 99, &key), "4111111111111111");
-    EXPECT_STREQ(abecs_pan_identify2(pan.get(), 255), "4111111111111111");
-    EXPECT_STREQ(abecs_pan_identify2(Exact("").get(), 1), "");
-}
-
-TEST(Pan, LengthsCutTheText) {
-    const AbecsWkPan key = working_key(0);
-    EXPECT_STREQ(abecs_pan_encrypt2("41111111111111119", 16, &key), "BEC8C7B720B1ED83");
-    EXPECT_STREQ(abecs_pan_encrypt2("4111111111111111", 12, &key), "411111111111");
-    EXPECT_STREQ(abecs_pan_decrypt_track2("F0157C5DA1787BED=2512", 17, &key), "4111111111111111=");
-    EXPECT_STREQ(abecs_pan_decrypt_track2("F0157C5DA1787BED=2512", 15, &key), "F0157C5DA1787BE");
+    const std::tuple<const char*, size_t, const char*> pans[]{
+        {"4111111111111111", 64, "BEC8C7B720B1ED83"},
+        {"4222222222222", 16, "8AD95F89C9C0743D"},
+        {"41111111111111119", 16, "BEC8C7B720B1ED83"},
+        {"4111111111111111", 12, "411111111111"},
+        {"", 64, ""},
+    };
+    for (const auto& [pan, length, deciphered] : pans) {
+        EXPECT_STREQ(abecs_pan_encrypt2(Exact(pan).get(), length, &key), deciphered);
+    }
+    const std::tuple<const char*, size_t, const char*> tracks[]{
+        {"F0157C5DA1787BED=2512", 128, "4111111111111111=2512"},
+        {"F0157C5DA1787BED", 99, "4111111111111111"},
+        {"F0157C5DA1787BED=2512", 17, "4111111111111111="},
+        {"F0157C5DA1787BED=2512", 15, "F0157C5DA1787BE"},
+    };
+    for (const auto& [track, length, clear] : tracks) {
+        EXPECT_STREQ(abecs_pan_decrypt_track2(Exact(track).get(), length, &key), clear);
+    }
+    EXPECT_STREQ(abecs_pan_identify2(Exact("4111111111111111").get(), 255), "4111111111111111");
     EXPECT_STREQ(abecs_pan_identify2("%B4111111111111111", 6), "4111");
+    EXPECT_STREQ(abecs_pan_identify2(Exact("").get(), 1), "");
 }
 
 TEST(Pan, LongestTextsAndTheFirstTooLong) {
@@ -164,29 +151,18 @@ TEST(Pan, LongestTextsAndTheFirstTooLong) {
                   abecs_pan_identify2("", 256));
 }
 
-TEST(Pan, MissingArguments) {
-    const AbecsWkPan key = working_key(0);
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'pan' is NULL", abecs_pan_encrypt(nullptr, nullptr));
+TEST(Pan, KeysMatterOnlyWhenThereIsSomethingToDecipher) {
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL", abecs_pan_encrypt2("", 65, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL", abecs_pan_decrypt_track(nullptr, &key));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL", abecs_pan_decrypt_track2("", 129, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL", abecs_pan_identify2(nullptr, 256));
-    const support::ReturningRaises raises;
-    EXPECT_STREQ(abecs_pan_encrypt(nullptr, nullptr), "");
-    EXPECT_STREQ(abecs_pan_decrypt_track("", nullptr), "");
-    EXPECT_STREQ(abecs_pan_identify(nullptr), "");
-    const AbecsWkPan unknown = working_key(3);
-    EXPECT_STREQ(abecs_pan_encrypt("4111111111111111", &unknown), "");
-    EXPECT_EQ(raises.all().size(), 4U);
-}
-
-TEST(Pan, UnknownTypesMatterOnlyWhenThereIsSomethingToDecipher) {
     for (const int32_t type : {3, -1, INT32_MIN}) {
         const AbecsWkPan key = working_key(type);
         EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled case", abecs_pan_encrypt("4111111111111111", &key));
         EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled case", abecs_pan_decrypt_track("F0157C5DA1787BED", &key));
         EXPECT_STREQ(abecs_pan_encrypt("422222222222", &key), "422222222222");
         EXPECT_STREQ(abecs_pan_decrypt_track("F0157C5DA1=", &key), "F0157C5DA1=");
+        const support::ReturningRaises raises;
+        EXPECT_STREQ(abecs_pan_encrypt("4111111111111111", &key), "");
+        EXPECT_EQ(raises.all().size(), 1U);
     }
 }
 

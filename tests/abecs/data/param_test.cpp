@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <string>
-#include <vector>
 
 #include "tests/abecs/data/bytes.h"
 #include "tests/support/raised.h"
@@ -44,32 +43,12 @@ TEST(Param, EveryFieldFunctionWorksOnTheParametersData) {
     EXPECT_EQ(std::string(text, 3), "xyz");
 }
 
-TEST(Param, NullIsRefusedOnceAndDeletedSilently) {
-    AbecsParam* none = nullptr;
-    const support::ReturningRaises raises;
-    abecs_param_clear_data(none);
-    abecs_param_reset(none);
-    EXPECT_EQ(abecs_param_get_id(none), 0);
-    abecs_param_set_id(none, 1);
-    EXPECT_EQ(abecs_param_available_read(none), 0U);
-    abecs_param_write_field_n(none, 1, 0);
-    EXPECT_EQ(abecs_param_read_field_h(none, nullptr, 0, 1), nullptr);
-    abecs_param_delete(nullptr);
-    abecs_param_delete(&none);
-    EXPECT_EQ(raises.all(), std::vector(7, support::error(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL")));
-}
-
-TEST(Param, HoldsNineHundredAndNinetyNineBytes) {
-    const Param param;
-    param.fill(1, std::string(999, 'x'));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
-                  abecs_param_write_byte(param, 0));
-}
-
 TEST(Param, ClearingKeepsTheIdAndResettingDoesNot) {
     const Param param;
     EXPECT_EQ(abecs_param_get_id(param), 0);
-    param.fill(0xABCD, "data");
+    param.fill(0xABCD, std::string(999, 'x'));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  abecs_param_write_byte(param, 0));
     abecs_param_clear_data(param);
     EXPECT_EQ(abecs_param_get_id(param), 0xABCD);
     EXPECT_EQ(abecs_param_available_read(param), 0U);

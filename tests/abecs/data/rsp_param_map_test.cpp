@@ -45,14 +45,10 @@ TEST_F(RspParamMap, StoresTheRecordUnderItsId) {
 TEST_F(RspParamMap, OwnedBytesGoWithTheirEntry) {
     const AbecsRspParamValue first = heap_value("first");
     const AbecsRspParamValue second = heap_value("second");
-    const AbecsRspParamValue third = heap_value("third");
     abecs_rsp_param_map_put(map_, 1, &first, true);
     abecs_rsp_param_map_put(map_, 1, &second, true);
     EXPECT_EQ(kor_map_size(map_), 1U);
     EXPECT_EQ(text_of(*abecs_rsp_param_map_get(map_, 1)), "second");
-    kor_map_clear(map_);
-    EXPECT_EQ(abecs_rsp_param_map_get(map_, 1), nullptr);
-    abecs_rsp_param_map_put(map_, 1, &third, true);
 }
 
 TEST_F(RspParamMap, OthersBytesStayTheirs) {
@@ -92,43 +88,23 @@ TEST_F(RspParamMap, IterationMeetsEveryEntryOnce) {
     AbecsRspParamMapIt it{nullptr, 77, {}};
     EXPECT_EQ(abecs_rsp_param_map_begin(map_, &it), nullptr);
     EXPECT_EQ(it.id, 77) << "untouched for an empty map";
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_rsp_param_map_begin(map_, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->map' is NULL", abecs_rsp_param_map_next(&it));
     std::map<uint16_t, std::string> put;
-    // Enough to make the map grow, with ids that collide in it.
-    for (uint16_t n = 0; n < 40; ++n) {
-        const auto id = static_cast<uint16_t>(0x8000 + n * 16);
-        put[id] = "value " + std::to_string(n);
+    for (const uint16_t id : std::initializer_list<uint16_t>{0x8000, 0x8010, 0x8020}) {  // which collide
+        put[id] = "value " + std::to_string(id);
         const AbecsRspParamValue value = heap_value(put[id]);
         abecs_rsp_param_map_put(map_, id, &value, true);
     }
     std::map<uint16_t, std::string> met;
-    size_t steps = 0;
     for (auto* at = abecs_rsp_param_map_begin(map_, &it); at != nullptr; at = abecs_rsp_param_map_next(at)) {
         EXPECT_EQ(at, &it);
-        met[it.id] = text_of(it.value);
-        ++steps;
+        EXPECT_TRUE(met.emplace(it.id, text_of(it.value)).second);
     }
     EXPECT_EQ(met, put);
-    EXPECT_EQ(steps, put.size());
     EXPECT_EQ(abecs_rsp_param_map_next(&it), nullptr) << "the end stays the end";
-}
-
-TEST_F(RspParamMap, NullsAndLostEntriesAreRefused) {
-    AbecsRspParamMapIt it{};
-    const support::ReturningRaises raises;
-    EXPECT_EQ(abecs_rsp_param_map_put(nullptr, 1, nullptr, true), nullptr);
-    EXPECT_EQ(abecs_rsp_param_map_get(nullptr, 1), nullptr);
-    EXPECT_EQ(abecs_rsp_param_map_begin(nullptr, nullptr), nullptr);
-    EXPECT_EQ(abecs_rsp_param_map_begin(map_, nullptr), nullptr);
-    EXPECT_EQ(abecs_rsp_param_map_next(nullptr), nullptr);
-    EXPECT_EQ(abecs_rsp_param_map_next(&it), nullptr);
-    abecs_rsp_param_map_put(map_, 1, nullptr, false);
-    abecs_rsp_param_map_begin(map_, &it);
     kor_map_clear(map_);
-    EXPECT_EQ(abecs_rsp_param_map_next(&it), nullptr);
-    EXPECT_EQ(raises.all(),
-              support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
-                              {"'map' is NULL", "'map' is NULL", "'map' is NULL", "'out' is NULL", "'it' is NULL",
-                               "'it->map' is NULL", "'it->key' not present in 'it->map'"}));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", abecs_rsp_param_map_next(&it));
 }
 
 }  // namespace

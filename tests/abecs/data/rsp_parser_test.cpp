@@ -103,33 +103,28 @@ TEST_F(RspParser, RefusesBadHeads) {
         SCOPED_TRACE(response);
         const support::ReturningRaises raises;
         set(response);
-        EXPECT_EQ(raises.all(), std::vector{support::error(code, detail)});
+        EXPECT_EQ(raises.all(), support::errors(code, {detail}));
         EXPECT_NE(abecs_rsp_parser_get_stat(parser_), 0) << "must not look like success";
         EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
     }
 }
 
-TEST_F(RspParser, ABlockMustEndWithAParameter) {
-    const char* block1 = "Malformed packet (remaining bytes on BLK1 cannot be used)";
-    const char* block2 = "Malformed packet (remaining bytes on BLK2 cannot be used)";
-    set("GIX000005" + kNoByte + "x");
-    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_);
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, block1, abecs_rsp_parser_read_param(parser_, param_));
-    set("GIX000003abc");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, block1, abecs_rsp_parser_read_param(parser_, param_));
-    set("GIX000004" + kNoByte + "007" + kNoByte + "xyz");
-    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_);
-    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_);
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, block2, abecs_rsp_parser_read_param(parser_, param_));
-}
-
-TEST_F(RspParser, AParameterMustNotReachBeyondItsBlock) {
-    set("GIX000005\x80\x40\0\x05"s + "x" + "004" + kNoByte);
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Malformed packet (remaining bytes on BLK1 cannot be used)",
-                  abecs_rsp_parser_read_param(parser_, param_));
-    set("GIX000005\x80\x40\0\x02"s + "x");
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 2, available: 1)",
-                  abecs_rsp_parser_read_param(parser_, param_));
+TEST_F(RspParser, ABlockMustEndWithAParameterThatEndsInIt) {
+    constexpr const char* kBlock1 = "Malformed packet (remaining bytes on BLK1 cannot be used)";
+    constexpr const char* kBlock2 = "Malformed packet (remaining bytes on BLK2 cannot be used)";
+    const std::tuple<std::string, size_t, int16_t, const char*> rows[]{
+        {"GIX000005" + kNoByte + "x", 1, KOR_RESULT_IO_ERROR, kBlock1},
+        {"GIX000003abc", 0, KOR_RESULT_IO_ERROR, kBlock1},
+        {"GIX000004" + kNoByte + "007" + kNoByte + "xyz", 2, KOR_RESULT_IO_ERROR, kBlock2},
+        {"GIX000005\x80\x40\0\x05"s + "x" + "004" + kNoByte, 0, KOR_RESULT_IO_ERROR, kBlock1},
+        {"GIX000005\x80\x40\0\x02"s + "x", 0, KOR_RESULT_PROTOCOL_ERROR,
+         "Malformed parameter (expected data length: 2, available: 1)"},
+    };
+    for (const auto& [response, good, code, detail] : rows) {
+        set(response);
+        for (size_t i = 0; i < good; ++i) { EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_); }
+        EXPECT_RAISES(code, detail, abecs_rsp_parser_read_param(parser_, param_));
+    }
 }
 
 TEST_F(RspParser, ReadsANotificationsText) {
@@ -139,17 +134,11 @@ TEST_F(RspParser, ReadsANotificationsText) {
     EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_NOTIFICATION);
     EXPECT_STREQ(abecs_rsp_parser_read_notification(parser_, text), "TIRE\xC9 CARTAO");
     EXPECT_EQ(read_all(), Read{}) << "the text is consumed";
-    const std::string longest(32, 'n');
-    set("NTM000032" + longest);
-    EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, text), longest);
     set("NTM000");
     EXPECT_STREQ(abecs_rsp_parser_read_notification(parser_, text), "");
     set("NTM000005SALDO");
     EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, nullptr), nullptr);
     EXPECT_EQ(packet_.take(), "");
-    set("NTM000002A\r");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1",
-                  abecs_rsp_parser_read_notification(parser_, text));
     set("GKY000");
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_STATE, "Response is not a notification",
                   abecs_rsp_parser_read_notification(parser_, text));
@@ -159,24 +148,9 @@ TEST_F(RspParser, ANewParserIsEmpty) {
     EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "");
     EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), 0);
     EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
-}
-
-TEST_F(RspParser, NullArgumentsAreRefused) {
-    const char* parser = "'parser' is NULL";
-    const support::ReturningRaises raises;
-    abecs_rsp_parser_set_packet(nullptr, nullptr);
-    EXPECT_STREQ(abecs_rsp_parser_get_id(nullptr), "");
-    EXPECT_NE(abecs_rsp_parser_get_stat(nullptr), 0) << "must not look like success";
-    EXPECT_EQ(abecs_rsp_parser_read_param(nullptr, nullptr), nullptr);
-    EXPECT_EQ(abecs_rsp_parser_read_notification(nullptr, nullptr), nullptr);
-    abecs_rsp_parser_set_packet(parser_, nullptr);
-    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, nullptr), nullptr);
-    abecs_rsp_parser_delete(nullptr);
-    abecs_rsp_parser_delete(&parser_);
-    EXPECT_EQ(parser_, nullptr);
-    EXPECT_EQ(raises.all(),
-              support::errors(KOR_RESULT_ILLEGAL_ARGUMENT,
-                              {parser, parser, parser, parser, parser, "'responsePacket' is NULL", "'out' is NULL"}));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'responsePacket' is NULL",
+                  abecs_rsp_parser_set_packet(parser_, nullptr));
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_rsp_parser_read_param(parser_, nullptr));
 }
 
 }  // namespace
