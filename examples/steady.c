@@ -15,7 +15,8 @@
 
 typedef struct Till {
     const char* port;
-    AbecsComm* pinpad; /* null while there is no session */
+    AbecsComm* pinpad;
+    bool session; /* on this link */
 } Till;
 
 static void require_ok(int32_t status) {
@@ -24,11 +25,11 @@ static void require_ok(int32_t status) {
                          abecs_rsp_stat_to_string((AbecsRspStat_E)status));
 }
 
-/* On a new link there is no session, whatever there was on the last one. */
 static void connect(Till* till) {
-    if (till->pinpad != NULL) return;
-    till->pinpad = abecs_comm_open(till->port);
+    if (till->pinpad == NULL) till->pinpad = abecs_comm_open(till->port);
+    if (till->session) return;
     require_ok(abecs_cmd_opn(till->pinpad, false));
+    till->session = true;
 }
 
 /* A link that cannot even be closed in order is gone all the same. */
@@ -36,6 +37,7 @@ static void disconnect(Till* till) {
     KOR_TRY { abecs_comm_close(&till->pinpad); }
     KOR_CATCH(KOR_RESULT_OK) {}
     KOR_END_TRY;
+    till->session = false;
 }
 
 /*
@@ -70,7 +72,7 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: %s PORT TEXT\n", argv[0]);
         return EXIT_FAILURE;
     }
-    Till till = {argv[1], NULL};
+    Till till = {argv[1], NULL, false};
     bool shown = try_to_show(&till, argv[2]);
     for (int tries = 2; !shown && tries != 0; --tries) {
         make_ready(&till);

@@ -20,6 +20,17 @@ SOUND = {
     "abecs/comm/comm.cpp": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n#include "quorvel/abecs/packet.h"\n',
     "abecs/cmd/frame.h": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n',
 }
+DOCS = {
+    "cmake/exports.txt": "abecs_cmd_gin\nabecs_cmd_gcx_builder_new\nkor_list_new\n",
+    "include/quorvel/kor/result.h": C_HEAD + "enum { KOR_RESULT_OK = 0 };\n",
+    "include/quorvel/abecs/rsp_stat.h": C_HEAD + "enum { ABECS_RSP_STAT_ST_OK = 0 };\n",
+    "examples/a.c": C_HEAD + "int a;\nint b;\nint c;\n",
+    "README.md": "See [the guides](docs/README.md) and `kor_list_new`.\n",
+    "docs/README.md": "[one](errors.md) [two](commands.md)\n",
+    "docs/errors.md": "# On errors\n`KOR_RESULT_OK`, `ABECS_RSP_STAT_ST_OK`, all `kor_list_`; [here](#on-errors)\n"
+                      "\n<!-- from examples/a.c -->\n```c\nint b;\nint c;\n```\n",
+    "docs/commands.md": "`abecs_cmd_gin`, `abecs_cmd_gcx_builder_*`; [names](errors.md#on-errors)\n",
+}
 # Check, file, its text and what is said of it; nothing said means that it passes.
 CASES = [
     ("sources", "core/x.cpp", "int* a = new int;", "core/x.cpp:3: operator new"),
@@ -49,6 +60,19 @@ CASES = [
     ("layers", "simulator/commands/x.cpp", '#include "quorvel/abecs/packet.h"', "simulator must not include"),
     ("layers", "simulator/x.cpp", '#include "core/raise.h"', "simulator must not include"),
     ("layers", "simulator/x.cpp", "#include <tomcrypt.h>", "a crypto library of its own"),
+    ("docs", "docs/README.md", DOCS["docs/README.md"], ""),
+    ("docs", "docs/README.md", "[one](errors.md)", "docs/README.md:1: leaves out commands.md"),
+    ("docs", "docs/errors.md", "`KOR_RESULT_OK`", "docs/errors.md:1: leaves out ABECS_RSP_STAT_ST_OK"),
+    ("docs", "docs/commands.md", "`abecs_cmd_gin`", "leaves out abecs_cmd_gcx_builder_new"),
+    ("docs", "docs/commands.md", "`abecs_cmd_gi`, `abecs_cmd_*`", "there is no abecs_cmd_gi"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`, `KOR_RESULT_O`", "there is no KOR_RESULT_O"),
+    ("docs", "docs/commands.md", "\n`abecs_cmd_*`, [x](x.md)", "docs/commands.md:2: a link to x.md"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`, [x](errors.md#off)", "a link to #off"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n```c\nint b;\n```", "code without the file"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/a.c -->\n```c\nint d;\n```", "code that is not in"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/b.c -->\n```c\nint b;\n```", "code from examples"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/a.c -->\n```c\nnt b;\n```", "code that is not in"),
+    ("docs", "README.md", "[x](docs/x.md)", "a link to docs/x.md"),
     ("layers", "tests/support/peer.cpp", '#include "abecs/cmd/frame.h"', "peer must not include"),
 ]
 
@@ -65,8 +89,9 @@ def verdict(check: str, files: dict) -> tuple:
 
 wrong = 0
 for check, name, text, said in [*CASES, ("sources", "core/x.cpp", None, "core/x.cpp:1: no licence head")]:
-    body = "int a;\n" if text is None else CPP_HEAD + text + "\n"
-    code, output = verdict(check, SOUND | {name: body})
+    head = "" if check == "docs" else CPP_HEAD
+    body = "int a;\n" if text is None else head + text + "\n"
+    code, output = verdict(check, SOUND | DOCS | {name: body})
     if code != (1 if said else 0) or said not in output or (not said and output):
         wrong += 1
         print(f"{check} on {name} with {text!r}: exit {code}, {output!r}; expected {said!r}")

@@ -134,6 +134,19 @@ TEST_F(Steady, OpensTheLinkAnewWhenNobodyConfirms) {
     show("[KOR_RESULT_PROTOCOL_ERROR] Packet was rejected\n");
 }
 
+TEST(Swipe, ShowsTheMaskedCardNumberAndThePinBlock) {
+    PinPad pinPad;
+    pinPad.start();
+    pinPad.when("CKE", Gestures().swipe({.pan = "4012345678909", .track2 = "4012345678909=30121010000000000"}));
+    pinPad.when("GPN", Gestures().type("1234"));
+    const Outcome run = run_example("swipe", pinPad.path());
+    EXPECT_EQ(run.status, EXIT_SUCCESS);
+    EXPECT_EQ(run.output,
+              "card       401234...8909\n"
+              "PIN block  1B9C1845EB993A7A, key FFFF9876543210E00001\n");
+    EXPECT_TRUE(pinPad.findings().empty());
+}
+
 TEST(InCpp, PrintsTheIdentificationOrTheError) {
     PinPad pinPad;
     pinPad.start();

@@ -14,7 +14,9 @@ KOR_BEGIN_DECLS
  * Card numbers and tracks as the PIN pad returns them, with the last 16 digits of the number enciphered under the PAN
  * working key.
  *
- * 1. abecs_pan_encrypt and abecs_pan_decrypt_track both give back clear text, whatever their names say.
+ * 1. abecs_pan_encrypt and abecs_pan_decrypt_track both decipher, whatever their names say: the latter what the PIN pad
+ *    has enciphered; the former a clear number, for a command that takes one to a PIN pad with the same working key,
+ *    which enciphers it back.
  *
  * 2. What does not look enciphered is given back unchanged, without an error.
  *
@@ -29,9 +31,9 @@ KOR_BEGIN_DECLS
  */
 
 /*
- * The clear form of a card number of up to 64 characters: its last 16 digits are deciphered. A number of 13 to 15
- * digits is first filled up to 16 with F, and its result is 16 characters long. One of less than 13 characters, or
- * with anything but digits in it, comes back unchanged. "PAN length is too big (max: %zu, requested: %zu)".
+ * A card number of up to 64 characters with its last 16 digits deciphered. A number of 13 to 15 digits is first filled
+ * up to 16 with F, and its result is 16 characters long. One of less than 13 characters, or with anything but digits in
+ * it, comes back unchanged. "PAN length is too big (max: %zu, requested: %zu)".
  */
 KOR_API const char* abecs_pan_encrypt(const char* pan, const AbecsWkPan* key);
 KOR_API const char* abecs_pan_encrypt2(const char* pan, size_t len, const AbecsWkPan* key);

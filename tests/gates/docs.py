@@ -1,0 +1,104 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 the quorvel authors
+"""docs.py <root>: the guides say what the code says. Prints each breach as path:line: what."""
+import re
+import sys
+from pathlib import Path
+
+FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+SOURCE = re.compile(r"<!-- from (\S+) -->\n$")
+LINK = re.compile(r"\[[^]]*\]\(([^)#\s]*)(?:#([^)\s]+))?\)")
+CODE = ("c", "cpp", "python")
+FUNCTION = re.compile(r"\b_*(?:kor|abecs|crypt)_[a-z0-9_]+\*?")
+CONSTANT = re.compile(r"\b(?:KOR|ABECS|CRYPT)_[A-Z0-9_]+\b")
+
+
+def line_of(text: str, position: int) -> int:
+    return text.count("\n", 0, position) + 1
+
+
+def anchors(text: str) -> set:
+    """What a page's headings are called in links."""
+    titles = re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
+
+
+def covers(name: str, others) -> bool:
+    """A name that ends in * stands for all that begin so."""
+    return any(other.startswith(name[:-1]) for other in others) if name.endswith("*") else name in others
+
+
+def quotes(root: Path, text: str):
+    """A block of code is a part of the file named before it, which the tests build or run."""
+    for block in FENCE.finditer(text):
+        if block[1] not in CODE:
+            continue
+        source = SOURCE.search(text[:block.start()])
+        if not source:
+            yield block.start(), "code without the file it is from"
+        elif not (root / source[1]).is_file():
+            yield block.start(), f"code from {source[1]}, which is not there"
+        elif "\n" + block[2] not in "\n" + (root / source[1]).read_text():
+            yield block.start(), f"code that is not in {source[1]}"
+
+
+def links(page: Path, text: str):
+    for link in LINK.finditer(text):
+        if "://" in link[1]:
+            continue
+        target = page.parent / link[1] if link[1] else page
+        if not target.exists():
+            yield link.start(), f"a link to {link[1]}, which is not there"
+        elif link[2] and link[2] not in anchors(target.read_text()):
+            yield link.start(), f"a link to #{link[2]}, which {target.name} does not have"
+
+
+def names(text: str, functions: set, constants: set):
+    for name in FUNCTION.finditer(text):
+        # "abecs_pan_" and the like: a family, spoken of as such.
+        if not covers(name[0] + "*" if name[0].endswith("_") else name[0], functions):
+            yield name.start(), f"there is no {name[0]}"
+    for name in CONSTANT.finditer(text):
+        if name[0] not in constants:
+            yield name.start(), f"there is no {name[0]}"
+
+
+def missing(page: str, text: str, wanted):
+    """Whether a page that is to be complete names all of these."""
+    said = set(FUNCTION.findall(text)) | set(CONSTANT.findall(text)) | {link[0] for link in LINK.findall(text)}
+    for name in sorted(wanted):
+        if not any(covers(one, {name}) for one in said):
+            yield f"docs/{page}:1: leaves out {name}"
+
+
+def breaches(root: Path):
+    functions = set((root / "cmake/exports.txt").read_text().split())
+    headers = {path: path.read_text() for path in sorted((root / "include").rglob("*.h"))}
+    constants = set(CONSTANT.findall("\n".join(headers.values())))
+    pages = {page.name: page.read_text() for page in sorted((root / "docs").glob("*.md"))}
+    for name, text in [*pages.items(), ("../README.md", (root / "README.md").read_text())]:
+        found = [*links(root / "docs" / name, text), *names(text, functions, constants)]
+        if name in pages:
+            found += quotes(root, text)
+        for position, what in found:
+            yield f"docs/{name}:{line_of(text, position)}: {what}"
+
+    def declared(header: str, pattern: str) -> set:
+        return set(re.findall(pattern, headers[root / "include/quorvel" / header]))
+    complete = {
+        "README.md": pages.keys() - {"README.md"},
+        "commands.md": {name for name in functions if name.startswith("abecs_cmd_")},
+        "errors.md": declared("kor/result.h", r"\bKOR_RESULT_\w+(?= =)")
+        | declared("abecs/rsp_stat.h", r"\bABECS_RSP_STAT_\w+(?= =)"),
+    }
+    for page, wanted in complete.items():
+        if not wanted or page not in pages:
+            yield f"docs/{page}:1: nothing to check"
+        else:
+            yield from missing(page, pages[page], wanted)
+
+
+found = list(breaches(Path(sys.argv[1])))
+print("\n".join(found))
+sys.exit(1 if found else 0)
