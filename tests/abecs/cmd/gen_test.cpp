@@ -92,7 +92,9 @@ TEST(Gen, SendsEachSubCommand) {
         {"NTM000004WAIT", support::error(12, "(GEN) Invalid RSP_ID: NTM)")},
         {"GEN000003", support::error(6, "Buffer does not have enough data (requested: 3, available: 0)")},
     };
-    for (const auto& [request, call] : rows) {
+    for (const auto& row : rows) {
+        const auto& request = row.first;
+        const Call call = row.second;
         Link link;
         link.peer.request("GEN" + request).response("GEN051").request("GEN" + request).response("ERR011");
         EXPECT_EQ(call(link.comm), 51);
@@ -257,7 +259,7 @@ TEST(Gen, ChecksArgumentsInTheirOrder) {
          }},
     };
     Link link;
-    for (const auto& [detail, call] : rows) { EXPECT_REFUSED(2, detail, call(link.comm)); }
+    for (const auto& row : rows) { EXPECT_REFUSED(2, row.first, row.second(link.comm)); }
     const AbecsCmdGen0303CmdData data{99, {16, "x"}};
     EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_03_03(link.comm, &data, nullptr));
 }
@@ -376,7 +378,7 @@ TEST(Gen0403, ChecksItsArgumentsInTheirOrder) {
         {"'cmdData->pinMaxDigits' is invalid: 100", {8, "x", 'A', 99, 100, "\r"}},
         {"'cmdData->pinMinDigits (5)' is greater than cmdData->pinMaxDigits (4)", {8, "x", 'A', 5, 4, "\r"}},
     };
-    for (const auto& [detail, data] : rows) { EXPECT_REFUSED(2, detail, abecs_cmd_gen_04_03(link.comm, &data)); }
+    for (const auto& row : rows) { EXPECT_REFUSED(2, row.first, abecs_cmd_gen_04_03(link.comm, &row.second)); }
     const AbecsCmdGen0403CmdData badHeader{8, "002000x0", 'A', 4, 4, "\r"};
     const AbecsCmdGen0403CmdData badMessage{8, "00200080", 'A', 4, 4, "\r"};
     EXPECT_RAISES(2, "Invalid hex byte at index 6", abecs_cmd_gen_04_03(link.comm, &badHeader));
