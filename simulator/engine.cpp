@@ -29,16 +29,20 @@ std::string id_of(ByteView packet) {
 
 }  // namespace
 
-Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Transmitter& transmitter)
+Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
+               Transmitter& transmitter)
     : device_(std::move(options.device)),
       second_(options.second),
       patience_(options.patience),
       journal_(journal),
       screen_(screen),
       cardholder_(cardholder),
+      board_(board),
       transmitter_(transmitter),
       notify_([this](std::string_view text) { notify(text); }),
-      channel_(options.sessionKey) {}
+      channel_(options.sessionKey) {
+    post_state();
+}
 
 void Engine::receive(ByteView bytes) {
     for (const uint8_t byte : bytes) {
@@ -168,8 +172,16 @@ void Engine::end_session() {
 void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Content before) {
     const auto deadline = Clock::now() + wait.limit.value_or(patience_).count() * second_;
     pending_.emplace(Pending{command, std::move(wait), sealed, deadline, std::move(before)});
+    post_state();
     cardholder_.attend(command.id);
     if (const std::string& notice = pending_->wait.notice; !notice.empty()) notify(notice);
+}
+
+// Before anything is sent that it led to: whoever has read an answer finds the state that belongs to it.
+void Engine::post_state() {
+    board_.post({.waiting = pending_ ? std::string(pending_->command.id) : "",
+                 .encrypted = channel_.active(),
+                 .cardInserted = device_.chip.has_value()});
 }
 
 std::optional<Engine::Clock::time_point> Engine::deadline() const {
@@ -185,6 +197,7 @@ void Engine::poll(Clock::time_point now) {
 void Engine::perform(const Event& event) {
     if (const auto* inserted = std::get_if<CardInserted>(&event)) device_.insert(inserted->card);
     if (std::holds_alternative<CardRemoved>(event)) device_.remove_card();
+    post_state();
     if (!pending_) return;
     if (const auto* notice = std::get_if<Notice>(&event)) return notify(notice->text);
     if (const auto answer = resume(pending_->command, pending_->wait, event, journal_)) finish(*answer);
@@ -200,6 +213,7 @@ void Engine::notify(std::string_view text) {
 Engine::Pending Engine::stop_waiting() {
     Pending ended = *std::exchange(pending_, std::nullopt);
     screen_.show(ended.before);
+    post_state();
     return ended;
 }
 
@@ -211,6 +225,7 @@ void Engine::finish(const Answer& answer) {
 void Engine::respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed) {
     lastResponse_ = Message{.command = std::string(command), .packet = response_packet(as, answer), .sealed = sealed};
     resends_ = 0;
+    post_state();
     transmitter_.send(*lastResponse_, channel_);
 }
 
@@ -219,6 +234,7 @@ void Engine::restart() {
     decoder_ = {};
     lastResponse_.reset();
     end_session();
+    post_state();
 }
 
 void Engine::find(Finding::Kind kind, std::string text) { journal_.record(Finding{kind, std::move(text)}); }

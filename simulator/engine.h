@@ -18,6 +18,7 @@
 #include "simulator/message.h"
 #include "simulator/screen.h"
 #include "simulator/secure_channel.h"
+#include "simulator/state_board.h"
 #include "simulator/status.h"
 #include "simulator/transmitter.h"
 
@@ -38,7 +39,8 @@ public:
         std::chrono::seconds patience{120};
     };
 
-    Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, Transmitter& transmitter);
+    Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
+           Transmitter& transmitter);
 
     void receive(ByteView bytes);
 
@@ -91,6 +93,7 @@ private:
     void notify(std::string_view text);
     Pending stop_waiting();
     void finish(const Answer& answer);
+    void post_state();
 
     // `as` stands in the response where the command's id does otherwise.
     void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed);
@@ -102,6 +105,7 @@ private:
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;
+    StateBoard& board_;
     Transmitter& transmitter_;
     const std::function<void(std::string_view)> notify_;
     SecureChannel channel_;

@@ -76,8 +76,10 @@ public:
     [[nodiscard]] const std::vector<Event>& events() const noexcept { return events_; }
 
 private:
-    Gestures& add(Event event) {
-        events_.push_back(std::move(event));
+    // Not by way of an Event, in which g++ 12 takes the members of other alternatives for uninitialised.
+    template <typename Kind>
+    Gestures& add(Kind event) {
+        events_.emplace_back(std::move(event));
         return *this;
     }
 

@@ -35,6 +35,11 @@ std::vector<Traffic> Journal::traffic() const {
     return {traffic_.begin(), traffic_.end()};
 }
 
+void Journal::clear_findings() {
+    const std::lock_guard lock(mutex_);
+    findings_.clear();
+}
+
 std::vector<Finding> Journal::findings() const {
     const std::lock_guard lock(mutex_);
     return {findings_.begin(), findings_.end()};

@@ -30,6 +30,7 @@ public:
 
     [[nodiscard]] std::vector<Traffic> traffic() const;
     [[nodiscard]] std::vector<Finding> findings() const;
+    void clear_findings();
 
 private:
     const Listeners listeners_;

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
@@ -19,11 +18,9 @@ namespace {
 // How long a client may leave the line full before what it does not read is dropped.
 constexpr int patienceMs = 1000;
 
-[[noreturn]] void fail(const char* call) { throw std::system_error(errno, std::generic_category(), call); }
-
 std::string slave_path(int master) {
-    if (grantpt(master) != 0) fail("grantpt");
-    if (unlockpt(master) != 0) fail("unlockpt");
+    if (grantpt(master) != 0) fail_call("grantpt");
+    if (unlockpt(master) != 0) fail_call("unlockpt");
     std::array<char, 128> path{};
     if (const int error = ptsname_r(master, path.data(), path.size()); error != 0) {
         throw std::system_error(error, std::generic_category(), "ptsname_r");
@@ -34,20 +31,12 @@ std::string slave_path(int master) {
 // Before any client sets the line up for itself it must neither echo nor translate.
 void make_raw(int slave) {
     termios settings{};
-    if (tcgetattr(slave, &settings) != 0) fail("tcgetattr");
+    if (tcgetattr(slave, &settings) != 0) fail_call("tcgetattr");
     cfmakeraw(&settings);
-    if (tcsetattr(slave, TCSANOW, &settings) != 0) fail("tcsetattr");
+    if (tcsetattr(slave, TCSANOW, &settings) != 0) fail_call("tcsetattr");
 }
-
-bool transient(int error) { return error == EAGAIN || error == EINTR; }
 
 }  // namespace
-
-Descriptor::Descriptor(int descriptor, const char* call) : descriptor_(descriptor) {
-    if (descriptor < 0) fail(call);
-}
-
-Descriptor::~Descriptor() { ::close(descriptor_); }
 
 Line::Terminal::Terminal()
     : master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
@@ -56,7 +45,7 @@ Line::Terminal::Terminal()
     make_raw(slave.get());
 }
 
-Line::Line() : wakeUp_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "eventfd") { open(); }
+Line::Line() { open(); }
 
 void Line::open() { terminal_.emplace(); }
 
@@ -65,11 +54,10 @@ Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool want
     const int master = wanted && terminal_ ? terminal_->master.get() : -1;
     std::array<pollfd, 2> polled{pollfd{master, POLLIN, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
     const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
-    if (ready < 0 && errno != EINTR) fail("poll");
+    if (ready < 0 && errno != EINTR) fail_call("poll");
     if (ready == 0) return Event::timedOut;
     if (ready < 0 || polled[1].revents != 0) {
-        uint64_t count = 0;
-        if (::read(wakeUp_.get(), &count, sizeof count) < 0 && !transient(errno)) fail("read");
+        wakeUp_.clear();
         return Event::woken;
     }
     return Event::readable;
@@ -78,7 +66,7 @@ Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool want
 Bytes Line::read() {
     Bytes bytes(4096);
     const ssize_t count = ::read(terminal_->master.get(), bytes.data(), bytes.size());
-    if (count < 0 && !transient(errno)) fail("read");
+    if (count < 0 && !is_transient(errno)) fail_call("read");
     bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
     return bytes;
 }
@@ -88,22 +76,14 @@ bool Line::write(ByteView bytes) {
         const ssize_t count = ::write(terminal_->master.get(), bytes.data(), bytes.size());
         if (count >= 0) {
             bytes = bytes.subspan(static_cast<size_t>(count));
-        } else if (!transient(errno)) {
-            fail("write");
+        } else if (!is_transient(errno)) {
+            fail_call("write");
         } else if (!await_room()) {
             ::tcflush(terminal_->slave.get(), TCIFLUSH);
             return false;
         }
     }
     return true;
-}
-
-void Line::wake() const noexcept {
-    const int error = errno;
-    const uint64_t one = 1;
-    // Can only fail when the counter is full, and then the wait ends anyway.
-    [[maybe_unused]] const ssize_t written = ::write(wakeUp_.get(), &one, sizeof one);
-    errno = error;
 }
 
 // Someone who wants to stop the PIN pad is not made to wait for a client that does not read.

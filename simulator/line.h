@@ -8,23 +8,9 @@
 #include <string>
 
 #include "simulator/bytes.h"
+#include "simulator/descriptor.h"
 
 namespace quorvel::sim {
-
-// A file descriptor that is closed with its owner.
-class Descriptor {
-public:
-    // Throws std::system_error that names `call` for the negative result of a failed system call.
-    Descriptor(int descriptor, const char* call);
-    ~Descriptor();
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] int get() const noexcept { return descriptor_; }
-
-private:
-    int descriptor_;
-};
 
 // The PIN pad's end of a serial line: a pseudo-terminal whose other end programs open as they would a serial port.
 // Clients may come and go, and so may the line, as one does that is unplugged.
@@ -55,7 +41,7 @@ public:
     bool write(ByteView bytes);
 
     // Ends the current wait(), or the next one. Safe from other threads and in signal handlers.
-    void wake() const noexcept;
+    void wake() const noexcept { wakeUp_.wake(); }
 
 private:
     [[nodiscard]] bool await_room() const;
@@ -70,7 +56,7 @@ private:
     };
 
     std::optional<Terminal> terminal_;
-    Descriptor wakeUp_;
+    WakeUp wakeUp_;
 };
 
 }  // namespace quorvel::sim

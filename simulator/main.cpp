@@ -8,7 +8,10 @@
 #include <fmt/format.h>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "simulator/control/control.h"
+#include "simulator/control/control_server.h"
 #include "simulator/pin_pad.h"
 #include "simulator/port_link.h"
 
@@ -42,11 +45,34 @@ void print_error(const std::string& text) { fmt::print(stderr, "{}", text); }
 struct Settings {
     std::string link;
     std::string keys;
+    std::string control;
+    std::optional<unsigned> speed;
+    uint32_t seed = 1;
     bool trace = false;
 };
 
-sim::PinPad::Options options(const Settings& settings) {
+// What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
+class Port {
+public:
+    explicit Port(std::string link) : link_(std::move(link)) {}
+
+    void announce(const std::string& path) {
+        portLink_.reset();
+        if (!link_.empty()) portLink_.emplace(link_, path);
+        fmt::print("READY {}\n", path);
+        std::fflush(stdout);
+    }
+
+private:
+    std::string link_;
+    std::optional<sim::PortLink> portLink_;
+};
+
+sim::PinPad::Options options(const Settings& settings, Port& port) {
     sim::PinPad::Options options;
+    options.speed = settings.speed.value_or(0);
+    options.seed = settings.seed;
+    options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) options.device.keys = sim::KeyStore::from_file(settings.keys);
     if (settings.trace)
         options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
@@ -57,12 +83,13 @@ sim::PinPad::Options options(const Settings& settings) {
 }
 
 void play(const Settings& settings) {
-    sim::PinPad pinPad(options(settings));
+    Port port(settings.link);
+    sim::PinPad pinPad(options(settings, port));
     const StopOnSignals stopOnSignals(pinPad);
-    std::optional<sim::PortLink> portLink;
-    if (!settings.link.empty()) portLink.emplace(settings.link, pinPad.path());
-    fmt::print("READY {}\n", pinPad.path());
-    std::fflush(stdout);
+    sim::Control control(pinPad);
+    std::optional<sim::ControlServer> server;
+    if (!settings.control.empty()) server.emplace(settings.control, control);
+    port.announce(pinPad.path());
     pinPad.run();
 }
 
@@ -74,6 +101,14 @@ int main(int argc, char** argv) {
     app.add_option("--link", settings.link, "Keep a symbolic link to the device at this path")->type_name("PATH");
     app.add_option("--keys", settings.keys, "Take the keys from this TOML file, keys for tests only")
         ->type_name("FILE");
+    app.add_option("--control", settings.control, "Listen on a Unix domain socket for requests, lines of JSON")
+        ->type_name("PATH");
+    app.add_option("--speed", settings.speed, "Take the time of a line of so many bits per second")
+        ->type_name("BITS")
+        ->check(CLI::Range(300, 4000000));
+    app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
+        ->type_name("NUMBER")
+        ->capture_default_str();
     app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
     app.set_version_flag("--version", QUORVEL_VERSION);
     CLI11_PARSE(app, argc, argv);

@@ -34,7 +34,7 @@ PinPad::PinPad(Options options)
                .sessionKey = options.sessionKey,
                .second = options.second,
                .patience = options.patience},
-              journal_, screen_, cardholder_, transmitter_),
+              journal_, screen_, cardholder_, board_, transmitter_),
       heard_(byte_time(options.speed)),
       frameTimeout_(options.frameTimeout),
       returned_(std::move(options.returned)),

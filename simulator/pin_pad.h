@@ -22,6 +22,7 @@
 #include "simulator/line.h"
 #include "simulator/paced_bytes.h"
 #include "simulator/screen.h"
+#include "simulator/state_board.h"
 #include "simulator/trace.h"
 #include "simulator/transmitter.h"
 
@@ -95,12 +96,14 @@ public:
     void hang_up(std::chrono::milliseconds time);
 
     [[nodiscard]] Screen::Content screen() const { return screen_.content(); }
+    [[nodiscard]] StateBoard& board() noexcept { return board_; }
 
     // What the commands have made of it. Only while nobody plays the PIN pad.
     [[nodiscard]] const Device& device() const noexcept { return engine_.device(); }
 
     // From any thread, at any time. What led to an answer is there before the answer is sent.
     [[nodiscard]] std::vector<Finding> findings() const { return journal_.findings(); }
+    void clear_findings() { journal_.clear_findings(); }
     [[nodiscard]] std::vector<Traffic> traffic() const { return journal_.traffic(); }
 
 private:
@@ -117,6 +120,7 @@ private:
     Line line_;
     Screen screen_;
     Cardholder cardholder_;
+    StateBoard board_;
     Transmitter transmitter_;
     Engine engine_;
     PacedBytes heard_;

@@ -11,8 +11,10 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
+#include "tests/simulator/control_client.h"
 #include "tests/simulator/host.h"
 
 namespace {
@@ -159,6 +161,38 @@ TEST_F(ProgramTest, TakesItsKeysFromAFile) {
     Program missing({"--keys", link()});
     EXPECT_EQ(missing.wait(), 1);
     EXPECT_EQ(missing.errors(), "quorvel-sim: " + link() + " cannot be read\n");
+}
+
+TEST_F(ProgramTest, IsControlledThroughASocketAndTellsWhereItReturns) {
+    const std::string socket = (folder_ / "control").string();
+    Program program({"--link", link(), "--control", socket, "--speed", "115200", "--seed", "7"});
+    program.ready();
+    ControlClient client(socket);
+    EXPECT_EQ(client.ask(R"({"do":"hang-up","ms":1})"), R"({"ok":true})");
+    const std::string path = program.ready();
+    EXPECT_EQ(fs::read_symlink(link()), path);
+    Host host(link());
+    host.send("\x18");
+    EXPECT_EQ(host.receive(1), "\x04");
+    EXPECT_EQ(client.ask(R"({"do":"stop"})"), R"({"ok":true})");
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.errors(), "");
+    EXPECT_FALSE(fs::exists(socket));
+}
+
+TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"--speed", "fast"}, "--speed: Value fast not in range 300 to 4000000"},
+        {{"--speed", "299"}, "--speed: Value 299 not in range 300 to 4000000"},
+        {{"--seed", "-1"}, "Could not convert: --seed = -1"},
+        {{"--control", folder_.string()}, "quorvel-sim: " + folder_.string() + " is there and no socket"},
+    };
+    for (const auto& [arguments, due] : cases) {
+        Program program(arguments);
+        EXPECT_NE(program.wait(), 0) << due;
+        const std::string errors = program.errors();
+        EXPECT_EQ(errors.substr(0, errors.find('\n')), due);
+    }
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {

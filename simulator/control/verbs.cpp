@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/control/verbs.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
+
+namespace quorvel::sim {
+
+using nlohmann::json;
+
+namespace {
+
+constexpr int64_t longestMs = 24 * 60 * 60 * 1000;
+constexpr int64_t defaultAwaitMs = 10000;
+constexpr int64_t mostTraffic = 1000;
+constexpr int64_t defaultTraffic = 20;
+constexpr size_t longestText = 32;
+constexpr size_t longestPlan = 100;
+
+struct NamedKey {
+    std::string_view name;
+    Key key;
+};
+
+constexpr std::array keys{
+    NamedKey{"enter", Key::enter}, NamedKey{"clear", Key::clear}, NamedKey{"cancel", Key::cancel},
+    NamedKey{"up", Key::up},       NamedKey{"down", Key::down},   NamedKey{"f1", Key::f1},
+    NamedKey{"f2", Key::f2},       NamedKey{"f3", Key::f3},       NamedKey{"f4", Key::f4},
+};
+
+Key key_of(const std::string& name) {
+    if (name.size() == 1 && is_digit(digit(name.front()))) return digit(name.front());
+    const auto* found = std::ranges::find(keys, name, &NamedKey::name);
+    if (found == keys.end()) throw RequestError(fmt::format("there is no key \"{}\"", name));
+    return found->key;
+}
+
+const Card& card_of(Arguments& arguments, const Cards& cards) {
+    try {
+        return cards.at(arguments.text("card"));
+    } catch (const std::out_of_range& error) { throw RequestError(error.what()); }
+}
+
+// The PIN pad's characters are those of ISO 8859-1.
+std::string utf8(std::string_view latin) {
+    std::string text;
+    for (const char character : latin) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code >= 0x80) text.push_back(static_cast<char>(0xC0 | (code >> 6)));
+        text.push_back(code >= 0x80 ? static_cast<char>(0x80 | (code & 0x3F)) : character);
+    }
+    return text;
+}
+
+void press(Gestures& gestures, Arguments& arguments, const Cards&) { gestures.press(key_of(arguments.text("key"))); }
+
+void type(Gestures& gestures, Arguments& arguments, const Cards&) {
+    const std::string digits = arguments.text("digits");
+    const auto fits = [](char character) { return is_digit(digit(character)); };
+    if (digits.size() > longestText || !std::ranges::all_of(digits, fits)) {
+        throw RequestError(fmt::format("\"digits\" is not up to {} digits", longestText));
+    }
+    gestures.type(digits);
+}
+
+void choose(Gestures& gestures, Arguments& arguments, const Cards&) {
+    gestures.choose(static_cast<int>(arguments.number("option", 1, 99)));
+}
+
+void swipe(Gestures& gestures, Arguments& arguments, const Cards& cards) { gestures.swipe(card_of(arguments, cards)); }
+void insert(Gestures& gestures, Arguments& arguments, const Cards& cards) {
+    gestures.insert(card_of(arguments, cards));
+}
+void tap(Gestures& gestures, Arguments& arguments, const Cards& cards) { gestures.tap(card_of(arguments, cards)); }
+void remove(Gestures& gestures, Arguments&, const Cards&) { gestures.remove(); }
+
+void notify(Gestures& gestures, Arguments& arguments, const Cards&) {
+    const std::string text = arguments.text("text");
+    const auto fits = [](char character) { return character >= ' ' && character <= '~'; };
+    if (text.empty() || text.size() > longestText || !std::ranges::all_of(text, fits)) {
+        throw RequestError(fmt::format("\"text\" is not 1 to {} characters of ASCII", longestText));
+    }
+    gestures.notify(text);
+}
+
+std::string command_of(Arguments& arguments) {
+    const std::string command = arguments.text("command");
+    if (find_command(command) == nullptr) throw RequestError(fmt::format("there is no command \"{}\"", command));
+    return command;
+}
+
+json when(Control& control, Arguments& arguments) {
+    const std::string command = command_of(arguments);
+    const json& acts = arguments.list("acts");
+    arguments.end();
+    if (acts.size() > longestPlan) throw RequestError(fmt::format("more than {} acts", longestPlan));
+    Gestures gestures;
+    for (const json& act : acts) {
+        Arguments members(act);
+        const std::string name = members.text("do");
+        const auto* gesture = std::get_if<Verb::Gesture>(&find_verb(name).run);
+        if (gesture == nullptr) throw RequestError(fmt::format("\"{}\" is nothing that a cardholder does", name));
+        (*gesture)(gestures, members, control.cards());
+        members.end();
+    }
+    control.pin_pad().when(command, gestures);
+    return json::object();
+}
+
+std::chrono::milliseconds milliseconds_of(Arguments& arguments, std::optional<int64_t> otherwise = {}) {
+    return std::chrono::milliseconds(arguments.number("ms", 0, longestMs, otherwise));
+}
+
+// Faults that come again and again have no end unless it is told.
+Fault fault_of(Arguments& arguments) {
+    Fault fault{.kind = arguments.text("fault"),
+                .command = arguments.has("command") ? arguments.text("command") : "",
+                .time = milliseconds_of(arguments, 0),
+                .status = static_cast<int>(arguments.number("status", 0, 999, 0)),
+                .every = static_cast<unsigned>(arguments.number("every", 1, UINT32_MAX, 1)),
+                .chance = arguments.fraction("chance").value_or(1)};
+    const bool again = arguments.has("every") || arguments.has("chance");
+    const auto times = static_cast<unsigned>(arguments.number("times", 1, UINT32_MAX, 1));
+    fault.times = again && !arguments.has("times") ? std::nullopt : std::optional(times);
+    arguments.end();
+    return fault;
+}
+
+json to_json(const Fault& fault) {
+    json object{{"fault", fault.kind}};
+    if (!fault.command.empty()) object["command"] = fault.command;
+    if (fault.time != std::chrono::milliseconds::zero()) object["ms"] = fault.time.count();
+    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::status) object["status"] = fault.status;
+    if (fault.every != 1) object["every"] = fault.every;
+    if (fault.chance < 1) object["chance"] = fault.chance;
+    if (fault.times) object["times"] = *fault.times;
+    return object;
+}
+
+json inject(Control& control, Arguments& arguments) {
+    const Fault fault = fault_of(arguments);
+    try {
+        control.pin_pad().inject(fault);
+    } catch (const std::invalid_argument& error) { throw RequestError(error.what()); }
+    return json::object();
+}
+
+json faults(Control& control, Arguments& arguments) {
+    arguments.end();
+    json list = json::array();
+    for (const Fault& fault : control.pin_pad().faults()) list.push_back(to_json(fault));
+    return {{"faults", list}};
+}
+
+json clear_faults(Control& control, Arguments& arguments) {
+    arguments.end();
+    control.pin_pad().clear_faults();
+    return json::object();
+}
+
+json hang_up(Control& control, Arguments& arguments) {
+    const auto time = milliseconds_of(arguments);
+    arguments.end();
+    control.pin_pad().hang_up(time);
+    return json::object();
+}
+
+Control::Await await(Control& control, Arguments& arguments) {
+    const std::string command = arguments.has("command") ? command_of(arguments) : "";
+    const auto limit = milliseconds_of(arguments, defaultAwaitMs);
+    arguments.end();
+    return {.command = command,
+            .before = control.pin_pad().board().waits(command),
+            .deadline = std::chrono::steady_clock::now() + limit};
+}
+
+json state(Control& control, Arguments& arguments) {
+    arguments.end();
+    const State state = control.pin_pad().board().state();
+    return {{"port", control.pin_pad().path()},
+            {"waiting", state.waiting.empty() ? json() : json(state.waiting)},
+            {"session", state.encrypted ? "encrypted" : "plain"},
+            {"card", state.cardInserted}};
+}
+
+json screen(Control& control, Arguments& arguments) {
+    arguments.end();
+    const Screen::Content content = control.pin_pad().screen();
+    json menu = json::array();
+    for (const std::string& option : content.menu) menu.push_back(utf8(option));
+    return {{"text", utf8(content.text)},
+            {"menu", menu},
+            {"selected", content.selected},
+            {"typed", utf8(content.typed)},
+            {"media", utf8(content.media)}};
+}
+
+json findings(Control& control, Arguments& arguments) {
+    arguments.end();
+    json list = json::array();
+    for (const Finding& finding : control.pin_pad().findings()) {
+        list.push_back({{"kind", kind_name(finding.kind)}, {"text", utf8(finding.text)}});
+    }
+    return {{"findings", list}};
+}
+
+json clear_findings(Control& control, Arguments& arguments) {
+    arguments.end();
+    control.pin_pad().clear_findings();
+    return json::object();
+}
+
+json traffic(Control& control, Arguments& arguments) {
+    const auto last = static_cast<size_t>(arguments.number("last", 1, mostTraffic, defaultTraffic));
+    arguments.end();
+    const std::vector<Traffic> all = control.pin_pad().traffic();
+    json list = json::array();
+    for (size_t i = all.size() - std::min(all.size(), last); i < all.size(); ++i) {
+        list.push_back({{"from", all[i].sender == Sender::host ? "host" : "pin-pad"},
+                        {"bytes", wire_text(all[i])},
+                        {"words", utf8(all[i].words)}});
+    }
+    return {{"traffic", list}};
+}
+
+json cards(Control& control, Arguments& arguments) {
+    arguments.end();
+    return {{"cards", control.cards().names()}};
+}
+
+json stop(Control& control, Arguments& arguments) {
+    arguments.end();
+    control.pin_pad().request_stop();
+    return json::object();
+}
+
+constexpr std::array verbs{
+    Verb{"press", press},
+    Verb{"type", type},
+    Verb{"choose", choose},
+    Verb{"swipe", swipe},
+    Verb{"insert", insert},
+    Verb{"remove", remove},
+    Verb{"tap", tap},
+    Verb{"notify", notify},
+    Verb{"when", when},
+    Verb{"await", await},
+    Verb{"state", state},
+    Verb{"screen", screen},
+    Verb{"cards", cards},
+    Verb{"findings", findings},
+    Verb{"clear-findings", clear_findings},
+    Verb{"traffic", traffic},
+    Verb{"fault", inject},
+    Verb{"faults", faults},
+    Verb{"clear-faults", clear_faults},
+    Verb{"hang-up", hang_up},
+    Verb{"stop", stop},
+};
+
+}  // namespace
+
+std::span<const Verb> all_verbs() noexcept { return verbs; }
+
+const Verb& find_verb(std::string_view name) {
+    const auto* found = std::ranges::find(verbs, name, &Verb::name);
+    if (found == verbs.end()) throw RequestError(fmt::format("there is no \"{}\"", name));
+    return *found;
+}
+
+}  // namespace quorvel::sim

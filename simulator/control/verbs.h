@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_CONTROL_VERBS_H
+#define QUORVEL_SIMULATOR_CONTROL_VERBS_H
+
+#include <nlohmann/json_fwd.hpp>
+#include <span>
+#include <string_view>
+#include <variant>
+
+#include "simulator/cards/cards.h"
+#include "simulator/control/arguments.h"
+#include "simulator/control/control.h"
+#include "simulator/event.h"
+
+namespace quorvel::sim {
+
+// One kind of request. What it does throws RequestError and changes nothing when a member is wrong.
+struct Verb {
+    // Something that the cardholder does, now or as part of a plan. The only kind that does not end the arguments.
+    using Gesture = void (*)(Gestures& gestures, Arguments& arguments, const Cards& cards);
+    // Something else; the answer's members besides "ok".
+    using Action = nlohmann::json (*)(Control& control, Arguments& arguments);
+    using Wait = Control::Await (*)(Control& control, Arguments& arguments);
+
+    std::string_view name;
+    std::variant<Gesture, Action, Wait> run;
+};
+
+[[nodiscard]] std::span<const Verb> all_verbs() noexcept;
+// Throws RequestError.
+[[nodiscard]] const Verb& find_verb(std::string_view name);
+
+}  // namespace quorvel::sim
+
+#endif
