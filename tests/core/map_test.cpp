@@ -11,13 +11,7 @@
 
 namespace {
 
-using counted::copy;
-using counted::destroy;
-using counted::entries;
-using counted::equals;
-using counted::hash;
-using counted::new_map;
-using counted::text_of;
+using namespace counted;
 using Map = Owned<KorMap, kor_map_delete>;
 
 TEST(Map, RefusesItsArgumentsInTheirOrder) {

@@ -6,10 +6,10 @@
 
 #include "core/serial.h"
 #include "quorvel/kor/string_list.h"
-#include "tests/core/line.h"
 #include "tests/core/owned.h"
 #include "tests/core/temp_dir.h"
 #include "tests/support/malloc/failing_malloc.h"
+#include "tests/support/peer.h"
 #include "tests/support/raised.h"
 
 namespace {
@@ -21,7 +21,7 @@ protected:
         return support::raised_by([&] { kor::list_serial_ports(path, out); });
     }
 
-    Line line;
+    support::Peer line;
     const TempDir dir;
     const Owned<KorList, kor_string_list_delete> out{kor_string_list_new()};
 };

@@ -2,17 +2,22 @@
 // Copyright (c) 2026 the quorvel authors
 #include "core/serial.h"
 
+#include <csignal>
 #include <cstddef>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <thread>
 #include <tuple>
+#include <unistd.h>
+#include <utility>
+#include <vector>
 
-#include "tests/core/line.h"
-#include "tests/core/serial_port.h"
 #include "tests/core/signals.h"
 #include "tests/core/temp_dir.h"
 #include "tests/support/elapsed.h"
+#include "tests/support/peer.h"
 #include "tests/support/raised.h"
 
 using namespace std::chrono_literals;
@@ -20,19 +25,52 @@ using namespace std::string_literals;
 
 namespace {
 
+constexpr KorSerialConfig kConfig{
+    1, 19200, 8, KOR_SERIAL_STOP_BITS_ONE, KOR_SERIAL_PARITY_NONE, KOR_SERIAL_FLOW_CONTROL_NONE};
+
+// A port on a line of its own, as it is when just opened.
+class Serial : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_NE(port, nullptr); }
+    ~Serial() override {
+        peer.finish();
+        kor_serial_close(&port);
+    }
+
+    // Sends and waits until the port can read as much: it takes the kernel a moment.
+    void feed(const std::string& bytes) {
+        peer.send(bytes);
+        while (kor_serial_available(port) < bytes.size()) { usleep(100); }
+    }
+
+    // The port's descriptor becomes another one, so that system calls on it fail.
+    void replace_descriptor(int flags) const {
+        const int fd = open(peer.path().c_str(), flags | O_NOCTTY);
+        ASSERT_EQ(dup3(fd, port->fd, O_CLOEXEC), port->fd);
+        close(fd);
+    }
+
+    support::Peer peer;
+    KorSerial* port = kor_serial_open(peer.path().c_str());
+};
+
+class ConfiguredSerial : public Serial {
+protected:
+    void SetUp() override { EXPECT_NO_RAISE(kor_serial_config(port, &kConfig)); }
+};
+
 // All that tcgetattr tells but the speeds.
 std::string as_bytes(const termios& settings) {
     return {reinterpret_cast<const char*>(&settings), offsetof(termios, c_cc) + sizeof settings.c_cc};
 }
 
-TEST(SerialOpen, BlocksAndLeavesTheSettings) {
-    const Line line;
-    const termios before = line.settings();
-    KorSerial* opened = kor_serial_open(line.path().c_str());
+TEST_F(Serial, OpeningBlocksAndLeavesTheSettings) {
+    const termios before = peer.settings();
+    KorSerial* opened = kor_serial_open(peer.path().c_str());
     ASSERT_NE(opened, nullptr);
     EXPECT_EQ(fcntl(opened->fd, F_GETFL) & (O_NONBLOCK | O_ACCMODE), O_RDWR);
     EXPECT_EQ(fcntl(opened->fd, F_GETFD), FD_CLOEXEC);
-    EXPECT_EQ(as_bytes(line.settings()), as_bytes(before));
+    EXPECT_EQ(as_bytes(peer.settings()), as_bytes(before));
     kor_serial_close(&opened);
     EXPECT_EQ(opened, nullptr);
 }
@@ -50,30 +88,29 @@ TEST(SerialOpen, NamesWhatIsWrongWithThePath) {
     EXPECT_EQ(open_descriptors(), descriptors);
 }
 
-TEST(SerialOpen, TellsForbiddenFromBusy) {
-    const Line forbidden;
-    const Line busy;
-    ASSERT_EQ(fchmod(forbidden.near_side(), 0), 0);
-    ASSERT_EQ(fchmod(busy.near_side(), 0666), 0);
-    ASSERT_EQ(ioctl(busy.near_side(), TIOCEXCL), 0);
+TEST_F(Serial, TellsForbiddenFromBusy) {
+    const support::Peer forbidden;
+    ASSERT_EQ(chmod(forbidden.path().c_str(), 0), 0);
+    ASSERT_EQ(chmod(peer.path().c_str(), 0666), 0);
+    ASSERT_EQ(ioctl(port->fd, TIOCEXCL), 0);
     const uid_t user = geteuid();
     // Root may open everything.
     if (user == 0 && seteuid(65534) != 0) { GTEST_SKIP() << "the system does not let go of root's rights"; }
     EXPECT_RAISES(KOR_RESULT_PERMISSION_DENIED, "Permission denied for port : " + forbidden.path(),
                   kor_serial_open(forbidden.path().c_str()));
-    EXPECT_RAISES(KOR_RESULT_DEVICE_BUSY, "Port is busy: " + busy.path(), kor_serial_open(busy.path().c_str()));
+    EXPECT_RAISES(KOR_RESULT_DEVICE_BUSY, "Port is busy: " + peer.path(), kor_serial_open(peer.path().c_str()));
     EXPECT_EQ(seteuid(user), 0);
 }
 
 TEST_F(Serial, ConfigMakesTheLineRaw) {
-    termios cooked = line.settings();
+    termios cooked = peer.settings();
     cooked.c_iflag |= ISTRIP | INLCR | IGNCR | ICRNL | IXON | IXOFF | IXANY;
     cooked.c_oflag |= OPOST | ONLCR;
     cooked.c_lflag |= ICANON | ECHO | ECHOE | ISIG | IEXTEN;
-    ASSERT_EQ(tcsetattr(line.near_side(), TCSANOW, &cooked), 0);
+    ASSERT_EQ(tcsetattr(port->fd, TCSANOW, &cooked), 0);
     const KorSerialConfig config{255, 115200, 8, 2, 0, 0};
     EXPECT_NO_RAISE(kor_serial_config(port, &config));
-    const termios settings = line.settings();
+    const termios settings = peer.settings();
     EXPECT_EQ(settings.c_iflag & (ISTRIP | INLCR | IGNCR | ICRNL | IXON | IXOFF | IXANY), tcflag_t{IXANY});
     EXPECT_EQ(settings.c_oflag & (OPOST | ONLCR), 0U);
     EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ECHOE | ISIG | IEXTEN), tcflag_t{IEXTEN});
@@ -85,13 +122,12 @@ TEST_F(Serial, ConfigMakesTheLineRaw) {
     // The control bytes of the protocol among them, which a line discipline would keep for itself.
     std::string every;
     for (int byte = 0; byte < 256; ++byte) { every += static_cast<char>(byte); }
-    line.feed(every);
+    feed(every);
     std::string read(every.size(), '\0');
     EXPECT_EQ(kor_serial_read(port, read.data(), read.size()), every.size());
     EXPECT_EQ(read, every);
+    peer.expect(every);
     EXPECT_NO_RAISE(kor_serial_write(port, every.data(), every.size()));
-    EXPECT_EQ(line.received(every.size()), every);
-    EXPECT_TRUE(line.is_quiet());
 }
 
 TEST_F(Serial, ConfigWithOneBadValueAppliesNone) {
@@ -100,12 +136,12 @@ TEST_F(Serial, ConfigWithOneBadValueAppliesNone) {
         {{9, 9600, 8, 0, 9, 3}, "Unsupported stopBits: 0"},    {{9, 9600, 8, 1, 9, 3}, "Unsupported parity: 9"},
         {{9, 9600, 8, 1, 0, 3}, "Unsupported flowControl: 3"},
     };
-    const termios before = line.settings();
+    const termios before = peer.settings();
     for (const auto& [config, detail] : cases) {
         const support::ReturningRaises raises;
         kor_serial_config(port, &config);
         EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_RUNTIME_ERROR, {detail}));
-        EXPECT_EQ(as_bytes(line.settings()), as_bytes(before)) << detail;
+        EXPECT_EQ(as_bytes(peer.settings()), as_bytes(before)) << detail;
     }
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'config' is NULL", kor_serial_config(port, nullptr));
 }
@@ -115,7 +151,7 @@ TEST_F(Serial, ASetterLeavesTheOtherSettings) {
     EXPECT_NO_RAISE(kor_serial_config(port, &config));
     EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 3));
     EXPECT_NO_RAISE(kor_serial_set_baud_rate(port, 57600));
-    termios settings = line.settings();
+    termios settings = peer.settings();
     EXPECT_EQ(settings.c_cc[VTIME], 3);
     EXPECT_EQ(cfgetospeed(&settings), speed_t{B57600});
     EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), tcflag_t{IXON | IXOFF});
@@ -125,13 +161,13 @@ TEST_F(Serial, ASetterLeavesTheOtherSettings) {
     EXPECT_NO_RAISE(kor_serial_set_parity(port, 1));
     EXPECT_NO_RAISE(kor_serial_set_parity(port, 0));
     EXPECT_NO_RAISE(kor_serial_set_data_bits(port, 8));
-    settings = line.settings();
+    settings = peer.settings();
     EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), 0U);
     EXPECT_EQ(settings.c_cflag & (CSTOPB | PARENB | PARODD | CSIZE), tcflag_t{PARODD | CS8});
 }
 
 TEST_F(ConfiguredSerial, ReadStopsShortWhenTheTimeOutExpires) {
-    line.feed("abc");
+    feed("abc");
     char bytes[5] = {};
     const support::Elapsed elapsed;
     EXPECT_EQ(kor_serial_read(port, bytes, sizeof bytes), 3U);
@@ -140,36 +176,23 @@ TEST_F(ConfiguredSerial, ReadStopsShortWhenTheTimeOutExpires) {
     EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 0));
     EXPECT_EQ(kor_serial_read(port, bytes, 1), 0U);
     EXPECT_STREQ(bytes, "abc");
-    line.feed("y");
+    feed("y");
     EXPECT_EQ(kor_serial_read(port, bytes, 1), 1U) << "what is there needs no wait";
 }
 
 TEST_F(ConfiguredSerial, TheTimeOutStartsAfreshWithEachArrival) {
     EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 4));
-    std::thread slow([&] {
-        for (const char* next = "12345"; *next != '\0'; ++next) {
-            std::this_thread::sleep_for(120ms);
-            line.send({next, 1});
-        }
-    });
+    for (const char next : "12345"s) { peer.wait(120ms).send({next}); }
     char bytes[6] = {};
     EXPECT_EQ(kor_serial_read(port, bytes, 5), 5U);
-    slow.join();
     EXPECT_STREQ(bytes, "12345");
 }
 
 TEST_F(Serial, AnUnconfiguredReadWaitsAsTheDeviceWasTold) {
-    termios raw = line.settings();
-    cfmakeraw(&raw);
-    ASSERT_EQ(tcsetattr(line.near_side(), TCSANOW, &raw), 0);
     const Signals signals(0);
-    std::thread later([&] {
-        std::this_thread::sleep_for(50ms);
-        line.send("z");
-    });
+    peer.wait(50ms).send("z");
     char byte = 0;
     EXPECT_EQ(kor_serial_read(port, &byte, 1), 1U);
-    later.join();
     EXPECT_EQ(byte, 'z');
     EXPECT_GT(signals.seen(), 0);
 }
@@ -186,16 +209,14 @@ TEST_F(ConfiguredSerial, WritesNumbersInTheByteOrderAskedFor) {
     EXPECT_NO_RAISE(kor_serial_write_str(port, "cd", true));
     EXPECT_NO_RAISE(kor_serial_write_str(port, "", false));
     EXPECT_NO_RAISE(kor_serial_write(port, nullptr, 0));
-    const std::string expected =
+    peer.expect(
         "\xF1\x12\x34\x34\x12\xFE\xFF\x12\x34\x56\x78\x78\x56\x34\x12\xFD\xFF\xFF\xFF"
-        "abcd\0"s;
-    EXPECT_EQ(line.received(expected.size()), expected);
-    EXPECT_TRUE(line.is_quiet());
+        "abcd\0"s);
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'text' is NULL", kor_serial_write_str(port, nullptr, true));
 }
 
 TEST_F(ConfiguredSerial, ReadsNumbersInTheByteOrderAskedFor) {
-    line.feed("\xF1\x12\x34\x12\x34\xFE\xFF\x89\x34\x56\x78\x89\x34\x56\x78\xFD\xFF\xFF\xFF");
+    feed("\xF1\x12\x34\x12\x34\xFE\xFF\x89\x34\x56\x78\x89\x34\x56\x78\xFD\xFF\xFF\xFF");
     EXPECT_EQ(kor_serial_read_byte(port), 0xF1);
     EXPECT_EQ(kor_serial_read_ui16(port, 0), 0x1234);
     EXPECT_EQ(kor_serial_read_ui16(port, 1), 0x3412);
@@ -203,9 +224,9 @@ TEST_F(ConfiguredSerial, ReadsNumbersInTheByteOrderAskedFor) {
     EXPECT_EQ(kor_serial_read_ui32(port, 0), 0x89345678U);
     EXPECT_EQ(kor_serial_read_ui32(port, -1), 0x78563489U);
     EXPECT_EQ(kor_serial_read_i32(port, 1), -3);
-    line.feed("\x12\x34\x56");
+    feed("\x12\x34\x56");
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_i32(port, 0));
-    line.feed("\x9A\xBC");
+    feed("\x9A\xBC");
     EXPECT_EQ(kor_serial_read_ui16(port, 0), 0x9ABC) << "the bytes of a number cut short are lost";
 }
 
@@ -215,13 +236,13 @@ TEST_F(ConfiguredSerial, ReadStrFitsTheTextIntoItsBuffer) {
         {4, "\0"s, "\0......."s},       {1, "ABC\0"s, "\0......."s}, {0, "ABC\0"s, "........"s},
     };
     for (const auto& [size, sent, left] : cases) {
-        line.feed(sent + "!");
+        feed(sent + "!");
         std::string buffer(8, '.');
         EXPECT_EQ(kor_serial_read_str(port, buffer.data(), size), buffer.data());
         EXPECT_EQ(buffer, left);
         EXPECT_EQ(kor_serial_read_byte(port), '!') << "the text ends at its NUL";
     }
-    line.feed("AB");
+    feed("AB");
     char unended[8];
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data",
                   kor_serial_read_str(port, unended, sizeof unended));
@@ -231,14 +252,95 @@ TEST_F(ConfiguredSerial, ReadStrFitsTheTextIntoItsBuffer) {
 TEST_F(ConfiguredSerial, PurgeDiscardsTheQueueThatItNames) {
     for (const auto& [type, left] : {std::pair(KOR_SERIAL_PURGE_OUTPUT, 3U), std::pair(KOR_SERIAL_PURGE_INPUT, 0U),
                                      std::pair(KOR_SERIAL_PURGE_BOTH, 0U)}) {
-        line.feed("abc");
+        feed("abc");
         EXPECT_EQ(kor_serial_available(port), 3U);
         kor_serial_purge(port, type);
         EXPECT_EQ(kor_serial_available(port), left);
-        tcflush(line.near_side(), TCIFLUSH);
+        tcflush(port->fd, TCIFLUSH);
     }
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: 3", kor_serial_purge(port, 3));
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: -1", kor_serial_purge(port, -1));
+}
+
+class InterruptedSerial : public ConfiguredSerial, public testing::WithParamInterface<int> {};
+
+TEST_P(InterruptedSerial, ReadKeepsToTheTimeOutCountedFromItsStart) {
+    const Signals signals(GetParam());
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 2));
+    const support::Elapsed elapsed;
+    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", kor_serial_read_byte(port));
+    EXPECT_TRUE(elapsed.between(200ms, 5000ms));
+    EXPECT_GT(signals.seen(), 5);
+}
+
+TEST_P(InterruptedSerial, WriteSendsEverythingOnce) {
+    std::string sent;
+    for (size_t i = 0; i < 200'000; ++i) { sent += static_cast<char>('0' + i % 61); }
+    for (size_t i = 0; i < sent.size(); i += 2000) { peer.wait(1ms).expect(sent.substr(i, 2000)); }
+    const Signals signals(GetParam());
+    EXPECT_NO_RAISE(kor_serial_write(port, sent.data(), sent.size()));
+    EXPECT_GT(signals.seen(), 5);
+}
+
+TEST_P(InterruptedSerial, WriteWaitsOutTheDrain) {
+    // So often that some signals come during a drain, which is short.
+    constexpr size_t kBytes = 20'000;
+    peer.discard(kBytes);
+    const Signals signals(GetParam(), 30us);
+    const auto write_each = [&] {
+        for (size_t i = 0; i < kBytes; ++i) { kor_serial_write_byte(port, 'x'); }
+    };
+    EXPECT_NO_RAISE(write_each());
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, InterruptedSerial, testing::Values(0, SA_RESTART),
+                         [](const auto& test) { return test.param == 0 ? "Interrupting" : "Restarting"; });
+
+TEST_F(ConfiguredSerial, AHungUpLineIsAnErrorAndNoTimeOut) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 255));
+    peer.hang_up().settle();
+    char byte = 0;
+    const support::Elapsed elapsed;
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read(port, &byte, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_ui32(port, 0));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_str(port, &byte, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 5", kor_serial_write_byte(port, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", kor_serial_purge(port, KOR_SERIAL_PURGE_BOTH));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "ioctl(FIONREAD) error: 5", kor_serial_available(port));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", kor_serial_set_read_timeout(port, 1));
+    EXPECT_TRUE(elapsed.between(0ms, 10'000ms));
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_serial_read_byte(port), 0);
+    kor_serial_write(port, "abc", 3);
+    EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_IO_ERROR, {"read() error: 5", "tcdrain() error: 5"}));
+    kor_serial_close(&port);
+    EXPECT_EQ(port, nullptr);
+}
+
+TEST_F(ConfiguredSerial, AHangUpEndsAWaitingRead) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 255));
+    const support::Elapsed elapsed;
+    peer.wait(50ms).hang_up();
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_byte(port));
+    EXPECT_TRUE(elapsed.between(50ms, 20'000ms));
+}
+
+TEST_F(ConfiguredSerial, AClosedDescriptorIsReported) {
+    close(port->fd);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 9", kor_serial_read_byte(port));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 9", kor_serial_write_byte(port, 1));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 9", kor_serial_config(port, &kConfig));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "close() error: 9", kor_serial_close(&port));
+    EXPECT_EQ(port, nullptr);
+}
+
+// A descriptor without the right to write drains all the same, and one without the right to read waits.
+TEST_F(ConfiguredSerial, AReadOrWriteThatFailsAloneIsReportedWithItsOwnNumber) {
+    replace_descriptor(O_RDONLY);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "write() error: 9", kor_serial_write_byte(port, 1));
+    replace_descriptor(O_WRONLY);
+    feed("x");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 9", kor_serial_read_byte(port));
 }
 
 }  // namespace

@@ -15,10 +15,7 @@
 
 namespace {
 
-using counted::copy;
-using counted::destroy;
-using counted::equals;
-using counted::hash;
+using namespace counted;
 using Set = Owned<KorSet, kor_set_delete>;
 
 TEST(Set, RefusesItsArgumentsInTheirOrder) {

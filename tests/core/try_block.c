@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: MIT */
 /* Copyright (c) 2026 the quorvel authors */
-#include "tests/core/try_block.h"
-
 #include <string.h>
+
+#include "quorvel/kor/exception.h"
 
 static void add(char* trace, const char* letter) { strcat(trace, letter); }
 
