@@ -217,33 +217,18 @@ int watched_block(const unsigned char* in, unsigned char* out, symmetric_key* sk
     return block_status != CRYPT_OK ? block_status : (original.*Original)(in, out, skey);
 }
 
-class WatchedCipher {
-public:
-    explicit WatchedCipher(int index) : descriptor_(cipher_descriptor[index]) {
-        original = descriptor_;
-        descriptor_.setup = watched_setup;
-        descriptor_.ecb_encrypt = watched_block<&ltc_cipher_descriptor::ecb_encrypt>;
-        descriptor_.ecb_decrypt = watched_block<&ltc_cipher_descriptor::ecb_decrypt>;
-        descriptor_.accel_ecb_encrypt = nullptr;
-        descriptor_.accel_ecb_decrypt = nullptr;
-        descriptor_.accel_cbc_encrypt = nullptr;
-        descriptor_.accel_cbc_decrypt = nullptr;
-    }
-    ~WatchedCipher() {
-        descriptor_ = original;
-        setup_status = CRYPT_OK;
-        block_status = CRYPT_OK;
-    }
-    WatchedCipher(WatchedCipher&&) = delete;
-
-private:
-    ltc_cipher_descriptor& descriptor_;
-};
-
 TEST(BlockCiphers, KeySchedulesAreWipedOnEveryWayOut) {
     for (const Vector& vector : vectors()) {
         const Key key(vector.family, vector.key);
-        const WatchedCipher watched(find_cipher(std::array{"des", "3des", "aes"}[vector.family]));
+        ltc_cipher_descriptor& cipher = cipher_descriptor[find_cipher(std::array{"des", "3des", "aes"}[vector.family])];
+        original = cipher;
+        cipher.setup = watched_setup;
+        cipher.ecb_encrypt = watched_block<&ltc_cipher_descriptor::ecb_encrypt>;
+        cipher.ecb_decrypt = watched_block<&ltc_cipher_descriptor::ecb_decrypt>;
+        cipher.accel_ecb_encrypt = nullptr;
+        cipher.accel_ecb_decrypt = nullptr;
+        cipher.accel_cbc_encrypt = nullptr;
+        cipher.accel_cbc_decrypt = nullptr;
         for (const Mode& mode : kModes[vector.family]) {
             for (const Call call : {mode.encrypt, mode.decrypt}) {
                 SCOPED_TRACE(mode.name);
@@ -263,6 +248,8 @@ TEST(BlockCiphers, KeySchedulesAreWipedOnEveryWayOut) {
                 }
             }
         }
+        setup_status = block_status = CRYPT_OK;
+        cipher = original;
     }
 }
 

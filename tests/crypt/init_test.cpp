@@ -14,34 +14,21 @@
 
 namespace {
 
-template <typename Descriptor>
-struct Table {
-    int (*add)(const Descriptor*);
-    int (*remove)(const Descriptor*);
-    void (*number)(Descriptor& filler, unsigned char i);
-};
-
-const Table<ltc_prng_descriptor> kPrngs{register_prng, unregister_prng,
-                                        [](ltc_prng_descriptor& filler, unsigned char i) { filler.export_size = i; }};
-const Table<ltc_hash_descriptor> kHashes{register_hash, unregister_hash,
-                                         [](ltc_hash_descriptor& filler, unsigned char i) { filler.ID = i; }};
-const Table<ltc_cipher_descriptor> kCiphers{register_cipher, unregister_cipher,
-                                            [](ltc_cipher_descriptor& filler, unsigned char i) { filler.ID = i; }};
-
-// Takes the place of `ours` away by filling the table.
-template <typename Descriptor>
-void expect_refusal(const Table<Descriptor>& table, const Descriptor& ours, const char* detail) {
-    ASSERT_EQ(table.remove(&ours), CRYPT_OK);
+// Takes the place of `ours` away by filling the table with copies that differ in the number that tells them apart.
+template <typename Descriptor, typename Number>
+void expect_refusal(int (*add)(const Descriptor*), int (*remove)(const Descriptor*), Number Descriptor::*number,
+                    const Descriptor& ours, const char* detail) {
+    ASSERT_EQ(remove(&ours), CRYPT_OK);
     std::vector<Descriptor> fillers;
     for (unsigned char i = 100; i < 200; ++i) {
         Descriptor filler = ours;
         filler.name = "filler";
-        table.number(filler, i);
-        if (table.add(&filler) == -1) { break; }
+        filler.*number = static_cast<Number>(i);
+        if (add(&filler) == -1) { break; }
         fillers.push_back(filler);
     }
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, detail, crypt_init());
-    for (const Descriptor& filler : fillers) { ASSERT_EQ(table.remove(&filler), CRYPT_OK); }
+    for (const Descriptor& filler : fillers) { ASSERT_EQ(remove(&filler), CRYPT_OK); }
     EXPECT_NO_RAISE(crypt_init());
 }
 
@@ -67,11 +54,13 @@ TEST(CryptInit, RunsAtLoadTimeAndAgainWithoutEffect) {
 }
 
 TEST(CryptInit, NamesWhatDoesNotFitTheTables) {
-    expect_refusal(kPrngs, sprng_desc, "Error registering SPRNG");
-    expect_refusal(kHashes, sha1_desc, "Error registering SHA-1");
-    expect_refusal(kCiphers, aes_desc, "Error registering AES");
-    expect_refusal(kCiphers, des_desc, "Error registering DES");
-    expect_refusal(kCiphers, des3_desc, "Error registering 3DES");
+    constexpr auto kId = &ltc_cipher_descriptor::ID;
+    expect_refusal(register_prng, unregister_prng, &ltc_prng_descriptor::export_size, sprng_desc,
+                   "Error registering SPRNG");
+    expect_refusal(register_hash, unregister_hash, &ltc_hash_descriptor::ID, sha1_desc, "Error registering SHA-1");
+    expect_refusal(register_cipher, unregister_cipher, kId, aes_desc, "Error registering AES");
+    expect_refusal(register_cipher, unregister_cipher, kId, des_desc, "Error registering DES");
+    expect_refusal(register_cipher, unregister_cipher, kId, des3_desc, "Error registering 3DES");
     expect_ciphers_to_work();
 }
 

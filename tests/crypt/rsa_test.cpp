@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
@@ -203,29 +202,22 @@ TEST(Rsa, RefusedDataLeavesTheOutputAsItWas) {
     const std::string above(128, '\xFF');
     std::string damaged = kOaep;
     damaged.back() ^= 1;
-    const struct {
-        std::function<size_t(const uint8_t*, size_t, uint8_t*, size_t)> call;
-        const std::string& in;
-        size_t inLen;
-        size_t room;
-        const char* detail;
-    } rows[] = {
-        {std::bind_front(crypt_rsa_private_exp, key.get()), above, 128, 128, "Invalid sized parameter."},
-        {std::bind_front(crypt_rsa_private_exp, key.get()), kShortRaised, 128, 127, "Buffer overflow."},
-        {std::bind_front(crypt_rsa_public_exp, &publicKey), above, 128, 128, "Invalid sized parameter."},
-        {std::bind_front(crypt_rsa_public_exp, &publicKey), kShort, 128, 127, "Buffer overflow."},
-        {std::bind_front(crypt_rsa_encrypt, &publicKey), kShort, 1, 127, "Buffer overflow."},
-        {std::bind_front(crypt_rsa_encrypt, &publicKey), kShort, 87, 128, "Invalid sized parameter."},
-        {std::bind_front(crypt_rsa_decrypt, key.get()), damaged, 128, 128, "Invalid OAEP packet"},
-        {std::bind_front(crypt_rsa_decrypt, key.get()), kOaep, 127, 128, "Invalid OAEP packet"},
-        {std::bind_front(crypt_rsa_decrypt, key.get()), kOaep, 128, kMessage.size() - 1, "Invalid OAEP packet"},
-    };
-    for (const auto& row : rows) {
+    const auto expect = [](auto function, const auto* rsa, const std::string& in, size_t inLen, size_t room,
+                           const char* detail) {
         std::string out(128, 'Z');
-        EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, row.detail,
-                      row.call(bytes(row.in), row.inLen, reinterpret_cast<uint8_t*>(out.data()), row.room));
-        EXPECT_EQ(out, std::string(128, 'Z')) << row.detail;
-    }
+        EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, detail,
+                      function(rsa, bytes(in), inLen, reinterpret_cast<uint8_t*>(out.data()), room));
+        EXPECT_EQ(out, std::string(128, 'Z')) << detail;
+    };
+    expect(crypt_rsa_private_exp, key.get(), above, 128, 128, "Invalid sized parameter.");
+    expect(crypt_rsa_private_exp, key.get(), kShortRaised, 128, 127, "Buffer overflow.");
+    expect(crypt_rsa_public_exp, &publicKey, above, 128, 128, "Invalid sized parameter.");
+    expect(crypt_rsa_public_exp, &publicKey, kShort, 128, 127, "Buffer overflow.");
+    expect(crypt_rsa_encrypt, &publicKey, kShort, 1, 127, "Buffer overflow.");
+    expect(crypt_rsa_encrypt, &publicKey, kShort, 87, 128, "Invalid sized parameter.");
+    expect(crypt_rsa_decrypt, key.get(), damaged, 128, 128, "Invalid OAEP packet");
+    expect(crypt_rsa_decrypt, key.get(), kOaep, 127, 128, "Invalid OAEP packet");
+    expect(crypt_rsa_decrypt, key.get(), kOaep, 128, kMessage.size() - 1, "Invalid OAEP packet");
 }
 
 TEST(Rsa, RaisesThatReturnGiveNothing) {
