@@ -72,14 +72,12 @@ std::string to_hex(std::string_view bytes) {
     return out;
 }
 
-std::string frame(std::string_view payload, uint16_t crc) { return framed("\x16", payload, crc); }
+std::string frame(std::string_view payload, std::optional<uint16_t> crc) {
+    return framed("\x16", payload, crc.value_or(crc_of(std::string(payload) + '\x17')));
+}
 
-std::string encrypted_frame(std::string_view payload, uint16_t crc) { return framed("\x16\x12", payload, crc); }
-
-std::string frame(std::string_view payload) { return frame(payload, crc_of(std::string(payload) + '\x17')); }
-
-std::string encrypted_frame(std::string_view payload) {
-    return encrypted_frame(payload, crc_of('\x12' + std::string(payload) + '\x17'));
+std::string encrypted_frame(std::string_view payload, std::optional<uint16_t> crc) {
+    return framed("\x16\x12", payload, crc.value_or(crc_of('\x12' + std::string(payload) + '\x17')));
 }
 
 }  // namespace support

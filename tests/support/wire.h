@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,15 +23,12 @@ std::string operator""_hex(const char* digits, size_t length);
 // "16 4F 50"
 std::string to_hex(std::string_view bytes);
 
-// SYN, the payload with its escapes, ETB and the given CRC.
-std::string frame(std::string_view payload, uint16_t crc);
+// SYN, the payload with its escapes, ETB and the CRC: the given one, or the right one, calculated bit by bit in here.
+// Tests of the framing itself spell the CRC.
+std::string frame(std::string_view payload, std::optional<uint16_t> crc = {});
 
 // The same with DC2 after SYN.
-std::string encrypted_frame(std::string_view payload, uint16_t crc);
-
-// With the right CRC, calculated bit by bit in here. Tests of the framing itself spell the CRC instead.
-std::string frame(std::string_view payload);
-std::string encrypted_frame(std::string_view payload);
+std::string encrypted_frame(std::string_view payload, std::optional<uint16_t> crc = {});
 
 }  // namespace support
 

@@ -12,8 +12,7 @@ namespace {
 
 using abecs::FrameDecoder;
 using abecs::FrameEncoder;
-using support::to_hex;
-using namespace support::literals;
+using namespace support;
 
 enum Kind { kPlain, kEncrypted, kOnlyReceived };  // the last: what no encoder should send, but a peer might
 

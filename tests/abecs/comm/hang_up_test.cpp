@@ -3,6 +3,7 @@
 #include <chrono>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 
 #include "tests/support/elapsed.h"
 #include "tests/support/link.h"
@@ -11,12 +12,8 @@
 // The PIN pad is unplugged at each point of an exchange: that is an I/O error at once, never a wait or a loop.
 namespace {
 
-using support::Elapsed;
-using support::Link;
-using support::Packet;
-using support::raised_by;
+using namespace support;
 using namespace std::chrono_literals;
-using namespace support::literals;
 
 const std::string kRequest = "16 47494E3030323030 17 EECA"_hex;
 const std::string kResponse = "16 47494E303030 17 B695"_hex;
@@ -49,26 +46,28 @@ TEST(HangUp, AfterEachByteOfAResponse) {
     }
 }
 
-TEST(HangUp, DuringTheRepetitions) {
-    Link sending;
-    sending.peer.expect(kRequest).send("15"_hex).expect(kRequest).hang_up();
-    const Packet packet("GIN00200");
-    expect_io_error_at_once("after the second frame", [&] { abecs_comm_send_packet(sending.comm, packet); });
-    Link purging;
-    purging.peer.send(kBad).wait(100ms).hang_up();
-    expect_io_error_at_once("in the purge", [&] { abecs_comm_read_packet(purging.comm, packet); });
-    Link repeating;
-    repeating.peer.send(kBad).expect("15"_hex).hang_up();
-    expect_io_error_at_once("after NAK", [&] { abecs_comm_read_packet(repeating.comm, packet); });
-}
+using Call = void (*)(AbecsComm*, AbecsPacket*);
+constexpr Call kSend = [](AbecsComm* comm, AbecsPacket* request) { abecs_comm_send_packet(comm, request); };
+constexpr Call kRead = [](AbecsComm* comm, AbecsPacket* out) { EXPECT_EQ(abecs_comm_read_packet(comm, out), nullptr); };
+constexpr Call kCan = [](AbecsComm* comm, AbecsPacket*) { abecs_comm_send_can(comm); };
+constexpr Call kClose = [](AbecsComm* comm, AbecsPacket*) { abecs_comm_close(&comm); };
 
-TEST(HangUp, DuringCan) {
-    Link waiting;
-    waiting.peer.expect("18"_hex).hang_up();
-    expect_io_error_at_once("after CAN", [&] { abecs_comm_send_can(waiting.comm); });
-    Link purging;
-    purging.peer.expect("18"_hex).send("15"_hex).wait(100ms).hang_up();
-    expect_io_error_at_once("in the purge", [&] { abecs_comm_send_can(purging.comm); });
+TEST(HangUp, DuringTheRepetitionsAndPurges) {
+    const std::tuple<const char*, void (*)(Peer&), Call> rows[] = {
+        {"after the second frame", [](Peer& peer) { peer.expect(kRequest).send("15"_hex).expect(kRequest).hang_up(); },
+         kSend},
+        {"in the purge", [](Peer& peer) { peer.send(kBad).wait(100ms).hang_up(); }, kRead},
+        {"after NAK", [](Peer& peer) { peer.send(kBad).expect("15"_hex).hang_up(); }, kRead},
+        {"after CAN", [](Peer& peer) { peer.expect("18"_hex).hang_up(); }, kCan},
+        {"in CAN's purge", [](Peer& peer) { peer.expect("18"_hex).send("15"_hex).wait(100ms).hang_up(); }, kCan},
+    };
+    for (const auto& [where, script, function] : rows) {
+        const Call call = function;
+        Link link;
+        script(link.peer);
+        const Packet packet("GIN00200");
+        expect_io_error_at_once(where, [&] { call(link.comm, packet); });
+    }
 }
 
 // Where a raise returns, nothing may go on with the dead line, let alone turn round on it.
@@ -76,16 +75,10 @@ TEST(HangUp, IsRaisedOnceOutsideEveryTryBlock) {
     Link link;
     link.peer.hang_up().settle();
     const Packet packet("GIN00200");
-    void (*const calls[])(AbecsComm*, AbecsPacket*) = {
-        [](AbecsComm* comm, AbecsPacket* request) { abecs_comm_send_packet(comm, request); },
-        [](AbecsComm* comm, AbecsPacket* out) { EXPECT_EQ(abecs_comm_read_packet(comm, out), nullptr); },
-        [](AbecsComm* comm, AbecsPacket*) { abecs_comm_send_can(comm); },
-        [](AbecsComm* comm, AbecsPacket*) { abecs_comm_close(&comm); },
-    };
-    for (const auto& call : calls) {
+    for (const Call call : {kSend, kRead, kCan, kClose}) {
         const support::ReturningRaises raises;
         call(link.comm, packet);
-        EXPECT_EQ(raises.all().size(), 1U);
+        ASSERT_EQ(raises.all().size(), 1U);
         EXPECT_EQ(raises.all().front().code, KOR_RESULT_IO_ERROR);
     }
     link.comm = nullptr;

@@ -15,13 +15,8 @@
 
 namespace {
 
-using support::Elapsed;
-using support::Link;
-using support::Packet;
-using support::Peer;
-using support::raised_by;
+using namespace support;
 using namespace std::chrono_literals;
-using namespace support::literals;
 
 const std::string kCan = "18"_hex;
 const std::string kEot = "04"_hex;

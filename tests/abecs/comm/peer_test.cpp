@@ -16,9 +16,8 @@
 // the library's.
 namespace {
 
-using support::Peer;
+using namespace support;
 using namespace std::chrono_literals;
-using namespace support::literals;
 
 class Host {
 public:

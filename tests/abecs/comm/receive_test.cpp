@@ -10,12 +10,8 @@
 
 namespace {
 
-using support::Elapsed;
-using support::Link;
-using support::Packet;
-using support::to_hex;
+using namespace support;
 using namespace std::chrono_literals;
-using namespace support::literals;
 
 const std::string kNak = "15"_hex;
 const std::string kGood = "16 47494E303030 17 B695"_hex;

@@ -15,9 +15,7 @@
 
 namespace {
 
-using namespace support::literals;
-using support::Link;
-using support::Packet;
+using namespace support;
 
 // Session key 00 01 .. 0F; the enciphered bytes and frame CRCs come from the openssl program.
 constexpr std::array<uint8_t, 16> kKey{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};

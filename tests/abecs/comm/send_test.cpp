@@ -11,12 +11,8 @@
 
 namespace {
 
-using support::Elapsed;
-using support::Link;
-using support::Packet;
-using support::raised_by;
+using namespace support;
 using namespace std::chrono_literals;
-using namespace support::literals;
 
 const std::string kAck = "06"_hex;
 const std::string kNak = "15"_hex;
@@ -31,14 +27,11 @@ protected:
 using Pacing = Send;
 using SessionEnd = Send;
 
-TEST_F(Send, FramesThePacketAndConsumesIt) {
+TEST_F(Send, FramesThePacketRepeatsItAfterNakAndConsumesIt) {
     link.peer.expect("16 47454E 1333 1336 1337 1218 17 2D46"_hex).send(kAck);
     const Packet packet("GEN\x13\x16\x17\x12\x18");
     link.call(abecs_comm_send_packet)(packet);
     EXPECT_EQ(packet.take(), "");
-}
-
-TEST_F(Send, RepeatsTheSameBytesAfterNak) {
     link.peer.expect(kGin).send(kNak).expect(kGin).send(kNak).expect(kGin).send(kAck);
     link.call(abecs_comm_send_packet)(gin);
     EXPECT_EQ(gin.take(), "");

@@ -11,8 +11,7 @@
 #include "tests/support/raised.h"
 
 using namespace std::string_literals;
-using support::Packet;
-using support::Param;
+using namespace support;
 
 namespace {
 
