@@ -23,9 +23,12 @@ PinKey pin_key(const Params& params) {
     key.method = static_cast<int>(params.get(spe::mthdPin, [](Reader& value) { return value.n("method", 1, {0, 3}); }));
     key.index = static_cast<int>(params.get(spe::keyIdx, two_digits));
     const size_t size = sizes.at(static_cast<size_t>(key.method));
-    const auto workingKey = params.find(spe::wkEnc, [&](Reader& value) { return value.b("key", size); });
+    const auto workingKey = params.find(spe::wkEnc, [](Reader& value) { return value.b("key", value.left()); });
     if (workingKey && size == 0) throw out_of_place("GOX", spe::wkEnc);
     if (!workingKey && size != 0) throw LayoutError("GOX: no SPE_WKENC", Status::mandat);
+    if (workingKey && workingKey->size() != size) {
+        throw LayoutError(fmt::format("SPE_WKENC: {} bytes instead of {}", workingKey->size(), size));
+    }
     key.workingKey = workingKey.value_or(Bytes());
     return key;
 }

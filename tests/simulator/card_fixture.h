@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "simulator/cards/cards.h"
-#include "tests/simulator/command_fixture.h"
+#include "tests/simulator/cipher_fixture.h"
 
 namespace quorvel::sim {
 
 // A virtual PIN pad with the tables that the standard cards select their applications in.
-class CardTest : public CommandTest {
+class CardTest : public CipherTest {
 protected:
     static Device loaded_device() {
         Device device = Device::standard();

@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/simulator/card_fixture.h"
+
+using namespace support::literals;
+
+// PIN blocks are of the openssl program, under the working key 11223344556677889900AABBCCDDEEFF or by DUKPT.
+namespace quorvel::sim {
+
+namespace {
+
+const std::vector<std::string> pinAsked{"ENTER THE PIN"};
+const std::string workingKey = "3EB3B72576BBBE834F0B96AAA5A8B548";
+const std::string anyAmountOnline = "100000000000000000000";
+
+// The fields of GOC that differ from test to test.
+struct Goc {
+    std::string declared = "086";
+    // Exception list, connect and a reserved digit.
+    std::string flags = "010";
+    // Method, index and working key.
+    std::string key = "300" + std::string(32, '0');
+    // On or off, floor limit, target percentage, threshold, maximum percentage.
+    std::string risk = "000000000000000000000";
+    std::string acquirer = "00";
+    std::string tags = "00500195003000";
+};
+
+std::string goc(const Goc& goc) {
+    return "GOC" + goc.declared + "000000001234" + "000000000100" + goc.flags + goc.key + goc.risk + goc.acquirer
+           + goc.tags;
+}
+
+// Decision, signature, offline PIN, errors, blocked, online PIN; the terminal verification results, for which goc()
+// asks; the PIN block and the serial number.
+std::string went(const std::string& flags, const std::string& results, const std::string& pin = std::string(36, '0')) {
+    return "GOC000055" + flags + pin + "007" + "9505"_hex + results + "000";
+}
+
+class ChipTransactionTest : public CardTest {
+protected:
+    void SetUp() override { play_loaded(); }
+
+    // By the request that asks for nothing in particular. What is answered is tested elsewhere.
+    void read(const Gestures& gestures) {
+        pinPad_->when("GCR", gestures);
+        ASSERT_EQ(ask("GCR").substr(0, 6), "GCR000");
+    }
+
+    void go_online() {
+        read(inserted("declining-chip"));
+        call(goc({}), went("200000", "0000000000"_hex));
+    }
+};
+
+TEST_F(ChipTransactionTest, GocDecides) {
+    struct Case {
+        const char* card;
+        Goc request;
+        std::string flags;
+        std::string results;
+    };
+    const std::string none = "0000000000"_hex;
+    const std::string floorLimit = "0000008000"_hex;
+    for (const auto& [name, request, flags, results] : {
+             Case{"visa-signature", {}, "010000", none},
+             {"visa-signature", {.risk = anyAmountOnline}, "210000", floorLimit},
+             {"visa-signature", {.risk = "1000004D2000000000000"}, "210000", floorLimit},
+             {"visa-signature", {.risk = "1000004D3000000000000"}, "010000", none},
+             {"visa-signature", {.risk = "100001000990000100099"}, "210000", "0000001000"_hex},
+             {"visa-signature", {.flags = "000", .risk = anyAmountOnline}, "110000", floorLimit},
+             {"visa-signature", {.flags = "110"}, "210000", "1000000000"_hex},
+             {"amex-chip", {.declared = "089", .acquirer = "03991"}, "010000", none},
+             {"diners-chip", {.declared = "118", .acquirer = "32" + std::string(32, ' ')}, "000000", none},
+             {"declining-chip", {}, "200000", none},
+         }) {
+        SCOPED_TRACE(name);
+        pinPad_->remove();
+        read(inserted(name));
+        call(goc(request), went(flags, results));
+    }
+    expect_findings({});
+}
+
+TEST_F(ChipTransactionTest, GocEnciphersAnOnlinePin) {
+    read(inserted("visa-chip"));
+    call_while(Gestures().type("1234"), goc({.key = "100" + workingKey, .tags = "005001950070029F03"}),
+               "GOC0000642000016CD68A419A382F82" + std::string(20, '0') + "016" + "95050000040000"_hex
+                   + "9F0306000000000100"_hex + "000",
+               pinAsked);
+    ASSERT_EQ(ask("GCR").substr(0, 6), "GCR000");
+    call_while(Gestures().press(Key::cancel), goc({}), "GOC013", pinAsked);
+    call_while(Gestures().type("1234"), goc({.key = "009" + workingKey}), "GOC042", pinAsked);
+    pinPad_->remove();
+    read(Gestures().tap(card("visa-contactless")));
+    call_while(Gestures().type("1234"), goc({}),
+               went("200001", "0000040000"_hex, "74FDF09C431C2DBEFFFF9876543210E00001"), pinAsked);
+    expect_findings({});
+}
+
+TEST_F(ChipTransactionTest, GocLetsTheChipCountWrongPins) {
+    const std::string accepted = went("001200", "0000000000"_hex);
+    read(inserted("mastercard-chip"));
+    call_while(Gestures().type("1111").type("12345").type("1234"), goc({}), accepted,
+               {"ENTER THE PIN", "WRONG PIN", "WRONG PIN, LAST TRY"});
+    pinPad_->remove();
+    read(inserted("mastercard-chip"));
+    call_while(Gestures().type("1111").press(Key::cancel), goc({}), "GOC013", {"ENTER THE PIN", "WRONG PIN"});
+    pinPad_->remove();
+    read(inserted("mastercard-chip"));
+    call_while(Gestures().type("1111").type("1111"), goc({}), went("100210", "0000A00000"_hex),
+               {"ENTER THE PIN", "WRONG PIN, LAST TRY"});
+    pinPad_->remove();
+    read(inserted("mastercard-chip"));
+    call(goc({}), went("100010", "0000A00000"_hex));
+    expect_findings({});
+    EXPECT_EQ(retire().chip->chip->pinTries, 0);
+}
+
+TEST_F(ChipTransactionTest, EndsWhenTheCardLeaves) {
+    read(inserted("visa-chip"));
+    call_while(Gestures().press(digit('1')).remove(), goc({}), "GOC043", pinAsked);
+    read(inserted("visa-chip"));
+    pinPad_->act(Gestures().remove().insert(card("visa-chip")));
+    call(goc({}), "GOC043");
+    pinPad_->remove();
+    go_online();
+    pinPad_->remove();
+    call("FNC0100000000000003000", "FNC043");
+    expect_findings({});
+}
+
+TEST_F(ChipTransactionTest, FncTakesTheIssuersAnswerToTheChip) {
+    struct Case {
+        const char* card;
+        std::string outcome;
+        std::string response;
+    };
+    for (const auto& [name, outcome, response] : {
+             Case{"visa-signature", "0000", "00088A0230309F270140"},
+             {"visa-signature", "0005", "20088A0230359F270100"},
+             {"visa-signature", "10  ", "10088A025A339F270100"},
+             {"visa-signature", "90  ", "10088A025A339F270100"},
+             {"declining-chip", "0000", "10088A0230309F270100"},
+         }) {
+        SCOPED_TRACE(outcome);
+        pinPad_->remove();
+        read(inserted(name));
+        ask(goc({.risk = anyAmountOnline}));
+        call("FNC010" + outcome + "000000" + "0090038A9F27", "FNC000025" + response + "00000");
+    }
+    expect_findings({});
+}
+
+TEST_F(ChipTransactionTest, FncRunsTheIssuersScripts) {
+    read(inserted("visa-chip"));
+    pinPad_->when("GOC", Gestures().type("1234"));
+    host_->send(support::frame(goc({})));
+    ASSERT_EQ(host_->receive(27), ack + support::frame("NTM000013ENTER THE PIN"));
+    ASSERT_EQ(host_->receive(68).substr(0, 10), "\x16GOC000055");
+    const std::string good = "71119F18040102030486088418000003112233";
+    const std::string unknown = "720786058424000000";
+    call("FNC066" "00" "00" "028" + good + unknown + "000" "009003959F5B",
+         "FNC0000690020950500000400109F5B0A200102030411000000001020010203041100000000000");
+    expect_findings({});
+}
+
+TEST_F(ChipTransactionTest, GoxAndFcxDoTheSameWithParameters) {
+    const std::string begin = "0010 0002"_hex + "03" + "0002 0001"_hex;
+    const std::string index = "0009 0002"_hex + "00";
+    const std::string tags = "0004 0001 95"_hex;
+    read(inserted("visa-chip"));
+    call_while(Gestures().type("1234"),
+               "GOX037" + begin + "1" + index + "000A 0010 3EB3B72576BBBE834F0B96AAA5A8B548"_hex,
+               "GOX000022" + "8056 0006"_hex + "200001" + "8057 0008 6CD68A419A382F82"_hex, pinAsked);
+    call("FCX014" + "0019 0004"_hex + "0000" + "001C 0002"_hex + "00", "FCX000007" + "8058 0003"_hex + "000");
+    pinPad_->remove();
+    read(Gestures().tap(card("visa-contactless")));
+    call_while(Gestures().type("1234"), "GOX022" + begin + "3" + index + tags,
+               "GOX000047" + "8056 0006"_hex + "200001" + "8057 0008 74FDF09C431C2DBE"_hex
+                   + "804C 000A FFFF9876543210E00001"_hex + "8054 0007 95050000040000"_hex,
+               pinAsked);
+    call("FCX020" + "0019 0004"_hex + "2000" + "0005 0002 7200"_hex + "0004 0002 9F5B"_hex,
+         "FCX000028" + "8058 0003"_hex + "001" + "8059 0005 2000000000"_hex + "8054 0008 9F5B052000000000"_hex);
+    expect_findings({});
+    for (const auto& [parameters, due] : {
+             std::pair<std::string, std::string>{"0018 0005"_hex + "10000", "210000"},
+             {"0018 0005"_hex + "11000", "110000"},
+             {"001A 000A 00000000 00 00000000 00 0013 000C"_hex + "000000000001", "210000"},
+             {"001A 000A 00000002 00 00000002 00 0013 000C"_hex + "000000000001", "010000"},
+             {"001A 000A 00000002 63 00000002 63 0013 000C"_hex + "000000000001", "210000"},
+         }) {
+        pinPad_->remove();
+        read(inserted("visa-signature"));
+        const std::string fields = begin + "3" + index + parameters;
+        call("GOX0" + std::to_string(fields.size()) + fields, "GOX000010" + "8056 0006"_hex + due);
+    }
+}
+
+TEST_F(ChipTransactionTest, GedReadsAndCngChangesTheTransactionsData) {
+    const std::string ged = "GED009" + "0004 0005 82 5A 9F70 50"_hex;
+    read(inserted("visa-chip"));
+    call(ged, "GED000032" + "8054 001C 82023800 5A084111111111111111 500C"_hex + "VISA CREDITO");
+    call("CNG010088202FFFF9F700142", "CNG000");
+    pinPad_->remove();
+    call(ged, "GED000036" + "8054 0020 8202FFFF 5A084111111111111111 9F700142 500C"_hex + "VISA CREDITO");
+    expect_findings({});
+}
+
+TEST_F(ChipTransactionTest, EachStepNeedsTheOneBefore) {
+    const std::string gox = "GOX017" + "0010 0002"_hex + "03" + "0002 0001"_hex + "3" + "0009 0002"_hex + "00";
+    const std::string fnc = "FNC0100000000000003000";
+    const std::string fcx = "FCX008" + "0019 0004"_hex + "2000";
+    const std::string ged = "GED005" + "0004 0001 82"_hex;
+    const auto sequence = [&](const std::vector<std::pair<std::string, std::string>>& calls) {
+        for (const auto& each : calls) refuse(each.first.substr(0, 3) + "010", Kind::sequence, {each});
+    };
+    read(Gestures().swipe(card("visa-magnetic")));
+    sequence({{goc({}), "GOC without a chip that was read"},
+              {gox, "GOX without a chip that was read"},
+              {fnc, "FNC without a chip that was read"},
+              {fcx, "FCX without a chip that was read"},
+              {ged, "GED without a chip that was read"},
+              {"CNG00503820138", "CNG without a chip that was read"}});
+    read(inserted("visa-signature"));
+    sequence({{fnc, "FNC at the wrong stage of the transaction"}});
+    call(goc({}), went("010000", "0000000000"_hex));
+    sequence({{fcx, "FCX at the wrong stage of the transaction"}, {gox, "GOX at the wrong stage of the transaction"}});
+    pinPad_->remove();
+    go_online();
+    sequence({{goc({}), "GOC at the wrong stage of the transaction"}});
+    call(fnc, "FNC000009100000000");
+    sequence({{fnc, "FNC at the wrong stage of the transaction"}});
+}
+
+TEST_F(ChipTransactionTest, RefusesRequestsThatBreakTheirLayout) {
+    read(inserted("visa-signature"));
+    const std::string key = "3" + std::string(34, '0');
+    refuse("GOC011", Kind::layout,
+           {{goc({.declared = "085"}), "GOC: CMD_LEN1: 85 instead of 86"},
+            {goc({.flags = "210"}), "GOC: GOC_EXCLIST: 2 is not from 0 to 1"},
+            {goc({.flags = "011"}), "GOC: GOC_RESERVED: 1 instead of 0"},
+            {goc({.declared = "089", .acquirer = "03001"}), "GOC: GOC_ACQPRLEN: 3 instead of 0"},
+            {goc({.tags = "00300195003000"}), "GOC: GOC_TAGS1: 2 bytes due, 0 left"},
+            {goc({.tags = "00500195003000000"}), "GOC: 3 bytes too many"}});
+    const std::string gox = "0010 0002"_hex + "03" + "0009 0002"_hex + "00" + "0002 0001"_hex;
+    refuse("GOX019", Kind::layout,
+           {{"GOX012" + gox.substr(0, 12), "GOX: no SPE_MTHDPIN"}, {"GOX017" + gox + "0", "GOX: no SPE_WKENC"}});
+    refuse("GOX011", Kind::layout,
+           {{"GOX017" + gox + "4", "SPE_MTHDPIN: method: 4 is not from 0 to 3"},
+            {"GOX029" + gox + "1" + "000A 0008 0011223344556677"_hex, "SPE_WKENC: 8 bytes instead of 16"},
+            {"GOX029" + gox + "2" + "000A 0008 0011223344556677"_hex, "GOX: SPE_WKENC 0x000A has no place in it"},
+            {"GOX025" + gox + "3" + "0018 0004"_hex + "0000", "SPE_GOXOPT: others: 3 bytes due, 2 left"},
+            {"GOX031" + gox + "3" + "001A 000A 00000000 64 00000000 00"_hex,
+             "SPE_TRMPAR: target percentage: 100 is not from 0 to 99"}});
+    refuse("FNC011", Kind::layout,
+           {{"FNC0102000000000003000", "FNC: FNC_COMMST: no such status"},
+            {"FNC01000  000000003000", "FNC_ARC: not of letters and digits"},
+            {"FNC012000000271000003000", "FNC: FNC_ACQPRLEN: 3 bytes due, 1 left"},
+            {"FNC014000000271FF000003000", "tags: a length of too many bytes"},
+            {"FNC0100000000001003000", "FNC: FNC_ACQPRLEN: 1 instead of 0"}});
+    refuse("FCX019", Kind::layout, {{"FCX008" + "0019 0004"_hex + "1000", "FCX: no SPE_ARC"}});
+    refuse("FCX011", Kind::layout,
+           {{"FCX014" + "0019 0004"_hex + "2000" + "001C 0002"_hex + "00", "FCX: SPE_ARC 0x001C has no place in it"},
+            {"FCX014" + "0019 0004"_hex + "0000" + "001C 0002"_hex + "0-", "SPE_ARC: not of letters and digits"},
+            {"FCX007" + "0019 0003"_hex + "000", "SPE_FCXOPT: others: 3 bytes due, 2 left"}});
+    refuse("GED019", Kind::layout, {{"GED", "GED: no SPE_TAGLIST"}});
+    refuse("GED011", Kind::layout,
+           {{"GED133" + "0004 0081"_hex + std::string(129, '\x50'), "SPE_TAGLIST: 129 bytes, at most 128"}});
+    refuse("CNG011", Kind::layout,
+           {{"CNG00603820138", "CNG: CMD_LEN1: 6 instead of 5"},
+            {"CNG005038201380", "CNG: 1 bytes too many"},
+            {"CNG00503820238", "tags: 82: 2 bytes due, 1 left"}});
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
