@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <algorithm>
 #include <fmt/format.h>
 #include <string>
 #include <utility>
@@ -34,16 +35,19 @@ uint64_t limit(Reader& fields, std::string_view field) {
     return value;
 }
 
-// In front of its field, which is filled up to the larger of the two keys.
+// A DES key fills half of its field: the end, behind the pairs that fill the field up, or else the front.
 PinKey pin_key(Reader& fields) {
     static constexpr size_t fieldDigits = 32;
-    static constexpr size_t desKeySize = 8;
+    static constexpr std::ptrdiff_t half = 8;
+    static constexpr uint8_t filling = 0x30;
     PinKey key;
     key.method = static_cast<int>(fields.n("GOC_METHOD", 1, {0, 3}));
     key.index = static_cast<int>(fields.n("GOC_KEYIDX", 2));
-    const Bytes workingKey = fields.h("GOC_WKENC", fieldDigits);
-    if (key.method == 0) key.workingKey.assign(workingKey.begin(), workingKey.begin() + desKeySize);
-    if (key.method == 1) key.workingKey = workingKey;
+    const Bytes field = fields.h("GOC_WKENC", fieldDigits);
+    const auto middle = field.begin() + half;
+    const bool filled = std::all_of(field.begin(), middle, [](uint8_t byte) { return byte == filling; });
+    if (key.method == 0) key.workingKey = filled ? Bytes(middle, field.end()) : Bytes(field.begin(), middle);
+    if (key.method == 1) key.workingKey = field;
     return key;
 }
 
