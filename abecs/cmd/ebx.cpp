@@ -72,8 +72,8 @@ void abecs_cmd_ebx_builder_reset(AbecsCmdEbxBuilder* builder, const uint8_t* dat
     }
     reset_params(*builder);
     builder->mthdDat = mthdDat;
-    add_bytes(builder, ABECS_SPE_ID_DATAIN, data, szData);
-    add_number(builder, ABECS_SPE_ID_MTHDDAT, static_cast<uint64_t>(mthdDat));
+    if (!add_bytes(builder, ABECS_SPE_ID_DATAIN, data, szData)) { return; }
+    if (!add_number(builder, ABECS_SPE_ID_MTHDDAT, static_cast<uint64_t>(mthdDat))) { return; }
     add_number(builder, ABECS_SPE_ID_KEYIDX, keyIdx);
 }
 

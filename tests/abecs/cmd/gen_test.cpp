@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "quorvel/crypt/tdes.h"
 #include "tests/abecs/cmd/card_command.h"
 #include "tests/crypt/wiped.h"
 #include "tests/support/wire.h"
@@ -298,6 +299,7 @@ TEST(Gen0303EncodeData, DeciphersTheClearDataAndWipesWhatItWorkedWith) {
         EXPECT_EQ(data.data, row.encoded);
     }
     EXPECT_TRUE(support::bytes_were_wiped("5D3D5A8E5C5A5D1271065ECF66B7AEF6"_hex, 128));
+    EXPECT_TRUE(support::bytes_were_wiped("0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, sizeof(Crypt3DesKey)));
     // When it fails, the area is full of deciphered zeros.
     const AbecsWkPan key = pan_key(1);
     const AbecsCmdGen0303Data none{};

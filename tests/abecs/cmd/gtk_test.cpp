@@ -72,8 +72,11 @@ protected:
     }
 
     void incomplete(const std::string& detail) {
+        const AbecsRspParamValue old{};
+        EXPECT_NO_RAISE(abecs_rsp_param_map_put(map_.get(), 1, &old, false));
         Link link;
         EXPECT_REFUSED(2, detail, abecs_cmd_gtk(link.comm, builder_, map_.get()));
+        EXPECT_EQ(map_.items().size(), 1U) << "untouched";
     }
 
     // Sent twice, because sending leaves the builder as it was.

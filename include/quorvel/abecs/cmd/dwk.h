@@ -43,7 +43,8 @@ KOR_API int32_t abecs_cmd_dwk1(AbecsComm* pinpad, const AbecsMk* mk, AbecsWkPan*
 
 /*
  * The PIN pad makes the key, for triple DES, and sends it under an RSA-1024 key that is generated for this call.
- * Without `setOnLink` the link leaves protected mode.
+ * Without `setOnLink` the link leaves protected mode, which the PIN pad does not: GCR and CKE then misread the layout
+ * of its answers.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL". PROTOCOL_ERROR for a key that is not what it should be: "Invalid RSP_LEN: %zu
  * (expected: 256)"; "(%s) Invalid header: %02X (expected: 0x54)"; "(%s) Invalid layout version: %d (expected: 1)";

@@ -60,15 +60,15 @@ typedef struct AbecsCmdGtkEncKrand {
  * resets. Which ones are needed or refused follows from the method, so that is set before what depends on it.
  *
  * Setters raise ILLEGAL_ARGUMENT "'builder' is NULL"; those of what depends on the method, ILLEGAL_STATE "SPE_MTHDDAT
- * not set yet"; then the errors given with them; then ILLEGAL_STATE "%s already set" with the parameter's name;
- * MALLOC_ERROR. After an error the builder is as it was.
+ * not set yet"; then the errors given with them, ILLEGAL_ARGUMENT where no code is; then ILLEGAL_STATE "%s already set"
+ * with the parameter's name; MALLOC_ERROR. After an error the builder is as it was.
  */
 typedef struct AbecsCmdGtkBuilder AbecsCmdGtkBuilder;
 
 /* An empty builder; the caller's, to abecs_cmd_gtk_builder_delete. MALLOC_ERROR. */
 KOR_API AbecsCmdGtkBuilder* abecs_cmd_gtk_builder_new(void);
 
-/* Empties the builder. */
+/* Empties the builder. ILLEGAL_ARGUMENT "'builder' is NULL". */
 KOR_API void abecs_cmd_gtk_builder_reset(AbecsCmdGtkBuilder* builder);
 
 /* Frees the builder and sets the variable to none; none is ignored. Never raises. */
@@ -112,10 +112,10 @@ KOR_API void abecs_cmd_gtk_builder_pbk_exp(AbecsCmdGtkBuilder* builder, const Ab
  * Sends GTK and reads the answer. Returns RSP_STAT. When that is 0, `out` holds each item of the answer under its data
  * id (AbecsRspDatId_E); it is emptied before anything is sent, and empty after any other outcome.
  *
- * ILLEGAL_ARGUMENT, nothing being sent: "'pinpad' is NULL", "'builder' is NULL", "'out' is NULL"; "Missing SPE_KEYIDX
- * (SPE_MTHDDAT: %s)", "Missing SPE_WKENC (SPE_MTHDDAT: %s)", "Missing %s (SPE_MTHDDAT: %s)" with SPE_PBKMOD or
- * SPE_PBKEXP, when the method needs what was not set. PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the answer of
- * another command, IO_ERROR for a malformed one; and what the link raises.
+ * ILLEGAL_ARGUMENT, nothing being sent and `out` untouched: "'pinpad' is NULL", "'builder' is NULL", "'out' is NULL";
+ * "Missing SPE_KEYIDX (SPE_MTHDDAT: %s)", "Missing SPE_WKENC (SPE_MTHDDAT: %s)", "Missing %s (SPE_MTHDDAT: %s)" with
+ * SPE_PBKMOD or SPE_PBKEXP, when the method needs what was not set. PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the
+ * answer of another command, IO_ERROR for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_gtk(AbecsComm* pinpad, AbecsCmdGtkBuilder* builder, AbecsRspParamMap* out);
 
