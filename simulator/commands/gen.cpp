@@ -155,7 +155,7 @@ PinRequest read_pin_request(Reader& fields) {
     if (hexDigits.find(request.format) == std::string_view::npos) {
         throw LayoutError("GEN: GEN0403_FORMAT: no hexadecimal digit");
     }
-    request.fewest = fields.n("GEN0403_PINMIN", 2, {0, maxPinDigits});
+    request.fewest = fields.n("GEN0403_PINMIN", 2);
     request.most = std::min<size_t>(fields.n("GEN0403_PINMAX", 2, {request.fewest, 99}), maxPinDigits);
     request.message = fields.s("GEN0403_MSG", messageWidth);
     fields.end();

@@ -136,7 +136,7 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
     typed(Gestures().press(digit('9')).press(Key::clear).type("1234"), "GEN00000800509000");
     typed(Gestures().press(digit('1')).press(Key::cancel), "GEN013");
     typed(Gestures().remove().type("1234"), "GEN043");
-    call("GEN053040480300020008020412" + std::string(32, ' '), "GEN043");
+    call("GEN053040480300020008029999" + std::string(32, ' '), "GEN043");
     expect_findings({});
     refuse("GEN011", Kind::layout,
            {{"GEN0530404803000200080G0412" + std::string(32, ' '), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
