@@ -162,14 +162,46 @@ protected:
         EXPECT_EQ(pin_block(pan, "042666B49184CF5C 68DE9628D0397B36"_hex).first, "0512254EEEEEEEEE"_hex);
     }
 
+    static Card card_of(const std::string& pan) {
+        return {.pan = pan,
+                .track1 = "B" + pan + "^DOE/JOHN^3012101",
+                .track2 = pan + "=30121010000000000",
+                .track3 = "01" + pan + "==724724000000000030300100000000000000=1=0"};
+    }
+
+    AbecsCmdGcrResponse swiped(const Card& card) {
+        AbecsCmdGcrResponse out{};
+        pinPad_.when("GCR", Gestures().swipe(card));
+        EXPECT_NO_RAISE(abecs_cmd_gcr_empty(link_));
+        EXPECT_EQ(call(abecs_cmd_gcr_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
+        return out;
+    }
+
     void expect_clear_tracks(const std::string& pan) {
-        const Card card{.pan = pan, .track1 = "B" + pan + "^DOE/JOHN^3012101", .track2 = pan + "=30121010000000000"};
+        const Card card = card_of(pan);
         AbecsCmdCkeOut out{};
         begin("CKE", Gestures().swipe(card), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
               ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
         EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(out.track1, card.track1);
         EXPECT_EQ(out.track2, card.track2);
+        EXPECT_EQ(out.track3, card.track3);
+        const AbecsCmdGcrResponse read = swiped(card);
+        EXPECT_EQ(read.track1, card.track1);
+        EXPECT_EQ(read.track2, card.track2);
+        EXPECT_EQ(read.track3, card.track3);
+        EXPECT_EQ(read.pan, pan);
+    }
+
+    // In the layout of protected mode, for the application to decipher.
+    void expect_enciphered_tracks(const AbecsWkPan& key) {
+        const Card card = card_of("4222222222222");
+        const AbecsCmdGcrResponse read = swiped(card);
+        EXPECT_NE(read.track2, card.track2);
+        EXPECT_EQ(abecs_pan_decrypt_track(read.track1, &key), card.track1);
+        EXPECT_EQ(abecs_pan_decrypt_track(read.track2, &key), card.track2);
+        EXPECT_EQ(abecs_pan_decrypt_track(read.track3, &key), card.track3);
+        EXPECT_EQ(abecs_pan_decrypt_track(read.pan, &key), card.pan);
     }
 
     void expect_marks(bool panProtected, bool panKeyInstalled) {
@@ -220,6 +252,7 @@ TEST_P(PanKey, OfTheApplicationAloneIsSharedToo) {
     EXPECT_EQ(link_->key, decltype(link_->key){});
     if (secure_) { open(true); }
     expect_shared(key);
+    if (type_ != ABECS_WK_PAN_TYPE_TDES_RSA) { expect_enciphered_tracks(key); }
     const Bytes used(key.key, key.key + (type_ == ABECS_WK_PAN_TYPE_DES ? 8 : 16));
     EXPECT_EQ(retire().panKey, used);
 }

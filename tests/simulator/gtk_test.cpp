@@ -4,7 +4,6 @@
 #include <string>
 
 #include "tests/simulator/cipher_fixture.h"
-#include "tests/simulator/host_key.h"
 
 using namespace support::literals;
 
@@ -83,24 +82,6 @@ TEST_F(GtkTest, LeavesFirstDigitsOfTheCardNumberOpen) {
              + "8045 001C 41111111 51E2F80583BF70F56CAFE081AD4429041ACFACBA89CC2202"_hex
              + "8046 0024 41111111 2F48B696A2AEA7585C93AC3D07B751930AF00C582454F56FA68642C70B1FAC03"_hex
              + "804A 0008 51E2F80583BF70F5"_hex);
-    expect_findings({});
-}
-
-TEST_F(GtkTest, EnciphersUnderARandomKey) {
-    const HostKey host(2048);
-    const std::string key = "0024 0100"_hex + host.modulus() + "0025 0003 010001"_hex;
-    for (const auto& [number, iv] : {std::pair("90", std::string()), {"91", "A1B2C3D4E5F60718"_hex}}) {
-        const std::string vectorParam = iv.empty() ? "" : vector;
-        const std::string length = iv.empty() ? "281" : "293";
-        const std::string answer = ask("GTK" + length + track2AndPan + method + number + vectorParam + key);
-        ASSERT_EQ(answer.size(), 3U + 3 + 3 + 28 + 12 + 260);
-        EXPECT_EQ(answer.substr(0, 13), "GTK000300" + "8045 0018"_hex);
-        EXPECT_EQ(answer.substr(49, 4), "8063 0100"_hex);
-        const std::string randomKey = host.open_padded(answer.substr(53));
-        ASSERT_EQ(randomKey.size(), 16U);
-        EXPECT_EQ(tdes_decipher(randomKey, answer.substr(13, 24), iv), track2 + std::string(7, '\xFF'));
-        EXPECT_EQ(tdes_decipher(randomKey, answer.substr(41, 8), iv), "4111111111111111"_hex);
-    }
     expect_findings({});
 }
 
