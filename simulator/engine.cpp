@@ -34,6 +34,8 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
     : device_(std::move(options.device)),
       second_(options.second),
       patience_(options.patience),
+      waits_(std::move(options.waits)),
+      exchanged_(std::move(options.exchanged)),
       journal_(journal),
       screen_(screen),
       cardholder_(cardholder),
@@ -78,6 +80,7 @@ void Engine::handle_byte(uint8_t byte) {
 
 void Engine::cancel() {
     if (pending_) stop_waiting();
+    end_exchange(std::nullopt);
     lastResponse_.reset();
     transmitter_.abandon();
     transmitter_.send_byte(control::eot);
@@ -90,6 +93,7 @@ void Engine::accept(const Reception& reception) {
     if (pending_) {
         find(Finding::Kind::sequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
     }
+    end_exchange(std::nullopt);
     lastResponse_.reset();
     obey(request);
 }
@@ -104,7 +108,7 @@ void Engine::resend() {
     if (resends_ == maxResends) return find(Finding::Kind::sequence, "NAK after the last repetition");
     ++resends_;
     transmitter_.abandon();
-    transmitter_.send(*lastResponse_, channel_);
+    static_cast<void>(transmitter_.send(*lastResponse_, channel_));
 }
 
 Engine::Request Engine::open(const Reception& reception) const {
@@ -134,6 +138,7 @@ Engine::Request Engine::open(const Reception& reception) const {
 }
 
 void Engine::obey(const Request& request) {
+    exchange_ = Exchange{.command = id_of(request.packet), .request = request.packet};
     if (request.refused) return refuse(*request.refused, request.status, request);
     const ByteView packet = request.packet;
     if (packet.size() < idWidth) {
@@ -174,6 +179,7 @@ void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Conten
     pending_.emplace(Pending{command, std::move(wait), sealed, deadline, std::move(before)});
     post_state();
     cardholder_.attend(command.id);
+    waits_(std::string(command.id));
     if (const std::string& notice = pending_->wait.notice; !notice.empty()) notify(notice);
 }
 
@@ -226,11 +232,19 @@ void Engine::respond(std::string_view command, std::string_view as, const Answer
     lastResponse_ = Message{.command = std::string(command), .packet = response_packet(as, answer), .sealed = sealed};
     resends_ = 0;
     post_state();
-    transmitter_.send(*lastResponse_, channel_);
+    const int status = transmitter_.send(*lastResponse_, channel_);
+    if (command != notificationId) end_exchange(status);
+}
+
+void Engine::end_exchange(std::optional<int> status) {
+    if (!exchange_) return;
+    exchange_->status = status;
+    exchanged_(*std::exchange(exchange_, std::nullopt));
 }
 
 void Engine::restart() {
     if (pending_) stop_waiting();
+    end_exchange(std::nullopt);
     decoder_ = {};
     lastResponse_.reset();
     end_session();

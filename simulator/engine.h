@@ -13,6 +13,7 @@
 #include "simulator/cardholder.h"
 #include "simulator/command.h"
 #include "simulator/device.h"
+#include "simulator/exchange.h"
 #include "simulator/frame.h"
 #include "simulator/journal.h"
 #include "simulator/message.h"
@@ -37,6 +38,9 @@ public:
         std::chrono::milliseconds second{1000};
         // How long a command waits that says nothing about it.
         std::chrono::seconds patience{120};
+        // Called with the id of each command that begins to wait, and when a command has ended.
+        std::function<void(const std::string&)> waits = [](const std::string&) {};
+        std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
     };
 
     Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
@@ -95,6 +99,9 @@ private:
     void finish(const Answer& answer);
     void post_state();
 
+    // None when the host has given the command up.
+    void end_exchange(std::optional<int> status);
+
     // `as` stands in the response where the command's id does otherwise.
     void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed);
     void find(Finding::Kind kind, std::string text);
@@ -102,6 +109,8 @@ private:
     Device device_;
     const std::chrono::milliseconds second_;
     const std::chrono::seconds patience_;
+    const std::function<void(const std::string&)> waits_;
+    const std::function<void(const Exchange&)> exchanged_;
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;
@@ -111,6 +120,7 @@ private:
     SecureChannel channel_;
     FrameDecoder decoder_;
     std::optional<Pending> pending_;
+    std::optional<Exchange> exchange_;
     std::optional<Message> lastResponse_;
     int resends_ = 0;
 };

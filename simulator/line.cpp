@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/inotify.h>
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
@@ -38,29 +39,42 @@ void make_raw(int slave) {
 
 }  // namespace
 
-Line::Terminal::Terminal()
+Line::Terminal::Terminal(bool watched)
     : master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
       path(slave_path(master.get())),
       slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
     make_raw(slave.get());
+    if (!watched) return;
+    closes.emplace(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "inotify_init1");
+    if (::inotify_add_watch(closes->get(), path.c_str(), IN_CLOSE) < 0) fail_call("inotify_add_watch");
 }
 
-Line::Line() { open(); }
+Line::Line(bool watched) : watched_(watched) { open(); }
 
-void Line::open() { terminal_.emplace(); }
+void Line::open() { terminal_.emplace(watched_); }
 
 Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool wanted) {
     // poll() passes over descriptors below 0.
     const int master = wanted && terminal_ ? terminal_->master.get() : -1;
-    std::array<pollfd, 2> polled{pollfd{master, POLLIN, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
+    const int closes = terminal_ && terminal_->closes ? terminal_->closes->get() : -1;
+    std::array<pollfd, 3> polled{
+        {{master, POLLIN, 0}, {wakeUp_.get(), POLLIN, 0}, {closes, POLLIN, 0}},
+    };
     const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
     if (ready < 0 && errno != EINTR) fail_call("poll");
     if (ready == 0) return Event::timedOut;
+    if (ready > 0 && polled[2].revents != 0) see_departures();
     if (ready < 0 || polled[1].revents != 0) {
         wakeUp_.clear();
         return Event::woken;
     }
-    return Event::readable;
+    return polled[0].revents != 0 ? Event::readable : Event::woken;
+}
+
+// What they say is known: somebody has closed the device.
+void Line::see_departures() {
+    std::array<char, 4096> events{};
+    departed_ |= ::read(terminal_->closes->get(), events.data(), events.size()) > 0;
 }
 
 Bytes Line::read() {

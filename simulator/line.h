@@ -6,6 +6,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "simulator/bytes.h"
 #include "simulator/descriptor.h"
@@ -18,8 +19,8 @@ class Line {
 public:
     enum class Event { readable, woken, timedOut };
 
-    // Throws std::system_error.
-    Line();
+    // `watched` lets has_departed() tell when somebody has closed the device. Throws std::system_error.
+    explicit Line(bool watched = false);
 
     // The device to open, for instance /dev/pts/7.
     [[nodiscard]] const std::string& path() const noexcept { return terminal_->path; }
@@ -36,6 +37,9 @@ public:
     // What has come, possibly nothing.
     [[nodiscard]] Bytes read();
 
+    // Whether somebody has closed the device since the last call. Never unless the line is watched.
+    [[nodiscard]] bool has_departed() noexcept { return std::exchange(departed_, false); }
+
     // What nobody takes is lost, as on a line with nobody at its other end. Returns false then. Not while the line is
     // gone, like read().
     bool write(ByteView bytes);
@@ -45,18 +49,23 @@ public:
 
 private:
     [[nodiscard]] bool await_room() const;
+    void see_departures();
 
     struct Terminal {
-        Terminal();
+        explicit Terminal(bool watched);
 
         Descriptor master;
         std::string path;
         // Held open, so that the line neither hangs up nor forgets its settings when a client closes it.
         Descriptor slave;
+        // Of inotify, as a master whose slave the PIN pad has open itself is not told.
+        std::optional<Descriptor> closes;
     };
 
+    const bool watched_;
     std::optional<Terminal> terminal_;
     WakeUp wakeUp_;
+    bool departed_ = false;
 };
 
 }  // namespace quorvel::sim

@@ -26,14 +26,24 @@ static_assert(std::atomic<bool>::is_always_lock_free, "request_stop() is called 
 
 PinPad::PinPad(Options options)
     : journal_(std::move(options.listeners)),
+      companion_(options.companion),
       faults_(options.seed),
+      line_(options.companion != nullptr),
       transmitter_(byte_time(options.speed), faults_, journal_,
                    {.write = [this](ByteView bytes) { send(bytes); },
                     .hangUp = [this](std::chrono::milliseconds time) { hang_up(time); }}),
       engine_({.device = std::move(options.device),
                .sessionKey = options.sessionKey,
                .second = options.second,
-               .patience = options.patience},
+               .patience = options.patience,
+               .waits =
+                   [this](const std::string& command) {
+                       if (companion_ != nullptr) companion_->waits(*this, command);
+                   },
+               .exchanged =
+                   [this](const Exchange& exchange) {
+                       if (companion_ != nullptr) companion_->exchanged(*this, exchange);
+                   }},
               journal_, screen_, cardholder_, board_, transmitter_),
       heard_(byte_time(options.speed)),
       frameTimeout_(options.frameTimeout),
@@ -46,6 +56,7 @@ PinPad::~PinPad() { stop(); }
 
 void PinPad::run() {
     while (!stopping_) {
+        if (companion_ != nullptr) companion_->work(*this, Clock::now());
         const bool room = heard_.size() < maxHeard;
         if (line_.wait(patience(), room) == Line::Event::readable) heard_.push(line_.read(), {}, Clock::now());
         // What was done before the host spoke is not for the command that comes.
@@ -53,6 +64,7 @@ void PinPad::run() {
         hear();
         engine_.poll(Clock::now());
         transmitter_.flush();
+        see_off();
         come_and_go();
     }
 }
@@ -61,6 +73,7 @@ void PinPad::hear() {
     const auto now = Clock::now();
     if (const Bytes bytes = heard_.take(now); !bytes.empty()) {
         lastHeard_ = now;
+        spoken_ = true;
         engine_.receive(bytes);
     } else if (engine_.in_frame() && now >= lastHeard_ + frameTimeout_) {
         engine_.give_up();
@@ -82,9 +95,19 @@ std::optional<PinPad::Clock::time_point> PinPad::next() const {
         if (other && (!next || *other < *next)) next = other;
     };
     consider(heard_.due());
+    if (companion_ != nullptr) consider(companion_->due());
     consider(transmitter_.due());
     if (!line_.is_open()) consider(returns_);
     return next;
+}
+
+// Whatever the host had sent before it closed the line comes first.
+void PinPad::see_off() {
+    if (!line_.has_departed()) return;
+    if (line_.is_open()) heard_.push(line_.read(), {}, Clock::now());
+    hear();
+    engine_.poll(Clock::now());
+    if (std::exchange(spoken_, false)) companion_->left(*this);
 }
 
 void PinPad::come_and_go() {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "simulator/cardholder.h"
+#include "simulator/companion.h"
 #include "simulator/device.h"
 #include "simulator/engine.h"
 #include "simulator/faults/fault_plan.h"
@@ -56,6 +57,8 @@ public:
         uint32_t seed = 1;
         // Called with the new path() when the line is back, on the PIN pad's thread.
         std::function<void(const std::string&)> returned = {};
+        // Goes along with the PIN pad, which it must outlive; null for none.
+        Companion* companion = nullptr;
     };
 
     // Throws std::system_error when no pseudo-terminal can be had.
@@ -114,8 +117,10 @@ private:
     void hear();
     void send(ByteView bytes);
     void come_and_go();
+    void see_off();
 
     Journal journal_;
+    Companion* const companion_;
     FaultPlan faults_;
     Line line_;
     Screen screen_;
@@ -126,6 +131,8 @@ private:
     PacedBytes heard_;
     const std::chrono::milliseconds frameTimeout_;
     Clock::time_point lastHeard_{};
+    // Whether the host that has the line has sent anything.
+    bool spoken_ = false;
     // While the line is gone.
     Clock::time_point returns_{};
     const std::function<void(const std::string&)> returned_;

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <utility>
 
+#include "simulator/fields.h"
 #include "simulator/frame.h"
 #include "simulator/trace.h"
 
@@ -16,6 +17,13 @@ namespace {
 template <typename... Arguments, typename... Values>
 void apply(const FaultKind* kind, void (*FaultKind::*stage)(Arguments...), Values&&... values) {
     if (kind != nullptr && kind->*stage != nullptr) (kind->*stage)(std::forward<Values>(values)...);
+}
+
+// RSP_STAT, behind RSP_ID.
+int status_of(ByteView packet) {
+    static constexpr size_t idWidth = 3;
+    static constexpr size_t statusWidth = 3;
+    return static_cast<int>(Reader("response", packet.subspan(idWidth)).n("RSP_STAT", statusWidth));
 }
 
 const FaultKind* kind_of(const std::optional<Fault>& fault) { return fault ? find_fault_kind(fault->kind) : nullptr; }
@@ -36,11 +44,12 @@ bool Transmitter::acknowledge(std::string_view command) {
     return accepted;
 }
 
-void Transmitter::send(const Message& message, const SecureChannel& channel) {
+int Transmitter::send(const Message& message, const SecureChannel& channel) {
     const auto fault = faults_.strike(message);
     const FaultKind* const kind = kind_of(fault);
     Bytes packet = message.packet;
     if (fault) apply(kind, &FaultKind::packet, packet, fault->status);
+    const int status = status_of(packet);
     Bytes content = message.sealed ? channel.seal(packet) : packet;
     apply(kind, &FaultKind::content, content);
     Bytes wire = encode({.encrypted = message.sealed, .data = std::move(content)});
@@ -50,6 +59,7 @@ void Transmitter::send(const Message& message, const SecureChannel& channel) {
     put(std::move(wire), message.sealed ? enciphered_words(words) : words, fault,
         !message.sealed && is_withheld(message.packet));
     if (kind != nullptr && kind->hangsUp) line_.hangUp(fault->time);
+    return status;
 }
 
 void Transmitter::abandon() {

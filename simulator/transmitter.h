@@ -35,7 +35,8 @@ public:
     void send_byte(uint8_t byte);
     // False when the host heard a refusal instead, and will repeat the command.
     [[nodiscard]] bool acknowledge(std::string_view command);
-    void send(const Message& message, const SecureChannel& channel);
+    // The status that the response tells: that of the message, or another by a fault's doing.
+    [[nodiscard]] int send(const Message& message, const SecureChannel& channel);
 
     // What has not gone out never will.
     void abandon();

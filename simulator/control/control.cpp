@@ -28,6 +28,10 @@ Control::Outcome run(const Verb& verb, Control& control, Arguments& arguments) {
         control.pin_pad().act(gestures);
         return done();
     }
+    if (const auto* plan = std::get_if<Verb::Plan>(&verb.run)) {
+        (*plan)(arguments)(control.pin_pad());
+        return done();
+    }
     if (const auto* wait = std::get_if<Verb::Wait>(&verb.run)) return (*wait)(control, arguments);
     json answer = done();
     answer.update(std::get<Verb::Action>(verb.run)(control, arguments));

@@ -143,12 +143,12 @@ json to_json(const Fault& fault) {
     return object;
 }
 
-json inject(Control& control, Arguments& arguments) {
+Verb::Deed inject(Arguments& arguments) {
     const Fault fault = fault_of(arguments);
     try {
-        control.pin_pad().inject(fault);
+        check(fault);
     } catch (const std::invalid_argument& error) { throw RequestError(error.what()); }
-    return json::object();
+    return [fault](PinPad& pinPad) { pinPad.inject(fault); };
 }
 
 json faults(Control& control, Arguments& arguments) {
@@ -158,17 +158,15 @@ json faults(Control& control, Arguments& arguments) {
     return {{"faults", list}};
 }
 
-json clear_faults(Control& control, Arguments& arguments) {
+Verb::Deed clear_faults(Arguments& arguments) {
     arguments.end();
-    control.pin_pad().clear_faults();
-    return json::object();
+    return [](PinPad& pinPad) { pinPad.clear_faults(); };
 }
 
-json hang_up(Control& control, Arguments& arguments) {
+Verb::Deed hang_up(Arguments& arguments) {
     const auto time = milliseconds_of(arguments);
     arguments.end();
-    control.pin_pad().hang_up(time);
-    return json::object();
+    return [time](PinPad& pinPad) { pinPad.hang_up(time); };
 }
 
 Control::Await await(Control& control, Arguments& arguments) {
@@ -210,10 +208,9 @@ json findings(Control& control, Arguments& arguments) {
     return {{"findings", list}};
 }
 
-json clear_findings(Control& control, Arguments& arguments) {
+Verb::Deed clear_findings(Arguments& arguments) {
     arguments.end();
-    control.pin_pad().clear_findings();
-    return json::object();
+    return [](PinPad& pinPad) { pinPad.clear_findings(); };
 }
 
 json traffic(Control& control, Arguments& arguments) {
@@ -234,21 +231,20 @@ json cards(Control& control, Arguments& arguments) {
     return {{"cards", control.cards().names()}};
 }
 
-json stop(Control& control, Arguments& arguments) {
+Verb::Deed stop(Arguments& arguments) {
     arguments.end();
-    control.pin_pad().request_stop();
-    return json::object();
+    return [](PinPad& pinPad) { pinPad.request_stop(); };
 }
 
 constexpr std::array verbs{
-    Verb{"press", press},
-    Verb{"type", type},
-    Verb{"choose", choose},
-    Verb{"swipe", swipe},
-    Verb{"insert", insert},
+    Verb{"press", press, "key"},
+    Verb{"type", type, "digits"},
+    Verb{"choose", choose, "option"},
+    Verb{"swipe", swipe, "card"},
+    Verb{"insert", insert, "card"},
     Verb{"remove", remove},
-    Verb{"tap", tap},
-    Verb{"notify", notify},
+    Verb{"tap", tap, "card"},
+    Verb{"notify", notify, "text"},
     Verb{"when", when},
     Verb{"await", await},
     Verb{"state", state},
@@ -257,10 +253,10 @@ constexpr std::array verbs{
     Verb{"findings", findings},
     Verb{"clear-findings", clear_findings},
     Verb{"traffic", traffic},
-    Verb{"fault", inject},
+    Verb{"fault", inject, "fault"},
     Verb{"faults", faults},
     Verb{"clear-faults", clear_faults},
-    Verb{"hang-up", hang_up},
+    Verb{"hang-up", hang_up, "ms"},
     Verb{"stop", stop},
 };
 

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_CONTROL_VERBS_H
 #define QUORVEL_SIMULATOR_CONTROL_VERBS_H
 
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
 #include <string_view>
@@ -19,12 +20,17 @@ namespace quorvel::sim {
 struct Verb {
     // Something that the cardholder does, now or as part of a plan. The only kind that does not end the arguments.
     using Gesture = void (*)(Gestures& gestures, Arguments& arguments, const Cards& cards);
-    // Something else; the answer's members besides "ok".
+    // Something else to do, once all is known of it.
+    using Deed = std::function<void(PinPad& pinPad)>;
+    using Plan = Deed (*)(Arguments& arguments);
+    // Something to answer; the answer's members besides "ok".
     using Action = nlohmann::json (*)(Control& control, Arguments& arguments);
     using Wait = Control::Await (*)(Control& control, Arguments& arguments);
 
     std::string_view name;
-    std::variant<Gesture, Action, Wait> run;
+    std::variant<Gesture, Plan, Action, Wait> run;
+    // The member whose value stands beside the name where there is room for no more; empty when there is none.
+    std::string_view member = {};
 };
 
 [[nodiscard]] std::span<const Verb> all_verbs() noexcept;
