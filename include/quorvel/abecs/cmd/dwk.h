@@ -32,7 +32,8 @@ KOR_BEGIN_DECLS
 
 /*
  * The host makes the key and sends it under the master key `mk`; the new key is of the same kind. Without `setOnLink`
- * the link goes on in the layout of protected mode, for an application that deciphers by itself. The key comes from
+ * the link goes on in the layout of protected mode, for an application that deciphers by itself; but CKE still ends
+ * track 2 after 37 of its 40 characters and begins track 3 with the rest, so read cards with GCR. The key comes from
  * kor_system_random, which an observer who knows the time can follow: where that matters, let the PIN pad make the key
  * with abecs_cmd_dwk2.
  *
