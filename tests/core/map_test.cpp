@@ -88,7 +88,7 @@ TEST(Map, AnIteratorLooksItsKeyUpAgainAndStaysOnTheLastEntry) {
     EXPECT_EQ(text_of(it.key), "eleven-long");
     EXPECT_EQ(kor_map_next(&it), nullptr);
     EXPECT_EQ(entries(map), "i=2 abc=3 eleven-long=1 ");
-    kor_map_clear(map);
+    it.key = nullptr;
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", kor_map_next(&it));
 }
 
