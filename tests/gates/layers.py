@@ -6,7 +6,8 @@ import re
 import sys
 from pathlib import Path
 
-# Each layer and what it may know beside itself; the simulator and the scripted peers know nothing of the library.
+# Each layer and what it may know beside itself; the simulator and the scripted peers know nothing of the library, and
+# the command-line tool knows it by its interface only.
 BELOW = {
     "core": set(),
     "crypt": {"core"},
@@ -15,12 +16,13 @@ BELOW = {
     "cmd": {"core", "crypt", "data", "comm"},
     "simulator": set(),
     "peer": set(),
+    "cli": {"simulator", "all of the interface"},
 }
 FOLDERS = {
     "core": "core", "include/quorvel/kor": "core",
     "crypt": "crypt", "include/quorvel/crypt": "crypt",
     "abecs/data": "data", "abecs/comm": "comm", "abecs/cmd": "cmd", "include/quorvel/abecs/cmd": "cmd",
-    "simulator": "simulator",
+    "simulator": "simulator", "cli": "cli",
 }
 FOREIGN = {"simulator": r"tomcrypt", "peer": r"tomcrypt"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*["<]([^">]+)[">]')

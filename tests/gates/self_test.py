@@ -73,6 +73,8 @@ CASES = [
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/b.c -->\n```c\nint b;\n```", "code from examples"),
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/a.c -->\n```c\nnt b;\n```", "code that is not in"),
     ("docs", "README.md", "[x](docs/x.md)", "a link to docs/x.md"),
+    ("layers", "cli/x.cpp", '#include "quorvel/quorvel.h"\n#include "simulator/x.h"', ""),
+    ("layers", "cli/commands/x.cpp", '#include "quorvel/kor/heap.h"', "cli must not include quorvel/kor/heap.h of core"),
     ("layers", "tests/support/peer.cpp", '#include "abecs/cmd/frame.h"', "peer must not include"),
 ]
 

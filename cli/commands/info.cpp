@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <fmt/format.h>
+#include <string>
+#include <vector>
+
+#include "cli/command.h"
+#include "cli/items.h"
+#include "cli/link.h"
+
+namespace quorvel::cli::setup {
+
+namespace {
+
+struct Wanted {
+    AbecsCmdGixId_E id;
+    const char* label;
+};
+
+constexpr Wanted wanted[]{
+    {ABECS_CMD_GIX_ID_PP_MNNAME, "Manufacturer"},         {ABECS_CMD_GIX_ID_PP_MODEL, "Model"},
+    {ABECS_CMD_GIX_ID_PP_SERNUM, "Serial number"},        {ABECS_CMD_GIX_ID_PP_PARTNBR, "Part number"},
+    {ABECS_CMD_GIX_ID_PP_SPECVER, "Protocol version"},    {ABECS_CMD_GIX_ID_PP_SOVER, "OS version"},
+    {ABECS_CMD_GIX_ID_PP_APPVERS, "Application version"}, {ABECS_CMD_GIX_ID_PP_KRNLVER, "EMV kernel version"},
+    {ABECS_CMD_GIX_ID_PP_CTLSVER, "Contactless version"},
+};
+
+// "0416" is four lines of sixteen columns.
+std::string text_size(const std::string& digits) {
+    if (digits.size() != 4) return digits;
+    return fmt::format("{} lines of {} columns", std::stoi(digits.substr(0, 2)), std::stoi(digits.substr(2)));
+}
+
+std::string graphic_size(const std::string& digits) {
+    if (digits.size() != 8) return digits;
+    return fmt::format("{} x {} points", std::stoi(digits.substr(4)), std::stoi(digits.substr(0, 4)));
+}
+
+// One digit for each format.
+std::string media_formats(const std::string& digits) {
+    constexpr const char* formats[]{"PNG", "JPG", "GIF"};
+    std::string text;
+    for (size_t i = 0; i < std::size(formats) && i < digits.size(); ++i) {
+        if (digits[i] == '1') text += fmt::format("{}{}", text.empty() ? "" : ", ", formats[i]);
+    }
+    return text.empty() ? "none" : text;
+}
+
+bool all_digits(const std::string& text) { return text.find_first_not_of("0123456789") == std::string::npos; }
+
+void add_sizes(Group& report, const Items& items) {
+    const auto add = [&](const char* label, uint16_t id, std::string (*words)(const std::string&)) {
+        const std::string digits = items.raw(id);
+        if (items.has(id)) report.push_back({label, all_digits(digits) ? words(digits) : digits});
+    };
+    add("Text display", ABECS_RSP_DATID_PP_DSPTXTSZ, text_size);
+    add("Graphic display", ABECS_RSP_DATID_PP_DSPGRSZ, graphic_size);
+    add("Media formats", ABECS_RSP_DATID_PP_MFSUP, media_formats);
+}
+
+void ask(Link& link, const std::vector<int32_t>& ids, Items& items) {
+    link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });
+}
+
+Outcome run_info(Context& context) {
+    Link link(context.settings, context.output);
+    std::vector<int32_t> ids{ABECS_CMD_GIX_ID_PP_DSPTXTSZ, ABECS_CMD_GIX_ID_PP_DSPGRSZ, ABECS_CMD_GIX_ID_PP_MFSUP};
+    for (const Wanted& item : wanted) ids.push_back(item.id);
+    Items items;
+    ask(link, ids, items);
+    link.close();
+    Group report;
+    for (const Wanted& item : wanted) items.add(report, item.label, static_cast<uint16_t>(item.id));
+    add_sizes(report, items);
+    report.push_back({"Library version", kor_version_project()});
+    return {report};
+}
+
+Outcome run_gix(Context& context, const std::vector<std::string>& names) {
+    std::vector<int32_t> ids;
+    for (const std::string& name : names) {
+        const auto id = item_id(name);
+        if (!id)
+            throw Error(Exit::usage, fmt::format("There is no item '{}'.", name), "See the names with `quorvel gix`.");
+        ids.push_back(*id);
+    }
+    Link link(context.settings, context.output);
+    Items items;
+    ask(link, ids, items);
+    link.close();
+    Group report;
+    for (const uint16_t id : items.ids()) report.push_back({item_name(id), items.value(id), item_name(id)});
+    for (const int32_t id : ids) {
+        const auto asked = static_cast<uint16_t>(id);
+        if (!items.has(asked)) report.push_back({item_name(asked), "not told", item_name(asked)});
+    }
+    return {report};
+}
+
+}  // namespace
+
+Run info(CLI::App&) { return run_info; }
+
+Run gix(CLI::App& app) {
+    const auto names = std::make_shared<std::vector<std::string>>();
+    app.add_option("item", *names, "SERNUM, TABVER0, 0x8001, ...; without any, all that the PIN pad tells");
+    return [names](Context& context) { return run_gix(context, *names); };
+}
+
+}  // namespace quorvel::cli::setup

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <array>
+#include <fmt/format.h>
+#include <string>
+#include <vector>
+
+#include "cli/command.h"
+#include "cli/items.h"
+#include "cli/link.h"
+
+namespace quorvel::cli::setup {
+
+namespace {
+
+// A digit for each slot tells whether a key is there.
+struct Family {
+    AbecsCmdGixId_E map;
+    const char* kind;
+    const char* cipher;
+    const char* use;
+};
+
+constexpr std::array families{
+    Family{ABECS_CMD_GIX_ID_PP_MKDESP, "master", "DES", "PIN"},
+    Family{ABECS_CMD_GIX_ID_PP_MKDESD, "master", "DES", "data"},
+    Family{ABECS_CMD_GIX_ID_PP_MKTDESP, "master", "triple DES", "PIN"},
+    Family{ABECS_CMD_GIX_ID_PP_MKTDESD, "master", "triple DES", "data"},
+    Family{ABECS_CMD_GIX_ID_PP_DKPTDESP, "DUKPT", "DES", "PIN"},
+    Family{ABECS_CMD_GIX_ID_PP_DKPTTDESP, "DUKPT", "triple DES", "PIN"},
+    Family{ABECS_CMD_GIX_ID_PP_DKPTTDESD, "DUKPT", "triple DES", "data"},
+};
+
+std::string reason(int32_t status) {
+    return status == ABECS_RSP_STAT_ST_ERRKEY ? "not told" : fmt::format("status {:03}", status);
+}
+
+std::string pin_ksn(Link& link, AbecsCmdGduMethod_E method, size_t slot) {
+    std::array<char, 21> ksn{};
+    const int32_t status =
+        link.answer([&] { return abecs_cmd_gdu(link.get(), method, static_cast<uint8_t>(slot), ksn.data()); });
+    return status == ABECS_RSP_STAT_ST_OK ? ksn.data() : reason(status);
+}
+
+// GDU knows the keys for PINs only.
+Value data_ksn(Link& link, size_t slot) {
+    const int32_t id = ABECS_CMD_GIX_ID_PP_KSNTDESD0 + static_cast<int32_t>(slot);
+    Items items;
+    link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), &id, 1, items.get()); });
+    return items.value(static_cast<uint16_t>(id));
+}
+
+Value ksn(Link& link, const Family& family, size_t slot) {
+    switch (family.map) {
+        case ABECS_CMD_GIX_ID_PP_DKPTDESP:
+            return pin_ksn(link, ABECS_CMD_GDU_METHOD_2, slot);
+        case ABECS_CMD_GIX_ID_PP_DKPTTDESP:
+            return pin_ksn(link, ABECS_CMD_GDU_METHOD_3, slot);
+        case ABECS_CMD_GIX_ID_PP_DKPTTDESD:
+            return data_ksn(link, slot);
+        default:
+            return "";
+    }
+}
+
+Outcome run_keys(Context& context) {
+    Link link(context.settings, context.output);
+    std::vector<int32_t> ids;
+    for (const Family& family : families) ids.push_back(family.map);
+    Items items;
+    link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });
+    Table table{{"Kind", "Cipher", "Use", "Index", "Key serial number"}};
+    for (const Family& family : families) {
+        const std::string slots = items.raw(static_cast<uint16_t>(family.map));
+        for (size_t slot = 0; slot < slots.size(); ++slot) {
+            if (slots[slot] != '1') continue;
+            table.rows.push_back({family.kind, family.cipher, family.use, slot, ksn(link, family, slot)});
+        }
+    }
+    link.close();
+    return {{{"Keys", table}}};
+}
+
+}  // namespace
+
+Run keys(CLI::App&) { return run_keys; }
+
+}  // namespace quorvel::cli::setup

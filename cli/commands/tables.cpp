@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <fmt/format.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/command.h"
+#include "cli/table_file.h"
+
+namespace quorvel::cli::setup {
+
+namespace {
+
+struct LoadOptions {
+    std::string file;
+    bool ifNewer = false;
+};
+
+Outcome run_load(Context& context, const LoadOptions& options) {
+    const std::string& path = options.file.empty() ? context.settings.tables : options.file;
+    if (path.empty()) throw Error(Exit::usage, "No file is named.", "Name it, or give `tables` in the configuration.");
+    const TableFile file = TableFile::read(path);
+    Link link(context.settings, context.output);
+    Group report{{"Acquirer", file.acquirer}, {"Version", file.version}, {"Records", file.records}};
+    const std::string before = table_version(link, file.acquirer);
+    const bool due = !options.ifNewer || before != file.version;
+    if (due) load_tables(link, file, context.output);
+    link.close();
+    report.push_back({"Version before", before.empty() ? "none" : before});
+    report.push_back({"Loaded", due});
+    return {report};
+}
+
+Outcome run_version(Context& context, const std::vector<int>& acquirers) {
+    Link link(context.settings, context.output);
+    Table table{{"Acquirer", "Version"}};
+    for (const int acquirer : acquirers) {
+        const std::string version = table_version(link, acquirer);
+        table.rows.push_back({acquirer, version.empty() ? "none" : version});
+    }
+    link.close();
+    return {{{"Tables", table}}};
+}
+
+}  // namespace
+
+Run tables_load(CLI::App& app) {
+    const auto options = std::make_shared<LoadOptions>();
+    app.add_option("file", options->file, "The records; else the configured file");
+    app.add_flag("--if-different", options->ifNewer, "Only if the PIN pad has another version");
+    return [options](Context& context) { return run_load(context, *options); };
+}
+
+Run tables_version(CLI::App& app) {
+    const auto acquirers = std::make_shared<std::vector<int>>();
+    app.add_option("acquirer", *acquirers, "0 to 99, 0 standing for all of them together")
+        ->check(CLI::Range(0, 99))
+        ->default_val(std::vector<int>{0});
+    return [acquirers](Context& context) { return run_version(context, *acquirers); };
+}
+
+}  // namespace quorvel::cli::setup

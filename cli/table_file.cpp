@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "cli/table_file.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <fmt/format.h>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <string_view>
+
+namespace quorvel::cli {
+
+namespace {
+
+constexpr size_t headWidth = 8;
+constexpr size_t batchWidth = 997;
+constexpr size_t batchRecords = 99;
+constexpr size_t versionWidth = 10;
+
+std::optional<int> digits(std::string_view text) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || text.empty() || value < 0) return std::nullopt;
+    return value;
+}
+
+// Takes the lines of a file one by one.
+class Loader {
+public:
+    explicit Loader(const std::string& path) : path_(path) {}
+
+    TableFile load() {
+        std::ifstream in(path_);
+        if (!in) throw Error(Exit::usage, fmt::format("{} cannot be read.", path_));
+        for (std::string line; std::getline(in, line);) {
+            ++number_;
+            if (line.ends_with('\r')) line.pop_back();
+            take(line);
+        }
+        if (in.bad()) throw Error(Exit::usage, fmt::format("{} cannot be read to its end.", path_));
+        if (file_.version.empty()) fail("there is no line `version`");
+        return std::move(file_);
+    }
+
+private:
+    [[noreturn]] void fail(std::string_view text) const {
+        throw Error(Exit::usage, fmt::format("{}:{}: {}", path_, number_, text),
+                    "quorvel-tables(5) describes the file.");
+    }
+
+    void take(std::string_view line) {
+        if (line.empty() || line.front() == '#') return;
+        if (line.starts_with("version ")) {
+            file_.version = line.substr(line.find(' ') + 1);
+            if (file_.version.empty() || file_.version.size() > versionWidth) fail("a version has 1 to 10 characters");
+        } else if (line.starts_with("acquirer ")) {
+            const auto acquirer = digits(line.substr(line.find(' ') + 1));
+            if (!acquirer || *acquirer > 99) fail("an acquirer is a number from 0 to 99");
+            file_.acquirer = *acquirer;
+        } else {
+            record(line);
+        }
+    }
+
+    void record(std::string_view line) {
+        if (line.size() < headWidth) fail(fmt::format("a record has at least {} characters", headWidth));
+        const auto length = digits(line.substr(0, 3));
+        if (!length || !digits(line.substr(3, 3))) {
+            fail("a record begins with its length (3 digits), its table (1), its acquirer (2) and its index (2)");
+        }
+        if (static_cast<size_t>(*length) != line.size()) {
+            fail(fmt::format("the record says that it has {} characters, but it has {}", *length, line.size()));
+        }
+        // It may be longer than a batch can be, though no batch holds it then.
+        if (line.size() > batchWidth) fail(fmt::format("a record has at most {} characters", batchWidth));
+        const auto [first, added] = lines_.emplace(line.substr(3, 5), number_);
+        if (!added) fail(fmt::format("the same table, acquirer and index as in line {}", first->second));
+        add(line);
+    }
+
+    void add(std::string_view line) {
+        const bool full = inLast_ == batchRecords
+                          || (!file_.batches.empty() && file_.batches.back().size() + line.size() > batchWidth);
+        if (file_.batches.empty() || full) {
+            file_.batches.emplace_back();
+            inLast_ = 0;
+        }
+        file_.batches.back() += line;
+        ++inLast_;
+        ++file_.records;
+    }
+
+    const std::string& path_;
+    size_t number_ = 0;
+    size_t inLast_ = 0;
+    std::map<std::string, size_t, std::less<>> lines_;
+    TableFile file_;
+};
+
+}  // namespace
+
+TableFile TableFile::read(const std::string& path) { return Loader(path).load(); }
+
+std::string table_version(Link& link, int acquirer) {
+    std::array<char, 11> version{};
+    const int32_t status =
+        link.answer([&] { return abecs_cmd_gts(link.get(), static_cast<uint8_t>(acquirer), version.data()); });
+    return status == ABECS_RSP_STAT_ST_OK ? version.data() : "";
+}
+
+void load_tables(Link& link, const TableFile& file, const Output& output) {
+    const auto acquirer = static_cast<uint8_t>(file.acquirer);
+    link.ask("TLI", [&] { return abecs_cmd_tli(link.get(), acquirer, file.version.c_str()); });
+    for (size_t i = 0; i < file.batches.size(); ++i) {
+        output.progress("Loading tables", i, file.batches.size());
+        link.ask("TLR", [&] { return abecs_cmd_tlr(link.get(), file.batches[i].c_str()); });
+    }
+    link.ask("TLE", [&] { return abecs_cmd_tle(link.get()); });
+    output.progress("Loading tables", file.batches.size(), file.batches.size());
+}
+
+}  // namespace quorvel::cli
