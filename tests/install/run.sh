@@ -47,3 +47,14 @@ read -ra from_pkg_config <<<"$(pkg-config --cflags --libs quorvel)"
 check pkg-config "$work/by_pkg_config"
 
 if [ -e "$prefix/bin/quorvel-sim" ]; then "$prefix/bin/quorvel-sim" --help >/dev/null; fi
+
+if [ -e "$prefix/bin/quorvel" ]; then
+    [ "$("$prefix/bin/quorvel" --version)" = 0.1.0 ]
+    "$prefix/bin/quorvel" info --port "$work/none" 2>/dev/null && { echo "a port that is not there was opened"; exit 1; }
+    . "$prefix/share/bash-completion/completions/quorvel"
+    [ -s "$prefix/share/zsh/site-functions/_quorvel" ]
+    [ -s "$prefix/share/doc/quorvel/virtual.tables" ]
+    if command -v scdoc >/dev/null; then
+        [ -s "$prefix/share/man/man1/quorvel.1" ] && [ -s "$prefix/share/man/man5/quorvel-tables.5" ]
+    fi
+fi

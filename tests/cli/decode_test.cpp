@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/cli/tool.h"
+
+namespace {
+
+class DecodeTest : public ToolTest {
+protected:
+    // From, what, the status's name and the contents of each line.
+    static std::string rows(const Json& object) {
+        std::string text;
+        for (const Json& frame : object["result"]["frames"]) {
+            const Json& status = frame["status"];
+            text += frame["from"].get<std::string>() + "/" + frame["what"].get<std::string>() + "/"
+                    + (status.is_object() ? status["name"].get<std::string>() : "") + "/"
+                    + (frame["contents"].is_string() ? frame["contents"].get<std::string>() : frame["contents"].dump())
+                    + "\n";
+        }
+        return text;
+    }
+};
+
+TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
+    const struct {
+        const char* hex;
+        const char* words;
+    } cases[]{
+        {"06", "PIN pad/ACK//\n"},
+        {"18", "host/CAN//\n"},
+        // "GIN" 002 "00", and its frame.
+        {"47494E3030323030", "host/GIN device information//00\n"},
+        {"16 47:49:4e 30 30 32 30 30 17 ee ca", "host/GIN device information//00\n"},
+        // "CLO" 000, "GKY" 004 and "NTM" 000 032.
+        {"434C4F303030", "PIN pad/CLO close the session/ST_OK/\n"},
+        {"474B59303034", "PIN pad/GKY wait for a key/ST_F1/\n"},
+        // "GIX" 000 008: PP_TLRMEM.
+        {"47495830303030303880620004"
+         "00040000",
+         "PIN pad/GIX device information/ST_OK/{\"PP_TLRMEM\":262144}\n"},
+        // "GIX" 008: SPE_IDLIST.
+        {"474958303038000100048001"
+         "8003",
+         "host/GIX device information//{\"SPE_IDLIST\":\"80018003\"}\n"},
+    };
+    for (const auto& each : cases) EXPECT_EQ(rows(run_json({"decode", each.hex})), each.words) << each.hex;
+}
+
+TEST_F(DecodeTest, ReadsACapture) {
+    const std::string traced = write("traced", "> 47 4B 59\n  GKY wait for a key\n< 06\n< 474B59303133\n");
+    EXPECT_EQ(rows(run_json({"decode", "--file", traced})),
+              "host/GKY wait for a key//\nPIN pad/ACK//\nPIN pad/GKY wait for a key/ST_CANCEL/\n");
+    const std::string plain = write("plain", "474B59\n\n474B59303133\n");
+    EXPECT_EQ(rows(run_json({"decode", "--file", plain})),
+              "host/GKY wait for a key//\nPIN pad/GKY wait for a key/ST_CANCEL/\n");
+    EXPECT_NE(run({"decode", "--file", write("words", "hello\n")}).err.find("Line 1"), std::string::npos);
+}
+
+TEST_F(DecodeTest, TellsAFrameThatIsDamagedOrNotWhole) {
+    EXPECT_NE(rows(run_json({"decode", "16434C4F170000"})).find("damaged frame: bad CRC"), std::string::npos);
+    EXPECT_NE(rows(run_json({"decode", "16434C4F"})).find("damaged frame"), std::string::npos);
+}
+
+// As a shell would complete them.
+TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
+    const std::string script = write("completion", run({"completion", "bash"}).out);
+    const struct {
+        const char* words;
+        int at;
+        const char* due;
+    } cases[]{
+        {"quorvel dec", 1, "decode"},
+        {"quorvel tables l", 2, "load"},
+        {"quorvel sale --am", 2, "--amount"},
+        {"quorvel --port /dev/ttyS0 sale --sec", 4, "--secure"},
+    };
+    for (const auto& each : cases) {
+        const std::string test =
+            write("test", ". " + script + "\nCOMP_WORDS=(" + each.words + ")\nCOMP_CWORD=" + std::to_string(each.at)
+                              + "\n_quorvel\n[ \"${COMPREPLY[*]}\" = '" + each.due + "' ]\n");
+        EXPECT_EQ(std::system(("bash " + test).c_str()), 0) << each.words;
+    }
+    EXPECT_EQ(run({"completion", "zsh"}).out.substr(0, 17), "#compdef quorvel\n");
+}
+
+}  // namespace

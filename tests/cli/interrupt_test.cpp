@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/cli/tool.h"
+
+namespace {
+
+class InterruptTest : public PinPadToolTest {
+protected:
+    void await_command(const std::string& id) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        for (;;) {
+            const auto ids = sent();
+            if (std::ranges::find(ids, id) != ids.end()) return;
+            ASSERT_LT(std::chrono::steady_clock::now(), deadline) << id;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+};
+
+TEST_F(InterruptTest, LeavesThePinPadIdle) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string waitsFor;
+        int signal;
+        int exit;
+    } cases[]{{{"card"}, "GCX", SIGINT, 130}, {{"key"}, "GKY", SIGTERM, 143}};
+    for (const auto& each : cases) {
+        const size_t before = sent().size();
+        Tool tool(with_port(each.arguments), folder_);
+        await_command(each.waitsFor);
+        tool.signal(each.signal);
+        const Ended ended = tool.wait();
+        EXPECT_EQ(ended.exit, each.exit);
+        EXPECT_NE(ended.err.find("quorvel: Interrupted."), std::string::npos) << ended.err;
+        const auto all = sent();
+        const std::vector<std::string> ids(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
+        EXPECT_EQ(ids, (std::vector<std::string>{"CAN", "OPN", each.waitsFor, "CAN", "CLO"}));
+    }
+    expect_no_findings();
+}
+
+}  // namespace

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <gtest/gtest.h>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "simulator/cards/cards.h"
+#include "simulator/frame.h"
+#include "simulator/keys/hex.h"
+#include "tests/cli/tool.h"
+
+namespace {
+
+namespace sim = quorvel::sim;
+using sim::Gestures;
+
+const std::string pan = "4111111111111111";
+const std::string discretionary = "30122010000000000";
+const std::string workingKey = "00112233445566778899AABBCCDDEEFF";
+
+// Nobody foretells the value of a PIN block, but it has 16 hexadecimal digits.
+bool holds_block(const std::string& text) {
+    static const std::regex block("\\b[0-9A-Fa-f]{16}\\b");
+    return std::regex_search(text, block);
+}
+
+std::string digits_of(const std::string& text) {
+    std::string hex;
+    for (const char c : text) hex += sim::to_hex({{static_cast<uint8_t>(c)}});
+    return hex;
+}
+
+// Whether the tool prints JSON.
+class PrivacyTest : public PinPadToolTest, public testing::WithParamInterface<bool> {
+protected:
+    // Neither the number nor the track, be it in clear or in hexadecimal.
+    static void expect_private(const std::string& text) {
+        for (const std::string& secret : {pan, discretionary, workingKey, std::string("4111111111111111D3012")}) {
+            EXPECT_EQ(text.find(secret), std::string::npos) << text;
+            EXPECT_EQ(text.find(digits_of(secret)), std::string::npos) << text;
+        }
+    }
+};
+
+struct Case {
+    std::vector<std::string> arguments;
+    const char* waits;
+    Gestures gestures;
+    int exit = 0;
+};
+
+const sim::Card& card() { return sim::Cards::standard().at("visa-chip"); }
+
+// Every command of the tool, with a cardholder who swipes, inserts and types where one can.
+std::vector<Case> every_command(const std::string& image, const std::string& port) {
+    sim::Card stripe = card();
+    stripe.serviceCode = "101";
+    const std::string tables = QUORVEL_TABLES;
+    return {
+        {{"ports"}, "", {}},
+        {{"doctor"}, "", {}},
+        {{"info"}, "", {}},
+        {{"gix"}, "", {}},
+        {{"display", "HELLO"}, "", {}},
+        {{"menu", "TEA"}, "MNU", Gestures().choose(1)},
+        {{"key"}, "GKY", Gestures().press(sim::Key::enter)},
+        {{"event"}, "CEX", Gestures().swipe(stripe)},
+        {{"tables", "load", tables}, "", {}},
+        {{"tables", "version"}, "", {}},
+        {{"card"}, "GCX", Gestures().swipe(stripe)},
+        {{"sale", "--amount", "1", "--keep-card"}, "GCX", Gestures().insert(card())},
+        {{"pin", "--pan", pan}, "GPN", Gestures().type("1234")},
+        {{"pin", "--pan", pan, "--method", "mk-tdes", "--working-key", workingKey}, "GPN", Gestures().type("1234")},
+        {{"media", "put", image}, "", {}},
+        {{"media", "list"}, "", {}},
+        {{"media", "show", "logo"}, "", {}},
+        {{"media", "delete", "logo"}, "", {}},
+        {{"keys"}, "", {}},
+        {{"completion", "bash"}, "", {}},
+        {{"info", "--port", port + "x"}, "", {}, 3},
+    };
+}
+
+TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
+    for (const Case& each : every_command(write("logo.png", "image"), pinPad_.path())) {
+        if (*each.waits != '\0') pinPad_.when(each.waits, each.gestures);
+        if (each.arguments.front() == "sale") pinPad_.when("GOX", Gestures().type("1234"));
+        Arguments arguments = each.arguments;
+        arguments.emplace_back("--trace");
+        if (GetParam()) arguments.emplace_back("--json");
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.exit, each.exit) << arguments.front() << ended.err;
+        const std::string all = ended.out + ended.err;
+        expect_private(all);
+        EXPECT_FALSE(each.arguments.front() == "pin" && holds_block(all)) << all;
+        pinPad_.remove();
+    }
+    expect_no_findings();
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutJson, PrivacyTest, testing::Bool());
+
+std::string frame(const std::string& packet) { return sim::to_hex(sim::encode({.data = sim::to_bytes(packet)})); }
+
+// A parameter of that id, which is given in hexadecimal.
+std::string param(const std::string& id, const std::string& value) {
+    const sim::Bytes head = sim::from_hex(id);
+    std::string bytes(head.begin(), head.end());
+    bytes += static_cast<char>(value.size() >> 8);
+    bytes += static_cast<char>(value.size() & 0xFF);
+    return bytes + value;
+}
+
+std::string bytes(const std::string& hex) {
+    const sim::Bytes all = sim::from_hex(hex);
+    return {all.begin(), all.end()};
+}
+
+std::string response(const std::string& id, const std::string& params) {
+    return id + "000" + std::to_string(1000 + params.size()).substr(1) + params;
+}
+
+// A PIN pad that masks nothing is no excuse, and neither is a tag or an id that nobody knows.
+TEST_P(PrivacyTest, WhatIsDecodedIsAsPrivate) {
+    const std::string track = pan + "=" + discretionary;
+    const std::string cases[]{
+        response("GCX", param("8052", pan)),
+        response("GCX", param("8041", track) + param("8042", track) + param("8043", track)),
+        response("GCX", param("8054", bytes("5A08" + pan + "5711" + pan + "D301220100000000FFFF"))),
+        response("GCX", param("8054", bytes("9F7908" + pan))),
+        response("GCX", param("8054", pan)),
+        response("GCX", param("80FF", pan)),
+        response("GTK", param("8045", bytes(pan))),
+        response("GCD", param("804D", pan)),
+        response("GOX", param("8057", bytes(pan))),
+        "GPN000036" + pan + "FFFF9876543210E00001",
+        "GCR000100" + track + std::string(66, ' '),
+        "XYZ000017" + pan + " ",
+        "GPN030" + pan + std::string(14, ' '),
+        pan,
+        "GCX000999" + pan,
+    };
+    for (const std::string& packet : cases) {
+        for (const std::string& hex : {frame(packet), digits_of(packet)}) {
+            for (const Arguments& arguments : {Arguments{"decode", hex}, Arguments{"decode", hex, "--json"},
+                                               Arguments{"decode", hex, "--from", "host"}}) {
+                const Ended ended = run(arguments);
+                EXPECT_EQ(ended.exit, 0) << ended.err;
+                expect_private(ended.out + ended.err);
+            }
+        }
+        const std::string revealed = run({"decode", digits_of(packet), "--reveal"}).out;
+        EXPECT_TRUE(revealed.find(pan.substr(3)) != std::string::npos
+                    || revealed.find(digits_of(pan)) != std::string::npos)
+            << revealed;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "simulator/cards/cards.h"
+#include "tests/cli/tool.h"
+
+namespace {
+
+namespace sim = quorvel::sim;
+using sim::Gestures;
+
+class SaleTest : public PinPadToolTest {
+protected:
+    static const sim::Card& card(const char* name) { return sim::Cards::standard().at(name); }
+
+    Json sell(const Arguments& more) const {
+        Arguments arguments{"sale", "--amount", "12.34", "--tables", QUORVEL_TABLES};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run_json(arguments);
+    }
+
+    static std::string commands(const Json& object) {
+        std::string text;
+        for (const Json& step : object["result"]["steps"]) text += step["command"].get<std::string>() + ";";
+        return text;
+    }
+};
+
+TEST_F(SaleTest, GoesFromTheTablesToTheRemovalOfTheCard) {
+    pinPad_.when("GCX", Gestures().insert(card("visa-chip")));
+    pinPad_.when("GOX", Gestures().type("1234"));
+    pinPad_.when("RMC", Gestures().remove());
+    const Json object = sell({});
+    EXPECT_EQ(object["exit"], 0);
+    const Json& result = object["result"];
+    EXPECT_EQ(result["outcome"], "APPROVED");
+    EXPECT_EQ(result["amount"], "12.34");
+    EXPECT_EQ(result["card"]["cardNumber"], "411111******1111");
+    EXPECT_EQ(result["card"]["application"], "VISA CREDITO");
+    EXPECT_EQ(result["card"]["tableRecord"], "030101");
+    EXPECT_EQ(result["verification"], "PIN, for the acquirer to check");
+    EXPECT_EQ(result["pinBlock"], "withheld");
+    EXPECT_EQ(result["keySerialNumber"], "FFFF9876543210E00001");
+    EXPECT_EQ(result["cardToAcquirer"]["9F02"], "000000001234");
+    EXPECT_EQ(result["cardToAcquirer"]["9F27"], "80 (ARQC, the card wants the issuer asked)");
+    EXPECT_EQ(result["cardAtTheEnd"]["9F27"], "40 (TC, the card approves)");
+    EXPECT_EQ(commands(object), "TLI TLR TLE;GCX;GOX;-;FCX;RMC;");
+    EXPECT_EQ(pinPad_.screen().text, "APPROVED");
+    expect_no_findings();
+}
+
+// Who declines, who is not asked, and what the card says to that.
+TEST_F(SaleTest, TellsHowItEndedAndWhy) {
+    const struct {
+        Gestures gestures;
+        Arguments arguments;
+        int exit;
+        const char* verification;
+        std::string steps;
+        const char* result;
+    } cases[]{
+        {Gestures().insert(card("visa-signature")),
+         {"--host", "declines"},
+         5,
+         "signature",
+         "TLI TLR TLE;GCX;GOX;-;FCX;",
+         "declined by the acquirer"},
+        {Gestures().insert(card("declining-chip")),
+         {},
+         5,
+         "none asked for",
+         "GTS;GCX;GOX;-;FCX;",
+         "declined by the card"},
+        {Gestures().insert(card("visa-signature")),
+         {"--host", "unreachable"},
+         5,
+         "signature",
+         "GTS;GCX;GOX;-;FCX;",
+         "declined by the card"},
+    };
+    for (const auto& each : cases) {
+        pinPad_.when("GCX", each.gestures);
+        Arguments arguments = each.arguments;
+        arguments.emplace_back("--keep-card");
+        const Json object = sell(arguments);
+        EXPECT_EQ(object["exit"], each.exit);
+        EXPECT_EQ(object["result"]["verification"], each.verification);
+        EXPECT_EQ(commands(object), each.steps);
+        EXPECT_EQ(object["result"]["steps"].back()["result"], each.result);
+        EXPECT_EQ(pinPad_.screen().text, each.exit == 0 ? "APPROVED" : "DECLINED");
+        pinPad_.remove();
+    }
+    expect_no_findings();
+}
+
+TEST_F(SaleTest, TakesStripesAndContactlessCards) {
+    pinPad_.when("GCX", Gestures().swipe(card("mastercard-magnetic")));
+    const Json stripe = sell({});
+    EXPECT_EQ(stripe["result"]["card"]["readBy"], "magnetic stripe");
+    EXPECT_EQ(stripe["result"]["card"]["track2"], "withheld");
+    EXPECT_EQ(commands(stripe), "TLI TLR TLE;GCX;-;");
+    pinPad_.when("GCX", Gestures().tap(card("elo-contactless")));
+    const Json tapped = sell({"--host", "declines"});
+    EXPECT_EQ(tapped["exit"], 5);
+    EXPECT_EQ(commands(tapped), "GTS;GCX;GOX;-;");
+    expect_no_findings();
+}
+
+TEST_F(SaleTest, WithoutTablesExplainsWhatIsMissing) {
+    pinPad_.insert(card("visa-chip"));
+    const Ended ended = run({"sale", "--amount", "1"});
+    EXPECT_EQ(ended.exit, 1);
+    EXPECT_NE(ended.err.find("TABERR"), std::string::npos) << ended.err;
+    EXPECT_NE(ended.err.find("quorvel tables load"), std::string::npos) << ended.err;
+}
+
+TEST_F(SaleTest, CardTellsOfTheCard) {
+    pinPad_.when("GCX", Gestures().swipe(card("visa-magnetic")));
+    const Ended ended = run({"card"});
+    EXPECT_EQ(ended.exit, 0) << ended.err;
+    EXPECT_NE(ended.out.find("Card number  401288******1881\n"), std::string::npos) << ended.out;
+    pinPad_.when("GCX", Gestures().swipe(card("visa-magnetic")));
+    EXPECT_EQ(run_json({"card", "--reveal"})["result"]["cardNumber"], "4012888888881881");
+    expect_no_findings();
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_TESTS_CLI_TOOL_H
+#define QUORVEL_TESTS_CLI_TOOL_H
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+#include "simulator/pin_pad.h"
+
+// What a run of quorvel came to.
+struct Ended {
+    int exit = -1;
+    std::string out;
+    std::string err;
+};
+
+// quorvel, run as a user does, in an environment of its own.
+class Tool {
+public:
+    // A `home` that has no configuration leaves none.
+    Tool(std::vector<std::string> arguments, const std::filesystem::path& home,
+         std::vector<std::string> environment = {});
+    ~Tool();
+    Tool(const Tool&) = delete;
+    Tool& operator=(const Tool&) = delete;
+
+    void signal(int number) const;
+    Ended wait();
+
+private:
+    pid_t process_ = -1;
+    int out_ = -1;
+    int err_ = -1;
+};
+
+// A folder of its own, and no PIN pad.
+class ToolTest : public testing::Test {
+protected:
+    using Arguments = std::vector<std::string>;
+    using Json = nlohmann::json;
+
+    ToolTest();
+    ~ToolTest() override;
+
+    Ended run(Arguments arguments, std::vector<std::string> environment = {}) const;
+    // The same with --json.
+    Json run_json(Arguments arguments) const;
+    std::string write(const std::string& name, const std::string& contents) const;
+
+    std::filesystem::path folder_;
+};
+
+// Runs against a virtual PIN pad.
+class PinPadToolTest : public ToolTest {
+protected:
+    PinPadToolTest() : PinPadToolTest(quorvel::sim::PinPad::Options{}) {}
+    explicit PinPadToolTest(quorvel::sim::PinPad::Options options) : pinPad_(std::move(options)) { pinPad_.start(); }
+
+    // With the port named.
+    Arguments with_port(Arguments arguments) const;
+    Ended run(Arguments arguments) const { return ToolTest::run(with_port(std::move(arguments))); }
+    Json run_json(Arguments arguments) const { return ToolTest::run_json(with_port(std::move(arguments))); }
+
+    // The ids of the commands that the PIN pad was sent, and CAN.
+    std::vector<std::string> sent();
+    // Nothing that was sent was out of order.
+    void expect_no_findings();
+
+    quorvel::sim::PinPad pinPad_;
+};
+
+#endif
