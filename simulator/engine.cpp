@@ -187,7 +187,8 @@ void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Conten
 void Engine::post_state() {
     board_.post({.waiting = pending_ ? std::string(pending_->command.id) : "",
                  .encrypted = channel_.active(),
-                 .cardInserted = device_.chip.has_value()});
+                 .cardInserted = device_.chip.has_value(),
+                 .cardNumber = device_.chip ? device_.chip->pan : ""});
 }
 
 std::optional<Engine::Clock::time_point> Engine::deadline() const {

@@ -8,10 +8,12 @@
 #include <fmt/format.h>
 #include <optional>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 #include "simulator/control/control.h"
 #include "simulator/control/control_server.h"
+#include "simulator/face/face.h"
 #include "simulator/pin_pad.h"
 #include "simulator/port_link.h"
 
@@ -49,24 +51,30 @@ struct Settings {
     std::optional<unsigned> speed;
     uint32_t seed = 1;
     bool trace = false;
+    bool face = false;
 };
 
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {
 public:
-    explicit Port(std::string link) : link_(std::move(link)) {}
+    Port(std::string link, bool silent) : link_(std::move(link)), silent_(silent) {}
 
     void announce(const std::string& path) {
         portLink_.reset();
         if (!link_.empty()) portLink_.emplace(link_, path);
+        if (silent_) return;
         fmt::print("READY {}\n", path);
         std::fflush(stdout);
     }
 
 private:
     std::string link_;
+    bool silent_;
     std::optional<sim::PortLink> portLink_;
 };
+
+// A line in the midst of the face would spoil it, and it shows all that would stand there.
+bool may_print(const Settings& settings, int descriptor) { return !settings.face || ::isatty(descriptor) == 0; }
 
 sim::PinPad::Options options(const Settings& settings, Port& port) {
     sim::PinPad::Options options;
@@ -74,6 +82,7 @@ sim::PinPad::Options options(const Settings& settings, Port& port) {
     options.seed = settings.seed;
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) options.device.keys = sim::KeyStore::from_file(settings.keys);
+    if (!may_print(settings, STDERR_FILENO)) return options;
     if (settings.trace)
         options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
     options.listeners.finding = [](const sim::Finding& finding) {
@@ -83,13 +92,18 @@ sim::PinPad::Options options(const Settings& settings, Port& port) {
 }
 
 void play(const Settings& settings) {
-    Port port(settings.link);
-    sim::PinPad pinPad(options(settings, port));
+    Port port(settings.link, !may_print(settings, STDOUT_FILENO));
+    sim::Feed feed;
+    sim::PinPad::Options pinPadOptions = options(settings, port);
+    if (settings.face) feed.listen(pinPadOptions);
+    sim::PinPad pinPad(std::move(pinPadOptions));
     const StopOnSignals stopOnSignals(pinPad);
     sim::Control control(pinPad);
     std::optional<sim::ControlServer> server;
     if (!settings.control.empty()) server.emplace(settings.control, control);
-    port.announce(pinPad.path());
+    const auto announce = [&] { port.announce(pinPad.path()); };
+    if (settings.face) return sim::show_face(pinPad, control.cards(), feed, announce);
+    announce();
     pinPad.run();
 }
 
@@ -109,6 +123,9 @@ int main(int argc, char** argv) {
     app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
         ->type_name("NUMBER")
         ->capture_default_str();
+    app.add_flag("--face", settings.face,
+                 "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
+                 "place of what would be printed there; what goes into files and pipes is printed as usual");
     app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
     app.set_version_flag("--version", QUORVEL_VERSION);
     CLI11_PARSE(app, argc, argv);

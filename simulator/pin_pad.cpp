@@ -29,6 +29,8 @@ PinPad::PinPad(Options options)
       companion_(options.companion),
       faults_(options.seed),
       line_(options.companion != nullptr),
+      screen_(options.changed),
+      board_(options.changed),
       transmitter_(byte_time(options.speed), faults_, journal_,
                    {.write = [this](ByteView bytes) { send(bytes); },
                     .hangUp = [this](std::chrono::milliseconds time) { hang_up(time); }}),

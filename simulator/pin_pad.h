@@ -59,6 +59,8 @@ public:
         std::function<void(const std::string&)> returned = {};
         // Goes along with the PIN pad, which it must outlive; null for none.
         Companion* companion = nullptr;
+        // Called after each change of screen() or board(), on the PIN pad's thread.
+        std::function<void()> changed = {};
     };
 
     // Throws std::system_error when no pseudo-terminal can be had.

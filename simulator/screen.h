@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_SCREEN_H
 #define QUORVEL_SIMULATOR_SCREEN_H
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -13,6 +14,9 @@ namespace quorvel::sim {
 // What the PIN pad shows. Safe from any thread.
 class Screen {
 public:
+    // `changed` is called after each show(), on its thread.
+    explicit Screen(std::function<void()> changed = {}) : changed_(std::move(changed)) {}
+
     struct Content {
         // Lines end with CR.
         std::string text = {};
@@ -28,8 +32,11 @@ public:
     };
 
     void show(Content content) {
-        const std::lock_guard lock(mutex_);
-        content_ = std::move(content);
+        {
+            const std::lock_guard lock(mutex_);
+            content_ = std::move(content);
+        }
+        if (changed_) changed_();
     }
 
     [[nodiscard]] Content content() const {
@@ -38,6 +45,7 @@ public:
     }
 
 private:
+    const std::function<void()> changed_;
     mutable std::mutex mutex_;
     Content content_;
 };

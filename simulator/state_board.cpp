@@ -15,6 +15,7 @@ void StateBoard::post(const State& state) {
     }
     state_ = state;
     if (listener_) listener_();
+    if (changed_) changed_();
 }
 
 State StateBoard::state() const {

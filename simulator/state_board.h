@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace quorvel::sim {
 
@@ -16,6 +17,8 @@ struct State {
     std::string waiting = {};
     bool encrypted = false;
     bool cardInserted = false;
+    // The card number of that card.
+    std::string cardNumber = {};
 
     bool operator==(const State&) const = default;
 };
@@ -23,6 +26,9 @@ struct State {
 // What the PIN pad is at. Safe from any thread.
 class StateBoard {
 public:
+    // `changed` is called after each change as long as the board is there, whoever else listens.
+    explicit StateBoard(std::function<void()> changed = {}) : changed_(std::move(changed)) {}
+
     void post(const State& state);
     [[nodiscard]] State state() const;
 
@@ -34,6 +40,7 @@ public:
     void on_change(std::function<void()> listener);
 
 private:
+    const std::function<void()> changed_;
     mutable std::mutex mutex_;
     State state_;
     std::map<std::string, uint64_t> waits_;

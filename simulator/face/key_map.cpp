@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/face/key_map.h"
+
+#include <algorithm>
+#include <array>
+
+#define NCURSES_NOMACROS
+#include <curses.h>
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr int escape = 0x1B;
+constexpr int rubOut = 0x7F;
+
+// Terminals do not agree on what enter and backspace send, and some keep function keys for themselves.
+constexpr std::array bindings{
+    Binding{'0', digit('0'), "0-9", "digits"},
+    Binding{'1', digit('1')},
+    Binding{'2', digit('2')},
+    Binding{'3', digit('3')},
+    Binding{'4', digit('4')},
+    Binding{'5', digit('5')},
+    Binding{'6', digit('6')},
+    Binding{'7', digit('7')},
+    Binding{'8', digit('8')},
+    Binding{'9', digit('9')},
+    Binding{'\r', Key::enter, "Enter", "ENTER"},
+    Binding{'\n', Key::enter},
+    Binding{KEY_ENTER, Key::enter},
+    Binding{KEY_BACKSPACE, Key::clear, "Bksp", "CLEAR"},
+    Binding{rubOut, Key::clear},
+    Binding{'\b', Key::clear},
+    Binding{KEY_DC, Key::clear},
+    Binding{escape, Key::cancel, "Esc", "CANCEL"},
+    Binding{KEY_F(1), Key::f1, "F1-F4", "F1-F4, also a-d"},
+    Binding{KEY_F(2), Key::f2},
+    Binding{KEY_F(3), Key::f3},
+    Binding{KEY_F(4), Key::f4},
+    Binding{'a', Key::f1},
+    Binding{'b', Key::f2},
+    Binding{'c', Key::f3},
+    Binding{'d', Key::f4},
+    Binding{KEY_UP, Key::up, "Up Dn", "UP, DOWN"},
+    Binding{KEY_DOWN, Key::down},
+    Binding{KEY_LEFT, Move::previousCard, "Lt Rt", "take a card"},
+    Binding{KEY_RIGHT, Move::nextCard},
+    Binding{'s', Move::swipe, "s", "swipe it"},
+    Binding{'i', Move::insertOrTakeOut, "i", "insert, take out"},
+    Binding{'t', Move::tap, "t", "tap it"},
+    Binding{KEY_PPAGE, Move::earlier, "PgUp", "earlier trace"},
+    Binding{KEY_NPAGE, Move::later, "PgDn", "later, End: last"},
+    Binding{KEY_END, Move::newest},
+    Binding{'q', Move::leave, "q", "switch off"},
+};
+
+}  // namespace
+
+std::span<const Binding> key_map() noexcept { return bindings; }
+
+std::optional<Deed> deed_of(int code) noexcept {
+    if (code >= 'A' && code <= 'Z') code += 'a' - 'A';
+    const auto* found = std::ranges::find(bindings, code, &Binding::code);
+    return found != bindings.end() ? std::optional(found->deed) : std::nullopt;
+}
+
+}  // namespace quorvel::sim

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/face/picture.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <string_view>
+
+#include "simulator/face/display.h"
+#include "simulator/face/key_map.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+// Under these the keys and the cards make room for the display and the trace.
+constexpr Size roomy{18, 72};
+constexpr size_t leftColumns = 32;
+constexpr size_t stateRows = 3;
+constexpr size_t captionColumns = 6;
+constexpr size_t keyColumns = 23;
+constexpr size_t slotColumns = 5;
+constexpr size_t shownFindings = 3;
+constexpr size_t traceIndent = 2;
+// Fields are filled up with blanks; more of them than this tell nothing.
+constexpr size_t mostBlanks = 3;
+
+void bar(Canvas& canvas, const View& view) {
+    const size_t columns = canvas.size().columns;
+    canvas.fill({0, 0, {1, columns}}, Style::bar);
+    canvas.write(0, 1, columns - 1, from_utf8(fmt::format("quorvel-sim  {}", view.port)), Style::bar);
+    if (view.remark.empty()) return;
+    const std::u32string remark = U' ' + from_utf8(view.remark) + U' ';
+    canvas.write(0, columns - std::min(columns, remark.size()), columns, remark, Style::remark);
+}
+
+void display(Canvas& canvas, const View& view, size_t row, size_t column) {
+    canvas.fill({row, column, view.textSize}, Style::display);
+    for (const DisplayLine& line : display_lines(view.screen, view.textSize)) {
+        const Style style = line.chosen ? Style::displayChosen : Style::display;
+        if (line.chosen) canvas.fill({row, column, {1, view.textSize.columns}}, style);
+        canvas.write(row++, column, view.textSize.columns, line.text, style);
+    }
+}
+
+std::string session(const View& view) { return view.encrypted ? "encrypted session" : "plain session"; }
+
+void pin_pad(Canvas& canvas, const View& view, const Area& area) {
+    canvas.box(area, U"PIN pad");
+    const Area inner = area.inner();
+    display(canvas, view, inner.row, inner.column + (inner.size.columns - view.textSize.columns) / 2);
+    const size_t row = inner.row + view.textSize.rows + 1;
+    const std::string waiting = view.waiting.empty() ? "idle" : view.waiting;
+    canvas.write(row, inner.column + 1, inner.size.columns - 2, from_utf8(waiting),
+                 view.waiting.empty() ? Style::plain : Style::chosen);
+    canvas.write(row + 1, inner.column + 1, inner.size.columns - 2, from_utf8(session(view)), Style::plain);
+}
+
+std::vector<Binding> captions() {
+    std::vector<Binding> captions;
+    std::ranges::copy_if(key_map(), std::back_inserter(captions),
+                         [](const Binding& binding) { return !binding.caption.empty(); });
+    return captions;
+}
+
+size_t key_rows(size_t columns) {
+    const size_t across = std::max<size_t>(columns / keyColumns, 1);
+    return (captions().size() + across - 1) / across;
+}
+
+void keys(Canvas& canvas, const Area& area) {
+    canvas.box(area, U"Keys");
+    const Area inner = area.inner();
+    const size_t rows = key_rows(inner.size.columns);
+    size_t at = 0;
+    for (const Binding& binding : captions()) {
+        const size_t row = inner.row + at % rows;
+        const size_t column = inner.column + 1 + at / rows * keyColumns;
+        canvas.write(row, column, captionColumns, from_utf8(binding.caption), Style::heading);
+        canvas.write(row, column + captionColumns, keyColumns - captionColumns, from_utf8(binding.meaning),
+                     Style::plain);
+        ++at;
+    }
+}
+
+// The keys that do something with the card.
+std::string slots(const View::Card& card) {
+    return fmt::format("{} {} {}", card.stripe ? 's' : '-', card.chip ? 'i' : '-', card.antenna ? 't' : '-');
+}
+
+void card_line(Canvas& canvas, const View& view, size_t index, const Area& line) {
+    const View::Card& card = view.cards[index];
+    const bool taken = index == view.taken;
+    const Style style = taken ? Style::chosen : Style::plain;
+    canvas.fill(line, style);
+    canvas.write(line.row, line.column, 1, taken ? U">" : U" ", style);
+    canvas.write(line.row, line.column + 2, line.size.columns - slotColumns - 3, from_utf8(card.name), style);
+    canvas.write(line.row, line.column + line.size.columns - slotColumns, slotColumns, from_utf8(slots(card)), style);
+}
+
+void cards(Canvas& canvas, const View& view, const Area& area) {
+    canvas.box(area, U"Cards");
+    const Area inner = area.inner();
+    if (inner.size.rows == 0) return;
+    canvas.write(inner.row, inner.column + 1, inner.size.columns - 1,
+                 from_utf8(fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted)),
+                 view.inserted.empty() ? Style::plain : Style::heading);
+    const size_t count = std::min(inner.size.rows - 1, view.cards.size());
+    // The card in the hand stays in the middle as long as there are cards on both sides of it.
+    const size_t first = std::min(view.taken - std::min(view.taken, count / 2), view.cards.size() - count);
+    for (size_t i = 0; i < count; ++i) {
+        card_line(canvas, view, first + i, {inner.row + 1 + i, inner.column, {1, inner.size.columns}});
+    }
+}
+
+struct Mark {
+    std::u32string_view text;
+    Style style;
+};
+
+Mark mark(Feed::Entry::Kind kind) {
+    switch (kind) {
+        case Feed::Entry::Kind::host:
+            return {U"> ", Style::host};
+        case Feed::Entry::Kind::pinPad:
+            return {U"< ", Style::pinPad};
+        case Feed::Entry::Kind::finding:
+            break;
+    }
+    return {U"! ", Style::finding};
+}
+
+std::u32string squeezed(const std::u32string& text) {
+    std::u32string result;
+    for (size_t at = 0; at < text.size();) {
+        const size_t blanks = std::min(text.find_first_not_of(U' ', at), text.size()) - at;
+        const size_t count = std::max<size_t>(blanks, 1);
+        result += blanks > mostBlanks ? U" … " : text.substr(at, count);
+        at += count;
+    }
+    return result;
+}
+
+// From the newest entry at the bottom upwards, as far as there is room.
+void trace(Canvas& canvas, const View& view, const Area& area) {
+    canvas.box(area, view.scrolled ? U"Trace, End goes to the newest" : U"Trace");
+    const Area inner = area.inner();
+    size_t left = inner.size.rows;
+    for (auto entry = view.trace.rbegin(); entry != view.trace.rend() && left > 0; ++entry) {
+        const Mark sign = mark(entry->kind);
+        const auto lines =
+            wrapped(std::u32string(sign.text) + squeezed(from_utf8(entry->text)), inner.size.columns, traceIndent);
+        for (auto line = lines.rbegin(); line != lines.rend() && left > 0; ++line) {
+            canvas.write(inner.row + --left, inner.column, inner.size.columns, *line, sign.style);
+        }
+    }
+}
+
+size_t finding_rows(const View& view) {
+    const size_t count = std::min(view.findings.size(), shownFindings);
+    return count == 0 ? 0 : count + 2;
+}
+
+void findings(Canvas& canvas, const View& view, const Area& area) {
+    if (area.size.rows == 0) return;
+    canvas.box(area, from_utf8(fmt::format("Findings: {}", view.findingCount)));
+    const Area inner = area.inner();
+    const size_t count = std::min(view.findings.size(), inner.size.rows);
+    for (size_t i = 0; i < count; ++i) {
+        const std::string& text = view.findings[view.findings.size() - count + i];
+        canvas.write(inner.row + i, inner.column + 1, inner.size.columns - 2, from_utf8(text), Style::finding);
+    }
+}
+
+void paint_roomy(Canvas& canvas, const View& view) {
+    const auto [rows, columns] = canvas.size();
+    const size_t left = std::max(leftColumns, view.textSize.columns + 4);
+    const size_t right = columns - left;
+    const size_t top = std::max(view.textSize.rows + stateRows, key_rows(right - 2)) + 2;
+    const size_t bottom = rows - std::min(rows, top + 1);
+    const size_t found = std::min(finding_rows(view), bottom / 2);
+    pin_pad(canvas, view, {1, 0, {top, left}});
+    keys(canvas, {1, left, {top, right}});
+    cards(canvas, view, {top + 1, 0, {bottom, left}});
+    trace(canvas, view, {top + 1, left, {bottom - found, right}});
+    findings(canvas, view, {rows - found, left, {found, right}});
+}
+
+// Beside or below each other there is no room for more than what a payment needs.
+void paint_narrow(Canvas& canvas, const View& view) {
+    const auto [rows, columns] = canvas.size();
+    display(canvas, view, 1, 0);
+    size_t row = 1 + view.textSize.rows;
+    const std::string card =
+        view.cards.empty() ? "" : view.cards[view.taken].name + "  " + slots(view.cards[view.taken]);
+    for (const std::string& text : {fmt::format("{}, {}", view.waiting.empty() ? "idle" : view.waiting, session(view)),
+                                    fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted),
+                                    "card: " + card, fmt::format("findings: {}", view.findingCount)}) {
+        canvas.write(row++, 0, columns, from_utf8(text), Style::plain);
+    }
+    if (row + 2 < rows) trace(canvas, view, {row, 0, {rows - row, columns}});
+}
+
+}  // namespace
+
+Canvas paint(const View& view, Size size) {
+    Canvas canvas(size);
+    if (size.rows == 0 || size.columns == 0) return canvas;
+    bar(canvas, view);
+    const bool hasRoom =
+        size.rows >= roomy.rows + view.textSize.rows - 4 && size.columns >= roomy.columns + view.textSize.columns - 16;
+    hasRoom ? paint_roomy(canvas, view) : paint_narrow(canvas, view);
+    return canvas;
+}
+
+}  // namespace quorvel::sim

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/face/terminal.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <cwchar>
+#include <fcntl.h>
+#include <stdexcept>
+#include <string>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#define NCURSES_NOMACROS
+#include <curses.h>
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr int escape = 0x1B;
+// How long the rest of a function key's sequence may take; a person who wants out does not wait for longer.
+constexpr int escapeDelayMs = 50;
+constexpr short usual = -1;
+
+struct Colours {
+    Style style;
+    short foreground;
+    short background;
+    // What sets it off on a terminal with colours, and on one without.
+    attr_t coloured;
+    attr_t plain;
+};
+
+constexpr std::array colours{
+    Colours{Style::plain, usual, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::frame, COLOR_BLUE, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::heading, usual, usual, A_BOLD, A_BOLD},
+    Colours{Style::bar, COLOR_WHITE, COLOR_BLUE, A_BOLD, A_REVERSE},
+    Colours{Style::remark, COLOR_BLACK, COLOR_YELLOW, A_NORMAL, A_BOLD},
+    Colours{Style::display, COLOR_BLACK, COLOR_GREEN, A_NORMAL, A_REVERSE},
+    Colours{Style::displayChosen, COLOR_GREEN, COLOR_BLACK, A_BOLD, A_BOLD},
+    Colours{Style::chosen, COLOR_CYAN, usual, A_BOLD, A_BOLD},
+    Colours{Style::host, usual, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::pinPad, COLOR_GREEN, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::finding, COLOR_RED, usual, A_BOLD, A_BOLD},
+};
+static_assert(colours.size() == styleCount);
+
+// For terminals whose character set does not have it.
+char substitute(char32_t character) {
+    switch (character) {
+        case U'─':
+            return '-';
+        case U'│':
+            return '|';
+        case U'┌':
+        case U'┐':
+        case U'└':
+        case U'┘':
+            return '+';
+        case U'…':
+            return '~';
+        default:
+            return '.';
+    }
+}
+
+wchar_t printable(char32_t character) {
+    const auto wide = static_cast<wchar_t>(character);
+    std::mbstate_t state{};
+    std::array<char, MB_LEN_MAX> bytes{};
+    const bool known = std::wcrtomb(bytes.data(), wide, &state) != static_cast<size_t>(-1);
+    return known && ::wcwidth(wide) == 1 ? wide : static_cast<wchar_t>(substitute(character));
+}
+
+}  // namespace
+
+Terminal::Terminal() {
+    const int descriptor = ::open("/dev/tty", O_RDWR | O_CLOEXEC);
+    if (descriptor >= 0) file_.reset(::fdopen(descriptor, "r+"));
+    if (!file_) throw std::runtime_error("there is no terminal to show a face in");
+    std::setlocale(LC_CTYPE, "");
+    screen_.reset(::newterm(nullptr, file_.get(), file_.get()));
+    if (!screen_ || ::tigetstr("cup") == nullptr) {
+        throw std::runtime_error("the terminal cannot show a face: TERM names none that moves its cursor");
+    }
+    ::set_escdelay(escapeDelayMs);
+    ::cbreak();
+    ::noecho();
+    ::nonl();
+    ::curs_set(0);
+    ::nodelay(::stdscr, true);
+    ::keypad(::stdscr, true);
+    choose_looks();
+}
+
+void Terminal::Restore::operator()(::screen* screen) const {
+    ::endwin();
+    ::delscreen(screen);
+}
+
+// NO_COLOR is what people set who want none anywhere.
+void Terminal::choose_looks() {
+    const bool coloured =
+        ::has_colors() && std::getenv("NO_COLOR") == nullptr && ::start_color() == OK && ::use_default_colors() == OK;
+    for (const Colours& colour : colours) {
+        const auto index = static_cast<size_t>(colour.style);
+        const auto pair = static_cast<short>(index + 1);
+        if (coloured) ::init_pair(pair, colour.foreground, colour.background);
+        looks_.at(index) = coloured ? Look{colour.coloured, pair} : Look{colour.plain, 0};
+    }
+}
+
+Size Terminal::size() const {
+    return {static_cast<size_t>(::getmaxy(::stdscr)), static_cast<size_t>(::getmaxx(::stdscr))};
+}
+
+void Terminal::resize() {
+    winsize window{};
+    if (::ioctl(input(), TIOCGWINSZ, &window) != 0 || window.ws_row == 0 || window.ws_col == 0) return;
+    ::resizeterm(window.ws_row, window.ws_col);
+    // Terminals keep of the old picture what they like.
+    ::clearok(::stdscr, true);
+}
+
+void Terminal::draw(const Canvas& canvas) {
+    for (size_t row = 0; row < canvas.size().rows; ++row) {
+        for (size_t column = 0; column < canvas.size().columns; ++column) {
+            const auto& [character, style] = canvas.at(row, column);
+            const Look& look = looks_.at(static_cast<size_t>(style));
+            const std::array<wchar_t, 2> text{printable(character), L'\0'};
+            cchar_t cell{};
+            ::setcchar(&cell, text.data(), look.attributes, look.pair, nullptr);
+            ::mvadd_wch(static_cast<int>(row), static_cast<int>(column), &cell);
+        }
+    }
+    ::refresh();
+}
+
+// What ncurses knows no key for comes as escape and the rest; to the PIN pad that would be "cancel" and digits.
+std::optional<int> Terminal::key() {
+    const int code = ::getch();
+    if (code == ERR) return std::nullopt;
+    if (code != escape) return code;
+    bool alone = true;
+    while (::getch() != ERR) alone = false;
+    return alone ? escape : static_cast<int>(KEY_CODE_YES);
+}
+
+}  // namespace quorvel::sim
