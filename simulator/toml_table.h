@@ -65,7 +65,7 @@ private:
     std::set<std::string, std::less<>> taken_;
 };
 
-// The document in a text, and the text of a file; `read` throws as TomlTable does, with the path before it.
+// Both throw std::runtime_error: with the line of what is no TOML, and with the path of what cannot be read.
 [[nodiscard]] toml::table parse_toml(std::string_view text);
 [[nodiscard]] std::string text_of_file(const std::string& path);
 

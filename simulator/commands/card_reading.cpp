@@ -107,7 +107,8 @@ private:
     }
 
     std::optional<Answer> choose(const Event& event) {
-        if (std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::nocard};
+        const bool left = std::holds_alternative<CardRemoved>(event) || std::holds_alternative<CardInserted>(event);
+        if (left) return Answer{.status = Status::nocard};
         const auto result = menu_->on(event);
         if (!result) return std::nullopt;
         if (result->status != Status::ok) return Answer{.status = result->status};

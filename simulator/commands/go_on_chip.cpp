@@ -75,7 +75,7 @@ public:
     }
 
     std::optional<Answer> on(const Event& event) {
-        if (is_chip() && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::nocard};
+        if (transaction().interrupted) return Answer{.status = Status::nocard};
         const auto typed = entry_->on(event);
         if (!typed) return std::nullopt;
         if (typed->status != Status::ok) return Answer{.status = typed->status};

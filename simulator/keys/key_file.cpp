@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <toml++/toml.h>
@@ -13,6 +11,7 @@
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/hex.h"
 #include "simulator/keys/key_store.h"
+#include "simulator/toml_table.h"
 
 namespace quorvel::sim {
 
@@ -96,27 +95,20 @@ Adder adder(std::string_view name) {
 
 KeyStore KeyStore::from_toml(std::string_view text) {
     KeyStore store;
-    try {
-        for (const auto& [name, list] : toml::parse(text)) {
-            try {
-                add_each(store, list, adder(name.str()));
-            } catch (const std::invalid_argument& error) {
-                throw std::runtime_error(fmt::format("{}: {}", name.str(), error.what()));
-            }
+    for (const auto& [name, list] : parse_toml(text)) {
+        try {
+            add_each(store, list, adder(name.str()));
+        } catch (const std::invalid_argument& error) {
+            throw std::runtime_error(fmt::format("{}: {}", name.str(), error.what()));
         }
-    } catch (const toml::parse_error& error) {
-        throw std::runtime_error(fmt::format("line {}: {}", error.source().begin.line, error.description()));
     }
     return store;
 }
 
 KeyStore KeyStore::from_file(const std::string& path) {
-    std::ifstream file(path);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file || !text) throw std::runtime_error(path + " cannot be read");
+    const std::string text = text_of_file(path);
     try {
-        return from_toml(text.str());
+        return from_toml(text);
     } catch (const std::runtime_error& error) { throw std::runtime_error(fmt::format("{}: {}", path, error.what())); }
 }
 

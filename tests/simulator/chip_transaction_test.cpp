@@ -131,6 +131,9 @@ TEST_F(ChipTransactionTest, EndsWhenTheCardLeaves) {
     read(inserted("visa-chip"));
     call_while(Gestures().press(digit('1')).remove(), goc({}), "GOC043", pinAsked);
     read(inserted("visa-chip"));
+    call_while(Gestures().press(digit('1')).insert(card("visa-magnetic")).type("1234"), goc({}), "GOC043", pinAsked);
+    pinPad_->remove();
+    read(inserted("visa-chip"));
     pinPad_->act(Gestures().remove().insert(card("visa-chip")));
     call(goc({}), "GOC043");
     pinPad_->remove();
