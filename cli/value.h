@@ -41,17 +41,16 @@ struct Table {
 struct Value {
     std::variant<bool, int64_t, std::string, Pan, Secret, Status, Group, Table> data;
 
-    Value(std::string text) : data(std::move(text)) {}
-    Value(const char* text) : data(std::string(text)) {}
-    template <std::same_as<bool> Bool>
-    Value(Bool truth) : data(truth) {}
+    Value(std::string text);
+    Value(const char* text);
+    Value(std::same_as<bool> auto truth);
     template <std::integral Number>
-    requires(!std::same_as<Number, bool>) Value(Number number) : data(static_cast<int64_t>(number)) {}
-    Value(Pan pan) : data(std::move(pan)) {}
-    Value(Secret secret) : data(std::move(secret)) {}
-    Value(Status status) : data(status) {}
+    requires(!std::same_as<Number, bool>) Value(Number number);
+    Value(Pan pan);
+    Value(Secret secret);
+    Value(Status status);
     Value(Group group);
-    Value(Table table) : data(std::move(table)) {}
+    Value(Table table);
 };
 
 // People read the label, programs the key: "Serial number" and "serialNumber" when none is given.
@@ -61,7 +60,17 @@ struct Field {
     std::string key = {};
 };
 
+// Here, where all that a value may hold is complete.
+inline Value::Value(std::string text) : data(std::move(text)) {}
+inline Value::Value(const char* text) : data(std::string(text)) {}
+inline Value::Value(std::same_as<bool> auto truth) : data(truth) {}
+template <std::integral Number>
+requires(!std::same_as<Number, bool>) Value::Value(Number number) : data(static_cast<int64_t>(number)) {}
+inline Value::Value(Pan pan) : data(std::move(pan)) {}
+inline Value::Value(Secret secret) : data(std::move(secret)) {}
+inline Value::Value(Status status) : data(status) {}
 inline Value::Value(Group group) : data(std::move(group)) {}
+inline Value::Value(Table table) : data(std::move(table)) {}
 
 // What stands inside a secret as hexadecimal digits.
 [[nodiscard]] std::string hex(const std::vector<uint8_t>& bytes);
