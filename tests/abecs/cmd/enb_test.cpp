@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/support/link.h"
+#include "tests/abecs/cmd/answers.h"
 #include "tests/support/refused.h"
 
 namespace {
@@ -68,10 +68,8 @@ TEST(Enb, HelpersCheckTheirArgumentsInOrder) {
     char out[33] = "kept";
     const auto encrypt = abecs_cmd_enb_encrypt_wk;
     const auto encode = abecs_cmd_enb_encode_data;
-    expect_refused("Missing 'clearWk'", out, [&] { return encrypt(nullptr, nullptr, nullptr); });
     expect_refused("Missing 'mk'", out, [&] { return encrypt("x", nullptr, nullptr); });
     expect_refused("Missing 'out'", out, [&] { return encrypt("x", &master, nullptr); });
-    expect_refused("Missing 'clearData'", out, [&] { return encode(nullptr, nullptr, nullptr); });
     expect_refused("Missing 'wkPan'", out, [&] { return encode("x", nullptr, nullptr); });
     expect_refused("Missing 'out'", out, [&] { return encode("x", &panKey, nullptr); });
     for (const int32_t type : {-1, 2}) {
@@ -91,29 +89,18 @@ TEST(Enb, HelpersCheckTheirArgumentsInOrder) {
 }
 
 TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
-    const struct {
-        Data data;
-        std::string request;
-        const char* response;
-        int32_t stat;
-        const char* out;
-    } rows[] = {
-        {kSimple, kRequest, "ENB00001646df6741E1E2B68C", 0, "46df6741E1E2B68C"},
-        {{ABECS_CMD_ENB_METHOD_0, 99, "", "0123456789abcdef"},
-         "ENB051099303030303030303030303030303030300123456789ABCDEF",
-         "ENB00099930DF6741E1E2B630",
-         0,
-         "DF6741E1E2B630"},
-        {kSimple, kRequest, "ENB042", 42, "kept"},
-        {kSimple, kRequest, "ERR01001646DF6741E1E2B68C", 10, "kept"},
-    };
-    for (const auto& row : rows) {
+    const auto exchanges = [](const Data& data, const std::string& request, const char* response,
+                              const char* expected) {
         Link link;
-        link.peer.request(row.request).response(row.response);
+        link.peer.request(request).response(response);
         char out[17] = "kept";
-        EXPECT_EQ(link.call(abecs_cmd_enb)(&row.data, out), row.stat) << row.response;
-        EXPECT_STREQ(out, row.out) << row.response;
-    }
+        EXPECT_EQ(link.call(abecs_cmd_enb)(&data, out), 0) << response;
+        EXPECT_STREQ(out, expected) << response;
+    };
+    exchanges(kSimple, kRequest, "ENB00001646df6741E1E2B68C", "46df6741E1E2B68C");
+    exchanges({ABECS_CMD_ENB_METHOD_0, 99, "", "0123456789abcdef"},
+              "ENB051099303030303030303030303030303030300123456789ABCDEF", "ENB00099930DF6741E1E2B630",
+              "DF6741E1E2B630");
 }
 
 // In the order of the checks. From the last row on, each fault is added to those behind it and hides them.
@@ -131,7 +118,6 @@ TEST(Enb, ChecksTheDataInOrder) {
     };
     Link link;
     char out[17] = "kept";
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_enb(nullptr, nullptr, nullptr));
     EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_enb(link.comm, nullptr, nullptr));
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_enb(link.comm, &kSimple, nullptr));
     Data data = kSimple;
@@ -143,23 +129,12 @@ TEST(Enb, ChecksTheDataInOrder) {
 }
 
 TEST(Enb, RefusesMalformedAnswers) {
-    const struct {
-        const char* response;
-        int16_t code;
-        const char* detail;
-    } rows[] = {
-        {"ENB00", 12, "Unrecognized response"},
-        {"EBX000", 12, "(ENB) Invalid RSP_ID: EBX)"},
-        {"ENB000", 6, "Buffer does not have enough data (requested: 3, available: 0)"},
-        {"ENB00001646DF6741E1E2B6", 6, "Buffer does not have enough data (requested: 16, available: 14)"},
-        {"ENB00001646DF6741E1E2B6-C", 6, "Invalid data: -C"},
-    };
-    for (const auto& row : rows) {
-        Link link;
-        link.peer.request(kRequest).response(row.response);
-        char out[17];
-        EXPECT_RAISES(row.code, row.detail, abecs_cmd_enb(link.comm, &kSimple, out));
-    }
+    char out[17];
+    support::expect_bad_answers(
+        kRequest, [&](AbecsComm* link) { abecs_cmd_enb(link, &kSimple, out); },
+        {{"ENB000", 6, "Buffer does not have enough data (requested: 3, available: 0)"},
+         {"ENB00001646DF6741E1E2B6", 6, "Buffer does not have enough data (requested: 16, available: 14)"},
+         {"ENB00001646DF6741E1E2B6-C", 6, "Invalid data: -C"}});
 }
 
 }  // namespace

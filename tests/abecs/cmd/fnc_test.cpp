@@ -35,7 +35,6 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
     AbecsCmdFncData data{-1, "\n", 1000, "", 1000, ""};
     AbecsCmdFncResponse out{};
     const auto refused = [&](const char* detail) { EXPECT_REFUSED(2, detail, abecs_cmd_fnc(link.comm, &data, &out)); };
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_fnc(nullptr, nullptr, nullptr));
     EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_fnc(link.comm, nullptr, nullptr));
     EXPECT_REFUSED(2, "'rspData' is NULL", abecs_cmd_fnc(link.comm, &data, nullptr));
     refused("invalid cmdData->issDatLen: 1000 (max: 999)");
@@ -60,46 +59,39 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
 }
 
 TEST(Fnc, ReadsTheLastDecision) {
-    const struct {
-        std::string response;
-        AbecsCmdFncResponse out;
-        int16_t code;
-        const char* detail;
-    } rows[] = {
-        {"FNC000|999|1|003|9f2601|02|aB0C|007"_wire, {1, 3, "9f2601", 2, "aB0C", 7}, 0, ""},
-        {"FNC000|000|0|000|00|000"_wire, {0, 0, "", 0, "", 0}, 0, ""},
-        {"FNC000|000|2|002|3095|01|30|999|behind"_wire, {2, 2, "95", 1, "", 999}, 0, ""},
-        {"FNC000|999|0|256"_wire + repeated("A", 512) + "50" + repeated("C", 100) + "009",
-         {0, 256, "", 50, "", 9},
-         0,
-         ""},
-        {"FNC000|999|0|257"_wire + repeated("AB", 257) + "00|000"_wire,
-         {},
-         2,
-         "sizeTo (513) is not enough to store field (length: 514)"},
-        {"FNC000|999|0|000|51"_wire + repeated("CD", 51) + "000",
-         {},
-         2,
-         "sizeTo (101) is not enough to store field (length: 102)"},
-        {"FNC000|999|0|257|AB"_wire, {}, 6, "Buffer does not have enough data (requested: 514, available: 2)"},
-        {"FNC000|999|0|000|00"_wire, {}, 6, "Buffer does not have enough data (requested: 3, available: 0)"},
-        {"NTM000|002HI"_wire, {}, 12, "(FNC) Invalid RSP_ID: NTM)"},
-    };
     const AbecsCmdFncData data{0, "00", 0, "", 0, ""};
-    for (const auto& row : rows) {
+    AbecsCmdFncResponse out{};
+    const auto read = [&](const std::string& response) {
         Link link;
-        link.peer.request("FNC01000|00|000000|003000"_wire).response(row.response);
-        AbecsCmdFncResponse out{};
-        EXPECT_EQ(support::raised_by([&] { abecs_cmd_fnc(link.comm, &data, &out); }),
-                  row.code == 0 ? support::Raised{} : support::error(row.code, row.detail));
-        if (row.code != 0) { continue; }
-        EXPECT_EQ(out.decision, row.out.decision);
-        EXPECT_EQ(out.emvDataLen, row.out.emvDataLen);
-        EXPECT_EQ(out.emvData, row.out.emvDataLen == 256 ? repeated("A", 512) : row.out.emvData);
-        EXPECT_EQ(out.isResultsLen, row.out.isResultsLen);
-        EXPECT_EQ(out.isResults, row.out.isResultsLen == 50 ? repeated("C", 100) : row.out.isResults);
-        EXPECT_EQ(out.acqDataLen, row.out.acqDataLen);
-    }
+        link.peer.request("FNC01000|00|000000|003000"_wire).response("FNC000" + response);
+        out = {};
+        return support::raised_by([&] { abecs_cmd_fnc(link.comm, &data, &out); });
+    };
+    const auto reads = [&](const std::string& response, uint32_t decision, size_t emvDataLen,
+                           const std::string& emvData, size_t isResultsLen, const std::string& isResults,
+                           size_t acqDataLen) {
+        EXPECT_EQ(read(response), support::Raised{});
+        EXPECT_EQ(out.decision, decision);
+        EXPECT_EQ(out.emvDataLen, emvDataLen);
+        EXPECT_EQ(out.emvData, emvData);
+        EXPECT_EQ(out.isResultsLen, isResultsLen);
+        EXPECT_EQ(out.isResults, isResults);
+        EXPECT_EQ(out.acqDataLen, acqDataLen);
+    };
+    reads("999|1|003|9f2601|02|aB0C|007"_wire, 1, 3, "9f2601", 2, "aB0C", 7);
+    reads("000|0|000|00|000"_wire, 0, 0, "", 0, "", 0);
+    reads("000|2|002|3095|01|30|999|behind"_wire, 2, 2, "95", 1, "", 999);
+    reads("999|0|256"_wire + repeated("A", 512) + "50" + repeated("C", 100) + "009", 0, 256, repeated("A", 512), 50,
+          repeated("C", 100), 9);
+    const auto refused = [&](const std::string& response, int16_t code, const char* detail) {
+        EXPECT_EQ(read(response), support::error(code, detail));
+    };
+    refused("999|0|257"_wire + repeated("AB", 257) + "00|000"_wire, 2,
+            "sizeTo (513) is not enough to store field (length: 514)");
+    refused("999|0|000|51"_wire + repeated("CD", 51) + "000", 2,
+            "sizeTo (101) is not enough to store field (length: 102)");
+    refused("999|0|257|AB"_wire, 6, "Buffer does not have enough data (requested: 514, available: 2)");
+    refused("999|0|000|00"_wire, 6, "Buffer does not have enough data (requested: 3, available: 0)");
 }
 
 }  // namespace

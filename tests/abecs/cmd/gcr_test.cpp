@@ -79,8 +79,6 @@ TEST(Gcr, ChecksItsArgumentsInTheirOrder) {
     const auto refused = [&](const char* detail, const char* ids) {
         EXPECT_REFUSED(2, detail, abecs_cmd_gcr(link.comm, &data, ids));
     };
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_gcr_empty(nullptr));
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_gcr(nullptr, nullptr, nullptr));
     EXPECT_REFUSED(2, "'gcrData' is NULL", abecs_cmd_gcr(link.comm, nullptr, nullptr));
     refused("gcrData->acqIdxReq (100) is out of range", "x");
     data.acqIdxReq = 99;
@@ -128,24 +126,19 @@ TEST(Gcr, ReadsACard) {
 }
 
 TEST(Gcr, ReadsWhatTheAcquirerGetsBesides) {
-    const std::string value = "30303030303030303030300102abCDEF";
-    const struct {
-        std::string sent;
-        const char* stored;
-    } rows[] = {{"10" + value, "0102abCDEF"},
-                {"06" + value, "0102ab"},
-                {"99" + value, "0102abCDEF"},
-                {"99112233445566778899AABBCCDDEEFF00", "112233445566778899AABBCCDDEEFF00"}};
     Link link;
-    for (const auto& row : rows) {
-        Card card;
-        card.acquirer = "01";
-        card.tail = row.sent + field("TEXT 1", 16) + field("", 15) + "2";
-        const AbecsCmdGcrResponse out = read(link, card);
-        EXPECT_STREQ(out.acqRd01Data, row.stored);
+    const auto reads = [&](const std::string& sent, const char* stored) {
+        const AbecsCmdGcrResponse out =
+            read(link, {"00", "00", "00", "", "01", sent + field("TEXT 1", 16) + field("", 15) + "2"});
+        EXPECT_STREQ(out.acqRd01Data, stored);
         EXPECT_STREQ(out.acqRd01Text1, "TEXT 1");
         EXPECT_STREQ(out.acqRd01Text2, "               2");
-    }
+    };
+    const std::string value = "30303030303030303030300102abCDEF";
+    reads("10" + value, "0102abCDEF");
+    reads("06" + value, "0102ab");
+    reads("99" + value, "0102abCDEF");
+    reads("99112233445566778899AABBCCDDEEFF00", "112233445566778899AABBCCDDEEFF00");
     EXPECT_STREQ(read(link, {"00", "00", "00", "", "02", "3012345678"}).acqRd02Data, "12345678");
 }
 
@@ -181,25 +174,15 @@ TEST(Gcr, TheLayoutGoesWithAMarkOfItsOwn) {
 }
 
 TEST(Gcr, PutsProtectedCardDataIntoClear) {
-    const struct {
-        AbecsWkPan key;
-        std::string digits;   // 4111111111111111
-        std::string fifteen;  // 378282246310005 and F
-    } rows[] = {{{ABECS_WK_PAN_TYPE_DES, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}},
-                 "F0157C5DA1787BED",
-                 "3EBC0FCC21D3E027"},
-                {{ABECS_WK_PAN_TYPE_TDES_RSA,
-                  {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}},
-                 "69D9405C8462F410",
-                 "E7BD6636680F28CA"}};
-    // The static text in which the clear form is made.
-    const char* work = abecs_pan_decrypt_track2("", 0, &rows[0].key);
-    for (const auto& row : rows) {
+    // 4111111111111111, and 378282246310005 with an F, under the key.
+    const auto reads = [](const AbecsWkPan& key, const std::string& digits, const std::string& fifteen) {
+        // The static text in which the clear form is made.
+        const char* work = abecs_pan_decrypt_track2("", 0, &key);
         Link link;
-        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &row.key));
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &key));
         const AbecsCmdGcrResponse out =
-            read(link, {"99B" + row.digits + "^CARD/TEST^2512201", "24" + row.fifteen + "=2512201123456789",
-                        "19" + row.digits, "01" + row.digits + "=724", "03", ""});
+            read(link, {"99B" + digits + "^CARD/TEST^2512201", "24" + fifteen + "=2512201123456789", "19" + digits,
+                        "01" + digits + "=724", "03", ""});
         EXPECT_STREQ(out.track1, "B4111111111111111^CARD/TEST^2512201");
         EXPECT_STREQ(out.track2, "378282246310005=2512201") << "as many characters as were announced";
         EXPECT_STREQ(out.track3, "014111111111111111=724");
@@ -207,7 +190,12 @@ TEST(Gcr, PutsProtectedCardDataIntoClear) {
         EXPECT_EQ((std::array{out.track1Len, out.track2Len, out.panLen}), (std::array<uint8_t, 3>{35, 23, 19}));
         EXPECT_EQ(out.track3Len, 16) << "that of the card number";
         EXPECT_TRUE(std::all_of(work, work + 129, [](char c) { return c == '\0'; }));
-    }
+    };
+    AbecsWkPan key{ABECS_WK_PAN_TYPE_DES,
+                   {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
+    reads(key, "F0157C5DA1787BED", "3EBC0FCC21D3E027");
+    key.type = ABECS_WK_PAN_TYPE_TDES_RSA;
+    reads(key, "69D9405C8462F410", "E7BD6636680F28CA");
 }
 
 TEST(Gcr, AMalformedAnswerLeavesTheLinkBlocked) {

@@ -100,7 +100,6 @@ TEST(Gpn, ChecksTheDataInOrder) {
         {"Invalid character (0x0D) at position 3", [](Data& data) { std::strcpy(data.entries[0].msg, "PIN\r"); }},
     };
     Link link;
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_gpn(nullptr, nullptr));
     EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gpn(link.comm, nullptr));
     Data data = kSimple;
     for (size_t i = std::size(rows); i-- > 0;) {
@@ -111,41 +110,33 @@ TEST(Gpn, ChecksTheDataInOrder) {
 }
 
 TEST(Gpn, ReadsPinBlockAndKeySerialNumber) {
-    const struct {
-        const char* response;
-        const char* pinBlk;
-        const char* ksn;
-    } rows[] = {
-        {"GPN0000361B9C1845EB993A7AFFFF9876543210E00001", "1B9C1845EB993A7A", "FFFF9876543210E00001"},
-        {"GPN000999309C1845EB993A3030300000000000000000", "9C1845EB993A30", "0000000000000000"},
-    };
-    for (const auto& row : rows) {
+    const auto reads = [](const char* response, const char* pinBlk, const char* ksn) {
         Link link;
         send(link);
-        link.peer.response(row.response);
+        link.peer.response(response);
         AbecsCmdGpnRspData out{};
         EXPECT_EQ(link.call(abecs_cmd_gpn_response)(&out, nullptr), 0);
-        EXPECT_STREQ(out.pinBlk, row.pinBlk);
-        EXPECT_STREQ(out.ksn, row.ksn);
-    }
+        EXPECT_STREQ(out.pinBlk, pinBlk);
+        EXPECT_STREQ(out.ksn, ksn);
+    };
+    reads("GPN0000361B9C1845EB993A7AFFFF9876543210E00001", "1B9C1845EB993A7A", "FFFF9876543210E00001");
+    reads("GPN000999309C1845EB993A3030300000000000000000", "9C1845EB993A30", "0000000000000000");
 }
 
 TEST(Gpn, RefusesMalformedAnswers) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"GPN000", "Buffer does not have enough data (requested: 3, available: 0)"},
-        {"GPN0000161B9C1845EB993A", "Buffer does not have enough data (requested: 16, available: 14)"},
-        {"GPN0000361B9C1845EB993A7AFFFF9876543210E0000",
-         "Buffer does not have enough data (requested: 20, available: 19)"},
-        {"GPN0000361B9C1845EB993A7xFFFF9876543210E00001", "Invalid data: 7x"},
-    };
     Link link;
     send(link);
     AbecsCmdGpnRspData out{};
-    for (const auto& [response, detail] : rows) {
-        link.peer.response(response);
+    const auto refused = [&](const std::string& fields, const char* detail) {
+        link.peer.response("GPN000" + fields);
         EXPECT_RAISES(6, detail, abecs_cmd_gpn_response(link.comm, &out, nullptr));
         EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GPN");
-    }
+    };
+    refused("", "Buffer does not have enough data (requested: 3, available: 0)");
+    refused("0161B9C1845EB993A", "Buffer does not have enough data (requested: 16, available: 14)");
+    refused("0361B9C1845EB993A7AFFFF9876543210E0000",
+            "Buffer does not have enough data (requested: 20, available: 19)");
+    refused("0361B9C1845EB993A7xFFFF9876543210E00001", "Invalid data: 7x");
 }
 
 }  // namespace

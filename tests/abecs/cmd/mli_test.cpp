@@ -7,7 +7,6 @@
 #include <string>
 
 #include "quorvel/abecs/cmd/dsi.h"
-#include "quorvel/abecs/cmd/mle.h"
 #include "quorvel/abecs/cmd/mlr.h"
 #include "tests/support/link.h"
 #include "tests/support/refused.h"
@@ -18,26 +17,15 @@ namespace {
 using namespace support::literals;
 using support::Link;
 
-const std::string kName = "001E 0008"_hex;
-
 TEST(Mli, AnnouncesNameSizeCrcAndType) {
-    const struct {
-        const char* name;
-        uint32_t size;
-        uint16_t crc;
-        uint8_t type;
-        std::string field;
-        std::string info;
-    } rows[] = {
-        {"logo", 9, 0x31C3, 1, "LOGO    ", "00000009 31C3 01 000000"_hex},
-        {"aZ09_-.~", 0xFFFFFFFF, 0xFFFF, 255, "AZ09_-.~", "FFFFFFFF FFFF FF 000000"_hex},
-        {"X", 0x01020304, 0x1617, 0, "X       ", "01020304 1617 00 000000"_hex},
-    };
-    for (const auto& row : rows) {
+    const auto announces = [](const char* name, uint32_t size, uint16_t crc, uint8_t type, const std::string& sent) {
         Link link;
-        link.peer.request("MLI026" + kName + row.field + "001F 000A"_hex + row.info).response("MLI000");
-        EXPECT_EQ(link.call(abecs_cmd_mli)(row.name, row.size, row.crc, row.type), 0) << row.name;
-    }
+        link.peer.request("MLI026" + "001E 0008"_hex + sent).response("MLI000");
+        EXPECT_EQ(link.call(abecs_cmd_mli)(name, size, crc, type), 0) << name;
+    };
+    announces("logo", 9, 0x31C3, 1, "LOGO    " + "001F 000A 00000009 31C3 01 000000"_hex);
+    announces("aZ09_-.~", 0xFFFFFFFF, 0xFFFF, 255, "AZ09_-.~" + "001F 000A FFFFFFFF FFFF FF 000000"_hex);
+    announces("X", 0x01020304, 0x1617, 0, "X       " + "001F 000A 01020304 1617 00 000000"_hex);
 }
 
 TEST(Mlr, SendsOneBlock) {
@@ -51,50 +39,16 @@ TEST(Mlr, SendsOneBlock) {
     EXPECT_EQ(link.call(abecs_cmd_mlr)(data.data(), 995), 102);
 }
 
-// The commands with nothing but their name, or with one fixed argument.
-int32_t mli(AbecsComm* comm) { return abecs_cmd_mli(comm, "a", 0, 0, 0); }
-int32_t mlr(AbecsComm* comm) { return abecs_cmd_mlr(comm, reinterpret_cast<const uint8_t*>("b"), 1); }
-int32_t dsi(AbecsComm* comm) { return abecs_cmd_dsi(comm, "c"); }
-
-TEST(Media, AnswersAreReadAlike) {
-    const struct {
-        std::string id;
-        std::string rest;
-        int32_t (*call)(AbecsComm*);
-    } rows[] = {
-        {"MLI", "026" + kName + "A       " + "001F 000A 00000000 0000 00 000000"_hex, mli},
-        {"MLR", "005" + "000F 0001"_hex + "b", mlr},
-        {"MLE", "", abecs_cmd_mle},
-        {"DSI", "012" + kName + "C       ", dsi},
-    };
-    for (const auto& row : rows) {
-        Link link;
-        for (const std::string& response : {row.id + "000", row.id + "101", std::string("ERR010")}) {
-            link.peer.request(row.id + row.rest).response(response);
-            EXPECT_EQ(link.call(row.call)(), std::stoi(response.substr(3))) << response;
-        }
-        link.peer.request(row.id + row.rest).response(row.id + "00").request(row.id + row.rest).response("MLX000");
-        EXPECT_RAISES(12, "Unrecognized response", row.call(link.comm));
-        EXPECT_RAISES(12, "(" + row.id + ") Invalid RSP_ID: MLX)", row.call(link.comm));
-        EXPECT_REFUSED(2, "'pinpad' is NULL", row.call(nullptr));
-    }
-}
-
 TEST(Media, NamesToLoadOrShowAreChecked) {
-    const struct {
-        const char* name;
-        const char* detail;
-    } rows[] = {
-        {nullptr, "'filename' is NULL"},
-        {"", "'filename' is empty"},
-        {"NINECHARS", "'filename' is too long (max: 8, requested: 9)"},
-        {"12345\x7F", "Invalid character (0x7F) at position 5"},
-    };
     Link link;
-    for (const auto& row : rows) {
-        EXPECT_REFUSED(2, row.detail, abecs_cmd_mli(link.comm, row.name, 0, 0, 0));
-        EXPECT_REFUSED(2, row.detail, abecs_cmd_dsi(link.comm, row.name));
-    }
+    const auto refused = [&](const char* name, const char* detail) {
+        EXPECT_REFUSED(2, detail, abecs_cmd_mli(link.comm, name, 0, 0, 0));
+        EXPECT_REFUSED(2, detail, abecs_cmd_dsi(link.comm, name));
+    };
+    refused(nullptr, "'filename' is NULL");
+    refused("", "'filename' is empty");
+    refused("NINECHARS", "'filename' is too long (max: 8, requested: 9)");
+    refused("12345\x7F", "Invalid character (0x7F) at position 5");
 }
 
 TEST(Mlr, ChecksItsBlock) {

@@ -3,7 +3,6 @@
 #include "quorvel/abecs/cmd/mlx.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -101,70 +100,55 @@ protected:
 };
 
 TEST_F(Mlx, SendsFilesInBlocksOf995) {
-    const struct {
-        size_t size;
-        std::string sizeAndCrc;
-    } rows[] = {
-        {0, "00000000 0000"_hex},   {1, "00000001 0000"_hex},    {995, "000003E3 54C9"_hex},
-        {996, "000003E4 642A"_hex}, {5000, "00001388 5780"_hex},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.size);
-        write(content(row.size));
-        link_.peer.request(announcement(row.sizeAndCrc)).response("MLI000");
-        expect_blocks(content(row.size));
+    const auto sends = [&](size_t size, const std::string& sizeAndCrc) {
+        SCOPED_TRACE(size);
+        write(content(size));
+        link_.peer.request(announcement(sizeAndCrc)).response("MLI000");
+        expect_blocks(content(size));
         link_.peer.request("MLE").response("MLE000");
         upload();
         EXPECT_EQ(descriptor(), -1);
-    }
-}
-
-TEST_F(Mlx, ReadsAFileOnceForTheCrcAndOnceForTheBlocks) {
-    write(content(2500));
-    link_.peer.request(announcement("000009C4 3B8F"_hex)).response("MLI000");
-    expect_blocks(content(2500));
-    link_.peer.request("MLE").response("MLE000");
+    };
+    sends(0, "00000000 0000"_hex);
+    sends(1, "00000001 0000"_hex);
+    sends(995, "000003E3 54C9"_hex);
+    sends(996, "000003E4 642A"_hex);
     reads.clear();
-    upload();
-    EXPECT_EQ(reads, (std::vector<size_t>{512, 512, 512, 512, 452, 995, 995, 510}));
+    sends(2500, "000009C4 3B8F"_hex);
+    EXPECT_EQ(reads, (std::vector<size_t>{512, 512, 512, 512, 452, 995, 995, 510})) << "for the CRC, for the blocks";
+    sends(5000, "00001388 5780"_hex);
 }
 
 TEST_F(Mlx, CrcOfAFile) {
-    const struct {
-        std::string bytes;
-        uint16_t crc;
-    } rows[] = {{"", 0}, {"123456789", 0x31C3}, {content(512), 0xD22E}, {content(1024), 0x9404}, {"\xFF", 0x1EF0}};
-    for (const auto& row : rows) {
-        write(row.bytes);
+    const auto crcs = [&](const std::string& bytes, uint16_t expected) {
+        write(bytes);
         uint16_t crc = 1;
         EXPECT_NO_RAISE(crc = abecs_cmd_mlx_crc16(path_.c_str()));
-        EXPECT_EQ(crc, row.crc) << row.bytes.size();
+        EXPECT_EQ(crc, expected) << bytes.size();
         EXPECT_EQ(descriptor(), -1);
-    }
+    };
+    crcs("", 0);
+    crcs("123456789", 0x31C3);
+    crcs(content(512), 0xD22E);
+    crcs(content(1024), 0x9404);
+    crcs("\xFF", 0x1EF0);
 }
 
 TEST_F(Mlx, AStatusOtherThanZeroEndsTheLoad) {
     write(content(996));
-    const std::string first = "MLR999" + "000F 03E3"_hex + content(995);
-    const struct {
-        std::array<const char*, 4> responses;
-        const char* detail;
-    } rows[] = {
-        {{"MLI011"}, "MLI returned ABECS_RSP_STAT_ST_INVPARM"},
-        {{"ERR010"}, "MLI returned ABECS_RSP_STAT_ST_INVCALL"},
-        {{"MLI000", "MLR102"}, "MLR returned ABECS_RSP_STAT_ST_MFERR"},
-        {{"MLI000", "MLR000", "MLR040"}, "MLR returned ABECS_RSP_STAT_ST_INTERR"},
-        {{"MLI000", "MLR000", "MLR000", "MLE101"}, "MLE returned ABECS_RSP_STAT_ST_MFERRFMT"},
+    const std::string requests[] = {announcement("000003E4 642A"_hex), "MLR999" + "000F 03E3"_hex + content(995),
+                                    "MLR005" + "000F 0001"_hex + content(996)[995], "MLE"};
+    const auto ends = [&](std::initializer_list<const char*> responses, const char* detail) {
+        const std::string* request = requests;
+        for (const char* response : responses) { link_.peer.request(*request++).response(response); }
+        EXPECT_RAISES(6, detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+        EXPECT_EQ(descriptor(), -1) << detail;
     };
-    const std::array requests{announcement("000003E4 642A"_hex), first, "MLR005" + "000F 0001"_hex + content(996)[995],
-                              std::string("MLE")};
-    for (const auto& row : rows) {
-        for (size_t i = 0; i < requests.size() && row.responses[i] != nullptr; ++i) {
-            link_.peer.request(requests[i]).response(row.responses[i]);
-        }
-        EXPECT_RAISES(6, row.detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
-        EXPECT_EQ(descriptor(), -1) << row.detail;
-    }
+    ends({"MLI011"}, "MLI returned ABECS_RSP_STAT_ST_INVPARM");
+    ends({"ERR010"}, "MLI returned ABECS_RSP_STAT_ST_INVCALL");
+    ends({"MLI000", "MLR102"}, "MLR returned ABECS_RSP_STAT_ST_MFERR");
+    ends({"MLI000", "MLR000", "MLR040"}, "MLR returned ABECS_RSP_STAT_ST_INTERR");
+    ends({"MLI000", "MLR000", "MLR000", "MLE101"}, "MLE returned ABECS_RSP_STAT_ST_MFERRFMT");
 }
 
 TEST_F(Mlx, AFileThatShrinksEndsTheLoad) {
@@ -185,19 +169,14 @@ TEST_F(Mlx, OfAFileThatGrowsOnlyWhatWasAnnouncedIsSent) {
 
 // The descriptor is taken away under the library, so that reading and closing fail.
 TEST_F(Mlx, AFailingCloseDoesNotHideTheErrorBeforeIt) {
-    const auto closed = [this] { EXPECT_EQ(close(descriptor()), 0); };
-    const char* path = path_.c_str();
-    write(content(5000));
-    answer_after(announcement("00001388 5780"_hex), "MLI011", closed);
-    EXPECT_RAISES(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM", abecs_cmd_mlx(link_.comm, path, "logo", 1));
-    answer_after(announcement("00001388 5780"_hex), "XYZ000", closed);
-    EXPECT_RAISES(12, "(MLI) Invalid RSP_ID: XYZ)", abecs_cmd_mlx(link_.comm, path, "logo", 1));
-    answer_after(announcement("00001388 5780"_hex), "MLI000", closed);
-    EXPECT_RAISES(6, "fread() error: 9", abecs_cmd_mlx(link_.comm, path, "logo", 1));
-    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
-}
-
-TEST_F(Mlx, AFailingCloseIsAnErrorOfItsOwn) {
+    const auto fails = [&](const std::string& response, int16_t code, const char* detail) {
+        write(content(5000));
+        answer_after(announcement("00001388 5780"_hex), response, [this] { EXPECT_EQ(close(descriptor()), 0); });
+        EXPECT_RAISES(code, detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+    };
+    fails("MLI011", 6, "MLI returned ABECS_RSP_STAT_ST_INVPARM");
+    fails("XYZ000", 12, "(MLI) Invalid RSP_ID: XYZ)");
+    fails("MLI000", 6, "fread() error: 9");
     write("");
     link_.peer.request(announcement("00000000 0000"_hex)).response("MLI000");
     answer_after("MLE", "MLE000", [this] { EXPECT_EQ(close(descriptor()), 0); });
@@ -208,16 +187,17 @@ TEST_F(Mlx, AFailingCloseIsAnErrorOfItsOwn) {
 TEST_F(Mlx, RefusesWhatCannotBeSent) {
     const char* path = path_.c_str();
     const char* missing = "'to' and 'format' points to the same buffer";
-    EXPECT_RAISES(2, "'pinpad' is NULL", abecs_cmd_mlx(nullptr, nullptr, nullptr, 1));
-    EXPECT_RAISES(2, "'path' is NULL", abecs_cmd_mlx(link_.comm, nullptr, nullptr, 1));
-    EXPECT_RAISES(2, missing, abecs_cmd_mlx(link_.comm, path, nullptr, 1));
-    EXPECT_RAISES(2, "'path' is NULL", abecs_cmd_mlx_crc16(nullptr));
+    const auto refused = [&](int16_t code, const char* detail, const char* from, const char* name) {
+        EXPECT_RAISES(code, detail, abecs_cmd_mlx(link_.comm, from, name, 1));
+    };
+    refused(2, "'path' is NULL", nullptr, nullptr);
+    refused(2, missing, path, nullptr);
     EXPECT_RAISES(2, missing, abecs_cmd_mlx_crc16(path));
-    EXPECT_RAISES(6, "fread() error: 21", abecs_cmd_mlx(link_.comm, directory_.c_str(), "logo", 1));
+    refused(6, "fread() error: 21", directory_.c_str(), "logo");
     EXPECT_RAISES(6, "fread() error: 21", abecs_cmd_mlx_crc16(directory_.c_str()));
     write("x");
-    EXPECT_RAISES(2, "'filename' is empty", abecs_cmd_mlx(link_.comm, path, "", 1));
-    EXPECT_RAISES(2, "'filename' is too long (max: 8, requested: 9)", abecs_cmd_mlx(link_.comm, path, "NINECHARS", 1));
+    refused(2, "'filename' is empty", path, "");
+    refused(2, "'filename' is too long (max: 8, requested: 9)", path, "NINECHARS");
     EXPECT_EQ(descriptor(), -1);
 }
 
@@ -234,17 +214,14 @@ TEST_F(Mlx, RefusesFilesWhoseSizeDoesNotFit) {
 TEST_F(Mlx, RaisesOnceWhenTheRaiseReturns) {
     write("x");
     link_.peer.request(announcement("00000001 FF9F"_hex)).response("MLI011");
-    const char* path = path_.c_str();
     const support::ReturningRaises handler;
-    abecs_cmd_mlx(nullptr, path, "logo", 1);
     abecs_cmd_mlx(link_.comm, nullptr, "logo", 1);
-    abecs_cmd_mlx(link_.comm, path, nullptr, 1);
-    abecs_cmd_mlx(link_.comm, path, "logo", 1);
-    EXPECT_EQ(abecs_cmd_mlx_crc16(nullptr), 0);
+    abecs_cmd_mlx(link_.comm, path_.c_str(), nullptr, 1);
+    abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1);
     EXPECT_EQ(abecs_cmd_mlx_crc16("/"), 0);
-    ASSERT_EQ(handler.all().size(), 6U);
-    EXPECT_EQ(handler.all()[2], support::error(2, "'filename' is NULL"));
-    EXPECT_EQ(handler.all()[3], support::error(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
+    ASSERT_EQ(handler.all().size(), 4U);
+    EXPECT_EQ(handler.all()[1], support::error(2, "'filename' is NULL"));
+    EXPECT_EQ(handler.all()[2], support::error(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
     EXPECT_EQ(descriptor(), -1);
 }
 

@@ -19,6 +19,11 @@ using support::Link;
 const std::string kOption = "0020 0018"_hex;
 constexpr char kTea[][25] = {"TEA"};
 
+void send(Link& link) {
+    link.peer.request("MNU028" + kOption + "TEA                     ");
+    link.call(abecs_cmd_mnu)(0, nullptr, kTea, 1);
+}
+
 TEST(Mnu, SendsTwentyOptionsAndNothingElse) {
     char options[20][25] = {};
     std::string sent = "MNU560";
@@ -51,7 +56,6 @@ TEST(Mnu, SendsTimeOutAndTitleFirst) {
 TEST(Mnu, ChecksItsArgumentsInOrder) {
     Link link;
     const std::string tooLong(129, 'x');
-    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_mnu(nullptr, 0, tooLong.c_str(), nullptr, 0));
     EXPECT_REFUSED(2, "'dspMsg' is too long", abecs_cmd_mnu(link.comm, 0, tooLong.c_str(), nullptr, 0));
     EXPECT_REFUSED(2, "'mnuOpts' is NULL", abecs_cmd_mnu(link.comm, 0, nullptr, nullptr, 0));
     EXPECT_REFUSED(2, "Invalid numOpts: 0 (min: 1, max: 20)", abecs_cmd_mnu(link.comm, 0, nullptr, kTea, 0));
@@ -79,50 +83,35 @@ TEST(Mnu, RefusesAnOptionWithoutEnd) {
 }
 
 TEST(Mnu, ReadsTheChoice) {
-    const struct {
-        std::string data;
-        uint32_t option;
-    } rows[] = {
-        {"006" + "804D 0002"_hex + "07", 7},
-        {"007" + "804D 0003"_hex + "201", 20},
-        {"012" + "804D 0002"_hex + "00" + "8050 0002"_hex + "11", 0},
-    };
-    for (const auto& row : rows) {
+    const auto reads = [](const std::string& data, uint32_t expected) {
         Link link;
-        link.peer.request("MNU028" + kOption + "TEA                     ").response("MNU000" + row.data);
-        link.call(abecs_cmd_mnu)(0, nullptr, kTea, 1);
+        send(link);
+        link.peer.response("MNU000" + data);
         uint32_t option = 99;
         EXPECT_EQ(link.call(abecs_cmd_mnu_response)(&option, nullptr), 0);
-        EXPECT_EQ(option, row.option);
+        EXPECT_EQ(option, expected);
         EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
-    }
+    };
+    reads("006" + "804D 0002"_hex + "07", 7);
+    reads("007" + "804D 0003"_hex + "201", 20);
+    reads("012" + "804D 0002"_hex + "00" + "8050 0002"_hex + "11", 0);
 }
 
 TEST(Mnu, RefusesAnAnswerWithoutAChoice) {
-    const std::string good = "804D 0002"_hex + "07";
-    const struct {
-        std::string data;
-        int16_t code;
-        const char* detail;
-    } rows[] = {
-        {"", 12, "PP_VALUE not present in response"},
-        {"000", 12, "PP_VALUE not present in response"},
-        {"012" + "8050 0002"_hex + "11" + good, 12, "PP_VALUE not present in response"},
-        {"005" + "804D 0001"_hex + "7", 6, "Buffer does not have enough data (requested: 2, available: 1)"},
-        {"006" + "804D 0002"_hex + "0x", 6, "Invalid char (0x78) at index 1"},
-    };
     Link link;
-    link.peer.request("MNU028" + kOption + "TEA                     ");
-    link.call(abecs_cmd_mnu)(0, nullptr, kTea, 1);
+    send(link);
     uint32_t option = 99;
-    for (const auto& row : rows) {
-        link.peer.response("MNU000" + row.data);
-        EXPECT_RAISES(row.code, row.detail, abecs_cmd_mnu_response(link.comm, &option, nullptr));
+    const auto refused = [&](const std::string& data, int16_t code, const char* detail) {
+        link.peer.response("MNU000" + data);
+        EXPECT_RAISES(code, detail, abecs_cmd_mnu_response(link.comm, &option, nullptr));
         EXPECT_EQ(option, 99U);
-    }
-    link.peer.response("MNU000006" + good);
-    EXPECT_EQ(link.call(abecs_cmd_mnu_response)(&option, nullptr), 0);
-    EXPECT_EQ(option, 7U);
+    };
+    refused("", 12, "PP_VALUE not present in response");
+    refused("000", 12, "PP_VALUE not present in response");
+    refused("012" + "8050 0002"_hex + "11" + "804D 0002"_hex + "07", 12, "PP_VALUE not present in response");
+    refused("005" + "804D 0001"_hex + "7", 6, "Buffer does not have enough data (requested: 2, available: 1)");
+    refused("006" + "804D 0002"_hex + "0x", 6, "Invalid char (0x78) at index 1");
+    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "MNU");
 }
 
 }  // namespace
