@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 #include <sys/wait.h>
+#include <utility>
 
+#include "simulator/cards/cards.h"
 #include "simulator/pin_pad.h"
 #include "tests/support/peer.h"
 
@@ -22,14 +26,33 @@ struct Outcome {
     std::string output;
 };
 
+class Program {
+public:
+    explicit Program(const std::string& command) : pipe_(popen((command + " 2>&1").c_str(), "r")) {}
+    ~Program() { end(); }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // The next line that it prints; nothing when there is none.
+    std::string line() {
+        std::array<char, 256> line{};
+        return pipe_ != nullptr && std::fgets(line.data(), line.size(), pipe_) != nullptr ? line.data() : "";
+    }
+
+    int end() {
+        const int ended = pipe_ != nullptr ? pclose(std::exchange(pipe_, nullptr)) : -1;
+        return WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    }
+
+private:
+    FILE* pipe_;
+};
+
 Outcome run(const std::string& command) {
+    Program program(command);
     Outcome outcome;
-    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr) return outcome;
-    std::array<char, 256> line{};
-    while (std::fgets(line.data(), line.size(), pipe) != nullptr) outcome.output += line.data();
-    const int ended = pclose(pipe);
-    outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    for (std::string line = program.line(); !line.empty(); line = program.line()) outcome.output += line;
+    outcome.status = program.end();
     return outcome;
 }
 
@@ -132,6 +155,58 @@ TEST_F(Steady, OpensTheLinkAnewWhenNobodyConfirms) {
     refuse(show_).expect("18"_hex).expect("18"_hex).expect("18"_hex);
     peer_.accept_can().request("OPN").response("OPN000").request(show_).response("DSP000");
     show("[KOR_RESULT_PROTOCOL_ERROR] Packet was rejected\n");
+}
+
+TEST(Sale, GoesThroughAllStepsAndTellsHowItEnded) {
+    const Gestures pin = Gestures().type("1234");
+    const struct {
+        const char* card;
+        std::optional<Gestures> whileGox;
+        const char* arguments;
+        std::string output;
+        int status = EXIT_FAILURE;
+    } cases[]{
+        {"visa-chip", pin, "1234",
+         "card 411111******1111\nthe PIN pad says: ENTER THE PIN\nthe acquirer answers: 00\nAPPROVED\n", EXIT_SUCCESS},
+        {"visa-chip", pin, "1234 51",
+         "card 411111******1111\nthe PIN pad says: ENTER THE PIN\nthe acquirer answers: 51\nNOT APPROVED\n"},
+        {"visa-signature", {}, "1234 none", "card 424242******4242\nthe acquirer answers: nothing\nNOT APPROVED\n"},
+        {"declining-chip",
+         {},
+         "1234",
+         "card 400000******0069\nthe acquirer answers: 00\n"
+         "the acquirer must be told that there was no sale\nNOT APPROVED\n"},
+        {"mastercard-chip", Gestures().press(Key::cancel), "1234",
+         "card 510510******5100\nthe PIN pad says: ENTER THE PIN\n"
+         "GOX was answered with ABECS_RSP_STAT_ST_CANCEL\nNOT APPROVED\n"},
+    };
+    PinPad pinPad;
+    pinPad.start();
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.card);
+        pinPad.when("GCX", Gestures().insert(Cards::standard().at(each.card)));
+        if (each.whileGox) pinPad.when("GOX", *each.whileGox);
+        pinPad.when("RMC", Gestures().remove());
+        const Outcome run = run_example("sale", pinPad.path() + " " + each.arguments);
+        EXPECT_EQ(run.status, each.status);
+        EXPECT_EQ(run.output, "insert the card\n" + each.output);
+        EXPECT_EQ(pinPad.screen().text, each.status == EXIT_SUCCESS ? "APPROVED" : "NOT APPROVED");
+    }
+    EXPECT_TRUE(pinPad.findings().empty());
+}
+
+TEST(Sale, IsGivenUpOnASignalAndLeavesThePinPadIdle) {
+    PinPad pinPad;
+    pinPad.start();
+    Program program("echo $$; exec " QUORVEL_EXAMPLES "/sale " + pinPad.path() + " 1234");
+    const int process = std::stoi(program.line());
+    EXPECT_EQ(program.line(), "insert the card\n");
+    ASSERT_EQ(kill(process, SIGINT), 0);
+    EXPECT_EQ(program.line(), "given up at the till\n");
+    EXPECT_EQ(program.line(), "NOT APPROVED\n");
+    EXPECT_EQ(program.end(), EXIT_FAILURE);
+    EXPECT_EQ(pinPad.screen().text, "NOT APPROVED");
+    EXPECT_TRUE(pinPad.findings().empty());
 }
 
 TEST(Swipe, ShowsTheMaskedCardNumberAndThePinBlock) {
