@@ -27,9 +27,9 @@ std::string head(const char* method) {
 
 const std::string kVectorParam = "001D 0008 A1B2C3D4E5F60718"_hex;
 
-class Ebx : public testing::Test {
+class Ebx : public support::Built<AbecsCmdEbxBuilder, abecs_cmd_ebx_builder_delete> {
 protected:
-    ~Ebx() override { abecs_cmd_ebx_builder_delete(&builder_); }
+    Ebx() { builder_ = abecs_cmd_ebx_builder_new(kData.data(), 8, ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, 5); }
 
     void reset(int32_t mthdDat) {
         EXPECT_NO_RAISE(abecs_cmd_ebx_builder_reset(builder_, kData.data(), 8, method(mthdDat), 5));
@@ -43,9 +43,6 @@ protected:
             EXPECT_EQ(link.call(abecs_cmd_ebx, where)(builder_, map_.get()), 42);
         }
     }
-
-    AbecsCmdEbxBuilder* builder_ = abecs_cmd_ebx_builder_new(kData.data(), 8, ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, 5);
-    support::ParamMap map_;
 };
 
 TEST_F(Ebx, SendsWhatWasSetInTheOrderOfTheCalls) {
@@ -59,57 +56,45 @@ TEST_F(Ebx, SendsWhatWasSetInTheOrderOfTheCalls) {
 
 // Which of the two further parameters each method takes; every method that has a working key needs it.
 TEST_F(Ebx, TakesWhatItsMethodTakes) {
-    const struct {
-        int32_t method;
-        const char* digits;
-        const char* name;
-        size_t keySize;
-        bool chained;
-    } rows[] = {
-        {0, "00", "ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB", 8, false},
-        {1, "01", "ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC", 8, true},
-        {10, "10", "ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB", 16, false},
-        {11, "11", "ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC", 16, true},
-        {30, "30", "ABECS_SPE_MTHD_DAT_DUKPT_DAT1_ECB", 0, false},
-        {50, "50", "ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB", 0, false},
-        {51, "51", "ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC", 0, true},
-    };
-    Link unused;
     const auto wkenc = abecs_cmd_ebx_builder_wkenc;
     const auto ivcbc = abecs_cmd_ebx_builder_ivcbc;
-    for (const auto& row : rows) {
-        const std::string name = row.name;
-        std::string sent = head(row.digits);
-        reset(row.method);
-        if (row.keySize == 0) {
-            EXPECT_REFUSED(3, "current SPE_MTHDDAT (" + name + ") does not accept SPE_WKENC",
-                           wkenc(builder_, nullptr, 0));
+    Link unused;
+    const auto takes = [&](int32_t number, const char* digits, const std::string& name, size_t keySize, bool chained) {
+        const std::string missing = "Missing parameter SPE_WKENC (required due to SPE_MTHDDAT == " + name + ")";
+        const auto incomplete = [&] { EXPECT_REFUSED(3, missing, abecs_cmd_ebx(unused.comm, builder_, map_.get())); };
+        const std::string unaccepted = "current SPE_MTHDDAT (" + name + ") does not accept ";
+        std::string sent = head(digits);
+        reset(number);
+        if (keySize == 0) {
+            refused(3, unaccepted + "SPE_WKENC", wkenc, nullptr, 0);
         } else {
-            const std::string missing = "Missing parameter SPE_WKENC (required due to SPE_MTHDDAT == " + name + ")";
-            const std::string expected = std::to_string(row.keySize);
-            const size_t other = 24 - row.keySize;
-            EXPECT_REFUSED(3, missing, abecs_cmd_ebx(unused.comm, builder_, map_.get()));
-            EXPECT_REFUSED(2, "'wkEnc' is NULL", wkenc(builder_, nullptr, other));
-            EXPECT_REFUSED(2, "Invalid 'szWkEnc': " + std::to_string(other) + " (expected: " + expected + ")",
-                           wkenc(builder_, kKey, other));
-            EXPECT_NO_RAISE(wkenc(builder_, kKey, row.keySize));
-            EXPECT_REFUSED(3, "SPE_WKENC already set", wkenc(builder_, kKey, row.keySize));
-            sent += "000A 00"_hex + static_cast<char>(row.keySize) + std::string(kKey, kKey + row.keySize);
+            const size_t other = 24 - keySize;
+            const std::string sizes = std::to_string(other) + " (expected: " + std::to_string(keySize) + ")";
+            incomplete();
+            refused(2, "'wkEnc' is NULL", wkenc, nullptr, other);
+            refused(2, "Invalid 'szWkEnc': " + sizes, wkenc, kKey, other);
+            set(wkenc, kKey, keySize);
+            refused(3, "SPE_WKENC already set", wkenc, kKey, keySize);
+            sent += "000A 00"_hex + static_cast<char>(keySize) + std::string(kKey, kKey + keySize);
         }
-        if (row.chained) {
-            EXPECT_REFUSED(2, "'ivCbc' is NULL", ivcbc(builder_, nullptr));
-            EXPECT_NO_RAISE(ivcbc(builder_, kVector));
-            EXPECT_REFUSED(3, "SPE_IVCBC already set", ivcbc(builder_, kVector));
+        if (chained) {
+            refused(2, "'ivCbc' is NULL", ivcbc, nullptr);
+            set(ivcbc, kVector);
+            refused(3, "SPE_IVCBC already set", ivcbc, kVector);
             sent += kVectorParam;
         } else {
-            EXPECT_REFUSED(3, "current SPE_MTHDDAT (" + name + ") does not accept SPE_IVCBC", ivcbc(builder_, nullptr));
+            refused(3, unaccepted + "SPE_IVCBC", ivcbc, nullptr);
         }
         expect_sent("EBX0" + std::to_string(sent.size()) + sent);
-        if (row.keySize == 0) { continue; }
-        reset(row.method);
-        EXPECT_RAISES(3, "Missing parameter SPE_WKENC (required due to SPE_MTHDDAT == " + name + ")",
-                      abecs_cmd_ebx(unused.comm, builder_, map_.get()));
-    }
+        if (keySize != 0) { reset(number), incomplete(); }
+    };
+    takes(0, "00", "ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB", 8, false);
+    takes(1, "01", "ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC", 8, true);
+    takes(10, "10", "ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB", 16, false);
+    takes(11, "11", "ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC", 16, true);
+    takes(30, "30", "ABECS_SPE_MTHD_DAT_DUKPT_DAT1_ECB", 0, false);
+    takes(50, "50", "ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB", 0, false);
+    takes(51, "51", "ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC", 0, true);
 }
 
 // Numbers that are no methods get through until something has to be known about them, which is the error then.
@@ -132,22 +117,19 @@ TEST_F(Ebx, RefusesNumbersThatAreNoMethodsWhenItMeetsThem) {
 }
 
 TEST_F(Ebx, ChecksEveryArgumentInOrder) {
-    const auto reset = abecs_cmd_ebx_builder_reset;
+    const auto wrong = [&](const char* detail, const uint8_t* data, size_t size, int32_t number, uint8_t index) {
+        refused(2, detail, abecs_cmd_ebx_builder_reset, data, size, method(number), index);
+    };
     const uint8_t* data = kData.data();
-    const auto size = [](size_t n, const char* fault) { return "Invalid 'szData': " + std::to_string(n) + fault; };
-    const char* const outside = " (min: 1, max: 256)";
-    const char* const broken = " (it must be a multiple of 8)";
-    EXPECT_REFUSED(2, "'data' is NULL", reset(builder_, nullptr, 0, method(90), 100));
-    EXPECT_REFUSED(2, size(0, outside), reset(builder_, data, 0, method(90), 100));
-    EXPECT_REFUSED(2, size(257, outside), reset(builder_, data, 257, method(90), 100));
-    EXPECT_REFUSED(2, size(264, outside), reset(builder_, data, 264, method(90), 100));
-    EXPECT_REFUSED(2, size(12, broken), reset(builder_, data, 12, method(90), 100));
-    EXPECT_REFUSED(2, size(255, broken), reset(builder_, data, 255, method(90), 100));
-    EXPECT_REFUSED(2, "Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB",
-                   reset(builder_, data, 8, method(90), 100));
-    EXPECT_REFUSED(2, "Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC",
-                   reset(builder_, data, 8, method(91), 100));
-    EXPECT_REFUSED(2, "Invalid 'keyIdx': 100 (min: 0, max: 99)", reset(builder_, data, 8, method(51), 100));
+    wrong("'data' is NULL", nullptr, 0, 90, 100);
+    wrong("Invalid 'szData': 0 (min: 1, max: 256)", data, 0, 90, 100);
+    wrong("Invalid 'szData': 257 (min: 1, max: 256)", data, 257, 90, 100);
+    wrong("Invalid 'szData': 264 (min: 1, max: 256)", data, 264, 90, 100);
+    wrong("Invalid 'szData': 12 (it must be a multiple of 8)", data, 12, 90, 100);
+    wrong("Invalid 'szData': 255 (it must be a multiple of 8)", data, 255, 90, 100);
+    wrong("Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB", data, 8, 90, 100);
+    wrong("Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC", data, 8, 91, 100);
+    wrong("Invalid 'keyIdx': 100 (min: 0, max: 99)", data, 8, 51, 100);
     Link link;
     EXPECT_REFUSED(2, "'builder' is NULL", abecs_cmd_ebx(link.comm, nullptr, nullptr));
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_ebx(link.comm, builder_, nullptr));

@@ -53,39 +53,34 @@ TEST(Enb, PreparesWorkingKeysAndData) {
 }
 
 // What a helper refuses, it raises once, and leaves the caller's text as it was.
-template <typename Call>
-void expect_refused(const char* detail, const char* out, Call&& call) {
-    EXPECT_EQ(support::raised_by([&] { call(); }), support::error(2, detail));
-    const support::ReturningRaises handler;
-    EXPECT_EQ(call(), nullptr) << detail;
-    EXPECT_EQ(handler.all(), support::errors(2, {detail}));
-    EXPECT_STREQ(out, "kept");
-}
-
 TEST(Enb, HelpersCheckTheirArgumentsInOrder) {
     AbecsMk master = kMaster;
     AbecsWkPan panKey = kPanKey;
-    char out[33] = "kept";
+    char text[33] = "kept";
+    const auto refused = [&](const char* detail, auto helper, const char* clear, auto* key, char* out) {
+        EXPECT_RAISES(2, detail, helper(clear, key, out));
+        const support::ReturningRaises handler;
+        EXPECT_EQ(helper(clear, key, out), nullptr) << detail;
+        EXPECT_EQ(handler.all(), support::errors(2, {detail}));
+        EXPECT_STREQ(text, "kept");
+    };
     const auto encrypt = abecs_cmd_enb_encrypt_wk;
     const auto encode = abecs_cmd_enb_encode_data;
-    expect_refused("Missing 'mk'", out, [&] { return encrypt("x", nullptr, nullptr); });
-    expect_refused("Missing 'out'", out, [&] { return encrypt("x", &master, nullptr); });
-    expect_refused("Missing 'wkPan'", out, [&] { return encode("x", nullptr, nullptr); });
-    expect_refused("Missing 'out'", out, [&] { return encode("x", &panKey, nullptr); });
-    for (const int32_t type : {-1, 2}) {
-        master.type = static_cast<AbecsMkType_E>(type);
-        const std::string detail = "Invalid enumerator for AbecsMkType_E: " + std::to_string(type);
-        expect_refused(detail.c_str(), out, [&] { return encrypt("x", &master, out); });
-    }
-    panKey.type = static_cast<AbecsWkPanType_E>(3);
-    expect_refused("Invalid enumerator for AbecsWkPanType_E: 3", out, [&] { return encode("x", &panKey, out); });
-    master = kMaster;
-    panKey = kPanKey;
     const char* const noRoom = "Destination buffer does not have enough room for decoded data";
-    expect_refused(noRoom, out, [&] { return encrypt("11223344556677889900AABBCCDDEEFF00", &master, out); });
-    expect_refused("Invalid hex string", out, [&] { return encrypt("1122334455667788x", &master, out); });
-    expect_refused(noRoom, out, [&] { return encode("411111111111111100", &panKey, out); });
-    expect_refused("Invalid hex string", out, [&] { return encode("411111111111111", &panKey, out); });
+    refused("Missing 'mk'", encrypt, "x", static_cast<AbecsMk*>(nullptr), nullptr);
+    refused("Missing 'out'", encrypt, "x", &master, nullptr);
+    refused(noRoom, encrypt, "11223344556677889900AABBCCDDEEFF00", &master, text);
+    refused("Invalid hex string", encrypt, "1122334455667788x", &master, text);
+    master.type = static_cast<AbecsMkType_E>(-1);
+    refused("Invalid enumerator for AbecsMkType_E: -1", encrypt, "x", &master, text);
+    master.type = static_cast<AbecsMkType_E>(2);
+    refused("Invalid enumerator for AbecsMkType_E: 2", encrypt, "x", &master, text);
+    refused("Missing 'wkPan'", encode, "x", static_cast<AbecsWkPan*>(nullptr), nullptr);
+    refused("Missing 'out'", encode, "x", &panKey, nullptr);
+    refused(noRoom, encode, "411111111111111100", &panKey, text);
+    refused("Invalid hex string", encode, "411111111111111", &panKey, text);
+    panKey.type = static_cast<AbecsWkPanType_E>(3);
+    refused("Invalid enumerator for AbecsWkPanType_E: 3", encode, "x", &panKey, text);
 }
 
 TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
