@@ -40,6 +40,14 @@ char32_t next(std::string_view& text) {
     return character;
 }
 
+// Rather half a line left empty than a word broken, but not more.
+size_t fitting(std::u32string_view text, size_t width, Break where) {
+    if (text.size() <= width) return text.size();
+    const size_t blank = text.substr(0, width).rfind(U' ');
+    const bool atBlank = where == Break::behindBlanks && blank != std::u32string_view::npos && blank >= width / 2;
+    return atBlank ? blank + 1 : width;
+}
+
 }  // namespace
 
 Area Area::inner() const noexcept {
@@ -98,12 +106,12 @@ std::u32string from_latin1(std::string_view text) {
     return characters;
 }
 
-std::vector<std::u32string> wrapped(std::u32string_view text, size_t width, size_t indent) {
+std::vector<std::u32string> wrapped(std::u32string_view text, size_t width, size_t indent, Break where) {
     std::vector<std::u32string> lines;
     if (width <= indent) return lines;
     do {
         std::u32string line(lines.empty() ? 0 : indent, U' ');
-        const size_t count = std::min(width - line.size(), text.size());
+        const size_t count = fitting(text, width - line.size(), where);
         lines.push_back(line.append(text.substr(0, count)));
         text.remove_prefix(count);
     } while (!text.empty());

@@ -60,8 +60,11 @@ private:
 // What PIN pads have as text, a character a byte.
 [[nodiscard]] std::u32string from_latin1(std::string_view text);
 
-// Lines of at most `width` characters; those behind the first begin with `indent` blanks.
-[[nodiscard]] std::vector<std::u32string> wrapped(std::u32string_view text, size_t width, size_t indent);
+enum class Break { anywhere, behindBlanks };
+
+// Lines of at most `width` characters; those behind the first begin with `indent` blanks. What has no blank where a
+// line should end breaks anywhere.
+[[nodiscard]] std::vector<std::u32string> wrapped(std::u32string_view text, size_t width, size_t indent, Break where);
 
 }  // namespace quorvel::sim
 

@@ -148,8 +148,8 @@ void trace(Canvas& canvas, const View& view, const Area& area) {
     size_t left = inner.size.rows;
     for (auto entry = view.trace.rbegin(); entry != view.trace.rend() && left > 0; ++entry) {
         const Mark sign = mark(entry->kind);
-        const auto lines =
-            wrapped(std::u32string(sign.text) + squeezed(from_utf8(entry->text)), inner.size.columns, traceIndent);
+        const auto lines = wrapped(std::u32string(sign.text) + squeezed(from_utf8(entry->text)), inner.size.columns,
+                                   traceIndent, Break::behindBlanks);
         for (auto line = lines.rbegin(); line != lines.rend() && left > 0; ++line) {
             canvas.write(inner.row + --left, inner.column, inner.size.columns, *line, sign.style);
         }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fmt/format.h>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <set>
@@ -28,7 +30,7 @@ std::string row(const Canvas& canvas, size_t index) {
     std::string text;
     for (size_t i = 0; i < canvas.size().columns; ++i) {
         const char32_t character = canvas.at(index, i).character;
-        text += character < 0x80 ? static_cast<char>(character) : '#';
+        text += character < 0x80 ? static_cast<char>(character) : character == U'│' ? '|' : '#';
     }
     return text;
 }
@@ -58,6 +60,16 @@ TEST(FaceKeysTest, MeansOneThingByEachKey) {
     for (const auto& [code, deed] : cases) EXPECT_EQ(deed_of(code), deed) << code;
     std::set<int> codes;
     for (const Binding& binding : key_map()) EXPECT_TRUE(codes.insert(binding.code).second) << binding.code;
+}
+
+TEST(FaceKeysTest, StandsInTheGuide) {
+    std::ifstream file(QUORVEL_DOCS "/virtual-pin-pad.md");
+    const std::string guide(std::istreambuf_iterator<char>(file), {});
+    for (const Binding& binding : key_map()) {
+        if (binding.caption.empty()) continue;
+        const std::string due = fmt::format("{:6}{}", binding.caption, binding.meaning);
+        EXPECT_NE(guide.find(due), std::string::npos) << due;
+    }
 }
 
 TEST(FaceDisplayTest, ShowsWhatADisplayOfThatSizeWould) {
@@ -104,6 +116,16 @@ TEST(FacePictureTest, HasAllOnAUsualTerminal) {
          {"/dev/pts/7", "magnetic has no chip", "APROXIME, INSIRA", "GKY wait for a key", "plain session",
           "reader: inserted-card", "> card-30                s i -", "  card-31                s - -", "Enter ENTER",
           "i     insert, take out", "> DSP: \"A # Z\"", "! layout: DSP: one byte too many", "Findings: 17"}) {
+        EXPECT_NE(text.find(due), std::string::npos) << due << "\n" << text;
+    }
+}
+
+TEST(FacePictureTest, BreaksTheTraceBetweenWordsWhereItCan) {
+    View view = busy_view();
+    view.trace = {{Feed::Entry::Kind::host, std::string(40, 'a') + " bbbbbb " + std::string(60, 'c')}};
+    const std::string text = all(paint(view, {24, 80}));
+    for (const std::string& due :
+         {"|> "s + std::string(40, 'a') + "    |", "|  bbbbbb " + std::string(37, 'c') + "|"}) {
         EXPECT_NE(text.find(due), std::string::npos) << due << "\n" << text;
     }
 }
