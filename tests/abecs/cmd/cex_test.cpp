@@ -54,16 +54,17 @@ TEST_F(Cex, SendsWhatIsGiven) {
 }
 
 TEST_F(Cex, RefusesWhatCannotBeSent) {
+    const auto refused = [&](const char* detail, const char* option, const uint8_t* mask) {
+        EXPECT_REFUSED(2, detail, abecs_cmd_cex(link_.comm, option, nullptr, mask));
+    };
     const uint8_t leading[] = {100, 0};
     const uint8_t trailing[] = {0, 100};
     for (const char* option : {static_cast<const char*>(nullptr), "", "11111", "1111111"}) {
-        EXPECT_REFUSED(2, "'cexOpt' is not valid!", abecs_cmd_cex(link_.comm, option, nullptr, nullptr));
+        refused("'cexOpt' is not valid!", option, nullptr);
     }
-    EXPECT_REFUSED(2, "Invalid character (0x0D) at position 5", abecs_cmd_cex(link_.comm, "11111\r", nullptr, nullptr));
-    EXPECT_REFUSED(2, "Number length (3) is greater than field length (2)",
-                   abecs_cmd_cex(link_.comm, "111111", nullptr, leading));
-    EXPECT_REFUSED(2, "Number length (3) is greater than field length (2)",
-                   abecs_cmd_cex(link_.comm, "111111", nullptr, trailing));
+    refused("Invalid character (0x0D) at position 5", "11111\r", nullptr);
+    refused("Number length (3) is greater than field length (2)", "111111", leading);
+    refused("Number length (3) is greater than field length (2)", "111111", trailing);
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "");
 }
 

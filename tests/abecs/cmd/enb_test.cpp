@@ -4,8 +4,8 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "tests/abecs/cmd/answers.h"
@@ -98,28 +98,26 @@ TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
               "DF6741E1E2B630");
 }
 
-// In the order of the checks. From the last row on, each fault is added to those behind it and hides them.
+// In the order of the checks, the last of them first: each fault is added to those before and hides them.
 TEST(Enb, ChecksTheDataInOrder) {
-    const std::pair<const char*, void (*)(Data&)> rows[] = {
-        {"Invalid enumerator for AbecsCmdEnbMethod_E: -1",
-         [](Data& data) { data.method = static_cast<AbecsCmdEnbMethod_E>(-1); }},
-        {"Invalid enumerator for AbecsCmdEnbMethod_E: 2",
-         [](Data& data) { data.method = static_cast<AbecsCmdEnbMethod_E>(2); }},
-        {"Number length (3) is greater than field length (2)", [](Data& data) { data.keyIdx = 100; }},
-        {"Field does not have enough room for data", [](Data& data) { std::memset(data.wkEnc, '0', 33); }},
-        {"Invalid hex byte at index 30", [](Data& data) { data.wkEnc[31] = 'g'; }},
-        {"Field does not have enough room for data", [](Data& data) { std::memset(data.data, '0', 17); }},
-        {"Invalid hex byte at index 0", [](Data& data) { data.data[0] = ' '; }},
-    };
     Link link;
+    Data data = kSimple;
     char out[17] = "kept";
+    const auto refused = [&](auto& field, auto wrong, const char* detail) {
+        field = static_cast<std::remove_reference_t<decltype(field)>>(wrong);
+        EXPECT_REFUSED(2, detail, abecs_cmd_enb(link.comm, &data, out));
+    };
+    refused(data.data[0], ' ', "Invalid hex byte at index 0");
+    std::memset(data.data, '0', 17);
+    refused(data.data[0], '0', "Field does not have enough room for data");
+    refused(data.wkEnc[31], 'g', "Invalid hex byte at index 30");
+    std::memset(data.wkEnc, '0', 33);
+    refused(data.wkEnc[0], '0', "Field does not have enough room for data");
+    refused(data.keyIdx, 100, "Number length (3) is greater than field length (2)");
+    refused(data.method, 2, "Invalid enumerator for AbecsCmdEnbMethod_E: 2");
+    refused(data.method, -1, "Invalid enumerator for AbecsCmdEnbMethod_E: -1");
     EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_enb(link.comm, nullptr, nullptr));
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_enb(link.comm, &kSimple, nullptr));
-    Data data = kSimple;
-    for (size_t i = std::size(rows); i-- > 0;) {
-        rows[i].second(data);
-        EXPECT_REFUSED(2, rows[i].first, abecs_cmd_enb(link.comm, &data, out));
-    }
     EXPECT_STREQ(out, "kept");
 }
 

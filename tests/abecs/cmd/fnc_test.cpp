@@ -5,6 +5,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <type_traits>
 
 #include "tests/abecs/cmd/card_command.h"
 
@@ -34,28 +35,24 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
     Link link;
     AbecsCmdFncData data{-1, "\n", 1000, "", 1000, ""};
     AbecsCmdFncResponse out{};
-    const auto refused = [&](const char* detail) { EXPECT_REFUSED(2, detail, abecs_cmd_fnc(link.comm, &data, &out)); };
+    // Refused, and then mended.
+    const auto refused = [&](const std::string& detail, auto& field, int32_t good) {
+        EXPECT_REFUSED(2, detail, abecs_cmd_fnc(link.comm, &data, &out));
+        field = static_cast<std::remove_reference_t<decltype(field)>>(good);
+    };
     EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_fnc(link.comm, nullptr, nullptr));
     EXPECT_REFUSED(2, "'rspData' is NULL", abecs_cmd_fnc(link.comm, &data, nullptr));
-    refused("invalid cmdData->issDatLen: 1000 (max: 999)");
-    data.issDatLen = 999;
-    refused("invalid cmdData->tagsLen: 1000 (max: 999)");
-    data.tagsLen = 999;
-    for (const int32_t status : {-1, 2, 8, 10}) {
-        data.commSt = status;
-        refused(("invalid cmdData->commSt: " + std::to_string(status)).c_str());
+    refused("invalid cmdData->issDatLen: 1000 (max: 999)", data.issDatLen, 999);
+    refused("invalid cmdData->tagsLen: 1000 (max: 999)", data.tagsLen, 999);
+    for (const int32_t next : {2, 8, 10, 9}) {
+        refused("invalid cmdData->commSt: " + std::to_string(data.commSt), data.commSt, next);
     }
-    data.commSt = 9;
-    refused("Number length (4) is greater than field length (3)");
-    data.issDatLen = 494;
-    refused("Invalid character (0x0A) at position 0");
-    std::strcpy(data.arc, "00");
+    refused("Number length (4) is greater than field length (3)", data.issDatLen, 494);
+    refused("Invalid character (0x0A) at position 0", data.arc[0], '0');
     std::memset(data.issDat, 'a', sizeof data.issDat);
-    refused("Field does not have enough room for data");
-    std::strcpy(data.issDat, "9F2");
-    refused("Invalid hex byte at index 2");
-    std::strcpy(data.issDat, "");
-    refused("Number length (4) is greater than field length (3)");
+    refused("Field does not have enough room for data", data.issDat[3], '\0');
+    refused("Invalid hex byte at index 2", data.issDat[0], '\0');
+    refused("Number length (4) is greater than field length (3)", data.tagsLen, 0);
 }
 
 TEST(Fnc, ReadsTheLastDecision) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <type_traits>
 
 #include "tests/abecs/cmd/card_command.h"
 #include "tests/support/wire.h"
@@ -85,31 +86,26 @@ TEST(Goc, ChecksItsArgumentsInTheirOrder) {
     data.method = static_cast<AbecsCmdGocMethod_E>(4);
     data.keyidx = data.tpbrs = data.mtpbrs = data.acqpr.acqpr01.transactionType = 100;
     data.tags1len = data.tags2len = 129;
-    const auto refused = [&](const char* detail) { EXPECT_REFUSED(2, detail, abecs_cmd_goc(link.comm, 1, &data)); };
+    data.wkenc[1] = 'G';
+    // Refused, and then mended.
+    const auto refused = [&](const char* detail, auto& field, auto good) {
+        EXPECT_REFUSED(2, detail, abecs_cmd_goc(link.comm, 1, &data));
+        field = static_cast<std::remove_reference_t<decltype(field)>>(good);
+    };
     EXPECT_REFUSED(2, "'gcrAcqIdx' is too big (max: 99, requested: 100)", abecs_cmd_goc(link.comm, 100, nullptr));
     EXPECT_REFUSED(2, "'gocData' is NULL", abecs_cmd_goc(link.comm, 99, nullptr));
-    refused("invalid value for gocData->exclist: 2");
-    data.exclist = 1;
-    refused("Invalid enumerator for AbecsCmdGocMethod_E: 4");
-    data.method = static_cast<AbecsCmdGocMethod_E>(-1);
-    refused("Invalid enumerator for AbecsCmdGocMethod_E: -1");
-    data.method = ABECS_CMD_GOC_METHOD_DUKPT_DES;
-    refused("invalid value for gocData->keyidx: 100");
-    data.keyidx = 99;
-    refused("invalid value for gocData->tpbrs: 100");
-    data.tpbrs = 99;
-    refused("invalid value for gocData->mtpbrs: 100");
-    data.mtpbrs = 99;
-    refused("invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: 100)");
-    data.acqpr.acqpr01.transactionType = 99;
-    refused("invalid value for gocData->tags1len: 129");
-    data.tags1len = 128;
-    refused("invalid value for gocData->tags2len: 129");
-    data.tags2len = 128;
-    std::strcpy(data.wkenc, "0G");
-    refused("Invalid hex byte at index 0");
-    data.amount = 1000000000000;
-    refused("Number length (13) is greater than field length (12)");
+    refused("invalid value for gocData->exclist: 2", data.exclist, 1);
+    refused("Invalid enumerator for AbecsCmdGocMethod_E: 4", data.method, -1);
+    refused("Invalid enumerator for AbecsCmdGocMethod_E: -1", data.method, ABECS_CMD_GOC_METHOD_DUKPT_DES);
+    refused("invalid value for gocData->keyidx: 100", data.keyidx, 99);
+    refused("invalid value for gocData->tpbrs: 100", data.tpbrs, 99);
+    refused("invalid value for gocData->mtpbrs: 100", data.mtpbrs, 99);
+    refused("invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: 100)",
+            data.acqpr.acqpr01.transactionType, 99);
+    refused("invalid value for gocData->tags1len: 129", data.tags1len, 128);
+    refused("invalid value for gocData->tags2len: 129", data.tags2len, 128);
+    refused("Invalid hex byte at index 0", data.amount, 1000000000000);
+    refused("Number length (13) is greater than field length (12)", data.amount, 0);
 }
 
 TEST(Goc, ReadsTheDecision) {

@@ -4,9 +4,8 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
-#include <utility>
+#include <type_traits>
 
 #include "tests/support/link.h"
 #include "tests/support/refused.h"
@@ -59,53 +58,42 @@ TEST(Gpn, SendsNineEntries) {
     expect_sent(data, "381300" + kNoKey + "00" + kBlanks + "9" + entries);
 }
 
-// In the order of the checks. From the last row on, each fault is added to those behind it and hides them.
+// In the order of the checks, the last of them first: each fault is added to those before and hides them.
 TEST(Gpn, ChecksTheDataInOrder) {
-    using Method = AbecsCmdGpnMethod_E;
-    const struct {
-        const char* detail;
-        void (*spoil)(Data&);
-    } rows[] = {
-        {"Invalid enumerator for AbecsCmdGpnMethod_E: 4", [](Data& data) { data.method = static_cast<Method>(4); }},
-        {"Invalid enumerator for AbecsCmdGpnMethod_E: -1", [](Data& data) { data.method = static_cast<Method>(-1); }},
-        {"Invalid value for 'cmdData->keyIdx': 100", [](Data& data) { data.keyIdx = 100; }},
-        {"Invalid length for 'cmdData->wkEnc': 32 (expected: 16)",
-         [](Data& data) {
-             data.method = ABECS_CMD_GPN_METHOD_MK_WK_DES;
-             std::strcpy(data.wkEnc, "0123456789ABCDEF0123456789ABCDEF");
-         }},
-        {"Invalid length for 'cmdData->wkEnc': 0 (expected: 32)", [](Data& data) { data.wkEnc[0] = '\0'; }},
-        {"Invalid length for 'cmdData->wkEnc': 33 (expected: 32)",
-         [](Data& data) {
-             data.method = ABECS_CMD_GPN_METHOD_MK_WK_TDES;
-             std::memset(data.wkEnc, '0', sizeof data.wkEnc);
-         }},
-        {"Invalid length for 'cmdData->pan': 1", [](Data& data) { std::strcpy(data.pan, "4"); }},
-        {"Invalid length for 'cmdData->pan': 20", [](Data& data) { std::memset(data.pan, '4', sizeof data.pan); }},
-        {"Invalid length for 'cmdData->entryCount': 0", [](Data& data) { data.entryCount = 0; }},
-        {"Invalid length for 'cmdData->entryCount': 10", [](Data& data) { data.entryCount = 10; }},
-        {"Invalid value for 'cmdData->entries[0].min': 3", [](Data& data) { data.entries[0].min = 3; }},
-        {"Invalid value for 'cmdData->entries[0].min': 100", [](Data& data) { data.entries[0].min = 100; }},
-        {"Invalid value for 'cmdData->entries[0].max': 100", [](Data& data) { data.entries[0].max = 100; }},
-        {"Invalid value for 'cmdData->entries[0].max': 3", [](Data& data) { data.entries[0].max = 3; }},
-        {"Invalid length for 'cmdData->entries[0].msg': 33",
-         [](Data& data) { std::memset(data.entries[0].msg, 'x', sizeof data.entries[0].msg); }},
-        {"Invalid value for 'cmdData->entries[1].min': 0", [](Data& data) { data.entryCount = 2; }},
-        {"Invalid hex byte at index 14",
-         [](Data& data) {
-             data.method = ABECS_CMD_GPN_METHOD_MK_WK_DES;
-             std::strcpy(data.wkEnc, "0123456789ABCDEx");
-         }},
-        {"Invalid character (0x80) at position 2", [](Data& data) { std::strcpy(data.pan, "41\x80"); }},
-        {"Invalid character (0x0D) at position 3", [](Data& data) { std::strcpy(data.entries[0].msg, "PIN\r"); }},
-    };
     Link link;
-    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gpn(link.comm, nullptr));
     Data data = kSimple;
-    for (size_t i = std::size(rows); i-- > 0;) {
-        rows[i].spoil(data);
-        EXPECT_REFUSED(2, rows[i].detail, abecs_cmd_gpn(link.comm, &data));
-    }
+    const auto refused = [&](const char* detail) { EXPECT_REFUSED(2, detail, abecs_cmd_gpn(link.comm, &data)); };
+    const auto number = [&](auto& field, int32_t wrong, const char* detail) {
+        field = static_cast<std::remove_reference_t<decltype(field)>>(wrong);
+        refused(detail);
+    };
+    const auto text = [&](auto& field, const std::string& wrong, const char* detail) {
+        std::memset(field, 0, sizeof field);
+        wrong.copy(field, sizeof field);
+        refused(detail);
+    };
+    text(data.entries[0].msg, "PIN\r", "Invalid character (0x0D) at position 3");
+    text(data.pan, "41\x80", "Invalid character (0x80) at position 2");
+    data.method = ABECS_CMD_GPN_METHOD_MK_WK_DES;
+    text(data.wkEnc, "0123456789ABCDEx", "Invalid hex byte at index 14");
+    number(data.entryCount, 2, "Invalid value for 'cmdData->entries[1].min': 0");
+    text(data.entries[0].msg, std::string(33, 'x'), "Invalid length for 'cmdData->entries[0].msg': 33");
+    number(data.entries[0].max, 3, "Invalid value for 'cmdData->entries[0].max': 3");
+    number(data.entries[0].max, 100, "Invalid value for 'cmdData->entries[0].max': 100");
+    number(data.entries[0].min, 100, "Invalid value for 'cmdData->entries[0].min': 100");
+    number(data.entries[0].min, 3, "Invalid value for 'cmdData->entries[0].min': 3");
+    number(data.entryCount, 10, "Invalid length for 'cmdData->entryCount': 10");
+    number(data.entryCount, 0, "Invalid length for 'cmdData->entryCount': 0");
+    text(data.pan, std::string(20, '4'), "Invalid length for 'cmdData->pan': 20");
+    text(data.pan, "4", "Invalid length for 'cmdData->pan': 1");
+    text(data.wkEnc, std::string(32, '0'), "Invalid length for 'cmdData->wkEnc': 32 (expected: 16)");
+    data.method = ABECS_CMD_GPN_METHOD_MK_WK_TDES;
+    text(data.wkEnc, std::string(33, '0'), "Invalid length for 'cmdData->wkEnc': 33 (expected: 32)");
+    text(data.wkEnc, "", "Invalid length for 'cmdData->wkEnc': 0 (expected: 32)");
+    number(data.keyIdx, 100, "Invalid value for 'cmdData->keyIdx': 100");
+    number(data.method, -1, "Invalid enumerator for AbecsCmdGpnMethod_E: -1");
+    number(data.method, 4, "Invalid enumerator for AbecsCmdGpnMethod_E: 4");
+    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gpn(link.comm, nullptr));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
 }
 
