@@ -3,19 +3,22 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <fmt/format.h>
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "simulator/control/control.h"
 #include "simulator/control/control_server.h"
 #include "simulator/face/face.h"
 #include "simulator/pin_pad.h"
 #include "simulator/port_link.h"
+#include "simulator/scenario/performance.h"
 
 namespace {
 
@@ -44,15 +47,26 @@ private:
 
 void print_error(const std::string& text) { fmt::print(stderr, "{}", text); }
 
+constexpr int kept = 0;
+constexpr int broken = 1;
+// What it was asked to do cannot be done.
+constexpr int unable = 2;
+
 struct Settings {
     std::string link;
     std::string keys;
     std::string control;
+    std::string scenario;
+    std::optional<sim::Scenario::End> ends;
     std::optional<unsigned> speed;
     uint32_t seed = 1;
     bool trace = false;
     bool face = false;
+    bool listScenarios = false;
 };
+
+const std::map<std::string, sim::Scenario::End> ends{
+    {"close", sim::Scenario::End::close}, {"done", sim::Scenario::End::done}, {"stop", sim::Scenario::End::stop}};
 
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {
@@ -76,8 +90,9 @@ private:
 // A line in the midst of the face would spoil it, and it shows all that would stand there.
 bool may_print(const Settings& settings, int descriptor) { return !settings.face || ::isatty(descriptor) == 0; }
 
-sim::PinPad::Options options(const Settings& settings, Port& port) {
+sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performance* performance) {
     sim::PinPad::Options options;
+    if (performance != nullptr) options = performance->prepare(std::move(options));
     options.speed = settings.speed.value_or(0);
     options.seed = settings.seed;
     options.returned = [&port](const std::string& path) { port.announce(path); };
@@ -91,20 +106,47 @@ sim::PinPad::Options options(const Settings& settings, Port& port) {
     return options;
 }
 
-void play(const Settings& settings) {
+std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
+    if (settings.scenario.empty()) return nullptr;
+    auto performance = std::make_unique<sim::Performance>(sim::Scenario::find(settings.scenario));
+    if (settings.ends) performance->end_at(*settings.ends);
+    return performance;
+}
+
+// Whether all went as the scenario says.
+bool report(const sim::Performance& performance, const sim::PinPad& pinPad) {
+    const std::vector<std::string> complaints = performance.complaints(pinPad.findings());
+    fmt::print("scenario: {}\n", complaints.empty() ? "ok" : "failed");
+    for (const std::string& complaint : complaints) fmt::print("{}\n", complaint);
+    return complaints.empty();
+}
+
+int list_scenarios() {
+    for (const auto& [name, text] : sim::shipped_scenarios()) {
+        fmt::print("{:24} {}\n", name, sim::Scenario::from_toml(std::string(name), text).title);
+    }
+    return kept;
+}
+
+int play(const Settings& settings) {
     Port port(settings.link, !may_print(settings, STDOUT_FILENO));
+    const auto performance = performance_of(settings);
     sim::Feed feed;
-    sim::PinPad::Options pinPadOptions = options(settings, port);
+    sim::PinPad::Options pinPadOptions = options(settings, port, performance.get());
     if (settings.face) feed.listen(pinPadOptions);
     sim::PinPad pinPad(std::move(pinPadOptions));
     const StopOnSignals stopOnSignals(pinPad);
-    sim::Control control(pinPad);
+    sim::Control control(pinPad, performance ? performance->scenario().cards : sim::Cards::standard());
     std::optional<sim::ControlServer> server;
     if (!settings.control.empty()) server.emplace(settings.control, control);
     const auto announce = [&] { port.announce(pinPad.path()); };
-    if (settings.face) return sim::show_face(pinPad, control.cards(), feed, announce);
-    announce();
-    pinPad.run();
+    if (settings.face) {
+        sim::show_face(pinPad, control.cards(), feed, announce);
+    } else {
+        announce();
+        pinPad.run();
+    }
+    return !performance || report(*performance, pinPad) ? kept : broken;
 }
 
 }  // namespace
@@ -117,6 +159,14 @@ int main(int argc, char** argv) {
         ->type_name("FILE");
     app.add_option("--control", settings.control, "Listen on a Unix domain socket for requests, lines of JSON")
         ->type_name("PATH");
+    app.add_option("--scenario", settings.scenario,
+                   "Play a scenario: one of those that come with the program, or a TOML file")
+        ->type_name("NAME|FILE");
+    app.add_option("--ends", settings.ends, "When a scenario ends, in place of what it says itself")
+        ->type_name("close|done|stop")
+        ->transform(CLI::CheckedTransformer(ends))
+        ->needs("--scenario");
+    app.add_flag("--list-scenarios", settings.listScenarios, "Name the scenarios that come with the program");
     app.add_option("--speed", settings.speed, "Take the time of a line of so many bits per second")
         ->type_name("BITS")
         ->check(CLI::Range(300, 4000000));
@@ -128,13 +178,18 @@ int main(int argc, char** argv) {
                  "place of what would be printed there; what goes into files and pipes is printed as usual");
     app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
     app.set_version_flag("--version", QUORVEL_VERSION);
-    CLI11_PARSE(app, argc, argv);
+    app.footer(
+        "Exit status: 0 when it was told to end, or a scenario went as expected; 1 when a scenario did not; 2 when "
+        "the command line or a file is wrong, or there is no line.");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kept : unable; }
 
     try {
-        play(settings);
+        if (settings.listScenarios) return list_scenarios();
+        return play(settings);
     } catch (const std::exception& error) {
         print_error(fmt::format("quorvel-sim: {}\n", error.what()));
-        return EXIT_FAILURE;
+        return unable;
     }
-    return EXIT_SUCCESS;
 }

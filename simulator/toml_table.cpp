@@ -12,7 +12,7 @@
 
 namespace quorvel::sim {
 
-const toml::node* TomlTable::take(std::string_view key) {
+const toml::node* TomlTable::node(std::string_view key) {
     taken_.emplace(key);
     return table_->get(key);
 }
@@ -36,7 +36,7 @@ void TomlTable::blame(std::string_view key, const std::function<void()>& read) c
 }
 
 std::string TomlTable::text(std::string_view key) {
-    const toml::node* const node = take(key);
+    const toml::node* const node = this->node(key);
     if (node == nullptr) return {};
     const auto value = node->value<std::string>();
     if (!value) refuse(key, "no text");
@@ -60,7 +60,7 @@ Bytes TomlTable::required_hex(std::string_view key) {
 }
 
 int64_t TomlTable::number(std::string_view key, int64_t lowest, int64_t highest, std::optional<int64_t> absent) {
-    const toml::node* const node = take(key);
+    const toml::node* const node = this->node(key);
     if (node == nullptr && absent) return *absent;
     if (node == nullptr) refuse(key, "is missing");
     const auto value = node->value_exact<int64_t>();
@@ -71,15 +71,32 @@ int64_t TomlTable::number(std::string_view key, int64_t lowest, int64_t highest,
     return *value;
 }
 
+bool TomlTable::flag(std::string_view key) {
+    const toml::node* const node = this->node(key);
+    if (node == nullptr) return false;
+    if (!node->is_boolean()) refuse(key, "neither true nor false");
+    return node->as_boolean()->get();
+}
+
+std::vector<std::string> TomlTable::texts(std::string_view key) {
+    const toml::node* const node = this->node(key);
+    if (node == nullptr) return {};
+    if (node->is_string()) return {text(key)};
+    if (!node->is_array() || !node->as_array()->is_homogeneous<std::string>()) refuse(key, "no list of texts");
+    std::vector<std::string> texts;
+    for (const toml::node& each : *node->as_array()) texts.push_back(each.as_string()->get());
+    return texts;
+}
+
 std::optional<TomlTable> TomlTable::table(std::string_view key) {
-    const toml::node* const node = take(key);
+    const toml::node* const node = this->node(key);
     if (node == nullptr) return std::nullopt;
     if (!node->is_table()) refuse(key, "no table");
     return TomlTable(*node->as_table(), below(key));
 }
 
 std::vector<TomlTable> TomlTable::tables(std::string_view key) {
-    const toml::node* const node = take(key);
+    const toml::node* const node = this->node(key);
     std::vector<TomlTable> tables;
     if (node == nullptr) return tables;
     if (!node->is_array() || !node->as_array()->is_homogeneous<toml::table>()) refuse(key, "no list of tables");

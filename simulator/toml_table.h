@@ -25,12 +25,23 @@ public:
     // `path` names the table in messages: the keys that lead to it, empty for the document.
     explicit TomlTable(const toml::table& table, std::string path = {}) : table_(&table), path_(std::move(path)) {}
 
+    [[nodiscard]] bool has(std::string_view key) const { return table_->contains(key); }
+    // Where it begins in the document.
+    [[nodiscard]] uint32_t line() const { return table_->source().begin.line; }
+    // Null when the key is not there.
+    [[nodiscard]] const toml::node* node(std::string_view key);
+
     // Empty when the key is not there.
     [[nodiscard]] std::string text(std::string_view key);
     [[nodiscard]] Bytes hex(std::string_view key);
     [[nodiscard]] std::string required_text(std::string_view key);
     [[nodiscard]] Bytes required_hex(std::string_view key);
     [[nodiscard]] int64_t number(std::string_view key, int64_t lowest, int64_t highest, std::optional<int64_t> absent);
+
+    // False when the key is not there.
+    [[nodiscard]] bool flag(std::string_view key);
+    // A list of texts, or one text alone.
+    [[nodiscard]] std::vector<std::string> texts(std::string_view key);
 
     // The value that stands beside the text; the first when the key is not there.
     template <typename Value, size_t Count>
@@ -57,7 +68,6 @@ public:
     void end() const;
 
 private:
-    const toml::node* take(std::string_view key);
     [[nodiscard]] std::string below(std::string_view key) const;
 
     const toml::table* table_;

@@ -55,13 +55,25 @@ bool keeps_private(const Command* command) {
 }
 
 // The trace shows what came, whether or not it makes sense.
-std::string blocks_words(const Command* command, ByteView blocks) {
+std::string whole_blocks_words(const Command* command, ByteView blocks) {
     if (blocks.empty()) return "";
-    if (keeps_private(command)) return fmt::format(": {} bytes withheld", blocks.size());
     try {
         const bool params = command != nullptr && command->form == Command::Form::params;
         return params ? params_words(blocks) : fields_words(blocks);
     } catch (const LayoutError&) { return ": " + value_words(blocks); }
+}
+
+std::string blocks_words(const Command* command, ByteView blocks) {
+    if (!blocks.empty() && keeps_private(command)) return fmt::format(": {} bytes withheld", blocks.size());
+    return whole_blocks_words(command, blocks);
+}
+
+std::string request_words(ByteView packet, std::string (*blocks)(const Command* command, ByteView blocks)) {
+    const ByteView head = packet.first(std::min(packet.size(), idWidth));
+    const std::string id(head.begin(), head.end());
+    const Command* command = find_command(id);
+    const std::string name = command != nullptr ? fmt::format("{} {}", id, command->title) : value_words(head);
+    return name + blocks(command, packet.subspan(head.size()));
 }
 
 // Plain frames only; enciphered ones keep their secrets by themselves.
@@ -77,13 +89,9 @@ bool is_withheld(ByteView packet) {
     return keeps_private(find_command(std::string(id.begin(), id.end())));
 }
 
-std::string request_words(ByteView packet) {
-    const ByteView head = packet.first(std::min(packet.size(), idWidth));
-    const std::string id(head.begin(), head.end());
-    const Command* command = find_command(id);
-    const std::string name = command != nullptr ? fmt::format("{} {}", id, command->title) : value_words(head);
-    return name + blocks_words(command, packet.subspan(head.size()));
-}
+std::string request_words(ByteView packet) { return request_words(packet, blocks_words); }
+
+std::string whole_request_words(ByteView packet) { return request_words(packet, whole_blocks_words); }
 
 std::string response_words(ByteView packet) {
     if (packet.size() < idWidth + statusWidth) return value_words(packet);

@@ -24,6 +24,8 @@ struct Traffic {
 
 // "GIX device information: SPE_IDLIST=80018003", "GIN 000 OK: \"QUORVEL ...\"".
 [[nodiscard]] std::string request_words(ByteView packet);
+// Of a command whose privacy is to be kept too.
+[[nodiscard]] std::string whole_request_words(ByteView packet);
 [[nodiscard]] std::string response_words(ByteView packet);
 [[nodiscard]] std::string control_words(uint8_t byte);
 [[nodiscard]] std::string reception_words(const Reception& reception);

@@ -188,12 +188,15 @@ Card card(TomlTable table) {
 
 }  // namespace
 
-Cards Cards::from_toml(std::string_view text) {
-    const toml::table document = parse_toml(text);
-    TomlTable table(document);
+Cards Cards::from_table(TomlTable table) {
     Cards cards;
     for (const std::string& name : table.keys()) cards.cards_[name] = card(*table.table(name));
     return cards;
+}
+
+Cards Cards::from_toml(std::string_view text) {
+    const toml::table document = parse_toml(text);
+    return from_table(TomlTable(document));
 }
 
 Cards Cards::from_file(const std::string& path) {

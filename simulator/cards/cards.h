@@ -13,6 +13,8 @@
 
 namespace quorvel::sim {
 
+class TomlTable;
+
 // Cards by name: Cards::standard().at("visa-chip").
 class Cards {
 public:
@@ -62,6 +64,7 @@ public:
     //     mode = "emv"                 # "stripe"
     //     verification = "none"
     //     fault = "multiple"
+    [[nodiscard]] static Cards from_table(TomlTable cards);
     [[nodiscard]] static Cards from_toml(std::string_view text);
     [[nodiscard]] static Cards from_file(const std::string& path);
 

@@ -5,11 +5,9 @@
 #include <fmt/format.h>
 #include <stdexcept>
 #include <string>
-#include <toml++/toml.h>
 #include <utility>
 
 #include "simulator/keys/block_cipher.h"
-#include "simulator/keys/hex.h"
 #include "simulator/keys/key_store.h"
 #include "simulator/toml_table.h"
 
@@ -17,21 +15,11 @@ namespace quorvel::sim {
 
 namespace {
 
-template <typename Value>
-Value required(const toml::table& table, std::string_view name) {
-    const auto value = table[name].value<Value>();
-    if (!value) throw std::invalid_argument(fmt::format("no {}", name));
-    return *value;
-}
+constexpr std::array<std::pair<std::string_view, KeyStrength>, 2> strengths{
+    {{"des", KeyStrength::des}, {"tdes", KeyStrength::tdes}}};
+constexpr std::array<std::pair<std::string_view, KeyUse>, 2> uses{{{"pin", KeyUse::pin}, {"data", KeyUse::data}}};
 
-template <typename Choice>
-Choice choice(const toml::table& table, std::string_view name,
-              const std::array<std::pair<std::string_view, Choice>, 2>& choices) {
-    const auto text = required<std::string>(table, name);
-    const auto* found = std::ranges::find(choices, text, &std::pair<std::string_view, Choice>::first);
-    if (found == choices.end()) throw std::invalid_argument(fmt::format("{} is \"{}\"", name, text));
-    return found->second;
-}
+constexpr int64_t lastIndex = 99;
 
 struct Place {
     KeyStrength strength;
@@ -39,70 +27,60 @@ struct Place {
     int index;
 };
 
-Place place(const toml::table& table) {
-    return {choice<KeyStrength>(table, "strength", {{{"des", KeyStrength::des}, {"tdes", KeyStrength::tdes}}}),
-            choice<KeyUse>(table, "use", {{{"pin", KeyUse::pin}, {"data", KeyUse::data}}}),
-            required<int>(table, "index")};
+Place place(TomlTable& table) {
+    for (const std::string_view key : {"strength", "use"}) static_cast<void>(table.required_text(key));
+    return {table.choice("strength", strengths), table.choice("use", uses),
+            static_cast<int>(table.number("index", 0, lastIndex, std::nullopt))};
 }
 
-Ksn ksn_of(const toml::table& table) {
-    const Bytes bytes = from_hex(required<std::string>(table, "ksn"));
+Ksn ksn_of(TomlTable& table) {
+    const Bytes bytes = table.required_hex("ksn");
     Ksn ksn{};
-    if (bytes.size() != ksn.size()) throw std::invalid_argument(fmt::format("a ksn of {} bytes", bytes.size()));
+    if (bytes.size() != ksn.size())
+        table.refuse("ksn", fmt::format("{} bytes instead of {}", bytes.size(), ksn.size()));
     std::ranges::copy(bytes, ksn.begin());
     return ksn;
 }
 
-void add_master(KeyStore& store, const toml::table& table) {
+void add_master(KeyStore& store, TomlTable& table) {
     const Place at = place(table);
-    store.set_master(at.strength, at.use, at.index, from_hex(required<std::string>(table, "key")));
+    Bytes key = table.required_hex("key");
+    table.blame("key", [&] { store.set_master(at.strength, at.use, at.index, std::move(key)); });
 }
 
-void add_dukpt(KeyStore& store, const toml::table& table) {
+void add_dukpt(KeyStore& store, TomlTable& table) {
     const Place at = place(table);
     const Ksn ksn = ksn_of(table);
-    Bytes key;
-    if (table.contains("base_key")) {
-        key = dukpt::initial_key(from_hex(required<std::string>(table, "base_key")), ksn);
-        if (at.strength == KeyStrength::des) key.resize(blockSize);
-    } else {
-        key = from_hex(required<std::string>(table, "initial_key"));
-    }
-    store.set_dukpt(at.strength, at.use, at.index, std::move(key), ksn);
+    const bool derived = table.has("base_key");
+    const std::string_view name = derived ? "base_key" : "initial_key";
+    Bytes key = table.required_hex(name);
+    table.blame(name, [&] {
+        if (derived) key = dukpt::initial_key(key, ksn);
+        if (derived && at.strength == KeyStrength::des) key.resize(blockSize);
+        store.set_dukpt(at.strength, at.use, at.index, std::move(key), ksn);
+    });
 }
 
-using Adder = void (*)(KeyStore& store, const toml::table& table);
-
-void add_each(KeyStore& store, const toml::node& list, Adder add) {
-    const toml::array* const tables = list.as_array();
-    if (tables == nullptr || !tables->is_array_of_tables()) throw std::invalid_argument("no list of tables");
-    for (const toml::node& table : *tables) {
-        try {
-            add(store, *table.as_table());
-        } catch (const std::invalid_argument& error) {
-            throw std::runtime_error(fmt::format("line {}: {}", table.source().begin.line, error.what()));
-        }
+void add_each(KeyStore& store, TomlTable& keys, std::string_view list, void (*add)(KeyStore& store, TomlTable& table)) {
+    for (TomlTable& table : keys.tables(list)) {
+        add(store, table);
+        table.end();
     }
-}
-
-Adder adder(std::string_view name) {
-    if (name == "master") return add_master;
-    if (name == "dukpt") return add_dukpt;
-    throw std::invalid_argument("there is no such table");
 }
 
 }  // namespace
 
-KeyStore KeyStore::from_toml(std::string_view text) {
+KeyStore KeyStore::from_table(TomlTable keys) {
     KeyStore store;
-    for (const auto& [name, list] : parse_toml(text)) {
-        try {
-            add_each(store, list, adder(name.str()));
-        } catch (const std::invalid_argument& error) {
-            throw std::runtime_error(fmt::format("{}: {}", name.str(), error.what()));
-        }
-    }
+    add_each(store, keys, "master", add_master);
+    add_each(store, keys, "dukpt", add_dukpt);
+    keys.end();
     return store;
+}
+
+KeyStore KeyStore::from_toml(std::string_view text) {
+    const toml::table document = parse_toml(text);
+    return from_table(TomlTable(document));
 }
 
 KeyStore KeyStore::from_file(const std::string& path) {

@@ -14,6 +14,8 @@
 
 namespace quorvel::sim {
 
+class TomlTable;
+
 enum class KeyStrength { des, tdes };
 enum class KeyUse { pin, data };
 
@@ -61,6 +63,7 @@ public:
     //     index = 5
     //     base_key = "0123456789ABCDEFFEDCBA9876543210"  # or initial_key
     //     ksn = "FFFF9876543210E00000"
+    [[nodiscard]] static KeyStore from_table(TomlTable keys);
     [[nodiscard]] static KeyStore from_toml(std::string_view text);
     [[nodiscard]] static KeyStore from_file(const std::string& path);
 

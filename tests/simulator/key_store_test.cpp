@@ -68,15 +68,15 @@ TEST(KeyStore, SaysWhatIsWrongWithAFile) {
     const std::string head = "[[master]]\nstrength = \"des\"\nuse = \"pin\"\n";
     const std::string dukpt = "[[dukpt]]\nstrength = \"tdes\"\nuse = \"pin\"\nindex = 0\n";
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"master = 1", "master: no list of tables"},
-        {"[[keys]]", "keys: there is no such table"},
-        {head + "key = \"0011223344556677\"", "line 1: no index"},
-        {"\n" + head + "index = 100\nkey = \"0011223344556677\"", "line 2: index 100"},
-        {head + "index = 0\nkey = \"00112233445566\"", "line 1: a key of 7 bytes instead of 8"},
-        {head + "index = 0\nkey = \"001122334455667G\"", "line 1: no hexadecimal digit at position 14"},
-        {"[[master]]\nstrength = \"aes\"", "line 1: strength is \"aes\""},
-        {dukpt + "base_key = \"00\"\nksn = \"FFFF98\"", "line 1: a ksn of 3 bytes"},
-        {dukpt + "initial_key = \"00\"\nksn = \"FFFF9876543210E00000\"", "line 1: a key of 1 bytes instead of 16"},
+        {"master = 1", "line 1: master: no list of tables"},
+        {"[[keys]]", "line 1: keys: there is no such key"},
+        {head + "key = \"0011223344556677\"", "line 1: master.index: is missing"},
+        {"\n" + head + "index = 100\nkey = \"0011223344556677\"", "line 5: master.index: 100 is not from 0 to 99"},
+        {head + "index = 0\nkey = \"00112233445566\"", "line 5: master.key: a key of 7 bytes instead of 8"},
+        {head + "index = 0\nkey = \"001122334455667G\"", "line 5: master.key: no hexadecimal digit at position 14"},
+        {"[[master]]\nstrength = \"aes\"\nuse = \"pin\"", "line 2: master.strength: \"aes\" is none of its values"},
+        {dukpt + "base_key = \"00\"\nksn = \"FFFF98\"", "line 6: dukpt.ksn: 3 bytes instead of 10"},
+        {dukpt + "initial_key = \"00\"\nksn = \"FFFF9876543210E00000\"", "line 5: dukpt.initial_key: a key of 1 bytes instead of 16"},
     };
     for (const auto& [text, fault] : cases) {
         try {

@@ -137,10 +137,10 @@ TEST_F(ProgramTest, TakesNoNameThatSomethingElseHas) {
     std::ofstream(folder_ / "file") << "kept";
     fs::create_symlink(folder_ / "file", link());
     Program taken({"--link", (folder_ / "file").string()});
-    EXPECT_EQ(taken.wait(), 1);
+    EXPECT_EQ(taken.wait(), 2);
     EXPECT_EQ(taken.errors(), "quorvel-sim: " + (folder_ / "file").string() + " is there and no link\n");
     Program linked({"--link", link()});
-    EXPECT_EQ(linked.wait(), 1);
+    EXPECT_EQ(linked.wait(), 2);
     EXPECT_EQ(linked.errors(),
               "quorvel-sim: " + link() + " leads to " + (folder_ / "file").string() + ", which is there\n");
     EXPECT_EQ(linked.line(), "");
@@ -156,10 +156,10 @@ TEST_F(ProgramTest, TakesItsKeysFromAFile) {
     EXPECT_EQ(host.receive(20), "\x06\x16GEN000006003010\x17\x1F\xA4");
     std::ofstream(path) << "[[master]]";
     Program faulty({"--keys", path});
-    EXPECT_EQ(faulty.wait(), 1);
-    EXPECT_EQ(faulty.errors(), "quorvel-sim: " + path + ": line 1: no strength\n");
+    EXPECT_EQ(faulty.wait(), 2);
+    EXPECT_EQ(faulty.errors(), "quorvel-sim: " + path + ": line 1: master.strength: is missing\n");
     Program missing({"--keys", link()});
-    EXPECT_EQ(missing.wait(), 1);
+    EXPECT_EQ(missing.wait(), 2);
     EXPECT_EQ(missing.errors(), "quorvel-sim: " + link() + " cannot be read\n");
 }
 

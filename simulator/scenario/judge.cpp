@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/scenario/judge.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "simulator/status.h"
+#include "simulator/trace.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr size_t mostSince = 10;
+
+bool is_among(const std::string& id, const CommandIds& ids) { return std::ranges::find(ids, id) != ids.end(); }
+
+std::string status_words(std::optional<int> status) {
+    return status ? fmt::format("{:03} {}", *status, status_name(*status)) : "nothing";
+}
+
+// The parameter that a part like SPE_AMOUNT="..." is about, as it came. The scenario's author asked for it by name, so
+// it is shown even where traces do not show it.
+std::string counterpart(const std::string& words, const std::string& part) {
+    const size_t equals = part.find('=');
+    const size_t start = equals == std::string::npos ? equals : words.find(part.substr(0, equals + 1));
+    if (start == std::string::npos) return "";
+    return words.substr(start, words.find(", ", start) - start);
+}
+
+// How the exchange is not what was expected; empty when it is.
+std::string difference(const Expectation& expected, const Exchange& exchange) {
+    const std::string words = whole_request_words(exchange.request);
+    const auto has = [&](const std::string& part) { return words.find(part) != std::string::npos; };
+    for (const std::string& part : expected.with) {
+        if (has(part)) continue;
+        const std::string instead = counterpart(words, part);
+        return fmt::format("came without {}, {}", part,
+                           instead.empty() ? "as " + request_words(exchange.request) : "but with " + instead);
+    }
+    for (const std::string& part : expected.without) {
+        if (has(part)) return fmt::format("came with {}", part);
+    }
+    if (!expected.status || *expected.status == exchange.status) return "";
+    return fmt::format("was answered with {}, not with {}", status_words(exchange.status),
+                       status_words(*expected.status));
+}
+
+std::string ids_words(const CommandIds& ids) { return fmt::format("{}", fmt::join(ids, " or ")); }
+
+std::string times_words(unsigned times) {
+    return times == 0 ? "never" : times == 1 ? "once" : fmt::format("{} times", times);
+}
+
+// All that the expectation asks for.
+std::string words_of(const Expectation& expected) {
+    std::string words = ids_words(expected.commands);
+    if (!expected.with.empty()) words += fmt::format(" with {}", fmt::join(expected.with, " and "));
+    if (!expected.without.empty()) words += fmt::format(" without {}", fmt::join(expected.without, " or "));
+    if (expected.status) words += fmt::format(", answered with {}", status_words(*expected.status));
+    return words;
+}
+
+bool is_met(const Expectation::Times& times, unsigned met) { return times ? met == *times : met > 0; }
+
+}  // namespace
+
+Judge::Judge(const Scenario& scenario) : scenario_(scenario) {
+    for (const Expectation& each : scenario.expectations) (each.anywhere ? anywhere_ : ordered_).push_back({each});
+}
+
+void Judge::exchanged(const Exchange& exchange) {
+    for (Count& count : anywhere_) {
+        if (!is_among(exchange.command, count.expected.commands)) continue;
+        const std::string wrong = difference(count.expected, exchange);
+        if (wrong.empty()) {
+            ++count.met;
+        } else {
+            count.almost = fmt::format("{} {}", exchange.command, wrong);
+        }
+    }
+    compare_next(exchange);
+}
+
+void Judge::compare_next(const Exchange& exchange) {
+    if (next_ == ordered_.size()) return;
+    Count& count = ordered_[next_];
+    const Expectation& expected = count.expected;
+    if (!is_among(exchange.command, expected.commands)) {
+        if (since_.size() < mostSince) since_.push_back(exchange.command);
+        return;
+    }
+    if (const std::string wrong = difference(expected, exchange); !wrong.empty()) {
+        complaints_.push_back({expected.line, fmt::format("{} {}", exchange.command, wrong)});
+    }
+    since_.clear();
+    if (++count.met == expected.times.value_or(1)) ++next_;
+}
+
+bool Judge::is_content() const {
+    return complaints_.empty() && next_ == ordered_.size() && std::ranges::all_of(anywhere_, [](const Count& count) {
+               return is_met(count.expected.times, count.met);
+           });
+}
+
+void Judge::complain_of_counts(std::vector<Complaint>& complaints) const {
+    for (const auto& [expected, met, almost] : anywhere_) {
+        if (is_met(expected.times, met)) continue;
+        const std::string due = expected.times ? times_words(*expected.times) : "at least once";
+        const std::string last = almost.empty() ? "" : fmt::format("; the last {}", almost);
+        complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}{}", due, words_of(expected),
+                                                         times_words(met), last)});
+    }
+    if (next_ == ordered_.size()) return;
+    const auto& [expected, met, almost] = ordered_[next_];
+    const std::string others = since_.empty() ? "nothing" : fmt::format("{}", fmt::join(since_, ", "));
+    complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}, and {} instead",
+                                                     times_words(expected.times.value_or(1)), words_of(expected),
+                                                     times_words(met), others)});
+}
+
+void Judge::complain_of_findings(std::vector<Complaint>& complaints, const std::vector<Finding>& findings) const {
+    const auto tells = [](const Finding& finding, const ExpectedFinding& expected) {
+        return finding.text.find(expected.text) != std::string::npos;
+    };
+    for (const ExpectedFinding& expected : scenario_.findings) {
+        if (std::ranges::any_of(findings, [&](const Finding& finding) { return tells(finding, expected); })) continue;
+        complaints.push_back({expected.line, fmt::format("expected the finding \"{}\"; it never came", expected.text)});
+    }
+    for (const Finding& finding : findings) {
+        const auto expects = [&](const ExpectedFinding& expected) { return tells(finding, expected); };
+        if (std::ranges::any_of(scenario_.findings, expects)) continue;
+        complaints.push_back({0, fmt::format("unexpected finding ({}): {}", kind_name(finding.kind), finding.text)});
+    }
+}
+
+std::vector<std::string> Judge::complaints(const std::vector<Finding>& findings) const {
+    std::vector<Complaint> all = complaints_;
+    complain_of_counts(all);
+    complain_of_findings(all, findings);
+    std::ranges::stable_sort(all, {}, &Complaint::line);
+    std::vector<std::string> words;
+    for (const auto& [line, text] : all) {
+        words.push_back(line == 0 ? text : fmt::format("{}:{}: {}", scenario_.file, line, text));
+    }
+    return words;
+}
+
+}  // namespace quorvel::sim

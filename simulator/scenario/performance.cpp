@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/scenario/performance.h"
+
+#include <utility>
+
+namespace quorvel::sim {
+
+Performance::Performance(Scenario scenario)
+    : scenario_(std::move(scenario)), end_(scenario_.end), player_(scenario_.script), judge_(scenario_) {}
+
+PinPad::Options Performance::prepare(PinPad::Options options) {
+    options.device = scenario_.device;
+    options.second = scenario_.second;
+    options.patience = scenario_.patience;
+    options.companion = this;
+    return options;
+}
+
+std::vector<std::string> Performance::complaints(const std::vector<Finding>& findings) const {
+    std::vector<std::string> complaints = judge_.complaints(findings);
+    if (auto stuck = player_.complaint(scenario_.file)) complaints.push_back(std::move(*stuck));
+    return complaints;
+}
+
+void Performance::waits(PinPad& pinPad, const std::string& command) {
+    player_.command_waits(command);
+    player_.go_on(pinPad, Clock::now());
+}
+
+void Performance::exchanged(PinPad&, const Exchange& exchange) {
+    player_.command_ended();
+    judge_.exchanged(exchange);
+}
+
+void Performance::left(PinPad& pinPad) {
+    if (end_ == Scenario::End::stop) return;
+    const bool done = (player_.is_done() && judge_.is_content()) || judge_.has_decided();
+    if (done || end_ == Scenario::End::close) pinPad.request_stop();
+}
+
+void Performance::work(PinPad& pinPad, Clock::time_point now) { player_.go_on(pinPad, now); }
+
+}  // namespace quorvel::sim

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/scenario/step_file.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "simulator/command.h"
+#include "simulator/control/arguments.h"
+#include "simulator/control/verbs.h"
+#include "simulator/pin_pad.h"
+
+namespace quorvel::sim {
+
+using nlohmann::json;
+
+namespace {
+
+constexpr std::string_view planned = "when";
+constexpr int64_t longestPause = 24 * 60 * 60 * 1000;
+
+json to_json(const toml::node& node) {
+    if (const auto* text = node.as_string()) return text->get();
+    if (const auto* number = node.as_integer()) return number->get();
+    if (const auto* fraction = node.as_floating_point()) return fraction->get();
+    if (const auto* flag = node.as_boolean()) return flag->get();
+    return nullptr;
+}
+
+// As the file has it.
+std::string words_of(TomlTable& table) {
+    std::string words;
+    for (const std::string& key : table.keys()) {
+        json value = to_json(*table.node(key));
+        if (value.is_null()) value = table.texts(key);
+        words += fmt::format("{}{} = {}", words.empty() ? "" : ", ", key, value.dump());
+    }
+    return words;
+}
+
+// A verb that does something, whether or not anybody listens to an answer. Null for any other name.
+const Verb* deed_named(std::string_view name) {
+    for (const Verb& verb : all_verbs()) {
+        const bool does =
+            std::holds_alternative<Verb::Gesture>(verb.run) || std::holds_alternative<Verb::Plan>(verb.run);
+        if (verb.name == name && does) return &verb;
+    }
+    return nullptr;
+}
+
+const Verb& verb_of(TomlTable& table) {
+    const Verb* found = nullptr;
+    for (const std::string& key : table.keys()) {
+        const Verb* const verb = deed_named(key);
+        if (verb != nullptr && found != nullptr) table.refuse(key, fmt::format("a step after {}", found->name));
+        if (verb != nullptr) found = verb;
+    }
+    if (found != nullptr) return *found;
+    const std::vector<std::string> keys = table.keys();
+    if (keys.empty()) throw std::runtime_error(fmt::format("line {}: a step without anything to do", table.line()));
+    table.refuse(keys.front(), "there is no such step");
+}
+
+// The request that the control socket would take for it.
+json request_for(const Verb& verb, TomlTable& table) {
+    json request{{"do", verb.name}};
+    for (const std::string& key : table.keys()) {
+        if (key != verb.name && key != planned) request[key] = to_json(*table.node(key));
+    }
+    if (!verb.member.empty()) {
+        request[std::string(verb.member)] = to_json(*table.node(verb.name));
+    } else if (!table.flag(verb.name)) {
+        table.refuse(verb.name, "neither left out nor true");
+    }
+    return request;
+}
+
+// Now, or whenever a command waits next.
+Step::Deed gesture(Verb::Gesture add, Arguments& arguments, const Cards& cards, const CommandIds& when) {
+    Gestures gestures;
+    add(gestures, arguments, cards);
+    arguments.end();
+    if (when.empty()) return [gestures](PinPad& pinPad) { pinPad.act(gestures); };
+    return [gestures, when](PinPad& pinPad) {
+        for (const std::string& command : when) pinPad.when(command, gestures);
+    };
+}
+
+Step::Deed deed(TomlTable& table, const Cards& cards) {
+    const Verb& verb = verb_of(table);
+    const json request = request_for(verb, table);
+    const CommandIds when = table.has(planned) ? command_ids(table, planned) : CommandIds();
+    try {
+        Arguments arguments(request);
+        static_cast<void>(arguments.text("do"));
+        if (const auto* add = std::get_if<Verb::Gesture>(&verb.run)) return gesture(*add, arguments, cards, when);
+        if (!when.empty()) table.refuse(planned, fmt::format("{} is nothing that a cardholder does", verb.name));
+        return std::get<Verb::Plan>(verb.run)(arguments);
+    } catch (const RequestError& error) { table.refuse(verb.name, error.what()); }
+}
+
+void require_alone(TomlTable& table, std::string_view name) {
+    if (!table.has(name)) return;
+    for (const std::string& key : table.keys()) {
+        if (key != name) table.refuse(key, fmt::format("not in one step with {}", name));
+    }
+}
+
+}  // namespace
+
+CommandIds command_ids(TomlTable& table, std::string_view key) {
+    if (!table.has(key)) table.refuse(key, "is missing");
+    CommandIds ids = table.texts(key);
+    if (ids.empty()) table.refuse(key, "is empty");
+    for (const std::string& id : ids) {
+        if (find_command(id) == nullptr) table.refuse(key, fmt::format("there is no command \"{}\"", id));
+    }
+    return ids;
+}
+
+Step read_step(TomlTable& table, const Cards& cards) {
+    require_alone(table, "wait");
+    require_alone(table, "pause");
+    Step step{.line = table.line(), .words = words_of(table), .what = Step::Pause{}};
+    if (table.has("wait")) {
+        step.what = Step::Wait{command_ids(table, "wait")};
+    } else if (table.has("pause")) {
+        step.what = Step::Pause{std::chrono::milliseconds(table.number("pause", 0, longestPause, std::nullopt))};
+    } else {
+        step.what = deed(table, cards);
+    }
+    return step;
+}
+
+}  // namespace quorvel::sim
