@@ -272,7 +272,7 @@ TEST(FaceProgramTest, SaysThatATerminalCannotShowIt) {
         TerminalProgram program({"--face"}, {"TERM="s + term});
         EXPECT_TRUE(
             program.await("quorvel-sim: the terminal cannot show a face: TERM names none that moves its cursor"));
-        EXPECT_EQ(program.end(), 1);
+        EXPECT_EQ(program.end(), 2);
         EXPECT_EQ(program.line(), "");
         EXPECT_TRUE(program.is_as_before());
     }
