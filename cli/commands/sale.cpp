@@ -122,10 +122,13 @@ private:
     bool decide_with_card() {
         output_.notice("Follow the PIN pad: it may ask for the PIN.");
         Items decision;
-        go_on_chip(
-            *link_,
-            {.amount = amount_, .currency = options_.currency, .acquirer = acquirer(), .pinKey = options_.pinKey},
-            decision);
+        go_on_chip(*link_,
+                   {.amount = amount_,
+                    .currency = options_.currency,
+                    .acquirer = acquirer(),
+                    .floorLimit = static_cast<uint32_t>(floorLimit_),
+                    .pinKey = options_.pinKey},
+                   decision);
         const GoResult result = GoResult::of(decision.raw(ABECS_RSP_DATID_PP_GOXRES));
         details_.push_back({"Verification", verification_words(result)});
         decision.add(details_, "PIN block", ABECS_RSP_DATID_PP_PINBLK);

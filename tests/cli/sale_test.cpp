@@ -80,6 +80,12 @@ TEST_F(SaleTest, TellsHowItEndedAndWhy) {
          "signature",
          "GTS;GCX;GOX;-;FCX;",
          "declined by the card"},
+        {Gestures().insert(card("visa-signature")),
+         {"--floor-limit", "12.35"},
+         0,
+         "signature",
+         "GTS;GCX;GOX;",
+         "approved without the acquirer"},
     };
     for (const auto& each : cases) {
         pinPad_.when("GCX", each.gestures);
