@@ -16,6 +16,7 @@
 
 #include "tests/simulator/control_client.h"
 #include "tests/simulator/host.h"
+#include "tests/support/wire.h"
 
 namespace {
 
@@ -193,6 +194,67 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
         const std::string errors = program.errors();
         EXPECT_EQ(errors.substr(0, errors.find('\n')), due);
     }
+}
+
+class ScenarioProgramTest : public ProgramTest {
+protected:
+    std::string file(const std::string& text) {
+        const std::string path = (folder_ / "mine.toml").string();
+        std::ofstream(path) << text;
+        return path;
+    }
+
+    static void say(Host& host, const std::string& id) {
+        host.send(support::frame(id + "032" + std::string(32, 'X')));
+        const std::string answer = "\x06" + support::frame(id + "000");
+        EXPECT_EQ(host.receive(answer.size()), answer);
+    }
+
+    // A host that opens the line, sends these and closes it.
+    static void visit(const std::string& port, const std::vector<std::string>& commands) {
+        Host host(port);
+        for (const std::string& id : commands) say(host, id);
+    }
+};
+
+TEST_F(ScenarioProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
+    const std::string path =
+        file("title = 'Mine'\n[[expect]]\ncommand = 'DSP'\n[[expect]]\ncommand = 'CLO'\nstatus = 'OK'\n");
+    const std::string missing =
+        path + ":4: expected once: CLO, answered with 000 OK; it came never, and nothing instead";
+    struct Case {
+        std::string ends;
+        std::vector<std::vector<std::string>> visits;
+        std::string complaint;
+    };
+    // Whoever sends nothing is no host.
+    for (const auto& [ends, visits, complaint] : {Case{"close", {{}, {"DSP"}}, missing},
+                                                  {"close", {{"DSP", "CLO"}}, ""},
+                                                  {"done", {{"DSP"}, {"CLO"}}, ""},
+                                                  {"stop", {{"DSP"}, {"CLO"}, {}}, ""},
+                                                  {"stop", {{"DSP"}}, missing}}) {
+        Program program({"--scenario", path, "--ends", ends});
+        const std::string port = program.ready();
+        for (const auto& commands : visits) visit(port, commands);
+        EXPECT_EQ(ends == "stop" ? program.end(SIGTERM) : program.wait(), complaint.empty() ? 0 : 1) << ends;
+        EXPECT_EQ(program.line(), complaint.empty() ? "scenario: ok" : "scenario: failed");
+        EXPECT_EQ(program.line(), complaint);
+    }
+}
+
+TEST_F(ScenarioProgramTest, SaysWhatItCannotPlay) {
+    const std::string path = file("title = 'Mine'\n[[expect]]\n");
+    for (const auto& [name, due] : {std::pair{path, path + ": line 2: expect.command: is missing"},
+                                    {link(), "there is no scenario \"" + link()
+                                                 + "\": no file, and none of those that "
+                                                   "--list-scenarios names"}}) {
+        Program program({"--scenario", name});
+        EXPECT_EQ(program.wait(), 2);
+        EXPECT_EQ(program.errors(), "quorvel-sim: " + due + "\n");
+    }
+    Program list({"--list-scenarios"});
+    EXPECT_EQ(list.wait(), 0);
+    EXPECT_EQ(list.line(), "acquirer-unreachable     Acquirer unreachable");
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/scenario/performance.h"
+#include "tests/simulator/pin_pad_fixture.h"
+#include "tests/support/wire.h"
+
+using namespace support::literals;
+
+namespace quorvel::sim {
+
+namespace {
+
+Scenario scenario(const std::string& text) { return Scenario::from_toml("s.toml", "title = 'S'\n" + text); }
+
+std::string fault_of(const std::string& text) {
+    try {
+        static_cast<void>(Scenario::from_toml("s.toml", text));
+    } catch (const std::runtime_error& error) { return error.what(); }
+    return "";
+}
+
+TEST(ScenarioFile, SaysWhatIsWrongAndWhere) {
+    const auto step = [](const std::string& line) {
+        return "title = 'S'\nscript = [\n{ wait = 'GCX' },\n" + line + "]";
+    };
+    const auto expect = [](const std::string& keys) { return "title = 'S'\n[[expect]]\n" + keys; };
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"description = 'D'", "line 1: title: is missing"},
+        {"title = 'S'\nends = 'soon'", "line 2: ends: \"soon\" is none of its values"},
+        {"title = 'S'\nexpct = 1", "line 2: expct: there is no such key"},
+        {"title = 'S'\n[device]\nmodel = '01234567890123456789'", "line 3: device.model: longer than 19 characters"},
+        {"title = 'S'\n[keys]\nfile = 'none.toml'", "line 3: keys.file: none.toml cannot be read"},
+        {"title = 'S'\n[[keys.master]]\nuse = 'pin'", "line 2: keys.master.strength: is missing"},
+        {"title = 'S'\n[cards.mine]\nname = 'N'", "line 2: cards.mine.pan: is missing"},
+        {"title = 'S'\n[[tables]]\nversion = '1'\nrecords = [{ acquirer = 3, index = '1' }]",
+         "line 4: tables.records.index: not of two characters"},
+        {step("{ wait = 'GCZ' }"), "line 4: script.wait: there is no command \"GCZ\""},
+        {step("{ wait = 'GCX', remove = true }"), "line 4: script.remove: not in one step with wait"},
+        {step("{ pause = '1s' }"), "line 4: script.pause: no whole number"},
+        {step("{ insert = 'visa-chp' }"), "line 4: script.insert: there is no card \"visa-chp\""},
+        {step("{ insert = 'visa-chip', remove = true }"), "line 4: script.remove: a step after insert"},
+        {step("{ inset = 'visa-chip' }"), "line 4: script.inset: there is no such step"},
+        {step("{ state = true }"), "line 4: script.state: there is no such step"},
+        {step("{ remove = false }"), "line 4: script.remove: neither left out nor true"},
+        {step("{ press = 'any' }"), "line 4: script.press: there is no key \"any\""},
+        {step("{ fault = 'delay' }"), "line 4: script.fault: \"delay\" needs a time"},
+        {step("{ fault = 'bad-crc', evry = 2 }"), "line 4: script.fault: \"evry\" has no place in it"},
+        {step("{ when = 'RMC', hang-up = 1 }"), "line 4: script.when: hang-up is nothing that a cardholder does"},
+        {step("{}"), "line 4: a step without anything to do"},
+        {expect("status = 'OK'"), "line 2: expect.command: is missing"},
+        {expect("command = ['GCX', 'GCY']"), "line 3: expect.command: there is no command \"GCY\""},
+        {expect("command = 'GCX'\nstatus = 'FINE'"), "line 4: expect.status: there is no status \"FINE\""},
+        {expect("command = 'GCX'\ntimes = 0"), "line 4: expect.times: 0 is not from 1 to 1000000"},
+        {expect("command = 'GCX'\nwith = 1"), "line 4: expect.with: no list of texts"},
+        {"title =", "line 1: "},
+    };
+    for (const auto& [text, due] : cases) {
+        EXPECT_EQ(fault_of(text).substr(0, due.size() + 8), "s.toml: " + due) << text;
+    }
+    EXPECT_THROW(static_cast<void>(Scenario::find("chip-online")), std::runtime_error);
+}
+
+TEST(ScenarioFile, IsAsTheGuideHasIt) {
+    std::ifstream file(QUORVEL_DOCS "/writing-a-scenario.md");
+    std::ostringstream guide;
+    guide << file.rdbuf();
+    const std::string text = guide.str();
+    const std::string open = "```toml\n";
+    int count = 0;
+    for (size_t at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
+        const size_t start = at + open.size();
+        const std::string block = text.substr(start, text.find("```", start) - start);
+        EXPECT_EQ(fault_of((block.find("title = ") == std::string::npos ? "title = 'S'\n" : "") + block), "") << block;
+        ++count;
+    }
+    EXPECT_GT(count, 3);
+}
+
+struct Answered {
+    std::string request;
+    std::optional<int> status;
+};
+
+std::vector<std::string> judged(const std::string& text, const std::vector<Answered>& commands,
+                                const std::vector<Finding>& findings = {}) {
+    const Scenario judgedBy = scenario(text);
+    Judge judge(judgedBy);
+    for (const auto& [request, status] : commands) {
+        judge.exchanged({request.substr(0, 3), to_bytes(request), status});
+    }
+    return judge.complaints(findings);
+}
+
+// SPE_AMOUNT, but for its value.
+const std::string amount = "GCX009" + "0013 0005"_hex;
+
+using Complaints = std::vector<std::string>;
+
+TEST(Judge, LetsPassWhatIsExpected) {
+    const std::string sale =
+        "[[expect]]\ncommand = ['GCR', 'GCX']\nstatus = 'OK'\nwith = 'SPE_AMOUNT=\"10'\nwithout = 'SPE_ACQREF'\n"
+        "[[expect]]\ncommand = 'GKY'\nstatus = 'none'\ntimes = 2\n"
+        "[[expect]]\ncommand = 'DSP'\nanywhere = true\n"
+        "[[expect]]\ncommand = 'GKY'\nanywhere = true\nstatus = 4\ntimes = 0\n"
+        "[[finding]]\ntext = 'came while'\n";
+    EXPECT_EQ(
+        judged(sale, {{"OPN", 0}, {amount + "10000", 0}, {"DSP", 0}, {"GKY", {}}, {"DSP", 0}, {"GKY", {}}, {"CLO", 0}},
+               {{Finding::Kind::sequence, "a command came while GKY waited"}}),
+        Complaints{});
+}
+
+TEST(Judge, TellsWhatCameInstead) {
+    const std::string go = "[[expect]]\ncommand = 'GKY'\n[[expect]]\ncommand = ['GIN', 'GIX']\nstatus = 'OK'\n";
+    struct Case {
+        std::string text;
+        std::vector<Answered> commands;
+        Complaints due;
+    };
+    const std::vector<Case> cases{
+        {go, {{"GKY", 0}, {"GIN", 13}}, {"s.toml:4: GIN was answered with 013 CANCEL, not with 000 OK"}},
+        {go, {{"GKY", 0}, {"GIX", {}}}, {"s.toml:4: GIX was answered with nothing, not with 000 OK"}},
+        {go,
+         {{"GIN", 0}, {"GKY", 0}, {"DSP", 0}, {"CLO", 0}},
+         {"s.toml:4: expected once: GIN or GIX, answered with 000 OK; it came never, and DSP, CLO instead"}},
+        {go, {}, {"s.toml:2: expected once: GKY; it came never, and nothing instead"}},
+        {"[[expect]]\ncommand = 'GKY'\ntimes = 3",
+         {{"GKY", 0}},
+         {"s.toml:2: expected 3 times: GKY; it came once, and nothing instead"}},
+        {"[[expect]]\ncommand = 'GIN'\nwith = ['\"00\"', '\"01']",
+         {{"GIN00200", 0}},
+         {"s.toml:2: GIN came without \"01, as GIN device information: \"00\""}},
+        {"[[expect]]\ncommand = 'GIN'\nwithout = '\"0'", {{"GIN00200", 0}}, {"s.toml:2: GIN came with \"0"}},
+        {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'",
+         {{amount + "20000", 0}},
+         {"s.toml:2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""}},
+        {"[[expect]]\ncommand = 'DSP'\nanywhere = true\nstatus = 'OK'",
+         {{"DSP", 11}, {"GIN", 0}},
+         {"s.toml:2: expected at least once: DSP, answered with 000 OK; it came never; the last DSP was answered with "
+          "011 INVPARM, not with 000 OK"}},
+        {"[[expect]]\ncommand = 'CLO'\nanywhere = true\ntimes = 0",
+         {{"CLO", 0}, {"CLO", 0}},
+         {"s.toml:2: expected never: CLO; it came 2 times"}},
+    };
+    for (const auto& [text, commands, due] : cases) EXPECT_EQ(judged(text, commands), due) << text;
+    EXPECT_EQ(judged("[[finding]]\ntext = 'late'", {}, {{Finding::Kind::layout, "GIN: short"}}),
+              (Complaints{"unexpected finding (layout): GIN: short",
+                          "s.toml:2: expected the finding \"late\"; it never came"}));
+}
+
+class PerformanceTest : public PinPadTest {
+protected:
+    void perform(const std::string& text) {
+        performance_.emplace(scenario(text));
+        play(performance_->prepare({}));
+    }
+
+    Complaints complaints() {
+        exchange(can, eot);
+        pinPad_->stop();
+        host_.reset();
+        const Complaints complaints = performance_->complaints(pinPad_->findings());
+        pinPad_.reset();
+        return complaints;
+    }
+
+    void ask(const std::string& request, const std::string& response) {
+        exchange(support::frame(request), ack + support::frame(response));
+    }
+
+    std::optional<Performance> performance_;
+};
+
+TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
+    perform(
+        "script = [\n{ when = 'RMC', remove = true },\n{ insert = 'visa-chip' },\n{ wait = ['CKE', 'GKY'] },\n"
+        "{ notify = 'SOON' },\n{ pause = 1 },\n{ press = 'f1' },\n{ fault = 'status', status = 40 },\n"
+        "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n]\n"
+        "[device]\nserial_number = 'MINE'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
+    ask("GKY", "NTM000004SOON");
+    expect(support::frame("GKY040"));
+    ask("GKY", "GKY005");
+    ask("RMC032" + std::string(32, 'X'), "RMC000");
+    ask("GTS00203", "GTS0000100123456789");
+    EXPECT_EQ(complaints(), Complaints{});
+}
+
+TEST_F(PerformanceTest, TellsWhereTheScriptGotStuck) {
+    perform("script = [\n{ wait = 'GKY' },\n{ press = 'f1' },\n{ wait = ['GCR', 'GCX'] },\n{ remove = true },\n]\n");
+    ask("GKY", "GKY004");
+    exchange(support::frame("CKE003100"), ack);
+    EXPECT_EQ(complaints(),
+              Complaints{"s.toml:5: the script did not get past wait = [\"GCR\",\"GCX\"]; CKE waited instead"});
+}
+
+TEST_F(PerformanceTest, CountsWhatTheHostWasToldAndWhatItGaveUp) {
+    perform(
+        "script = [{ fault = 'status', status = 40, command = 'GIN' }]\n"
+        "[[expect]]\ncommand = 'GIN'\nstatus = 'INTERR'\n[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n"
+        "[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n");
+    ask("GIN00200", "GIN040");
+    exchange(support::frame("GKY"), ack);
+    exchange(can, eot);
+    exchange(support::frame("GKY"), ack);
+    EXPECT_EQ(complaints(), Complaints{});
+}
+
+}  // namespace
+
+}  // namespace quorvel::sim
