@@ -117,6 +117,7 @@ void PinPad::come_and_go() {
     if (const auto absence = std::exchange(absence_, std::nullopt)) {
         transmitter_.abandon();
         heard_.clear();
+        spoken_ = false;
         engine_.restart();
         line_.hang_up();
         returns_ = Clock::now() + *absence;
