@@ -76,7 +76,8 @@ TEST(KeyStore, SaysWhatIsWrongWithAFile) {
         {head + "index = 0\nkey = \"001122334455667G\"", "line 5: master.key: no hexadecimal digit at position 14"},
         {"[[master]]\nstrength = \"aes\"\nuse = \"pin\"", "line 2: master.strength: \"aes\" is none of its values"},
         {dukpt + "base_key = \"00\"\nksn = \"FFFF98\"", "line 6: dukpt.ksn: 3 bytes instead of 10"},
-        {dukpt + "initial_key = \"00\"\nksn = \"FFFF9876543210E00000\"", "line 5: dukpt.initial_key: a key of 1 bytes instead of 16"},
+        {dukpt + "initial_key = \"00\"\nksn = \"FFFF9876543210E00000\"",
+         "line 5: dukpt.initial_key: a key of 1 bytes instead of 16"},
     };
     for (const auto& [text, fault] : cases) {
         try {
