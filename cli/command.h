@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "cli/error.h"
@@ -41,6 +42,16 @@ struct Command {
 };
 
 [[nodiscard]] std::span<const Command> commands() noexcept;
+
+// An option that takes a number in a range; what it holds already is its default.
+template <typename Number>
+CLI::Option* add_number(CLI::App& app, const std::string& name, Number& number, const std::string& summary,
+                        const char* type, int lowest = 0, int highest = 255) {
+    return app.add_option(name, number, summary)
+        ->check(CLI::Range(lowest, highest).description(""))
+        ->type_name(type)
+        ->default_str(std::to_string(number));
+}
 
 // What a group of commands is about.
 [[nodiscard]] std::string_view group_summary(std::string_view group) noexcept;

@@ -15,7 +15,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-enum class Shape { bytes, text, pan, secret, cryptogram, verification };
+enum class Shape { bytes, text, pan, secret, cryptogram, verification, results };
 
 struct TagInfo {
     uint32_t tag;
@@ -36,7 +36,7 @@ constexpr std::array tags{
     TagInfo{0x8A, "Authorisation response code", Shape::text},
     TagInfo{0x8E, "Cardholder verification list"},
     TagInfo{0x91, "Issuer authentication data"},
-    TagInfo{0x95, "Terminal verification results"},
+    TagInfo{0x95, "Terminal verification results", Shape::results},
     TagInfo{0x9A, "Transaction date"},
     TagInfo{0x9B, "Transaction status information"},
     TagInfo{0x9C, "Transaction type"},
@@ -104,6 +104,51 @@ std::string_view verification_meaning(uint8_t method) {
     }
 }
 
+// A bit of the terminal verification results, by byte.
+struct ResultBit {
+    size_t byte;
+    uint8_t bit;
+    std::string_view meaning;
+};
+
+constexpr std::array resultBits{
+    ResultBit{0, 0x80, "no offline data authentication"},
+    ResultBit{0, 0x40, "static data authentication failed"},
+    ResultBit{0, 0x20, "chip data missing"},
+    ResultBit{0, 0x10, "card on the exception list"},
+    ResultBit{0, 0x08, "dynamic data authentication failed"},
+    ResultBit{0, 0x04, "combined data authentication failed"},
+    ResultBit{1, 0x80, "application versions differ"},
+    ResultBit{1, 0x40, "application expired"},
+    ResultBit{1, 0x20, "application not yet effective"},
+    ResultBit{1, 0x10, "service not allowed"},
+    ResultBit{1, 0x08, "new card"},
+    ResultBit{2, 0x80, "cardholder not verified"},
+    ResultBit{2, 0x40, "unknown verification method"},
+    ResultBit{2, 0x20, "PIN tries exceeded"},
+    ResultBit{2, 0x10, "PIN keypad missing"},
+    ResultBit{2, 0x08, "PIN not entered"},
+    ResultBit{2, 0x04, "online PIN entered"},
+    ResultBit{3, 0x80, "floor limit exceeded"},
+    ResultBit{3, 0x40, "lower offline limit exceeded"},
+    ResultBit{3, 0x20, "upper offline limit exceeded"},
+    ResultBit{3, 0x10, "selected at random"},
+    ResultBit{3, 0x08, "merchant goes online"},
+    ResultBit{4, 0x80, "default data object list used"},
+    ResultBit{4, 0x40, "issuer authentication failed"},
+    ResultBit{4, 0x20, "early script failed"},
+    ResultBit{4, 0x10, "late script failed"},
+};
+
+std::string results_meaning(const Bytes& value) {
+    std::string text;
+    for (const ResultBit& each : resultBits) {
+        if (each.byte >= value.size() || (value[each.byte] & each.bit) == 0) continue;
+        text += (text.empty() ? "" : ", ") + std::string(each.meaning);
+    }
+    return text.empty() ? "nothing to remark" : text;
+}
+
 // Packed digits, filled up with F.
 std::string digits_of(const Bytes& value) {
     std::string digits = hex(value);
@@ -124,6 +169,8 @@ Value shape(Shape shape, const Bytes& value) {
         case Shape::verification:
             if (value.empty()) break;
             return fmt::format("{} ({})", hex(value), verification_meaning(value.front()));
+        case Shape::results:
+            return fmt::format("{} ({})", hex(value), results_meaning(value));
         case Shape::bytes:
             break;
     }

@@ -36,9 +36,13 @@ Outcome run_card(Context& context, const CardOptions& options) {
 
 Run card(CLI::App& app) {
     const auto options = std::make_shared<CardOptions>();
-    app.add_option("--amount", options->amount, "Shown to the cardholder and the card")->capture_default_str();
-    app.add_option("--acquirer", options->acquirer, "Look for its applications only")->check(CLI::Range(0, 99));
-    app.add_option("--timeout", options->timeout, "Seconds to wait for the card")->capture_default_str();
+    app.add_option("--amount", options->amount, "The amount that the card is told")
+        ->type_name("AMOUNT")
+        ->capture_default_str();
+    app.add_option("--acquirer", options->acquirer, "Look for its applications only")
+        ->check(CLI::Range(0, 99).description(""))
+        ->type_name("INDEX");
+    add_number(app, "--timeout", options->timeout, "Seconds to wait for the card", "SECONDS");
     app.add_flag("--no-tap", options->noTap, "Take no contactless card");
     return [options](Context& context) { return run_card(context, *options); };
 }

@@ -148,8 +148,8 @@ Run decode(CLI::App& app) {
     app.add_option("hex", options->hex, "Bytes in hexadecimal: frames, control bytes or a packet");
     app.add_option("--file", options->file, "A capture, a line for each direction's bytes; else standard input")
         ->type_name("FILE");
-    app.add_option("--from", options->from, "Who sent it, where no arrow tells")
-        ->check(CLI::IsMember({"host", "pinpad"}))
+    app.add_option("--from", options->from, "Who sent it, where no arrow tells: host or pinpad")
+        ->check(CLI::IsMember({"host", "pinpad"}).description(""))
         ->type_name("SENDER");
     return [options](Context&) { return run_decode(*options); };
 }

@@ -181,7 +181,7 @@ Run menu(CLI::App& app) {
         ->required()
         ->expected(1, static_cast<int>(std::tuple_size_v<Slots>));
     app.add_option("--title", menu->title, "What stands above; \\n begins a new line")->type_name("TEXT");
-    app.add_option("--timeout", menu->timeout, "Seconds to wait; 0 leaves it to the PIN pad")->type_name("SECONDS");
+    add_number(app, "--timeout", menu->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
     return [menu](Context& context) { return run_menu(context, *menu); };
 }
 
@@ -189,9 +189,10 @@ Run key(CLI::App&) { return run_key; }
 
 Run event(CLI::App& app) {
     const auto options = std::make_shared<EventOptions>();
-    app.add_option("kind", options->kinds, "What to wait for; without any, all but removal")
-        ->check(CLI::IsMember({"key", "stripe", "chip", "tap", "removal"}));
-    app.add_option("--timeout", options->timeout, "Seconds to wait")->type_name("SECONDS")->capture_default_str();
+    app.add_option("kind", options->kinds,
+                   "What to wait for: key, stripe, chip, tap or removal; without any, all but the last")
+        ->check(CLI::IsMember({"key", "stripe", "chip", "tap", "removal"}).description(""));
+    add_number(app, "--timeout", options->timeout, "Seconds to wait", "SECONDS");
     return [options](Context& context) { return run_event(context, *options); };
 }
 

@@ -91,16 +91,13 @@ Run pin(CLI::App& app) {
         ->transform(CLI::CheckedTransformer(methods).description(""))
         ->type_name("METHOD")
         ->default_str("dukpt-tdes");
-    app.add_option("--key", options->key, "Index of the key in the PIN pad")
-        ->check(CLI::Range(0, 99))
-        ->type_name("INDEX")
-        ->capture_default_str();
+    add_number(app, "--key", options->key, "Index of the key in the PIN pad", "INDEX", 0, 99);
     app.add_option("--working-key", options->workingKey, "With a master key: the enciphered working key")
         ->type_name("HEX");
     app.add_option("--pan", options->pan, "The card number that goes into the PIN block")->type_name("DIGITS");
     app.add_option("--message", options->message, "What is shown meanwhile")->type_name("TEXT")->capture_default_str();
-    app.add_option("--min", options->fewest, "Fewest digits")->check(CLI::Range(4, 99))->capture_default_str();
-    app.add_option("--max", options->most, "Most digits")->check(CLI::Range(4, 99))->capture_default_str();
+    add_number(app, "--min", options->fewest, "Fewest digits", "DIGITS", 4, 99);
+    add_number(app, "--max", options->most, "Most digits", "DIGITS", 4, 99);
     return [options](Context& context) { return run_pin(context, *options); };
 }
 

@@ -82,9 +82,9 @@ public:
         give_back(outcome);
         link_->leave_text(outcome);
         link_->close();
-        Group report{{"Outcome", outcome}, {"Amount", amount_words(amount_)}, {"Card", card_group(card_)}};
+        Group report{
+            {"Outcome", outcome}, {"Amount", amount_words(amount_)}, {"Steps", steps_}, {"Card", card_group(card_)}};
         for (Field& field : details_) report.push_back(std::move(field));
-        report.push_back({"Steps", steps_});
         return {std::move(report), approved ? Exit::ok : Exit::declined};
     }
 
@@ -205,10 +205,8 @@ private:
 
 Run sale(CLI::App& app) {
     const auto options = std::make_shared<SaleOptions>();
-    app.add_option("--amount", options->amount, "The amount, like 12.34")->required();
-    app.add_option("--currency", options->currency, "Its currency's numeric code")
-        ->check(CLI::Range(0, 999))
-        ->capture_default_str();
+    app.add_option("--amount", options->amount, "The amount, like 12.34")->required()->type_name("AMOUNT");
+    add_number(app, "--currency", options->currency, "Its currency's numeric code", "CODE", 0, 999);
     app.add_option("--floor-limit", options->floorLimit, "The acquirer is asked from this amount on")
         ->type_name("AMOUNT")
         ->capture_default_str();
@@ -218,10 +216,8 @@ Run sale(CLI::App& app) {
         ->transform(CLI::CheckedTransformer(hosts).description(""))
         ->type_name("ANSWER")
         ->default_str("approves");
-    app.add_option("--pin-key", options->pinKey, "Index of the triple DES DUKPT key for the PIN")
-        ->check(CLI::Range(0, 99))
-        ->capture_default_str();
-    app.add_option("--timeout", options->timeout, "Seconds to wait for the card")->capture_default_str();
+    add_number(app, "--pin-key", options->pinKey, "Index of the triple DES DUKPT key for the PIN", "INDEX", 0, 99);
+    add_number(app, "--timeout", options->timeout, "Seconds to wait for the card", "SECONDS");
     app.add_flag("--keep-card", options->keepCard, "Do not wait until the card is removed");
     return [options](Context& context) { return Sale(context, *options).run(); };
 }

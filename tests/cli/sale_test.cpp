@@ -46,6 +46,7 @@ TEST_F(SaleTest, GoesFromTheTablesToTheRemovalOfTheCard) {
     EXPECT_EQ(result["keySerialNumber"], "FFFF9876543210E00001");
     EXPECT_EQ(result["cardToAcquirer"]["9F02"], "000000001234");
     EXPECT_EQ(result["cardToAcquirer"]["9F27"], "80 (ARQC, the card wants the issuer asked)");
+    EXPECT_EQ(result["cardToAcquirer"]["95"], "0000048000 (online PIN entered, floor limit exceeded)");
     EXPECT_EQ(result["cardAtTheEnd"]["9F27"], "40 (TC, the card approves)");
     EXPECT_EQ(commands(object), "TLI TLR TLE;GCX;GOX;-;FCX;RMC;");
     EXPECT_EQ(pinPad_.screen().text, "APPROVED");
