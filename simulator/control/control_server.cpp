@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -110,7 +111,12 @@ void ControlServer::serve() {
 
 void ControlServer::take_client() {
     const int socket = ::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (socket >= 0) clients_.emplace_back(socket, control_);
+    if (socket >= 0) {
+        clients_.emplace_back(socket, control_);
+    } else if (errno == EMFILE || errno == ENFILE) {
+        // The client goes on waiting at the door, so without a pause this would be asked again and again.
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
 }
 
 int ControlServer::patience() const {

@@ -55,6 +55,6 @@ if [ -e "$prefix/bin/quorvel" ]; then
     [ -s "$prefix/share/zsh/site-functions/_quorvel" ]
     [ -s "$prefix/share/doc/quorvel/virtual.tables" ]
     if command -v scdoc >/dev/null; then
-        [ -s "$prefix/share/man/man1/quorvel.1" ] && [ -s "$prefix/share/man/man5/quorvel-tables.5" ]
+        for page in man1/quorvel.1 man1/quorvel-sim.1 man5/quorvel-tables.5; do [ -s "$prefix/share/man/$page" ]; done
     fi
 fi
