@@ -3,6 +3,7 @@
 #include "cli/interrupt.h"
 
 #include <csignal>
+#include <ctime>
 #include <string_view>
 #include <unistd.h>
 
@@ -13,9 +14,27 @@ namespace quorvel::cli::interrupt {
 namespace {
 
 volatile std::sig_atomic_t received = 0;
+volatile std::sig_atomic_t receivedAt = 0;
+
+// Seconds of a clock that nobody sets; safe in a signal handler.
+std::sig_atomic_t now() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<std::sig_atomic_t>(time.tv_sec);
+}
+
+// Whoever sends a signal to a process and to its group, as timeout(1) does, means it once.
+void end_if_meant_again(int signal) {
+    constexpr std::sig_atomic_t patience = 2;
+    if (now() - receivedAt < patience) return;
+    std::signal(signal, SIG_DFL);
+    static_cast<void>(raise(signal));
+}
 
 void remember(int signal) {
+    if (received != 0) return end_if_meant_again(signal);
     received = signal;
+    receivedAt = now();
     // Waiting for the PIN pad ends within two seconds; until then the user should know that the key was heard.
     constexpr std::string_view heard = "\nStopping...\n";
     if (isatty(STDERR_FILENO) == 1) static_cast<void>(!write(STDERR_FILENO, heard.data(), heard.size()));
@@ -26,7 +45,6 @@ void remember(int signal) {
 void watch() {
     struct sigaction action = {};
     action.sa_handler = remember;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
 }
 

@@ -5,7 +5,8 @@
 
 namespace quorvel::cli::interrupt {
 
-// From now on the first SIGINT or SIGTERM is only remembered; a second one ends the process.
+// From now on the first SIGINT or SIGTERM is only remembered; one that comes seconds later ends the
+// process.
 void watch();
 
 [[nodiscard]] bool requested() noexcept;
