@@ -11,6 +11,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "simulator/face/terminal_type.h"
+
 #define NCURSES_NOMACROS
 #include <curses.h>
 
@@ -81,8 +83,8 @@ Terminal::Terminal() {
     if (descriptor >= 0) file_.reset(::fdopen(descriptor, "r+"));
     if (!file_) throw std::runtime_error("there is no terminal to show a face in");
     std::setlocale(LC_CTYPE, "");
-    screen_.reset(::newterm(nullptr, file_.get(), file_.get()));
-    if (!screen_ || ::tigetstr("cup") == nullptr) {
+    if (moves_cursor(descriptor)) screen_.reset(::newterm(nullptr, file_.get(), file_.get()));
+    if (!screen_) {
         throw std::runtime_error("the terminal cannot show a face: TERM names none that moves its cursor");
     }
     ::set_escdelay(escapeDelayMs);
