@@ -34,10 +34,10 @@ void write_flag(AbecsPacket* packet, const bool& flag) {
     abecs_packet_write_field_n(packet, byte != 0 ? 1 : 0, 1);
 }
 
-// A member as wide as its field; the digits need no NUL behind them.
+// Bounded by the member, so that digits without a NUL end there too.
 template <size_t Size>
-void write_digits(AbecsPacket* packet, const char (&digits)[Size]) {
-    abecs_packet_write_field_h_cdata(packet, digits, Size - 1, Size - 1);
+void write_digits(AbecsPacket* packet, const char (&digits)[Size], size_t width = Size - 1) {
+    abecs_packet_write_field_h_cdata(packet, digits, Size, width);
 }
 
 void write_acquirer_block(AbecsPacket* packet, uint8_t acqIdx, const decltype(AbecsCmdGocData::acqpr)& acqpr) {
@@ -48,17 +48,17 @@ void write_acquirer_block(AbecsPacket* packet, uint8_t acqIdx, const decltype(Ab
             abecs_packet_write_field_n(packet, acqpr.acqpr01.transactionType, 2);
             return write_flag(packet, acqpr.acqpr01.flag);
         case 2:
-            return abecs_packet_write_field_s(packet, MemberText(acqpr.acqpr02.data).text, kAcquirer2Width, false);
+            return abecs_packet_write_field_s(packet, WholeMemberText(acqpr.acqpr02.data).text, kAcquirer2Width, false);
         default:
             if (size != 0) { raise(KOR_RESULT_PROTOCOL_ERROR, "Unsupported GOC_ACQPR (GCR_ACQIDX == %d)", acqIdx); }
     }
 }
 
 // A block of its own: its length, the number of bytes, the bytes as digits.
-void write_tags(AbecsPacket* packet, const char* tags, size_t count) {
+void write_tags(AbecsPacket* packet, const char (&tags)[2 * kMaxTags + 1], size_t count) {
     abecs_packet_write_field_n(packet, 2 * count + 3, 3);
     abecs_packet_write_field_n(packet, count, 3);
-    abecs_packet_write_field_h_cdata(packet, tags, 2 * count, 2 * count);
+    write_digits(packet, tags, 2 * count);
 }
 
 void write_request(AbecsPacket* packet, uint8_t acqIdx, const AbecsCmdGocData& data) {
@@ -94,8 +94,8 @@ void read_response(AbecsPacket* packet, AbecsCmdGocResponse& out) {
     abecs_packet_read_field_b(packet, out.pinBlock, sizeof out.pinBlock, sizeof out.pinBlock);
     abecs_packet_read_field_b(packet, out.ksn, sizeof out.ksn, sizeof out.ksn);
     const uint64_t length = abecs_packet_read_field_n(packet, 3);
-    out.emvDataLen = static_cast<uint16_t>(length);
     abecs_packet_read_field_b(packet, out.emvData, sizeof out.emvData, length);
+    out.emvDataLen = static_cast<uint16_t>(length);
     abecs_packet_read_field_n(packet, 3);
 }
 

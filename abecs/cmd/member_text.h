@@ -21,6 +21,18 @@ struct MemberText {
     }
 };
 
+// The same of the member's last character too: the writers refuse a text that is longer than its field.
+template <size_t Size>
+struct WholeMemberText {
+    char text[Size + 1];
+
+    explicit WholeMemberText(const char (&member)[Size]) {
+        const size_t length = strnlen(member, Size);
+        std::memcpy(text, member, length);
+        text[length] = '\0';
+    }
+};
+
 }  // namespace abecs
 
 #endif

@@ -52,26 +52,26 @@ TEST(Goc, SendsTheBlockOfItsAcquirer) {
     expect_sent(1, data, "089" + kHead + "03|991"_wire + kNoTags);
     data.acqpr.acqpr02 = {"CART\xC3O"};
     expect_sent(2, data, "118" + kHead + "32|CART\xC3O"_wire + std::string(26, ' ') + kNoTags);
-    std::memset(&data.acqpr.acqpr02, 'x', sizeof data.acqpr.acqpr02);
+    std::memset(data.acqpr.acqpr02.data, 'x', 32);
     expect_sent(2, data, "118" + kHead + "32" + std::string(32, 'x') + kNoTags);
 }
 
-TEST(Goc, SendsDigitsWithoutNulAndAsManyTagsAsAreAnnounced) {
+TEST(Goc, SendsAsManyTagsAsAreAnnounced) {
     AbecsCmdGocData data = some_data();
     data.tags1len = 2;
     std::strcpy(data.tags1, "82");
     data.tags2len = 1;
-    std::strcpy(data.tags2, "9f0282");
+    std::strcpy(data.tags2, "9f");
     expect_sent(0, data, "086" + kHead + "00|007002|3082|005001|9F"_wire);
     data.exclist = 1;
     data.connect = false;
     data.method = ABECS_CMD_GOC_METHOD_MK_WK_DES;
     std::memset(&data.riskman, 0x22, sizeof data.riskman);
     data.tags1len = data.tags2len = 128;
-    std::memset(data.wkenc, 'a', sizeof data.wkenc);
-    std::memset(data.flrlimit, 'b', sizeof data.flrlimit);
-    std::memset(data.thrbrs, 'c', sizeof data.thrbrs);
-    std::memset(data.tags1, 'd', sizeof data.tags1);
+    std::memset(data.wkenc, 'a', 32);
+    std::memset(data.flrlimit, 'b', 8);
+    std::memset(data.thrbrs, 'c', 8);
+    std::memset(data.tags1, 'd', 256);
     std::strcpy(data.tags2, "");
     expect_sent(0, data,
                 "086|000000001000|999999999999|10|0|007"_wire + std::string(32, 'A')
@@ -108,6 +108,31 @@ TEST(Goc, ChecksItsArgumentsInTheirOrder) {
     refused("Number length (13) is greater than field length (12)", data.amount, 0);
 }
 
+// A text is never cut: one digit, or one tag, more than what is announced stops the command. Without a NUL it ends with
+// its member.
+TEST(Goc, RefusesTextsThatAreLongerThanTheirFields) {
+    Link link;
+    const auto refused = [&](auto fill) {
+        AbecsCmdGocData data = some_data();
+        fill(data);
+        EXPECT_REFUSED(2, "Field does not have enough room for data", abecs_cmd_goc(link.comm, 2, &data));
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
+    };
+    refused([](auto& data) { std::memset(data.wkenc, '5', sizeof data.wkenc); });
+    refused([](auto& data) { std::memset(data.flrlimit, '5', sizeof data.flrlimit); });
+    refused([](auto& data) { std::memset(data.thrbrs, '5', sizeof data.thrbrs); });
+    refused([](auto& data) { std::memset(data.acqpr.acqpr02.data, '5', sizeof data.acqpr.acqpr02.data); });
+    refused([](auto& data) { std::strcpy(data.tags1, "9F"); });
+    refused([](auto& data) {
+        data.tags1len = 128;
+        std::memset(data.tags1, '5', sizeof data.tags1);
+    });
+    refused([](auto& data) {
+        data.tags2len = 1;
+        std::strcpy(data.tags2, "9F02");
+    });
+}
+
 TEST(Goc, ReadsTheDecision) {
     const std::string block = "000102030405060708090A0B0C0D0E0FFFFEFDFCFBFAF9F8F7F6F5F4F3F2F1F0EFEEEDEC"_hex;
     const auto reads = [&](const char* received, const char* stored, const std::string& rest, size_t length,
@@ -117,6 +142,7 @@ TEST(Goc, ReadsTheDecision) {
         const AbecsCmdGocData data = some_data();
         link.call(abecs_cmd_goc)(0, &data);
         AbecsCmdGocResponse out{};
+        out.emvDataLen = 3;
         EXPECT_EQ(support::raised_by([&] { abecs_cmd_goc_response(link.comm, &out, nullptr); }), error);
         std::string flags;
         for (const int flag :
@@ -131,10 +157,12 @@ TEST(Goc, ReadsTheDecision) {
     reads("201300", "201300", "004e26A007", 4, {});
     reads("090011", "010011", "512" + std::string(512, 'e') + "007", 512, {});
     reads("010900", "010900", "000007behind", 0, {});
-    reads("000020", "000010", "513" + std::string(513, 'e') + "007", 513,
+    reads("000020", "000010", "513" + std::string(513, 'e') + "007", 3,
           support::error(2,
                          "Destination array does not have enough size to store all data (requested: 513, "
                          "available: 512)"));
+    reads("000020", "000010", "512" + std::string(511, 'e'), 3,
+          support::error(6, "Buffer does not have enough data (requested: 512, available: 511)"));
     reads("002002", "001001", "001e", 1,
           support::error(6, "Buffer does not have enough data (requested: 3, available: 0)"));
 }

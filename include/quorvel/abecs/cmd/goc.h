@@ -27,9 +27,9 @@ typedef enum AbecsCmdGocMethod_E KOR_ENUM_INT32 {
 } AbecsCmdGocMethod_E;
 
 /*
- * What is asked for. Texts need no NUL when they fill their member. A shorter one of hexadecimal digits is filled up at
- * its start with pairs "30"; of longer tags than announced the rest is left out. Amounts are in the smallest unit of
- * the currency, below 10^12.
+ * What is asked for. A text ends with its NUL or, where it has none, with its member; one that is longer than its
+ * field, be it by tags that are not announced, is refused. A shorter one of hexadecimal digits is filled up at its
+ * start with pairs "30". Amounts are in the smallest unit of the currency, below 10^12.
  */
 typedef struct AbecsCmdGocData {
     uint64_t amount;
@@ -38,11 +38,11 @@ typedef struct AbecsCmdGocData {
     bool connect;    /* the acquirer can be reached */
     AbecsCmdGocMethod_E method;
     uint8_t keyidx;   /* 0 to 99 */
-    char wkenc[33];   /* hexadecimal: the working key under its master key, for the methods that have one */
+    char wkenc[33];   /* 32 digits, hexadecimal: the working key under its master key, for the methods that have one */
     bool riskman;     /* the terminal manages the risk, with what follows */
-    char flrlimit[9]; /* hexadecimal: the floor limit */
+    char flrlimit[9]; /* 8 digits, hexadecimal: the floor limit */
     uint8_t tpbrs;    /* biased random selection: target percentage, 0 to 99 */
-    char thrbrs[9];   /* hexadecimal: its threshold */
+    char thrbrs[9];   /* 8 digits, hexadecimal: its threshold */
     uint8_t mtpbrs;   /* its maximum target percentage, 0 to 99 */
     union {           /* by the acquirer that GCR has told; sent for 1 and 2 only */
         struct {
@@ -79,8 +79,10 @@ typedef struct AbecsCmdGocResponse {
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'gcrAcqIdx' is too big (max: 99, requested: %d)"; "'gocData' is
  * NULL"; "invalid value for gocData->exclist: %d"; "Invalid enumerator for %s: %d"; "invalid value for gocData->keyidx:
  * %d", "...tpbrs: %d", "...mtpbrs: %d"; for acquirer 1 "invalid value for gocData->acqpr.acqpr01.transactionType (max:
- * 99, requested: %d)"; "invalid value for gocData->tags1len: %d", "...tags2len: %d"; what a field does not take. And
- * what the link raises.
+ * 99, requested: %d)"; "invalid value for gocData->tags1len: %d", "...tags2len: %d". Then, field by field, "Number
+ * length (%zu) is greater than field length (%zu)" for an amount from 10^12 on and "'i' (%llu) is too long (maximum:
+ * 9999999999999" from 10^13 on; "Invalid hex byte at index %zu"; "Invalid character (0x%02X) at position %zu"; "Field
+ * does not have enough room for data" for a text that is too long. Nothing is sent then. And what the link raises.
  */
 KOR_API void abecs_cmd_goc(AbecsComm* pinpad, uint8_t gcrAcqIdx, const AbecsCmdGocData* gocData);
 
@@ -90,10 +92,11 @@ KOR_API void abecs_cmd_goc(AbecsComm* pinpad, uint8_t gcrAcqIdx, const AbecsCmdG
  * and in both cases the link stays blocked; else RSP_STAT, the link being free again. `gocResponse` is filled only
  * when that is 0.
  *
- * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'gocResponse' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR for
- * an answer under six bytes or of another command; those of abecs_packet_read_notification; IO_ERROR for a malformed
- * field; ILLEGAL_ARGUMENT for more than 512 bytes of EMV data; and what the link raises. After an error the link stays
- * blocked, and `gocResponse` holds what had been read by then.
+ * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'gocResponse' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
+ * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those
+ * of abecs_packet_read_notification; IO_ERROR for a malformed field; ILLEGAL_ARGUMENT for more than 512 bytes of EMV
+ * data; and what the link raises. An error leaves the blocked state as it is, and in `gocResponse` what had been read
+ * by then; emvDataLen changes with emvData only.
  */
 KOR_API int32_t abecs_cmd_goc_response(AbecsComm* pinpad, AbecsCmdGocResponse* gocResponse, char* notification);
 
