@@ -17,9 +17,10 @@ constexpr Command kGed{.id = "GED"};
 void read_emv_data(ParamReader& params, AbecsEmvData& out) {
     while (AbecsParam* param = params.next()) {
         if (abecs_param_get_id(param) != ABECS_RSP_DATID_PP_EMVDATA) { continue; }
-        out.szData = abecs_param_available_read(param);
-        if (out.szData > sizeof out.data) { return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed PP_EMVDATA"); }
-        abecs_param_read_field_b(param, out.data, sizeof out.data, out.szData);
+        const size_t size = abecs_param_available_read(param);
+        if (size > sizeof out.data) { return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed PP_EMVDATA"); }
+        abecs_param_read_field_b(param, out.data, sizeof out.data, size);
+        out.szData = size;
         return;
     }
     raise(KOR_RESULT_PROTOCOL_ERROR, "Missing required parameter in response: PP_EMVDATA");

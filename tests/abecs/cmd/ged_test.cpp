@@ -27,6 +27,7 @@ TEST(Ged, ReadsTheValuesOfTags) {
         EXPECT_EQ(support::raised_by([&] { abecs_cmd_ged(link.comm, &tags, &out); }),
                   code == 0 ? support::Raised{} : support::error(code, expected));
         if (code == 0) { EXPECT_EQ(std::string(out.data, out.data + out.szData), expected); }
+        if (code != 0) { EXPECT_EQ(out.szData, 99U); }
     };
     read(3, "007" + "0004 0003 82 0000"_hex, "006" + "8054 0002 8200"_hex, 0, "8200"_hex);
     read(0, "004" + "0004 0000"_hex, "004" + "8054 0000"_hex, 0, "");
