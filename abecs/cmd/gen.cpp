@@ -47,7 +47,15 @@ constexpr size_t kMessageWidth = 32;
 
 template <size_t Size>
 void write_digits(AbecsPacket* packet, const char (&member)[Size], size_t width) {
-    abecs_packet_write_field_h_cdata(packet, member, strnlen(member, Size), width);
+    abecs_packet_write_field_h_cdata(packet, member, Size, width);
+}
+
+// The length is 0 until the digits that it counts have been read, so that it never tells of more than there are.
+template <typename Length, size_t Size>
+void read_digits(AbecsPacket* packet, char (&member)[Size], size_t width, Length& length, size_t value) {
+    length = 0;
+    abecs_packet_read_field_h(packet, member, Size, width);
+    length = static_cast<Length>(value);
 }
 
 // `length` is that of the sub-command's data, which follow.
@@ -98,31 +106,32 @@ bool check_tags(const AbecsComm* pinpad, const char* tags, const AbecsCmdGenTags
 }
 
 void read_tags(AbecsPacket* packet, AbecsCmdGenTagsOut& out, size_t length, size_t width) {
-    out.len = static_cast<uint16_t>(length);
-    abecs_packet_read_field_h(packet, out.data, sizeof out.data, width);
+    read_digits(packet, out.data, width, out.len, length);
 }
 
 bool is_data_size(size_t size) { return size <= kMaxData && size % kDataStep == 0; }
 
 void read_data(AbecsPacket* packet, AbecsCmdGen0303RspData& out, size_t length) {
+    out.dataLen = 0;
     if (length < kKsnWidth || length > kKsnWidth + kMaxData) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "(GEN/03/03) Invalid GEN_OUTLEN: %zu", length);
     }
     abecs_packet_read_field_h(packet, out.ksn, sizeof out.ksn, kKsnWidth);
-    out.dataLen = static_cast<uint32_t>(length - kKsnWidth);
-    abecs_packet_read_field_h(packet, out.data, sizeof out.data, out.dataLen);
+    const size_t width = length - kKsnWidth;
+    read_digits(packet, out.data, width, out.dataLen, width);
 }
 
 // The cut counts the bytes of the ATR where the text has two digits for each: half of it is given.
 void read_slot(AbecsPacket* packet, AbecsCmdGen0401RspData& out) {
+    out.atrLen = 0;
     out.status1 = static_cast<uint8_t>(abecs_packet_read_field_n(packet, 1));
     out.status2 = static_cast<uint32_t>(abecs_packet_read_field_n(packet, 1));
-    out.atrLen = static_cast<uint8_t>(abecs_packet_read_field_n(packet, 2));
-    if (out.atrLen > kMaxAtr) {
-        return raise(KOR_RESULT_PROTOCOL_ERROR, "GEN0401_ATRLEN is too big (max: 36, returned: %d)", out.atrLen);
+    const auto length = static_cast<uint8_t>(abecs_packet_read_field_n(packet, 2));
+    if (length > kMaxAtr) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "GEN0401_ATRLEN is too big (max: 36, returned: %d)", length);
     }
-    abecs_packet_read_field_h(packet, out.atr, sizeof out.atr, 2 * kMaxAtr);
-    out.atr[out.atrLen] = '\0';
+    read_digits(packet, out.atr, 2 * kMaxAtr, out.atrLen, length);
+    out.atr[length] = '\0';
 }
 
 void write_apdu(AbecsPacket* packet, const AbecsCmdGen0402CmdData& data) {
@@ -134,13 +143,14 @@ void write_apdu(AbecsPacket* packet, const AbecsCmdGen0402CmdData& data) {
 }
 
 void read_apdu(AbecsPacket* packet, AbecsCmdGen0402RspData& out) {
+    out.la = 0;
     out.status = static_cast<uint8_t>(abecs_packet_read_field_n(packet, 1));
     abecs_packet_read_field_h(packet, out.sw, sizeof out.sw, kStatusWordWidth);
-    out.la = static_cast<uint16_t>(abecs_packet_read_field_n(packet, 3));
-    if (out.la > kMaxApduData) {
-        return raise(KOR_RESULT_PROTOCOL_ERROR, "G0402_LA is too big (max: 256, returned: %d)", out.la);
+    const auto length = static_cast<uint16_t>(abecs_packet_read_field_n(packet, 3));
+    if (length > kMaxApduData) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "G0402_LA is too big (max: 256, returned: %d)", length);
     }
-    abecs_packet_read_field_h(packet, out.apduData, sizeof out.apduData, size_t{2} * out.la);
+    read_digits(packet, out.apduData, size_t{2} * length, out.la, length);
 }
 
 bool check_pin(const AbecsCmdGen0403CmdData& data) {
@@ -164,7 +174,7 @@ void write_pin(AbecsPacket* packet, const AbecsCmdGen0403CmdData& data) {
     abecs_packet_write_byte(packet, static_cast<uint8_t>(codec::to_upper(data.format)));
     abecs_packet_write_field_n(packet, data.pinMinDigits, 2);
     abecs_packet_write_field_n(packet, data.pinMaxDigits, 2);
-    abecs_packet_write_field_s(packet, MemberText(data.message).text, kMessageWidth, false);
+    abecs_packet_write_field_s(packet, WholeMemberText(data.message).text, kMessageWidth, false);
 }
 
 void read_verdict(AbecsPacket* packet, AbecsCmdGen0403RspData& out) {
@@ -219,7 +229,7 @@ int32_t abecs_cmd_gen_03_03(AbecsComm* pinpad, const AbecsCmdGen0303CmdData* cmd
     const auto write = [&](AbecsPacket* packet) {
         abecs_packet_write_field_n(packet, kMethod, 1);
         abecs_packet_write_field_n(packet, cmdData->idx, 2);
-        abecs_packet_write_field_h_cdata(packet, cmdData->input.data, size, size);
+        write_digits(packet, cmdData->input.data, size);
     };
     return exchange(pinpad, {3, "03"}, 1 + 2 + size, write,
                     [&](AbecsPacket* packet, size_t length) { read_data(packet, *responseData, length); });
@@ -297,11 +307,17 @@ KorResult_E abecs_cmd_gen_04_03(AbecsComm* pinpad, const AbecsCmdGen0403CmdData*
     if (pinpad == nullptr) { return raise(kRefused, "'pinpad' is NULL"), kRefused; }
     if (cmdData == nullptr) { return raise(kRefused, "'cmdData' is NULL"), kRefused; }
     if (!check_pin(*cmdData)) { return kRefused; }
-    const int32_t sent = send(pinpad, kGen0403, Request::fields([&](AbecsPacket* packet) {
-                                  write_head(packet, {4, "03"}, kLength);
-                                  write_pin(packet, *cmdData);
-                              }));
-    return sent == 0 ? KOR_RESULT_OK : KOR_RESULT_RUNTIME_ERROR;
+    // The code is taken while the error is pending: nothing is left of it once its raise has returned.
+    KorResult_E code = KOR_RESULT_OK;
+    kor::attempt([&] {
+        send(pinpad, kGen0403, Request::fields([&](AbecsPacket* packet) {
+                 write_head(packet, {4, "03"}, kLength);
+                 write_pin(packet, *cmdData);
+             }));
+    }).cleanup([&] {
+          code = KorResult_E{kor_exception_get_error()};
+      }).run();
+    return code;
 }
 
 int32_t abecs_cmd_gen_04_03_response(AbecsComm* pinpad, AbecsCmdGen0403RspData* rspDataOut, char* notification) {

@@ -65,9 +65,9 @@ TEST(Gen, SendsEachSubCommand) {
         {"010|04|005|04|000"_wire, [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }},
         {"266|04|261|04|128"_wire + repeated("5A", 128),
          [](auto* link) { return abecs_cmd_gen_04_04(link, kMostTags.c_str(), &out.tags); }},
-        {"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "41", 0); }},
+        {"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "", 0); }},
         {"026|03|021|03|3|07|41111111111111FF"_wire,
-         [](auto* link) { return encipher(link, 7, "41111111111111ff00", 16); }},
+         [](auto* link) { return encipher(link, 7, "41111111111111ff", 16); }},
         {"266|03|261|03|3|99"_wire + repeated("00112233445566AB", 16),
          [](auto* link) { return encipher(link, 99, kMostData.c_str(), 256); }},
         {"009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); }},
@@ -93,27 +93,33 @@ struct SubCommand {
     std::string request;
     Call call;
     std::string (*shown)();
+    uint32_t (*length)() = nullptr;
 };
 
 const SubCommand kKeys{"013|02|008|K3|0|0|00|99"_wire, [](auto* link) { return find_keys(link, 0, 0, 0, 99); },
                        [] { return std::string(out.keys); }};
 const SubCommand kLastTags{"007|03|002|02"_wire, [](auto* link) { return abecs_cmd_gen_03_02(link, "", &out.tags); },
-                           [] { return std::to_string(out.tags.len) + "," + out.tags.data; }};
+                           [] { return std::to_string(out.tags.len) + "," + out.tags.data; },
+                           [] { return uint32_t{out.tags.len}; }};
 const SubCommand kSlotTags{"010|04|005|04|000"_wire,
-                           [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }, kLastTags.shown};
+                           [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }, kLastTags.shown,
+                           kLastTags.length};
 const SubCommand kData{"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "", 0); },
-                       [] { return out.data.ksn + ("," + std::to_string(out.data.dataLen)) + "," + out.data.data; }};
+                       [] { return out.data.ksn + ("," + std::to_string(out.data.dataLen)) + "," + out.data.data; },
+                       [] { return out.data.dataLen; }};
 const SubCommand kSlot{"009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); },
                        [] {
                            return std::to_string(out.slot.status1) + "," + std::to_string(out.slot.status2) + ","
                                   + std::to_string(out.slot.atrLen) + "," + out.slot.atr;
-                       }};
+                       },
+                       [] { return uint32_t{out.slot.atrLen}; }};
 const SubCommand kApdu{"022|04|017|02|0|00B2010C|000||000"_wire,
                        [](auto* link) { return exchange(link, 0, "00B2010C", 0, "", 0); },
                        [] {
                            return std::to_string(out.apdu.status) + "," + out.apdu.sw + ","
                                   + std::to_string(out.apdu.la) + "," + out.apdu.apduData;
-                       }};
+                       },
+                       [] { return uint32_t{out.apdu.la}; }};
 
 TEST(Gen, ReadsAsMuchAsThereIs) {
     const std::string keys = repeated("01x.\x16", 20);
@@ -129,12 +135,14 @@ TEST(Gen, ReadsAsMuchAsThereIs) {
                           const std::string& expected) {
         Link link;
         link.peer.request("GEN" + sub.request).response("GEN000" + response);
-        out = {};
+        std::memset(&out, '5', sizeof out);
         int32_t stat = 0;
         EXPECT_EQ(support::raised_by([&] { stat = sub.call(link.comm); }),
                   code == 0 ? support::Raised{} : support::error(code, expected));
         EXPECT_EQ(stat, 0);
         if (code == 0) { EXPECT_EQ(sub.shown(), expected); }
+        // What cannot be read has no length: none is left that its text has no room for.
+        if (code != 0 && sub.length != nullptr) { EXPECT_EQ(sub.length(), 0U) << response; }
     };
     reads(kKeys, "103|100"_wire + keys, 0, keys);
     reads(kKeys, "999|003|101more"_wire, 0, "101");
@@ -199,6 +207,11 @@ TEST(Gen, ChecksArgumentsInTheirOrder) {
     EXPECT_REFUSED(2, "Invalid length for 'cmdData->input': 8", encipher(link, 99, "x", 8));
     EXPECT_REFUSED(2, "Invalid length for 'cmdData->input': 272", encipher(link, 99, "x", 272));
     EXPECT_REFUSED(2, "Invalid hex byte at index 0", encipher(link, 99, "x", 256));
+    EXPECT_REFUSED(2, "Field does not have enough room for data", encipher(link, 99, "41111111111111ff00", 16));
+    EXPECT_REFUSED(2, "Field does not have enough room for data", encipher(link, 99, "00", 0));
+    AbecsCmdGen0303CmdData unended{99, {256, {}}};
+    std::memset(unended.input.data, '5', sizeof unended.input.data);
+    EXPECT_REFUSED(2, "Field does not have enough room for data", abecs_cmd_gen_03_03(link, &unended, &out.data));
     EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_04_01(link, nullptr, nullptr));
     EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_04_01(link, &noSlot, nullptr));
     EXPECT_REFUSED(2, "Invalid enumerator for AbecsCmdGen0401Oper_E: 0", power(link, 0, 9));
@@ -241,6 +254,12 @@ TEST(Gen0303EncodeData, DeciphersTheClearDataAndWipesWhatItWorkedWith) {
     encodes(1, "41111111111111110011223344556677", "5d3d5a8e5c5a5d1271065ecf66b7aef6");
     EXPECT_TRUE(support::bytes_were_wiped("5D3D5A8E5C5A5D1271065ECF66B7AEF6"_hex, 128));
     EXPECT_TRUE(support::bytes_were_wiped("0F1E2D3C4B5A69788796A5B4C3D2E1F0"_hex, sizeof(Crypt3DesKey)));
+    AbecsCmdGen0303Data longer = data_of("41111111111111110011223344556677");
+    longer.size = 16;
+    const AbecsWkPan des = pan_key(0);
+    EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&longer, &des, &encoded), &encoded);
+    EXPECT_STREQ(encoded.data, "6db95c87a27b8cec");
+    EXPECT_EQ(encoded.size, 16U);
     // When it fails, the area is full of deciphered zeros.
     const AbecsWkPan key = pan_key(1);
     const AbecsCmdGen0303Data none{};
@@ -302,7 +321,7 @@ TEST(Gen0403, IsSentPolledAndAborted) {
     };
     waits({0, "00200080", 'b', 0, 12, "?"}, "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '));
     AbecsCmdGen0403CmdData longest{8, "00200080", '2', 99, 99, {}};
-    std::memset(longest.message, '\xE9', sizeof longest.message);
+    std::memset(longest.message, '\xE9', sizeof longest.message - 1);
     waits(longest, "GEN053|04|048|03|8|00200080|2|99|99"_wire + std::string(32, '\xE9'));
 }
 
@@ -321,9 +340,15 @@ TEST(Gen0403, ChecksItsArgumentsInTheirOrder) {
     for (const auto& row : rows) { EXPECT_REFUSED(2, row.first, abecs_cmd_gen_04_03(link.comm, &row.second)); }
     const AbecsCmdGen0403CmdData badHeader{8, "002000x0", 'A', 4, 4, "\r"};
     const AbecsCmdGen0403CmdData badMessage{8, "00200080", 'A', 4, 4, "\r"};
-    EXPECT_RAISES(2, "Invalid hex byte at index 6", abecs_cmd_gen_04_03(link.comm, &badHeader));
-    EXPECT_RAISES(2, "Invalid character (0x0D) at position 0", abecs_cmd_gen_04_03(link.comm, &badMessage));
+    EXPECT_REFUSED(2, "Invalid hex byte at index 6", abecs_cmd_gen_04_03(link.comm, &badHeader));
+    EXPECT_REFUSED(2, "Invalid character (0x0D) at position 0", abecs_cmd_gen_04_03(link.comm, &badMessage));
+    AbecsCmdGen0403CmdData longMessage{8, "00200080", 'A', 4, 4, {}};
+    std::memset(longMessage.message, '5', sizeof longMessage.message);
+    EXPECT_REFUSED(2, "Field does not have enough room for data", abecs_cmd_gen_04_03(link.comm, &longMessage));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GKY"));
+    longMessage.message[32] = '\0';
+    EXPECT_REFUSED(3, "Connection is blocked waiting for GKY response", abecs_cmd_gen_04_03(link.comm, &longMessage));
 }
 
 }  // namespace

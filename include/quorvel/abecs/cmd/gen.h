@@ -17,11 +17,12 @@ KOR_BEGIN_DECLS
  * there are, 03/02 and 04/04 read the card's data objects, 03/03 enciphers data, and 04/01 to 04/03 talk to the chips
  * in the PIN pad's slots.
  *
- * 1. All but 04/03 send, read the answer and return RSP_STAT; the output is filled when that is 0. After an error it
- *    may be filled in part.
+ * 1. All but 04/03 send, read the answer and return RSP_STAT; the output is filled when that is 0. After an error in
+ *    the answer it may be filled in part, but for a length, which is 0 then unless what it counts is there.
  * 2. ILLEGAL_ARGUMENT, with nothing sent: "'pinpad' is NULL", then what is said with each function, in that order, then
- *    what a text does not take: "Invalid hex byte at index %zu" and, for more digits than the field has, "Field does
- *    not have enough room for data". Then what the link raises.
+ *    what a text does not take: "Invalid hex byte at index %zu" and, for more characters than the field has, or than a
+ *    length tells, "Field does not have enough room for data". A text ends with its NUL or, where it has none, with its
+ *    member. Then what the link raises.
  * 3. PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of
  *    another command, and what is said with each function; IO_ERROR for a malformed field.
  * 4. Texts of hexadecimal digits are sent in upper case and come as the PIN pad sends them. One that is shorter than
@@ -139,10 +140,11 @@ KOR_API int32_t abecs_cmd_gen_03_03(AbecsComm* pinpad, const AbecsCmdGen0303CmdD
 
 /*
  * Prepares clear data for 03/03 in a PIN pad that has a working key for card numbers: deciphers them under the key,
- * because enciphering them under it is the first that the PIN pad does. `out`, in lower case, may be `clearData`;
- * returns `out`, or null where a raise returns. ILLEGAL_ARGUMENT "Missing 'clearData'"; "Invalid length for
- * 'clearData': %zu"; "Missing 'wkPan'"; "Missing 'out'"; "Invalid enumerator for %s: %d" with "AbecsWkPanType_E"; those
- * of abecs_data_from_hex2 and, without any data, abecs_data_to_hex. CRYPT_ERROR.
+ * because enciphering them under it is the first that the PIN pad does. Of the text the first `size` digits count.
+ * `out`, in lower case, may be `clearData`, and is as it was after an error; returns `out`, or null where a raise
+ * returns. ILLEGAL_ARGUMENT "Missing 'clearData'"; "Invalid length for 'clearData': %zu"; "Missing 'wkPan'"; "Missing
+ * 'out'"; "Invalid enumerator for %s: %d" with "AbecsWkPanType_E"; those of abecs_data_from_hex2 and, without any data,
+ * abecs_data_to_hex. CRYPT_ERROR.
  */
 KOR_API AbecsCmdGen0303Data* abecs_cmd_gen_03_03_encode_data(const AbecsCmdGen0303Data* clearData,
                                                              const AbecsWkPan* wkPan, AbecsCmdGen0303Data* out);
@@ -164,12 +166,13 @@ KOR_API int32_t abecs_cmd_gen_04_02(AbecsComm* pinpad, const AbecsCmdGen0402CmdD
                                     AbecsCmdGen0402RspData* responseData);
 
 /*
- * 04/03: has the cardholder enter the PIN for a chip, and blocks the link on "GEN/04/03". Returns OK.
+ * 04/03: has the cardholder enter the PIN for a chip, and blocks the link on "GEN/04/03". Returns OK or, where a raise
+ * returns, the code that was raised.
  *
  * ILLEGAL_ARGUMENT "'cmdData' is NULL"; "'cmdData->slot' is invalid: %d"; "'cmdData->format' is invalid: %c";
  * "'cmdData->pinMinDigits' is invalid: %d"; "'cmdData->pinMaxDigits' is invalid: %d"; "'cmdData->pinMinDigits (%d)' is
- * greater than cmdData->pinMaxDigits (%d)"; a character that the display does not take. Where a raise returns, so does
- * an error code.
+ * greater than cmdData->pinMaxDigits (%d)"; "Invalid character (0x%02X) at position %zu" for one that the display does
+ * not take, a carriage return too.
  */
 KOR_API KorResult_E abecs_cmd_gen_04_03(AbecsComm* pinpad, const AbecsCmdGen0403CmdData* cmdData);
 
@@ -178,8 +181,8 @@ KOR_API KorResult_E abecs_cmd_gen_04_03(AbecsComm* pinpad, const AbecsCmdGen0403
  * RSP_STAT is 0; or -1 when nothing has come yet, or -2 with the text of a notification in `notification` (33 bytes, or
  * none), the link staying blocked.
  *
- * ILLEGAL_ARGUMENT "'rspDataOut' is NULL"; ILLEGAL_STATE "%s was not sent yet" with "GEN/04/03". An error leaves the
- * blocked state as it is.
+ * ILLEGAL_ARGUMENT "'rspDataOut' is NULL"; ILLEGAL_STATE "%s was not sent yet" with "GEN/04/03"; those of
+ * abecs_packet_read_notification. An error leaves the blocked state as it is.
  */
 KOR_API int32_t abecs_cmd_gen_04_03_response(AbecsComm* pinpad, AbecsCmdGen0403RspData* rspDataOut, char* notification);
 
