@@ -35,9 +35,10 @@ std::optional<size_t> check_pairs(const char* text, size_t maxLength, size_t fie
     return i;
 }
 
-// Hands each pair to `take`. A fault is raised only after the rest of the field has been consumed too.
-template <typename Take>
-bool read_pairs(KorBuffer* buffer, size_t fieldLen, Leading leading, Take take) {
+// Hands each pair to `take`. A fault is raised only after the rest of the field has been consumed too, and after what
+// was taken so far has been thrown away by `drop`: a raise may not come back.
+template <typename Take, typename Drop>
+bool read_pairs(KorBuffer* buffer, size_t fieldLen, Leading leading, Take take, Drop drop) {
     bool dropping = leading == Leading::kDropPadding;
     for (size_t left = fieldLen; left != 0; left -= 2) {
         char pair[3]{};
@@ -46,6 +47,7 @@ bool read_pairs(KorBuffer* buffer, size_t fieldLen, Leading leading, Take take) 
         if (dropping) { continue; }
         if (!codec::is_hex(pair[0]) || !codec::is_hex(pair[1])) {
             kor_buffer_read(buffer, nullptr, left - 2);
+            drop();
             return raise(KOR_RESULT_IO_ERROR, "Invalid data: %s", pair), false;
         }
         take(pair);
@@ -60,11 +62,12 @@ size_t read_bytes(KorBuffer* buffer, uint8_t* to, size_t sizeTo, size_t fieldLen
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (%zu) < (fieldLen / 2) (%zu)", sizeTo, fieldLen / 2), 0;
     }
     size_t count = 0;
-    const bool good = read_pairs(buffer, fieldLen, leading, [&](const char* pair) {
+    const auto take = [&](const char* pair) {
         if (to != nullptr) { to[count] = codec::hex_byte(pair[0], pair[1]); }
         ++count;
-    });
-    return good ? count : 0;
+    };
+    read_pairs(buffer, fieldLen, leading, take, [&] { count = 0; });
+    return count;
 }
 
 }  // namespace
@@ -100,10 +103,13 @@ char* abecs_data_read_field_h(KorBuffer* buffer, char* to, size_t sizeTo, size_t
                to;
     }
     char* end = to;
-    const bool good = read_pairs(buffer, fieldLen, Leading::kDropPadding, [&](const char* pair) {
+    const auto take = [&](const char* pair) {
         if (to != nullptr) { end = static_cast<char*>(std::memcpy(end, pair, 2)) + 2; }
-    });
-    if (to != nullptr) { *(good ? end : to) = '\0'; }
+    };
+    const auto drop = [&] {
+        if (to != nullptr) { *to = '\0'; }
+    };
+    if (read_pairs(buffer, fieldLen, Leading::kDropPadding, take, drop) && to != nullptr) { *end = '\0'; }
     return to;
 }
 

@@ -69,6 +69,7 @@ TEST(Chp, ReadsWhatTheCardAnswers) {
         EXPECT_EQ(support::raised_by([&] { abecs_cmd_chp_response(link.comm, out, nullptr); }),
                   code == 0 ? support::Raised{} : support::error(code, expected));
         if (code == 0) { EXPECT_EQ(out, expected); }
+        if (code != 0) { EXPECT_EQ(out, response == "003" ? std::string("old") : ""); }
     };
     const std::string most = support::repeated("9f", 257);
     reads("000", 0, "");
@@ -76,6 +77,7 @@ TEST(Chp, ReadsWhatTheCardAnswers) {
     reads("009|003|306aFF"_wire, 0, "6aFF");
     reads("517|257"_wire + most, 0, most);
     reads("519|258"_wire + most + "00", 2, "sizeTo (515) is not enough to store field (length: 516)");
+    reads("005|001|9z"_wire, 6, "Invalid data: 9z");
     reads("003", 6, "Buffer does not have enough data (requested: 3, available: 0)");
 }
 

@@ -122,12 +122,13 @@ TEST(Enb, ChecksTheDataInOrder) {
 }
 
 TEST(Enb, RefusesMalformedAnswers) {
-    char out[17];
+    char out[17] = "old";
     support::expect_bad_answers(
         kRequest, [&](AbecsComm* link) { abecs_cmd_enb(link, &kSimple, out); },
         {{"ENB000", 6, "Buffer does not have enough data (requested: 3, available: 0)"},
          {"ENB00001646DF6741E1E2B6", 6, "Buffer does not have enough data (requested: 16, available: 14)"},
          {"ENB00001646DF6741E1E2B6-C", 6, "Invalid data: -C"}});
+    EXPECT_STREQ(out, "");
 }
 
 }  // namespace

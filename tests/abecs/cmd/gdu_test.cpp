@@ -26,7 +26,7 @@ TEST(Gdu, ReadsTheSerialNumber) {
 }
 
 TEST(Gdu, RefusesMalformedAnswers) {
-    char out[21];
+    char out[21] = "old";
     const auto gdu = [&](AbecsComm* link) { abecs_cmd_gdu(link, ABECS_CMD_GDU_METHOD_2, 0, out); };
     support::expect_bad_answers(
         "GDU003200", gdu,
@@ -35,6 +35,7 @@ TEST(Gdu, RefusesMalformedAnswers) {
          {"GDU000021FFFF9876543210E000010", 12, "Invalid RSP_LEN1 (expected: 20, read: 21)"},
          {"GDU000020FFFF9876543210E000", 6, "Buffer does not have enough data (requested: 20, available: 18)"},
          {"GDU000020FFFF9876543210E0000z", 6, "Invalid data: 0z"}});
+    EXPECT_STREQ(out, "");
 }
 
 TEST(Gdu, ChecksItsArgumentsAndLeavesTheHandleToTheLink) {

@@ -46,14 +46,14 @@ typedef enum AbecsCmdChpPinFmt_E KOR_ENUM_INT32 {
 
 /*
  * What is asked for. Operations 2 and 3 hand the card a command; operation 3 takes a PIN for it, showing a message
- * meanwhile, without carriage returns. Texts need no NUL when they fill their member.
+ * meanwhile, without carriage returns. Of a text without a NUL the last character of its member does not count.
  */
 typedef struct AbecsCmdChpParam {
     AbecsCmdChpSlot_E slot;
     AbecsCmdChpOper_E oper;
     char chpCmd[521];           /* hexadecimal: up to 260 bytes; for operation 3, 4 bytes */
     AbecsCmdChpPinFmt_E pinFmt; /* operation 3 only */
-    char message[33];           /* operation 3 only */
+    char message[33];           /* operation 3 only: up to 32 characters */
 } AbecsCmdChpParam;
 
 /*
@@ -61,7 +61,8 @@ typedef struct AbecsCmdChpParam {
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'param' is NULL"; "Invalid enumerator for %s: %d" for slot and
  * operation; "Length of 'param->chpCmd' is invalid: %zu" when it is odd, or not 8 for operation 3; "Invalid enumerator
- * for %s: %d" for the format; a text that its field does not take. And what the link raises.
+ * for %s: %d" for the format; "Invalid hex byte at index %zu"; "Invalid character (0x%02X) at position %zu" for one
+ * that the display does not take. And what the link raises.
  */
 KOR_API void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param);
 
@@ -71,9 +72,10 @@ KOR_API void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param);
  * and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out` (515
  * bytes) holds what the card has answered, in hexadecimal digits without leading pairs "30".
  *
- * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR for an
- * answer under six bytes or of another command; those of abecs_packet_read_notification; IO_ERROR for a malformed
- * field; ILLEGAL_ARGUMENT for more than 257 bytes; and what the link raises. After an error the link stays blocked.
+ * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
+ * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those
+ * of abecs_packet_read_notification; IO_ERROR for a malformed field; ILLEGAL_ARGUMENT for more than 257 bytes; and what
+ * the link raises. An error leaves the blocked state as it is, and `out` as it was, or empty.
  */
 KOR_API int32_t abecs_cmd_chp_response(AbecsComm* pinpad, char* out, char* notification);
 

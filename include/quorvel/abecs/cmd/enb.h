@@ -26,8 +26,8 @@ typedef enum AbecsCmdEnbMethod_E KOR_ENUM_INT32 {
 typedef struct AbecsCmdEnbCmdData {
     AbecsCmdEnbMethod_E method;
     uint8_t keyIdx; /* of the master key in the PIN pad, 0 to 99 */
-    char wkEnc[33]; /* the working key under the master key: 32 hex digits */
-    char data[17];  /* the block: 16 hex digits */
+    char wkEnc[33]; /* the working key under the master key: 32 hex digits; fewer are filled up in front with "30" */
+    char data[17];  /* the block: 16 hex digits, filled up likewise */
 } AbecsCmdEnbCmdData;
 
 /*
@@ -51,10 +51,12 @@ KOR_API char* abecs_cmd_enb_encode_data(const char* clearData, const AbecsWkPan*
 
 /*
  * Sends ENB and returns RSP_STAT. When that is 0, `out` (17 bytes) holds the enciphered block, 16 hex digits. Leading
- * pairs "30" are taken for filling and dropped: a text that is shorter has lost so many.
+ * pairs "30" are taken for filling and dropped: a text that is shorter has lost so many. After an error `out` is as it
+ * was, or empty.
  *
  * ILLEGAL_ARGUMENT: "'pinpad' is NULL"; "'cmdData' is NULL"; "'out' is NULL"; "Invalid enumerator for %s: %d" with
- * "AbecsCmdEnbMethod_E"; an index or texts that their fields have no room for, or that are not hexadecimal.
+ * "AbecsCmdEnbMethod_E"; then, field by field, "Number length (%zu) is greater than field length (%zu)" for an index
+ * above 99, "Invalid hex byte at index %zu", and "Field does not have enough room for data" for too many digits.
  * PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another
  * command; IO_ERROR for a malformed field; and what the link raises.
  */

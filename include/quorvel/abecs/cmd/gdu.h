@@ -19,7 +19,7 @@ typedef enum AbecsCmdGduMethod_E KOR_ENUM_INT32 {
 /*
  * GDU: reads the serial number of the DUKPT key at an index, 0 to 99, and returns RSP_STAT. When that is 0, `out` (21
  * bytes) holds it in 20 hex digits. Leading pairs "30" are taken for filling and dropped: a text that is shorter has
- * lost so many.
+ * lost so many. After an error `out` is as it was, or empty.
  *
  * INDEX_OUT_OF_BOUNDS "Invalid idx: %d (maximum is 99)"; ILLEGAL_ARGUMENT "'out' is NULL", "Invalid enumerator for %s:
  * %d" with "AbecsCmdGduMethod_E". PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "Invalid RSP_ID
