@@ -93,6 +93,7 @@ AbecsPacket* abecs_cmd_builder_build(AbecsCmdBuilder* builder, AbecsPacket* out)
     }
     abecs_packet_clear(out);
     abecs_packet_write_field_a(out, builder->cmdId, kIdLength, false);
+    if (abecs_packet_available_read(out) != kIdLength) { return nullptr; }  // the id is not fit to be sent
     if (kor_buffer_available_read(builder->blk1) != 0) {
         write_block(builder->blk1, out);
         if (kor_buffer_available_read(builder->blk2) != 0) { write_block(builder->blk2, out); }

@@ -111,6 +111,16 @@ TEST_F(Builder, ChecksItsArguments) {
     }
     EXPECT_RAISES(2, "'param' is NULL", abecs_cmd_builder_add_param(builder_, nullptr));
     EXPECT_RAISES(2, "'out' is NULL", abecs_cmd_builder_build(builder_, nullptr));
+    add(1, 1);
+    abecs_cmd_builder_set_cmd_id(builder_, "X\tZ");
+    const Packet packet;
+    const char* const badId = "Invalid character (0x09) at position 1";
+    EXPECT_RAISES(2, badId, abecs_cmd_builder_build(builder_, packet.get()));
+    const support::ReturningRaises handler;
+    EXPECT_EQ(abecs_cmd_builder_build(builder_, packet.get()), nullptr);
+    EXPECT_EQ(handler.all(), support::errors(2, {badId}));
+    abecs_cmd_builder_set_cmd_id(builder_, "XYZ");
+    EXPECT_EQ(build(), "XYZ005" + encoded(1, 1));
 }
 
 }  // namespace

@@ -38,7 +38,8 @@ KOR_API void abecs_cmd_builder_add_param(AbecsCmdBuilder* builder, AbecsParam* p
 /*
  * Writes the command into `out`, which is emptied first, and returns `out`. Consumes the parameters and takes away the
  * id. ILLEGAL_ARGUMENT "'builder' is NULL", "'out' is NULL"; ILLEGAL_STATE "Builder does not have assigned a command
- * id".
+ * id"; ILLEGAL_ARGUMENT "Invalid character (0x%02X) at position %zu" for an id that is not of printable ASCII, and the
+ * builder is then as it was.
  */
 KOR_API AbecsPacket* abecs_cmd_builder_build(AbecsCmdBuilder* builder, AbecsPacket* out);
 
