@@ -147,8 +147,12 @@ protected:
 
     int32_t load(AbecsWkPan* out, bool setOnLink) {
         if (type_ == ABECS_WK_PAN_TYPE_TDES_RSA) { return call(abecs_cmd_dwk2, out, setOnLink); }
-        const AbecsMk mk = master(type_ == ABECS_WK_PAN_TYPE_DES ? ABECS_MK_TYPE_DES : ABECS_MK_TYPE_TDES);
+        const AbecsMk mk = master_key();
         return call(abecs_cmd_dwk1, &mk, out, setOnLink);
+    }
+
+    [[nodiscard]] AbecsMk master_key() const {
+        return master(type_ == ABECS_WK_PAN_TYPE_DES ? ABECS_MK_TYPE_DES : ABECS_MK_TYPE_TDES);
     }
 
     // The PIN pad has the same key: it undoes what the host does to a block and to a card number.
@@ -240,6 +244,16 @@ TEST_P(PanKey, OnTheLinkServesUntilTheSessionEnds) {
     expect_marks(false, false);
     expect_clear_tracks("4111111111111111");
     EXPECT_FALSE(retire().panKey.has_value());
+}
+
+TEST_P(PanKey, WhoseAnswerIsDamagedIsThePinPadsAllTheSame) {
+    const AbecsMk mk = master_key();
+    pinPad_.inject({.kind = "wrong-id", .command = "DWK"});
+    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "(DWK) Invalid RSP_ID: XXX)",
+                  type_ == ABECS_WK_PAN_TYPE_TDES_RSA ? abecs_cmd_dwk2(link_, nullptr, true)
+                                                      : abecs_cmd_dwk1(link_, &mk, nullptr, true));
+    expect_marks(false, false);
+    EXPECT_TRUE(retire().panKey.has_value());
 }
 
 // The bytes of an encrypted session's key go with the link's own, so a new session has to follow.

@@ -2,11 +2,13 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/dwk.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <set>
 #include <string>
 
+#include "quorvel/kor/system.h"
 #include "tests/abecs/cmd/rsa_peer.h"
 #include "tests/crypt/wiped.h"
 #include "tests/simulator/host_key.h"
@@ -91,6 +93,23 @@ TEST_P(Dwk1, LoadsAFreshKeyEachTime) {
         keys.insert(bytes_of(key.key));
     }
     EXPECT_EQ(keys.size(), 2U);
+}
+
+// The header warns of it: the key is only as secret as what the C library's generator was seeded with.
+TEST_P(Dwk1, DrawsTheKeyFromTheGeneratorThatAnApplicationMaySeed) {
+    const auto drawn = [&](unsigned seed) {
+        Link link;
+        std::string request;
+        answer(link, kDwk1Length, &request, "DWK000");
+        AbecsWkPan key{};
+        std::srand(seed);
+        EXPECT_EQ(link.call(abecs_cmd_dwk1)(&master_, &key, true), 0);
+        return bytes_of(key.key);
+    };
+    kor_system_random(0, 1);
+    const std::string key = drawn(7);
+    EXPECT_EQ(drawn(7), key);
+    EXPECT_NE(drawn(8), key);
 }
 
 TEST_P(Dwk1, LeavesTheLinkAsItWasWhenItFails) {

@@ -27,15 +27,18 @@ KOR_BEGIN_DECLS
  *
  * 3. PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of
  *    another command; CRYPT_ERROR when a cipher operation fails; MALLOC_ERROR; and what the link raises. After an
- *    error, or another RSP_STAT than 0, the link and `wkPanOut` are as they were.
+ *    error, or another RSP_STAT than 0, the link and `wkPanOut` are as they were. The PIN pad need not be: if its
+ * answer was lost or damaged, it may go by the new key already, which nobody else has. Give it another one, or close
+ * the session, before a card is read.
  */
 
 /*
  * The host makes the key and sends it under the master key `mk`; the new key is of the same kind. Without `setOnLink`
  * the link goes on in the layout of protected mode, for an application that deciphers by itself; but CKE still ends
  * track 2 after 37 of its 40 characters and begins track 3 with the rest, so read cards with GCR. The key comes from
- * kor_system_random, which an observer who knows the time can follow: where that matters, let the PIN pad make the key
- * with abecs_cmd_dwk2.
+ * kor_system_random, that is, from the C library's rand: it follows from the time at which that was seeded, or from
+ * what the application has given to srand, and can be worked out by whoever knows either. Where that matters, let the
+ * PIN pad make the key with abecs_cmd_dwk2.
  *
  * ILLEGAL_ARGUMENT: "'pinpad' is NULL"; "'mk' is NULL"; "Invalid enumerator for %s: %d" with "AbecsMkType_E"; "Invalid
  * master key index: %d (max: 99)".
