@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/gcd.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -44,7 +45,8 @@ TEST(Gcd, ReadsTheNumberWhereverItStandsAndHoweverLongItIs) {
         Link link;
         send(link);
         link.peer.response("GCD000" + data);
-        char out[1000] = "old";
+        char out[996];
+        std::memset(out, 'o', sizeof out);
         EXPECT_EQ(link.call(abecs_cmd_gcd_response)(out, nullptr), 0);
         EXPECT_EQ(out, number);
     };

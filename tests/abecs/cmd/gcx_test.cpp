@@ -88,6 +88,9 @@ TEST_F(Gcx, ChecksEveryArgumentInOrder) {
     const char* const tooLong = "Number length (13) is greater than field length (12)";
     refused(2, tooLong, abecs_cmd_gcx_builder_amount, 1000000000000);
     refused(2, tooLong, abecs_cmd_gcx_builder_cashback, 1000000000000);
+    refused(2, tooLong, abecs_cmd_gcx_builder_amount, 9999999999999);
+    refused(2, "'i' (10000000000000) is too long (maximum: 9999999999999", abecs_cmd_gcx_builder_amount,
+            10000000000000);
     refused(2, "Invalid 'trnCurr' (maximum: 999, requested: 1000)", abecs_cmd_gcx_builder_trncurr, 1000);
     refused(2, "'gcxOpt' is NULL", abecs_cmd_gcx_builder_gcxopt, nullptr);
     refused(2, "'gcxOpt' is too long (maximum: 5, requested: 6)", abecs_cmd_gcx_builder_gcxopt, "10000A");

@@ -77,6 +77,9 @@ TEST_F(Gox, ChecksEveryArgumentInOrder) {
     refused(2, "Invalid enumerator for AbecsSpeMthdPin_E: 4", reset, 99, method(4), 100);
     refused(2, "Invalid enumerator for AbecsSpeMthdPin_E: -1", reset, 99, method(-1), 100);
     refused(2, "Invalid 'keyIdx': 100 (min: 0, max: 99)", reset, 99, method(0), 100);
+    refused(2, "Number length (13) is greater than field length (12)", abecs_cmd_gox_builder_amount, 1000000000000);
+    refused(2, "'i' (10000000000000) is too long (maximum: 9999999999999", abecs_cmd_gox_builder_cashback,
+            10000000000000);
     refused(2, "Invalid 'trnCurr' (maximum: 999, requested: 1000)", abecs_cmd_gox_builder_trncurr, 1000);
     refused(2, "goxOpt: invalid char (0x61) at index 4", abecs_cmd_gox_builder_goxopt, "0123a");
     refused(2, "'dspMsg' is NULL", abecs_cmd_gox_builder_dspmsg, nullptr);

@@ -15,8 +15,8 @@ KOR_BEGIN_DECLS
  * case; an odd last one is sent as it is, though it is not counted. Returns RSP_STAT.
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'emvDat' is NULL"; "'emvDat' length is greater than 198
- * characters"; "Invalid hex byte at index %zu". PROTOCOL_ERROR for an answer under six bytes or of another command;
- * IO_ERROR for a malformed one; and what the link raises.
+ * characters"; "Invalid hex byte at index %zu". PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes,
+ * "(%s) Invalid RSP_ID: %s)" for that of another command; IO_ERROR for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_cng(AbecsComm* pinpad, const char* emvDat);
 

@@ -24,8 +24,8 @@ KOR_API void abecs_cmd_gcd(AbecsComm* pinpad, uint16_t msgIdx, uint8_t minDig, u
  * is 0; or -1 when nothing has come yet, or -2 with the text of a notification in `notification` (33 bytes, or none),
  * the link staying blocked.
  *
- * The text is as long as the PIN pad makes it: 33 bytes are room enough for one that keeps to `maxDig`, 1000 for
- * whatever can come.
+ * Give `out` room for 996 bytes: so many, with the NUL, are written when the PIN pad sends that much, and nothing stops
+ * it. A number that keeps to `maxDig` fills 33 of them at most.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "(%s)
  * Invalid RSP_ID: %s)" for the answer of another command, "PP_VALUE not found on response" when the number is missing;

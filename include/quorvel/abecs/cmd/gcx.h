@@ -29,8 +29,8 @@ KOR_API AbecsCmdGcxBuilder* abecs_cmd_gcx_builder_new(const char* trnDate, const
 
 /*
  * Leaves nothing but the date, six digits YYMMDD, and the time, six digits HHMMSS. ILLEGAL_ARGUMENT, with the builder
- * as it was: "'trnDate' is NULL", "'trnTime' is NULL"; those of abecs_data_check_n_string for each. MALLOC_ERROR: the
- * builder is to be reset again before it is sent.
+ * as it was: "'builder' is NULL"; "'trnDate' is NULL", "'trnTime' is NULL"; those of abecs_data_check_n_string for
+ * each. MALLOC_ERROR: the builder is to be reset again before it is sent.
  */
 KOR_API void abecs_cmd_gcx_builder_reset(AbecsCmdGcxBuilder* builder, const char* trnDate, const char* trnTime);
 
@@ -56,7 +56,7 @@ KOR_API void abecs_cmd_gcx_builder_apptype(AbecsCmdGcxBuilder* builder, const ui
 KOR_API void abecs_cmd_gcx_builder_aidlist(AbecsCmdGcxBuilder* builder, const char* aidRecords);
 
 /* SPE_AMOUNT and SPE_CASHBACK, in the smallest unit of the currency. "Number length (%zu) is greater than field length
- * (%zu)" from 10^12 on. */
+ * (%zu)" from 10^12 on, "'i' (%llu) is too long (maximum: 9999999999999" from 10^13 on. */
 KOR_API void abecs_cmd_gcx_builder_amount(AbecsCmdGcxBuilder* builder, uint64_t amount);
 KOR_API void abecs_cmd_gcx_builder_cashback(AbecsCmdGcxBuilder* builder, uint64_t cashback);
 
@@ -77,7 +77,7 @@ KOR_API void abecs_cmd_gcx_builder_taglist(AbecsCmdGcxBuilder* builder, const Ab
 KOR_API void abecs_cmd_gcx_builder_timeout(AbecsCmdGcxBuilder* builder, uint8_t timeout);
 
 /* SPE_DSPMSG, at most 128 characters; carriage returns break lines. "'dspMsg' is NULL"; "'dspMsg' is too long (length:
- * %zu, max: 128)"; a character that the display does not take. */
+ * %zu, max: 128)"; "Invalid character (0x%02X) at position %zu" for any other control character. */
 KOR_API void abecs_cmd_gcx_builder_dspmsg(AbecsCmdGcxBuilder* builder, const char* dspMsg);
 
 /* Sends GCX and blocks the link on it. ILLEGAL_ARGUMENT "'pinpad' is NULL", "'builder' is NULL"; and what the link
@@ -92,8 +92,9 @@ KOR_API void abecs_cmd_gcx(AbecsComm* pinpad, AbecsCmdGcxBuilder* builder);
  * first, and empty after any other outcome.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
- * PROTOCOL_ERROR for the answer of another command, those of abecs_rsp_parser_set_packet and
- * abecs_rsp_parser_read_param for a malformed one; and what the link raises. After an error the link stays blocked.
+ * PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises. An error leaves the blocked state as it
+ * is.
  */
 KOR_API int32_t abecs_cmd_gcx_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification);
 

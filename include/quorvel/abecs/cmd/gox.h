@@ -61,7 +61,7 @@ KOR_API void abecs_cmd_gox_builder_trncurr(AbecsCmdGoxBuilder* builder, uint16_t
 KOR_API void abecs_cmd_gox_builder_goxopt(AbecsCmdGoxBuilder* builder, const char* goxOpt);
 
 /* SPE_DSPMSG, at most 128 characters; carriage returns break lines. "'dspMsg' is NULL"; "'dspMsg' is too long (length:
- * %zu, max: 128)"; a character that the display does not take. */
+ * %zu, max: 128)"; "Invalid character (0x%02X) at position %zu" for any other control character. */
 KOR_API void abecs_cmd_gox_builder_dspmsg(AbecsCmdGoxBuilder* builder, const char* dspMsg);
 
 /* SPE_TRMPAR, the 10 bytes at `trmPar`: the terminal's risk management. "'trmPar' is NULL". */
@@ -88,8 +88,9 @@ KOR_API void abecs_cmd_gox(AbecsComm* pinpad, AbecsCmdGoxBuilder* builder);
  * first, and empty after any other outcome.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
- * PROTOCOL_ERROR for the answer of another command; those of abecs_rsp_parser_set_packet and
- * abecs_rsp_parser_read_param for a malformed one; and what the link raises. After an error the link stays blocked.
+ * PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises. An error leaves the blocked state as it
+ * is.
  */
 KOR_API int32_t abecs_cmd_gox_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification);
 

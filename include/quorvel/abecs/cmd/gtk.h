@@ -125,7 +125,8 @@ KOR_API int32_t abecs_cmd_gtk(AbecsComm* pinpad, AbecsCmdGtkBuilder* builder, Ab
  * `out` untouched, when the answer does not have it.
  *
  * ILLEGAL_ARGUMENT "'rspParams' is NULL", "'out' is NULL"; PROTOCOL_ERROR "'Parameter size violation for %s (size: %zu,
- * max: %zu)" for one that `out` has no room for, with the size it has in out->size.
+ * max: %zu)" for one that `out` has no room for: out->size then tells the size it has, more than out->data holds, which
+ * is as it was.
  */
 KOR_API AbecsCmdGtkEncPan* abecs_cmd_gtk_response_enc_pan(const AbecsRspParamMap* rspParams, AbecsCmdGtkEncPan* out);
 KOR_API AbecsCmdGtkTrack1* abecs_cmd_gtk_response_track1(const AbecsRspParamMap* rspParams, AbecsCmdGtkTrack1* out);
