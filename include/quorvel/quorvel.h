@@ -11,15 +11,15 @@
  * 1. Errors. Every failure is raised through the try blocks of kor/exception.h: a KOR_RESULT_* code and a text that
  *    reads "[KOR_RESULT_NAME] detail" (abecs_cmd_tlr has one without the name). The comments here name the code and the
  *    detail ("%d" and the like stand for what is filled in). What takes memory can raise MALLOC_ERROR even where its
- *    comment does not say so. With no try block open and an uncaught handler that returns, a function that raised leaves
- *    at once with a harmless result: where a status is due, ABECS_RSP_STAT_ST_INTERR; from abecs_cmd_gcr,
+ *    comment does not say so. With no try block open and an uncaught handler that returns, a function that raised
+ *    leaves at once with a harmless result: where a status is due, ABECS_RSP_STAT_ST_INTERR; from abecs_cmd_gcr,
  *    abecs_cmd_gcr_empty and abecs_cmd_gen_04_03, which return no status but KOR_RESULT_OK, the code that was raised;
  *    from abecs_cmd_cex_response_get_event -1; from all others null, 0, false, an empty text or the destination that
  *    they were given.
  * 2. A status is not an error. Command functions return RSP_STAT, the PIN pad's status (AbecsRspStat_E, 0 is success);
- *    they raise for arguments, for the link, and when there is no valid answer, a status that the protocol does not know
- *    being none: PROTOCOL_ERROR "Unknown value for RSP_STAT: %03d". Only abecs_cmd_mlx, which sends several commands,
- *    returns none and raises when one of them does not succeed.
+ *    they raise for arguments, for the link, and when there is no valid answer, a status that the protocol does not
+ *    know being none: PROTOCOL_ERROR "Unknown value for RSP_STAT: %03d". Only abecs_cmd_mlx, which sends several
+ *    commands, returns none and raises when one of them does not succeed.
  * 3. Blocking commands, which wait for the cardholder, come as a sending function and one that ends in _response. The
  *    link is blocked from the one to the other. Poll the latter: -1 nothing yet (after two seconds), -2 a notification
  *    was read into the text argument (33 bytes, or none), else the final RSP_STAT. abecs_comm_send_can aborts the wait.

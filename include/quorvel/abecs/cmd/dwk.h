@@ -28,8 +28,8 @@ KOR_BEGIN_DECLS
  * 3. PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of
  *    another command; CRYPT_ERROR when a cipher operation fails; MALLOC_ERROR; and what the link raises. After an
  *    error, or another RSP_STAT than 0, the link and `wkPanOut` are as they were. The PIN pad need not be: if its
- * answer was lost or damaged, it may go by the new key already, which nobody else has. Give it another one, or close
- * the session, before a card is read.
+ *    answer was lost or damaged, it may go by the new key already, which nobody else has. Give it another one, or
+ *    close the session, before a card is read.
  */
 
 /*
