@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
-#include <ctime>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
@@ -23,12 +23,11 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 
+using kor::Deadline;
 using kor::raise;
+using namespace std::chrono_literals;
 
 namespace {
-
-constexpr int64_t kNanosPerTenth = 100'000'000;
-constexpr int64_t kNanosPerMilli = 1'000'000;
 
 constexpr std::array<const char*, 3> kLinuxPortNames{"ttyS", "ttyUSB", "ttyACM"};
 
@@ -68,7 +67,7 @@ void raise_open_error(const char* path) {
 // The descriptor of a terminal in blocking mode. O_NONBLOCK only keeps the opening itself from waiting for a carrier.
 int open_terminal(const char* path) {
     if (path == nullptr) { return raise(KOR_RESULT_FILE_NOT_FOUND, "No such port: %s", "(null)"), -1; }
-    const int fd = open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    const int fd = retry([&] { return open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC); });
     if (fd < 0) { return raise_open_error(path), -1; }
     termios settings{};
     if (tcgetattr(fd, &settings) != 0) {
@@ -95,12 +94,6 @@ void change_settings(const KorSerial* handle, Change&& change) {
     }
 }
 
-int64_t monotonic_nanos() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
-}
-
 // How long a read waits, in tenths of a second; -1 when the port was never told, so that read() itself decides.
 int read_timeout(int fd) {
     termios settings{};
@@ -113,43 +106,58 @@ enum class Wait { kInput, kHungUp, kExpired };
 
 // Waits here and not in read(): the terminal's own timer starts again with every signal that restarts the read, so
 // that under a fast interval timer it would never expire.
-Wait wait_for_input(int fd, int tenths) {
-    if (tenths < 0) { return Wait::kInput; }
-    const int64_t deadline = monotonic_nanos() + tenths * kNanosPerTenth;
-    for (int64_t left = tenths * kNanosPerTenth;; left = std::max<int64_t>(deadline - monotonic_nanos(), 0)) {
+Wait wait_until(int fd, Deadline deadline) {
+    for (;;) {
         pollfd input{fd, POLLIN, 0};
-        const int ready = poll(&input, 1, static_cast<int>((left + kNanosPerMilli - 1) / kNanosPerMilli));
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.left());
+        const int ready = poll(&input, 1, static_cast<int>(left.count()));
         if (ready == 0) { return Wait::kExpired; }
         if (ready > 0) { return (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput; }
         if (errno != EINTR) { return Wait::kInput; }
     }
 }
 
-// The number of bytes obtained, or -1 after it raised.
-ssize_t read_bytes(const KorSerial* handle, uint8_t* to, size_t length) {
+// The number of bytes that came together, 0 when none did in time, or -1 with errno. Where another process takes the
+// bytes first, the wait goes on.
+ssize_t read_arrival(int fd, uint8_t* to, size_t length, Deadline deadline) {
+    for (;;) {
+        const Wait wait = wait_until(fd, deadline);
+        if (wait == Wait::kExpired) { return 0; }
+        const ssize_t count = retry([&] { return read(fd, to, length); });
+        if (count != 0) { return count; }
+        // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.
+        if (wait == Wait::kHungUp) { return errno = EIO, -1; }
+        if (deadline.passed()) { return 0; }
+    }
+}
+
+// What a read came to: fewer bytes than were wanted mean that the time-out expired or, with an error, that it failed.
+struct Obtained {
+    size_t count = 0;
+    int error = 0;
+};
+
+Obtained read_bytes(const KorSerial* handle, uint8_t* to, size_t length) {
     const int tenths = read_timeout(handle->fd);
     size_t obtained = 0;
     while (obtained < length) {
-        const Wait wait = wait_for_input(handle->fd, tenths);
-        if (wait == Wait::kExpired) { break; }
-        const ssize_t count = retry([&] { return read(handle->fd, to + obtained, length - obtained); });
-        if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), -1; }
-        // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.
-        if (count == 0 && wait == Wait::kHungUp) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", EIO), -1; }
+        uint8_t* next = to + obtained;
+        const size_t wanted = length - obtained;
+        const ssize_t count = tenths < 0 ? retry([&] { return read(handle->fd, next, wanted); })
+                                         : read_arrival(handle->fd, next, wanted, Deadline(tenths * 100ms));
+        if (count < 0) { return {obtained, errno}; }
         if (count == 0) { break; }
         obtained += static_cast<size_t>(count);
     }
-    return static_cast<ssize_t>(obtained);
+    return {obtained};
 }
 
 // False after it raised.
 bool read_all(const KorSerial* handle, void* to, size_t length) {
     if (!is_usable(handle)) { return false; }
-    const ssize_t count = read_bytes(handle, static_cast<uint8_t*>(to), length);
-    if (count < 0) { return false; }
-    if (static_cast<size_t>(count) < length) {
-        return raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"), false;
-    }
+    const Obtained obtained = read_bytes(handle, static_cast<uint8_t*>(to), length);
+    if (obtained.error != 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", obtained.error), false; }
+    if (obtained.count < length) { return raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"), false; }
     return true;
 }
 
@@ -219,6 +227,16 @@ KorList* kor::list_serial_ports(const char* directory, KorList* out) {
           kor_string_list_delete(&names);
       }).run();
     return out;
+}
+
+bool kor::wait_for_input(const KorSerial* handle, Deadline deadline) {
+    return wait_until(handle->fd, deadline) != Wait::kExpired;
+}
+
+bool kor::read_byte(const KorSerial* handle, Deadline deadline, uint8_t* byte) {
+    const ssize_t count = read_arrival(handle->fd, byte, 1, deadline);
+    if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), false; }
+    return count == 1;
 }
 
 KorList* kor_serial_list_ports(KorList* out) { return kor::list_serial_ports("/dev/", out); }
@@ -341,8 +359,10 @@ void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byteOrder) {
 
 size_t kor_serial_read(KorSerial* handle, void* buffer, size_t length) {
     if (!is_usable(handle)) { return 0; }
-    const ssize_t count = read_bytes(handle, static_cast<uint8_t*>(buffer), length);
-    return count < 0 ? 0 : static_cast<size_t>(count);
+    const Obtained obtained = read_bytes(handle, static_cast<uint8_t*>(buffer), length);
+    // What came before the line hung up is the caller's; the next call finds the line as it is.
+    if (obtained.error == 0 || (obtained.error == EIO && obtained.count > 0)) { return obtained.count; }
+    return raise(KOR_RESULT_IO_ERROR, "read() error: %d", obtained.error), 0;
 }
 
 uint8_t kor_serial_read_byte(KorSerial* handle) {

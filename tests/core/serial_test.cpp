@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "core/serial.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <fcntl.h>
@@ -9,6 +10,8 @@
 #include <string>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
 #include <tuple>
 #include <unistd.h>
 #include <utility>
@@ -22,6 +25,26 @@
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
+
+extern "C" {
+int __real_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...);
+}
+
+namespace {
+
+// How many of the library's next calls of open() a signal interrupts.
+int interrupted_opens = 0;
+
+}  // namespace
+
+// None of the callers creates a file, which would need a third argument.
+int __wrap_open(const char* path, int flags, ...) {
+    if (interrupted_opens == 0) { return __real_open(path, flags); }
+    --interrupted_opens;
+    errno = EINTR;
+    return -1;
+}
 
 namespace {
 
@@ -73,6 +96,30 @@ TEST_F(Serial, OpeningBlocksAndLeavesTheSettings) {
     EXPECT_EQ(as_bytes(peer.settings()), as_bytes(before));
     kor_serial_close(&opened);
     EXPECT_EQ(opened, nullptr);
+}
+
+TEST_F(Serial, OpeningIsTriedAgainAfterASignal) {
+    interrupted_opens = 3;
+    KorSerial* opened = nullptr;
+    EXPECT_NO_RAISE(opened = kor_serial_open(peer.path().c_str()));
+    EXPECT_EQ(std::exchange(interrupted_opens, 0), 0);
+    kor_serial_close(&opened);
+}
+
+// A process that leads a session without a terminal would get the first one that it opens, and with it the signals of
+// the line: SIGHUP when the PIN pad is unplugged.
+TEST_F(Serial, OpeningMakesNoControllingTerminal) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        setsid();
+        const bool opened = kor_serial_open(peer.path().c_str()) != nullptr;
+        const bool none = __real_open("/dev/tty", O_RDWR) < 0 && errno == ENXIO;
+        _exit(opened && none ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 TEST(SerialOpen, NamesWhatIsWrongWithThePath) {
@@ -243,9 +290,10 @@ TEST_F(ConfiguredSerial, ReadStrFitsTheTextIntoItsBuffer) {
         EXPECT_EQ(kor_serial_read_byte(port), '!') << "the text ends at its NUL";
     }
     feed("AB");
-    char unended[8];
+    std::string unended(8, '.');
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data",
-                  kor_serial_read_str(port, unended, sizeof unended));
+                  kor_serial_read_str(port, unended.data(), unended.size()));
+    EXPECT_EQ(unended, "AB......");
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'buffer' is NULL", kor_serial_read_str(port, nullptr, 8));
 }
 
@@ -315,6 +363,35 @@ TEST_F(ConfiguredSerial, AHungUpLineIsAnErrorAndNoTimeOut) {
     EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_IO_ERROR, {"read() error: 5", "tcdrain() error: 5"}));
     kor_serial_close(&port);
     EXPECT_EQ(port, nullptr);
+}
+
+// The line goes once the port has nothing left to read, which is when the bytes are with the caller.
+TEST_F(ConfiguredSerial, BytesReadBeforeAHangUpAreReturned) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 255));
+    feed("abcd");
+    std::thread unplugging([&] {
+        for (int waiting = 4; waiting != 0;) { ioctl(port->fd, FIONREAD, &waiting); }
+        peer.hang_up();
+    });
+    char bytes[8] = {};
+    size_t count = 0;
+    EXPECT_NO_RAISE(count = kor_serial_read(port, bytes, sizeof bytes));
+    unplugging.join();
+    EXPECT_EQ(count, 4U);
+    EXPECT_STREQ(bytes, "abcd");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read(port, bytes, sizeof bytes));
+}
+
+// A number needs all of its bytes: no part of one is kept for later.
+TEST_F(ConfiguredSerial, AHangUpInTheMiddleOfANumberIsAnError) {
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 255));
+    feed("ab");
+    std::thread unplugging([&] {
+        for (int waiting = 2; waiting != 0;) { ioctl(port->fd, FIONREAD, &waiting); }
+        peer.hang_up();
+    });
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", kor_serial_read_ui32(port, 0));
+    unplugging.join();
 }
 
 TEST_F(ConfiguredSerial, AHangUpEndsAWaitingRead) {

@@ -78,8 +78,9 @@ typedef struct KorSerialConfig {
 KOR_API KorList* kor_serial_list_ports(KorList* out);
 
 /*
- * Opens the terminal device at `path`, with the settings that it has; others may open it too. Close it with
- * kor_serial_close.
+ * Opens the terminal device at `path`, with the settings that it has; others may open it too. It does not become the
+ * controlling terminal of the process, and programs that the process starts do not inherit it. The handle is the
+ * caller's, to kor_serial_close; null after an error, when nothing is left open.
  *
  * DEVICE_BUSY "Port is busy: %s"; PERMISSION_DENIED "Permission denied for port : %s"; FILE_NOT_FOUND "No such port:
  * %s" for every other reason. IO_ERROR "tcgetattr() error: %d" (25 when it is no terminal), "fcntl(F_GETFL) error:
@@ -152,17 +153,18 @@ KOR_API void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byte
 KOR_API void kor_serial_write_ui32(KorSerial* handle, uint32_t value, int32_t byteOrder);
 
 /*
- * Reads up to `length` bytes; returns how many, which are fewer when the time-out expired. The time-out starts afresh
- * whenever bytes arrive: a slow but steady sender can keep one call going for longer.
+ * Reads up to `length` bytes; returns how many, which are fewer when the time-out expired or the line hung up. The
+ * time-out starts afresh whenever bytes arrive: a slow but steady sender can keep one call going for longer.
  *
- * IO_ERROR "read() error: %d", with 5 for a line that hung up: that is no time-out.
+ * IO_ERROR "read() error: %d", with 5 for a line that hung up and has given all its bytes: that is no time-out.
  */
 KOR_API size_t kor_serial_read(KorSerial* handle, void* buffer, size_t length);
 
 /*
- * Read a byte, or a number in the given byte order. What had arrived of a number before the time-out is lost.
+ * Read a byte, or a number in the given byte order. What had arrived of a number that is cut short is lost.
  *
- * TIMEOUT_ERROR "Timeout waiting for data"; the errors of kor_serial_read.
+ * TIMEOUT_ERROR "Timeout waiting for data" when a byte did not come for as long as the time-out; IO_ERROR "read()
+ * error: %d", with 5 when the line hangs up before the last byte.
  */
 KOR_API uint8_t kor_serial_read_byte(KorSerial* handle);
 KOR_API uint16_t kor_serial_read_ui16(KorSerial* handle, int32_t byteOrder);
@@ -171,11 +173,10 @@ KOR_API uint32_t kor_serial_read_ui32(KorSerial* handle, int32_t byteOrder);
 KOR_API int32_t kor_serial_read_i32(KorSerial* handle, int32_t byteOrder);
 
 /*
- * Reads a text up to its NUL into the `size` bytes at `buffer`; returns `buffer`. The text is always terminated; what
- * does not fit is read and dropped. After an error the bytes read so far stand there without a NUL.
+ * Reads a text up to its NUL into the `size` bytes at `buffer`; returns `buffer`. The text is always terminated, unless
+ * `size` is 0; what does not fit is read and dropped. After an error the bytes read so far stand there without a NUL.
  *
- * ILLEGAL_ARGUMENT "'buffer' is NULL"; TIMEOUT_ERROR "Timeout waiting for data" when no byte came for as long as the
- * time-out; the errors of kor_serial_read.
+ * ILLEGAL_ARGUMENT "'buffer' is NULL"; the errors of kor_serial_read_byte.
  */
 KOR_API char* kor_serial_read_str(KorSerial* handle, char* buffer, size_t size);
 

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_CORE_DEADLINE_H
+#define QUORVEL_CORE_DEADLINE_H
+
+#include <algorithm>
+#include <chrono>
+#include <compare>
+
+namespace kor {
+
+// The time on a clock that nobody sets; where it starts means nothing.
+[[nodiscard]] std::chrono::nanoseconds monotonic_now();
+
+// The end of a wait.
+class Deadline {
+public:
+    explicit Deadline(std::chrono::milliseconds time) : end_(monotonic_now() + time) {}
+
+    [[nodiscard]] std::chrono::nanoseconds left() const {
+        return std::max(end_ - monotonic_now(), std::chrono::nanoseconds::zero());
+    }
+
+    [[nodiscard]] bool passed() const { return left() == std::chrono::nanoseconds::zero(); }
+
+    // The sooner one is the smaller one.
+    constexpr std::strong_ordering operator<=>(const Deadline&) const = default;
+
+private:
+    std::chrono::nanoseconds end_;
+};
+
+// Sleeps for the whole time, whatever signals come; for none of it when it is negative.
+void sleep_out(std::chrono::milliseconds time);
+
+}  // namespace kor
+
+#endif
