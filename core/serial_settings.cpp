@@ -56,6 +56,7 @@ bool set_read_timeout(termios& settings, uint8_t tenths) {
 bool set_baud_rate(termios& settings, int32_t baudRate) {
     const Setting* speed = find(kSpeeds, baudRate);
     if (speed == nullptr) { return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported baudRate: %d", baudRate), false; }
+    clear(settings.c_cflag, CIBAUD);  // a speed of its own for what is received
     if (cfsetispeed(&settings, speed->flag) != 0) {
         return raise(KOR_RESULT_IO_ERROR, "cfsetispeed() error: %d", errno), false;
     }
@@ -90,10 +91,11 @@ bool set_parity(termios& settings, int32_t parity) {
         case KOR_SERIAL_PARITY_NONE:
             return clear(settings.c_cflag, PARENB), true;
         case KOR_SERIAL_PARITY_ODD:
+            clear(settings.c_cflag, CMSPAR);  // which makes mark of odd, and space of even
             return set(settings.c_cflag, PARENB | PARODD), true;
         case KOR_SERIAL_PARITY_EVEN:
-            set(settings.c_cflag, PARENB);
-            return clear(settings.c_cflag, PARODD), true;
+            clear(settings.c_cflag, CMSPAR | PARODD);
+            return set(settings.c_cflag, PARENB), true;
         default:
             return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported parity: %d", parity), false;
     }
@@ -114,10 +116,13 @@ bool set_flow_control(termios& settings, int32_t flowControl) {
     }
 }
 
+// Of each kind the flags stay that neither change, drop or add a byte nor act on one: those of the flow control, and
+// what counts only together with a flag that goes, as all of the output's do with OPOST.
 void force_raw(termios& settings) {
     set(settings.c_cflag, CREAD | CLOCAL);
-    clear(settings.c_lflag, ICANON | ECHO | ECHOE | ISIG);
-    clear(settings.c_iflag, ISTRIP | INLCR | IGNCR | ICRNL);
+    clear(settings.c_lflag, ICANON | ECHO | ECHOE | ECHONL | ISIG | IEXTEN);
+    clear(settings.c_iflag,
+          IGNBRK | BRKINT | IGNPAR | PARMRK | INPCK | ISTRIP | INLCR | IGNCR | ICRNL | IUCLC | IMAXBEL);
     clear(settings.c_oflag, OPOST | ONLCR | OCRNL | ONOCR | ONLRET);
 }
 

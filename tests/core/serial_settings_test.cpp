@@ -38,8 +38,8 @@ TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
         {"two stop bits", kor::set_stop_bits, 2, 0, 0, 0, CSTOPB},
         {"one and a half stop bits go as two", kor::set_stop_bits, 3, 0, 0, 0, CSTOPB},
         {"no parity keeps the kind", kor::set_parity, 0, 0, 0, PARENB, 0},
-        {"odd parity", kor::set_parity, 1, 0, 0, 0, PARENB | PARODD},
-        {"even parity", kor::set_parity, 2, 0, 0, PARODD, PARENB},
+        {"odd parity, not mark", kor::set_parity, 1, 0, 0, CMSPAR, PARENB | PARODD},
+        {"even parity, not space", kor::set_parity, 2, 0, 0, CMSPAR | PARODD, PARENB},
         {"no flow control", kor::set_flow_control, 0, IXON | IXOFF, 0, CRTSCTS, 0},
         {"software", kor::set_flow_control, 1, 0, IXON | IXOFF, CRTSCTS, 0},
         {"hardware", kor::set_flow_control, 2, IXON | IXOFF, 0, 0, CRTSCTS},
@@ -75,12 +75,22 @@ TEST(SerialSettings, OtherValuesAreRefused) {
     }
 }
 
+TEST(SerialSettings, ASpeedIsThatOfBothDirections) {
+    termios settings = filled(kAll);
+    EXPECT_TRUE(kor::set_baud_rate(settings, 19200));
+    EXPECT_EQ(cfgetispeed(&settings), speed_t{B19200});
+    EXPECT_EQ(cfgetospeed(&settings), speed_t{B19200});
+    EXPECT_EQ(settings.c_cflag & CIBAUD, 0U) << "a speed left for one direction";
+}
+
 TEST(SerialSettings, RawClearsWhatAltersBytesAndKeepsTheRest) {
     termios settings = filled(kAll);
     kor::force_raw(settings);
-    EXPECT_EQ(settings.c_iflag, kAll & ~tcflag_t{ISTRIP | INLCR | IGNCR | ICRNL});
+    EXPECT_EQ(
+        settings.c_iflag,
+        kAll & ~tcflag_t{IGNBRK | BRKINT | IGNPAR | PARMRK | INPCK | ISTRIP | INLCR | IGNCR | ICRNL | IUCLC | IMAXBEL});
     EXPECT_EQ(settings.c_oflag, kAll & ~tcflag_t{OPOST | ONLCR | OCRNL | ONOCR | ONLRET});
-    EXPECT_EQ(settings.c_lflag, kAll & ~tcflag_t{ICANON | ECHO | ECHOE | ISIG});
+    EXPECT_EQ(settings.c_lflag, kAll & ~tcflag_t{ICANON | ECHO | ECHOE | ECHONL | ISIG | IEXTEN});
     settings = filled(0);
     kor::force_raw(settings);
     EXPECT_EQ(settings.c_cflag, tcflag_t{CREAD | CLOCAL});

@@ -10,6 +10,7 @@
 #include <string>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/ttydefaults.h>
 #include <sys/wait.h>
 #include <thread>
 #include <tuple>
@@ -149,32 +150,98 @@ TEST_F(Serial, TellsForbiddenFromBusy) {
     EXPECT_EQ(seteuid(user), 0);
 }
 
-TEST_F(Serial, ConfigMakesTheLineRaw) {
-    termios cooked = peer.settings();
-    cooked.c_iflag |= ISTRIP | INLCR | IGNCR | ICRNL | IXON | IXOFF | IXANY;
-    cooked.c_oflag |= OPOST | ONLCR;
-    cooked.c_lflag |= ICANON | ECHO | ECHOE | ISIG | IEXTEN;
-    ASSERT_EQ(tcsetattr(port->fd, TCSANOW, &cooked), 0);
+TEST_F(Serial, ConfigAppliesEveryField) {
     const KorSerialConfig config{255, 115200, 8, 2, 0, 0};
     EXPECT_NO_RAISE(kor_serial_config(port, &config));
     const termios settings = peer.settings();
-    EXPECT_EQ(settings.c_iflag & (ISTRIP | INLCR | IGNCR | ICRNL | IXON | IXOFF | IXANY), tcflag_t{IXANY});
-    EXPECT_EQ(settings.c_oflag & (OPOST | ONLCR), 0U);
-    EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ECHOE | ISIG | IEXTEN), tcflag_t{IEXTEN});
     EXPECT_EQ(settings.c_cflag & (CSIZE | CSTOPB | CREAD | CLOCAL), tcflag_t{CS8 | CSTOPB | CREAD | CLOCAL});
     EXPECT_EQ(cfgetispeed(&settings), speed_t{B115200});
     EXPECT_EQ(cfgetospeed(&settings), speed_t{B115200});
     EXPECT_EQ(settings.c_cc[VMIN], 0);
     EXPECT_EQ(settings.c_cc[VTIME], 255);
-    // The control bytes of the protocol among them, which a line discipline would keep for itself.
+}
+
+// The characters that are orders to a terminal, among them those of the link.
+termios with_usual_characters(termios settings) {
+    constexpr std::pair<int, cc_t> kUsual[] = {
+        {VINTR, CINTR},   {VQUIT, CQUIT},     {VERASE, CERASE},     {VKILL, CKILL},
+        {VEOF, CEOF},     {VSTART, CSTART},   {VSTOP, CSTOP},       {VSUSP, CSUSP},
+        {VLNEXT, CLNEXT}, {VWERASE, CWERASE}, {VREPRINT, CREPRINT}, {VDISCARD, CDISCARD},
+    };
+    for (const auto& [at, character] : kUsual) { settings.c_cc[at] = character; }
+    return settings;
+}
+
+// A line that its last user left with the given flags passes every byte once it is configured.
+void expect_raw(const char* left, tcflag_t input, tcflag_t output, tcflag_t local) {
+    SCOPED_TRACE(left);
+    support::Peer peer;
+    KorSerial* port = kor_serial_open(peer.path().c_str());
+    ASSERT_NE(port, nullptr);
+    termios settings = with_usual_characters(peer.settings());
+    settings.c_iflag = input;
+    settings.c_oflag = output;
+    settings.c_lflag = local;
+    ASSERT_EQ(tcsetattr(port->fd, TCSANOW, &settings), 0);
+    const KorSerialConfig config{20, 19200, 8, 1, 0, 0};
+    EXPECT_NO_RAISE(kor_serial_config(port, &config));
     std::string every;
     for (int byte = 0; byte < 256; ++byte) { every += static_cast<char>(byte); }
-    feed(every);
+    peer.send(every);
     std::string read(every.size(), '\0');
     EXPECT_EQ(kor_serial_read(port, read.data(), read.size()), every.size());
-    EXPECT_EQ(read, every);
+    EXPECT_EQ(support::to_hex(read), support::to_hex(every));
+    EXPECT_EQ(kor_serial_available(port), 0U);
     peer.expect(every);
     EXPECT_NO_RAISE(kor_serial_write(port, every.data(), every.size()));
+    peer.finish();
+    kor_serial_close(&port);
+}
+
+// Some flags count only together with others: with IEXTEN, OPOST or ICANON.
+TEST(SerialRaw, PassesEveryByteBothWaysWhateverThePortWasLeftWith) {
+#define FLAG(flag) \
+    { #flag, flag }
+    const std::pair<const char*, tcflag_t> inputs[] = {
+        FLAG(IGNBRK), FLAG(BRKINT), FLAG(IGNPAR), FLAG(PARMRK), FLAG(INPCK), FLAG(ISTRIP),  FLAG(INLCR), FLAG(IGNCR),
+        FLAG(ICRNL),  FLAG(IUCLC),  FLAG(IXON),   FLAG(IXANY),  FLAG(IXOFF), FLAG(IMAXBEL), FLAG(IUTF8)};
+    const std::pair<const char*, tcflag_t> outputs[] = {
+        FLAG(OPOST), FLAG(OLCUC), FLAG(ONLCR), FLAG(OCRNL), FLAG(ONOCR),  FLAG(ONLRET), FLAG(OFILL),
+        FLAG(OFDEL), FLAG(NLDLY), FLAG(CRDLY), FLAG(BSDLY), FLAG(TABDLY), FLAG(VTDLY),  FLAG(FFDLY)};
+    const std::pair<const char*, tcflag_t> locals[] = {FLAG(ISIG),   FLAG(ICANON),  FLAG(XCASE),   FLAG(ECHO),
+                                                       FLAG(ECHOE),  FLAG(ECHOK),   FLAG(ECHONL),  FLAG(NOFLSH),
+                                                       FLAG(TOSTOP), FLAG(ECHOCTL), FLAG(ECHOPRT), FLAG(ECHOKE),
+                                                       FLAG(FLUSHO), FLAG(PENDIN),  FLAG(IEXTEN),  FLAG(EXTPROC)};
+#undef FLAG
+    for (const auto& [name, flag] : inputs) {
+        expect_raw(name, flag, 0, 0);
+        expect_raw(name, flag, 0, IEXTEN);
+    }
+    for (const auto& [name, flag] : outputs) {
+        expect_raw(name, 0, flag, 0);
+        expect_raw(name, 0, flag | OPOST, 0);
+    }
+    for (const auto& [name, flag] : locals) {
+        expect_raw(name, 0, 0, flag);
+        expect_raw(name, 0, 0, flag | ICANON | ECHO | IEXTEN);
+    }
+    expect_raw("all", ~tcflag_t{0}, ~tcflag_t{0}, ~tcflag_t{0});
+}
+
+// The characters of the flow control do not arrive as long as nobody has switched it off.
+TEST_F(Serial, AReadTimeOutAloneLeavesTheFlowControl) {
+    termios left = with_usual_characters(peer.settings());
+    left.c_iflag |= IXON | IXOFF | ICRNL;
+    ASSERT_EQ(tcsetattr(port->fd, TCSANOW, &left), 0);
+    EXPECT_NO_RAISE(kor_serial_set_read_timeout(port, 20));
+    char bytes[8] = {};
+    peer.send("a\x13\x11\rb");
+    EXPECT_EQ(kor_serial_read(port, bytes, 3), 3U);
+    EXPECT_STREQ(bytes, "a\rb");
+    EXPECT_NO_RAISE(kor_serial_set_flow_control(port, 0));
+    peer.send("a\x13\x11\rb");
+    EXPECT_EQ(kor_serial_read(port, bytes, 5), 5U);
+    EXPECT_STREQ(bytes, "a\x13\x11\rb");
 }
 
 TEST_F(Serial, ConfigWithOneBadValueAppliesNone) {

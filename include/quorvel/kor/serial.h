@@ -23,8 +23,11 @@ KOR_BEGIN_DECLS
  * 3. Configure a port before reading from it. Until then a read waits as long as the device's last user wanted, which
  *    may be for ever.
  *
- * 4. Every change of the settings also makes the port raw: bytes pass unchanged both ways, and no modem line is
- *    heeded.
+ * 4. Every change of the settings also makes the port raw, whatever state it was left in: no byte is changed, dropped,
+ *    added or taken for an order to the terminal, and no modem line is heeded. What has a setter of its own stays as it
+ *    is until that setter is called. So kor_serial_set_read_timeout alone leaves the speed, and perhaps characters of 7
+ *    bits, a parity, or a software flow control that keeps the bytes 0x11 and 0x13 for itself. After kor_serial_config
+ *    with 8 data bits, no parity and no software flow control all 256 byte values pass both ways.
  *
  * 5. `byteOrder` is 0 for big-endian and anything else for little-endian.
  *
