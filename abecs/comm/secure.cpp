@@ -31,9 +31,10 @@ void write_content(AbecsPacket* sealed, AbecsPacket* plain) {
     for (size_t i = padding_of(length); i != 0; --i) { abecs_packet_write_byte(sealed, 0); }
 }
 
-// The unread bytes of a packet that was written from its start: both packets
-// here were empty before.
-uint8_t* content_of(AbecsPacket* packet) { return kor_buffer_get_storage(packet->buffer); }
+// The unread bytes, which stand in one piece: a packet is written once and never round its end.
+uint8_t* content_of(AbecsPacket* packet) {
+    return kor_buffer_get_storage(packet->buffer) + kor_buffer_get_read_cursor_pos(packet->buffer);
+}
 
 void open_content(AbecsPacket* packet) {
     const uint32_t length = abecs_packet_read_field_x(packet, 2);
@@ -55,18 +56,18 @@ AbecsPacket* secure_encrypt(AbecsComm* link, AbecsPacket* plain) {
     CryptAesCipher* cipher = nullptr;
     AbecsPacket* sealed = nullptr;
     KorBufferState unread{};
+    abecs_packet_save_state(plain, &unread);
     bool complete = false;
     kor::attempt([&] {
         cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
         sealed = abecs_packet_new();
-        abecs_packet_save_state(plain, &unread);
         write_content(sealed, plain);
-        abecs_packet_set_state(plain, &unread);
         const size_t length = abecs_packet_available_read(sealed);
         crypt_aes_cbc_encrypt(cipher, content_of(sealed), content_of(sealed), length, nullptr);
         complete = true;
     })
         .cleanup([&] {
+            abecs_packet_set_state(plain, &unread);
             crypt_aes_cipher_delete(&cipher);
             if (!complete) { abecs_packet_delete(&sealed); }
         })

@@ -48,9 +48,27 @@ TEST(SecureChannel, EnciphersCommandsWithTheirPadding) {
             EXPECT_EQ(abecs_packet_available_read(packet), plain.size()) << "what goes enciphered is not consumed";
         }
     }
-    const Packet tooLong("ABC" + std::string(2038, 'x'));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
-                  abecs_comm_send_packet(link.comm, tooLong));
+}
+
+// Of the enciphered bytes 19 are escaped.
+TEST(SecureChannel, EnciphersCommandsOfUpTo2027Bytes) {
+    Link link;
+    set_key(link);
+    const std::string longest = "ABC" + std::string(2024, 'x');
+    std::string sent;
+    link.peer.reply(2 + 2032 + 19 + 3, [&](const std::string& bytes) { return sent = bytes, "06"_hex; });
+    const Packet packet(longest);
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
+    link.peer.settle();
+    EXPECT_EQ(to_hex(sent.substr(0, 18)), to_hex("16 12 E52FAE0D99440AB974E95058CEA3DF2E"_hex));
+    EXPECT_EQ(to_hex(sent.substr(sent.size() - 3)), "17 81 9D");
+    for (const size_t more : {1U, 17U}) {
+        const std::string plain = longest + std::string(more, 'x');
+        packet.fill(plain);
+        EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                      abecs_comm_send_packet(link.comm, packet));
+        EXPECT_EQ(packet.take(), plain) << "what could not be enciphered is left as it was";
+    }
 }
 
 TEST(SecureChannel, OpnTravelsPlainAndClosingEndsTheSession) {
@@ -84,7 +102,18 @@ TEST(SecureChannel, DeciphersResponses) {
                                  "ECE1BDBDAB797287876EFD4C4B271F6989809C087A55368FC0496B8F6672AAF6"_hex)),
               "GIN011")
         << "more padding than needed";
+    EXPECT_EQ(read_raw(link, support::encrypted_frame("C6A13B37878F5B826F4F8162A1C8D879"_hex)), "") << "no data at all";
     EXPECT_EQ(read_raw(link, support::frame("GIN011")), "GIN011") << "a plain response is taken in a session too";
+}
+
+TEST(SecureChannel, DeciphersWhatIsUnread) {
+    AbecsComm comm{};
+    comm.key = kKey;
+    comm.keySet = true;
+    const Packet packet("read" + "ECE1BDBDAB797287876EFD4C4B271F69"_hex);
+    for (int i = 0; i < 4; ++i) { EXPECT_NO_RAISE(abecs_packet_read_byte(packet)); }
+    EXPECT_NO_RAISE(abecs::secure_decrypt(&comm, packet));
+    EXPECT_EQ(packet.take(), "GIN011");
 }
 
 TEST(SecureChannel, WithoutAKeyAnEncipheredResponseStaysAsItIs) {
