@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/comm/comm.h"
 
+#include <chrono>
 #include <cstring>
 #include <new>
 
@@ -21,7 +22,7 @@ using kor::raise;
 namespace {
 
 constexpr KorSerialConfig kSerialConfig{
-    .readTimeout = abecs::kByteWait,
+    .readTimeout = abecs::kByteWait / std::chrono::milliseconds(100),
     .baudRate = abecs::kBaudRate,
     .dataBits = abecs::kDataBits,
     .stopBits = KOR_SERIAL_STOP_BITS_ONE,

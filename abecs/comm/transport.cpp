@@ -3,13 +3,16 @@
 #include "abecs/comm/transport.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "abecs/comm/comm.h"
 #include "abecs/comm/frame.h"
+#include "abecs/data/packet.h"
+#include "core/deadline.h"
 #include "core/raise.h"
+#include "core/serial.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/system.h"
-#include "quorvel/kor/thread.h"
 
 using kor::raise;
 
@@ -19,14 +22,19 @@ namespace {
 
 using Event = FrameDecoder::Event;
 
-// False when nothing came in time. Nothing else in here has to catch a time-out, so a purge leaves a pending error
-// alone.
-bool read_in_time(KorSerial* serial, uint8_t* byte) { return kor_serial_read(serial, byte, 1) == 1; }
+// Raises when nothing came in time.
+uint8_t read_answer(const KorSerial* serial, std::chrono::milliseconds wait) {
+    uint8_t answer = 0;
+    if (!kor::read_byte(serial, kor::Deadline(wait), &answer)) {
+        raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data");
+    }
+    return answer;
+}
 
 // A clock that was set back must not make the wait longer than the interval.
 void pace(const AbecsComm* link) {
     const int64_t elapsed = std::max<int64_t>(kor_system_current_time_millis() - link->lastSend, 0);
-    if (elapsed < link->sendInterval) { kor_thread_sleep(static_cast<uint64_t>(link->sendInterval - elapsed)); }
+    if (elapsed < link->sendInterval) { kor::sleep_out(std::chrono::milliseconds(link->sendInterval - elapsed)); }
 }
 
 // One byte a write, and the port drains after each, so that no PIN pad's input is outrun.
@@ -48,7 +56,7 @@ void write_until_accepted(KorSerial* serial, AbecsPacket* packet, bool encrypted
     abecs_packet_save_state(packet, &start);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         write_frame(serial, packet, encrypted);
-        const uint8_t answer = kor_serial_read_byte(serial);
+        const uint8_t answer = read_answer(serial, kByteWait);
         if (answer == kAck) { return; }
         if (answer != kNak) {
             return raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x%hhx)", answer);
@@ -64,12 +72,19 @@ bool closes_session(AbecsPacket* packet) {
     return kor_string_equals(id, "CLO") || kor_string_equals(id, "CLX");
 }
 
-// Reads what follows SYN. False when the frame is damaged or stops arriving.
-bool read_rest(KorSerial* serial, FrameDecoder& decoder, AbecsPacket* out) {
-    kor_serial_set_read_timeout(serial, kByteWait);
-    for (uint8_t byte = 0; read_in_time(serial, &byte);) {
+// A full packet refuses the next byte. The rest of such a response goes first, or it would be taken for the answers to
+// the commands that follow.
+void append(AbecsComm* link, AbecsPacket* out, uint8_t byte) {
+    if (kor_buffer_available_write(out->buffer) == 0) { purge(link); }
+    abecs_packet_write_byte(out, byte);
+}
+
+// Reads what follows SYN. False when the frame is damaged, stops arriving or does not come to its end.
+bool read_rest(AbecsComm* link, FrameDecoder& decoder, AbecsPacket* out) {
+    const kor::Deadline end(kFrameLimit);
+    for (uint8_t byte = 0; kor::read_byte(link->serial, std::min(kor::Deadline(kByteWait), end), &byte);) {
         const Event event = decoder.feed(byte);
-        if (event == Event::kData) { abecs_packet_write_byte(out, decoder.data()); }
+        if (event == Event::kData) { append(link, out, decoder.data()); }
         if (event == Event::kGood || event == Event::kBad) { return event == Event::kGood; }
     }
     return false;
@@ -77,19 +92,21 @@ bool read_rest(KorSerial* serial, FrameDecoder& decoder, AbecsPacket* out) {
 
 }  // namespace
 
+// The pauses keep a line that is never silent from costing more than a few looks at it.
 void purge(AbecsComm* link) {
-    kor_serial_set_read_timeout(link->serial, kPurgeWait);
-    uint8_t discarded = 0;
-    while (read_in_time(link->serial, &discarded)) {}
+    const kor::Deadline limit(kPurgeLimit);
+    while (!limit.passed() && kor::wait_for_input(link->serial, std::min(kor::Deadline(kPurgeSilence), limit))) {
+        kor::sleep_out(kPurgePause);
+        kor_serial_purge(link->serial, KOR_SERIAL_PURGE_INPUT);
+    }
     kor_serial_purge(link->serial, KOR_SERIAL_PURGE_BOTH);
 }
 
 void cancel(AbecsComm* link) {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        kor_serial_set_read_timeout(link->serial, kByteWait);
         kor_serial_write_byte(link->serial, kCan);
         uint8_t answer = 0;
-        if (!read_in_time(link->serial, &answer)) { continue; }
+        if (!kor::read_byte(link->serial, kor::Deadline(kByteWait), &answer)) { continue; }
         if (answer == kEot) { return abecs_comm_release(link); }
         purge(link);
     }
@@ -99,7 +116,6 @@ void cancel(AbecsComm* link) {
 void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
     pace(link);
     abecs_comm_check_busy(link);
-    kor_serial_set_read_timeout(link->serial, kByteWait);
     const bool closing = closes_session(plain);  // told apart now: sending consumes the packet
     write_until_accepted(link->serial, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
     link->lastSend = kor_system_current_time_millis();
@@ -109,16 +125,15 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
 }
 
 bool receive(AbecsComm* link, AbecsPacket* out) {
-    const uint8_t firstWait = is_blocked(link) ? kPolledResponseWait : kResponseWait;
+    const std::chrono::milliseconds firstWait = is_blocked(link) ? kPolledResponseWait : kResponseWait;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         FrameDecoder decoder;
         abecs_packet_clear(out);
-        kor_serial_set_read_timeout(link->serial, firstWait);
-        const uint8_t first = kor_serial_read_byte(link->serial);
+        const uint8_t first = read_answer(link->serial, firstWait);
         if (decoder.feed(first) == Event::kNotSyn) {
             return raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x%hhx)", first), false;
         }
-        if (read_rest(link->serial, decoder, out)) { return decoder.encrypted(); }
+        if (read_rest(link, decoder, out)) { return decoder.encrypted(); }
         purge(link);
         kor_serial_write_byte(link->serial, kNak);
     }

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_ABECS_COMM_WIRE_H
 #define QUORVEL_ABECS_COMM_WIRE_H
 
+#include <chrono>
 #include <cstdint>
 
 // Every number that the link puts on the line or waits by.
@@ -24,12 +25,17 @@ inline constexpr uint8_t kEscapeOffset = 0x20;
 // How often a frame or a CAN is tried in all.
 inline constexpr int kAttempts = 3;
 
-// Read time-outs, in tenths of a second. The port counts them anew for every byte.
-inline constexpr uint8_t kPurgeWait = 5;            // so long silent, the line counts as empty
-inline constexpr uint8_t kByteWait = 20;            // for an answer byte, and between the bytes of a frame
-inline constexpr uint8_t kResponseWait = 100;       // for the first byte of a response
-inline constexpr uint8_t kPolledResponseWait = 20;  // the same while blocked: the caller polls
-static_assert(kPurgeWait < kByteWait, "what is still arriving must not outlast a purge");
+// How long the link waits.
+inline constexpr std::chrono::milliseconds kByteWait{2000};            // for an answer byte, between a frame's bytes
+inline constexpr std::chrono::milliseconds kResponseWait{10000};       // for the first byte of a response
+inline constexpr std::chrono::milliseconds kPolledResponseWait{2000};  // the same while blocked: the caller polls
+inline constexpr std::chrono::milliseconds kPurgeSilence{500};         // so long silent, the line counts as empty
+
+// What a line that never falls silent can cost at most. The longest frame takes about 2 s at the link's speed.
+inline constexpr std::chrono::milliseconds kFrameLimit{30000};  // from a frame's SYN to its end
+inline constexpr std::chrono::milliseconds kPurgeLimit{3000};
+inline constexpr std::chrono::milliseconds kPurgePause{20};  // from one look at a busy line to the next
+static_assert(kPurgeSilence < kByteWait, "what is still arriving must not outlast a purge");
 
 inline constexpr int32_t kBaudRate = 19200;
 inline constexpr int32_t kDataBits = 8;

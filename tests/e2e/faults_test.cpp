@@ -123,8 +123,8 @@ TEST_F(Unplugged, IsAnErrorUntilTheLinkIsOpenedAgain) {
     pinPad_.inject({.kind = "hang-up", .time = 1ms});
     pinPad_.press(Key::f1);
     const std::string path = returned_.get();
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", abecs_cmd_gky_response(link_, nullptr));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcgetattr() error: 5", abecs_comm_send_can(link_));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", abecs_cmd_gky_response(link_, nullptr));
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 5", abecs_comm_send_can(link_));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link_));
     EXPECT_NO_RAISE(link_ = abecs_comm_open(path.c_str()));
     expect_answer();

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <chrono>
+#include <cstdint>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
+#include <unistd.h>
 
 #include "quorvel/kor/system.h"
+#include "tests/core/signals.h"
 #include "tests/support/elapsed.h"
 #include "tests/support/link.h"
 #include "tests/support/packets.h"
@@ -57,6 +62,7 @@ TEST_F(Send, TakesNoOtherAnswer) {
         EXPECT_EQ(raised_by([&] { abecs_comm_send_packet(link.comm, gin); }),
                   support::error(KOR_RESULT_PROTOCOL_ERROR,
                                  std::string("Protocol error (unknown packet response: ") + shown + ")"));
+        EXPECT_EQ(gin.take(), "");
     }
 }
 
@@ -64,7 +70,8 @@ TEST_F(Send, WaitsTwoSecondsForTheAnswer) {
     link.peer.expect(kGin);
     const Elapsed elapsed;
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", abecs_comm_send_packet(link.comm, gin));
-    EXPECT_TRUE(elapsed.between(2s, 5s));
+    EXPECT_TRUE(elapsed.between(2s, 3500ms));
+    EXPECT_EQ(gin.take(), "");
 }
 
 TEST_F(Send, NeedsAPacketWithAnId) {
@@ -95,6 +102,45 @@ TEST_F(Pacing, WaitsAtMostTheIntervalWhenTheClockWasSetBack) {
     link.call(abecs_comm_send_packet)(gin);
     EXPECT_TRUE(elapsed.between(200ms, 2s));
     EXPECT_LE(link.comm->lastSend, kor_system_current_time_millis());
+}
+
+TEST_F(Pacing, IsSleptOutWhateverSignalsCome) {
+    link.call(abecs_comm_set_send_interval)(300);
+    link.comm->lastSend = kor_system_current_time_millis();
+    link.peer.request("GIN00200");
+    const Signals signals(0);
+    const Elapsed elapsed;
+    link.call(abecs_comm_send_packet)(gin);
+    EXPECT_TRUE(elapsed.between(299ms, 2s));
+    EXPECT_GT(signals.seen(), 10);
+}
+
+TEST_F(Pacing, OfANegativeIntervalIsNone) {
+    for (const int64_t interval : {int64_t{-1}, std::numeric_limits<int64_t>::min()}) {
+        link.call(abecs_comm_set_send_interval)(interval);
+        link.comm->lastSend = kor_system_current_time_millis();
+        gin.fill("GIN00200");
+        link.peer.request("GIN00200");
+        const Elapsed elapsed;
+        link.call(abecs_comm_send_packet)(gin);
+        EXPECT_TRUE(elapsed.between(0ms, 2s));
+        EXPECT_EQ(abecs_comm_get_send_interval(link.comm), interval);
+    }
+}
+
+// A pace that is over ends on a blocked link, without a wait for an answer.
+TEST_F(Pacing, HasNoUpperLimit) {
+    link.call(abecs_comm_lock)("GCR");
+    // More microseconds, milliseconds and nanoseconds than their counters may hold.
+    for (const int64_t interval : {int64_t{4'294'968}, int64_t{1} << 32, std::numeric_limits<int64_t>::max()}) {
+        link.call(abecs_comm_set_send_interval)(interval);
+        link.comm->lastSend = kor_system_current_time_millis();
+        const auto send = [&] {
+            alarm(1);
+            std::exit(raised_by([&] { abecs_comm_send_packet(link.comm, gin); }).code);
+        };
+        EXPECT_EXIT(send(), testing::KilledBySignal(SIGALRM), "") << interval;
+    }
 }
 
 TEST_F(Pacing, ComesBeforeTheRefusalOfABlockedLinkWhichSendsNothing) {
