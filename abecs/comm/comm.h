@@ -33,7 +33,7 @@ struct AbecsComm {
 
 namespace abecs {
 
-inline bool is_blocked(const AbecsComm* link) { return link->blkWaitId[0] != '\0'; }
+[[nodiscard]] inline bool is_blocked(const AbecsComm* link) { return link->blkWaitId[0] != '\0'; }
 
 }  // namespace abecs
 

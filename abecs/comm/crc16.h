@@ -19,7 +19,7 @@ struct Crc16Parameters {
 
 inline constexpr Crc16Parameters kCrc16{0x1021, 0x0000, 0x31C3};
 
-constexpr std::array<uint16_t, 256> crc16_table(uint16_t polynomial) {
+[[nodiscard]] constexpr std::array<uint16_t, 256> crc16_table(uint16_t polynomial) {
     std::array<uint16_t, 256> table{};
     for (size_t index = 0; index < table.size(); ++index) {
         auto crc = static_cast<uint16_t>(index << 8);
@@ -33,11 +33,11 @@ constexpr std::array<uint16_t, 256> crc16_table(uint16_t polynomial) {
 
 inline constexpr std::array<uint16_t, 256> kCrc16Table = crc16_table(kCrc16.polynomial);
 
-constexpr uint16_t crc16_update(uint16_t crc, uint8_t byte) {
+[[nodiscard]] constexpr uint16_t crc16_update(uint16_t crc, uint8_t byte) {
     return static_cast<uint16_t>((crc << 8) ^ kCrc16Table[static_cast<uint8_t>((crc >> 8) ^ byte)]);
 }
 
-constexpr uint16_t crc16_of(std::string_view text) {
+[[nodiscard]] constexpr uint16_t crc16_of(std::string_view text) {
     uint16_t crc = kCrc16.initial;
     for (const char c : text) { crc = crc16_update(crc, static_cast<uint8_t>(c)); }
     return crc;

@@ -15,26 +15,26 @@
 // never escaped. The CRC covers DC2, the data before escaping, and ETB. Neither class below does any I/O.
 namespace abecs {
 
-constexpr bool needs_escape(uint8_t byte) { return byte == kDc3 || byte == kSyn || byte == kEtb; }
+[[nodiscard]] constexpr bool needs_escape(uint8_t byte) { return byte == kDc3 || byte == kSyn || byte == kEtb; }
 
 // Turns a packet's bytes into the frame's. What a call returns is overwritten by the next one.
 class FrameEncoder {
 public:
     using Wire = std::span<const uint8_t>;
 
-    constexpr Wire begin(bool encrypted) {
+    [[nodiscard]] constexpr Wire begin(bool encrypted) {
         crc_ = kCrc16.initial;
         if (!encrypted) { return emit(kSyn); }
         crc_ = crc16_update(crc_, kDc2);
         return emit(kSyn, kDc2);
     }
 
-    constexpr Wire data(uint8_t byte) {
+    [[nodiscard]] constexpr Wire data(uint8_t byte) {
         crc_ = crc16_update(crc_, byte);
         return needs_escape(byte) ? emit(kDc3, byte + kEscapeOffset) : emit(byte);
     }
 
-    constexpr Wire end() {
+    [[nodiscard]] constexpr Wire end() {
         crc_ = crc16_update(crc_, kEtb);
         return emit(kEtb, crc_ >> 8, crc_);
     }
@@ -61,7 +61,7 @@ public:
         kBad,      // the frame ended and its CRC is wrong
     };
 
-    constexpr Event feed(uint8_t byte) {
+    [[nodiscard]] constexpr Event feed(uint8_t byte) {
         switch (state_) {
             case State::kIdle:
                 return start(byte);

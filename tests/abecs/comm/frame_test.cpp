@@ -87,7 +87,9 @@ TEST(Frame, NoFlippedBitPasses) {
 
 TEST(Frame, ADecoderWaitsForSynAgainAfterTheEnd) {
     FrameDecoder decoder;
-    for (const char c : "16 12 42 17 247C"_hex) { decoder.feed(static_cast<uint8_t>(c)); }
+    FrameDecoder::Event last = FrameDecoder::Event::kPending;
+    for (const char c : "16 12 42 17 247C"_hex) { last = decoder.feed(static_cast<uint8_t>(c)); }
+    EXPECT_EQ(last, FrameDecoder::Event::kBad);
     EXPECT_EQ(decoder.feed('O'), FrameDecoder::Event::kNotSyn);
     const Decoded next("16 4F504E 17 A8A9"_hex, decoder);
     EXPECT_EQ(next.event, FrameDecoder::Event::kGood);
