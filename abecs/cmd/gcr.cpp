@@ -180,8 +180,15 @@ void read_response(AbecsPacket* packet, const AbecsComm* pinpad, AbecsCmdGcrResp
     read_acquirer_data(packet, out);
 }
 
+// The code is taken while the error is pending: nothing is left of it once its raise has returned.
 KorResult_E send_gcr(AbecsComm* pinpad, const Request& request) {
-    return send(pinpad, kGcr, request) == 0 ? KOR_RESULT_OK : KOR_RESULT_RUNTIME_ERROR;
+    KorResult_E code = KOR_RESULT_OK;
+    kor::attempt([&] {
+        send(pinpad, kGcr, request);
+    }).cleanup([&] {
+          code = KorResult_E{kor_exception_get_error()};
+      }).run();
+    return code;
 }
 
 }  // namespace

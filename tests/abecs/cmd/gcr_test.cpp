@@ -95,12 +95,23 @@ TEST(Gcr, ChecksItsArgumentsInTheirOrder) {
     refused("Too many records", support::repeated("0101", 100).c_str());
     refused("Duplicate record ID: 0101", "010101020101");
     refused("Duplicate record ID: 01Zz", "01Zz01Zz");
-    const auto fails = [&](const char* detail) { EXPECT_RAISES(2, detail, abecs_cmd_gcr(link.comm, &data, nullptr)); };
-    fails("Number length (13) is greater than field length (12)");
+    refused("Number length (13) is greater than field length (12)", nullptr);
     data.amount = 0;
-    fails("Invalid character (0x0D) at position 1");
-    const support::ReturningRaises handler;
-    EXPECT_EQ(abecs_cmd_gcr(link.comm, &data, nullptr), KOR_RESULT_RUNTIME_ERROR);
+    refused("Invalid character (0x0D) at position 1", nullptr);
+}
+
+TEST(Gcr, ReturnsTheCodeThatWasRaised) {
+    const AbecsCmdGcrData data{0, 0, 0, {24, 2, 29}, {23, 59, 58}, "", true};
+    const auto full = [&](AbecsComm* pinpad) { return abecs_cmd_gcr(pinpad, &data, nullptr); };
+    const auto expect_codes = [](const std::string& request, auto send) {
+        Link link;
+        for (int i = 0; i < 2; ++i) { link.peer.expect(support::frame(request)).send("04"_hex); }
+        EXPECT_REFUSED(12, "Protocol error (unknown packet response: 0x4)", send(link.comm));
+        EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GKY"));
+        EXPECT_REFUSED(3, "Connection is blocked waiting for GKY response", send(link.comm));
+    };
+    expect_codes("GCR040|0000|000000000000|240229|235958|          |00"_wire, full);
+    expect_codes("GCR", abecs_cmd_gcr_empty);
 }
 
 TEST(Gcr, ReadsACard) {

@@ -104,11 +104,12 @@ KOR_API const char* abecs_cmd_gcr_stat_chip_to_string(AbecsCmdGcrStatChip_E stat
  * "AID record ids where supplied and GCR_APPTYPE is not zero", the text being empty or not; "Invalid length for
  * aidRecIds: %zu" for no multiple of 4; "Invalid char at aidRecIds[%zu]: (0x%02X)" for what is no digit or letter; "Too
  * many records"; "Duplicate record ID: %s"; an amount or a `tabVer` that its field does not take. And what the link
- * raises. Where a raise returns, so does this function, with a code other than OK.
+ * raises. Where a raise returns, so does this function, with the code that was raised.
  */
 KOR_API KorResult_E abecs_cmd_gcr(AbecsComm* pinpad, const AbecsCmdGcrData* gcrData, const char* aidRecIds);
 
-/* The same with no data at all: the PIN pad takes its defaults. ILLEGAL_ARGUMENT "'pinpad' is NULL". */
+/* The same with no data at all: the PIN pad takes its defaults. ILLEGAL_ARGUMENT "'pinpad' is NULL"; and what the link
+ * raises, returned as above. */
 KOR_API KorResult_E abecs_cmd_gcr_empty(AbecsComm* pinpad);
 
 /*
