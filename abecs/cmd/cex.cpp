@@ -3,12 +3,12 @@
 #include "quorvel/abecs/cmd/cex.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <limits>
+#include <string_view>
 
 #include "abecs/cmd/frame.h"
 #include "abecs/cmd/param_text.h"
+#include "abecs/data/codec.h"
 #include "abecs/data/pp_event.h"
 #include "core/raise.h"
 #include "quorvel/abecs/rsp_dat_id.h"
@@ -38,12 +38,20 @@ void write_events(abecs::ParamWriter& params, const char* cexOpt, const uint8_t*
     }
 }
 
-// More digits than a valid number has are enough to see that it is none.
+// As strtol() does it, which needs a NUL: the map may hold an application's own bytes, with nothing behind them.
 int32_t to_number(const AbecsRspParamValue& value) {
-    char text[16]{};
-    if (value.data != nullptr) { std::memcpy(text, value.data, std::min<size_t>(value.size, sizeof text - 1)); }
-    constexpr long kMost = std::numeric_limits<int32_t>::max();
-    return static_cast<int32_t>(std::clamp(std::strtol(text, nullptr, 10), -kMost, kMost));
+    constexpr int64_t kMost = std::numeric_limits<int32_t>::max();
+    std::string_view text;
+    if (value.data != nullptr) { text = {reinterpret_cast<const char*>(value.data), value.size}; }
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) { text.remove_prefix(1); }
+    int64_t number = 0;
+    for (const char digit : text) {
+        if (!abecs::codec::is_digit(digit)) { break; }
+        number = std::min(number * 10 + (digit - '0'), kMost);
+    }
+    return static_cast<int32_t>(negative ? -number : number);
 }
 
 const char* get_text(const AbecsRspParamMap* paramMap, uint16_t id) {

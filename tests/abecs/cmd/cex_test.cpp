@@ -100,6 +100,25 @@ TEST_F(Cex, KnowsEveryEvent) {
     }
 }
 
+// As the C library reads a decimal number: what stands behind it does not count, and without digits it is 0.
+TEST_F(Cex, TakesAnEventOfAnyLength) {
+    const auto reads = [&](std::string_view text, int32_t expected) {
+        put_event(text);
+        int32_t event = -99;
+        EXPECT_NO_RAISE(event = abecs_cmd_cex_response_get_event(map_.get()));
+        EXPECT_EQ(event, expected) << text;
+    };
+    reads("0000000000000000090", 90);
+    reads(std::string(998, '0') + "7", 7);
+    reads(std::string(997, ' ') + "94", 94);
+    reads(" \t\n\v\f\r+0013", 13);
+    reads("-0", 0);
+    reads("91x", 91);
+    reads(std::string_view("8\0001", 3), 8);
+    reads("", 0);
+    reads("F1", 0);
+}
+
 TEST_F(Cex, ReadersTellWhatIsMissingOrNoEvent) {
     EXPECT_EQ(abecs_cmd_cex_response_get_trk1inc(map_.get()), nullptr);
     const auto refused = [&](const std::string& detail) {
@@ -113,6 +132,10 @@ TEST_F(Cex, ReadersTellWhatIsMissingOrNoEvent) {
     refused("Invalid code for PP_EVENT: 2147483647");
     put_event("-1");
     refused("Invalid code for PP_EVENT: -1");
+    put_event(std::string(500, '0') + std::string(499, '9'));
+    refused("Invalid code for PP_EVENT: 2147483647");
+    put_event("-" + std::string(998, '9'));
+    refused("Invalid code for PP_EVENT: -2147483647");
 }
 
 }  // namespace

@@ -39,7 +39,8 @@ KOR_API void abecs_cmd_cex(AbecsComm* pinpad, const char* cexOpt, const uint8_t*
 KOR_API int32_t abecs_cmd_cex_response(AbecsComm* pinpad, AbecsRspParamMap* paramMap, char* notification);
 
 /*
- * What happened, from a map that abecs_cmd_cex_response has filled. ILLEGAL_ARGUMENT "'paramMap' is NULL";
+ * What happened, from a map that abecs_cmd_cex_response has filled: PP_EVENT, a text of any length that is taken for a
+ * number as strtol() does it, which makes it 0 where there is no digit. ILLEGAL_ARGUMENT "'paramMap' is NULL";
  * PROTOCOL_ERROR "Mandatory PP_EVENT not found", "Invalid code for PP_EVENT: %d". -1, which is no event, where a raise
  * returns.
  */
