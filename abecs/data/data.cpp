@@ -14,10 +14,10 @@ using namespace abecs;
 
 namespace {
 
-// Counts into `outIndex`, when there is one, only on a failure.
+// Counts into `outIndex`, when there is one, only on a failure. No text at all fails at its first character.
 bool all_of(const char* text, size_t length, size_t* outIndex, bool (*belongs)(char)) {
     for (size_t i = 0; i < length; ++i) {
-        if (belongs(text[i])) { continue; }
+        if (text != nullptr && belongs(text[i])) { continue; }
         if (outIndex != nullptr) { *outIndex = i; }
         return false;
     }

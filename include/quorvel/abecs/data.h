@@ -153,7 +153,7 @@ KOR_API void abecs_data_check_n_string(const char* text, const char* argName, si
 
 /*
  * Whether the first `length` characters are digits. If not, stores the index of the first that is none in `outIndex`
- * (which may be null); if so, leaves it untouched.
+ * (which may be null); if so, leaves it untouched. A null text has none: false at index 0, unless `length` is 0.
  */
 KOR_API bool abecs_data_is_numeric_field(const char* text, size_t length, size_t* outIndex);
 

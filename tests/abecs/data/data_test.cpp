@@ -45,6 +45,14 @@ TEST(CharacterClasses, AreThoseOfAsciiAndReportTheFirstOther) {
     EXPECT_FALSE(abecs_data_is_alphanumeric_field("a b-", 4, &index));
     EXPECT_EQ(index, 1U);
     EXPECT_FALSE(abecs_data_is_numeric_field("x", 1, nullptr));
+    for (const auto is_field : {abecs_data_is_numeric_field, abecs_data_is_alphanumeric_field}) {
+        index = 77;
+        EXPECT_TRUE(is_field(nullptr, 0, &index)) << "none of no characters is another one";
+        EXPECT_EQ(index, 77U);
+        EXPECT_FALSE(is_field(nullptr, 3, &index));
+        EXPECT_EQ(index, 0U);
+        EXPECT_FALSE(is_field(nullptr, 1, nullptr));
+    }
 }
 
 TEST(Dates, EveryMonthEndsWhereItShould) {
