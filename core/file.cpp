@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/kor/file.h"
+#include "core/file.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
@@ -32,20 +33,43 @@ int whence(int32_t origin) {
     }
 }
 
+// Writes the mode with an "e" in it, which has the system close the descriptor where a child starts a program. It goes
+// behind the first letter: the C library heeds seven characters, and a comma begins the name of a character set.
+void write_private_mode(char* to, const char* mode, size_t length) {
+    *to = *mode;
+    if (length == 0) { return; }
+    to[1] = 'e';
+    std::memcpy(to + 2, mode + 1, length);
+}
+
+enum class NoMemory { kFailure, kMallocError };
+
+KorFile* open(const char* path, const char* mode, NoMemory noMemory) {
+    // One block for the object and the mode, which may be of any length.
+    const size_t length = std::strlen(mode);
+    auto* file = static_cast<KorFile*>(kor_heap_alloc(sizeof(KorFile) + length + 2, 0));
+    if (file == nullptr) { return nullptr; }
+    auto* privateMode = reinterpret_cast<char*>(file + 1);
+    write_private_mode(privateMode, mode, length);
+    file->stream = std::fopen(path, privateMode);
+    if (file->stream != nullptr) { return file; }
+    const int error = errno;
+    kor_heap_free(file);
+    if (error == ENOMEM && noMemory == NoMemory::kMallocError) {
+        return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
+    }
+    // Not the fopen() error: this text is what applications have always been given and test for.
+    return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer"), nullptr;
+}
+
 }  // namespace
+
+KorFile* kor::open_file(const char* path, const char* mode) { return open(path, mode, NoMemory::kMallocError); }
 
 KorFile* kor_file_open(const char* path, const char* mode) {
     if (path == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'path' is NULL"), nullptr; }
     if (mode == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'mode' is NULL"), nullptr; }
-    auto* file = static_cast<KorFile*>(kor_heap_alloc(sizeof(KorFile), 0));
-    if (file == nullptr) { return nullptr; }
-    file->stream = std::fopen(path, mode);
-    if (file->stream == nullptr) {
-        kor_heap_free(file);
-        // Not the fopen() error: this text is what applications have always been given and test for.
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer"), nullptr;
-    }
-    return file;
+    return open(path, mode, NoMemory::kFailure);
 }
 
 void kor_file_close(KorFile** file) {

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
@@ -96,6 +97,32 @@ TEST_F(File, WhatCannotBeOpenedHasOneErrorAndLeavesNothing) {
     const support::ReturningRaises raises;
     EXPECT_EQ(kor_file_open(missing.c_str(), "rb"), nullptr);
     EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_ILLEGAL_ARGUMENT, {detail}));
+}
+
+// The descriptor under which this program has the file open, or -1.
+int descriptor_of(const std::string& path) {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (std::filesystem::read_symlink(entry, gone) == path) { return std::stoi(entry.path().filename()); }
+    }
+    return -1;
+}
+
+// And everything else that the mode asks for holds.
+TEST_F(File, NoProgramThatAChildStartsHasItOpen) {
+    const std::string path = dir.file("file", "abc");
+    for (const char* mode : {"r", "rb", "re", "rbe", "r+bmce", "a+", "r,ccs=UTF-8", "rb,ccs=ISO-8859-1,e", "w"}) {
+        open(path, mode);
+        EXPECT_EQ(fcntl(descriptor_of(path), F_GETFD), FD_CLOEXEC) << mode;
+        EXPECT_NO_RAISE(kor_file_close(&file));
+    }
+    const char* detail = "'to' and 'format' points to the same buffer";
+    for (const char* mode : {"", "e", "wx", "w+bxmc", "wxe", "r,ccs=NO-SUCH-SET"}) {
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, kor_file_open(path.c_str(), mode)) << mode;
+    }
+    EXPECT_EQ(content(path), "");
+    open(path, "r+b");
+    EXPECT_NO_RAISE(kor_file_write(file, "y", 1));
 }
 
 TEST_F(File, AFailedReadOrWriteIsReported) {

@@ -27,7 +27,8 @@ typedef enum KorFileOrigin_E KOR_ENUM_INT32 {
 } KorFileOrigin_E;
 
 /*
- * Opens the file in the C library's `mode` ("rb", "wb", ...). Close it with kor_file_close.
+ * Opens the file in the C library's `mode` ("rb", "wb", ...). Close it with kor_file_close. A program that a child of
+ * the process starts does not have it open, with an "e" in the mode or without.
  *
  * ILLEGAL_ARGUMENT "'path' is NULL"; "'mode' is NULL"; "'to' and 'format' points to the same buffer" when the file
  * cannot be opened, whatever the reason. MALLOC_ERROR.
