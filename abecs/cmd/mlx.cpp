@@ -3,16 +3,17 @@
 #include "quorvel/abecs/cmd/mlx.h"
 
 #include <algorithm>
+#include <sys/stat.h>
 
 #include "abecs/cmd/media.h"
 #include "core/attempt.h"
+#include "core/file.h"
 #include "core/raise.h"
 #include "quorvel/abecs/cmd/mle.h"
 #include "quorvel/abecs/cmd/mli.h"
 #include "quorvel/abecs/cmd/mlr.h"
 #include "quorvel/abecs/crc16.h"
 #include "quorvel/abecs/rsp_stat.h"
-#include "quorvel/kor/file.h"
 #include "quorvel/kor/path.h"
 
 using kor::raise;
@@ -21,13 +22,26 @@ namespace {
 
 constexpr uint64_t kMaxFile = UINT32_MAX;  // the size is announced in four bytes
 
+// What is there but is no file: a device may never end, and a pipe waits for its other end when it is opened. What
+// cannot be looked at cannot be opened either, which is then the error.
+bool is_something_else(const char* path) {
+    struct stat status {};
+    return stat(path, &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+KorFile* open(const char* path) {
+    if (path == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'path' is NULL"), nullptr; }
+    if (is_something_else(path)) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'path' is not a regular file"), nullptr; }
+    return kor::open_file(path, "rb");
+}
+
 // Closing may raise too, which would take the place of what `use` raised: that is kept and raised again.
 template <typename Use>
 void with_file(const char* path, Use&& use) {
     KorFile* file = nullptr;
     KorException first{};
     kor::attempt([&] {
-        file = kor_file_open(path, "rb");
+        file = open(path);
         use(file);
     })
         .on_any([&] { kor_exception_throw(KorResult_E{first.error}, first.message); })

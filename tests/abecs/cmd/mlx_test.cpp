@@ -3,17 +3,20 @@
 #include "quorvel/abecs/cmd/mlx.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
 #include "quorvel/kor/exception.h"
 #include "tests/support/link.h"
+#include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/wire.h"
 
 namespace {
@@ -21,11 +24,24 @@ namespace {
 // How much each read of a file has given.
 std::vector<size_t> reads;
 
+// How many files were tried to be opened, and what is in their way.
+size_t opened = 0;
+int openError = 0;
+
 }  // namespace
 
-// This program is linked with -Wl,--wrap=fread.
+// This program is linked with -Wl,--wrap=fread,--wrap=fopen.
 extern "C" size_t __real_fread(void* to, size_t size, size_t count, FILE* stream);
 extern "C" size_t __wrap_fread(void* to, size_t size, size_t count, FILE* stream);
+extern "C" FILE* __real_fopen(const char* path, const char* mode);
+extern "C" FILE* __wrap_fopen(const char* path, const char* mode);
+
+FILE* __wrap_fopen(const char* path, const char* mode) {
+    ++opened;
+    if (openError == 0) { return __real_fopen(path, mode); }
+    errno = openError;
+    return nullptr;
+}
 
 size_t __wrap_fread(void* to, size_t size, size_t count, FILE* stream) {
     const size_t given = __real_fread(to, size, count, stream);
@@ -193,12 +209,45 @@ TEST_F(Mlx, RefusesWhatCannotBeSent) {
     refused(2, "'path' is NULL", nullptr, nullptr);
     refused(2, missing, path, nullptr);
     EXPECT_RAISES(2, missing, abecs_cmd_mlx_crc16(path));
-    refused(6, "fread() error: 21", directory_.c_str(), "logo");
-    EXPECT_RAISES(6, "fread() error: 21", abecs_cmd_mlx_crc16(directory_.c_str()));
     write("x");
     refused(2, "'filename' is empty", path, "");
     refused(2, "'filename' is too long (max: 8, requested: 9)", path, "NINECHARS");
     EXPECT_EQ(descriptor(), -1);
+}
+
+// A device may never end, and a pipe waits for its other end when it is opened.
+TEST_F(Mlx, OpensNothingButRegularFiles) {
+    ASSERT_EQ(mkfifo((directory_ / "pipe").c_str(), 0600), 0);
+    fs::create_symlink("/dev/null", directory_ / "device");
+    opened = 0;
+    for (const std::string& path : {directory_.string(), (directory_ / "pipe").string(),
+                                    (directory_ / "device").string(), std::string("/dev/zero")}) {
+        const char* detail = "'path' is not a regular file";
+        EXPECT_RAISES(2, detail, abecs_cmd_mlx(link_.comm, path.c_str(), nullptr, 1)) << path;
+        EXPECT_RAISES(2, detail, abecs_cmd_mlx_crc16(path.c_str())) << path;
+    }
+    EXPECT_EQ(opened, 0U);
+    write("123456789");
+    fs::create_symlink(path_, directory_ / "link");
+    EXPECT_EQ(abecs_cmd_mlx_crc16((directory_ / "link").c_str()), 0x31C3);
+    const std::string inside = path_ + "/inside";
+    EXPECT_RAISES(2, "'to' and 'format' points to the same buffer", abecs_cmd_mlx_crc16(inside.c_str()));
+}
+
+TEST_F(Mlx, MemoryThatEndsIsNoMissingFile) {
+    write("x");
+    const auto ends = [&] {
+        EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+        EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", abecs_cmd_mlx_crc16(path_.c_str()));
+    };
+    openError = ENOMEM;
+    ends();
+    openError = EMFILE;
+    EXPECT_RAISES(2, "'to' and 'format' points to the same buffer", abecs_cmd_mlx_crc16(path_.c_str()));
+    openError = 0;
+    const support::FailingMalloc failing(1);
+    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", abecs_cmd_mlx_crc16(path_.c_str()));
+    EXPECT_EQ(failing.kept(), 0U);
 }
 
 TEST_F(Mlx, RefusesFilesWhoseSizeDoesNotFit) {
@@ -219,7 +268,8 @@ TEST_F(Mlx, RaisesOnceWhenTheRaiseReturns) {
     abecs_cmd_mlx(link_.comm, path_.c_str(), nullptr, 1);
     abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1);
     EXPECT_EQ(abecs_cmd_mlx_crc16("/"), 0);
-    ASSERT_EQ(handler.all().size(), 4U);
+    EXPECT_EQ(abecs_cmd_mlx_crc16((path_ + "/inside").c_str()), 0);
+    ASSERT_EQ(handler.all().size(), 5U);
     EXPECT_EQ(handler.all()[1], support::error(2, "'filename' is NULL"));
     EXPECT_EQ(handler.all()[2], support::error(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
     EXPECT_EQ(descriptor(), -1);
