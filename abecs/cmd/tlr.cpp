@@ -94,6 +94,9 @@ std::optional<size_t> parse_records(const char* records, size_t length) {
         keys = kor_string_set_new(kKeyCapacity);
         text = view(records, length);
         kor::attempt([&] { walk(text, keys, batch); })
+            // No fault of the records.
+            .on(KOR_RESULT_MALLOC_ERROR,
+                [&] { kor_exception_throw(KOR_RESULT_MALLOC_ERROR, kor_exception_get_message()); })
             .on_any([&] {
                 // The cause brings its own "[NAME] "; applications know this text without one in front.
                 kor_exception_fthrow(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid record (caused by %s)",

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/support/link.h"
+#include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/refused.h"
 
 namespace {
@@ -74,6 +75,20 @@ TEST(Tlr, NamesTheCauseOfAnInvalidRecordWithoutItsOwnCode) {
     invalid("008101A\x7F", "Invalid character (0x7F) at position 1");
     invalid(records(101) + "x", few("3", "1"));
     invalid("009101ABx007102AB008101AB", few("18446744073709551615", "8"));
+}
+
+TEST(Tlr, MemoryThatEndsIsNoInvalidRecord) {
+    Link link;
+    const support::Raised duplicate = support::error(2, "Duplicate key (TAB_ID: 1, TAB_ACQ: 01, TAB_RECIDX: AB)");
+    size_t n = 1;
+    for (support::Raised raised; raised != duplicate && n < 20; ++n) {
+        const support::FailingMalloc failing(n);
+        raised = support::raised_by([&] { abecs_cmd_tlr(link.comm, "008101AB008102AB008101AB"); });
+        EXPECT_EQ(raised, failing.failed() ? support::error(KOR_RESULT_MALLOC_ERROR, "") : duplicate) << n;
+        EXPECT_EQ(failing.kept(), 0U) << n;
+    }
+    EXPECT_GT(n, 6U) << "some is taken while the records are walked";
+    EXPECT_LT(n, 20U);
 }
 
 }  // namespace

@@ -19,10 +19,11 @@ KOR_BEGIN_DECLS
  * sent as it stands.
  *
  * ILLEGAL_ARGUMENT, in this order and before anything is sent: "'pinpad' is NULL"; "'records' is NULL"; "'records' is
- * too big (maximum: %d, requested: %d)"; from the first record on "Invalid record (caused by %s)", a text without the
- * code's name in front that any fault in between ends in, and "Duplicate key (TAB_ID: %d, TAB_ACQ: %02d, TAB_RECIDX:
- * %s)"; "Too many records (maximum: %zu, requested: %zu)". PROTOCOL_ERROR for an answer under six bytes or "Invalid
- * RSP_ID (expected %s, read: %s)"; those of abecs_packet_read_rsp_stat for a malformed one; and what the link raises.
+ * too big (maximum: %d, requested: %d)"; record by record "Invalid record (caused by %s)", a text without the code's
+ * name in front, for one that is not as above, and "Duplicate key (TAB_ID: %d, TAB_ACQ: %02d, TAB_RECIDX: %s)"; "Too
+ * many records (maximum: %zu, requested: %zu)". PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes,
+ * "Invalid RSP_ID (expected %s, read: %s)" for that of another command; those of abecs_packet_read_rsp_stat for a
+ * malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_tlr(AbecsComm* pinpad, const char* records);
 
