@@ -8,6 +8,7 @@
 #include "abecs/cmd/card_data.h"
 #include "abecs/cmd/frame.h"
 #include "abecs/comm/comm.h"
+#include "abecs/data/flag.h"
 #include "core/raise.h"
 
 using kor::raise;
@@ -114,8 +115,8 @@ void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, AbecsCmdCk
     const bool withCtls = ctlsCheck != ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;
     send(pinpad, kCke, Request::fields([&](AbecsPacket* packet) {
              abecs_packet_write_field_n(packet, withCtls ? 4 : 3, 3);
-             abecs_packet_write_field_n(packet, keyEnable ? 1 : 0, 1);
-             abecs_packet_write_field_n(packet, magEnable ? 1 : 0, 1);
+             abecs_packet_write_field_n(packet, is_set(keyEnable) ? 1 : 0, 1);
+             abecs_packet_write_field_n(packet, is_set(magEnable) ? 1 : 0, 1);
              abecs_packet_write_field_n(packet, static_cast<uint64_t>(iccCheck), 1);
              if (withCtls) { abecs_packet_write_field_n(packet, static_cast<uint64_t>(ctlsCheck), 1); }
          }));

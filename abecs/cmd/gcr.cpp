@@ -12,6 +12,7 @@
 #include "abecs/comm/comm.h"
 #include "abecs/data/codec.h"
 #include "abecs/data/enum_table.h"
+#include "abecs/data/flag.h"
 #include "core/attempt.h"
 #include "core/raise.h"
 
@@ -102,7 +103,7 @@ void write_request(AbecsPacket* packet, const AbecsCmdGcrData& data, const char*
     abecs_packet_write_field_n(packet, count, 2);
     if (count != 0) { abecs_packet_write_field_b(packet, records, kRecordLength * count); }
     // Behind what the length covers; left out, the PIN pad reads contactless cards too.
-    if (!data.ctlsOn) { abecs_packet_write_field_n(packet, 0, 1); }
+    if (!is_set(data.ctlsOn)) { abecs_packet_write_field_n(packet, 0, 1); }
 }
 
 template <size_t Size>

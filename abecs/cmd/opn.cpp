@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "abecs/cmd/frame.h"
+#include "abecs/data/flag.h"
 #include "abecs/data/packet.h"
 #include "core/attempt.h"
 #include "core/raise.h"
@@ -101,5 +102,5 @@ int32_t open_secure(AbecsComm* pinpad) {
 int32_t abecs_cmd_opn(AbecsComm* pinpad, bool secure) {
     using namespace abecs;
     if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    return secure ? open_secure(pinpad) : call(pinpad, kOpn, Request::bare(), Response::status());
+    return is_set(secure) ? open_secure(pinpad) : call(pinpad, kOpn, Request::bare(), Response::status());
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/data/codec.h"
+#include "abecs/data/flag.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
@@ -76,27 +77,27 @@ bool codec::read_a(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen) 
 }
 
 void abecs_data_write_field_a(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
-    write_text(buffer, data, fieldLen, charset_a(allowCr));
+    write_text(buffer, data, fieldLen, charset_a(is_set(allowCr)));
 }
 
 void abecs_data_write_field_a_cdata(KorBuffer* buffer, const char* data, size_t, size_t fieldLen, bool allowCr) {
-    write_text(buffer, data, fieldLen, charset_a(allowCr));
+    write_text(buffer, data, fieldLen, charset_a(is_set(allowCr)));
 }
 
 char* abecs_data_read_field_a(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    read_text(buffer, to, sizeTo, fieldLen, charset_a(allowCr));
+    read_text(buffer, to, sizeTo, fieldLen, charset_a(is_set(allowCr)));
     return to;
 }
 
 void abecs_data_write_field_s(KorBuffer* buffer, const char* data, size_t fieldLen, bool allowCr) {
-    write_text(buffer, data, fieldLen, charset_s(allowCr));
+    write_text(buffer, data, fieldLen, charset_s(is_set(allowCr)));
 }
 
 void abecs_data_write_field_s_cdata(KorBuffer* buffer, const char* data, size_t, size_t fieldLen, bool allowCr) {
-    write_text(buffer, data, fieldLen, charset_s(allowCr));
+    write_text(buffer, data, fieldLen, charset_s(is_set(allowCr)));
 }
 
 char* abecs_data_read_field_s(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    read_text(buffer, to, sizeTo, fieldLen, charset_s(allowCr));
+    read_text(buffer, to, sizeTo, fieldLen, charset_s(is_set(allowCr)));
     return to;
 }

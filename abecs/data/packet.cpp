@@ -3,6 +3,7 @@
 #include "abecs/data/packet.h"
 
 #include "abecs/data/codec.h"
+#include "abecs/data/flag.h"
 #include "abecs/data/param.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
@@ -43,29 +44,31 @@ uint64_t abecs_packet_read_field_n(AbecsPacket* packet, size_t fieldLen) {
 }
 
 void abecs_packet_write_field_a(AbecsPacket* packet, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a>(bytes_of(packet), data, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_a>(bytes_of(packet), data, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_packet_write_field_a_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen,
                                       bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(packet), data, dataLen, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(packet), data, dataLen, fieldLen,
+                                                        abecs::is_set(allowCr));
 }
 
 char* abecs_packet_read_field_a(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_a>(bytes_of(packet), to, sizeTo, fieldLen, allowCr);
+    return abecs::apply<abecs_data_read_field_a>(bytes_of(packet), to, sizeTo, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_packet_write_field_s(AbecsPacket* packet, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s>(bytes_of(packet), data, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_s>(bytes_of(packet), data, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_packet_write_field_s_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen,
                                       bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(packet), data, dataLen, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(packet), data, dataLen, fieldLen,
+                                                        abecs::is_set(allowCr));
 }
 
 char* abecs_packet_read_field_s(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_s>(bytes_of(packet), to, sizeTo, fieldLen, allowCr);
+    return abecs::apply<abecs_data_read_field_s>(bytes_of(packet), to, sizeTo, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_packet_write_field_h(AbecsPacket* packet, const char* data, size_t fieldLen) {

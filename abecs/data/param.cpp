@@ -5,6 +5,7 @@
 #include <array>
 
 #include "abecs/data/codec.h"
+#include "abecs/data/flag.h"
 #include "abecs/data/packet.h"
 #include "quorvel/abecs/data.h"
 
@@ -65,29 +66,31 @@ uint64_t abecs_param_read_field_n(AbecsParam* param, size_t fieldLen) {
 }
 
 void abecs_param_write_field_a(AbecsParam* param, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a>(bytes_of(param), data, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_a>(bytes_of(param), data, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_param_write_field_a_cdata(AbecsParam* param, const char* data, size_t dataLen, size_t fieldLen,
                                      bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(param), data, dataLen, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(param), data, dataLen, fieldLen,
+                                                        abecs::is_set(allowCr));
 }
 
 char* abecs_param_read_field_a(AbecsParam* param, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_a>(bytes_of(param), to, sizeTo, fieldLen, allowCr);
+    return abecs::apply<abecs_data_read_field_a>(bytes_of(param), to, sizeTo, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_param_write_field_s(AbecsParam* param, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s>(bytes_of(param), data, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_s>(bytes_of(param), data, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_param_write_field_s_cdata(AbecsParam* param, const char* data, size_t dataLen, size_t fieldLen,
                                      bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(param), data, dataLen, fieldLen, allowCr);
+    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(param), data, dataLen, fieldLen,
+                                                        abecs::is_set(allowCr));
 }
 
 char* abecs_param_read_field_s(AbecsParam* param, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_s>(bytes_of(param), to, sizeTo, fieldLen, allowCr);
+    return abecs::apply<abecs_data_read_field_s>(bytes_of(param), to, sizeTo, fieldLen, abecs::is_set(allowCr));
 }
 
 void abecs_param_write_field_h(AbecsParam* param, const char* data, size_t fieldLen) {

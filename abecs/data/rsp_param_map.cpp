@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/rsp_param_map.h"
 
+#include "abecs/data/flag.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
@@ -55,7 +56,7 @@ AbecsRspParamValue* abecs_rsp_param_map_put(AbecsRspParamMap* map, uint16_t id, 
     } else {
         stored = static_cast<AbecsRspParamValue*>(kor_map_put(map, &id, &record));
     }
-    if (stored != nullptr) { stored->owned = owned; }
+    if (stored != nullptr) { stored->owned = abecs::is_set(owned); }
     return stored;
 }
 

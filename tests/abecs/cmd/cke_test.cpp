@@ -90,6 +90,14 @@ TEST_F(Cke, SendsTheFourthDigitOnlyWhenAsked) {
     sends(true, true, 0, 1, "CKE0041101");
 }
 
+// As a caller's own declaration may have it, in a language that has no bool.
+TEST_F(Cke, TakesEveryNumberButZeroForTrue) {
+    using Foreign = void (*)(AbecsComm*, int, int, AbecsCmdCkeIccCheckType_E, AbecsCmdCkeCtlsCheckType_E);
+    const auto send = reinterpret_cast<Foreign>(reinterpret_cast<void (*)()>(abecs_cmd_cke));
+    link_.peer.request("CKE003110");
+    EXPECT_NO_RAISE(send(link_.comm, 2, 255, ABECS_CMD_CKE_ICC_CHECK_TYPE_0, ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT));
+}
+
 TEST_F(Cke, RefusesOtherWaysOfChecking) {
     const auto send = [&](int32_t icc, int32_t ctls) {
         abecs_cmd_cke(link_.comm, true, true, static_cast<AbecsCmdCkeIccCheckType_E>(icc),

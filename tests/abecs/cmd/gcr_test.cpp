@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -64,6 +65,9 @@ TEST(Gcr, SendsTheRequest) {
         most += {'0', '1', static_cast<char>('A' + i / 10), static_cast<char>('0' + i % 10)};
     }
     expect_sent(most.c_str(), "436" + sent + "99" + most);
+    // What memory that was never written may hold.
+    std::memset(&data.ctlsOn, 2, sizeof data.ctlsOn);
+    expect_sent(nullptr, "040" + sent + "00");
     data.ctlsOn = false;
     expect_sent(nullptr, "040" + sent + "00|0"_wire);
     expect_sent("0101", "044" + sent + "01|0101|0"_wire);

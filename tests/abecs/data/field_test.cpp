@@ -93,6 +93,19 @@ TEST_P(FieldText, EveryCharacterIsAllowedOrRefusedAlikeBothWays) {
     }
 }
 
+// As a caller's own declaration may have it, in a language that has no bool.
+TEST_P(FieldText, EveryNumberButZeroAllowsCr) {
+    using Writer = void (*)(KorBuffer*, const char*, size_t, int);
+    using Reader = char* (*)(KorBuffer*, char*, size_t, size_t, int);
+    const auto write = reinterpret_cast<Writer>(reinterpret_cast<void (*)()>(GetParam().write));
+    const auto read = reinterpret_cast<Reader>(reinterpret_cast<void (*)()>(GetParam().read));
+    const Bytes bytes;
+    char text[4];
+    EXPECT_NO_RAISE(write(bytes, "a\rz", 3, 2));
+    EXPECT_NO_RAISE(read(bytes, text, sizeof text, 3, 2));
+    EXPECT_STREQ(text, "a\rz");
+}
+
 TEST_P(FieldText, RoomIsTestedBeforeTheCharacter) {
     const Bytes bytes;
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Field does not have enough room for data",

@@ -49,6 +49,11 @@ TEST_F(RspParamMap, OwnedBytesGoWithTheirEntry) {
     abecs_rsp_param_map_put(map_, 1, &second, true);
     EXPECT_EQ(kor_map_size(map_), 1U);
     EXPECT_EQ(text_of(*abecs_rsp_param_map_get(map_, 1)), "second");
+    // As a caller's own declaration may have it, in a language that has no bool.
+    using Foreign = AbecsRspParamValue* (*)(AbecsRspParamMap*, uint16_t, const AbecsRspParamValue*, int);
+    const auto put = reinterpret_cast<Foreign>(reinterpret_cast<void (*)()>(abecs_rsp_param_map_put));
+    const AbecsRspParamValue third = heap_value("third");
+    EXPECT_EQ(text_of(*put(map_, 1, &third, 2)), "third");
 }
 
 TEST_F(RspParamMap, OthersBytesStayTheirs) {
