@@ -21,7 +21,7 @@ struct BuilderState {
     KorBufferState blk2;
 };
 
-BuilderState save_builder(const AbecsCmdBuilder* builder);
+[[nodiscard]] BuilderState save_builder(const AbecsCmdBuilder* builder);
 void restore_builder(AbecsCmdBuilder* builder, const BuilderState& state);
 
 }  // namespace abecs

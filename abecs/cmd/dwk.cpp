@@ -138,7 +138,7 @@ int32_t abecs_cmd_dwk1(AbecsComm* pinpad, const AbecsMk* mk, AbecsWkPan* wkPanOu
     kor::attempt([&] {
         draw(key.key);
         std::memcpy(enciphered, key.key, sizeof enciphered);
-        encipher(*mk, enciphered, sizeof enciphered);
+        if (!encipher(*mk, enciphered, sizeof enciphered)) { return; }
         stat = call(pinpad, kDwk,
                     Request::fields([&](AbecsPacket* packet) { write_enciphered_key(packet, *mk, enciphered); }),
                     Response::status());

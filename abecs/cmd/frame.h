@@ -54,7 +54,7 @@ class ParamReader {
 public:
     ParamReader(AbecsRspParser* parser, AbecsParam* param) : parser_(parser), param_(param) {}
 
-    AbecsParam* next() { return abecs_rsp_parser_read_param(parser_, param_); }
+    [[nodiscard]] AbecsParam* next() { return abecs_rsp_parser_read_param(parser_, param_); }
 
 private:
     AbecsRspParser* parser_;
@@ -119,14 +119,14 @@ struct Response {
 };
 
 // Sends the request, reads the answer and returns RSP_STAT.
-int32_t call(AbecsComm* pinpad, const Command& command, const Request& request, const Response& response);
+[[nodiscard]] int32_t call(AbecsComm* pinpad, const Command& command, const Request& request, const Response& response);
 
 // Sends the request of a command that waits for the cardholder and blocks the link on it. Returns 0.
 int32_t send(AbecsComm* pinpad, const Command& command, const Request& request);
 
 // Reads the answer of a command sent before. Returns RSP_STAT and unblocks the link; or -1 when nothing came within the
 // link's time-out and -2 after a notification, the link staying blocked.
-int32_t poll(AbecsComm* pinpad, const Command& command, const Response& response, char* notification);
+[[nodiscard]] int32_t poll(AbecsComm* pinpad, const Command& command, const Response& response, char* notification);
 
 }  // namespace abecs
 

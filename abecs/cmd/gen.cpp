@@ -252,7 +252,7 @@ AbecsCmdGen0303Data* abecs_cmd_gen_03_03_encode_data(const AbecsCmdGen0303Data* 
     bool done = false;
     kor::attempt([&] {
         abecs_data_from_hex2(clearData->data, size, area, sizeof area);
-        decipher(*wkPan, area, sizeof area);
+        if (!decipher(*wkPan, area, sizeof area)) { return; }
         abecs_data_to_hex(area, size / 2, out->data, sizeof out->data);
         out->size = static_cast<uint32_t>(size);
         done = true;

@@ -24,7 +24,7 @@ struct MediaName {
 };
 
 // False, with an error raised, for a name that cannot be loaded or shown.
-bool check_media_name(const char* filename);
+[[nodiscard]] bool check_media_name(const char* filename);
 
 }  // namespace abecs
 

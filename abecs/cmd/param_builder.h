@@ -31,7 +31,7 @@ struct ParamBuilder {
 void init_params(ParamBuilder& builder);
 void reset_params(ParamBuilder& builder);
 void release_params(ParamBuilder& builder);
-bool has_param(const ParamBuilder& builder, AbecsSpeId_E id);
+[[nodiscard]] bool has_param(const ParamBuilder& builder, AbecsSpeId_E id);
 
 template <typename Builder>
 void delete_builder(Builder** builder) {
@@ -44,7 +44,7 @@ void delete_builder(Builder** builder) {
 // Makes a builder and lets `reset` give it the parameters that it always has. What fails in there takes the builder
 // with it.
 template <typename Builder, typename Reset>
-Builder* new_builder(Reset&& reset) {
+[[nodiscard]] Builder* new_builder(Reset&& reset) {
     Builder* builder = nullptr;
     bool complete = false;
     kor::attempt([&] {
@@ -77,7 +77,7 @@ bool add_bytes(ParamBuilder* builder, AbecsSpeId_E id, const void* bytes, size_t
 bool add_bytes(ParamBuilder* builder, AbecsSpeId_E id, const void* bytes);
 
 // False, with an error raised that calls the text `name`, when it is not as many digits as the parameter has.
-bool check_digits(AbecsSpeId_E id, const char* text, const char* name);
+[[nodiscard]] bool check_digits(AbecsSpeId_E id, const char* text, const char* name);
 bool add_digits(ParamBuilder* builder, AbecsSpeId_E id, const char* text, const char* name);
 
 bool add_currency(ParamBuilder* builder, uint16_t trnCurr);

@@ -10,7 +10,7 @@
 namespace abecs {
 
 // The bytes of an answer's parameter, which the frame has put a zero behind; null when it did not come.
-inline const char* param_text(const AbecsRspParamMap* map, uint16_t id) {
+[[nodiscard]] inline const char* param_text(const AbecsRspParamMap* map, uint16_t id) {
     const AbecsRspParamValue* value = abecs_rsp_param_map_get(map, id);
     if (value == nullptr) { return nullptr; }
     return value->data != nullptr ? reinterpret_cast<const char*>(value->data) : "";

@@ -41,7 +41,7 @@ inline constexpr std::array<DataMethod, 9> kDataMethods{{
 }};
 
 // The method's row, or null for a number that is none.
-constexpr const DataMethod* find_data_method(int32_t method) { return find_row(kDataMethods, method); }
+[[nodiscard]] constexpr const DataMethod* find_data_method(int32_t method) { return find_row(kDataMethods, method); }
 
 // The switch has no default: the compiler names the enumerator that it lacks.
 constexpr bool is_data_method(AbecsSpeMthdDat_E method) {

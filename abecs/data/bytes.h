@@ -21,7 +21,7 @@ auto apply(KorBuffer* bytes, Arguments... arguments) {
 }
 
 template <typename Owner>
-Owner* new_owner(KorBuffer* Owner::*bytes, uint32_t capacity) {
+[[nodiscard]] Owner* new_owner(KorBuffer* Owner::*bytes, uint32_t capacity) {
     KorBuffer* buffer = kor_buffer_new(capacity);
     if (buffer == nullptr) { return nullptr; }
     // Nullable, because a raise from within the allocation would leave the buffer behind.

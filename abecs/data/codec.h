@@ -19,14 +19,14 @@ bool append(KorBuffer* buffer, const void* bytes, size_t length);
 bool append_repeated(KorBuffer* buffer, std::string_view unit, size_t count);
 
 // False, with an error raised, when fewer than `length` bytes wait.
-bool require(const KorBuffer* buffer, size_t length);
+[[nodiscard]] bool require(const KorBuffer* buffer, size_t length);
 
 bool append_x(KorBuffer* buffer, uint32_t data, size_t fieldLen);
 
-bool read_a(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen);
-std::optional<uint64_t> read_n(KorBuffer* buffer, size_t fieldLen);
-std::optional<uint32_t> read_x(KorBuffer* buffer, size_t fieldLen);
-std::optional<int32_t> read_rsp_stat(KorBuffer* buffer);
+[[nodiscard]] bool read_a(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen);
+[[nodiscard]] std::optional<uint64_t> read_n(KorBuffer* buffer, size_t fieldLen);
+[[nodiscard]] std::optional<uint32_t> read_x(KorBuffer* buffer, size_t fieldLen);
+[[nodiscard]] std::optional<int32_t> read_rsp_stat(KorBuffer* buffer);
 
 // By ranges, because the C library's classes follow the locale.
 constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }

@@ -27,7 +27,7 @@ constexpr bool is_sorted_and_unique(const std::array<Row, N>& table) {
 
 // The row of `value`, or null. A caller in C may pass any number for an enumerator.
 template <typename Row, size_t N>
-constexpr const Row* find_row(const std::array<Row, N>& table, int32_t value) {
+[[nodiscard]] constexpr const Row* find_row(const std::array<Row, N>& table, int32_t value) {
     const auto* row = std::lower_bound(table.data(), table.data() + N, value, [](const Row& each, int32_t sought) {
         return static_cast<int32_t>(each.value) < sought;
     });

@@ -12,7 +12,7 @@ namespace abecs {
 
 // Enciphers whole blocks in place, each by itself. False, after RUNTIME_ERROR "Unhandled case", for a type that there
 // is no cipher for.
-bool encipher(const AbecsMk& key, uint8_t* blocks, size_t size);
+[[nodiscard]] bool encipher(const AbecsMk& key, uint8_t* blocks, size_t size);
 
 }  // namespace abecs
 

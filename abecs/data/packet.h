@@ -17,7 +17,7 @@ namespace abecs {
 constexpr uint32_t kPacketCapacity = 2044;
 
 // Null, with an error raised, for a null packet.
-inline KorBuffer* bytes_of(const AbecsPacket* packet) {
+[[nodiscard]] inline KorBuffer* bytes_of(const AbecsPacket* packet) {
     if (packet == nullptr) { return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), nullptr; }
     return packet->buffer;
 }

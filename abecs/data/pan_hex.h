@@ -15,10 +15,10 @@ constexpr size_t kMaxHexLength = 64;
 constexpr size_t kMaxBytes = kMaxHexLength / 2;
 
 // Writes one byte for each pair of digits in either case; false after a raise.
-bool from_hex(std::string_view text, uint8_t* to);
+[[nodiscard]] bool from_hex(std::string_view text, uint8_t* to);
 
 // Writes two upper-case digits for each byte and no terminator; false after a raise.
-bool to_hex(std::span<const uint8_t> bytes, char* to);
+[[nodiscard]] bool to_hex(std::span<const uint8_t> bytes, char* to);
 
 }  // namespace abecs::pan
 

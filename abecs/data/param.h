@@ -20,7 +20,7 @@ constexpr uint32_t kParamCapacity = 999;
 constexpr size_t kParamHead = 4;
 
 // Null, with an error raised, for a null parameter.
-inline KorBuffer* bytes_of(const AbecsParam* param) {
+[[nodiscard]] inline KorBuffer* bytes_of(const AbecsParam* param) {
     if (param == nullptr) { return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL"), nullptr; }
     return param->data;
 }
@@ -29,7 +29,7 @@ inline KorBuffer* bytes_of(const AbecsParam* param) {
 bool append_param(KorBuffer* buffer, AbecsParam* param);
 
 // Moves `length` waiting bytes, at most a packet's capacity, all or (after a raise) none. False after a raise.
-bool move_bytes(KorBuffer* from, KorBuffer* to, size_t length);
+[[nodiscard]] bool move_bytes(KorBuffer* from, KorBuffer* to, size_t length);
 
 }  // namespace abecs
 

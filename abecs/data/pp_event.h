@@ -9,7 +9,7 @@
 
 namespace abecs {
 
-bool is_pp_event(int32_t event);
+[[nodiscard]] bool is_pp_event(int32_t event);
 
 }  // namespace abecs
 

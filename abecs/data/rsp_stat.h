@@ -10,7 +10,7 @@
 namespace abecs {
 
 // Whether a PIN pad may answer with this status: the host's own values below 0 never travel.
-bool is_rsp_stat(int32_t stat);
+[[nodiscard]] bool is_rsp_stat(int32_t stat);
 
 }  // namespace abecs
 

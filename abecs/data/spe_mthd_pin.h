@@ -8,7 +8,7 @@
 namespace abecs {
 
 // The enumerator's name. RUNTIME_ERROR "Unhandled case" for any other number.
-const char* mthd_pin_to_string(AbecsSpeMthdPin_E mthdPin);
+[[nodiscard]] const char* mthd_pin_to_string(AbecsSpeMthdPin_E mthdPin);
 
 }  // namespace abecs
 

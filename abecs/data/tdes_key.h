@@ -13,8 +13,8 @@
 namespace abecs {
 
 // Runs `cipher` over whole blocks in place, under a key of two parts of which no copy stays behind.
-inline bool apply_tdes(decltype(crypt_3des_ecb_encrypt)& cipher, const uint8_t (&key)[16], uint8_t* blocks,
-                       size_t size) {
+[[nodiscard]] inline bool apply_tdes(decltype(crypt_3des_ecb_encrypt)& cipher, const uint8_t (&key)[16],
+                                     uint8_t* blocks, size_t size) {
     Crypt3DesKey tdes{{}, sizeof key};
     bool done = false;
     kor::attempt([&] {

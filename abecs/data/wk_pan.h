@@ -12,7 +12,7 @@ namespace abecs {
 
 // Deciphers whole blocks in place, each by itself. False, after RUNTIME_ERROR "Unhandled case", for a type that there
 // is no cipher for.
-bool decipher(const AbecsWkPan& key, uint8_t* blocks, size_t size);
+[[nodiscard]] bool decipher(const AbecsWkPan& key, uint8_t* blocks, size_t size);
 
 }  // namespace abecs
 

@@ -57,7 +57,7 @@ TEST(Frame, ABuilderCanBeSentAgain) {
     const std::string sent = "ABC005" + "0006 0001 41"_hex;
     link.peer.request(sent).response("ABC000").expect(support::frame(sent)).send("04"_hex).request(sent);
     link.peer.response("ABC000");
-    auto call = [&] { abecs::call(link.comm, kAbc, Request::built(builder), Response::status()); };
+    auto call = [&] { return abecs::call(link.comm, kAbc, Request::built(builder), Response::status()); };
     EXPECT_NO_RAISE(call());
     EXPECT_EQ(support::raised_by(call).code, KOR_RESULT_PROTOCOL_ERROR);
     EXPECT_NO_RAISE(call());
