@@ -38,13 +38,19 @@ uint32_t read_number(AbecsPacket* packet, size_t width) {
     return static_cast<uint32_t>(abecs_packet_read_field_n(packet, width));
 }
 
+// The length is stored last, so that it never says more than the text has room for.
+template <size_t Size>
+void read_digits(AbecsPacket* packet, char (&digits)[Size], uint32_t& length, size_t lengthWidth) {
+    const uint32_t received = read_number(packet, lengthWidth);
+    abecs_packet_read_field_h(packet, digits, Size, size_t{2} * received);
+    length = received;
+}
+
 void read_response(AbecsPacket* packet, AbecsCmdFncResponse& out) {
     read_number(packet, 3);
     out.decision = read_number(packet, 1);
-    out.emvDataLen = read_number(packet, 3);
-    abecs_packet_read_field_h(packet, out.emvData, sizeof out.emvData, size_t{2} * out.emvDataLen);
-    out.isResultsLen = read_number(packet, 2);
-    abecs_packet_read_field_h(packet, out.isResults, sizeof out.isResults, size_t{2} * out.isResultsLen);
+    read_digits(packet, out.emvData, out.emvDataLen, 3);
+    read_digits(packet, out.isResults, out.isResultsLen, 2);
     out.acqDataLen = read_number(packet, 3);
 }
 

@@ -30,7 +30,7 @@ KOR_BEGIN_DECLS
  *    IO_ERROR.
  * 3. Readers raise IO_ERROR "Buffer does not have enough data (requested: %zu, available: %zu)", consuming nothing,
  *    when fewer bytes than the field wait. When a field's content is wrong they raise IO_ERROR with the field
- *    consumed.
+ *    consumed; the destination of a text then holds what was received and a NUL, that of H an empty text.
  * 4. Where a raise returns to its raiser, number readers return 0 and text readers their destination, emptied if it
  *    has any room.
  */

@@ -52,7 +52,9 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
     std::memset(data.issDat, 'a', sizeof data.issDat);
     refused("Field does not have enough room for data", data.issDat[3], '\0');
     refused("Invalid hex byte at index 2", data.issDat[0], '\0');
-    refused("Number length (4) is greater than field length (3)", data.tagsLen, 0);
+    refused("Number length (4) is greater than field length (3)", data.tagsLen, 498);
+    std::memset(data.tags, 'x', sizeof data.tags);
+    refused("Invalid hex byte at index 0", data.tags[0], '\0');
 }
 
 TEST(Fnc, ReadsTheLastDecision) {
@@ -61,7 +63,7 @@ TEST(Fnc, ReadsTheLastDecision) {
     const auto read = [&](const std::string& response) {
         Link link;
         link.peer.request("FNC01000|00|000000|003000"_wire).response("FNC000" + response);
-        out = {};
+        out = {77, 78, "old", 79, "old", 80};
         return support::raised_by([&] { abecs_cmd_fnc(link.comm, &data, &out); });
     };
     const auto reads = [&](const std::string& response, uint32_t decision, size_t emvDataLen,
@@ -80,15 +82,27 @@ TEST(Fnc, ReadsTheLastDecision) {
     reads("000|2|002|3095|01|30|999|behind"_wire, 2, 2, "95", 1, "", 999);
     reads("999|0|256"_wire + repeated("A", 512) + "50" + repeated("C", 100) + "009", 0, 256, repeated("A", 512), 50,
           repeated("C", 100), 9);
-    const auto refused = [&](const std::string& response, int16_t code, const char* detail) {
+    // What was read before the fault stays, and no length says more than its text has room for.
+    const auto refused = [&](const std::string& response, int16_t code, const char* detail, uint32_t decision,
+                             uint32_t emvDataLen, uint32_t isResultsLen) {
         EXPECT_EQ(read(response), support::error(code, detail));
+        EXPECT_EQ(out.decision, decision) << detail;
+        EXPECT_EQ(out.emvDataLen, emvDataLen) << detail;
+        EXPECT_EQ(out.isResultsLen, isResultsLen) << detail;
+        EXPECT_EQ(out.acqDataLen, 80U) << detail;
     };
-    refused("999|0|257"_wire + repeated("AB", 257) + "00|000"_wire, 2,
-            "sizeTo (513) is not enough to store field (length: 514)");
-    refused("999|0|000|51"_wire + repeated("CD", 51) + "000", 2,
-            "sizeTo (101) is not enough to store field (length: 102)");
-    refused("999|0|257|AB"_wire, 6, "Buffer does not have enough data (requested: 514, available: 2)");
-    refused("999|0|000|00"_wire, 6, "Buffer does not have enough data (requested: 3, available: 0)");
+    refused("999|x"_wire, 6, "Invalid char (0x78) at index 0", 77, 78, 79);
+    refused("999|5|257"_wire + repeated("AB", 257) + "00|000"_wire, 2,
+            "sizeTo (513) is not enough to store field (length: 514)", 5, 78, 79);
+    EXPECT_STREQ(out.emvData, "");
+    refused("999|6|001AB|51"_wire + repeated("CD", 51) + "000", 2,
+            "sizeTo (101) is not enough to store field (length: 102)", 6, 1, 79);
+    EXPECT_STREQ(out.emvData, "AB");
+    EXPECT_STREQ(out.isResults, "");
+    refused("999|7|002|ABx0"_wire, 6, "Invalid data: x0", 7, 78, 79);
+    EXPECT_STREQ(out.emvData, "");
+    refused("999|0|257|AB"_wire, 6, "Buffer does not have enough data (requested: 514, available: 2)", 0, 78, 79);
+    refused("999|0|000|00"_wire, 6, "Buffer does not have enough data (requested: 3, available: 0)", 0, 0, 0);
 }
 
 }  // namespace

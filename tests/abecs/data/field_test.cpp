@@ -86,6 +86,7 @@ TEST_P(FieldText, EveryCharacterIsAllowedOrRefusedAlikeBothWays) {
             } else {
                 EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, type.write(out, field, 3, allowCr));
                 EXPECT_RAISES(KOR_RESULT_IO_ERROR, detail, type.read(in, text, sizeof text, 3, allowCr));
+                EXPECT_STREQ(text, field) << "as received";
             }
             EXPECT_EQ(out.take(), good ? field : "a");
             EXPECT_EQ(in.take(), "") << "the field is consumed either way";
@@ -178,8 +179,10 @@ TEST(FieldH, AnythingButPairsOfHexadecimalDigitsIsRefused) {
         const Bytes text(field + "rest");
         const Bytes raw(field + "rest");
         char to[9];
+        std::fill(std::begin(to), std::end(to), 'x');
         EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid data: " + std::string(pair),
                       abecs_data_read_field_h(text, to, sizeof to, 8));
+        EXPECT_STREQ(to, "") << "no pairs without an end";
         EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid data: " + std::string(pair),
                       abecs_data_read_field_h_raw(raw, nullptr, 0, 8));
         EXPECT_EQ(text.take(), "rest");

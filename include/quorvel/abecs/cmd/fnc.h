@@ -36,15 +36,18 @@ typedef struct AbecsCmdFncResponse {
 
 /*
  * FNC: after GOC, hands the acquirer's answer to the card and reads its last decision. Returns RSP_STAT; `rspData` is
- * filled only when that is 0; after an error in the answer's fields it holds what had been read by then.
+ * filled only when that is 0. After an error in the answer's fields it holds those before the fault; the length of the
+ * one at fault is as it was, and its text is empty or as it was.
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'cmdData' is NULL"; "'rspData' is NULL"; "invalid
- * cmdData->issDatLen: %zu (max: 999)"; "invalid cmdData->tagsLen: %zu (max: 999)"; "invalid cmdData->commSt: %d"; a
- * text that its field does not take, "Field does not have enough room for data" for one longer than its length says, or
- * "Number length (%zu) is greater than field length (%zu)" when it is too long for the block's length. PROTOCOL_ERROR
- * for an answer under six bytes or of another command, notifications included; IO_ERROR for a malformed field;
- * ILLEGAL_ARGUMENT "sizeTo (%zu) is not enough to store field (length: %zu)" for more than 256 bytes of EMV data or 50
- * of results; and what the link raises.
+ * cmdData->issDatLen: %zu (max: 999)"; "invalid cmdData->tagsLen: %zu (max: 999)"; "invalid cmdData->commSt: %d"; then
+ * member by member "Number length (%zu) is greater than field length (%zu)" for an `issDatLen` above 494; a character
+ * that the field of `arc` does not take; for `issDat` "Field does not have enough room for data" when it is longer than
+ * its length says, "Invalid hex byte at index %zu"; the same of `tagsLen` above 498 and of `tags`. PROTOCOL_ERROR
+ * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command,
+ * notifications included; those of abecs_packet_read_rsp_stat; IO_ERROR for a malformed field; ILLEGAL_ARGUMENT "sizeTo
+ * (%zu) is not enough to store field (length: %zu)" for more than 256 bytes of EMV data or 50 of results; and what the
+ * link raises, a time-out too.
  */
 KOR_API int32_t abecs_cmd_fnc(AbecsComm* pinpad, const AbecsCmdFncData* cmdData, AbecsCmdFncResponse* rspData);
 
