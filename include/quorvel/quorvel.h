@@ -18,11 +18,13 @@
  *    they were given.
  * 2. A status is not an error. Command functions return RSP_STAT, the PIN pad's status (AbecsRspStat_E, 0 is success);
  *    they raise for arguments, for the link, and when there is no valid answer, a status that the protocol does not
- *    know being none: PROTOCOL_ERROR "Unknown value for RSP_STAT: %03d". Only abecs_cmd_mlx, which sends several
- *    commands, returns none and raises when one of them does not succeed.
+ *    know being none: PROTOCOL_ERROR "Unknown value for RSP_STAT: %03d". An id or a status of other characters than its
+ *    field has is an IO_ERROR (abecs/data.h). Only abecs_cmd_mlx, which sends several commands, returns none and raises
+ *    when one of them does not succeed.
  * 3. Blocking commands, which wait for the cardholder, come as a sending function and one that ends in _response. The
- *    link is blocked from the one to the other. Poll the latter: -1 nothing yet (after two seconds), -2 a notification
- *    was read into the text argument (33 bytes, or none), else the final RSP_STAT. abecs_comm_send_can aborts the wait.
+ *    link is blocked from the one to the other. Poll the latter: -1 nothing yet (after two seconds, or after three
+ *    damaged frames), -2 a notification was read into the text argument (33 bytes, or none), else the final RSP_STAT.
+ *    abecs_comm_send_can aborts the wait.
  * 4. Ownership. What a function ending in _new, _open or _load returns is the caller's, to be ended by the matching
  *    _delete or _close, which takes the address of the variable and sets it to none; none is ignored. Sets of integers
  *    and texts end by kor_set_delete, parameter maps by kor_map_delete, and a text of kor_string_new by kor_heap_free.

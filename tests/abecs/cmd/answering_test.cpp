@@ -144,6 +144,9 @@ TEST(Answering, RefusesAnswersThatAreNone) {
             {"NTM000004WAIT", support::error(12, other("NTM"))},
             {command.id + "099", support::error(12, "Unknown value for RSP_STAT: 099")},
             {command.id + "0x0", support::error(6, "Invalid char (0x78) at index 1")},
+            {"A\x80"
+             "B000",
+             support::error(6, "Invalid character (0x80) at position 1")},
         };
         Link link;
         Data data;

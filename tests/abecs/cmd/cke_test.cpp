@@ -153,6 +153,18 @@ TEST_F(Cke, ReadsTracksThatItCannotDecipher) {
     protect(kTdes, false);
     const std::string track2 = kTdes2.substr(0, 37);
     expect_tracks("CKE000225144" + fill(kTdes1, 76) + "40" + track2 + kTdes3 + "ZZZ", kTdes1, track2, kTdes3);
+    // Which the PIN pad has as the end of track 2 and the beginning of track 3.
+    expect_tracks("CKE000225144" + fill(kTdes1, 76) + "40" + track2 + "XYZ" + kTdes3, kTdes1, track2,
+                  "XYZ" + kTdes3.substr(0, 101));
+}
+
+TEST_F(Cke, CannotDecipherWithAKeyOfAnUnknownType) {
+    protect({static_cast<AbecsWkPanType_E>(3), {}}, true);
+    send();
+    link_.peer.response("CKE000225144" + fill(kTdes1, 76) + "40" + kTdes2 + kTdes3);
+    AbecsCmdCkeOut out{};
+    EXPECT_RAISES(1, "Unhandled case", abecs_cmd_cke_response(link_.comm, &out, nullptr));
+    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "CKE");
 }
 
 TEST_F(Cke, DoesNotReadBehindTheAnswerInALayoutThatIsTooWide) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 
 #include "quorvel/abecs/cmd/clx.h"
 #include "tests/support/link.h"
@@ -56,13 +57,20 @@ TEST(Clx, SendsWhatItIsGiven) {
 TEST(Close, BothDropTheKeys) {
     const std::array<uint8_t, 16> key{1, 2, 3};
     const AbecsWkPan wkPan{ABECS_WK_PAN_TYPE_TDES, {4, 5, 6}};
-    for (const bool extended : {false, true}) {
+    for (const auto& [extended, stat] : {std::pair{false, "000"}, {true, "000"}, {false, "0x0"}, {true, "0x0"}}) {
         Link link;
         EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &wkPan));
         EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, key.data()));
         link.comm->keySet = false;  // so that the request can be spelled; the bytes must go all the same
-        link.peer.request(extended ? "CLX" : "CLO032" + std::string(32, ' ')).response(extended ? "CLX000" : "CLO000");
-        EXPECT_EQ(extended ? link.call(abecs_cmd_clx)(nullptr, nullptr) : link.call(abecs_cmd_clo)(nullptr), 0);
+        link.peer.request(extended ? "CLX" : "CLO032" + std::string(32, ' '));
+        link.peer.response((extended ? "CLX" : "CLO") + std::string(stat));
+        auto close = [&] {
+            if (extended) { return abecs_cmd_clx(link.comm, nullptr, nullptr); }
+            return abecs_cmd_clo(link.comm, nullptr);
+        };
+        const bool good = stat[1] == '0';
+        EXPECT_EQ(support::raised_by(close),
+                  good ? support::Raised{} : support::error(6, "Invalid char (0x78) at index 1"));
         EXPECT_FALSE(link.comm->keySet);
         EXPECT_EQ(link.comm->key, (std::array<uint8_t, 16>{}));
         EXPECT_FALSE(link.comm->panKeyInstalled);

@@ -131,7 +131,11 @@ TEST_F(Ebx, ChecksEveryArgumentInOrder) {
     wrong("Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC", data, 8, 91, 100);
     wrong("Invalid 'keyIdx': 100 (min: 0, max: 99)", data, 8, 51, 100);
     Link link;
-    EXPECT_REFUSED(2, "'builder' is NULL", abecs_cmd_ebx(link.comm, nullptr, nullptr));
+    const AbecsRspParamValue old{};
+    abecs_rsp_param_map_put(map_.get(), 1, &old, false);
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_ebx(nullptr, nullptr, map_.get()));
+    EXPECT_REFUSED(2, "'builder' is NULL", abecs_cmd_ebx(link.comm, nullptr, map_.get()));
+    EXPECT_EQ(map_.items().size(), 1U) << "untouched";
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_ebx(link.comm, builder_, nullptr));
     expect_sent("EBX024" + head("51"));
 }
@@ -164,6 +168,8 @@ TEST_F(Ebx, LeavesNothingInTheMapAfterAnythingElse) {
     };
     emptied(support::error(12, "(EBX) Invalid RSP_ID: GTK)"), "GTK000");
     emptied(support::error(6, "Invalid packet (malformed)"), "EBX000012" + "804E 0008"_hex);
+    emptied(support::error(12, "Malformed parameter (expected data length: 8, available: 1)"),
+            "EBX000005" + "804E 0008"_hex + "C");
     emptied({}, "ERR010");
     reset(0);  // which the map is emptied before
     emptied(support::error(

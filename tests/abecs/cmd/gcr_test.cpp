@@ -157,6 +157,29 @@ TEST(Gcr, ReadsWhatTheAcquirerGetsBesides) {
     EXPECT_STREQ(read(link, {"00", "00", "00", "", "02", "3012345678"}).acqRd02Data, "12345678");
 }
 
+TEST(Gcr, LeavesTheMembersOfOtherAcquirersAsTheyWere) {
+    Link link;
+    AbecsCmdGcrResponse out;
+    const std::string kept(sizeof out, 'k');
+    const auto bytes = [](const auto& member) {
+        return std::string(reinterpret_cast<const char*>(&member), sizeof member);
+    };
+    const auto reads = [&](const std::string& response, int32_t stat) {
+        std::memset(&out, 'k', sizeof out);
+        link.peer.request("GCR").response(response);
+        EXPECT_EQ(link.call(abecs_cmd_gcr_empty)(), KOR_RESULT_OK);
+        EXPECT_EQ(link.call(abecs_cmd_gcr_response)(&out, nullptr), stat);
+    };
+    reads("GCR013", 13);
+    EXPECT_EQ(bytes(out), kept);
+    reads(answer({"00", "00", "00", "", "03", "behind"}, false), 0);
+    EXPECT_EQ(out.issuerCountry, 76);
+    EXPECT_EQ(bytes(out.acqRd01Data) + bytes(out.acqRd01Text1) + bytes(out.acqRd01Text2), std::string(67, 'k'));
+    reads(answer({"00", "00", "00", "", "02", "1112345678"}, false), 0);
+    EXPECT_STREQ(out.acqRd02Data, "1112345678");
+    EXPECT_EQ(bytes(out.acqRd01Text1) + bytes(out.acqRd01Text2), std::string(34, 'k'));
+}
+
 // Whatever a length says, what was stored bounds what is used.
 TEST(Gcr, ReadsFullFieldsAndLyingLengths) {
     Link link;

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/gin.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -99,6 +100,44 @@ TEST(Gin, RefusesMalformedAnswers) {
     refused(3, "042AAAAA BBB CCC DD EE FFFFFFFFFFFF GGG H t42", 12, "Invalid value for GIN_DUKPT: 0x74");
     refused(0, "100MANUFACTURER", 6, "Buffer does not have enough data (requested: 20, available: 12)");
     refused(2, "042AAAAAAA BBBBBBBBBBB CCCCCCCCCCCC DDD EE xx", 6, "Invalid char (0x78) at index 0");
+}
+
+TEST(Gin, AnErrorLeavesTheFieldsBeforeIt) {
+    AbecsCmdGinOut out;
+    const auto fails = [&](uint8_t index, const std::string& response) {
+        std::memset(&out, 'k', sizeof out);
+        Link link;
+        link.peer.request("GIN0020" + std::to_string(index)).response("GIN000" + response);
+        EXPECT_NE(support::raised_by([&] { abecs_cmd_gin(link.comm, index, &out); }), support::Raised{});
+    };
+    const auto damaged = [](size_t at) {
+        std::string fields = kIndex00;
+        fields[at] = '\x7F';
+        return "100" + fields;
+    };
+    const AbecsCmdGinOut untouched = [] {
+        AbecsCmdGinOut all;
+        std::memset(&all, 'k', sizeof all);
+        return all;
+    }();
+    fails(0, "042" + kIndex00);
+    EXPECT_EQ(std::memcmp(&out, &untouched, sizeof out), 0);
+    fails(0, damaged(25));
+    EXPECT_STREQ(out.idx00.mnName, "MANUFACTURER");
+    EXPECT_STREQ(out.idx00.model,
+                 "ABC;D\x7F"
+                 "F;GHI");
+    EXPECT_EQ(out.idx00.modelDetail[0], 'k');
+    fails(0, damaged(39));
+    EXPECT_STREQ(out.idx00.modelDetail, "DEF");
+    EXPECT_EQ(std::memcmp(&out.idx00.ctlsSup, "k", 1), 0);
+    fails(0, damaged(50));
+    EXPECT_TRUE(out.idx00.ctlsSup);
+    EXPECT_STREQ(out.idx00.soVer, "OS 1.2    \x7F");
+    EXPECT_EQ(out.idx00.specVer[0], 'k');
+    fails(2, "042AAAAAAA BBBBBBBBBBB CCCCCCCCCCCC DDD EE xx");
+    EXPECT_STREQ(out.idx02.text5, "EE");
+    EXPECT_EQ(out.idx02.number, 'k');
 }
 
 TEST(Gin, LeavesTheHandleToTheLink) {

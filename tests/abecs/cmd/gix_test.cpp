@@ -70,6 +70,16 @@ TEST_F(Gix, ChecksItsArgumentsInTheirOrder) {
     EXPECT_REFUSED(2, "Invalid enumerator for AbecsCmdGixId_E at index 0: 4660 (1234)",
                    abecs_cmd_gix(link_.comm, bad, 64, nullptr));
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_gix(link_.comm, nullptr, 0, nullptr));
+    const AbecsRspParamValue old{};
+    abecs_rsp_param_map_put(map_.get(), 1, &old, false);
+    const auto kept = [&](AbecsComm* link, const int32_t* ids, size_t count) {
+        EXPECT_EQ(support::raised_by([&] { abecs_cmd_gix(link, ids, count, map_.get()); }).code, 2);
+        EXPECT_EQ(map_.items(), (Items{{1, ""}}));
+    };
+    kept(nullptr, nullptr, 0);
+    kept(link_.comm, bad, 65);
+    kept(link_.comm, nullptr, 1);
+    kept(link_.comm, bad, 1);
 }
 
 TEST_F(Gix, KnowsTheIdsThatCanBeAsked) {

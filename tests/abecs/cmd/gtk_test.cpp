@@ -170,7 +170,11 @@ TEST_F(Gtk, ChecksEveryArgumentInOrder) {
     const AbecsCmdGtkPbkExp noExponent{};
     set(abecs_cmd_gtk_builder_pbk_exp, &noExponent);
     Link link;
+    const AbecsRspParamValue old{};
+    abecs_rsp_param_map_put(map_.get(), 1, &old, false);
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_gtk(nullptr, builder_, map_.get()));
     EXPECT_REFUSED(2, "'builder' is NULL", abecs_cmd_gtk(link.comm, nullptr, map_.get()));
+    EXPECT_EQ(map_.items().size(), 1U) << "untouched";
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_gtk(link.comm, builder_, nullptr));
 }
 
@@ -192,7 +196,7 @@ TEST_F(Gtk, TakesEachParameterOnce) {
 TEST_F(Gtk, LeavesTheItemsOfTheAnswerInTheMap) {
     set(abecs_cmd_gtk_builder_tracks, "0100");
     const std::string request = "GTK008" + "0007 0004"_hex + "0100";
-    const auto emptied = [&](const char* response, int32_t expected, const support::Raised& error) {
+    const auto emptied = [&](const std::string& response, int32_t expected, const support::Raised& error) {
         Link link;
         link.peer.request(request).response("GTK000015" + "8045 0004 41110000 8048 0003 303031"_hex);
         EXPECT_EQ(link.call(abecs_cmd_gtk)(builder_, map_.get()), 0);
@@ -205,6 +209,8 @@ TEST_F(Gtk, LeavesTheItemsOfTheAnswerInTheMap) {
     };
     emptied("GTK042", 42, {});
     emptied("GTX000", 0, support::error(12, "(GTK) Invalid RSP_ID: GTX)"));
+    emptied("GTK000004" + "8045 001C"_hex, 0,
+            support::error(12, "Malformed parameter (expected data length: 28, available: 0)"));
 }
 
 template <typename Out>

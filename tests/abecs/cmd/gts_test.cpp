@@ -28,14 +28,17 @@ TEST(Gts, ReadsTheVersion) {
 }
 
 TEST(Gts, RefusesMalformedAnswers) {
-    char out[11];
-    support::expect_bad_answers(
-        "GTS00201", [&](AbecsComm* link) { abecs_cmd_gts(link, 1, out); },
-        {{"GTS000", 6, "Buffer does not have enough data (requested: 3, available: 0)"},
-         {"GTS0000090123456789", 12, "Invalid RSP_LEN1 (expected: 10, read: 9)"},
-         {"GTS00001101234567890", 12, "Invalid RSP_LEN1 (expected: 10, read: 11)"},
-         {"GTS000010012345678", 6, "Buffer does not have enough data (requested: 10, available: 9)"},
-         {"GTS0000100123\r56789", 6, "Invalid character (0x0D) at position 4"}});
+    const auto refused = [](const std::string& answer, int16_t code, const char* detail, const char* version) {
+        char out[11] = "stale text";
+        support::expect_bad_answers("GTS00201", [&](AbecsComm* link) { abecs_cmd_gts(link, 1, out); },
+                                    {{answer, code, detail}});
+        EXPECT_STREQ(out, version) << detail;
+    };
+    refused("GTS000", 6, "Buffer does not have enough data (requested: 3, available: 0)", "stale text");
+    refused("GTS0000090123456789", 12, "Invalid RSP_LEN1 (expected: 10, read: 9)", "stale text");
+    refused("GTS00001101234567890", 12, "Invalid RSP_LEN1 (expected: 10, read: 11)", "stale text");
+    refused("GTS000010012345678", 6, "Buffer does not have enough data (requested: 10, available: 9)", "");
+    refused("GTS0000100123\r56789", 6, "Invalid character (0x0D) at position 4", "0123\r56789");
 }
 
 TEST(Gts, LeavesTheHandleToTheLink) {

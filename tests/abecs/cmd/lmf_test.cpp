@@ -60,15 +60,21 @@ TEST_F(Lmf, ReplacesTheListByTheNames) {
 }
 
 TEST_F(Lmf, RefusesMalformedAnswers) {
-    const auto refused = [&](const std::string& block, int16_t code, const char* detail) {
-        link_.peer.request("LMF").response("LMF000" + block);
+    const std::string good = "805E 0008"_hex + "GOOD    ";
+    const auto refused = [&](const std::string& bad, int16_t code, const char* detail) {
+        fill({"old"});
+        link_.peer.request("LMF").response("LMF0000" + std::to_string(good.size() + bad.size()) + good + bad);
         EXPECT_RAISES(code, detail, abecs_cmd_lmf(link_.comm, list_));
+        EXPECT_EQ(names(), Names{"GOOD"}) << detail;
     };
-    refused("012" + "001E 0008"_hex + "A       ", 12, "Unrecognized RSP_DATID: 30");
-    refused("012" + "FFFF 0008"_hex + "A       ", 12, "Unrecognized RSP_DATID: 65535");
-    refused("011" + "805E 0007"_hex + "A      ", 6, "Buffer does not have enough data (requested: 8, available: 7)");
-    refused("012" + "805E 0008"_hex + "A\x80      ", 6, "Invalid character (0x80) at position 1");
+    refused("001E 0008"_hex + "A       ", 12, "Unrecognized RSP_DATID: 30");
+    refused("FFFF 0008"_hex + "A       ", 12, "Unrecognized RSP_DATID: 65535");
+    refused("805E 0007"_hex + "A      ", 6, "Buffer does not have enough data (requested: 8, available: 7)");
+    refused("805E 0008"_hex + "A\x80      ", 6, "Invalid character (0x80) at position 1");
     EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_lmf(link_.comm, nullptr));
+    fill({"old"});
+    EXPECT_REFUSED(2, "'pinpad' is NULL", abecs_cmd_lmf(nullptr, list_));
+    EXPECT_EQ(names(), Names{"old"});
 }
 
 TEST_F(Dmf, NamesTheFilesInTheirOrder) {

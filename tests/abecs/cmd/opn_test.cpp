@@ -77,6 +77,15 @@ TEST(Opn, SecureWithoutAKeyIsAnInvalidCall) {
     }
 }
 
+TEST(Opn, SecureTakesAKeyWhateverTheStatus) {
+    Link link;
+    answer(link, [](const std::string& modulus) {
+        return "OPN046515256" + rsa_encipher(padded("0002"_hex, kSessionKey), modulus);
+    });
+    EXPECT_EQ(link.call(abecs_cmd_opn)(true), 46);
+    EXPECT_TRUE(holds(link, kSessionKey));
+}
+
 TEST(Opn, BadKeysAreRefusedAndTheOldOneStays) {
     const auto refused = [](const Respond& respond, int16_t code, const char* detail) {
         Link link;

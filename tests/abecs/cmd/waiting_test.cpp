@@ -170,4 +170,19 @@ TEST_F(Waits, CanBePolledAgainAfterATimeOut) {
     }
 }
 
+TEST_F(Waits, CanBePolledAgainAfterThreeDamagedFrames) {
+    const auto commands = all_waiting();
+    for (const Waiting& command : {commands[1], commands[3]}) {
+        SCOPED_TRACE(command.id);
+        send(command);
+        for (int i = 0; i < 3; ++i) {
+            link_.peer.send(support::frame(std::string(command.id) + "013", 0x0000)).expect("15"_hex);
+        }
+        EXPECT_EQ(poll(command), -1);
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), command.id);
+        link_.peer.response(std::string(command.id) + "013");
+        EXPECT_EQ(poll(command), 13);
+    }
+}
+
 }  // namespace

@@ -25,11 +25,11 @@ KOR_BEGIN_DECLS
 KOR_API void abecs_cmd_cex(AbecsComm* pinpad, const char* cexOpt, const uint8_t* timeout, const uint8_t* panMask);
 
 /*
- * Polls for the answer of CEX. Returns RSP_STAT and unblocks the link; or -1 when nothing has come yet, or -2 with the
- * text of a notification in `notification` (33 bytes, or none), the link staying blocked. When RSP_STAT is 0,
- * `paramMap` holds each item of the answer under its data id (AbecsRspDatId_E), as bytes of its own with a NUL behind
- * them that their size does not count; it is emptied first, and empty after any other outcome but the first three
- * errors.
+ * Polls for the answer of CEX. Returns RSP_STAT and unblocks the link; or -1 when nothing has come yet, or three
+ * damaged frames have, or -2 with the text of a notification in `notification` (33 bytes, or none), the link staying
+ * blocked. When RSP_STAT is 0, `paramMap` holds each item of the answer under its data id (AbecsRspDatId_E), as bytes
+ * of its own with a NUL behind them that their size does not count; it is emptied first, and empty after any other
+ * outcome but the first three errors.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL" for the map; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
  * "(%s) Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet and

@@ -47,6 +47,10 @@ typedef enum AbecsCmdCkeCtlsCheckType_E KOR_ENUM_INT32 {
 /*
  * An event and what belongs to it: the key, the tracks of a magnetic card, or whether a card is there. Tracks are
  * without trailing blanks, and in clear when the link has a PAN working key; each length is that of its text.
+ *
+ * After abecs_cmd_dwk1 without the link's key the tracks come enciphered, and track 2 is read in the width of an open
+ * link: track2 lacks the last 3 of the 40 characters of its field, and track3 has them in front and lacks the last 3 of
+ * its own.
  */
 typedef struct AbecsCmdCkeOut {
     AbecsCmdCkeEvent_E event;
@@ -76,8 +80,8 @@ KOR_API void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, Ab
 
 /*
  * Polls for the answer of CKE. Returns RSP_STAT and unblocks the link, with the event in `out` when RSP_STAT is 0; or
- * -1 when nothing has come yet, or -2 with the text of a notification in `notification` (33 bytes, or none), the link
- * staying blocked.
+ * -1 when nothing has come yet, or three damaged frames have, or -2 with the text of a notification in `notification`
+ * (33 bytes, or none), the link staying blocked.
  *
  * ILLEGAL_ARGUMENT "'out' is NULL", "'pinpad' is NULL"; ILLEGAL_STATE "%s was not sent yet". PROTOCOL_ERROR:
  * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command, and
@@ -86,8 +90,9 @@ KOR_API void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, Ab
  * (expected: 2, received: %d)" and "'CKE_ICCSTAT' invalid value: %d" (a chip card), "'RSP_LEN1' invalid value
  * (expected: 2, received: %d" with two blanks before the bracket and "'CKE_CTLSCSTAT' invalid value: %d" (a contactless
  * card), "'CKE_EVENT' invalid value: %d". Those of abecs_packet_read_rsp_stat and abecs_packet_read_notification;
- * IO_ERROR for a malformed field, CRYPT_ERROR when deciphering fails; and what the link raises. An error leaves the
- * blocked state as it is, and may leave a part of the answer in `out`.
+ * IO_ERROR for a malformed field; those of abecs_pan_decrypt_track while the link has a PAN working key, RUNTIME_ERROR
+ * "Unhandled case" for one of an unknown type among them; and what the link raises. An error leaves the blocked state
+ * as it is, and may leave a part of the answer in `out`.
  */
 KOR_API int32_t abecs_cmd_cke_response(AbecsComm* pinpad, AbecsCmdCkeOut* out, char* notification);
 

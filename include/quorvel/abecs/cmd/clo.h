@@ -14,8 +14,10 @@ KOR_BEGIN_DECLS
  * CLO: closes the session, leaves `msg` on the display (at most 32 characters; none shows blanks) and returns RSP_STAT.
  * The link drops its session key and its PAN working key as soon as the PIN pad has acknowledged the command.
  *
- * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'msg' it too long (maximum: %d, requested: %zu)", or a character that the field
- * does not take; PROTOCOL_ERROR for an answer under six bytes or of another command; and what the link raises.
+ * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'msg' it too long (maximum: %d, requested: %zu)"; a character
+ * that an S field does not take. PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "(%s) Invalid
+ * RSP_ID: %s)" for that of another command; those of abecs_packet_read_rsp_stat for a malformed one; and what the link
+ * raises. After an error in the answer the keys are gone all the same.
  */
 KOR_API int32_t abecs_cmd_clo(AbecsComm* pinpad, const char* msg);
 

@@ -16,8 +16,9 @@ KOR_BEGIN_DECLS
  * RSP_STAT.
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'dspMsg' length (%zu)  is greater than 128 characters";
- * "'mfName' length (%zu) is greater than 8 characters"; a character that the fields do not take. PROTOCOL_ERROR for the
- * answer of another command, IO_ERROR for a malformed one; and what the link raises.
+ * "'mfName' length (%zu) is greater than 8 characters"; a character that the fields do not take. PROTOCOL_ERROR "(%s)
+ * Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet for a malformed one; and
+ * what the link raises. After an error in the answer the keys are gone all the same.
  */
 KOR_API int32_t abecs_cmd_clx(AbecsComm* pinpad, const char* dspMsg, const char* mfName);
 

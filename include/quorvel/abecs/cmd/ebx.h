@@ -63,18 +63,21 @@ KOR_API void abecs_cmd_ebx_builder_ivcbc(AbecsCmdEbxBuilder* builder, const uint
 
 /*
  * Sends EBX and returns RSP_STAT. When that is 0, `out` holds each item of the answer under its data id
- * (AbecsRspDatId_E), as bytes of its own without a terminator; it is emptied first, and empty after any other outcome.
+ * (AbecsRspDatId_E), as bytes of its own without a terminator. It is emptied once the arguments are found to be there,
+ * and empty after any other status and any later error.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'builder' is NULL", "'out' is NULL", with `out` untouched; ILLEGAL_STATE
  * "Missing parameter SPE_WKENC (required due to SPE_MTHDDAT == %s)" for a number up to 11; PROTOCOL_ERROR "(%s) Invalid
- * RSP_ID: %s)" for the answer of another command, IO_ERROR for a malformed one; and what the link raises.
+ * RSP_ID: %s)" for the answer of another command, "Malformed parameter (expected data length: %hu, available: %hu)" for
+ * an item that is longer than the rest of the answer; further those of abecs_rsp_parser_set_packet and
+ * abecs_rsp_parser_read_param for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_ebx(AbecsComm* pinpad, AbecsCmdEbxBuilder* builder, AbecsRspParamMap* out);
 
 /*
- * The enciphered data (PP_DATAOUT), as many bytes as were sent, and the serial number of a DUKPT key (PP_KSN), 10
- * bytes; the map's, null when the answer had none. These are bytes, among which there may be zeros: their number is the
- * size of the map's value. ILLEGAL_ARGUMENT "'responseParams' is NULL".
+ * The enciphered data (PP_DATAOUT) and the serial number of a DUKPT key (PP_KSN); the map's, null when the answer had
+ * none. These are bytes, among which there may be zeros: their number is the size of the map's value. ILLEGAL_ARGUMENT
+ * "'responseParams' is NULL".
  */
 KOR_API const char* abecs_cmd_ebx_response_get_dataout(const AbecsRspParamMap* responseParams);
 KOR_API const char* abecs_cmd_ebx_response_get_ksn(const AbecsRspParamMap* responseParams);

@@ -54,14 +54,14 @@ KOR_API void abecs_cmd_fcx_builder_timeout(AbecsCmdFcxBuilder* builder, uint8_t 
 KOR_API void abecs_cmd_fcx(AbecsComm* pinpad, AbecsCmdFcxBuilder* builder);
 
 /*
- * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet; -2
- * (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or null),
- * and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out` holds each
- * item of the answer under its data id (AbecsRspDatId_E), as bytes of its own without a terminator; it is emptied
- * first, and empty after any other outcome.
+ * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet, or three damaged frames have
+ * come; -2 (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or
+ * null), and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out`
+ * holds each item of the answer under its data id (AbecsRspDatId_E), as bytes of its own without a terminator. It is
+ * emptied before anything is read, and empty after any other outcome but the first three errors.
  *
- * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
- * PROTOCOL_ERROR for the answer of another command; those of abecs_rsp_parser_set_packet and
+ * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "(%s)
+ * Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet and
  * abecs_rsp_parser_read_param for a malformed one; and what the link raises. After an error the link stays blocked.
  */
 KOR_API int32_t abecs_cmd_fcx_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification);

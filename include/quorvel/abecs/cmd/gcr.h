@@ -39,7 +39,7 @@ typedef enum AbecsCmdGcrStatChip_E KOR_ENUM_INT32 {
 /*
  * What is asked for. `acqIdxReq` and `appTypReq` narrow the search in the PIN pad's tables to one acquirer or one type
  * of application, 0 to 99; `amount` is in the smallest unit of the currency, below 10^12; `tabVer` is the version of
- * the tables that the caller knows; `ctlsOn` allows contactless cards.
+ * the tables that the caller knows, at most 10 characters; `ctlsOn` allows contactless cards.
  */
 typedef struct AbecsCmdGcrData {
     uint8_t acqIdxReq;
@@ -54,9 +54,15 @@ typedef struct AbecsCmdGcrData {
 /*
  * What was read. Texts are without trailing blanks; the codes are stored as received.
  *
- * While the link has a PAN working key, tracks and card number are in clear, their lengths are those of the clear
- * texts, and track3Len is that of the clear card number, panLen staying as received. Otherwise they are as received;
- * track3Len is the length of track3 in either case.
+ * While the link has no PAN working key, tracks and card number are as received, and so are track1Len, track2Len and
+ * panLen, whatever the texts hold; track3Len is the length of track3. After abecs_cmd_dwk1 without the link's key that
+ * holds too, for tracks and a number that are enciphered.
+ *
+ * While it has one, tracks and card number are in clear; track1Len and track2Len are those of the clear texts,
+ * track3Len is that of the clear card number, and panLen is as received.
+ *
+ * Of the last four members only those of the acquirer `acqIdx` are written, and none for an acquirer other than 1 and
+ * 2: the rest stays as it was.
  */
 typedef struct AbecsCmdGcrResponse {
     AbecsCmdGcrCardType_E cardType;
@@ -113,16 +119,16 @@ KOR_API KorResult_E abecs_cmd_gcr(AbecsComm* pinpad, const AbecsCmdGcrData* gcrD
 KOR_API KorResult_E abecs_cmd_gcr_empty(AbecsComm* pinpad);
 
 /*
- * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet; -2
- * (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or null),
- * and in both cases the link stays blocked; else RSP_STAT, the link being free again. `gcrResponse` is filled only
- * when that is 0.
+ * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet, or three damaged frames have
+ * come; -2 (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or
+ * null), and in both cases the link stays blocked; else RSP_STAT, the link being free again. `gcrResponse` is filled
+ * only when that is 0.
  *
- * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'gcrResponse' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR for
- * an answer under six bytes or of another command; those of abecs_packet_read_rsp_stat and
- * abecs_packet_read_notification; IO_ERROR for a malformed field; those of abecs_pan_decrypt_track while the link has a
- * PAN working key; and what the link raises. After an error the link stays blocked, and `gcrResponse` may hold a part
- * of the answer.
+ * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'gcrResponse' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
+ * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those
+ * of abecs_packet_read_rsp_stat and abecs_packet_read_notification; IO_ERROR for a malformed field; those of
+ * abecs_pan_decrypt_track while the link has a PAN working key; and what the link raises. After an error the link stays
+ * blocked, and `gcrResponse` may hold a part of the answer.
  */
 KOR_API int32_t abecs_cmd_gcr_response(AbecsComm* pinpad, AbecsCmdGcrResponse* gcrResponse, char* notification);
 

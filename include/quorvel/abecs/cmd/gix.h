@@ -56,12 +56,15 @@ typedef enum AbecsCmdGixId_E KOR_ENUM_INT32 {
 /*
  * GIX: asks for the items of `idList` (`idListSize` ids, at most 64; with none the PIN pad chooses) and returns
  * RSP_STAT. When that is 0, `out` holds each item of the answer under its data id (AbecsRspDatId_E), as bytes of its
- * own without a terminator; it is emptied first, and empty after any other outcome.
+ * own without a terminator. It is emptied before anything is sent, and empty after any other status and any error but
+ * those of the arguments.
  *
- * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'idListSize' (%zu) exceeds maximum allowed (64)"; "'idList' is
- * NULL" with a size other than 0; "Invalid enumerator for AbecsCmdGixId_E at index %zu: %d (%02X)" (an id of a family
- * ends this check: the ids behind it are sent as they stand); "'out' is NULL". PROTOCOL_ERROR for the answer of another
- * command, IO_ERROR for a malformed one; and what the link raises.
+ * ILLEGAL_ARGUMENT, in this order and with `out` untouched: "'pinpad' is NULL"; "'idListSize' (%zu) exceeds maximum
+ * allowed (64)"; "'idList' is NULL" with a size other than 0; "Invalid enumerator for AbecsCmdGixId_E at index %zu: %d
+ * (%02X)" (an id of a family ends this check: the ids behind it are sent as they stand); "'out' is NULL".
+ * PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the answer of another command, "Malformed parameter (expected data
+ * length: %hu, available: %hu)" for an item that is longer than the rest of the answer; further those of
+ * abecs_rsp_parser_set_packet and abecs_rsp_parser_read_param for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_gix(AbecsComm* pinpad, const int32_t* idList, size_t idListSize, AbecsRspParamMap* out);
 

@@ -18,7 +18,8 @@ KOR_API void abecs_cmd_gky(AbecsComm* pinpad);
 /*
  * Polls for the answer of GKY. Returns RSP_STAT, which tells the key (ABECS_RSP_STAT_ST_OK for ENTER, otherwise
  * ABECS_RSP_STAT_ST_F1 to _F4, _BACKSP for CLEAR, _CANCEL), and unblocks the link; or -1 when nothing has come yet, or
- * -2 with the text of a notification in `notification` (33 bytes, or none), the link staying blocked.
+ * three damaged frames have, or -2 with the text of a notification in `notification` (33 bytes, or none), the link
+ * staying blocked.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "Unrecognized response" for
  * an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those of

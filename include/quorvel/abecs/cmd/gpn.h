@@ -57,8 +57,8 @@ KOR_API void abecs_cmd_gpn(AbecsComm* pinpad, const AbecsCmdGpnCmdData* cmdData)
 
 /*
  * Polls for the answer of GPN. Returns RSP_STAT and unblocks the link, with the PIN block in `rspDataOut` when RSP_STAT
- * is 0; or -1 when nothing has come yet, or -2 with the text of a notification in `notification` (33 bytes, or none),
- * the link staying blocked.
+ * is 0; or -1 when nothing has come yet, or three damaged frames have, or -2 with the text of a notification in
+ * `notification` (33 bytes, or none), the link staying blocked.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'rspDataOut' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
  * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those

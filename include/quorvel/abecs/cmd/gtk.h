@@ -110,12 +110,15 @@ KOR_API void abecs_cmd_gtk_builder_pbk_exp(AbecsCmdGtkBuilder* builder, const Ab
 
 /*
  * Sends GTK and reads the answer. Returns RSP_STAT. When that is 0, `out` holds each item of the answer under its data
- * id (AbecsRspDatId_E); it is emptied before anything is sent, and empty after any other outcome.
+ * id (AbecsRspDatId_E), as bytes of its own without a terminator. It is emptied before anything is sent, and empty
+ * after any other status and any error but those of the arguments.
  *
  * ILLEGAL_ARGUMENT, nothing being sent and `out` untouched: "'pinpad' is NULL", "'builder' is NULL", "'out' is NULL";
  * "Missing SPE_KEYIDX (SPE_MTHDDAT: %s)", "Missing SPE_WKENC (SPE_MTHDDAT: %s)", "Missing %s (SPE_MTHDDAT: %s)" with
  * SPE_PBKMOD or SPE_PBKEXP, when the method needs what was not set. PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the
- * answer of another command, IO_ERROR for a malformed one; and what the link raises.
+ * answer of another command, "Malformed parameter (expected data length: %hu, available: %hu)" for an item that is
+ * longer than the rest of the answer; further those of abecs_rsp_parser_set_packet and abecs_rsp_parser_read_param for
+ * a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_gtk(AbecsComm* pinpad, AbecsCmdGtkBuilder* builder, AbecsRspParamMap* out);
 

@@ -15,9 +15,10 @@ KOR_BEGIN_DECLS
  * at most 10 characters, without trailing blanks, and a NUL. Returns RSP_STAT; when that is not 0, `out` is empty.
  *
  * In this order: INDEX_OUT_OF_BOUNDS "Invalid acqIdx: %d (maximum is 99)"; ILLEGAL_ARGUMENT "'out' is NULL", "'pinpad'
- * is NULL". PROTOCOL_ERROR for an answer under six bytes, "Invalid RSP_ID (expected %s, read: %s)" or "Invalid RSP_LEN1
- * (expected: 10, read: %u)"; those of abecs_packet_read_rsp_stat; IO_ERROR for a malformed field, which may leave a
- * part of the answer in `out`; and what the link raises.
+ * is NULL". PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "Invalid RSP_ID (expected %s, read:
+ * %s)" for that of another command, "Invalid RSP_LEN1 (expected: 10, read: %u)"; those of abecs_packet_read_rsp_stat;
+ * IO_ERROR for a malformed field; and what the link raises. After an error in the version itself `out` is empty or
+ * holds what was received, after any other it is as it was.
  */
 KOR_API int32_t abecs_cmd_gts(AbecsComm* pinpad, uint8_t acqIdx, char* out);
 

@@ -20,8 +20,9 @@ KOR_BEGIN_DECLS
  * upper case; `type` says what the file is and is sent as it stands. Returns RSP_STAT.
  *
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'filename' is NULL"; "'filename' is empty"; "'filename' is too
- * long (max: %d, requested: %zu)"; a character that the field does not take. PROTOCOL_ERROR for an answer under six
- * bytes or of another command; those of abecs_packet_read_rsp_stat for a malformed one; and what the link raises.
+ * long (max: %d, requested: %zu)"; a character that the field does not take. PROTOCOL_ERROR "Unrecognized response" for
+ * an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those of
+ * abecs_packet_read_rsp_stat for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_mli(AbecsComm* pinpad, const char* filename, uint32_t size, uint16_t crc, uint8_t type);
 

@@ -26,8 +26,8 @@ KOR_API void abecs_cmd_mnu(AbecsComm* pinpad, uint8_t timeout, const char* dspMs
 
 /*
  * Polls for the answer of MNU. Returns RSP_STAT and unblocks the link, with the number of the chosen option, as the PIN
- * pad counts them, in `optOut` when RSP_STAT is 0; or -1 when nothing has come yet, or -2 with the text of a
- * notification in `notification` (33 bytes, or none), the link staying blocked.
+ * pad counts them, in `optOut` when RSP_STAT is 0; or -1 when nothing has come yet, or three damaged frames have, or -2
+ * with the text of a notification in `notification` (33 bytes, or none), the link staying blocked.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'optOut' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "(%s)
  * Invalid RSP_ID: %s)" for the answer of another command, "PP_VALUE not present in response" when the first parameter

@@ -19,8 +19,9 @@ KOR_BEGIN_DECLS
 KOR_API void abecs_cmd_rmc(AbecsComm* pinpad, const char* msg);
 
 /*
- * Polls for the answer of RMC. Returns RSP_STAT and unblocks the link; or -1 when nothing has come yet, or -2 with the
- * text of a notification in `notification` (33 bytes, or none), the link staying blocked.
+ * Polls for the answer of RMC. Returns RSP_STAT and unblocks the link; or -1 when nothing has come yet, or three
+ * damaged frames have, or -2 with the text of a notification in `notification` (33 bytes, or none), the link staying
+ * blocked.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR "Unrecognized response" for
  * an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those of

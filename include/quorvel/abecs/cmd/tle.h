@@ -13,8 +13,9 @@ KOR_BEGIN_DECLS
 /*
  * TLE: ends the load that TLI opened; the new tables count from now on. Returns RSP_STAT.
  *
- * ILLEGAL_ARGUMENT "'pinpad' is NULL"; PROTOCOL_ERROR for an answer under six bytes or "Invalid RSP_ID (expected %s,
- * read: %s)"; those of abecs_packet_read_rsp_stat for a malformed one; and what the link raises.
+ * ILLEGAL_ARGUMENT "'pinpad' is NULL"; PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "Invalid
+ * RSP_ID (expected %s, read: %s)" for that of another command; those of abecs_packet_read_rsp_stat for a malformed one;
+ * and what the link raises.
  */
 KOR_API int32_t abecs_cmd_tle(AbecsComm* pinpad);
 

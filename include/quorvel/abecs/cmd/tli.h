@@ -21,8 +21,8 @@ KOR_BEGIN_DECLS
  *
  * In this order: ILLEGAL_ARGUMENT "'pinpad' is NULL"; INDEX_OUT_OF_BOUNDS "Invalid 'acqIdx': %d (maximum is 99)";
  * ILLEGAL_ARGUMENT "'tabVer' is NULL", "Invalid 'tabVer' length: %d (max: 10)", or a character that the field does not
- * take. PROTOCOL_ERROR for an answer under six bytes or "Invalid RSP_ID (expected %s, read: %s)"; those of
- * abecs_packet_read_rsp_stat for a malformed one; and what the link raises.
+ * take. PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "Invalid RSP_ID (expected %s, read: %s)"
+ * for that of another command; those of abecs_packet_read_rsp_stat for a malformed one; and what the link raises.
  */
 KOR_API int32_t abecs_cmd_tli(AbecsComm* pinpad, uint8_t acqIdx, const char* tabVer);
 
