@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <span>
 
 #include "core/attempt.h"
 #include "core/raise.h"
@@ -21,6 +22,7 @@ namespace {
 enum State : uint32_t { kOpened = 0, kBody = 1, kBodyEnded = 2, kFailed = 3, kOver = 4 };
 
 KorExceptionUncaughtHandler uncaught_handler = nullptr;
+uint32_t uncaught_count = 0;
 
 void clear_record() {
     __cex__.error = KOR_RESULT_OK;
@@ -46,8 +48,11 @@ void record_error(int16_t code, const char* message) {
     __cex__.error = code;
     if (message == nullptr) {
         __cex__.message[0] = '\0';
-    } else if (message != __cex__.message) {
-        std::snprintf(__cex__.message, sizeof __cex__.message, "%s", message);
+    } else {
+        // Moved, because the text may be a part of the record's own.
+        const size_t length = strnlen(message, sizeof __cex__.message - 1);
+        std::memmove(__cex__.message, message, length);
+        __cex__.message[length] = '\0';
     }
 }
 
@@ -72,6 +77,7 @@ void kor_exception_throw(KorResult_E code, const char* message) {
         longjmp(__cefn__->jump, code);
     }
     KorExceptionUncaughtHandler handler = uncaught_handler != nullptr ? uncaught_handler : default_uncaught_handler;
+    ++uncaught_count;
     handler(code, message);
     clear_record();
 }
@@ -169,19 +175,30 @@ bool __kor_exception_cleanup__(KorExceptionFrameNode* frame) {
 
 void __kor_exception_end_try__() { kor_exception_previous_frame_node(); }
 
+namespace {
+
+void step(KorExceptionFrameNode* frame, const kor::Branch& body, std::span<const kor::CatchBranch> catches,
+          const kor::Branch& cleanup) {
+    if (frame->state == kBody) { return body(); }
+    for (const kor::CatchBranch& candidate : catches) {
+        if (__kor_exception_catch__(frame, candidate.code)) { return candidate.branch(); }
+    }
+    if (cleanup && __kor_exception_cleanup__(frame)) { cleanup(); }
+}
+
+}  // namespace
+
 // The library's only setjmp. What the branches capture lives in the caller's frame, not in this one, so nothing here
 // or there needs to be volatile.
-void kor::Attempt::run() const {
+void kor::run_attempt(Branch body, std::span<const CatchBranch> catches, Branch cleanup) {
+    const KorException pending = __cex__;
+    const uint32_t uncaught = uncaught_count;
     if (__kor_exception_begin_try__() == nullptr) { return; }
     (void)setjmp(__kor_exception_get_frame__()->jump);
     KorExceptionFrameNode* frame = __kor_exception_get_frame__();
-    while (__kor_exception_next_state__(frame) != kOver) { step(frame); }
+    while (__kor_exception_next_state__(frame) != kOver) { step(frame, body, catches, cleanup); }
+    // An error that nobody caught leaves a clear record behind.
+    if (uncaught == uncaught_count) { __cex__ = pending; }
 }
 
-void kor::Attempt::step(KorExceptionFrameNode* frame) const {
-    if (frame->state == kBody) { return body_(); }
-    for (size_t i = 0; i < catchCount_; ++i) {
-        if (__kor_exception_catch__(frame, catches_[i].code)) { return catches_[i].branch(); }
-    }
-    if (cleanup_ && __kor_exception_cleanup__(frame)) { cleanup_(); }
-}
+uint32_t kor::uncaught_errors() { return uncaught_count; }

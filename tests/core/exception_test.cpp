@@ -96,6 +96,46 @@ TEST(Attempt, CatchesTheCodeItNamesAndCleansUpFirst) {
     EXPECT_EQ(kor_exception_get_error(), 0);
 }
 
+TEST(Attempt, TriesAsManyBranchesAsItIsGiven) {
+    for (const int16_t code : std::initializer_list<int16_t>{6, 7, 12, 99}) {
+        int16_t caught = 0;
+        kor::attempt([&] { kor_exception_throw(code, "thrown"); })
+            .on(KOR_RESULT_IO_ERROR, [&] { caught = KOR_RESULT_IO_ERROR; })
+            .on(KOR_RESULT_TIMEOUT_ERROR, [&] { caught = KOR_RESULT_TIMEOUT_ERROR; })
+            .on(KOR_RESULT_PROTOCOL_ERROR, [&] { caught = KOR_RESULT_PROTOCOL_ERROR; })
+            .on_any([&] { caught = 99; })
+            .run();
+        EXPECT_EQ(caught, code);
+    }
+}
+
+TEST(Attempt, PutsThePendingErrorBack) {
+    KorException after{};
+    const auto succeed = [] { kor::attempt([] {}).run(); };
+    const auto recover = [] { kor::attempt([] { kor_exception_throw(6, "other"); }).on_any([] {}).run(); };
+    for (void (*step)() : {+succeed, +recover}) {
+        kor::attempt([] { kor_exception_throw(7, "pending"); })
+            .on_any([&] { kor_exception_get(&after); })
+            .cleanup([&] { step(); })
+            .run();
+        EXPECT_EQ((Raised{after.error, after.message}), (Raised{7, "pending"}));
+    }
+    kor::attempt([] { kor_exception_throw(7, "pending"); })
+        .on_any([&] { kor_exception_get(&after); })
+        .cleanup([] { kor::attempt([] { kor_exception_throw(6, "other"); }).run(); })
+        .run();
+    EXPECT_EQ((Raised{after.error, after.message}), (Raised{6, "other"})) << "an error that leaves takes its place";
+    const support::ReturningRaises handler;
+    kor::attempt([] { kor_exception_throw(7, "pending"); })
+        .on_any([&] {
+            kor::attempt([] { kor_exception_throw(6, "other"); }).run();
+            kor_exception_get(&after);
+        })
+        .run();
+    EXPECT_EQ((Raised{after.error, after.message}), Raised{}) << "one that nobody caught leaves nothing pending";
+    EXPECT_EQ(handler.all(), (std::vector<Raised>{{6, "other"}}));
+}
+
 TEST(Attempt, ClosesItsOwnFrameAndNoOther) {
     std::string trace;
     auto inside = [&] {

@@ -108,6 +108,14 @@ Peer& Peer::hang_up() {
 
 Peer& Peer::request(std::string_view payload, Where where) { return expect(frame(payload), where).send("\x06", where); }
 
+Peer& Peer::any_request(Where where) {
+    return add([where](Peer& peer) {
+        while (peer.take(1, where, "the end of a request") != "\x17") {}
+        peer.take(2, where, "the check of a request");
+        peer.write("\x06", where);
+    });
+}
+
 Peer& Peer::response(std::string_view payload, Where where) { return send(frame(payload), where); }
 
 Peer& Peer::encrypted_request(std::string_view payload, Where where) {

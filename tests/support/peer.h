@@ -65,6 +65,8 @@ public:
 
     // A command, acknowledged; a response. The payload is what stands between SYN and ETB before escaping.
     Peer& request(std::string_view payload, Where where = {});
+    // Whatever the command is.
+    Peer& any_request(Where where = {});
     Peer& response(std::string_view payload, Where where = {});
     Peer& encrypted_request(std::string_view payload, Where where = {});
     Peer& encrypted_response(std::string_view payload, Where where = {});

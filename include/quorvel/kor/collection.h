@@ -28,8 +28,8 @@ KOR_BEGIN_DECLS
  *    moves the items: the order in which an iterator meets them depends on the hashes and on the capacity. Single
  *    items cannot be removed.
  *
- * 5. A put or an append that fails, be it in a copy function, leaves the container as it was. Each opens a try
- *    block of its own: do not call them in a clean-up. `_clear` and `_delete` open none.
+ * 5. A put or an append that fails, be it in a copy function, leaves the container as it was. One that succeeds leaves
+ *    the pending error as it was, so that a clean-up can store what it finds in kor_exception_get_message().
  */
 
 /* A new copy of `item`, for the container to own. It may raise. */
@@ -38,10 +38,10 @@ typedef void* (*KorItemCpFn)(const void* item);
 /* Frees a copy. It must not raise. */
 typedef void (*KorItemDelFn)(void* item);
 
-/* Whether a stored item, `lhs`, equals the one sought, `rhs`. */
+/* Whether a stored item, `lhs`, equals the one sought, `rhs`. It must not raise. */
 typedef bool (*KorItemEqualsFn)(const void* lhs, const void* rhs);
 
-/* Equal for equal items. */
+/* Equal for equal items. It must not raise. */
 typedef uint32_t (*KorItemHashFn)(const void* item);
 
 /*

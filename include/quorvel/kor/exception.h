@@ -21,7 +21,11 @@ KOR_BEGIN_DECLS
  * 2. With no try block open, the uncaught handler is called. The default one prints "Uncaught error: ..." to standard
  *    output and raises SIGABRT. If the handler returns, the function that raised leaves at once with a harmless result
  *    (none, 0, false, an empty text) and without having done its work.
- * 3. One error is pending at a time, in one process-wide record. Opening a try block clears it.
+ * 3. One error is pending at a time, in one process-wide record. A raise replaces it; opening a try block of your own
+ *    clears it, and so does the end of a block that has dealt with it. Only these clear it when they succeed:
+ *    __kor_exception_begin_try__ and __kor_exception_next_state__. Every other function of the library leaves it as it
+ *    is unless it raises, whether it stores something or sends a command: so a clean-up may call what it likes, and a
+ *    catch branch may do so before it looks at what it caught.
  * 4. A raise is a longjmp: it runs no destructors. In C++ keep objects that have one out of try blocks.
  * 5. Nothing here is guarded: use the library from one thread at a time.
  */
@@ -100,9 +104,9 @@ KOR_END_DECLS
  *     } KOR_END_TRY;
  *
  * Catch branches are tried in the order written; an error that none takes goes on to the enclosing block after the
- * clean-up. The clean-up runs on success and on error (on error before the catch branches) and must not open a try
- * block of its own: that would clear the pending error. Keep locals that the block sets and later code reads
- * `volatile`. Never leave a block by return, break, continue or goto: its frame would stay open.
+ * clean-up. The clean-up runs on success and on error, on error before the catch branches. It must not open a try block
+ * of its own: that would clear the pending error, and the block would go on as if all had gone well. What it raises
+ * takes the pending error's place. Keep locals that the block sets and later code reads `volatile`. Never leave a block by return, break, continue or goto: its frame would stay open.
  */
 /* clang-format off */
 #define KOR_TRY                                                                      \

@@ -1,0 +1,406 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <climits>
+#include <csignal>
+#include <cstdarg>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <memory>
+#include <pty.h>
+#include <regex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+#include "quorvel/quorvel.h"
+#include "tests/core/temp_dir.h"
+#include "tests/support/peer.h"
+#include "tests/support/raised.h"
+
+// A function that succeeds leaves the pending error as it is, unless exception.h names it. So a clean-up can store,
+// send and close whatever it likes, and a catch branch can do so before it looks at what it caught. Checked over the
+// whole interface, through the shared library.
+namespace {
+
+using namespace std::string_literals;
+using support::Peer;
+
+constexpr KorSerialConfig kConfig{
+    20, 19200, 8, KOR_SERIAL_STOP_BITS_ONE, KOR_SERIAL_PARITY_NONE, KOR_SERIAL_FLOW_CONTROL_NONE};
+constexpr AbecsDate kDate{24, 2, 29};
+constexpr AbecsTime kTime{23, 59, 58};
+constexpr AbecsWkPan kKey{ABECS_WK_PAN_TYPE_TDES, {1, 2, 3}};
+constexpr Crypt3DesKey kTdesKey{{1, 2, 3}, 16};
+constexpr AbecsMk kMk{ABECS_MK_TYPE_TDES, 1, {1, 2, 3}};
+constexpr AbecsEmvData kEmvData{{0x82}, 1};
+constexpr AbecsTagList kTags{{0x82}, 1};
+constexpr AbecsCmdGcrData kGcr{0, 0, 1, kDate, kTime, "V", true};
+constexpr AbecsCmdGocData kGoc{};
+constexpr AbecsCmdFncData kFnc{0, "00", 0, "", 0, ""};
+constexpr AbecsCmdGen02K3CmdData kKeys{0, 0, 0, 0};
+constexpr AbecsCmdGen0303Data kGenData{16, "0123456789ABCDEF"};
+constexpr AbecsCmdGen0303CmdData kGenCmd{1, kGenData};
+constexpr AbecsCmdGen0401CmdData kSlot{ABECS_CMD_GEN_04_01_OPER_1, 8};
+constexpr AbecsCmdGen0402CmdData kApdu{8, "00A40400", 0, "", 0};
+constexpr AbecsCmdGen0403CmdData kPin{8, "00200080", 'A', 4, 4, "PIN"};
+constexpr AbecsCmdChpParam kChp{ABECS_CMD_CHP_SLOT_1, ABECS_CMD_CHP_OPER_0, "", ABECS_CMD_CHP_PIN_FMT_0, ""};
+constexpr AbecsCmdGpnCmdData kGpn{ABECS_CMD_GPN_METHOD_DUKPT_DES, 7, "", "", 1, {{4, 12, "PIN"}}};
+constexpr AbecsCmdEnbCmdData kEnb{ABECS_CMD_ENB_METHOD_0, 0, "", "4111111111111111"};
+constexpr AbecsCmdGtkPbkExp kExponent{3, {1, 0, 1}};
+constexpr AbecsCmdGtkWkEnc kWkEnc{16, {1}};
+constexpr char kOptions[][25] = {"TEA"};
+
+// Functions of the containers' items.
+void* copy_text(const void* item) { return kor_string_new(static_cast<const char*>(item)); }
+bool equal_texts(const void* lhs, const void* rhs) {
+    return kor_string_equals(static_cast<const char*>(lhs), static_cast<const char*>(rhs));
+}
+uint32_t hash_text(const void* item) { return kor_collection_hash_str(static_cast<const char*>(item)); }
+KorMap* new_map() {
+    return kor_map_new(2, hash_text, equal_texts, copy_text, copy_text, kor_collection_destroy, kor_collection_destroy);
+}
+
+void format_list(char* to, size_t size, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    kor_string_vformat(to, size, format, arguments);
+    va_end(arguments);
+}
+
+void open_and_close_a_block() {
+    KOR_TRY {}
+    KOR_END_TRY;
+}
+
+std::string field(std::string text, size_t width) {
+    text.resize(width, ' ');
+    return text;
+}
+
+// Both with tracks that are enciphered in the layout of protected mode.
+std::string card_answer() {
+    return "GCR000999"
+           "06"
+           "1"
+           "98"
+           "03"
+           "Z1"
+           + field("43B4111111111111111^CARD/TEST^2512201", 78) + field("294111111111111111=2512201", 42)
+           + field("", 104) + field("174111111111111111", 21) + field("07CREDIT", 18) + field("201TEST/CARD", 29)
+           + "301231" + std::string(28, '!') + "!076000";
+}
+std::string tracks_answer() {
+    return "CKE000225"
+           "1"
+           "00"
+           + field("4111111111111111^X", 76) + "00" + field("4111111111111111=2512", 40)
+           + field("4111111111111111=25", 104);
+}
+
+// A serial line of which the test is the other end.
+struct Line {
+    Line() {
+        if (openpty(&master, &slave, path, nullptr, nullptr) != 0) { throw std::runtime_error("openpty"); }
+        port = kor_serial_open(path);
+        kor_serial_config(port, &kConfig);
+    }
+    ~Line() {
+        kor_serial_close(&port);
+        close(slave);
+        close(master);
+    }
+    Line(Line&&) = delete;
+
+    void receive(std::string_view bytes) const {
+        EXPECT_EQ(::write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    }
+
+    int master = -1;
+    int slave = -1;
+    char path[64] = "";
+    KorSerial* port = nullptr;
+};
+
+// What takes long to make, made once.
+struct Bench {
+    Bench() {
+        peer.accept_can();
+        link = abecs_comm_open(peer.path().c_str());
+    }
+    ~Bench() {
+        peer.finish();
+        abecs_comm_close(&link);
+        crypt_rsa_key_delete(&rsa);
+    }
+    Bench(Bench&&) = delete;
+
+    Peer peer;
+    AbecsComm* link = nullptr;
+    CryptRsaKey* rsa = crypt_rsa_key_new(128, 65537);
+    TempDir directory;
+    std::string folder = directory / "";
+    std::string path = directory.file("a.b", "content");
+};
+
+// Everything that the calls of succeeding_functions.inc take and fill.
+struct World {
+    explicit World(Bench& bench)
+        : peer(bench.peer),
+          link(bench.link),
+          rsa(bench.rsa),
+          directory(bench.folder.c_str()),
+          path(bench.path.c_str()) {
+        abecs_comm_release(link);
+        abecs_comm_set_wk_pan(link, &kKey);
+        kor_buffer_write_str(buffer, "000001234567890", true);
+        holds("000001234567890");
+        abecs_param_set_id(param, 1);
+        abecs_param_write_field_b(param, "0000", 4);
+        for (KorList* each : {list, plain}) { kor_list_append(each, "a"); }
+        item = kor_list_first(list);
+        kor_map_put(map, "a", "1");
+        kor_string_set_put(texts, "a");
+        kor_int_set_put(numbers, 1);
+        for (const auto id : {0x8040, 0x8041, 0x8042, 0x8043, 0x8044, 0x8045, 0x8046, 0x8047, 0x8048, 0x8049, 0x804A,
+                              0x804B, 0x804C, 0x804E, 0x8063}) {
+            abecs_rsp_param_map_put(params, static_cast<uint16_t>(id), &value, false);
+        }
+    }
+    ~World() {
+        kor_buffer_delete(&buffer);
+        for (KorList** each : {&list, &plain}) { kor_list_delete(each); }
+        for (KorMap** each : {&map, &params}) { kor_map_delete(each); }
+        for (KorSet** each : {&texts, &numbers}) { kor_set_delete(each); }
+        kor_regex_delete(&regex);
+        kor_file_close(&file);
+        kor_test_suite_delete(&suite);
+        kor_test_signal(SIGABRT, nullptr);
+        abecs_packet_delete(&packet);
+        abecs_param_delete(&param);
+        abecs_rsp_parser_delete(&parser);
+        crypt_aes_cipher_delete(&aes);
+        abecs_cmd_builder_delete(&builder);
+        abecs_cmd_gcx_builder_delete(&gcx);
+        abecs_cmd_gox_builder_delete(&gox);
+        abecs_cmd_fcx_builder_delete(&fcx);
+        abecs_cmd_ebx_builder_delete(&ebx);
+        abecs_cmd_gtk_builder_delete(&gtk);
+        abecs_comm_close(&spareLink);
+        peer.settle();
+    }
+    World(World&&) = delete;
+
+    // The packet's content.
+    void holds(const std::string& bytes) {
+        abecs_packet_clear(packet);
+        abecs_packet_write_field_b(packet, bytes.data(), bytes.size());
+    }
+    void parses(const std::string& bytes) {
+        holds(bytes);
+        abecs_rsp_parser_set_packet(parser, packet);
+    }
+    void waits_for(const char* id, const std::string& answer) {
+        abecs_comm_lock(link, id);
+        peer.response(answer);
+    }
+    void takes_media() {
+        for (const char* answer : {"MLI000", "MLR000", "MLE000"}) { peer.any_request().response(answer); }
+    }
+    void await_spare() {
+        spare = std::make_unique<Peer>();
+        spare->accept_can();
+    }
+    void open_spare() {
+        await_spare();
+        spareLink = abecs_comm_open(spare->path().c_str());
+    }
+    // A message for the RSA key.
+    void seal() {
+        crypt_rsa_get_public_key(rsa, &publicKey);
+        crypt_rsa_encrypt(&publicKey, block, 16, block, 128);
+    }
+    void rule_ebx(AbecsSpeMthdDat_E method) { abecs_cmd_ebx_builder_reset(ebx, block, 8, method, 5); }
+    void rule_gtk(AbecsSpeMthdDat_E method) { abecs_cmd_gtk_builder_mthd_dat(gtk, method); }
+
+    Peer& peer;
+    AbecsComm* link;
+    CryptRsaKey* rsa;
+    const char* directory;
+    const char* path;
+    std::unique_ptr<Peer> spare;
+    AbecsComm* spareLink = nullptr;
+    Line line;
+
+    char text[1200] = "aBc";
+    char place[4096] = "";
+    uint8_t block[256] = {1, 2, 3};
+    uint16_t crc = 0;
+    uint32_t index = 0;
+    size_t at = 0;
+    KorException error{};
+    KorExceptionFrameNode node{};
+
+    KorBuffer *buffer = kor_buffer_new(64), *bytes2 = nullptr;
+    KorBufferState state{};
+    KorList *list = kor_string_list_new(), *list2 = nullptr;
+    KorList* plain = kor_list_new(copy_text, kor_collection_destroy, equal_texts);
+    KorListNode* item = nullptr;
+    KorMap *map = new_map(), *map2 = nullptr;
+    KorMapIterator inMap{};
+    KorSet *texts = kor_string_set_new(2), *numbers = kor_int_set_new(2), *set2 = nullptr;
+    KorSetIterator inSet{};
+    KorIntSetIterator inNumbers{};
+    KorStringSetIterator inTexts{};
+    KorRegex *regex = kor_regex_new("b"), *regex2 = nullptr;
+    KorFile *file = kor_file_open(path, "r+b"), *file2 = nullptr;
+    KorTestSuite *suite = kor_test_suite_new(), *suite2 = nullptr;
+
+    AbecsPacket *packet = abecs_packet_new(), *packet2 = nullptr;
+    AbecsParam *param = abecs_param_new(), *param2 = nullptr;
+    AbecsRspParser *parser = abecs_rsp_parser_new(), *parser2 = nullptr;
+    AbecsRspParamMap* params = abecs_rsp_param_map_new();
+    AbecsRspParamMapIt inParams{};
+    uint8_t data[3] = "00";
+    AbecsRspParamValue value{2, data, false};
+    CryptAesCipher *aes = crypt_aes_cipher_new(block, 16), *aes2 = nullptr;
+    CryptRsaKey* rsa2 = nullptr;
+    CryptRsaPublicKey publicKey{};
+
+    AbecsCmdBuilder *builder = abecs_cmd_builder_new(), *builder2 = nullptr;
+    AbecsCmdGcxBuilder *gcx = abecs_cmd_gcx_builder_new("240229", "235958"), *gcx2 = nullptr;
+    AbecsCmdGoxBuilder *gox = abecs_cmd_gox_builder_new(1, ABECS_SPE_MTHD_PIN_DUKPT_TDES, 1), *gox2 = nullptr;
+    AbecsCmdFcxBuilder *fcx = abecs_cmd_fcx_builder_new("1000"), *fcx2 = nullptr;
+    AbecsCmdEbxBuilder* ebx = abecs_cmd_ebx_builder_new(block, 8, ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, 5);
+    AbecsCmdEbxBuilder* ebx2 = nullptr;
+    AbecsCmdGtkBuilder *gtk = abecs_cmd_gtk_builder_new(), *gtk2 = nullptr;
+    AbecsCmdGinOut info{};
+    AbecsCmdGcrResponse card{};
+    AbecsCmdGocResponse chip{};
+    AbecsCmdFncResponse decision{};
+    AbecsCmdGenTagsOut tagsOut{};
+    AbecsCmdGen0303RspData genOut{};
+    AbecsCmdGen0303Data genData{};
+    AbecsCmdGen0401RspData slot{};
+    AbecsCmdGen0402RspData apdu{};
+    AbecsCmdGen0403RspData verdict{};
+    AbecsEmvData emvData{};
+    AbecsCmdCkeOut event{};
+    AbecsCmdGpnRspData pin{};
+    AbecsWkPan key{};
+    AbecsCmdGtkEncKrand krand{};
+    AbecsCmdGtkEncPan encPan{};
+    AbecsCmdGtkKsn ksn{};
+    AbecsCmdGtkTrack1 track1{};
+    AbecsCmdGtkTrack2 track2{};
+    AbecsCmdGtkTrack3 track3{};
+};
+
+struct Function {
+    const char* name;
+    void (*prepare)(World&);
+    void (*act)(World&);
+};
+
+const Function kFunctions[] = {
+#define AFTER_DOES(step, function, ...) \
+    {#function, [](World& w) { step, static_cast<void>(w); }, [](World& w) { (__VA_ARGS__), static_cast<void>(w); }},
+#define AFTER(step, function, ...) AFTER_DOES(step, function, static_cast<void>((function)(__VA_ARGS__)))
+#define CALL(function, ...) AFTER(static_cast<void>(0), function, __VA_ARGS__)
+#define DOES(function, ...) AFTER_DOES(static_cast<void>(0), function, __VA_ARGS__)
+#define ASKS(answer, function, ...) AFTER(w.peer.any_request().response(answer), function, __VA_ARGS__)
+#define SENDS(function, ...) AFTER(w.peer.any_request(), function, __VA_ARGS__)
+#define POLLS(id, answer, function, ...) AFTER(w.waits_for(id, answer), function, __VA_ARGS__)
+#define NOT_CALLED(name) {#name, [](World&) {}, [](World&) {}},
+#include "tests/interface/succeeding_functions.inc"
+};
+
+// What became of an error that was pending during the call.
+void act_in_cleanup(const Function& function, World& world, KorException* left) {
+    KOR_TRY { kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "pending"); }
+    KOR_CATCH(KOR_RESULT_OK) { kor_exception_get(left); }
+    KOR_CLEANUP { function.act(world); }
+    KOR_END_TRY;
+}
+
+void act_in_catch(const Function& function, World& world, KorException* left) {
+    KOR_TRY { kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "pending"); }
+    KOR_CATCH(KOR_RESULT_OK) {
+        function.act(world);
+        kor_exception_get(left);
+    }
+    KOR_END_TRY;
+}
+
+using Act = decltype(act_in_cleanup);
+
+std::set<std::string> clearing(Act* act) {
+    Bench bench;
+    std::set<std::string> names;
+    for (const Function& function : kFunctions) {
+        World world(bench);
+        KorException left{};
+        EXPECT_NO_RAISE(function.prepare(world)) << function.name;
+        const support::Raised raised = support::raised_by([&] { act(function, world, &left); });
+        EXPECT_EQ(raised, support::Raised{}) << function.name;
+        EXPECT_EQ(kor_exception_get_frame_node(), nullptr) << function.name;
+        if (left.error == KOR_RESULT_OK) {
+            names.insert(function.name);
+        } else {
+            EXPECT_EQ((support::Raised{left.error, left.message}), (support::Raised{7, "pending"})) << function.name;
+        }
+    }
+    return names;
+}
+
+// Those that exception.h names.
+std::set<std::string> promised() {
+    std::ifstream header(QUORVEL_EXCEPTION_H);
+    const std::string text((std::istreambuf_iterator<char>(header)), {});
+    const std::string before = "Only these clear it when they succeed:";
+    const size_t begin = text.find(before);
+    EXPECT_NE(begin, std::string::npos);
+    const std::string list = text.substr(begin + before.size(), text.find('.', begin) - begin - before.size());
+    const std::regex name("\\w*(kor|abecs|crypt)_\\w+");
+    std::set<std::string> names;
+    for (auto it = std::sregex_iterator(list.begin(), list.end(), name); it != std::sregex_iterator(); ++it) {
+        names.insert(it->str());
+    }
+    return names;
+}
+
+void expect_cleared_as_promised(Act* act) {
+    const std::set<std::string> cleared = clearing(act);
+    const std::set<std::string> named = promised();
+    std::vector<std::string> wrong;
+    std::set_symmetric_difference(cleared.begin(), cleared.end(), named.begin(), named.end(),
+                                  std::back_inserter(wrong));
+    for (const std::string& name : wrong) {
+        ADD_FAILURE() << name << (cleared.contains(name) ? " clears the record" : " leaves the record as it is");
+    }
+    EXPECT_FALSE(cleared.empty());
+}
+
+TEST(PendingError, OutlivesEverySuccessInACleanUpButThoseThatTheHeaderNames) {
+    expect_cleared_as_promised(act_in_cleanup);
+}
+
+TEST(PendingError, OutlivesEverySuccessInACatchBranchButThoseThatTheHeaderNames) {
+    expect_cleared_as_promised(act_in_catch);
+}
+
+TEST(PendingError, IsTriedWithEveryExportedFunction) {
+    std::set<std::string> listed;
+    std::set<std::string> exported;
+    for (const Function& function : kFunctions) { EXPECT_TRUE(listed.insert(function.name).second) << function.name; }
+    std::ifstream exports(QUORVEL_EXPORTS);
+    for (std::string name; std::getline(exports, name);) { exported.insert(name); }
+    EXPECT_EQ(listed, exported);
+}
+
+}  // namespace
