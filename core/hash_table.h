@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <type_traits>
 
 #include "core/attempt.h"
 #include "core/raise.h"
@@ -14,95 +16,113 @@
 
 namespace kor {
 
-// The copy that a container keeps of an item. A null item is kept as null: copy functions need not know of it.
-inline void* owned_copy(KorItemCpFn copyFn, const void* item) { return item != nullptr ? copyFn(item) : nullptr; }
-
-inline void release(KorItemDelFn deleteFn, void* item) {
-    if (item != nullptr) { deleteFn(item); }
+// Null on exhaustion; raises nothing, so that callers can first release what they hold.
+template <typename Entry>
+[[nodiscard]] Entry** new_slots(uint32_t count) {
+    auto** slots = static_cast<Entry**>(kor_heap_alloc(count * sizeof(Entry*), 1));
+    if (slots != nullptr) { std::fill_n(slots, count, nullptr); }
+    return slots;
 }
 
-// Open addressing with linear probing, for maps and sets alike: an Entry is a heap cell with a `void* key`, so that
-// an entry whose key is null still fills its slot.
-template <typename Entry>
-struct HashTable {
-    KorItemHashFn hashFn;
-    KorItemEqualsFn equalsFn;
-    uint32_t capacity;
-    uint32_t size;
-    Entry** slots;
+// Open addressing with linear probing, for maps and sets alike, in the record of either: its `capacity`, `size` and
+// `slots`, and the two functions named. An entry is a heap cell with a `void* key`, so that an entry whose key is null
+// still fills its slot.
+template <typename Record, auto kHashFn, auto kEqualsFn>
+class HashTable {
+public:
+    using Entry = std::remove_pointer_t<std::remove_pointer_t<decltype(Record::slots)>>;
 
-    // Null on exhaustion; raises nothing, so that callers can first release what they hold.
-    static Entry** new_slots(uint32_t count) {
-        auto** slots = static_cast<Entry**>(kor_heap_alloc(count * sizeof(Entry*), 1));
-        if (slots != nullptr) { std::fill_n(slots, count, nullptr); }
-        return slots;
-    }
+    explicit HashTable(Record& record) : record_(record) {}
 
     // The slot of `key`, or the empty one where it belongs; null when a full cycle meets neither.
-    Entry** seek(const void* key) const {
-        return probe(slots, capacity, key, [&](const Entry* entry) { return same(entry->key, key); });
+    [[nodiscard]] Entry** seek(const void* key) const {
+        return probe(record_.slots, record_.capacity, key, [&](const Entry* entry) { return same(entry->key, key); });
     }
 
     // The slot that holds `key`; null when it is absent.
-    Entry** find(const void* key) const {
+    [[nodiscard]] Entry** find(const void* key) const {
         Entry** slot = seek(key);
         return slot != nullptr && *slot != nullptr ? slot : nullptr;
     }
 
     // The entry of the first occupied slot from `slot` on; null at the end.
-    Entry* first_from(Entry* const* slot) const {
-        Entry* const* end = slots + capacity;
+    [[nodiscard]] Entry* first_from(Entry* const* slot) const {
+        Entry* const* end = record_.slots + record_.capacity;
         Entry* const* occupied = std::find_if(slot, end, [](const Entry* entry) { return entry != nullptr; });
         return occupied != end ? *occupied : nullptr;
     }
 
-    // Puts a new entry into the empty `slot` of its key. `fill` gives the entry its copies; `discard` frees them and
-    // the entry. Everything that can fail happens before the table changes for good. Null when it failed and the
-    // raise returned.
-    template <typename Fill, typename Discard>
-    Entry* insert(Entry** slot, Fill&& fill, Discard&& discard) {
-        Entry* entry = nullptr;
-        Entry** larger = nullptr;
-        bool complete = false;
-        attempt([&] {
-            entry = static_cast<Entry*>(kor_heap_alloc(sizeof(Entry), 0));
-            *entry = {};
-            fill(*entry);
-            *slot = entry;
-            if (is_crowded(size + 1)) {
-                larger = static_cast<Entry**>(kor_heap_alloc(2 * size_t{capacity} * sizeof(Entry*), 0));
-                spread(larger, 2 * capacity);
-            }
-            complete = true;
-        })
-            .cleanup([&] {
-                if (complete) { return; }
-                *slot = nullptr;
-                if (entry != nullptr) { discard(entry); }
-                kor_heap_free(larger);
+    // A new entry with all that it needs, and of which the table knows nothing yet.
+    struct Addition {
+        Entry** slot;
+        Entry* entry;
+        Entry** larger;  // the slots of the table once it has grown, or null
+    };
+
+    // Everything about an addition that can fail, for the empty `slot` of the key of `content`. None after a raise,
+    // before which `discard` has released what `content` holds.
+    template <typename Discard>
+    [[nodiscard]] std::optional<Addition> prepare(Entry** slot, const Entry& content, Discard&& discard) const {
+        const uint32_t count = 2 * record_.capacity;
+        const bool grows = is_crowded(record_.size + 1);
+        Addition addition{slot, static_cast<Entry*>(kor_heap_alloc(sizeof(Entry), 1)), nullptr};
+        if (addition.entry != nullptr && grows) { addition.larger = new_slots<Entry>(count); }
+        if (addition.entry == nullptr || (grows && addition.larger == nullptr)) {
+            discard(content);
+            abandon(addition);
+            return raise(KOR_RESULT_MALLOC_ERROR, nullptr), std::nullopt;
+        }
+        *addition.entry = content;
+        bool complete = !grows;
+        if (grows) {
+            attempt([&] {
+                spread(addition, count);
+                complete = true;
             })
-            .run();
-        if (!complete) { return nullptr; }
-        ++size;
-        if (larger != nullptr) { adopt(larger, 2 * capacity); }
-        return entry;
+                .cleanup([&] {
+                    if (complete) { return; }
+                    discard(content);
+                    abandon(addition);
+                })
+                .run();
+        }
+        return complete ? std::optional(addition) : std::nullopt;
+    }
+
+    // Frees an addition that will not be made, but for what its entry holds.
+    void abandon(const Addition& addition) const {
+        kor_heap_free(addition.entry);
+        kor_heap_free(addition.larger);
+    }
+
+    Entry* add(const Addition& addition) const {
+        *addition.slot = addition.entry;
+        ++record_.size;
+        if (addition.larger != nullptr) {
+            kor_heap_free(record_.slots);
+            record_.slots = addition.larger;
+            record_.capacity *= 2;
+        }
+        return addition.entry;
     }
 
     template <typename Discard>
-    void clear(Discard&& discard) {
-        for (uint32_t i = 0; i < capacity; ++i) {
-            Entry* entry = slots[i];
+    void clear(Discard&& discard) const {
+        for (uint32_t i = 0; i < record_.capacity; ++i) {
+            Entry* entry = record_.slots[i];
             if (entry == nullptr) { continue; }
-            slots[i] = nullptr;
-            --size;
-            discard(entry);
+            record_.slots[i] = nullptr;
+            --record_.size;
+            const Entry content = *entry;
+            kor_heap_free(entry);
+            discard(content);
         }
     }
 
 private:
     template <typename Found>
     Entry** probe(Entry** array, uint32_t count, const void* key, Found&& found) const {
-        const uint32_t home = key != nullptr ? hashFn(key) % count : 0;
+        const uint32_t home = key != nullptr ? (record_.*kHashFn)(key) % count : 0;
         uint32_t index = home;
         do {
             if (array[index] == nullptr || found(array[index])) { return &array[index]; }
@@ -113,29 +133,28 @@ private:
 
     bool same(const void* stored, const void* key) const {
         if (stored == nullptr || key == nullptr) { return stored == key; }
-        return equalsFn(stored, key);
+        return (record_.*kEqualsFn)(stored, key);
     }
 
-    bool is_crowded(uint32_t count) const { return static_cast<float>(count) / static_cast<float>(capacity) >= 0.75F; }
+    bool is_crowded(uint32_t count) const {
+        return static_cast<float>(count) / static_cast<float>(record_.capacity) >= 0.75F;
+    }
 
-    // Every entry into the array `larger`, in the order of the old slots: iteration order depends on it.
-    void spread(Entry** larger, uint32_t count) const {
-        std::fill_n(larger, count, nullptr);
-        for (uint32_t i = 0; i < capacity; ++i) {
-            if (slots[i] == nullptr) { continue; }
-            Entry** slot = probe(larger, count, slots[i]->key, [](const Entry*) { return false; });
+    // Every entry, the new one included, into the larger slots, in the order of the old ones: iteration order depends
+    // on it. A hash function may raise.
+    void spread(const Addition& addition, uint32_t count) const {
+        for (uint32_t i = 0; i < record_.capacity; ++i) {
+            Entry* entry = &record_.slots[i] == addition.slot ? addition.entry : record_.slots[i];
+            if (entry == nullptr) { continue; }
+            Entry** slot = probe(addition.larger, count, entry->key, [](const Entry*) { return false; });
             if (slot == nullptr) {
                 return raise(KOR_RESULT_RUNTIME_ERROR, "This point should never have been reached");
             }
-            *slot = slots[i];
+            *slot = entry;
         }
     }
 
-    void adopt(Entry** larger, uint32_t count) {
-        kor_heap_free(slots);
-        slots = larger;
-        capacity = count;
-    }
+    Record& record_;
 };
 
 }  // namespace kor

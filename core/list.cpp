@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/list.h"
 
-#include "core/attempt.h"
+#include "core/item_copy.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
@@ -25,24 +25,6 @@ struct KorList {
 
 namespace {
 
-// A node with its copy of `item`, not yet linked; null when that failed and the raise returned.
-KorListNode* new_node(const KorList& list, const void* item) {
-    KorListNode* node = nullptr;
-    bool complete = false;
-    kor::attempt([&] {
-        node = static_cast<KorListNode*>(kor_heap_alloc(sizeof(KorListNode), 0));
-        *node = {list.last, nullptr, item != nullptr ? list.itemCpFn(item) : nullptr};
-        complete = true;
-    })
-        .cleanup([&] {
-            if (complete) { return; }
-            kor_heap_free(node);
-            node = nullptr;
-        })
-        .run();
-    return node;
-}
-
 bool remove(KorList& list, KorListNode* node) {
     if (node == nullptr) { return false; }
     (node->previous != nullptr ? node->previous->next : list.first) = node->next;
@@ -50,7 +32,7 @@ bool remove(KorList& list, KorListNode* node) {
     --list.size;
     void* item = node->item;
     kor_heap_free(node);
-    if (item != nullptr) { list.itemDelFn(item); }
+    kor::release(list.itemDelFn, item);
     return true;
 }
 
@@ -103,8 +85,15 @@ KorListNode* kor_list_last(const KorList* list) {
 
 KorListNode* kor_list_append(KorList* list, const void* item) {
     if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
-    KorListNode* node = new_node(*list, item);
-    if (node == nullptr) { return nullptr; }
+    // The copy comes first: it may raise, and until then there is nothing to release.
+    const auto copy = kor::item_copy(list->itemCpFn, item);
+    if (!copy) { return nullptr; }
+    auto* node = static_cast<KorListNode*>(kor_heap_alloc(sizeof(KorListNode), 1));
+    if (node == nullptr) {
+        kor::release(list->itemDelFn, *copy);
+        return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
+    }
+    *node = {list->last, nullptr, *copy};
     (list->last != nullptr ? list->last->next : list->first) = node;
     list->last = node;
     ++list->size;

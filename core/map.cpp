@@ -2,11 +2,16 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/map.h"
 
+#include <cstddef>
+#include <optional>
+
+#include "core/attempt.h"
 #include "core/hash_table.h"
+#include "core/item_copy.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::owned_copy;
+using kor::item_copy;
 using kor::raise;
 using kor::release;
 
@@ -16,46 +21,70 @@ struct KorMapEntry {
 };
 
 struct KorMap {
-    kor::HashTable<KorMapEntry> table;
+    uint32_t capacity;
+    KorItemHashFn keyHashFn;
+    KorItemEqualsFn keyEqualsFn;
     KorItemCpFn keyCpFn;
     KorItemCpFn valueCpFn;
     KorItemDelFn keyDelFn;
     KorItemDelFn valueDelFn;
+    uint32_t size;
+    KorMapEntry** slots;
 };
+static_assert(offsetof(KorMap, capacity) == 0);
+static_assert(offsetof(KorMap, capacity) < offsetof(KorMap, keyHashFn));
+static_assert(offsetof(KorMap, keyHashFn) < offsetof(KorMap, keyEqualsFn));
+static_assert(offsetof(KorMap, keyEqualsFn) < offsetof(KorMap, keyCpFn));
+static_assert(offsetof(KorMap, keyCpFn) < offsetof(KorMap, valueCpFn));
+static_assert(offsetof(KorMap, valueCpFn) < offsetof(KorMap, keyDelFn));
+static_assert(offsetof(KorMap, keyDelFn) < offsetof(KorMap, valueDelFn));
+static_assert(offsetof(KorMap, valueDelFn) < offsetof(KorMap, size));
+static_assert(offsetof(KorMap, size) < offsetof(KorMap, slots));
 
 namespace {
 
-void discard(const KorMap& map, KorMapEntry* entry) {
-    void* key = entry->key;
-    void* value = entry->value;
-    kor_heap_free(entry);
-    release(map.keyDelFn, key);
-    release(map.valueDelFn, value);
+template <typename Map>
+auto table_of(Map& map) {
+    return kor::HashTable<Map, &KorMap::keyHashFn, &KorMap::keyEqualsFn>(map);
+}
+
+auto discard_from(const KorMap& map) {
+    return [&map](const KorMapEntry& entry) {
+        release(map.keyDelFn, entry.key);
+        release(map.valueDelFn, entry.value);
+    };
+}
+
+// None when the copying failed and the raise returned. The block is there to release the first copy when the second
+// one cannot be made.
+std::optional<KorMapEntry> entry_copy(const KorMap& map, const void* key, const void* value) {
+    const auto keyCopy = item_copy(map.keyCpFn, key);
+    if (!keyCopy) { return std::nullopt; }
+    std::optional<void*> valueCopy;
+    kor::attempt([&] { valueCopy = item_copy(map.valueCpFn, value); })
+        .cleanup([&] {
+            if (!valueCopy) { release(map.keyDelFn, *keyCopy); }
+        })
+        .run();
+    if (!valueCopy) { return std::nullopt; }
+    return KorMapEntry{*keyCopy, *valueCopy};
 }
 
 void* add(KorMap& map, KorMapEntry** slot, const void* key, const void* value) {
-    const auto fill = [&](KorMapEntry& entry) {
-        entry.key = owned_copy(map.keyCpFn, key);
-        entry.value = owned_copy(map.valueCpFn, value);
-    };
-    const KorMapEntry* entry = map.table.insert(slot, fill, [&](KorMapEntry* unused) { discard(map, unused); });
-    return entry != nullptr ? entry->value : nullptr;
+    const auto entry = entry_copy(map, key, value);
+    if (!entry) { return nullptr; }
+    const auto addition = table_of(map).prepare(slot, *entry, discard_from(map));
+    return addition ? table_of(map).add(*addition)->value : nullptr;
 }
 
-// The copy comes first: `value` may be the stored value itself, and a failure leaves the old one in place. The try
-// block is there to know of a failure whose raise returns.
+// The copy comes first: `value` may be the stored value itself, and a failure leaves the old one in place.
 void* replace(const KorMap& map, KorMapEntry& entry, const void* value) {
-    void* copy = nullptr;
-    bool complete = false;
-    kor::attempt([&] {
-        copy = owned_copy(map.valueCpFn, value);
-        complete = true;
-    }).run();
-    if (!complete) { return nullptr; }
+    const auto copy = item_copy(map.valueCpFn, value);
+    if (!copy) { return nullptr; }
     void* old = entry.value;
-    entry.value = copy;
+    entry.value = *copy;
     release(map.valueDelFn, old);
-    return copy;
+    return *copy;
 }
 
 KorMapIterator* show(KorMapIterator* it, const KorMapEntry* entry) {
@@ -81,12 +110,10 @@ KorMap* kor_map_new(uint32_t initialCapacity, KorItemHashFn keyHashFn, KorItemEq
     if (valueDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "valueDelFn is NULL"), nullptr; }
     auto* map = static_cast<KorMap*>(kor_heap_alloc(sizeof(KorMap), 0));
     if (map == nullptr) { return nullptr; }
-    *map = {{keyHashFn, keyEqualsFn, initialCapacity, 0, kor::HashTable<KorMapEntry>::new_slots(initialCapacity)},
-            keyCpFn,
-            valueCpFn,
-            keyDelFn,
-            valueDelFn};
-    if (map->table.slots == nullptr) {
+    *map = {initialCapacity, keyHashFn, keyEqualsFn,
+            keyCpFn,         valueCpFn, keyDelFn,
+            valueDelFn,      0,         kor::new_slots<KorMapEntry>(initialCapacity)};
+    if (map->slots == nullptr) {
         kor_heap_free(map);
         return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
     }
@@ -95,7 +122,7 @@ KorMap* kor_map_new(uint32_t initialCapacity, KorItemHashFn keyHashFn, KorItemEq
 
 void* kor_map_put(KorMap* map, const void* key, const void* value) {
     if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), nullptr; }
-    KorMapEntry** slot = map->table.seek(key);
+    KorMapEntry** slot = table_of(*map).seek(key);
     if (slot == nullptr) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "This point should never have been reached"), nullptr;
     }
@@ -104,37 +131,37 @@ void* kor_map_put(KorMap* map, const void* key, const void* value) {
 
 void* kor_map_get(const KorMap* map, const void* key) {
     if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), nullptr; }
-    KorMapEntry* const* slot = map->table.find(key);
+    KorMapEntry* const* slot = table_of(*map).find(key);
     return slot != nullptr ? (*slot)->value : nullptr;
 }
 
 void kor_map_clear(KorMap* map) {
     if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"); }
-    map->table.clear([&](KorMapEntry* entry) { discard(*map, entry); });
+    table_of(*map).clear(discard_from(*map));
 }
 
 void kor_map_delete(KorMap** map) {
     if (map == nullptr || *map == nullptr) { return; }
     kor_map_clear(*map);
-    kor_heap_free((*map)->table.slots);
+    kor_heap_free((*map)->slots);
     kor_heap_free(*map);
     *map = nullptr;
 }
 
 uint32_t kor_map_capacity(const KorMap* map) {
     if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), 0; }
-    return map->table.capacity;
+    return map->capacity;
 }
 
 uint32_t kor_map_size(const KorMap* map) {
     if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), 0; }
-    return map->table.size;
+    return map->size;
 }
 
 KorMapIterator* kor_map_begin(const KorMap* map, KorMapIterator* out) {
     if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), nullptr; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
-    const KorMapEntry* entry = map->table.first_from(map->table.slots);
+    const KorMapEntry* entry = table_of(*map).first_from(map->slots);
     if (entry != nullptr) { out->map = map; }
     return show(out, entry);
 }
@@ -142,7 +169,7 @@ KorMapIterator* kor_map_begin(const KorMap* map, KorMapIterator* out) {
 KorMapIterator* kor_map_next(KorMapIterator* it) {
     if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
     if (it->map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->map' is NULL"), nullptr; }
-    KorMapEntry* const* slot = it->map->table.find(it->key);
+    KorMapEntry* const* slot = table_of(*it->map).find(it->key);
     if (slot == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'"), nullptr; }
-    return show(it, it->map->table.first_from(slot + 1));
+    return show(it, table_of(*it->map).first_from(slot + 1));
 }

@@ -1,38 +1,33 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/kor/set.h"
+#include "core/set.h"
 
-#include "core/hash_table.h"
+#include "core/item_copy.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::owned_copy;
 using kor::raise;
-using kor::release;
+
+static_assert(offsetof(KorSet, capacity) == 0);
+static_assert(offsetof(KorSet, capacity) < offsetof(KorSet, itemHashFn));
+static_assert(offsetof(KorSet, itemHashFn) < offsetof(KorSet, itemEqualsFn));
+static_assert(offsetof(KorSet, itemEqualsFn) < offsetof(KorSet, itemCpFn));
+static_assert(offsetof(KorSet, itemCpFn) < offsetof(KorSet, itemDelFn));
+static_assert(offsetof(KorSet, itemDelFn) < offsetof(KorSet, size));
+static_assert(offsetof(KorSet, size) < offsetof(KorSet, slots));
 
 namespace {
 
-struct Cell {
-    void* key;
-};
-
-}  // namespace
-
-struct KorSet {
-    kor::HashTable<Cell> table;
-    KorItemCpFn itemCpFn;
-    KorItemDelFn itemDelFn;
-};
-
-namespace {
-
-void discard(const KorSet& set, Cell* cell) {
-    void* item = cell->key;
-    kor_heap_free(cell);
-    release(set.itemDelFn, item);
+template <typename Set>
+kor::SetTable<Set> table_of(Set& set) {
+    return kor::SetTable<Set>(set);
 }
 
-KorSetIterator* show(KorSetIterator* it, const Cell* cell) {
+auto discard_from(const KorSet& set) {
+    return [&set](const KorSetCell& cell) { kor::release(set.itemDelFn, cell.key); };
+}
+
+KorSetIterator* show(KorSetIterator* it, const KorSetCell* cell) {
     if (cell == nullptr) { return nullptr; }
     it->item = cell->key;
     return it;
@@ -52,60 +47,72 @@ KorSet* kor_set_new(uint32_t initialCapacity, KorItemHashFn itemHashFn, KorItemE
     if (itemDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemDelFn' is NULL"), nullptr; }
     auto* set = static_cast<KorSet*>(kor_heap_alloc(sizeof(KorSet), 0));
     if (set == nullptr) { return nullptr; }
-    *set = {{itemHashFn, itemEqualsFn, initialCapacity, 0, kor::HashTable<Cell>::new_slots(initialCapacity)},
-            itemCpFn,
-            itemDelFn};
-    if (set->table.slots == nullptr) {
+    *set = {
+        initialCapacity, itemHashFn, itemEqualsFn, itemCpFn, itemDelFn, 0, kor::new_slots<KorSetCell>(initialCapacity)};
+    if (set->slots == nullptr) {
         kor_heap_free(set);
         return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
     }
     return set;
 }
 
+// The copy comes first: it may raise, and until then there is nothing to release.
+std::optional<kor::SetAddition> kor::prepare_put(KorSet& set, const void* item) {
+    KorSetCell** slot = table_of(set).seek(item);
+    if (slot == nullptr) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "This point should never have been reached"), std::nullopt;
+    }
+    if (*slot != nullptr) { return std::nullopt; }
+    const auto copy = item_copy(set.itemCpFn, item);
+    if (!copy) { return std::nullopt; }
+    return table_of(set).prepare(slot, {*copy}, discard_from(set));
+}
+
+void* kor::put(KorSet& set, const SetAddition& addition) { return table_of(set).add(addition)->key; }
+
+void kor::abandon_put(KorSet& set, const SetAddition& addition) {
+    kor::release(set.itemDelFn, addition.entry->key);
+    table_of(set).abandon(addition);
+}
+
 void* kor_set_put(KorSet* set, const void* item) {
     if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), nullptr; }
-    Cell** slot = set->table.seek(item);
-    if (slot == nullptr) {
-        return raise(KOR_RESULT_RUNTIME_ERROR, "This point should never have been reached"), nullptr;
-    }
-    if (*slot != nullptr) { return nullptr; }
-    const auto fill = [&](Cell& cell) { cell.key = owned_copy(set->itemCpFn, item); };
-    const Cell* cell = set->table.insert(slot, fill, [&](Cell* unused) { discard(*set, unused); });
-    return cell != nullptr ? cell->key : nullptr;
+    const auto addition = kor::prepare_put(*set, item);
+    return addition ? kor::put(*set, *addition) : nullptr;
 }
 
 bool kor_set_contains(const KorSet* set, const void* item) {
     if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), false; }
-    return set->table.find(item) != nullptr;
+    return table_of(*set).find(item) != nullptr;
 }
 
 void kor_set_clear(KorSet* set) {
     if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"); }
-    set->table.clear([&](Cell* cell) { discard(*set, cell); });
+    table_of(*set).clear(discard_from(*set));
 }
 
 void kor_set_delete(KorSet** set) {
     if (set == nullptr || *set == nullptr) { return; }
     kor_set_clear(*set);
-    kor_heap_free((*set)->table.slots);
+    kor_heap_free((*set)->slots);
     kor_heap_free(*set);
     *set = nullptr;
 }
 
 uint32_t kor_set_capacity(const KorSet* set) {
     if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), 0; }
-    return set->table.capacity;
+    return set->capacity;
 }
 
 uint32_t kor_set_size(const KorSet* set) {
     if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), 0; }
-    return set->table.size;
+    return set->size;
 }
 
 KorSetIterator* kor_set_begin(const KorSet* set, KorSetIterator* out) {
     if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), nullptr; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
-    const Cell* cell = set->table.first_from(set->table.slots);
+    const KorSetCell* cell = table_of(*set).first_from(set->slots);
     if (cell != nullptr) { out->set = set; }
     return show(out, cell);
 }
@@ -113,7 +120,7 @@ KorSetIterator* kor_set_begin(const KorSet* set, KorSetIterator* out) {
 KorSetIterator* kor_set_next(KorSetIterator* it) {
     if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
     if (it->set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->set' is NULL"), nullptr; }
-    Cell* const* slot = it->set->table.find(it->item);
+    KorSetCell* const* slot = table_of(*it->set).find(it->item);
     if (slot == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->item' not present in 'it->set'"), nullptr; }
-    return show(it, it->set->table.first_from(slot + 1));
+    return show(it, table_of(*it->set).first_from(slot + 1));
 }

@@ -6,11 +6,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include "core/attempt.h"
 #include "core/raise.h"
+#include "core/set.h"
 #include "quorvel/kor/heap.h"
-#include "quorvel/kor/set.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_set.h"
 
@@ -96,8 +97,18 @@ void kor_test_suite_add_case(KorTestSuite* suite, const char* title, KorTestFn f
     if (kor_string_set_contains(suite->titles, title)) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Test case title already registered");
     }
-    kor_set_put(suite->cases, &wanted);
-    kor_string_set_put(suite->titles, title);
+    // The case's copy may raise: the title's is then given back, so that the same call can be made again.
+    const auto newTitle = kor::prepare_put(*suite->titles, title);
+    if (!newTitle) { return; }
+    std::optional<kor::SetAddition> newCase;
+    kor::attempt([&] { newCase = kor::prepare_put(*suite->cases, &wanted); })
+        .cleanup([&] {
+            if (!newCase) { kor::abandon_put(*suite->titles, *newTitle); }
+        })
+        .run();
+    if (!newCase) { return; }
+    kor::put(*suite->titles, *newTitle);
+    kor::put(*suite->cases, *newCase);
 }
 
 void kor_test_suite_run(KorTestSuite* suite) {

@@ -11,6 +11,7 @@
 #include "quorvel/kor/int_set.h"
 #include "quorvel/kor/map.h"
 #include "quorvel/kor/string_list.h"
+#include "quorvel/kor/string_set.h"
 #include "tests/core/counted.h"
 #include "tests/support/raised.h"
 
@@ -73,6 +74,37 @@ TEST(Collection, ClearingAndDeletingInACleanUpKeepThePendingError) {
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "pending", fail_and_clean_up());
     EXPECT_EQ(counted::deletions, 2);
     EXPECT_TRUE(map == nullptr && set == nullptr && list == nullptr && buffer == nullptr);
+}
+
+// The text may be the record's own, which a copy must find as it was.
+TEST(Collection, StoresTheErrorThatIsBeingHandled) {
+    KorList* list = kor_string_list_new();
+    KorSet* set = kor_string_set_new(2);
+    KorMap* map = counted::new_map(2);
+    const auto store = [&](const char* key) {
+        kor_string_list_append(list, kor_exception_get_message());
+        kor_string_set_put(set, kor_exception_get_message());
+        kor_map_put(map, key, kor_exception_get_message());
+        kor_map_put(map, key, kor_exception_get_message());
+    };
+    for (const char* text : {"first", "second"}) {
+        EXPECT_EQ(support::raised_by([&] {
+                      kor::attempt([&] { kor_exception_throw(KOR_RESULT_IO_ERROR, text); })
+                          .on_any([&] {
+                              store("caught");
+                              kor_exception_throw(KOR_RESULT_IO_ERROR, text);
+                          })
+                          .cleanup([&] { store("clean-up"); })
+                          .run();
+                  }),
+                  (support::Raised{KOR_RESULT_IO_ERROR, text}));
+    }
+    EXPECT_EQ(counted::items(list), "first first second second ");
+    EXPECT_EQ(counted::entries(map), "clean-up=second caught=second ");
+    EXPECT_TRUE(kor_string_set_contains(set, "first") && kor_string_set_contains(set, "second"));
+    kor_list_delete(&list);
+    kor_set_delete(&set);
+    kor_map_delete(&map);
 }
 
 }  // namespace

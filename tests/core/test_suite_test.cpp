@@ -81,6 +81,26 @@ TEST(TestSuite, ExhaustionKeepsNothing) {
               10U);
 }
 
+// The twelfth case makes both of the suite's sets grow.
+TEST(TestSuite, AddingACaseIsAllOrNothing) {
+    constexpr size_t kAllocations = 3 + 4;
+    for (const support::Raise raise : support::kBothRaises) {
+        for (size_t n = 1; n <= kAllocations + 1; ++n) {
+            const Suite suite(kor_test_suite_new());
+            add_many(suite, std::make_index_sequence<11>());
+            const std::string before = run(suite);
+            const auto add = [&] { kor_test_suite_add_case(suite, "new", note<'n'>); };
+            EXPECT_EQ(support::fails(n, raise, add), n <= kAllocations);
+            if (n > kAllocations) { break; }
+            EXPECT_EQ(run(suite), before) << "allocation " << n;
+            EXPECT_NO_RAISE(add()) << "tried again after allocation " << n;
+            called.clear();
+            EXPECT_NE(run(suite).find("---- new ----\n"), std::string::npos);
+            EXPECT_EQ(std::count(called.begin(), called.end(), 'n'), 1);
+        }
+    }
+}
+
 volatile std::sig_atomic_t signalled = 0;
 
 TEST(TestHelpers, CompareBytesAndAbort) {

@@ -38,10 +38,10 @@ typedef void* (*KorItemCpFn)(const void* item);
 /* Frees a copy. It must not raise. */
 typedef void (*KorItemDelFn)(void* item);
 
-/* Whether a stored item, `lhs`, equals the one sought, `rhs`. It must not raise. */
+/* Whether a stored item, `lhs`, equals the one sought, `rhs`. */
 typedef bool (*KorItemEqualsFn)(const void* lhs, const void* rhs);
 
-/* Equal for equal items. It must not raise. */
+/* Equal for equal items. */
 typedef uint32_t (*KorItemHashFn)(const void* item);
 
 /*
