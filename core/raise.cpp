@@ -9,14 +9,18 @@
 
 namespace kor {
 
+// The detail passes through the record, where the uncaught handler may look for it. It is formatted apart from it,
+// because the arguments may point in there.
 void raise(KorResult_E code, const char* detail, ...) {
-    const char* name = kor_result_to_string(code);
     KorException* record = kor_exception_get_exception();
+    char text[sizeof record->message];
     va_list arguments;
     va_start(arguments, detail);
-    kor_string_vformat(record->message, sizeof record->message, detail, arguments);
+    kor_string_vformat(text, sizeof text, detail, arguments);
     va_end(arguments);
-    kor_exception_fthrow(code, "[%s] %s", name, record->message);
+    const char* name = kor_result_to_string(code);
+    kor_string_copy(record->message, text);
+    kor_exception_fthrow(code, "[%s] %s", name, text);
 }
 
 }  // namespace kor

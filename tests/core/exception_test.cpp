@@ -54,6 +54,29 @@ TEST(Exception, MessageIsCutAt255Characters) {
               "[KOR_RESULT_IO_ERROR] " + std::string(255 - 22, 'x'));
 }
 
+TEST(Exception, MessageCanBeMadeOfThePendingOne) {
+    void (*const raises[])() = {
+        [] { kor::raise(KOR_RESULT_IO_ERROR, "caused by %s, %s", kor_exception_get_message(), "twice"); },
+        [] { kor_exception_fthrow(6, "caused by %s, %s", kor_exception_get_message(), "twice"); },
+        [] { kor_exception_throw(6, kor_exception_get_message()); },
+        [] { kor_exception_throw(6, kor_exception_get_message() + 3); },
+    };
+    const Raised expected[] = {support::error(6, "caused by the first, twice"),
+                               {6, "caused by the first, twice"},
+                               {6, "the first"},
+                               {6, " first"}};
+    for (size_t i = 0; i < std::size(raises); ++i) {
+        auto in_catch = [&] {
+            kor::attempt([] { kor_exception_throw(7, "the first"); }).on_any([&] { raises[i](); }).run();
+        };
+        auto in_cleanup = [&] {
+            kor::attempt([] { kor_exception_throw(7, "the first"); }).cleanup([&] { raises[i](); }).run();
+        };
+        EXPECT_EQ(raised_by(in_catch), expected[i]);
+        EXPECT_EQ(raised_by(in_cleanup), expected[i]);
+    }
+}
+
 TEST(Exception, NothingPendingOutsideABlock) {
     EXPECT_EQ(kor_exception_get_error(), 0);
     EXPECT_STREQ(kor_exception_get_message(), "");
