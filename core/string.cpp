@@ -2,10 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/string.h"
 
-#include <cctype>
 #include <cstdio>
 #include <cstring>
-#include <strings.h>
 
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
@@ -18,11 +16,21 @@ namespace {
 constexpr const char* kBlanks = "\t\n\v\f\r ";
 constexpr char kRandomCharacters[] = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
-char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
+// Of ASCII only: the C library's follow the locale that the application has set, and with it bytes on the line would
+// change.
+constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
+constexpr char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 char fold(char c, bool ignoreCase) { return ignoreCase ? lower(c) : c; }
+
+// Ignoring case.
+bool begins_with(const char* text, const char* prefix) {
+    for (; *prefix != '\0'; ++text, ++prefix) {
+        if (lower(*text) != lower(*prefix)) { return false; }
+    }
+    return true;
+}
 
 void convert(char* out, const char* in, char (*to)(char)) {
     do { *out++ = to(*in); } while (*in++ != '\0');
@@ -107,9 +115,8 @@ const char* kor_string_cfind_first(const char* needle, const char* text, bool ig
     if (needle == text) { return text; }
     if (!ignoreCase) { return std::strstr(text, needle); }
     if (*needle == '\0') { return text; }
-    const size_t rest = std::strlen(needle + 1);
     for (; *text != '\0'; ++text) {
-        if (lower(*text) == lower(*needle) && strncasecmp(text + 1, needle + 1, rest) == 0) { return text; }
+        if (begins_with(text, needle)) { return text; }
     }
     return nullptr;
 }

@@ -3,13 +3,17 @@
 #include "quorvel/kor/string.h"
 
 #include <array>
+#include <cctype>
+#include <clocale>
 #include <cstdarg>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 #include <tuple>
 
 #include "quorvel/kor/heap.h"
+#include "tests/core/temp_dir.h"
 #include "tests/support/raised.h"
 
 namespace {
@@ -135,6 +139,38 @@ TEST(String, ConvertsAndReplacesCharactersInPlace) {
     EXPECT_EQ(kor_string_ireplace_chars(mixed, 'B', '*'), 1U);
     EXPECT_STREQ(mixed, "a-*-");
     EXPECT_EQ(kor_string_replace_chars(nullptr, 'a', 'b'), 0U);
+}
+
+// An application may have set any locale; what goes onto the line must not depend on it.
+TEST(String, FoldsAsciiOnlyWhateverTheLocale) {
+    const TempDir directory;
+    const std::string make = "localedef -c -i pt_BR -f ISO-8859-1 " + directory / "latin1" + " >/dev/null 2>&1";
+    std::system(make.c_str());  // NOLINT(cert-env33-c): the test's own command
+    setenv("LOCPATH", (directory / "").c_str(), 1);
+    const bool latin1 = std::setlocale(LC_ALL, "latin1") != nullptr && std::toupper(0xE9) == 0xC9;
+    for (int byte = 1; byte <= 0xFF; ++byte) {
+        const char c = static_cast<char>(byte);
+        const char upper = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+        const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+        const char text[] = {'-', c, '\0'};
+        char to[3];
+        kor_string_to_upper(to, text);
+        EXPECT_EQ(to[1], upper) << byte;
+        kor_string_to_lower(to, text);
+        EXPECT_EQ(to[1], lower) << byte;
+        for (int flipped : {byte ^ 0x20, byte}) {
+            const char other[] = {'-', static_cast<char>(flipped), '\0'};
+            const bool same = lower == other[1] || upper == other[1];
+            EXPECT_EQ(kor_string_iequals(text, other), same) << byte;
+            EXPECT_EQ(kor_string_ifind_first(text, other) == other, same) << byte;
+            EXPECT_EQ(kor_string_ifind_last(text + 1, other) == other + 1, same) << byte;
+            char replaced[] = {'-', other[1], '\0'};
+            EXPECT_EQ(kor_string_ireplace_chars(replaced + 1, c, '.'), same ? 1U : 0U) << byte;
+        }
+    }
+    std::setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
+    if (!latin1) { GTEST_SKIP() << "no locale of one byte a character could be made: seen in the C locale only"; }
 }
 
 TEST(String, RandomTextsAreDigitsAndLetters) {

@@ -24,6 +24,8 @@ FORBIDDEN = [
     (r"\b(malloc|calloc|realloc|free|strdup)\s*\(", "memory that is not of kor_heap_alloc", ("core/heap.cpp",)),
     (r"\b(abort|exit|_exit|quick_exit|terminate)\s*\(", "an end of the process", ()),
     (r"\b(printf|puts|putchar|fputs)\s*\(", "printing", ("core/exception.cpp", "core/test.cpp")),
+    (r"#\s*include\s*<(cctype|ctype\.h|clocale|locale\.h|locale)>|\b((is|to)(w?alpha|w?upper|w?lower|w?alnum|w?print"
+     r"|w?space)|w?cscasecmp|strn?casecmp|strn?icmp|strcoll|strxfrm|setlocale)\s*\(", "what the locale decides", ()),
     (r"\b(__)?constructor(__)?\b", "an initialiser", ("crypt/init.cpp",)),
 ]
 STRINGS_AND_COMMENTS = re.compile(

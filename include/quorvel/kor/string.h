@@ -16,7 +16,7 @@ KOR_BEGIN_DECLS
  * Texts: NUL-terminated bytes.
  *
  * 1. Most operations come in three forms: `c` takes `ignoreCase` last, the plain one compares case, `i` ignores it.
- *    Case is the C library's, byte by byte.
+ *    Case is that of the letters A to Z, byte by byte, whatever the locale.
  * 2. The text sought comes first, the text searched second.
  * 3. Destinations are the caller's and must be large enough; only the arguments named below are checked for none, and
  *    the others must not be none.
