@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/raise.h"
+#include "crypt/stack.h"
 
 namespace kor::crypt {
 
@@ -42,10 +43,7 @@ bool checked(const BlockCipher& cipher, const Key& key, const Blocks& blocks) {
 
 // LibTomCrypt leaves round keys and clear blocks in the frames of its functions, about 600 bytes deep; where its calls
 // are bound lazily, the dynamic linker saves registers that hold them as far as 3 KiB down.
-[[gnu::noinline]] void wipe_used_stack() {
-    std::array<uint8_t, 4096> below;
-    explicit_bzero(below.data(), below.size());
-}
+constexpr size_t kUsedStack = 4096;
 
 template <typename Mode, typename... Iv>
 int process(int index, Direction direction, const Key& key, const Blocks& blocks, Iv... iv) {
@@ -59,7 +57,7 @@ int process(int index, Direction direction, const Key& key, const Blocks& blocks
     }
     // A finished mode still holds both key schedules.
     explicit_bzero(&context, sizeof context);
-    wipe_used_stack();
+    wipe_used_stack<kUsedStack>();
     return status;
 }
 

@@ -6,16 +6,22 @@
 #include <array>
 #include <cstring>
 #include <span>
-#include <tommath.h>
 
 #include "core/raise.h"
+#include "crypt/random.h"
 #include "crypt/registry.h"
 #include "crypt/rsa_key.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::crypt::draw;
+using kor::crypt::from_bytes;
+using kor::crypt::generate;
+using kor::crypt::Limb;
+using kor::crypt::raise_to_private;
 using kor::crypt::registry;
 using kor::crypt::succeeded;
+using kor::crypt::to_bytes;
 
 namespace {
 
@@ -26,21 +32,10 @@ constexpr size_t kLargeModulus = 256;
 
 constexpr bool is_modulus_size(size_t size) { return size == kSmallModulus || size == kLargeModulus; }
 
-// LibTomCrypt takes keys that it does not change as variables.
-rsa_key* borrowed(const CryptRsaKey* privKey) { return const_cast<rsa_key*>(&privKey->key); }
-
-size_t size_of(void* number) { return ltc_mp.unsigned_size(number); }
-
-void wipe_number(void* number) {
-    const auto* digits = static_cast<const mp_int*>(number);
-    if (digits != nullptr) { explicit_bzero(digits->dp, sizeof(mp_digit) * static_cast<size_t>(digits->alloc)); }
-}
-
-// Freeing alone can leave the private numbers in the heap.
-void release(rsa_key* key) {
-    for (void* number : std::array{key->d, key->p, key->q, key->qP, key->dP, key->dQ}) { wipe_number(number); }
-    rsa_free(key);
-    explicit_bzero(key, sizeof *key);
+// A number without its leading zeros.
+Bytes significant_bytes(Bytes number) {
+    while (!number.empty() && number.front() == 0) { number = number.subspan(1); }
+    return number;
 }
 
 bool checked(Bytes N, Bytes e) {
@@ -54,31 +49,30 @@ bool checked(Bytes N, Bytes e) {
     return true;
 }
 
-// Without `d` it becomes a public key. A key that could not be set holds nothing to release.
-int set_key(rsa_key* key, Bytes N, Bytes e, Bytes d) {
-    return rsa_set_key(N.data(), N.size(), e.data(), e.size(), d.data(), d.size(), key);
-}
-
 bool load_public(rsa_key* key, const CryptRsaPublicKey& pubKey) {
     const uint32_t exponentSize = pubKey.exponentSize;
     if (!checked({pubKey.modulus, pubKey.modulusSize}, {pubKey.exponent, exponentSize})) { return false; }
     if (exponentSize > sizeof pubKey.exponent) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: %d", static_cast<int>(exponentSize)), false;
     }
-    return succeeded(set_key(key, {pubKey.modulus, pubKey.modulusSize}, {pubKey.exponent, exponentSize}, {}));
+    // A key that could not be set holds nothing to release.
+    return succeeded(rsa_set_key(pubKey.modulus, pubKey.modulusSize, pubKey.exponent, exponentSize, nullptr, 0, key));
 }
 
-// A new key that `make` fills, or none after its error.
-template <typename Make>
-CryptRsaKey* new_key(Make make) {
-    auto* key = static_cast<CryptRsaKey*>(kor_heap_alloc(sizeof(CryptRsaKey), 0));
+// An empty key with room for a private exponent of so many bytes, or none after the raise.
+CryptRsaKey* new_key(size_t exponentSize) {
+    const size_t limbs = (exponentSize + sizeof(Limb) - 1) / sizeof(Limb);
+    const size_t size = sizeof(CryptRsaKey) + limbs * sizeof(Limb);
+    auto* key = static_cast<CryptRsaKey*>(kor_heap_alloc(size, 0));
     if (key == nullptr) { return nullptr; }
     *key = {};
-    const int status = make(&key->key);
-    if (status == CRYPT_OK) { return key; }
-    explicit_bzero(key, sizeof *key);
+    key->size = size;
+    return key;
+}
+
+void release(CryptRsaKey* key) {
+    explicit_bzero(key, key->size);
     kor_heap_free(key);
-    return (void)succeeded(status), nullptr;
 }
 
 struct Result {
@@ -106,24 +100,56 @@ size_t with_public_key(const CryptRsaPublicKey* pubKey, uint8_t* out, size_t out
     if (!load_public(&key, *pubKey)) { return 0; }
     const Result result = through_work_area(
         out, outSize, [&](uint8_t* work, unsigned long* length) { return operation(&key, work, length); });
-    release(&key);
+    rsa_free(&key);
     return length_or_raise(result);
 }
 
-// LibTomCrypt's OAEP trusts the modulus to be longer than its padding, and a loaded one can be any number.
-int check_for_oaep(rsa_key* key) { return is_modulus_size(size_of(key->N)) ? CRYPT_OK : CRYPT_PK_INVALID_SIZE; }
+// OAEP trusts the modulus to be longer than its padding, and a loaded one can be any number.
+int check_for_oaep(size_t modulusSize) { return is_modulus_size(modulusSize) ? CRYPT_OK : CRYPT_PK_INVALID_SIZE; }
 
-int oaep_encrypt(rsa_key* key, Bytes in, uint8_t* out, unsigned long* length) {
-    if (const int status = check_for_oaep(key); status != CRYPT_OK) { return status; }
-    return rsa_encrypt_key_ex(in.data(), in.size(), out, length, nullptr, 0, nullptr, registry.sprng, registry.sha1,
-                              LTC_PKCS_1_OAEP, key);
+// Masks `masked` with what the hash makes of `seed`.
+int mask(std::span<uint8_t> masked, Bytes seed) {
+    std::array<uint8_t, kLargeModulus> bytes;
+    const int status = pkcs_1_mgf1(registry.sha1, seed.data(), seed.size(), bytes.data(), masked.size());
+    if (status != CRYPT_OK) { return status; }
+    for (size_t i = 0; i < masked.size(); ++i) { masked[i] ^= bytes[i]; }
+    return CRYPT_OK;
 }
 
-int oaep_decrypt(rsa_key* key, Bytes in, uint8_t* out, unsigned long* length) {
-    if (const int status = check_for_oaep(key); status != CRYPT_OK) { return status; }
+// 00, a random seed under a mask, and, under a mask that the seed makes: the hash of the empty label, zeros, 01 and the
+// message. LibTomCrypt's own function takes its seed from a registered generator.
+int oaep_encode(Bytes message, std::span<uint8_t> out) {
+    constexpr size_t kHashSize = 20;
+    if (message.size() > out.size() - 2 * kHashSize - 2) { return CRYPT_PK_INVALID_SIZE; }
+    const std::span<uint8_t> seed = out.subspan(1, kHashSize);
+    const std::span<uint8_t> block = out.subspan(1 + kHashSize);
+    std::ranges::fill(out, uint8_t{0});
+    unsigned long hashSize = kHashSize;
+    const std::span<uint8_t> tail = block.last(message.size() + 1);
+    tail[0] = 0x01;
+    std::ranges::copy(message, tail.begin() + 1);
+    int status = hash_memory(registry.sha1, out.data(), 0, block.data(), &hashSize);
+    if (status == CRYPT_OK) { status = draw(seed.data(), seed.size()); }
+    if (status == CRYPT_OK) { status = mask(block, seed); }
+    return status == CRYPT_OK ? mask(seed, block) : status;
+}
+
+int oaep_encrypt(rsa_key* key, Bytes in, uint8_t* out, unsigned long* length) {
+    const size_t modulusSize = ltc_mp.unsigned_size(key->N);
+    int status = check_for_oaep(modulusSize);
+    if (status == CRYPT_OK && *length < modulusSize) { status = CRYPT_BUFFER_OVERFLOW; }
+    if (status == CRYPT_OK) { status = oaep_encode(in, {out, modulusSize}); }
+    return status == CRYPT_OK ? rsa_exptmod(out, modulusSize, out, length, PK_PUBLIC, key) : status;
+}
+
+int oaep_decrypt(const CryptRsaKey& key, Bytes in, uint8_t* work, unsigned long* length) {
+    int status = check_for_oaep(key.modulusSize);
+    if (status == CRYPT_OK && in.size() != key.modulusSize) { status = CRYPT_INVALID_PACKET; }
+    if (status == CRYPT_OK) { status = raise_to_private(key, in, {work, kLargeModulus}); }
+    if (status != CRYPT_OK) { return status; }
     int valid = 0;
-    const int status =
-        rsa_decrypt_key_ex(in.data(), in.size(), out, length, nullptr, 0, registry.sha1, LTC_PKCS_1_OAEP, &valid, key);
+    const auto bits = static_cast<unsigned long>(8 * key.modulusSize);
+    status = pkcs_1_oaep_decode(work, key.modulusSize, nullptr, 0, bits, registry.sha1, work, length, &valid);
     return status == CRYPT_OK && valid == 0 ? CRYPT_INVALID_PACKET : status;
 }
 
@@ -133,7 +159,12 @@ CryptRsaKey* crypt_rsa_key_new(int32_t size, uint32_t e) {
     if (size < 0 || !is_modulus_size(static_cast<size_t>(size))) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: %d", size), nullptr;
     }
-    return new_key([&](rsa_key* key) { return rsa_make_key(nullptr, registry.sprng, size, e, key); });
+    CryptRsaKey* key = new_key(0);
+    if (key == nullptr) { return nullptr; }
+    const int status = generate(*key, static_cast<size_t>(size), e);
+    if (status == CRYPT_OK) { return key; }
+    release(key);
+    return (void)succeeded(status), nullptr;
 }
 
 CryptRsaKey* crypt_rsa_key_load(const uint8_t* N, size_t szN, const uint8_t* e, size_t sze, const uint8_t* d,
@@ -141,46 +172,50 @@ CryptRsaKey* crypt_rsa_key_load(const uint8_t* N, size_t szN, const uint8_t* e, 
     if (d == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'d' is NULL"), nullptr; }
     if (szd == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szd' is zero"), nullptr; }
     if (!checked({N, szN}, {e, sze})) { return nullptr; }
-    return new_key([&](rsa_key* key) { return set_key(key, {N, szN}, {e, sze}, {d, szd}); });
+    const Bytes modulus = significant_bytes({N, szN});
+    const Bytes exponent = significant_bytes({e, sze});
+    const Bytes privateExponent = significant_bytes({d, szd});
+    CryptRsaKey* key = new_key(privateExponent.size());
+    if (key == nullptr) { return nullptr; }
+    key->modulusSize = modulus.size();
+    from_bytes(key->modulus, modulus);
+    key->exponentSize = exponent.size();
+    std::ranges::copy(exponent.last(std::min(exponent.size(), key->exponent.size())), key->exponent.begin());
+    from_bytes(key->private_exponent(), privateExponent);
+    return key;
 }
 
 void crypt_rsa_key_delete(CryptRsaKey** key) {
     if (key == nullptr || *key == nullptr) { return; }
-    release(&(*key)->key);
-    kor_heap_free(*key);
+    release(*key);
     *key = nullptr;
 }
 
 int32_t crypt_rsa_key_get_size(const CryptRsaKey* privKey) {
     if (privKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL"), 0; }
-    const int32_t size = rsa_get_size(borrowed(privKey));
-    if (size < 0 || !is_modulus_size(static_cast<size_t>(size))) {
-        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported key size: %d", size), 0;
+    if (!is_modulus_size(privKey->modulusSize)) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported key size: %d", static_cast<int>(privKey->modulusSize)), 0;
     }
-    return size;
+    return static_cast<int32_t>(privKey->modulusSize);
 }
 
 CryptRsaPublicKey* crypt_rsa_get_public_key(const CryptRsaKey* privKey, CryptRsaPublicKey* out) {
     if (privKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL"), nullptr; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
-    const size_t modulusSize = size_of(privKey->key.N);
-    if (!is_modulus_size(modulusSize)) {
-        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported modulus size: %d", static_cast<int>(modulusSize)), nullptr;
-    }
-    const size_t exponentSize = size_of(privKey->key.e);
-    if (exponentSize > sizeof out->exponent) {
-        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: %d", static_cast<int>(exponentSize)),
+    if (!is_modulus_size(privKey->modulusSize)) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported modulus size: %d", static_cast<int>(privKey->modulusSize)),
                nullptr;
     }
-    CryptRsaPublicKey key{
-        .modulusSize = static_cast<uint32_t>(modulusSize),
-        .exponentSize = static_cast<uint32_t>(exponentSize),
-        .modulus = {},
-        .exponent = {},
-    };
-    if (!succeeded(ltc_mp.unsigned_write(privKey->key.N, key.modulus))) { return nullptr; }
-    if (!succeeded(ltc_mp.unsigned_write(privKey->key.e, key.exponent))) { return nullptr; }
-    *out = key;
+    if (privKey->exponentSize > sizeof out->exponent) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: %d",
+                     static_cast<int>(privKey->exponentSize)),
+               nullptr;
+    }
+    *out = {};
+    out->modulusSize = static_cast<uint32_t>(privKey->modulusSize);
+    out->exponentSize = static_cast<uint32_t>(privKey->exponentSize);
+    to_bytes({out->modulus, privKey->modulusSize}, privKey->modulus.data());
+    std::ranges::copy(privKey->exponent, out->exponent);
     return out;
 }
 
@@ -190,7 +225,9 @@ size_t crypt_rsa_private_exp(const CryptRsaKey* privKey, const uint8_t* in, size
     if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
     return length_or_raise(through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
-        return rsa_exptmod(in, inLen, work, length, PK_PRIVATE, borrowed(privKey));
+        const int status = raise_to_private(*privKey, {in, inLen}, {work, *length});
+        *length = privKey->modulusSize;
+        return status;
     }));
 }
 
@@ -219,7 +256,7 @@ size_t crypt_rsa_decrypt(const CryptRsaKey* privKey, const uint8_t* in, size_t i
     if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
     const Result result = through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
-        return oaep_decrypt(borrowed(privKey), {in, inLen}, work, length);
+        return oaep_decrypt(*privKey, {in, inLen}, work, length);
     });
     if (result.status == CRYPT_INVALID_PACKET) { return raise(KOR_RESULT_CRYPT_ERROR, "Invalid OAEP packet"), 0; }
     return length_or_raise(result);

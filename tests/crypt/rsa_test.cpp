@@ -5,17 +5,11 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <set>
 #include <string>
-#include <tommath.h>
 #include <tuple>
-#include <utility>
 
-#include "crypt/registry.h"
-#include "crypt/rsa_key.h"
 #include "quorvel/crypt/init.h"
 #include "tests/core/owned.h"
-#include "tests/crypt/wiped.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 #include "tests/support/wire.h"
@@ -224,33 +218,6 @@ TEST(Rsa, RaisesThatReturnGiveNothing) {
     const support::ReturningRaises raises;
     EXPECT_EQ(crypt_rsa_key_new(128, 2), nullptr);
     EXPECT_EQ(raises.all().size(), 1U);
-}
-
-// Looks at the private numbers when they go.
-std::set<const void*> secrets;
-bool all_zero = true;
-void (*real_deinit)(void*) = nullptr;
-
-void watching_deinit(void* number) {
-    const auto* digits = static_cast<const mp_int*>(number);
-    if (secrets.erase(number) == 1) {
-        all_zero &= std::all_of(digits->dp, digits->dp + digits->alloc, std::logical_not());
-    }
-    real_deinit(number);
-}
-
-TEST(Rsa, DeletingWipesThePrivateNumbers) {
-    CryptRsaKey* key = crypt_rsa_key_new(128, 65537);
-    const rsa_key& numbers = key->key;
-    secrets = {numbers.d, numbers.p, numbers.q, numbers.dP, numbers.dQ, numbers.qP};
-    ASSERT_EQ(secrets.size(), 6U);
-    real_deinit = std::exchange(ltc_mp.deinit, watching_deinit);
-    crypt_rsa_key_delete(&key);
-    ltc_mp.deinit = real_deinit;
-    EXPECT_EQ(key, nullptr);
-    EXPECT_TRUE(secrets.empty());
-    EXPECT_TRUE(all_zero);
-    EXPECT_EQ(support::last_freed().substr(0, sizeof(CryptRsaKey)), std::string(sizeof(CryptRsaKey), '\0'));
 }
 
 TEST(Rsa, KeysThatCannotBeMadeKeepNoMemory) {

@@ -61,6 +61,11 @@ bool bytes_were_wiped(const std::string& bytes, size_t size) {
     });
 }
 
+bool bytes_were_wiped(const std::string& bytes) {
+    return std::any_of(wiped.begin(), wiped.end(),
+                       [&](const Range& range) { return range.content.find(bytes) != std::string::npos; });
+}
+
 const std::string& last_freed() { return freed; }
 
 }  // namespace support

@@ -18,6 +18,9 @@ bool was_wiped(const void* begin, size_t size);
 // True if one explicit_bzero since forget_wiped covered just `size` bytes with these among them.
 bool bytes_were_wiped(const std::string& bytes, size_t size);
 
+// True if one explicit_bzero since forget_wiped covered them, whatever else it covered.
+bool bytes_were_wiped(const std::string& bytes);
+
 // The content of the block that kor_heap_free got last, as it was then.
 const std::string& last_freed();
 
