@@ -47,18 +47,17 @@ constexpr size_t kUsedStack = 4096;
 
 template <typename Mode, typename... Iv>
 int process(int index, Direction direction, const Key& key, const Blocks& blocks, Iv... iv) {
-    typename Mode::Context context;
-    int status = Mode::start(index, iv..., key.bytes, static_cast<int>(key.size), 0, &context);
-    if (status == CRYPT_OK) {
-        const auto run = direction == Direction::kEncrypt ? Mode::encrypt : Mode::decrypt;
-        status = run(blocks.in, blocks.out, blocks.len, &context);
-        const int finished = Mode::done(&context);
-        if (status == CRYPT_OK) { status = finished; }
-    }
     // A finished mode still holds both key schedules.
-    explicit_bzero(&context, sizeof context);
-    wipe_used_stack<kUsedStack>();
-    return status;
+    using Context = typename Mode::Context;
+    return without_trace<sizeof(Context) + kUsedStack>([&] {
+        Context context;
+        const int status = Mode::start(index, iv..., key.bytes, static_cast<int>(key.size), 0, &context);
+        if (status != CRYPT_OK) { return status; }
+        const auto run = direction == Direction::kEncrypt ? Mode::encrypt : Mode::decrypt;
+        const int processed = run(blocks.in, blocks.out, blocks.len, &context);
+        const int finished = Mode::done(&context);
+        return processed != CRYPT_OK ? processed : finished;
+    });
 }
 
 }  // namespace

@@ -12,8 +12,9 @@ namespace {
 constexpr Limb high(Wide wide) { return static_cast<Limb>(wide >> kLimbBits); }
 constexpr Limb low(Wide wide) { return static_cast<Limb>(wide); }
 
-// The compiler must not know what it is: not that it is a mask, to make a branch of, nor that a loop copies, to make a
-// call of that leaves the number in vector registers which nothing here could clear.
+// What the compiler knows nothing about. It makes no branch of a mask then, and no vectors of a loop, nor a call of
+// memcpy: nothing here could clear the vector registers, which the next call that is bound lazily saves in the stack.
+// The others are soon used for something else.
 Limb hidden(Limb limb) {
     __asm__("" : "+r"(limb));
     return limb;
@@ -23,7 +24,7 @@ Limb hidden(Limb limb) {
 Limb mask(Limb bit) { return hidden(Limb{0} - bit); }
 
 void choose(Limb* out, Limb chosen, const Limb* number, const Limb* otherwise, size_t size) {
-    for (size_t i = 0; i < size; ++i) { out[i] = (number[i] & chosen) | (otherwise[i] & ~chosen); }
+    for (size_t i = 0; i < size; ++i) { out[i] = hidden((number[i] & chosen) | (otherwise[i] & ~chosen)); }
 }
 
 }  // namespace
@@ -79,7 +80,7 @@ Limb multiply_small(Limb* out, const Limb* a, Limb b, size_t size) {
 void halve(Limb* number, size_t size) {
     Limb above = 0;
     for (size_t i = size; i-- > 0;) {
-        const Limb limb = number[i];
+        const Limb limb = hidden(number[i]);
         number[i] = limb >> 1 | above << (kLimbBits - 1);
         above = limb;
     }
@@ -130,7 +131,7 @@ void copy(Limb* out, const Limb* number, size_t size) {
 
 bool equal(const Limb* a, const Limb* b, size_t size) {
     Limb differing = 0;
-    for (size_t i = 0; i < size; ++i) { differing |= a[i] ^ b[i]; }
+    for (size_t i = 0; i < size; ++i) { differing |= hidden(a[i] ^ b[i]); }
     return differing == 0;
 }
 
@@ -148,14 +149,15 @@ size_t significant(const Limb* number, size_t size) {
 void from_bytes(std::span<Limb> number, std::span<const uint8_t> bytes) {
     std::ranges::fill(number, Limb{0});
     for (size_t i = 0; i < bytes.size(); ++i) {
-        const Limb byte = bytes[bytes.size() - 1 - i];
+        const Limb byte = hidden(bytes[bytes.size() - 1 - i]);
         number[i / sizeof(Limb)] |= byte << (8 * (i % sizeof(Limb)));
     }
 }
 
 void to_bytes(std::span<uint8_t> bytes, const Limb* number) {
     for (size_t i = 0; i < bytes.size(); ++i) {
-        bytes[bytes.size() - 1 - i] = static_cast<uint8_t>(number[i / sizeof(Limb)] >> (8 * (i % sizeof(Limb))));
+        bytes[bytes.size() - 1 - i] =
+            static_cast<uint8_t>(hidden(number[i / sizeof(Limb)]) >> (8 * (i % sizeof(Limb))));
     }
 }
 

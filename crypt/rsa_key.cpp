@@ -31,7 +31,7 @@ struct Exponentiation {
     void modulo_prime(Half& result, const Half& prime, const Half& exponent, size_t size);
 };
 
-// The two largest frames that this file has, and what the functions below them take.
+// The larger one of the two frames that hold most, and what the functions below it take.
 constexpr size_t kUsedStack = std::max(sizeof(PrimeSearch), sizeof(Exponentiation)) + 4096;
 
 // The inverse of a number modulo another one that it has no divisor in common with.
@@ -79,11 +79,6 @@ void invert_exponent(Half& inverse, const Half& p, uint32_t e, size_t size) {
         status = search.find(key.q.data(), key.primeSize, e);
     } while (status == CRYPT_OK && !far_apart(key.p.data(), key.q.data(), key.primeSize));
     return status;
-}
-
-[[gnu::noinline]] int raise(const CryptRsaKey& key, Bytes in, std::span<uint8_t> out) {
-    Exponentiation exponentiation;
-    return exponentiation.run(key, in, out);
 }
 
 int Exponentiation::run(const CryptRsaKey& key, Bytes bytes, std::span<uint8_t> result) {
@@ -155,21 +150,22 @@ int generate(CryptRsaKey& key, size_t size, uint32_t e) {
     const Limb exponent = e;
     to_bytes({key.exponent.data(), key.exponentSize}, &exponent);
     key.primeSize = size / 2 / sizeof(Limb);
-    const int status = find_primes(key, e);
-    if (status == CRYPT_OK) {
+    return without_trace<kUsedStack>([&] {
+        const int status = find_primes(key, e);
+        if (status != CRYPT_OK) { return status; }
         multiply(key.modulus.data(), key.p.data(), key.q.data(), key.primeSize);
         invert_exponent(key.dP, key.p, e, key.primeSize);
         invert_exponent(key.dQ, key.q, e, key.primeSize);
         invert_q(key);
-    }
-    wipe_used_stack<kUsedStack>();
-    return status;
+        return status;
+    });
 }
 
 int raise_to_private(const CryptRsaKey& key, Bytes in, std::span<uint8_t> out) {
-    const int status = raise(key, in, out);
-    wipe_used_stack<kUsedStack>();
-    return status;
+    return without_trace<kUsedStack>([&] {
+        Exponentiation exponentiation;
+        return exponentiation.run(key, in, out);
+    });
 }
 
 bool far_apart(const Limb* p, const Limb* q, size_t size) {
@@ -180,9 +176,8 @@ bool far_apart(const Limb* p, const Limb* q, size_t size) {
     subtract(difference.data(), ordered ? p : q, ordered ? q : p, size);
     // More than the power of two: one less still reaches it.
     if (subtract_small(difference.data(), difference.data(), 1, size) != 0) { return false; }
-    Limb upper = difference[bit / kLimbBits] >> bit % kLimbBits;
-    for (size_t i = bit / kLimbBits + 1; i < size; ++i) { upper |= difference[i]; }
-    return upper != 0;
+    const size_t index = bit / kLimbBits;
+    return significant(difference.data(), size) > index + 1 || difference[index] >> bit % kLimbBits != 0;
 }
 
 }  // namespace kor::crypt

@@ -8,21 +8,28 @@
 #include <cstdint>
 #include <strings.h>
 
-// GCC can clear the registers on the way out of a function. What they still hold would come back into memory with the
-// next call that is bound lazily, because the dynamic linker saves them.
-#if __has_cpp_attribute(gnu::zero_call_used_regs)
-#define QUORVEL_CLEAR_REGISTERS [[gnu::zero_call_used_regs("all")]]
-#else
-#define QUORVEL_CLEAR_REGISTERS
-#endif
-
 namespace kor::crypt {
 
-// Overwrites `kDepth` bytes of the stack below the caller, where the functions that it has called left their variables.
+// Overwrites `kDepth` bytes of the stack below the caller.
 template <size_t kDepth>
-QUORVEL_CLEAR_REGISTERS [[gnu::noinline]] void wipe_used_stack() {
+[[gnu::noinline]] void wipe_used_stack() {
     std::array<uint8_t, kDepth> below;
     explicit_bzero(below.data(), below.size());
+}
+
+template <typename Operation>
+[[gnu::noinline]] int in_own_frame(const Operation& operation) {
+    return operation();
+}
+
+// Gives the status of `operation`, of which nothing is left then: neither the variables of the lambda nor what the
+// functions that it calls have left in theirs, when all of it takes at most `kDepth` bytes. Let it call nothing small
+// last: the first 32 bytes, where a frame has its return address and the registers of its caller, stay.
+template <size_t kDepth, typename Operation>
+[[nodiscard]] int without_trace(const Operation& operation) {
+    const int status = in_own_frame(operation);
+    wipe_used_stack<kDepth>();
+    return status;
 }
 
 }  // namespace kor::crypt

@@ -202,11 +202,14 @@ TEST(AesCipher, DeletingLeavesNoByteOfTheKey) {
 // Stands between the library and a cipher, to learn where the key schedule is and to make a step fail.
 ltc_cipher_descriptor original;
 const symmetric_key* schedule = nullptr;
+const char* used_stack = nullptr;
 int setup_status = CRYPT_OK;
 int block_status = CRYPT_OK;
 
 int watched_setup(const unsigned char* key, int size, int rounds, symmetric_key* skey) {
+    const char local = 0;
     schedule = skey;
+    used_stack = &local;
     support::forget_wiped();
     const int status = original.setup(key, size, rounds, skey);
     return setup_status != CRYPT_OK ? setup_status : status;
@@ -217,7 +220,7 @@ int watched_block(const unsigned char* in, unsigned char* out, symmetric_key* sk
     return block_status != CRYPT_OK ? block_status : (original.*Original)(in, out, skey);
 }
 
-TEST(BlockCiphers, KeySchedulesAreWipedOnEveryWayOut) {
+TEST(BlockCiphers, SchedulesAndUsedStackAreWipedOnEveryWayOut) {
     for (const Vector& vector : vectors()) {
         const Key key(vector.family, vector.key);
         ltc_cipher_descriptor& cipher = cipher_descriptor[find_cipher(std::array{"des", "3des", "aes"}[vector.family])];
@@ -245,6 +248,7 @@ TEST(BlockCiphers, KeySchedulesAreWipedOnEveryWayOut) {
                     EXPECT_EQ(support::raised_by([&] { call(key.get(), block, block, sizeof block, nullptr); }),
                               raised);
                     EXPECT_TRUE(support::was_wiped(schedule, sizeof *schedule));
+                    EXPECT_TRUE(support::was_wiped(used_stack - 512, 513));
                 }
             }
         }

@@ -14,9 +14,9 @@
 #include "crypt/prime.h"
 #include "crypt/registry.h"
 #include "tests/core/owned.h"
-#include "tests/crypt/big.h"
 #include "tests/crypt/randomness.h"
 #include "tests/crypt/wiped.h"
+#include "tests/support/big.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 

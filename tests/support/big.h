@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_TESTS_CRYPT_BIG_H
-#define QUORVEL_TESTS_CRYPT_BIG_H
+#ifndef QUORVEL_TESTS_SUPPORT_BIG_H
+#define QUORVEL_TESTS_SUPPORT_BIG_H
 
 #include <memory>
 #include <openssl/bn.h>
@@ -23,6 +23,18 @@ public:
     Big(const Big& other) { BN_copy(number_.get(), other.get()); }
     Big& operator=(const Big& other) { return BN_copy(number_.get(), other.get()), *this; }
 
+    static Big of_digits(const std::string& hexadecimal) {
+        Big out;
+        BIGNUM* number = out.get();
+        BN_hex2bn(&number, hexadecimal.c_str());
+        return out;
+    }
+    static Big random_prime(int bits) {
+        Big out;
+        BN_generate_prime_ex(out.get(), bits, 0, nullptr, nullptr, nullptr);
+        return out;
+    }
+
     [[nodiscard]] BIGNUM* get() const { return number_.get(); }
     [[nodiscard]] int bits() const { return BN_num_bits(get()); }
     [[nodiscard]] bool bit(int index) const { return BN_is_bit_set(get(), index) == 1; }
@@ -39,6 +51,12 @@ public:
     [[nodiscard]] Big to_the(const Big& exponent, const Big& modulus) const {
         Big out;
         BN_mod_exp(out.get(), get(), exponent.get(), modulus.get(), context());
+        return out;
+    }
+    // The greatest number that divides both.
+    [[nodiscard]] Big common(const Big& other) const {
+        Big out;
+        BN_gcd(out.get(), get(), other.get(), context());
         return out;
     }
     [[nodiscard]] Big inverse(const Big& modulus) const {
