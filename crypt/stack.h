@@ -18,7 +18,7 @@ template <size_t kDepth>
 }
 
 template <typename Operation>
-[[gnu::noinline]] int in_own_frame(const Operation& operation) {
+[[nodiscard, gnu::noinline]] int in_own_frame(const Operation& operation) {
     return operation();
 }
 

@@ -6,6 +6,10 @@
 #include <cerrno>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <memory>
+#include <openssl/core_names.h>
+#include <openssl/evp.h>
+#include <openssl/rsa.h>
 #include <random>
 #include <string>
 #include <sys/resource.h>
@@ -269,6 +273,42 @@ TEST(RsaKey, WithoutRandomnessNothingIsMadeNorKept) {
             EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, kNoRandomness, crypt_rsa_encrypt(&publicKey, out, 1, out, 128));
             EXPECT_TRUE(std::ranges::all_of(out, [](uint8_t byte) { return byte == 0; }));
         }
+    }
+}
+
+// A key of the other library, and its padding in both directions.
+TEST(RsaKey, PaddingIsThatOfTheOtherLibrary) {
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> other(EVP_RSA_gen(1024), EVP_PKEY_free);
+    const auto member = [&](const char* name, size_t size) {
+        Big value;
+        BIGNUM* place = value.get();
+        EXPECT_EQ(EVP_PKEY_get_bn_param(other.get(), name, &place), 1);
+        return value.bytes(size);
+    };
+    const auto run = [&](auto begin, auto operation, const std::string& in) {
+        const std::unique_ptr<EVP_PKEY_CTX, decltype(&EVP_PKEY_CTX_free)> context(
+            EVP_PKEY_CTX_new(other.get(), nullptr), EVP_PKEY_CTX_free);
+        EXPECT_EQ(begin(context.get()), 1);
+        EXPECT_EQ(EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_OAEP_PADDING), 1);
+        std::string out(128, '\0');
+        size_t length = out.size();
+        EXPECT_EQ(operation(context.get(), reinterpret_cast<unsigned char*>(out.data()), &length, bytes(in), in.size()),
+                  1);
+        return out.substr(0, length);
+    };
+    const std::string N = member(OSSL_PKEY_PARAM_RSA_N, 128);
+    const std::string d = member(OSSL_PKEY_PARAM_RSA_D, 128);
+    const Key key(crypt_rsa_key_load(bytes(N), 128, bytes(std::string("\1\0\1", 3)), 3, bytes(d), 128));
+    CryptRsaPublicKey publicKey;
+    crypt_rsa_get_public_key(key, &publicKey);
+    for (const size_t size : {size_t{0}, size_t{1}, size_t{86}}) {
+        const std::string message(size, '\x2F');
+        uint8_t out[128];
+        size_t length = crypt_rsa_encrypt(&publicKey, bytes(message), size, out, sizeof out);
+        EXPECT_EQ(run(EVP_PKEY_decrypt_init, EVP_PKEY_decrypt, std::string(out, out + length)), message);
+        const std::string cryptogram = run(EVP_PKEY_encrypt_init, EVP_PKEY_encrypt, message);
+        length = crypt_rsa_decrypt(key, bytes(cryptogram), cryptogram.size(), out, sizeof out);
+        EXPECT_EQ(std::string(out, out + length), message);
     }
 }
 

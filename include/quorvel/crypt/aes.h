@@ -11,11 +11,11 @@
 KOR_BEGIN_DECLS
 
 /*
- * AES over whole blocks of 16 bytes, with the conventions of quorvel/crypt/des.h; the first fault is
+ * AES over whole blocks of 16 bytes, with the conventions of quorvel/crypt/des.h; the first check is
  * "'cipher' is NULL" and the last one "'len' must be a multiple of 16".
  */
 
-/* A key, kept until it is deleted. */
+/* A key, for as many calls as wanted. It belongs to the caller, until crypt_aes_cipher_delete. */
 typedef struct CryptAesCipher CryptAesCipher;
 
 /*
@@ -24,7 +24,7 @@ typedef struct CryptAesCipher CryptAesCipher;
  */
 KOR_API CryptAesCipher* crypt_aes_cipher_new(const uint8_t* key, size_t len);
 
-/* Overwrites and frees the key and sets the caller's variable to none. */
+/* Overwrites and frees the key and sets the caller's variable to none; none is ignored. */
 KOR_API void crypt_aes_cipher_delete(CryptAesCipher** cipher);
 
 /* Enciphers each block by itself. */

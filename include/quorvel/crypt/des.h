@@ -13,14 +13,18 @@ KOR_BEGIN_DECLS
 /*
  * Single DES over whole blocks of 8 bytes. The conventions below are those of all block ciphers here.
  *
- * 1. `len` bytes are read from `in` and as many written to `out`; `out` may be `in`. Nothing is padded.
+ * 1. `len` bytes are read from `in` and as many written to `out`, which is `in` or apart from it. Nothing is padded.
  *
  * 2. `iv` is one block, read and never updated, so that every call starts a chain of its own. Without one (none) the
  *    chain starts from a block of zeros.
  *
  * 3. Faults, in the order in which they are looked for. ILLEGAL_ARGUMENT: "'key' is NULL"; "'in' is NULL";
- *    "'out' is NULL"; "'len' is zero"; "'len' must be a multiple of %d". CRYPT_ERROR: LibTomCrypt failed, with its
- *    text. A call that fails a check writes nothing to `out`.
+ *    "'out' is NULL"; "'len' is zero"; "'len' must be a multiple of %d". A call that fails one of these checks writes
+ *    nothing to `out`. CRYPT_ERROR: LibTomCrypt failed, with its text, for instance because the application has
+ *    unregistered the cipher.
+ *
+ * 4. Of the key and of what is made of it, nothing is left in memory when the call returns, with an error or without:
+ *    the keys' schedules and the stack that was used are overwritten.
  */
 
 /* Enciphers each block by itself under the 8 bytes of `key`. */

@@ -12,7 +12,7 @@ KOR_BEGIN_DECLS
 
 /*
  * Triple DES over whole blocks of 8 bytes, with the conventions of quorvel/crypt/des.h. After "'key' is NULL" the size
- * of the key is looked at: ILLEGAL_ARGUMENT "Invalid key size: %zu".
+ * of the key is looked at: ILLEGAL_ARGUMENT "Invalid key size: %zu" for other than 16 and 24.
  */
 
 /* `keySize` is 24, or 16 for a key whose third part is its first one; the first `keySize` bytes of `key` are used. */
