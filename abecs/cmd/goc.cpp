@@ -18,6 +18,7 @@ constexpr Command kGoc{.id = "GOC"};
 constexpr uint8_t kMaxTwoDigits = 99;
 constexpr uint16_t kMaxTags = 128;
 constexpr size_t kAcquirer2Width = 32;
+constexpr size_t kKeyWidth = 32;
 // One more than what travels: this is the count that the PIN pad expects.
 constexpr size_t kLength = 1 + 12 + 12 + 1 + 1 + 1 + 1 + 2 + 32 + 1 + 8 + 2 + 8 + 2 + 2;
 static_assert(kLength == 86);
@@ -70,7 +71,7 @@ void write_request(AbecsPacket* packet, uint8_t acqIdx, const AbecsCmdGocData& d
     abecs_packet_write_field_n(packet, 0, 1);
     abecs_packet_write_field_n(packet, static_cast<uint64_t>(data.method), 1);
     abecs_packet_write_field_n(packet, data.keyidx, 2);
-    write_digits(packet, data.wkenc);
+    abecs_packet_write_field_h_cdata(packet, data.wkenc, kKeyWidth, kKeyWidth);  // as stored, with a NUL behind or not
     write_flag(packet, data.riskman);
     write_digits(packet, data.flrlimit);
     abecs_packet_write_field_n(packet, data.tpbrs, 2);

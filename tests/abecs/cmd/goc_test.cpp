@@ -68,7 +68,7 @@ TEST(Goc, SendsAsManyTagsAsAreAnnounced) {
     data.method = ABECS_CMD_GOC_METHOD_MK_WK_DES;
     std::memset(&data.riskman, 0x22, sizeof data.riskman);
     data.tags1len = data.tags2len = 128;
-    std::memset(data.wkenc, 'a', 32);
+    std::memset(data.wkenc, 'a', sizeof data.wkenc);
     std::memset(data.flrlimit, 'b', 8);
     std::memset(data.thrbrs, 'c', 8);
     std::memset(data.tags1, 'd', 256);
@@ -118,7 +118,6 @@ TEST(Goc, RefusesTextsThatAreLongerThanTheirFields) {
         EXPECT_REFUSED(2, "Field does not have enough room for data", abecs_cmd_goc(link.comm, 2, &data));
         EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
     };
-    refused([](auto& data) { std::memset(data.wkenc, '5', sizeof data.wkenc); });
     refused([](auto& data) { std::memset(data.flrlimit, '5', sizeof data.flrlimit); });
     refused([](auto& data) { std::memset(data.thrbrs, '5', sizeof data.thrbrs); });
     refused([](auto& data) { std::memset(data.acqpr.acqpr02.data, '5', sizeof data.acqpr.acqpr02.data); });

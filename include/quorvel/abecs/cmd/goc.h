@@ -38,7 +38,8 @@ typedef struct AbecsCmdGocData {
     bool connect;    /* the acquirer can be reached */
     AbecsCmdGocMethod_E method;
     uint8_t keyidx;   /* 0 to 99 */
-    char wkenc[33];   /* 32 digits, hexadecimal: the working key under its master key, for the methods that have one */
+    char wkenc[33];   /* hexadecimal: the working key under its master key, for the methods that have one; what stands
+                         behind 32 digits does not count */
     bool riskman;     /* the terminal manages the risk, with what follows */
     char flrlimit[9]; /* 8 digits, hexadecimal: the floor limit */
     uint8_t tpbrs;    /* biased random selection: target percentage, 0 to 99 */
