@@ -22,9 +22,9 @@ KOR_BEGIN_DECLS
  *   X  a big-endian unsigned integer of 1, 2 or 4 bytes
  *   B  bytes as they are
  *
- * 1. A field's length `fieldLen` counts characters on the wire (bytes for X and B). A null text or null bytes of a
- *    length other than 0 raise ILLEGAL_ARGUMENT "'data' is NULL"; a null buffer raises ILLEGAL_ARGUMENT "buffer is
- *    NULL".
+ * 1. A field's length `fieldLen` counts characters on the wire (bytes for X and B). A null text raises
+ *    ILLEGAL_ARGUMENT "'data' is NULL", and so do null bytes or digits of a given length other than 0. A null buffer
+ *    raises ILLEGAL_ARGUMENT "buffer is NULL", unless nothing has to be written.
  * 2. A value that does not fit its field or has a wrong character is an ILLEGAL_ARGUMENT on writing. A writer that
  *    raises may have appended a part of its field: discard what is being built. A buffer that is full raises its own
  *    IO_ERROR.

@@ -19,7 +19,8 @@ KOR_BEGIN_DECLS
  * %zu)".
  *
  * The field functions do what the abecs_data_ function of the same name does (quorvel/abecs/data.h: shapes, texts and
- * order of the checks), on the packet's bytes: writing appends, reading consumes. `byte` is one byte as it is.
+ * order of the checks), on the packet's bytes: writing appends, reading consumes. `byte` is one byte as it is; to read
+ * one that is not there raises the byte buffer's IO_ERROR "No enough space in buffer (available: %d, requested: %d)".
  *
  * Every function but abecs_packet_delete raises ILLEGAL_ARGUMENT "'packet' is NULL" for a null packet, before anything
  * else.
@@ -67,14 +68,16 @@ KOR_API int32_t abecs_packet_read_rsp_stat(AbecsPacket* packet);
 
 /*
  * Appends a parameter: its id and the length of its unread data as X fields of 2, then those data, which are consumed.
- * ILLEGAL_ARGUMENT "'param' is NULL". When the packet has no room for the data, they stay in the parameter.
+ * ILLEGAL_ARGUMENT "'param' is NULL". When the packet has no room for the data, they stay in the parameter; its id and
+ * their length may have been appended.
  */
 KOR_API void abecs_packet_write_param(AbecsPacket* packet, AbecsParam* param);
 
 /*
  * Reads a parameter into `out`, whose former data are dropped, and returns `out`. ILLEGAL_ARGUMENT "'out' is NULL";
  * PROTOCOL_ERROR "Malformed parameter (expected data length: %hu, available: %hu)", id and length being consumed; the
- * byte buffer's IO_ERROR for data of more than 999 bytes.
+ * byte buffer's IO_ERROR for data of more than 999 bytes; those of abecs_packet_read_field_x for less than id and
+ * length.
  */
 KOR_API AbecsParam* abecs_packet_read_param(AbecsPacket* packet, AbecsParam* out);
 
@@ -82,7 +85,7 @@ KOR_API AbecsParam* abecs_packet_read_param(AbecsPacket* packet, AbecsParam* out
  * Reads what follows the id of a notification: its status, its length and its text, into `text`, which has room for 33
  * bytes (or is null to skip it); returns `text`. PROTOCOL_ERROR "NTM with invalid RSP_STAT: %s" with the status's name
  * for a status other than 0; ILLEGAL_ARGUMENT "sizeTo (33) is not enough to store field data" for more than 32
- * characters.
+ * characters; further those of abecs_packet_read_rsp_stat, abecs_packet_read_field_n and abecs_packet_read_field_s.
  */
 KOR_API char* abecs_packet_read_notification(AbecsPacket* packet, char* text);
 

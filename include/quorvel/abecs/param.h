@@ -12,11 +12,14 @@
 KOR_BEGIN_DECLS
 
 /*
- * A parameter: a 16-bit id and at most 999 bytes of data, made of fields. Commands are given parameters, the
+ * A parameter: a 16-bit id and at most 999 bytes of data, made of fields; what is written beyond that raises the byte
+ * buffer's IO_ERROR "No enough space in buffer (available: %zu, requested: %zu)". Commands are given parameters, the
  * AbecsSpeId_E ids; responses return others, the AbecsRspDatId_E ids.
  *
  * The field functions do what the abecs_data_ function of the same name does (quorvel/abecs/data.h: shapes, texts and
- * order of the checks), on the parameter's bytes: writing appends, reading consumes. `byte` is one byte as it is.
+ * order of the checks), on the parameter's bytes: writing appends, reading consumes. `byte` is one byte as it is; to
+ * read one that is not there raises the byte buffer's IO_ERROR "No enough space in buffer (available: %d, requested:
+ * %d)".
  *
  * Every function but abecs_param_delete raises ILLEGAL_ARGUMENT "'param' is NULL" for a null parameter, before
  * anything else.

@@ -54,7 +54,7 @@ KOR_API AbecsParam* abecs_rsp_parser_read_param(AbecsRspParser* parser, AbecsPar
 
 /*
  * Reads a notification's text into `text`, which has room for 33 bytes (or is null to skip it); returns `text`.
- * ILLEGAL_STATE "Response is not a notification".
+ * ILLEGAL_STATE "Response is not a notification"; further those of abecs_packet_read_field_s.
  */
 KOR_API char* abecs_rsp_parser_read_notification(AbecsRspParser* parser, char* text);
 

@@ -50,6 +50,8 @@ TEST(Packet, EveryFieldFunctionWorksOnThePacketsBytes) {
     EXPECT_EQ(abecs_packet_read_field_x(packet, 2), 0x4142U);
     EXPECT_EQ(abecs_packet_read_rsp_stat(packet), 40);
     EXPECT_EQ(abecs_packet_available_read(packet), 0U);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  abecs_packet_read_byte(packet));
 }
 
 TEST(Packet, HoldsTwoThousandAndFortyFourBytes) {
@@ -101,6 +103,9 @@ TEST(Packet, ReadsParametersBack) {
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 2, available: 0)",
                   abecs_packet_read_param(packet, param));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_packet_read_param(packet, nullptr));
+    packet.fill("abc");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 2, available: 1)",
+                  abecs_packet_read_param(packet, param));
 }
 
 TEST(Packet, AParameterLongerThanThePacketIsMalformed) {
@@ -139,6 +144,8 @@ TEST(Packet, ReadsANotificationsText) {
     packet.fill("000033" + std::string(33, 'x'));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (33) is not enough to store field data",
                   abecs_packet_read_notification(packet, text));
+    packet.fill("0000x2");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid char (0x78) at index 1", abecs_packet_read_notification(packet, text));
     packet.fill("000002A\r");
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1",
                   abecs_packet_read_notification(packet, text));

@@ -52,6 +52,8 @@ TEST(Param, ClearingKeepsTheIdAndResettingDoesNot) {
     abecs_param_clear_data(param);
     EXPECT_EQ(abecs_param_get_id(param), 0xABCD);
     EXPECT_EQ(abecs_param_available_read(param), 0U);
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
+                  abecs_param_read_byte(param));
     abecs_param_write_byte(param, 1);
     abecs_param_reset(param);
     EXPECT_EQ(abecs_param_get_id(param), 0);

@@ -138,6 +138,9 @@ TEST_F(RspParser, ReadsANotificationsText) {
     set("NTM000005SALDO");
     EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, nullptr), nullptr);
     EXPECT_EQ(packet_.take(), "");
+    set("NTM000002A\r");
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1",
+                  abecs_rsp_parser_read_notification(parser_, text));
     set("GKY000");
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_STATE, "Response is not a notification",
                   abecs_rsp_parser_read_notification(parser_, text));
