@@ -64,7 +64,7 @@ TEST(Close, BothDropTheKeys) {
         link.comm->keySet = false;  // so that the request can be spelled; the bytes must go all the same
         link.peer.request(extended ? "CLX" : "CLO032" + std::string(32, ' '));
         link.peer.response((extended ? "CLX" : "CLO") + std::string(stat));
-        auto close = [&] {
+        auto close = [&link, extended = extended] {
             if (extended) { return abecs_cmd_clx(link.comm, nullptr, nullptr); }
             return abecs_cmd_clo(link.comm, nullptr);
         };
