@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <compare>
 
 namespace kor {
 
@@ -24,7 +23,7 @@ public:
     [[nodiscard]] bool passed() const { return left() == std::chrono::nanoseconds::zero(); }
 
     // The sooner one is the smaller one.
-    constexpr std::strong_ordering operator<=>(const Deadline&) const = default;
+    friend constexpr bool operator<(const Deadline& a, const Deadline& b) { return a.end_ < b.end_; }
 
 private:
     std::chrono::nanoseconds end_;

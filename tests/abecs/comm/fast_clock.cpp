@@ -14,19 +14,19 @@ namespace {
 
 constexpr int64_t kSecond = 1'000'000'000;
 
-int factor = 1;
+int speed = 1;
 
 }  // namespace
 
 int __wrap_clock_gettime(clockid_t clock, timespec* now) {
     const int result = __real_clock_gettime(clock, now);
     if (clock == CLOCK_MONOTONIC) {
-        const int64_t fast = factor * (now->tv_sec * kSecond + now->tv_nsec);
+        const int64_t fast = speed * (now->tv_sec * kSecond + now->tv_nsec);
         *now = {fast / kSecond, fast % kSecond};
     }
     return result;
 }
 
-FastClock::FastClock(int times) { factor = times; }
+FastClock::FastClock(int factor) { speed = factor; }
 
-FastClock::~FastClock() { factor = 1; }
+FastClock::~FastClock() { speed = 1; }
