@@ -69,7 +69,8 @@ public:
     void multiply(Limb* out, const Limb* a, const Limb* b) const;
     void power(Limb* out, const Limb* base, std::span<const Limb> exponent);
 
-    // Take and give numbers below the modulus, in the form or not.
+    // Of numbers below the modulus, in the form or not. The second one to add need only be below R; the sum then is
+    // too.
     void add(Limb* out, const Limb* a, const Limb* b) const;
     void subtract(Limb* out, const Limb* a, const Limb* b) const;
     // Of a number below twice the modulus, of which `carry` is the highest bit.

@@ -131,11 +131,9 @@ bool Exponentiation::by_primes(const CryptRsaKey& key) {
 // Leaves `modulus` at the prime.
 void Exponentiation::modulo_prime(Half& result, const Half& prime, const Half& exponent, size_t size) {
     modulus.set(prime.data(), size);
-    // The upper half times R, which is what entering makes of it, and the lower one, which is below twice the prime.
+    // The upper half times R, which is what entering makes of it, and the lower one: below R, as their sum is.
     modulus.enter(result.data(), in.data() + size);
-    copy(part.data(), in.data(), size);
-    modulus.reduce(part.data());
-    modulus.add(result.data(), result.data(), part.data());
+    modulus.add(result.data(), result.data(), in.data());
     modulus.enter(result.data(), result.data());
     modulus.power(result.data(), result.data(), {exponent.data(), size});
     modulus.leave(result.data(), result.data());

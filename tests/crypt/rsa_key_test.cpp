@@ -107,18 +107,19 @@ TEST(RsaKey, CompositesAreNotTakenForPrimes) {
             if (std::ranges::all_of(factors, &Big::prime)) { return factors; }
         }
     };
-    {
-        const std::vector<Big> three = found(64, [&](const Big& k) {
-            return std::vector{Big(6) * k + one, Big(12) * k + one, Big(18) * k + one};
-        });
-        const std::vector<Big> two = found(120, [&](const Big& k) {
-            return std::vector{Big(2) * k + one, Big(4) * k + one};
-        });
-        EXPECT_FALSE(passes(three[0] * three[1] * three[2]));
-        EXPECT_FALSE(passes(two[0] * two[1]));
-        EXPECT_TRUE(passes(two[0]));
-        EXPECT_TRUE(passes(three[2]));
-    }
+    const std::vector<Big> three = found(64, [&](const Big& k) {
+        return std::vector{Big(6) * k + one, Big(12) * k + one, Big(18) * k + one};
+    });
+    const std::vector<Big> two = found(120, [&](const Big& k) {
+        return std::vector{Big(2) * k + one, Big(4) * k + one};
+    });
+    EXPECT_FALSE(passes(three[0] * three[1] * three[2]));
+    EXPECT_FALSE(passes(two[0] * two[1]));
+    EXPECT_TRUE(passes(two[0]));
+    EXPECT_TRUE(passes(three[2]));
+    const Randomness counted{Sequence()};
+    EXPECT_TRUE(passes(two[0]));
+    EXPECT_GE(Randomness::calls(), 40U) << "each round halves the doubt twice, and it must be below 2 ^ -80";
     // Ends of the search: 2^521 - 1 is a prime, and one less than it has one factor 2; 15 * 2^27 + 1 has many.
     EXPECT_TRUE(passes(Big(std::string("\x01\xFF") + std::string(64, '\xFF'))));
     EXPECT_TRUE(passes(Big(2013265921)));
@@ -200,24 +201,32 @@ TEST(RsaKey, PrivateExponentiationOfLoadedNumbers) {
 
 // By primes it is quicker, and one result that is wrong modulo one of them gives the other away.
 TEST(RsaKey, AWrongResultDoesNotLeave) {
-    const Key key(crypt_rsa_key_new(128, 3));
-    const Big modulus(key.object->modulus.data(), 128);
-    const std::string message = Big(std::string(120, '\x3C')).bytes(128);
-    const std::string raised = Big(message).to_the(Big(3), modulus).bytes(128);
-    std::string out(128, 'Z');
+    // A key of which the second prime is the greater one.
+    unsigned seed = 0;
+    std::unique_ptr<Key> made;
+    do {
+        const Randomness randomness{Sequence(++seed)};
+        made = std::make_unique<Key>(crypt_rsa_key_new(128, 3));
+    } while (number(made->object->q, *made->object) < number(made->object->p, *made->object));
+    CryptRsaKey* key = made->object;
+    const Big modulus(key->modulus.data(), 128);
+    const Big p = number(key->p, *key);
+    const Big q = number(key->q, *key);
+    std::string out(128, '\0');
     auto* place = reinterpret_cast<uint8_t*>(out.data());
-    EXPECT_EQ(crypt_rsa_private_exp(key, bytes(raised), 128, place, 128), 128U);
-    EXPECT_EQ(out, message);
-    const std::string edges[]{std::string(128, '\0'), Big(1).bytes(128), (modulus - Big(1)).bytes(128),
-                              number(key.object->p, *key.object).bytes(128)};
-    for (const std::string& in : edges) {
-        EXPECT_EQ(crypt_rsa_private_exp(key, bytes(in), 128, place, 128), 128U);
-        EXPECT_EQ(Big(out).to_the(Big(3), modulus), Big(in));
+    const Big one(1);
+    const Big lopsided = p * (q - p.inverse(q));  // nothing modulo p, and as much as there can be modulo q
+    for (const Big& message : {Big(0), one, p - one, p, q, lopsided, modulus - one, Big(std::string(99, '<'))}) {
+        const std::string raised = message.to_the(Big(3), modulus).bytes(128);
+        EXPECT_NO_RAISE(crypt_rsa_private_exp(key, bytes(raised), 128, place, 128));
+        EXPECT_EQ(Big(out), message);
     }
-    EXPECT_EQ(crypt_rsa_private_exp(key, bytes(modulus.bytes(128)), 128, place, 128), 128U);
-    EXPECT_EQ(out, std::string(128, '\0'));
+    const std::string same = modulus.bytes(128);
+    EXPECT_NO_RAISE(crypt_rsa_private_exp(key, bytes(same), 128, place, 128));
+    EXPECT_EQ(Big(out), Big(0));
 
-    key.object->dP[0] ^= 2;
+    const std::string raised = Big(2).to_the(Big(3), modulus).bytes(128);
+    key->dP[0] ^= 2;
     out.assign(128, 'Z');
     EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "CRYPT_ERROR", crypt_rsa_private_exp(key, bytes(raised), 128, place, 128));
     EXPECT_EQ(out, std::string(128, 'Z'));
