@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "abecs/data/packet.h"
 #include "abecs/data/param.h"
 #include "core/attempt.h"
 #include "core/raise.h"
@@ -22,11 +23,11 @@ KorBuffer* block_with_room(const AbecsCmdBuilder* builder, size_t size) {
     return kor_buffer_available_write(builder->blk1) >= size ? builder->blk1 : builder->blk2;
 }
 
+// An empty packet has room for both blocks.
 void write_block(KorBuffer* block, AbecsPacket* out) {
-    uint8_t bytes[kBlockCapacity];
-    const size_t length = kor_buffer_read(block, bytes, sizeof bytes);
+    const size_t length = kor_buffer_available_read(block);
     abecs_packet_write_field_n(out, length, 3);
-    abecs_packet_write_field_b(out, bytes, length);
+    static_cast<void>(abecs::move_bytes(block, out->buffer, length));
 }
 
 }  // namespace

@@ -2,23 +2,22 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/data/param.h"
 
-#include <array>
+#include <algorithm>
 
 #include "abecs/data/codec.h"
 #include "abecs/data/flag.h"
-#include "abecs/data/packet.h"
 #include "quorvel/abecs/data.h"
 
 using abecs::bytes_of;
 
+// From storage to storage, in the two runs that a ring can make of it: a copy on the way would leave card data behind.
 bool abecs::move_bytes(KorBuffer* from, KorBuffer* to, size_t length) {
-    std::array<uint8_t, kPacketCapacity> bytes;
-    KorBufferState before;
-    kor_buffer_save_state(from, &before);
-    kor_buffer_read(from, bytes.data(), length);
-    // Put back until it is known that they fit: a raise from the write must leave them waiting.
-    kor_buffer_set_state(from, &before);
-    if (!codec::append(to, bytes.data(), length)) { return false; }
+    const uint8_t* storage = kor_buffer_get_storage(from);
+    const size_t begin = kor_buffer_get_read_cursor_pos(from);
+    const size_t untilEnd = std::min(length, kor_buffer_capacity(from) - begin);
+    // What does not fit is refused as a whole, before a byte of it has moved.
+    if (length > kor_buffer_available_write(to)) { return codec::append(to, storage, length); }
+    if (!codec::append(to, storage + begin, untilEnd) || !codec::append(to, storage, length - untilEnd)) { return false; }
     kor_buffer_read(from, nullptr, length);
     return true;
 }

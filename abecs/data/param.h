@@ -28,7 +28,7 @@ constexpr size_t kParamHead = 4;
 // Appends id, length and data, consuming the data only when it fitted. False after a raise.
 bool append_param(KorBuffer* buffer, AbecsParam* param);
 
-// Moves `length` waiting bytes, at most a packet's capacity, all or (after a raise) none. False after a raise.
+// Moves `length` waiting bytes, all or (after a raise) none. False after a raise.
 [[nodiscard]] bool move_bytes(KorBuffer* from, KorBuffer* to, size_t length);
 
 }  // namespace abecs

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "tests/secrets/watch.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <malloc.h>
+#include <map>
+#include <memory>
+#include <sys/mman.h>
+#include <ucontext.h>
+
+#include "tests/support/wire.h"
+
+#ifdef __SANITIZE_ADDRESS__
+#define QUORVEL_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QUORVEL_SANITIZED 1
+#endif
+#endif
+
+extern "C" {
+void* __real_kor_heap_alloc(size_t size, int nullable);
+void* __wrap_kor_heap_alloc(size_t size, int nullable);
+void __real_kor_heap_free(void* pointer);
+void __wrap_kor_heap_free(void* pointer);
+void __wrap_explicit_bzero(void* begin, size_t size);
+void __wrap___explicit_bzero_chk(void* begin, size_t size, size_t room);
+extern char __data_start;
+extern char _end;
+}
+
+namespace secrets {
+
+namespace {
+
+constexpr size_t kWindow = 8;
+
+class Stack {
+public:
+    Stack() : memory_(mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {}
+    ~Stack() { munmap(memory_, kSize); }
+    Stack(Stack&&) = delete;
+
+    void run(void (*function)()) {
+#ifdef QUORVEL_SANITIZED
+        function();  // the sanitizer knows of one stack for each thread
+#else
+        getcontext(&inside_);
+        inside_.uc_stack.ss_sp = memory_;
+        inside_.uc_stack.ss_size = kSize;
+        inside_.uc_link = &outside_;
+        makecontext(&inside_, function, 0);
+        swapcontext(&outside_, &inside_);
+#endif
+    }
+
+    [[nodiscard]] std::string_view content() const { return {static_cast<const char*>(memory_), kSize}; }
+
+private:
+    static constexpr size_t kSize = size_t{1} << 18;
+    void* memory_;
+    ucontext_t inside_{};
+    ucontext_t outside_{};
+};
+
+// On the heap, so that the program's variables can be searched.
+struct Watch {
+    const std::function<void()>* call;
+    std::vector<Secret> secrets;
+    std::map<uint64_t, std::vector<const std::string*>> windows;
+    std::array<bool, 0x10000> starts{};  // of the windows, by their first two bytes
+    Seen seen;
+    Stack stack;     // of the call
+    Stack searches;  // of what is done meanwhile: it must not write over what the call has left on its own
+};
+
+Watch* current = nullptr;
+std::string_view looked_at;
+enum class Event { kWiped, kFreed } event;
+
+uint64_t window_at(const char* bytes) {
+    uint64_t window = 0;
+    std::memcpy(&window, bytes, kWindow);
+    return window;
+}
+
+// The names of the secrets that stand there, or nothing. A window goes through one byte after the other; few get by the
+// quick look at its first two bytes.
+__attribute__((no_sanitize("address", "undefined"))) std::string found_in(std::string_view memory) {
+    std::vector<const std::string*> names;
+    const char* at = memory.data();
+    const char* const end = at + memory.size();
+    const bool* const starts = current->starts.data();
+    uint64_t window = 0;
+    for (const char* const first = at + kWindow - 1; at < end; ++at) {
+        window = window >> 8 | uint64_t{static_cast<uint8_t>(*at)} << 56;
+        if (!starts[window & 0xFFFF] || at < first) { continue; }
+        const auto found = current->windows.find(window);
+        if (found != current->windows.end()) { names.insert(names.end(), found->second.begin(), found->second.end()); }
+    }
+    std::string list;
+    for (const Secret& secret : current->secrets) {
+        if (std::find(names.begin(), names.end(), &secret.name) == names.end()) { continue; }
+        list += (list.empty() ? "" : ", ") + secret.name;
+    }
+    return list;
+}
+
+void note() {
+    const std::string found = found_in(looked_at);
+    if (found.empty()) { return; }
+    const std::string text = std::to_string(looked_at.size()) + ": " + found;
+    if (event == Event::kWiped) {
+        current->seen.wiped.push_back(text);
+    } else {
+        current->seen.left.push_back("freed " + text);
+    }
+}
+
+void look_at(Event what, const void* begin, size_t size) {
+    if (current == nullptr) { return; }
+    event = what;
+    looked_at = {static_cast<const char*>(begin), size};
+    current->searches.run(note);
+}
+
+void wipe(void* begin, size_t size) {
+    look_at(Event::kWiped, begin, size);
+    auto* byte = static_cast<volatile char*>(begin);
+    while (size-- != 0) { *byte++ = 0; }
+}
+
+void look_around() {
+    const std::pair<const char*, std::string_view> places[]{
+#ifndef QUORVEL_SANITIZED
+        {"stack: ", current->stack.content()},
+#endif
+        {"variables: ", {&__data_start, static_cast<size_t>(&_end - &__data_start)}},
+    };
+    for (const auto& [place, memory] : places) {
+        if (const std::string found = found_in(memory); !found.empty()) { current->seen.left.push_back(place + found); }
+    }
+}
+
+std::string swapped(std::string bytes) {
+    for (size_t at = 0; at + 4 <= bytes.size(); at += 4) { std::reverse(&bytes[at], &bytes[at] + 4); }
+    return bytes;
+}
+
+}  // namespace
+
+Secret of_bytes(std::string name, std::string_view bytes) {
+    std::string upper = support::to_hex(bytes);
+    std::erase(upper, ' ');
+    std::string lower = upper;
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return c < 'A' ? c : c + 'a' - 'A'; });
+    return {std::move(name), {std::string(bytes), swapped(std::string(bytes)), upper, lower}};
+}
+
+Secret of_digits(std::string name, std::string_view digits) {
+    return of_bytes(std::move(name), support::operator""_hex(digits.data(), digits.size()));
+}
+
+Seen watch(const std::vector<Secret>& secrets, Raising raising, const std::function<void()>& call) {
+    const auto watched = std::make_unique<Watch>();
+    watched->call = &call;
+    watched->secrets = secrets;
+    for (const Secret& secret : watched->secrets) {
+        for (const std::string& form : secret.forms) {
+            for (size_t at = 0; at + kWindow <= form.size(); ++at) {
+                const uint64_t window = window_at(&form[at]);
+                watched->windows[window].push_back(&secret.name);
+                watched->starts[window & 0xFFFF] = true;
+            }
+        }
+    }
+    Seen& seen = watched->seen;
+    if (raising == Raising::kCaught) {
+        current = watched.get();
+        current->stack.run([] {
+            const support::Raised raised = support::raised_by([] { (*current->call)(); });
+            if (raised != support::Raised{}) { current->seen.raised.push_back(raised); }
+        });
+    } else {
+        const support::ReturningRaises raises;
+        current = watched.get();
+        current->stack.run([] { (*current->call)(); });
+        seen.raised = raises.all();
+    }
+    look_around();
+    current = nullptr;
+    std::sort(seen.wiped.begin(), seen.wiped.end());
+    return std::move(seen);
+}
+
+}  // namespace secrets
+
+// Without what others have left there before.
+void* __wrap_kor_heap_alloc(size_t size, int nullable) {
+    void* memory = __real_kor_heap_alloc(size, nullable);
+    return memory != nullptr ? std::memset(memory, 0xA5, malloc_usable_size(memory)) : nullptr;
+}
+
+void __wrap_kor_heap_free(void* pointer) {
+    if (pointer != nullptr) { secrets::look_at(secrets::Event::kFreed, pointer, malloc_usable_size(pointer)); }
+    __real_kor_heap_free(pointer);
+}
+
+void __wrap_explicit_bzero(void* begin, size_t size) { secrets::wipe(begin, size); }
+
+// The second name, under which fortified builds call it.
+void __wrap___explicit_bzero_chk(void* begin, size_t size, size_t) { secrets::wipe(begin, size); }
