@@ -46,16 +46,6 @@ static void require_ok(const char* command, int32_t status) {
                          abecs_rsp_stat_to_string((AbecsRspStat_E)status));
 }
 
-/* A map releases its values without overwriting them, the enciphered PIN among them. */
-static void wipe(AbecsRspParamMap* items) {
-    AbecsRspParamMapIt it;
-    if (items == NULL || abecs_rsp_param_map_begin(items, &it) == NULL) return;
-    do {
-        volatile uint8_t* bytes = it.value.data;
-        for (uint32_t i = 0; i < it.value.size; ++i) bytes[i] = 0;
-    } while (abecs_rsp_param_map_next(&it) != NULL);
-}
-
 /* A value has a length and no terminator. */
 static void get(const Sale* sale, AbecsRspDatId_E id, char* out, size_t size) {
     const AbecsRspParamValue* value = abecs_rsp_param_map_get(sale->items, (uint16_t)id);
@@ -73,7 +63,6 @@ static void wait_for(const char* command, Poll* poll, Sale* sale) {
     const int64_t deadline = kor_system_current_time_millis() + INT64_C(1000) * (SECONDS + 30);
     char notice[33];
     int32_t status;
-    wipe(sale->items);
     while ((status = poll(sale->pinpad, sale->items, notice)) < ABECS_RSP_STAT_ST_OK) {
         if (status == ABECS_RSP_STAT_ST_NOTIFICATION) printf("the PIN pad says: %s\n", notice);
         if (stopped) kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "given up at the till");
@@ -221,7 +210,6 @@ static void run(Sale* sale) {
 }
 
 static void disconnect(Sale* sale) {
-    wipe(sale->items);
     kor_map_delete(&sale->items);
     abecs_cmd_gcx_builder_delete(&sale->gcx);
     abecs_cmd_gox_builder_delete(&sale->gox);

@@ -97,9 +97,13 @@ void copy_into_map(AbecsParam* param, AbecsRspParamMap* map) {
         const AbecsRspParamValue value{.size = static_cast<uint32_t>(size), .data = copy, .owned = true};
         abecs_rsp_param_map_put(map, id, &value, true);
         copy = nullptr;
-    }).cleanup([&] {
-          kor_heap_free(copy);
-      }).run();
+    })
+        .cleanup([&] {
+            if (copy == nullptr) { return; }
+            explicit_bzero(copy, size);
+            kor_heap_free(copy);
+        })
+        .run();
 }
 
 int32_t read_parsed_answer(Temporaries& own, const Command& command, const Response& response, bool blocking,

@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/rsp_param_map.h"
 
+#include <cstring>
+
 #include "abecs/data/flag.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
@@ -21,9 +23,13 @@ void* copy_id(const void* key) { return kor_collection_copy(key, sizeof(uint16_t
 
 void* copy_value(const void* value) { return kor_collection_copy(value, sizeof(AbecsRspParamValue)); }
 
+// What answers bring is card data, and must not stay behind in freed memory.
 void delete_value(void* item) {
     auto* value = static_cast<AbecsRspParamValue*>(item);
-    if (value->owned) { kor_heap_free(value->data); }
+    if (value->owned && value->data != nullptr) {
+        explicit_bzero(value->data, value->size);
+        kor_heap_free(value->data);
+    }
     kor_heap_free(value);
 }
 

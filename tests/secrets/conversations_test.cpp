@@ -96,12 +96,22 @@ void read_gcr(Talk& talk) { abecs_cmd_gcr_response(talk.comm, &talk.gcr, nullptr
 // The link has a working key.
 void protect(Talk& talk) { abecs_comm_set_wk_pan(talk.comm, &talk.key); }
 
-// 2044 is the storage of a packet, 999 that of a parameter or of a builder's block.
+// 2044 is the storage of a packet, 999 that of a parameter or of a builder's block, 16 the value in a map.
 const Table kCards{
     {"GcxAnswer",
      {number()},
      talk([](Talk& t) { t.answers("GCX", "000" + block(param("8052"_hex, n(kNumber)))); }, read_gcx),
      {"2044: number", "999: number"}},
+    {"GcxAnswerThatIsMalformedBehindTheNumber",
+     {number()},
+     talk([](Talk& t) { t.answers("GCX", "000" + block(param("8052"_hex, n(kNumber)) + "00")); }, read_gcx),
+     {"16: number", "2044: number", "999: number"},
+     support::error(6, "Malformed packet (remaining bytes on BLK1 cannot be used)")},
+    {"GcxAnswerWithTheNumberTwice",
+     {number()},
+     talk([](Talk& t) { t.answers("GCX", "000" + block(param("8052"_hex, n(kNumber)) + param("8052"_hex, "none"))); },
+          read_gcx),
+     {"16: number", "2044: number", "999: number"}},
     {"GcrAnswer",
      {number(), key()},
      talk([](Talk& t) { protect(t), t.answers("GCR", gcr_answer(true)); }, read_gcr),
@@ -302,6 +312,27 @@ const Table kSession{
 };
 
 INSTANTIATE_TEST_SUITE_P(Session, Secrets, testing::ValuesIn(kSession), name_of);
+
+// Wherever memory ends, what has been read so far goes, and none of it is kept.
+TEST(Secrets, AreWipedWhereverMemoryEnds) {
+    for (const Raising raising : {Raising::kCaught, Raising::kReturning}) {
+        bool failed = true;
+        for (size_t n = 1; failed; ++n) {
+            Talk talk;
+            talk.answers("GCX", "000" + block(param("8045"_hex, "first") + param("8052"_hex, std::string(kNumber))));
+            const support::FailingMalloc failing(n);
+            const Seen seen = watch({number()}, raising, [&] {
+                read_gcx(talk);
+                kor_map_clear(talk.map);
+            });
+            failed = failing.failed();
+            EXPECT_EQ(seen.raised.size(), failed ? 1U : 0U) << n;
+            EXPECT_EQ(seen.left, std::vector<std::string>{}) << n;
+            EXPECT_EQ(failing.kept(), 0U) << n;
+            abecs_comm_release(talk.comm);
+        }
+    }
+}
 
 }  // namespace
 

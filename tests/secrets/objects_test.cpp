@@ -98,7 +98,20 @@ const Table kContainers{
      {"999: number", "999: number"}},
 };
 
+const Table kMaps{
+    {"MapValueReplaced",
+     {number()},
+     with_objects([](Objects& o) {
+         const AbecsRspParamValue value{};
+         abecs_rsp_param_map_put(o.map, 1, &value, false);
+     }),
+     {"16: number"}},
+    {"MapCleared", {number()}, with_objects([](Objects& o) { kor_map_clear(o.map); }), {"16: number"}},
+    {"MapDeleted", {number()}, with_objects([](Objects& o) { kor_map_delete(&o.map); }), {"16: number"}},
+};
+
 INSTANTIATE_TEST_SUITE_P(Containers, Secrets, testing::ValuesIn(kContainers), name_of);
+INSTANTIATE_TEST_SUITE_P(Maps, Secrets, testing::ValuesIn(kMaps), name_of);
 
 // Keys and what they are used on, outside of the program's variables.
 struct Keys {

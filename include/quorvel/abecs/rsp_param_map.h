@@ -16,8 +16,9 @@ KOR_BEGIN_DECLS
  * sized with kor_map_size.
  *
  * The map copies the value records that are put into it, not the bytes they point to. Those of an entry put with
- * `owned` are adopted: the map frees them with kor_heap_free when the entry is replaced, and when the map is cleared
- * or deleted. Every other entry's bytes are the caller's and must outlive the entry. Values have no terminator.
+ * `owned` are adopted: the map overwrites them and frees them with kor_heap_free when the entry is replaced, and when
+ * the map is cleared or deleted. Every other entry's bytes are the caller's and must outlive the entry. Values have no
+ * terminator.
  *
  * A null map raises ILLEGAL_ARGUMENT "'map' is NULL".
  */
