@@ -79,6 +79,11 @@ TEST(Packet, AParameterIsWrittenAsIdLengthAndData) {
     abecs_param_read_field_b(param, nullptr, 0, 8);
     abecs_packet_write_param(packet, param);
     EXPECT_EQ(packet.take(), "\x12\x34\x01\x2C" + std::string(300, 'y')) << "only what was unread";
+    param.fill(0x1234, std::string(690, 'x'));
+    abecs_param_read_field_b(param, nullptr, 0, 690);
+    abecs_param_write_field_b(param, (std::string(308, 'e') + "begin").c_str(), 313);
+    abecs_packet_write_param(packet, param);
+    EXPECT_EQ(packet.take(), "\x12\x34\x01\x39" + std::string(308, 'e') + "begin") << "across the storage's end";
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL", abecs_packet_write_param(packet, nullptr));
     packet.fill(std::string(2036, 'x'));
     param.fill(1, "12345");
