@@ -11,7 +11,6 @@
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/system.h"
 #include "tests/core/temp_dir.h"
-#include "tests/crypt/wiped.h"
 #include "tests/support/elapsed.h"
 #include "tests/support/link.h"
 #include "tests/support/packets.h"
@@ -131,14 +130,6 @@ TEST(Open, OfALineThatHangsUpLeavesNothingBehind) {
     EXPECT_EQ(raised_by([&] { comm = abecs_comm_open(peer.path().c_str()); }).code, KOR_RESULT_IO_ERROR);
     EXPECT_EQ(comm, nullptr);
     EXPECT_EQ(open_descriptors(), before - 1);  // less the peer's own, now closed
-}
-
-TEST(Close, WipesTheKeys) {
-    Link link;
-    link.comm->key.fill(0xAA);
-    link.comm->wkPanKey.fill(0xBB);
-    EXPECT_NO_RAISE(abecs_comm_close(&link.comm));
-    EXPECT_EQ(support::last_freed().substr(0, sizeof(AbecsComm)), std::string(sizeof(AbecsComm), '\0'));
 }
 
 TEST(Close, OfAHungUpLineReleasesEverything) {
