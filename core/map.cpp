@@ -31,6 +31,7 @@ struct KorMap {
     uint32_t size;
     KorMapEntry** slots;
 };
+// The order of the fields is a promise, as in a set.
 static_assert(offsetof(KorMap, capacity) == 0);
 static_assert(offsetof(KorMap, capacity) < offsetof(KorMap, keyHashFn));
 static_assert(offsetof(KorMap, keyHashFn) < offsetof(KorMap, keyEqualsFn));

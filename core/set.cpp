@@ -8,6 +8,7 @@
 
 using kor::raise;
 
+// The order of the fields is a promise, as in a map.
 static_assert(offsetof(KorSet, capacity) == 0);
 static_assert(offsetof(KorSet, capacity) < offsetof(KorSet, itemHashFn));
 static_assert(offsetof(KorSet, itemHashFn) < offsetof(KorSet, itemEqualsFn));
