@@ -1,7 +1,7 @@
-# What every target here is compiled with.
+# What every target here is compiled with. The protocol's years have two digits, so formats may, too.
 add_library(quorvel_warnings INTERFACE)
 target_compile_options(quorvel_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual
+  -Wall -Wextra -Wpedantic -Wformat=2 -Wno-format-y2k -Wconversion -Wsign-conversion -Wshadow -Wcast-qual
   $<$<BOOL:${QUORVEL_WERROR}>:-Werror>)
 
 add_library(quorvel_sanitize INTERFACE)

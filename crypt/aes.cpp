@@ -29,7 +29,6 @@ constexpr BlockCipher kAes{
     .minKeySize = 16,
     .maxKeySize = sizeof CryptAesCipher::key,
     .noKey = "'cipher' is NULL",
-    .partialBlock = "'len' must be a multiple of 16",
 };
 
 Key key_of(const CryptAesCipher* cipher) { return cipher != nullptr ? Key{cipher->key, cipher->keySize} : Key{}; }

@@ -36,7 +36,8 @@ bool checked(const BlockCipher& cipher, const Key& key, const Blocks& blocks) {
     if (blocks.out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), false; }
     if (blocks.len == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'len' is zero"), false; }
     if (blocks.len % cipher.blockSize != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, cipher.partialBlock, static_cast<int>(cipher.blockSize)), false;
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'len' must be a multiple of %d", static_cast<int>(cipher.blockSize)),
+               false;
     }
     return true;
 }

@@ -17,7 +17,6 @@ struct BlockCipher {
     size_t minKeySize;
     size_t maxKeySize;
     const char* noKey;
-    const char* partialBlock;  // a format that may take the size of the block
 
     // Between the limits, the key sizes of all these ciphers go in steps of 8 bytes.
     [[nodiscard]] constexpr bool takes(size_t keySize) const {

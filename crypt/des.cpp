@@ -19,7 +19,6 @@ constexpr BlockCipher kDes{
     .minKeySize = 8,
     .maxKeySize = 8,
     .noKey = "'key' is NULL",
-    .partialBlock = "'len' must be a multiple of %d",
 };
 
 Key key_of(const uint8_t* key) { return {key, kDes.maxKeySize}; }

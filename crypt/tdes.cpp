@@ -19,7 +19,6 @@ constexpr BlockCipher kTdes{
     .minKeySize = 16,
     .maxKeySize = sizeof Crypt3DesKey::key,
     .noKey = "'key' is NULL",
-    .partialBlock = "'len' must be a multiple of %d",
 };
 
 Key key_of(const Crypt3DesKey* key) { return key != nullptr ? Key{key->key, key->keySize} : Key{}; }

@@ -43,14 +43,10 @@ AbecsCmdCkeKey_E key_code_from_int(uint64_t code) {
     return ABECS_CMD_CKE_KEY_ENTER;
 }
 
-void check_length(uint64_t length, uint64_t expected, const char* fault) {
-    if (length != expected) { raise(KOR_RESULT_PROTOCOL_ERROR, fault, static_cast<int>(length)); }
-}
-
-bool read_presence(AbecsPacket* packet, const char* fault) {
+bool read_presence(AbecsPacket* packet, const char* field) {
     const uint64_t status = abecs_packet_read_field_n(packet, 1);
-    if (status > 1) { return raise(KOR_RESULT_PROTOCOL_ERROR, fault, static_cast<int>(status)), false; }
-    return status == 1;
+    if (status <= 1) { return status == 1; }
+    return raise(KOR_RESULT_PROTOCOL_ERROR, "'%s' invalid value: %d", field, static_cast<int>(status)), false;
 }
 
 // Returns the length of what the track has become: the PIN pad's own says nothing of that.
@@ -75,23 +71,36 @@ void read_tracks(const AbecsComm* pinpad, AbecsPacket* packet, AbecsCmdCkeOut& o
 
 void check_event(const AbecsComm* pinpad, AbecsPacket* packet, AbecsCmdCkeOut& out) {
     const uint64_t length = abecs_packet_read_field_n(packet, 3);
+    const int received = static_cast<int>(length);
     out.event = static_cast<AbecsCmdCkeEvent_E>(abecs_packet_read_field_n(packet, 1));
     switch (out.event) {
         case ABECS_CMD_CKE_EVENT_KEY:
-            check_length(length, kKeyAnswer, "'RSP_LEN1' invalid value  (expected: 3, received: %d)");
+            if (length != kKeyAnswer) {
+                return raise(KOR_RESULT_PROTOCOL_ERROR, "'RSP_LEN1' invalid value  (expected: 3, received: %d)",
+                             received);
+            }
             out.key = key_code_from_int(abecs_packet_read_field_n(packet, 2));
             return;
         case ABECS_CMD_CKE_EVENT_MAGNETIC_CARD:
             // The text is a number off; applications know it so.
-            check_length(length, kCardAnswer, "'RSP_LEN1' invalid value  (expected: 255, received: %d)");
+            if (length != kCardAnswer) {
+                return raise(KOR_RESULT_PROTOCOL_ERROR, "'RSP_LEN1' invalid value  (expected: 255, received: %d)",
+                             received);
+            }
             return read_tracks(pinpad, packet, out);
         case ABECS_CMD_CKE_EVENT_ICC:
-            check_length(length, kPresenceAnswer, "'RSP_LEN1' invalid value (expected: 2, received: %d)");
-            out.iccPresent = read_presence(packet, "'CKE_ICCSTAT' invalid value: %d");
+            if (length != kPresenceAnswer) {
+                return raise(KOR_RESULT_PROTOCOL_ERROR, "'RSP_LEN1' invalid value (expected: 2, received: %d)",
+                             received);
+            }
+            out.iccPresent = read_presence(packet, "CKE_ICCSTAT");
             return;
         case ABECS_CMD_CKE_EVENT_CTLS:
-            check_length(length, kPresenceAnswer, "'RSP_LEN1' invalid value  (expected: 2, received: %d");
-            out.ctlsPresent = read_presence(packet, "'CKE_CTLSCSTAT' invalid value: %d");
+            if (length != kPresenceAnswer) {
+                return raise(KOR_RESULT_PROTOCOL_ERROR, "'RSP_LEN1' invalid value  (expected: 2, received: %d",
+                             received);
+            }
+            out.ctlsPresent = read_presence(packet, "CKE_CTLSCSTAT");
             return;
         default:
             return raise(KOR_RESULT_PROTOCOL_ERROR, "'CKE_EVENT' invalid value: %d", out.event);

@@ -77,7 +77,14 @@ bool send_request(AbecsComm* pinpad, const Command& command, const Request& requ
 
 void check_id(const Command& command, const char* id) {
     if (kor_string_equals(id, command.id) || kor_string_equals(id, kRefused)) { return; }
-    raise(KOR_RESULT_PROTOCOL_ERROR, command.unexpectedId, command.name, id);
+    switch (command.unexpectedId) {
+        case UnexpectedId::kClosed:
+            return raise(KOR_RESULT_PROTOCOL_ERROR, "(%s) Invalid RSP_ID: %s", command.name, id);
+        case UnexpectedId::kTable:
+            return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_ID (expected %s, read: %s)", command.name, id);
+        default:
+            return raise(KOR_RESULT_PROTOCOL_ERROR, "(%s) Invalid RSP_ID: %s)", command.name, id);
+    }
 }
 
 // The map adopts the copy; until it has, the copy is this function's to free. A zero stands behind the bytes, outside

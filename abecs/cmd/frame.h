@@ -26,10 +26,13 @@ namespace abecs {
 // What a command function returns when its raise returned: never a success, and final, so that nobody goes on polling.
 inline constexpr int32_t kRaised = ABECS_RSP_STAT_ST_INTERR;
 
+// How a command words the fault of an RSP_ID that is not its own.
+enum class UnexpectedId : uint8_t { kUsual, kClosed, kTable };
+
 struct Command {
-    const char* id;                                         // CMD_ID, and the RSP_ID of the answer
-    const char* name = id;                                  // what the link waits for and the messages call it
-    const char* unexpectedId = "(%s) Invalid RSP_ID: %s)";  // filled with the name and the RSP_ID received
+    const char* id;         // CMD_ID, and the RSP_ID of the answer
+    const char* name = id;  // what the link waits for and the messages call it
+    UnexpectedId unexpectedId = UnexpectedId::kUsual;
 };
 
 // Writes the parameters of a request, one at a time.

@@ -10,7 +10,7 @@ using kor::raise;
 
 namespace {
 
-constexpr abecs::Command kGdu{.id = "GDU", .unexpectedId = "Invalid RSP_ID (expected %s, read: %s)"};
+constexpr abecs::Command kGdu{.id = "GDU", .unexpectedId = abecs::UnexpectedId::kTable};
 constexpr uint8_t kMaxIndex = 99;
 constexpr size_t kKsnWidth = 20;
 

@@ -26,11 +26,13 @@ void read_text(AbecsPacket* packet, char (&to)[Size]) {
 uint8_t read_number(AbecsPacket* packet) { return static_cast<uint8_t>(abecs_packet_read_field_n(packet, 2)); }
 
 // A one-character field that says yes with `yes` and no with a blank, which the reader trims away.
-bool read_flag(AbecsPacket* packet, char yes, const char* fault) {
+bool read_flag(AbecsPacket* packet, char yes, const char* field) {
     char text[2];
     read_text(packet, text);
     if (text[0] != yes && text[0] != '\0') {
-        return raise(KOR_RESULT_PROTOCOL_ERROR, fault, static_cast<unsigned char>(text[0])), false;
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid value for %s: 0x%02X", field,
+                     static_cast<unsigned char>(text[0])),
+               false;
     }
     return text[0] == yes;
 }
@@ -51,7 +53,7 @@ void read_model(AbecsPacket* packet, char (&model)[20], char (&detail)[20]) {
 void read_index_00(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx00)& out) {
     read_text(packet, out.mnName);
     read_model(packet, out.model, out.modelDetail);
-    out.ctlsSup = read_flag(packet, 'C', "Invalid value for GIN_CTLSSUP: 0x%02X");
+    out.ctlsSup = read_flag(packet, 'C', "GIN_CTLSSUP");
     read_text(packet, out.soVer);
     read_text(packet, out.specVer);
     read_text(packet, out.manVers);
@@ -76,7 +78,7 @@ void read_index_03(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx03)& out) {
     read_text(packet, out.text6);
     read_text(packet, out.text7);
     read_text(packet, out.text8);
-    out.dukpt = read_flag(packet, 'T', "Invalid value for GIN_DUKPT: 0x%02X");
+    out.dukpt = read_flag(packet, 'T', "GIN_DUKPT");
     out.number = read_number(packet);
 }
 

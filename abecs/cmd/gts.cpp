@@ -9,7 +9,7 @@ using kor::raise;
 
 namespace {
 
-constexpr abecs::Command kGts{.id = "GTS", .unexpectedId = "Invalid RSP_ID (expected %s, read: %s)"};
+constexpr abecs::Command kGts{.id = "GTS", .unexpectedId = abecs::UnexpectedId::kTable};
 constexpr uint8_t kMaxIndex = 99;
 constexpr size_t kVersionWidth = 10;
 

@@ -76,9 +76,9 @@ uint32_t size_of(const char* path) {
     return static_cast<uint32_t>(size);
 }
 
-void require_ok(int32_t stat, const char* fault) {
+void require_ok(int32_t stat, const char* command) {
     if (stat != ABECS_RSP_STAT_ST_OK) {
-        raise(KOR_RESULT_IO_ERROR, fault, abecs_rsp_stat_to_string(AbecsRspStat_E{stat}));
+        raise(KOR_RESULT_IO_ERROR, "%s returned %s", command, abecs_rsp_stat_to_string(AbecsRspStat_E{stat}));
     }
 }
 
@@ -89,7 +89,7 @@ void send_blocks(AbecsComm* pinpad, KorFile* file, uint32_t left) {
     while (left != 0) {
         const size_t count = kor_file_read(file, block, std::min<size_t>(left, sizeof block), nullptr);
         left -= static_cast<uint32_t>(count);
-        require_ok(abecs_cmd_mlr(pinpad, block, count), "MLR returned %s");
+        require_ok(abecs_cmd_mlr(pinpad, block, count), "MLR");
     }
 }
 
@@ -100,9 +100,9 @@ void abecs_cmd_mlx(AbecsComm* pinpad, const char* path, const char* filename, ui
     with_file(path, [&](KorFile* file) {
         const uint32_t size = size_of(path);
         const uint16_t crc = crc_of(file);
-        require_ok(abecs_cmd_mli(pinpad, filename, size, crc, type), "MLI returned %s");
+        require_ok(abecs_cmd_mli(pinpad, filename, size, crc, type), "MLI");
         send_blocks(pinpad, file, size);
-        require_ok(abecs_cmd_mle(pinpad), "MLE returned %s");
+        require_ok(abecs_cmd_mle(pinpad), "MLE");
     });
 }
 

@@ -15,7 +15,7 @@ using kor::raise;
 
 namespace {
 
-constexpr abecs::Command kOpn{.id = "OPN", .unexpectedId = "(%s) Invalid RSP_ID: %s"};
+constexpr abecs::Command kOpn{.id = "OPN", .unexpectedId = abecs::UnexpectedId::kClosed};
 constexpr size_t kModulusLength = 256;
 constexpr uint32_t kPublicExponent = 65537;
 constexpr size_t kExponentWidth = 6;

@@ -9,7 +9,7 @@ using kor::raise;
 
 namespace {
 
-constexpr abecs::Command kTle{.id = "TLE", .unexpectedId = "Invalid RSP_ID (expected %s, read: %s)"};
+constexpr abecs::Command kTle{.id = "TLE", .unexpectedId = abecs::UnexpectedId::kTable};
 
 }  // namespace
 

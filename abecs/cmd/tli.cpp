@@ -10,7 +10,7 @@ using kor::raise;
 
 namespace {
 
-constexpr abecs::Command kTli{.id = "TLI", .unexpectedId = "Invalid RSP_ID (expected %s, read: %s)"};
+constexpr abecs::Command kTli{.id = "TLI", .unexpectedId = abecs::UnexpectedId::kTable};
 constexpr uint8_t kMaxIndex = 99;
 constexpr size_t kVersionWidth = 10;
 

@@ -16,7 +16,7 @@ using kor::raise;
 
 namespace {
 
-constexpr abecs::Command kTlr{.id = "TLR", .unexpectedId = "Invalid RSP_ID (expected %s, read: %s)"};
+constexpr abecs::Command kTlr{.id = "TLR", .unexpectedId = abecs::UnexpectedId::kTable};
 constexpr size_t kMaxData = 999;  // what a three-digit length can say
 constexpr size_t kCountWidth = 2;
 constexpr size_t kMaxText = kMaxData - kCountWidth;

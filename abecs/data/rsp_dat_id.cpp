@@ -56,15 +56,15 @@ static_assert(abecs::is_sorted_and_unique(kDatIds));
 struct Family {
     AbecsRspDatId_E first;
     AbecsRspDatId_E last;
-    const char* format;
+    const char* name;  // but for the number
     Form form;
 };
 
 constexpr std::array<Family, 4> kFamilies{{
-    {ABECS_RSP_DATID_PP_KSNDESP0, ABECS_RSP_DATID_PP_KSNDESP99, "ABECS_RSP_DATID_PP_KSNDESP%d", kBinary},
-    {ABECS_RSP_DATID_PP_KSNTDESP0, ABECS_RSP_DATID_PP_KSNTDESP99, "ABECS_RSP_DATID_PP_KSNTDESP%d", kBinary},
-    {ABECS_RSP_DATID_PP_KSNTDESD0, ABECS_RSP_DATID_PP_KSNTDESD99, "ABECS_RSP_DATID_PP_KSNTDESD%d", kBinary},
-    {ABECS_RSP_DATID_PP_TABVER0, ABECS_RSP_DATID_PP_TABVER99, "ABECS_RSP_DATID_PP_TABVER%d", kText},
+    {ABECS_RSP_DATID_PP_KSNDESP0, ABECS_RSP_DATID_PP_KSNDESP99, "ABECS_RSP_DATID_PP_KSNDESP", kBinary},
+    {ABECS_RSP_DATID_PP_KSNTDESP0, ABECS_RSP_DATID_PP_KSNTDESP99, "ABECS_RSP_DATID_PP_KSNTDESP", kBinary},
+    {ABECS_RSP_DATID_PP_KSNTDESD0, ABECS_RSP_DATID_PP_KSNTDESD99, "ABECS_RSP_DATID_PP_KSNTDESD", kBinary},
+    {ABECS_RSP_DATID_PP_TABVER0, ABECS_RSP_DATID_PP_TABVER99, "ABECS_RSP_DATID_PP_TABVER", kText},
 }};
 static_assert(std::all_of(kFamilies.begin(), kFamilies.end(), [](const Family& f) { return f.last - f.first == 99; }));
 
@@ -77,7 +77,7 @@ const Family* find_family(AbecsRspDatId_E id) {
 const char* numbered_name(const Family& family, AbecsRspDatId_E id) {
     // Shared by all calls: the interface promises the text only until the next one.
     static char name[128];
-    std::snprintf(name, sizeof name, family.format, id - family.first);
+    std::snprintf(name, sizeof name, "%s%d", family.name, id - family.first);
     return name;
 }
 

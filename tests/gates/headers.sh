@@ -6,7 +6,7 @@ set -euo pipefail
 include=$1 language=$2
 shift 2
 compile=("$@" -I "$include" -x "$language" -)
-warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual -Werror)
+warnings=(-Wall -Wextra -Wpedantic -Wformat=2 -Wconversion -Wsign-conversion -Wshadow -Wcast-qual -Werror)
 
 mapfile -t headers < <(cd "$include" && find . -name '*.h' | sed 's|^\./||' | sort)
 [ "${#headers[@]}" -gt 30 ] || { echo "only ${#headers[@]} headers were found"; exit 1; }

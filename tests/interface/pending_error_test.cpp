@@ -66,7 +66,7 @@ KorMap* new_map() {
     return kor_map_new(2, hash_text, equal_texts, copy_text, copy_text, kor_collection_destroy, kor_collection_destroy);
 }
 
-void format_list(char* to, size_t size, const char* format, ...) {
+KOR_PRINTF(3, 4) void format_list(char* to, size_t size, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     kor_string_vformat(to, size, format, arguments);

@@ -15,6 +15,19 @@
 #define KOR_API __attribute__((visibility("default")))
 
 /*
+ * Has the compiler compare the arguments from number `first` on with the printf-like format that is number `text`; with
+ * 0 for `first`, where they come as a list, it looks at the format alone. Empty for compilers that cannot, and for an
+ * application that defines it so before it includes anything of this library.
+ */
+#ifndef KOR_PRINTF
+#ifdef __GNUC__
+#define KOR_PRINTF(text, first) __attribute__((__format__(__printf__, text, first)))
+#else
+#define KOR_PRINTF(text, first)
+#endif
+#endif
+
+/*
  * A caller in C may store any 32-bit number in an enumeration. In C++ that is only defined when the enumeration has
  * a fixed underlying type, so the enumerations get one there; C needs nothing.
  */

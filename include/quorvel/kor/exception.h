@@ -56,8 +56,11 @@ extern KOR_API KorExceptionFrameNode* __cefn__; /* the current frame node, or no
 /* Raises `code` with `message` as it stands (none: an empty text). Code 0 does nothing. May return, see above. */
 KOR_API void kor_exception_throw(KorResult_E code, const char* message);
 
-/* As kor_exception_throw with a printf-like text, cut to 255 characters. */
-KOR_API void kor_exception_fthrow(KorResult_E code, const char* format, ...);
+/*
+ * As kor_exception_throw with a printf-like text, cut to 255 characters. A text that is not your own goes in as the
+ * argument of "%s": a percent sign in it would be read as a conversion.
+ */
+KOR_API KOR_PRINTF(2, 3) void kor_exception_fthrow(KorResult_E code, const char* format, ...);
 
 /* Copies the pending error into `out` and returns `out`. ILLEGAL_ARGUMENT "'out' is NULL". */
 KOR_API KorException* kor_exception_get(KorException* out);

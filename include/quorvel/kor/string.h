@@ -24,11 +24,11 @@ KOR_BEGIN_DECLS
 
 /* Formats at most size - 1 characters and a NUL into `to`; returns `to`. ILLEGAL_ARGUMENT: "'to' is NULL"; "'to' and
  * 'format' points to the same buffer". */
-KOR_API char* kor_string_format(char* to, size_t size, const char* format, ...);
+KOR_API KOR_PRINTF(3, 4) char* kor_string_format(char* to, size_t size, const char* format, ...);
 
 /* As kor_string_format; returns the length the whole text would have had. The same errors, the second one first. A
  * `format` of none is an empty one; with size 0 nothing is written. */
-KOR_API int32_t kor_string_vformat(char* to, size_t size, const char* format, va_list arguments);
+KOR_API KOR_PRINTF(3, 0) int32_t kor_string_vformat(char* to, size_t size, const char* format, va_list arguments);
 
 /* Copies a text, unbounded; returns `to`. ILLEGAL_ARGUMENT "'to' is NULL". */
 KOR_API char* kor_string_copy(char* to, const char* from);
