@@ -5,6 +5,7 @@
 #include <climits>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/enum.h"
 #include "quorvel/kor/heap.h"
+#include "tests/core/leave_block.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 
@@ -106,6 +108,67 @@ TEST(TryBlockInC, NestingAgainAllocatesNothing) {
     const support::FailingMalloc failing(1);
     EXPECT_EQ(raised_by([&] { try_nested(trace, 5); }), (Raised{6, "deep"}));
     EXPECT_FALSE(failing.failed());
+}
+
+// What a block passes that is left early, by branch and way; `e` stands behind it, `g` where goto leads.
+struct Left {
+    LeaveBranch branch;
+    const char* traces[4];
+};
+constexpr Left kLeft[] = {
+    {LEAVE_BODY, {"b", "bg", "be", "bu;e"}},
+    {LEAVE_CATCH, {"bu;c", "bu;cg", "bu;ce", "bu;ce"}},
+    {LEAVE_CLEANUP_AFTER_SUCCESS, {"bu", "bug", "bue", "bue"}},
+    {LEAVE_CLEANUP_AFTER_ERROR, {"bu", "bug", "bue", "buc;e"}},
+};
+
+// The same where a block inside is left; the inner one has cleared the error that the clean-up found pending.
+constexpr Left kLeftNested[] = {
+    {LEAVE_BODY, {"", "g", "uce", "uce"}},
+    {LEAVE_CATCH, {"u", "ug", "uce", "uce"}},
+    {LEAVE_CLEANUP_AFTER_SUCCESS, {"", "g", "ue", "ue"}},
+    {LEAVE_CLEANUP_AFTER_ERROR, {"", "g", "ue", "ue"}},
+};
+
+// A block that stayed open would catch the error raised behind it, in a function that has ended.
+void expect_closed(void (*leave)(char*, LeaveBranch, LeaveWay), LeaveBranch branch, int how, const char* expected) {
+    char trace[32] = "";
+    KorExceptionFrameNode* outer = nullptr;
+    KorExceptionFrameNode* behind = nullptr;
+    int16_t pending = -1;
+    EXPECT_EQ(raised_by([&] {
+                  outer = kor_exception_get_frame_node();
+                  leave(trace, branch, static_cast<LeaveWay>(how));
+                  behind = kor_exception_get_frame_node();
+                  pending = kor_exception_get_error();
+                  kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "behind");
+              }),
+              (Raised{7, "behind"}));
+    EXPECT_STREQ(trace, expected) << branch << how;
+    EXPECT_EQ(behind, outer) << branch << how;
+    EXPECT_EQ(pending, 0) << branch << how;
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+}
+
+TEST(TryBlock, IsClosedHoweverItIsLeft) {
+    for (int how = LEAVE_BY_RETURN; how <= LEAVE_BY_CONTINUE; ++how) {
+        for (auto* leave : {leave_block_c, leave_block_cpp}) {
+            for (const auto& row : kLeft) { expect_closed(leave, row.branch, how, row.traces[how]); }
+        }
+        for (auto* leave : {leave_nested_c, leave_nested_cpp}) {
+            for (const auto& row : kLeftNested) { expect_closed(leave, row.branch, how, row.traces[how]); }
+        }
+    }
+}
+
+TEST(TryBlock, IsClosedByAnExceptionOfCpp) {
+    const auto throws = [] {
+        KOR_TRY { throw std::runtime_error("thrown"); }
+        KOR_CLEANUP {}
+        KOR_END_TRY;
+    };
+    EXPECT_THROW(throws(), std::runtime_error);
+    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
 }
 
 TEST(Attempt, CatchesTheCodeItNamesAndCleansUpFirst) {

@@ -109,8 +109,31 @@ KOR_END_DECLS
  * Catch branches are tried in the order written; an error that none takes goes on to the enclosing block after the
  * clean-up. The clean-up runs on success and on error, on error before the catch branches. It must not open a try block
  * of its own: that would clear the pending error, and the block would go on as if all had gone well. What it raises
- * takes the pending error's place. Keep locals that the block sets and later code reads `volatile`. Never leave a block by return, break, continue or goto: its frame would stay open.
+ * takes the pending error's place. Keep locals that the block sets and later code reads `volatile`.
+ *
+ * `continue` ends the branch that it stands in. `return`, `goto` and `break` (which leaves the block, not a loop or a
+ * switch around it) close the block where they stand: its clean-up does not run, and a pending error is dropped. That
+ * takes GCC or Clang; with another compiler never leave a block so, because it would stay open, and the next error
+ * would jump into a function that has ended.
  */
+#ifdef __GNUC__
+#define KOR_WHEN_LEFT(function) __attribute__((__cleanup__(function)))
+
+/* Runs whenever control leaves a block, but for an error's jump, which has closed the block already. */
+static inline void kor_leave_try_(KorExceptionFrameNode* const* left) {
+    KorExceptionFrameNode* const frame = *left;
+    if (frame->state != 4) {
+        const KorExceptionFrameNode* open = kor_exception_get_frame_node();
+        while (open != NULL && open != frame) { open = open->previous; }
+        while (open == frame && kor_exception_get_frame_node() != frame->previous) { __kor_exception_end_try__(); }
+        frame->state = 4;
+    }
+    (void)__kor_exception_next_state__(frame);
+}
+#else
+#define KOR_WHEN_LEFT(function)
+#endif
+
 /* clang-format off */
 #define KOR_TRY                                                                      \
     do {                                                                             \
@@ -118,6 +141,7 @@ KOR_END_DECLS
         (void)setjmp(__kor_exception_get_frame__()->jump);                           \
         _Pragma("GCC diagnostic push")                                               \
         _Pragma("GCC diagnostic ignored \"-Wshadow\"")                               \
+        KOR_WHEN_LEFT(kor_leave_try_)                                                \
         KorExceptionFrameNode* const kor_frame_ = __kor_exception_get_frame__();     \
         _Pragma("GCC diagnostic pop")                                                \
         while (__kor_exception_next_state__(kor_frame_) != 4) {                      \
