@@ -32,8 +32,8 @@ KOR_API void kor_test_suite_delete(KorTestSuite** suite);
  * Registers `fn` under `title`, which is copied. A suite takes each function and each title once.
  *
  * ILLEGAL_ARGUMENT, in this order: "'suite' is NULL"; "'title' is NULL"; "'fn' is NULL"; "Test case function already
- * registered"; "Test case title already registered". MALLOC_ERROR: the suite is as it was, and the same call can be made
- * again.
+ * registered"; "Test case title already registered". MALLOC_ERROR: the suite is as it was, and the same call can be
+ * made again.
  */
 KOR_API void kor_test_suite_add_case(KorTestSuite* suite, const char* title, KorTestFn fn);
 
