@@ -78,7 +78,7 @@ Attempt<0> attempt(Body&& body) {
 }
 
 // How many errors have gone to the uncaught handler so far: their raises returned.
-uint32_t uncaught_errors();
+[[nodiscard]] uint32_t uncaught_errors();
 
 // False when `step` raised and came back all the same, as it can outside every try block. No block is opened for it.
 template <typename Step>

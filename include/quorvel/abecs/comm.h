@@ -32,8 +32,8 @@ KOR_BEGIN_DECLS
  *    "tcdrain() error: %d" or "tcflush() error: %d", with 5 for a line that hung up (quorvel/kor/serial.h). Where an
  *    answer is waited for, TIMEOUT_ERROR "Timeout waiting for data" means that no byte of it came in time.
  *
- * 5. The functions that do I/O, abecs_comm_get_cmd_id too, open a try block of their own: not for clean-up branches.
- *    abecs_comm_close is the exception.
+ * 5. All of these can stand in a clean-up branch, to cancel or to close, for instance: what succeeds leaves the pending
+ *    error as it is. What is raised takes its place, but for abecs_comm_close.
  *
  * 6. One thread at a time uses a link.
  */
