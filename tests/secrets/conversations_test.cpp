@@ -115,11 +115,11 @@ const Table kCards{
     {"GcrAnswer",
      {number(), key()},
      talk([](Talk& t) { protect(t), t.answers("GCR", gcr_answer(true)); }, read_gcr),
-     {"168: number", "20: key", "20: key", "20: key", "20: key", "28: key"}},
+     {"168: number", "20: key", "20: key", "20: key", "20: key", "28: key", "8360: number"}},
     {"GcrAnswerThatEndsBehindTheTracks",
      {number(), key()},
      talk([](Talk& t) { protect(t), t.answers("GCR", gcr_answer(false)); }, read_gcr),
-     {"168: number", "20: key", "20: key", "20: key", "28: key"},
+     {"168: number", "20: key", "20: key", "20: key", "28: key", "8360: number"},
      support::error(6, "Buffer does not have enough data (requested: 2, available: 0)")},
     {"CkeAnswer",
      {number(), key()},
@@ -129,7 +129,7 @@ const Table kCards{
              t.answers("CKE", "000225100" + field("", 76) + "21" + field(kProtectedTrack, 40) + field("", 104));
          },
          [](Talk& t) { abecs_cmd_cke_response(t.comm, &t.cke, nullptr); }),
-     {"168: number", "20: key", "20: key", "20: key", "28: key"}},
+     {"168: number", "20: key", "20: key", "20: key", "28: key", "8360: number"}},
     {"GocAnswer",
      {number()},
      talk([](Talk& t) { t.answers("GOC", "000999000000" + field(n(kNumber), 36) + "016" + n(kNumber) + "000"); },
@@ -172,17 +172,6 @@ std::string modulus_of(const std::string& request, size_t at, size_t digits) { r
 std::string session_block() { return "0002"_hex + std::string(256 - 3 - 16, '\x5A') + '\0' + from_digits(kKey); }
 
 std::string working_key_block(char end) { return "T19 filling" + n(kKey) + std::string(84, '\xA5') + end; }
-
-// A block as the number that RSA makes of it, in digits of 60 bits.
-Secret as_number(std::string_view block) {
-    Secret secret{"block", {}};
-    std::string digits = of_bytes("", block).forms[2];
-    for (constexpr size_t kStep = 60 / 4; digits.size() > kStep; digits.resize(digits.size() - kStep)) {
-        const uint64_t digit = std::stoull(digits.substr(digits.size() - kStep), nullptr, 16);
-        secret.forms.emplace_back(reinterpret_cast<const char*>(&digit), sizeof digit);
-    }
-    return secret;
-}
 
 void answer_opn(Talk& talk, const std::string& block) {
     talk.link.peer.reply(1 + 6 + 4 + 512 + 1 + 6 + 3, [=](const std::string& request) {
@@ -228,23 +217,23 @@ const support::Raised kFailed = support::error(13, "Invalid key size.");
 
 const Table kKeys{
     {"OpnAnswer",
-     {key(), as_number(session_block())},
+     {key()},
      talk([](Talk& t) { answer_opn(t, session_block()); }, open_session),
-     {"256: key", "256: key"}},
+     {"11664: key", "256: key", "256: key"}},
     {"OpnAnswerWithALongerKey",
      {key()},
      talk([](Talk& t) { answer_opn(t, "0002"_hex + std::string(236, '\x5A') + '\0' + "x" + from_digits(kKey)); },
           open_session),
-     {"256: key", "256: key"},
+     {"11664: key", "256: key", "256: key"},
      support::error(12, "(OPN) Invalid Ksec length (expected: 16, read: 17)")},
     {"Dwk2Answer",
-     {key(), as_number(working_key_block('X'))},
+     {key()},
      talk([](Talk& t) { answer_dwk2(t, working_key_block('X')); }, take_rsa_key),
-     {"128: key", "128: key", "20: key", "256: key"}},
+     {"11664: key", "128: key", "128: key", "20: key", "256: key"}},
     {"Dwk2AnswerWithABadEnd",
      {key()},
      talk([](Talk& t) { answer_dwk2(t, working_key_block('Y')); }, take_rsa_key),
-     {"128: key", "128: key", "20: key", "256: key"},
+     {"11664: key", "128: key", "128: key", "20: key", "256: key"},
      support::error(12, "(DWK) Invalid block end (expected: 'X', read: 'Y')")},
     {"Dwk1Answer", {drawn_key()}, talk([](Talk& t) { answer_dwk1(t, "DWK000"); }, load_key), {"20: drawn"}},
     {"Dwk1AnswerThatRefuses", {drawn_key()}, talk([](Talk& t) { answer_dwk1(t, "DWK042"); }, load_key), {"20: drawn"}},
@@ -303,11 +292,11 @@ const Table kSession{
     {"SessionTalk",
      {number(), key()},
      talk(echo, talk_in_session),
-     {"2044: number", "36: key", "36: key", "4392: key", "4392: key"}},
+     {"2044: number", "36: key", "36: key", "8488: key", "8488: key"}},
     {"SessionCommandNotEnciphered",
      {number(), key()},
      with_failing_cipher("aes", begin_session, [](Talk& t) { abecs_comm_send_packet(t.comm, t.packet); }),
-     {"2044: number", "36: key", "4392: key"},
+     {"2044: number", "36: key", "8488: key"},
      kFailed},
 };
 

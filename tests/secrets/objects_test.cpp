@@ -166,7 +166,7 @@ void decipher_clear_card_data(Keys& keys) {
     abecs::decipher_card_data(&keys.link, keys.track.data(), keys.track.size());
 }
 
-// 28 is the key as triple DES takes it, 20 a record of a working key.
+// 28 is the key as triple DES takes it, 20 a record of a working key, 8360 the stack under a cipher.
 const Table kPan{
     // The texts stay until the same function is called again.
     {"PanEncrypted", {key(), number()}, with_keys(encrypt), {"104: number", "28: key"}, {}, {"variables: number"}},
@@ -178,14 +178,19 @@ const Table kPan{
      }),
      {"104: number", "28: key"}},
     {"PanNotEncrypted", {key(), number()}, with_failing_cipher(encrypt), {"104: number", "28: key"}, kFailed},
-    {"TrackDecrypted", {key(), number()}, with_keys(decrypt), {"168: number", "28: key"}, {}, {"variables: number"}},
+    {"TrackDecrypted",
+     {key(), number()},
+     with_keys(decrypt),
+     {"168: number", "28: key", "8360: number"},
+     {},
+     {"variables: number"}},
     {"TrackDecryptedAndCleared",
      {key(), number()},
      with_keys([](Keys& keys) {
          decrypt(keys);
          abecs_pan_decrypt_track("", &keys.pan);
      }),
-     {"168: number", "28: key"}},
+     {"168: number", "28: key", "8360: number"}},
     {"TrackNotDecrypted", {key(), number()}, with_failing_cipher(decrypt_clear), {"168: number", "28: key"}, kFailed},
     {"NumberIdentified", {number()}, with_keys(identify), {"256: number"}, {}, {"variables: number"}},
     {"NumberIdentifiedAndCleared",
@@ -195,7 +200,10 @@ const Table kPan{
          abecs_pan_identify("");
      }),
      {"256: number"}},
-    {"CardDataDeciphered", {key(), number()}, with_keys(decipher_card_data), {"168: number", "20: key", "28: key"}},
+    {"CardDataDeciphered",
+     {key(), number()},
+     with_keys(decipher_card_data),
+     {"168: number", "20: key", "28: key", "8360: number"}},
     {"CardDataNotDeciphered",
      {key(), number()},
      with_failing_cipher(decipher_clear_card_data),

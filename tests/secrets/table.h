@@ -36,6 +36,8 @@ struct Row {
 
 inline void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 
+void expect(const Row& row);
+
 using Table = std::vector<Row>;
 
 class Secrets : public testing::TestWithParam<Row> {};

@@ -25,8 +25,7 @@
 extern "C" {
 void* __real_kor_heap_alloc(size_t size, int nullable);
 void* __wrap_kor_heap_alloc(size_t size, int nullable);
-void __real_kor_heap_free(void* pointer);
-void __wrap_kor_heap_free(void* pointer);
+void __libc_free(void* pointer);
 void __wrap_explicit_bzero(void* begin, size_t size);
 void __wrap___explicit_bzero_chk(void* begin, size_t size, size_t room);
 extern char __data_start;
@@ -39,25 +38,48 @@ namespace {
 
 constexpr size_t kWindow = 8;
 
+#ifdef QUORVEL_SANITIZED
+constexpr bool kSwitches = false;
+#else
+constexpr bool kSwitches = true;
+#endif
+
 class Stack {
 public:
     Stack() : memory_(mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {}
     ~Stack() { munmap(memory_, kSize); }
     Stack(Stack&&) = delete;
 
-    void run(void (*function)()) {
 #ifdef QUORVEL_SANITIZED
-        function();  // the sanitizer knows of one stack for each thread
+    // The sanitizer knows of one stack for each thread, where the test itself leaves secrets.
+    void prepare(void (*function)()) {
+        clear_below();
+        function_ = function;
+    }
+    void enter() { function_(); }
+    void leave() {}
+    __attribute__((noinline, no_sanitize("address"))) static void clear_below() {
+        volatile char below[1 << 16];
+        for (volatile char& byte : below) { byte = 0; }
+    }
+    void (*function_)() = nullptr;
 #else
+    void prepare(void (*function)()) {
         getcontext(&inside_);
         inside_.uc_stack.ss_sp = memory_;
         inside_.uc_stack.ss_size = kSize;
         inside_.uc_link = &outside_;
         makecontext(&inside_, function, 0);
-        swapcontext(&outside_, &inside_);
-#endif
     }
+    void enter() { swapcontext(&outside_, &inside_); }
+    // The next entry goes on from here.
+    void leave() { swapcontext(&inside_, &outside_); }
+#endif
 
+    [[nodiscard]] bool has(const char* address) const {
+        const auto* begin = static_cast<const char*>(memory_);
+        return begin <= address && address < begin + kSize;
+    }
     [[nodiscard]] std::string_view content() const { return {static_cast<const char*>(memory_), kSize}; }
 
 private:
@@ -121,11 +143,28 @@ void note() {
     }
 }
 
+#ifndef QUORVEL_SANITIZED
+// Other threads and the searches free memory, too.
+bool in_call() {
+    const char local = 0;
+    return current != nullptr && current->stack.has(&local);
+}
+#endif
+
+// On the call's own stack this only changes to the other one: whatever else it did could write over what is left there,
+// or, as functions with variable arguments do, put the registers there.
 void look_at(Event what, const void* begin, size_t size) {
     if (current == nullptr) { return; }
     event = what;
     looked_at = {static_cast<const char*>(begin), size};
-    current->searches.run(note);
+    current->searches.enter();
+}
+
+void search() {
+    do {
+        note();
+        current->searches.leave();
+    } while (kSwitches);
 }
 
 void wipe(void* begin, size_t size) {
@@ -158,7 +197,11 @@ Secret of_bytes(std::string name, std::string_view bytes) {
     std::erase(upper, ' ');
     std::string lower = upper;
     std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return c < 'A' ? c : c + 'a' - 'A'; });
-    return {std::move(name), {std::string(bytes), swapped(std::string(bytes)), upper, lower}};
+    Secret secret{std::move(name), {std::string(bytes), swapped(std::string(bytes)), upper, lower}};
+    for (const std::string_view forward : {bytes, std::string_view(upper)}) {
+        secret.forms.emplace_back(forward.rbegin(), forward.rend());
+    }
+    return secret;
 }
 
 Secret of_digits(std::string name, std::string_view digits) {
@@ -179,16 +222,19 @@ Seen watch(const std::vector<Secret>& secrets, Raising raising, const std::funct
         }
     }
     Seen& seen = watched->seen;
+    watched->searches.prepare(search);
     if (raising == Raising::kCaught) {
-        current = watched.get();
-        current->stack.run([] {
+        watched->stack.prepare([] {
             const support::Raised raised = support::raised_by([] { (*current->call)(); });
             if (raised != support::Raised{}) { current->seen.raised.push_back(raised); }
         });
+        current = watched.get();
+        current->stack.enter();
     } else {
         const support::ReturningRaises raises;
+        watched->stack.prepare([] { (*current->call)(); });
         current = watched.get();
-        current->stack.run([] { (*current->call)(); });
+        current->stack.enter();
         seen.raised = raises.all();
     }
     look_around();
@@ -202,13 +248,18 @@ Seen watch(const std::vector<Secret>& secrets, Raising raising, const std::funct
 // Without what others have left there before.
 void* __wrap_kor_heap_alloc(size_t size, int nullable) {
     void* memory = __real_kor_heap_alloc(size, nullable);
-    return memory != nullptr ? std::memset(memory, 0xA5, malloc_usable_size(memory)) : nullptr;
+    return memory != nullptr ? std::memset(memory, 0xE7, malloc_usable_size(memory)) : nullptr;
 }
 
-void __wrap_kor_heap_free(void* pointer) {
-    if (pointer != nullptr) { secrets::look_at(secrets::Event::kFreed, pointer, malloc_usable_size(pointer)); }
-    __real_kor_heap_free(pointer);
+#ifndef QUORVEL_SANITIZED
+// In the place of the C library's for the whole program, so that what the libraries under this one free is seen, too.
+void free(void* pointer) noexcept {
+    if (pointer != nullptr && secrets::in_call()) {
+        secrets::look_at(secrets::Event::kFreed, pointer, malloc_usable_size(pointer));
+    }
+    __libc_free(pointer);
 }
+#endif
 
 void __wrap_explicit_bzero(void* begin, size_t size) { secrets::wipe(begin, size); }
 

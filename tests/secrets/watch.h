@@ -21,7 +21,8 @@ struct Secret {
     std::vector<std::string> forms;
 };
 
-// The bytes as they are and as words of four bytes the other way round, as ciphers load them; and as digits.
+// The bytes as they are, as words of four bytes the other way round, as ciphers load them, and as digits; and the other
+// way round as a whole, as they stand in a number.
 Secret of_bytes(std::string name, std::string_view bytes);
 
 // Digits as text, and what of_bytes has for the bytes that they name.
@@ -34,8 +35,8 @@ struct Seen {
     std::vector<support::Raised> raised;
     // Each wipe of memory that held a secret just before, sorted: "16: key" for one of 16 bytes.
     std::vector<std::string> wiped;
-    // Where a secret still stands right after the call: the stack below it, blocks as they were freed, the program's
-    // variables. Objects that live on are not looked at.
+    // Where a secret still stands right after the call: the stack below it, blocks as they were freed, by whomever, and
+    // the program's variables. Objects that live on are not looked at; with a sanitizer, the variables only.
     std::vector<std::string> left;
 };
 
