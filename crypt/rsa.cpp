@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <initializer_list>
 #include <span>
 
 #include "core/raise.h"
 #include "crypt/random.h"
 #include "crypt/registry.h"
 #include "crypt/rsa_key.h"
+#include "crypt/stack.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
@@ -22,6 +24,7 @@ using kor::crypt::raise_to_private;
 using kor::crypt::registry;
 using kor::crypt::succeeded;
 using kor::crypt::to_bytes;
+using kor::crypt::without_trace;
 
 namespace {
 
@@ -47,16 +50,6 @@ bool checked(Bytes N, Bytes e) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: %d", static_cast<int>(N.size())), false;
     }
     return true;
-}
-
-bool load_public(rsa_key* key, const CryptRsaPublicKey& pubKey) {
-    const uint32_t exponentSize = pubKey.exponentSize;
-    if (!checked({pubKey.modulus, pubKey.modulusSize}, {pubKey.exponent, exponentSize})) { return false; }
-    if (exponentSize > sizeof pubKey.exponent) {
-        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: %d", static_cast<int>(exponentSize)), false;
-    }
-    // A key that could not be set holds nothing to release.
-    return succeeded(rsa_set_key(pubKey.modulus, pubKey.modulusSize, pubKey.exponent, exponentSize, nullptr, 0, key));
 }
 
 // An empty key with room for a private exponent of so many bytes, or none after the raise.
@@ -93,53 +86,123 @@ Result through_work_area(uint8_t* out, size_t outSize, Operation operation) {
 
 size_t length_or_raise(const Result& result) { return succeeded(result.status) ? result.length : 0; }
 
-// Runs `operation` on the public key and releases what it was loaded into before an error leaves.
+// None after the raise.
+CryptRsaKey* load(Bytes N, Bytes e, Bytes d) {
+    const Bytes modulus = significant_bytes(N);
+    const Bytes exponent = significant_bytes(e);
+    const Bytes privateExponent = significant_bytes(d);
+    CryptRsaKey* key = new_key(privateExponent.size());
+    if (key == nullptr) { return nullptr; }
+    key->modulusSize = modulus.size();
+    from_bytes(key->modulus, modulus);
+    key->exponentSize = exponent.size();
+    std::ranges::copy(exponent.last(std::min(exponent.size(), key->exponent.size())), key->exponent.begin());
+    from_bytes(key->private_exponent(), privateExponent);
+    return key;
+}
+
+// Runs `operation` on the public key, whose exponent is taken for a private one: the same arithmetic, which unlike
+// LibTomMath's leaves nothing of what it enciphers. Releases the key before an error leaves.
 template <typename Operation>
-size_t with_public_key(const CryptRsaPublicKey* pubKey, uint8_t* out, size_t outSize, Operation operation) {
-    rsa_key key{};
-    if (!load_public(&key, *pubKey)) { return 0; }
-    const Result result = through_work_area(
-        out, outSize, [&](uint8_t* work, unsigned long* length) { return operation(&key, work, length); });
-    rsa_free(&key);
+size_t with_public_key(const CryptRsaPublicKey& pubKey, uint8_t* out, size_t outSize, Operation operation) {
+    const Bytes modulus{pubKey.modulus, pubKey.modulusSize};
+    const Bytes exponent{pubKey.exponent, pubKey.exponentSize};
+    if (!checked(modulus, exponent)) { return 0; }
+    if (exponent.size() > sizeof pubKey.exponent) {
+        return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: %d", static_cast<int>(exponent.size())), 0;
+    }
+    CryptRsaKey* key = load(modulus, exponent, exponent);
+    if (key == nullptr) { return 0; }
+    const Result result = through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
+        const int status = operation(*key, std::span(work, *length));
+        *length = key->modulusSize;
+        return status;
+    });
+    release(key);
     return length_or_raise(result);
 }
 
 // OAEP trusts the modulus to be longer than its padding, and a loaded one can be any number.
 int check_for_oaep(size_t modulusSize) { return is_modulus_size(modulusSize) ? CRYPT_OK : CRYPT_PK_INVALID_SIZE; }
 
-// Masks `masked` with what the hash makes of `seed`.
+constexpr size_t kHashSize = 20;
+using Hash = std::array<uint8_t, kHashSize>;
+
+// LibTomCrypt's own functions for this keep what they hash, and the message, in memory that they free as it is; here it
+// is on the stack. `parts` are hashed as one.
+int hash(Hash& out, std::initializer_list<Bytes> parts) {
+    const ltc_hash_descriptor& sha1 = hash_descriptor[registry.sha1];
+    hash_state state;
+    int status = sha1.init(&state);
+    for (const Bytes part : parts) {
+        if (status == CRYPT_OK) { status = sha1.process(&state, part.data(), part.size()); }
+    }
+    return status == CRYPT_OK ? sha1.done(&state, out.data()) : status;
+}
+
+// Masks `masked` with what the hash makes of `seed`, or takes the mask away.
 int mask(std::span<uint8_t> masked, Bytes seed) {
-    std::array<uint8_t, kLargeModulus> bytes;
-    const int status = pkcs_1_mgf1(registry.sha1, seed.data(), seed.size(), bytes.data(), masked.size());
-    if (status != CRYPT_OK) { return status; }
-    for (size_t i = 0; i < masked.size(); ++i) { masked[i] ^= bytes[i]; }
+    std::array<uint8_t, 4> counter{};
+    for (; !masked.empty(); ++counter.back()) {
+        Hash bytes;
+        if (const int status = hash(bytes, {seed, counter}); status != CRYPT_OK) { return status; }
+        const std::span<uint8_t> part = masked.first(std::min(masked.size(), bytes.size()));
+        for (size_t i = 0; i < part.size(); ++i) { part[i] ^= bytes[i]; }
+        masked = masked.subspan(part.size());
+    }
     return CRYPT_OK;
 }
 
 // 00, a random seed under a mask, and, under a mask that the seed makes: the hash of the empty label, zeros, 01 and the
-// message. LibTomCrypt's own function takes its seed from a registered generator.
-int oaep_encode(Bytes message, std::span<uint8_t> out) {
-    constexpr size_t kHashSize = 20;
-    if (message.size() > out.size() - 2 * kHashSize - 2) { return CRYPT_PK_INVALID_SIZE; }
-    const std::span<uint8_t> seed = out.subspan(1, kHashSize);
-    const std::span<uint8_t> block = out.subspan(1 + kHashSize);
-    std::ranges::fill(out, uint8_t{0});
-    unsigned long hashSize = kHashSize;
-    const std::span<uint8_t> tail = block.last(message.size() + 1);
-    tail[0] = 0x01;
-    std::ranges::copy(message, tail.begin() + 1);
-    int status = hash_memory(registry.sha1, out.data(), 0, block.data(), &hashSize);
-    if (status == CRYPT_OK) { status = draw(seed.data(), seed.size()); }
-    if (status == CRYPT_OK) { status = mask(block, seed); }
-    return status == CRYPT_OK ? mask(seed, block) : status;
-}
+// message.
+struct Oaep {
+    std::span<uint8_t> block;
+    std::span<uint8_t> seed = block.subspan(1, kHashSize);
+    std::span<uint8_t> data = block.subspan(1 + kHashSize);
 
-int oaep_encrypt(rsa_key* key, Bytes in, uint8_t* out, unsigned long* length) {
-    const size_t modulusSize = ltc_mp.unsigned_size(key->N);
-    int status = check_for_oaep(modulusSize);
-    if (status == CRYPT_OK && *length < modulusSize) { status = CRYPT_BUFFER_OVERFLOW; }
-    if (status == CRYPT_OK) { status = oaep_encode(in, {out, modulusSize}); }
-    return status == CRYPT_OK ? rsa_exptmod(out, modulusSize, out, length, PK_PUBLIC, key) : status;
+    [[nodiscard]] int encode(Bytes message) const {
+        if (message.size() > data.size() - kHashSize - 1) { return CRYPT_PK_INVALID_SIZE; }
+        std::ranges::fill(block, uint8_t{0});
+        const std::span<uint8_t> tail = data.last(message.size() + 1);
+        tail[0] = 0x01;
+        std::ranges::copy(message, tail.begin() + 1);
+        Hash label;
+        int status = hash(label, {});
+        std::ranges::copy(label, data.begin());
+        if (status == CRYPT_OK) { status = draw(seed.data(), seed.size()); }
+        if (status == CRYPT_OK) { status = mask(data, seed); }
+        return status == CRYPT_OK ? mask(seed, data) : status;
+    }
+
+    // Moves the message to the front of the block. Whatever is wrong, it is the same error.
+    [[nodiscard]] int decode(unsigned long* length) const {
+        Hash label;
+        int status = hash(label, {});
+        if (status == CRYPT_OK) { status = mask(seed, data); }
+        if (status == CRYPT_OK) { status = mask(data, seed); }
+        if (status != CRYPT_OK) { return status; }
+        uint8_t wrong = block[0];
+        for (size_t i = 0; i < kHashSize; ++i) { wrong |= static_cast<uint8_t>(data[i] ^ label[i]); }
+        const auto end = std::find_if(data.begin() + kHashSize, data.end(), [](uint8_t byte) { return byte != 0; });
+        if (wrong != 0 || end == data.end() || *end != 0x01) { return CRYPT_INVALID_PACKET; }
+        const Bytes message(end + 1, data.end());
+        if (message.size() > *length) { return CRYPT_INVALID_PACKET; }
+        *length = message.size();
+        std::memmove(block.data(), message.data(), message.size());
+        return CRYPT_OK;
+    }
+};
+
+// What the hash and its state take of the stack, where they keep the seed or parts of the block.
+constexpr size_t kOaepStack = 2048;
+
+int oaep_encrypt(const CryptRsaKey& key, Bytes in, std::span<uint8_t> work) {
+    int status = check_for_oaep(key.modulusSize);
+    if (status == CRYPT_OK && work.size() < key.modulusSize) { status = CRYPT_BUFFER_OVERFLOW; }
+    if (status != CRYPT_OK) { return status; }
+    const std::span<uint8_t> block = work.first(key.modulusSize);
+    status = without_trace<kOaepStack>([&] { return Oaep{block}.encode(in); });
+    return status == CRYPT_OK ? raise_to_private(key, block, block) : status;
 }
 
 int oaep_decrypt(const CryptRsaKey& key, Bytes in, uint8_t* work, unsigned long* length) {
@@ -147,10 +210,7 @@ int oaep_decrypt(const CryptRsaKey& key, Bytes in, uint8_t* work, unsigned long*
     if (status == CRYPT_OK && in.size() != key.modulusSize) { status = CRYPT_INVALID_PACKET; }
     if (status == CRYPT_OK) { status = raise_to_private(key, in, {work, kLargeModulus}); }
     if (status != CRYPT_OK) { return status; }
-    int valid = 0;
-    const auto bits = static_cast<unsigned long>(8 * key.modulusSize);
-    status = pkcs_1_oaep_decode(work, key.modulusSize, nullptr, 0, bits, registry.sha1, work, length, &valid);
-    return status == CRYPT_OK && valid == 0 ? CRYPT_INVALID_PACKET : status;
+    return without_trace<kOaepStack>([&] { return Oaep{{work, key.modulusSize}}.decode(length); });
 }
 
 }  // namespace
@@ -172,17 +232,7 @@ CryptRsaKey* crypt_rsa_key_load(const uint8_t* N, size_t szN, const uint8_t* e, 
     if (d == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'d' is NULL"), nullptr; }
     if (szd == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szd' is zero"), nullptr; }
     if (!checked({N, szN}, {e, sze})) { return nullptr; }
-    const Bytes modulus = significant_bytes({N, szN});
-    const Bytes exponent = significant_bytes({e, sze});
-    const Bytes privateExponent = significant_bytes({d, szd});
-    CryptRsaKey* key = new_key(privateExponent.size());
-    if (key == nullptr) { return nullptr; }
-    key->modulusSize = modulus.size();
-    from_bytes(key->modulus, modulus);
-    key->exponentSize = exponent.size();
-    std::ranges::copy(exponent.last(std::min(exponent.size(), key->exponent.size())), key->exponent.begin());
-    from_bytes(key->private_exponent(), privateExponent);
-    return key;
+    return load({N, szN}, {e, sze}, {d, szd});
 }
 
 void crypt_rsa_key_delete(CryptRsaKey** key) {
@@ -236,8 +286,8 @@ size_t crypt_rsa_public_exp(const CryptRsaPublicKey* pubKey, const uint8_t* in, 
     if (pubKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pubKey' is NULL"), 0; }
     if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
-    return with_public_key(pubKey, out, outSize, [&](rsa_key* key, uint8_t* work, unsigned long* length) {
-        return rsa_exptmod(in, inLen, work, length, PK_PUBLIC, key);
+    return with_public_key(*pubKey, out, outSize, [&](const CryptRsaKey& key, std::span<uint8_t> work) {
+        return raise_to_private(key, {in, inLen}, work);
     });
 }
 
@@ -246,8 +296,8 @@ size_t crypt_rsa_encrypt(const CryptRsaPublicKey* pubKey, const uint8_t* in, siz
     if (pubKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pubKey' is NULL"), 0; }
     if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
-    return with_public_key(pubKey, out, outSize, [&](rsa_key* key, uint8_t* work, unsigned long* length) {
-        return oaep_encrypt(key, {in, inLen}, work, length);
+    return with_public_key(*pubKey, out, outSize, [&](const CryptRsaKey& key, std::span<uint8_t> work) {
+        return oaep_encrypt(key, {in, inLen}, work);
     });
 }
 
