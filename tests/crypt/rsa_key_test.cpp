@@ -19,7 +19,6 @@
 #include "crypt/registry.h"
 #include "tests/core/owned.h"
 #include "tests/crypt/randomness.h"
-#include "tests/crypt/wiped.h"
 #include "tests/support/big.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
@@ -276,7 +275,6 @@ TEST(RsaKey, WithoutRandomnessNothingIsMadeNorKept) {
             const support::FailingMalloc blocks(0);
             EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, kNoRandomness, crypt_rsa_key_new(128, 65537));
             EXPECT_EQ(blocks.kept(), 0U);
-            EXPECT_EQ(support::last_freed().substr(0, sizeof(CryptRsaKey)), std::string(sizeof(CryptRsaKey), '\0'));
             if (failing > 1) { continue; }
             uint8_t out[128]{};
             EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, kNoRandomness, crypt_rsa_encrypt(&publicKey, out, 1, out, 128));
@@ -334,41 +332,6 @@ TEST(RsaKey, EachMessageIsPaddedWithAFreshSeed) {
     crypt_rsa_encrypt(&publicKey, out, 0, out, sizeof out);
     crypt_rsa_encrypt(&publicKey, out, 0, out, sizeof out);
     EXPECT_EQ(drawn, (std::vector<size_t>{20, 20}));
-}
-
-// The frames that the numbers stood in are overwritten after the calls: a wiped range had the number in it.
-TEST(RsaKey, UsedStackIsWiped) {
-    support::forget_wiped();
-    const Key key(crypt_rsa_key_new(128, 65537));
-    EXPECT_TRUE(support::bytes_were_wiped(number(key.object->p, *key.object).little_endian(64)));
-    const std::string in(100, '\x55');
-    const Big power = Big(in).to_the(number(key.object->dP, *key.object), number(key.object->p, *key.object));
-    uint8_t out[128];
-    support::forget_wiped();
-    crypt_rsa_private_exp(key, bytes(in), in.size(), out, sizeof out);
-    EXPECT_TRUE(support::bytes_were_wiped(power.little_endian(64)));
-    EXPECT_TRUE(support::bytes_were_wiped(std::string(out, out + sizeof out))) << "the work area";
-    const Big modulus(key.object->modulus.data(), 128);
-    const std::string cryptogram = Big(in).to_the(Big(65537), modulus).bytes(128);
-    support::forget_wiped();
-    EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid OAEP packet",
-                  crypt_rsa_decrypt(key, bytes(cryptogram), 128, out, sizeof out));
-    EXPECT_TRUE(support::bytes_were_wiped(Big(in).bytes(128)));
-}
-
-TEST(RsaKey, DeletingWipesTheWholeOfIt) {
-    CryptRsaKey* made = crypt_rsa_key_new(128, 65537);
-    CryptRsaKey* loaded = crypt_rsa_key_load(bytes(std::string(128, '\x55')), 128, bytes("\x03"), 1,
-                                             bytes(std::string(300, '\x77')), 300);
-    for (CryptRsaKey** key : {&made, &loaded}) {
-        const size_t size = (*key)->size;
-        const void* begin = *key;
-        support::forget_wiped();
-        crypt_rsa_key_delete(key);
-        EXPECT_EQ(*key, nullptr);
-        EXPECT_TRUE(support::was_wiped(begin, size));
-        EXPECT_EQ(support::last_freed().substr(0, size), std::string(size, '\0'));
-    }
 }
 
 }  // namespace
