@@ -118,7 +118,7 @@ size_t with_public_key(const CryptRsaPublicKey& pubKey, uint8_t* out, size_t out
         *length = key->modulusSize;
         return status;
     });
-    release(key);
+    kor_heap_free(key);
     return length_or_raise(result);
 }
 
