@@ -17,7 +17,9 @@ bool abecs::move_bytes(KorBuffer* from, KorBuffer* to, size_t length) {
     const size_t untilEnd = std::min(length, kor_buffer_capacity(from) - begin);
     // What does not fit is refused as a whole, before a byte of it has moved.
     if (length > kor_buffer_available_write(to)) { return codec::append(to, storage, length); }
-    if (!codec::append(to, storage + begin, untilEnd) || !codec::append(to, storage, length - untilEnd)) { return false; }
+    if (!codec::append(to, storage + begin, untilEnd) || !codec::append(to, storage, length - untilEnd)) {
+        return false;
+    }
     kor_buffer_read(from, nullptr, length);
     return true;
 }
