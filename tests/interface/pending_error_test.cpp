@@ -394,6 +394,18 @@ TEST(PendingError, OutlivesEverySuccessInACatchBranchButThoseThatTheHeaderNames)
     expect_cleared_as_promised(act_in_catch);
 }
 
+// Where the text is an argument, it is still there when the command comes to write it.
+TEST(PendingError, CanBeShownOnThePinPadThatItCameFrom) {
+    Bench bench;
+    bench.peer.request("DSP032" + field("pending", 32)).response("DSP000");
+    const support::Raised raised = support::raised_by([&] {
+        KOR_TRY { kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "pending"); }
+        KOR_CLEANUP { abecs_cmd_dsp(bench.link, kor_exception_get_message()); }
+        KOR_END_TRY;
+    });
+    EXPECT_EQ(raised, (support::Raised{7, "pending"}));
+}
+
 TEST(PendingError, IsTriedWithEveryExportedFunction) {
     std::set<std::string> listed;
     std::set<std::string> exported;
