@@ -194,7 +194,7 @@ void kor::run_attempt(Branch body, std::span<const CatchBranch> catches, Branch 
     const KorException pending = __cex__;
     const uint32_t uncaught = uncaught_count;
     if (__kor_exception_begin_try__() == nullptr) { return; }
-    // What the caller handed in may be this very text.
+    // Without its code, so nothing is pending; but the text may be an argument of what is called in here.
     std::memcpy(__cex__.message, pending.message, sizeof pending.message);
     (void)setjmp(__kor_exception_get_frame__()->jump);
     KorExceptionFrameNode* frame = __kor_exception_get_frame__();

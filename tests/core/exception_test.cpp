@@ -14,6 +14,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/enum.h"
 #include "quorvel/kor/heap.h"
+#include "quorvel/kor/serial.h"
 #include "tests/core/leave_block.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
@@ -220,6 +221,26 @@ TEST(Attempt, PutsThePendingErrorBack) {
         .run();
     EXPECT_EQ((Raised{after.error, after.message}), Raised{}) << "one that nobody caught leaves nothing pending";
     EXPECT_EQ(handler.all(), (std::vector<Raised>{{6, "other"}}));
+}
+
+// An application hands on what it caught: to show it, to store it, to open what it names.
+TEST(Attempt, LeavesTheTextOfThePendingErrorToItsBody) {
+    const char* text = kor_exception_get_message();
+    std::string seen;
+    KorException after{};
+    kor::attempt([] { kor_exception_throw(7, "/no/such/port"); })
+        .on_any([&] {
+            kor::attempt([&] {
+                EXPECT_EQ(kor_exception_get_error(), 0);
+                kor::attempt([&] { seen = text; }).run();
+                kor_serial_open(text);
+            }).on_any([&] {
+                  kor_exception_get(&after);
+              }).run();
+        })
+        .run();
+    EXPECT_EQ(seen, "/no/such/port");
+    EXPECT_STREQ(after.message, "[KOR_RESULT_FILE_NOT_FOUND] No such port: /no/such/port");
 }
 
 TEST(Attempt, ClosesItsOwnFrameAndNoOther) {
