@@ -16,11 +16,11 @@ KOR_BEGIN_DECLS
 /*
  * Errors and try blocks.
  *
- * 1. No function returns an error code. A failure is raised: a code and a text of at most 255 characters, which reads
- *    "[KOR_RESULT_NAME] detail", go to the innermost open try block.
+ * 1. A failure is raised: a code and a text of at most 255 characters, which reads "[KOR_RESULT_NAME] detail", go to
+ *    the innermost open try block.
  * 2. With no try block open, the uncaught handler is called. The default one prints "Uncaught error: ..." to standard
  *    output and raises SIGABRT. If the handler returns, the function that raised leaves at once with a harmless result
- *    (none, 0, false, an empty text) and without having done its work.
+ *    (none, 0, false, an empty text; of commands see quorvel/quorvel.h) and without having done its work.
  * 3. One error is pending at a time, in one process-wide record. A raise replaces it; opening a try block of your own
  *    clears it, and so does the end of a block that has dealt with it. Only these clear it when they succeed:
  *    __kor_exception_begin_try__ and __kor_exception_next_state__. Every other function of the library leaves it as it

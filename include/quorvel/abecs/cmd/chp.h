@@ -67,10 +67,10 @@ typedef struct AbecsCmdChpParam {
 KOR_API void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param);
 
 /*
- * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet; -2
- * (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or null),
- * and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out` (515
- * bytes) holds what the card has answered, in hexadecimal digits without leading pairs "30".
+ * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet, or three damaged frames have
+ * come; -2 (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or
+ * null), and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out`
+ * (515 bytes) holds what the card has answered, in hexadecimal digits without leading pairs "30".
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet"; PROTOCOL_ERROR
  * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command; those

@@ -21,8 +21,8 @@ KOR_API void abecs_cmd_gcd(AbecsComm* pinpad, uint16_t msgIdx, uint8_t minDig, u
 
 /*
  * Polls for the answer of GCD. Returns RSP_STAT and unblocks the link, with the number as a text in `out` when RSP_STAT
- * is 0; or -1 when nothing has come yet, or -2 with the text of a notification in `notification` (33 bytes, or none),
- * the link staying blocked.
+ * is 0; or -1 when nothing has come yet, or three damaged frames have, or -2 with the text of a notification in
+ * `notification` (33 bytes, or none), the link staying blocked.
  *
  * Give `out` room for 996 bytes: so many, with the NUL, are written when the PIN pad sends that much, and nothing stops
  * it. A number that keeps to `maxDig` fills 33 of them at most.

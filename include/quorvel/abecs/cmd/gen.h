@@ -18,7 +18,8 @@ KOR_BEGIN_DECLS
  * in the PIN pad's slots.
  *
  * 1. All but 04/03 send, read the answer and return RSP_STAT; the output is filled when that is 0. After an error in
- *    the answer it may be filled in part, but for a length, which is 0 then unless what it counts is there.
+ *    the answer it may be filled in part, but for a length: that is 0 then, or both it and what it counts are as they
+ *    were or as received.
  * 2. ILLEGAL_ARGUMENT, with nothing sent: "'pinpad' is NULL", then what is said with each function, in that order, then
  *    what a text does not take: "Invalid hex byte at index %zu" and, for more characters than the field has, or than a
  *    length tells, "Field does not have enough room for data". A text ends with its NUL or, where it has none, with its
@@ -178,8 +179,8 @@ KOR_API KorResult_E abecs_cmd_gen_04_03(AbecsComm* pinpad, const AbecsCmdGen0403
 
 /*
  * Polls for the answer of 04/03. Returns RSP_STAT and unblocks the link, with what the chip said in `rspDataOut` when
- * RSP_STAT is 0; or -1 when nothing has come yet, or -2 with the text of a notification in `notification` (33 bytes, or
- * none), the link staying blocked.
+ * RSP_STAT is 0; or -1 when nothing has come yet, or three damaged frames have, or -2 with the text of a notification
+ * in `notification` (33 bytes, or none), the link staying blocked.
  *
  * ILLEGAL_ARGUMENT "'rspDataOut' is NULL"; ILLEGAL_STATE "%s was not sent yet" with "GEN/04/03"; those of
  * abecs_packet_read_notification. An error leaves the blocked state as it is.

@@ -81,11 +81,11 @@ KOR_API void abecs_cmd_gox_builder_timeout(AbecsCmdGoxBuilder* builder, uint8_t 
 KOR_API void abecs_cmd_gox(AbecsComm* pinpad, AbecsCmdGoxBuilder* builder);
 
 /*
- * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet; -2
- * (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or null),
- * and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out` holds each
- * item of the answer under its data id (AbecsRspDatId_E), as bytes of its own without a terminator; it is emptied
- * first, and empty after any other outcome.
+ * Reads the answer. Returns -1 (ABECS_RSP_STAT_ST_PROCESSING) when there is none yet, or three damaged frames have
+ * come; -2 (ABECS_RSP_STAT_ST_NOTIFICATION) after a message for the cardholder, stored in `notification` (33 bytes, or
+ * null), and in both cases the link stays blocked; else RSP_STAT, the link being free again. When that is 0, `out`
+ * holds each item of the answer under its data id (AbecsRspDatId_E), as bytes of its own without a terminator; it is
+ * emptied first, and empty after any other outcome but the first three errors.
  *
  * ILLEGAL_ARGUMENT "'pinpad' is NULL", "'out' is NULL"; ILLEGAL_STATE "%s was not sent yet", `out` being untouched;
  * PROTOCOL_ERROR "(%s) Invalid RSP_ID: %s)" for the answer of another command; those of abecs_rsp_parser_set_packet and
