@@ -25,7 +25,7 @@ void write_request(AbecsPacket* packet, const AbecsCmdFncData& data) {
     abecs_packet_write_field_n(packet, 2 * data.issDatLen + 10, 3);
     abecs_packet_write_field_n(packet, static_cast<uint64_t>(data.commSt), 1);
     abecs_packet_write_field_n(packet, 0, 1);
-    abecs_packet_write_field_a(packet, MemberText(data.arc).text, sizeof data.arc - 1, false);
+    abecs_packet_write_field_a(packet, WholeMemberText(data.arc).text, sizeof data.arc - 1, false);
     abecs_packet_write_field_n(packet, data.issDatLen, 3);
     write_digits(packet, data.issDat, data.issDatLen);
     abecs_packet_write_field_n(packet, 0, 3);

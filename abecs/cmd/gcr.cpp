@@ -99,7 +99,7 @@ void write_request(AbecsPacket* packet, const AbecsCmdGcrData& data, const char*
     abecs_packet_write_field_n(packet, data.amount, 12);
     for (const uint8_t part : {data.date.year, data.date.month, data.date.day}) { write_pair(packet, part); }
     for (const uint8_t part : {data.time.hours, data.time.minutes, data.time.seconds}) { write_pair(packet, part); }
-    abecs_packet_write_field_a(packet, MemberText(data.tabVer).text, kTableVersionWidth, false);
+    abecs_packet_write_field_a(packet, WholeMemberText(data.tabVer).text, kTableVersionWidth, false);
     abecs_packet_write_field_n(packet, count, 2);
     if (count != 0) { abecs_packet_write_field_b(packet, records, kRecordLength * count); }
     // Behind what the length covers; left out, the PIN pad reads contactless cards too.

@@ -26,7 +26,7 @@ TEST(Fnc, SendsTheAnswerOfTheAcquirer) {
     };
     expect_sent({0, "00", 0, "", 0, ""}, "010|00|00|000|000|003|000"_wire);
     expect_sent({1, "Z", 4, "9108aabb", 2, "9F26"}, "018|10|Z |004|9108AABB|000|007|002|9F26"_wire);
-    expect_sent({9, {'5', '1', '2'}, 2, "72", 0, ""}, "014|90|51|002|3072|000|003|000"_wire);
+    expect_sent({9, "51", 2, "72", 0, ""}, "014|90|51|002|3072|000|003|000"_wire);
     expect_sent({0, "", 494, "", 498, "82"},
                 "998|00|  |494"_wire + repeated("30", 494) + "000|999|498"_wire + repeated("30", 497) + "82");
 }
@@ -49,6 +49,8 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
     }
     refused("Number length (4) is greater than field length (3)", data.issDatLen, 494);
     refused("Invalid character (0x0A) at position 0", data.arc[0], '0');
+    std::memset(data.arc, '0', sizeof data.arc);
+    refused("Field does not have enough room for data", data.arc[2], '\0');
     std::memset(data.issDat, 'a', sizeof data.issDat);
     refused("Field does not have enough room for data", data.issDat[3], '\0');
     refused("Invalid hex byte at index 2", data.issDat[0], '\0');

@@ -73,8 +73,6 @@ TEST(Gcr, SendsTheRequest) {
     expect_sent("0101", "044" + sent + "01|0101|0"_wire);
     data = {1, 99, 999999999999, {0, 12, 31}, {0, 0, 0}, "V1", true};
     expect_sent(nullptr, "040|0199|999999999999|001231|000000|V1        |00"_wire);
-    std::fill(std::begin(data.tabVer), std::end(data.tabVer), '7');
-    expect_sent(nullptr, "040|0199|999999999999|001231|000000|7777777777|00"_wire);
 }
 
 TEST(Gcr, ChecksItsArgumentsInTheirOrder) {
@@ -102,6 +100,8 @@ TEST(Gcr, ChecksItsArgumentsInTheirOrder) {
     refused("Number length (13) is greater than field length (12)", nullptr);
     data.amount = 0;
     refused("Invalid character (0x0D) at position 1", nullptr);
+    std::fill(std::begin(data.tabVer), std::end(data.tabVer), '7');
+    refused("Field does not have enough room for data", nullptr);
 }
 
 TEST(Gcr, ReturnsTheCodeThatWasRaised) {

@@ -12,8 +12,8 @@
 KOR_BEGIN_DECLS
 
 /*
- * What the acquirer has answered. Texts of hexadecimal digits need no NUL when they fill their member; one shorter than
- * its length says is filled up at its start with pairs "30", a longer one is refused.
+ * What the acquirer has answered. Texts need no NUL when they fill their member, and one that is longer than its field
+ * is refused. One of hexadecimal digits that is shorter than its length says is filled up at its start with pairs "30".
  */
 typedef struct AbecsCmdFncData {
     int32_t commSt;    /* whether the acquirer was reached: 0, 1 or 9 */
@@ -42,12 +42,12 @@ typedef struct AbecsCmdFncResponse {
  * ILLEGAL_ARGUMENT, in this order: "'pinpad' is NULL"; "'cmdData' is NULL"; "'rspData' is NULL"; "invalid
  * cmdData->issDatLen: %zu (max: 999)"; "invalid cmdData->tagsLen: %zu (max: 999)"; "invalid cmdData->commSt: %d"; then
  * member by member "Number length (%zu) is greater than field length (%zu)" for an `issDatLen` above 494; a character
- * that the field of `arc` does not take; for `issDat` "Field does not have enough room for data" when it is longer than
- * its length says, "Invalid hex byte at index %zu"; the same of `tagsLen` above 498 and of `tags`. PROTOCOL_ERROR
- * "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for that of another command,
- * notifications included; those of abecs_packet_read_rsp_stat; IO_ERROR for a malformed field; ILLEGAL_ARGUMENT "sizeTo
- * (%zu) is not enough to store field (length: %zu)" for more than 256 bytes of EMV data or 50 of results; and what the
- * link raises, a time-out too.
+ * that the field of `arc` does not take, and "Field does not have enough room for data" for a third one; the latter for
+ * `issDat` when it is longer than its length says, and "Invalid hex byte at index %zu"; the same of `tagsLen` above 498
+ * and of `tags`. PROTOCOL_ERROR "Unrecognized response" for an answer under six bytes, "(%s) Invalid RSP_ID: %s)" for
+ * that of another command, notifications included; those of abecs_packet_read_rsp_stat; IO_ERROR for a malformed field;
+ * ILLEGAL_ARGUMENT "sizeTo (%zu) is not enough to store field (length: %zu)" for more than 256 bytes of EMV data or 50
+ * of results; and what the link raises, a time-out too.
  */
 KOR_API int32_t abecs_cmd_fnc(AbecsComm* pinpad, const AbecsCmdFncData* cmdData, AbecsCmdFncResponse* rspData);
 

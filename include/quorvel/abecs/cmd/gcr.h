@@ -39,7 +39,7 @@ typedef enum AbecsCmdGcrStatChip_E KOR_ENUM_INT32 {
 /*
  * What is asked for. `acqIdxReq` and `appTypReq` narrow the search in the PIN pad's tables to one acquirer or one type
  * of application, 0 to 99; `amount` is in the smallest unit of the currency, below 10^12; `tabVer` is the version of
- * the tables that the caller knows, at most 10 characters; `ctlsOn` allows contactless cards.
+ * the tables that the caller knows, at most 10 characters and a NUL; `ctlsOn` allows contactless cards.
  */
 typedef struct AbecsCmdGcrData {
     uint8_t acqIdxReq;
