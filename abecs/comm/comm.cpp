@@ -79,7 +79,7 @@ AbecsComm* abecs_comm_open(const char* portName) {
 }
 
 // The line may have hung up, and then both steps on the port raise. Callers also close while they clean up after an
-// error: that one must stay the pending one, though the try blocks in here clear it.
+// error: that one must stay the pending one, whatever is raised in here.
 void abecs_comm_close(AbecsComm** pinpad) {
     if (pinpad == nullptr || *pinpad == nullptr) { return; }
     AbecsComm* link = *pinpad;
