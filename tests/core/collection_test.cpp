@@ -76,7 +76,7 @@ TEST(Collection, ClearingAndDeletingInACleanUpKeepThePendingError) {
     EXPECT_TRUE(map == nullptr && set == nullptr && list == nullptr && buffer == nullptr);
 }
 
-// The text may be the record's own, which a copy must find as it was.
+// The text may be the record's own, which a copy must find as it was; that of a map's new value is made in a block.
 TEST(Collection, StoresTheErrorThatIsBeingHandled) {
     KorList* list = kor_string_list_new();
     KorSet* set = kor_string_set_new(2);
@@ -85,7 +85,7 @@ TEST(Collection, StoresTheErrorThatIsBeingHandled) {
         kor_string_list_append(list, kor_exception_get_message());
         kor_string_set_put(set, kor_exception_get_message());
         kor_map_put(map, key, kor_exception_get_message());
-        kor_map_put(map, key, kor_exception_get_message());
+        EXPECT_STREQ(static_cast<char*>(kor_map_get(map, key)), kor_exception_get_message());
     };
     for (const char* text : {"first", "second"}) {
         EXPECT_EQ(support::raised_by([&] {
