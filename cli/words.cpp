@@ -11,8 +11,8 @@
 
 #include "cli/items.h"
 #include "simulator/command.h"
-#include "simulator/fields.h"
-#include "simulator/param_id.h"
+#include "wire/fields.h"
+#include "wire/param_id.h"
 
 namespace quorvel::cli {
 

@@ -7,8 +7,8 @@
 #include <span>
 
 #include "cli/value.h"
-#include "simulator/frame.h"
 #include "simulator/trace.h"
+#include "wire/frame.h"
 
 namespace quorvel::cli {
 

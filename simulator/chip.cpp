@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

@@ -7,9 +7,9 @@
 #include <map>
 #include <string>
 
-#include "simulator/bytes.h"
-#include "simulator/status.h"
-#include "simulator/tlv.h"
+#include "simulator/wire.h"
+#include "wire/status.h"
+#include "wire/tlv.h"
 
 namespace quorvel::sim {
 

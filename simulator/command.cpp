@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include "simulator/commands/handlers.h"
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim {
 

@@ -13,14 +13,14 @@
 #include <variant>
 #include <vector>
 
-#include "simulator/bytes.h"
 #include "simulator/device.h"
 #include "simulator/event.h"
-#include "simulator/fields.h"
 #include "simulator/journal.h"
 #include "simulator/screen.h"
 #include "simulator/secure_channel.h"
-#include "simulator/status.h"
+#include "simulator/wire.h"
+#include "wire/fields.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

@@ -9,13 +9,13 @@
 #include <optional>
 #include <string>
 
-#include "simulator/bytes.h"
 #include "simulator/card.h"
 #include "simulator/chip.h"
 #include "simulator/keys/key_store.h"
 #include "simulator/media.h"
 #include "simulator/tables.h"
 #include "simulator/transaction.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -9,7 +9,7 @@
 
 #include "simulator/event.h"
 #include "simulator/screen.h"
-#include "simulator/status.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

@@ -6,7 +6,7 @@
 #include <openssl/rand.h>
 
 #include "simulator/keys/block_cipher.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

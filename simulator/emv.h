@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simulator/bytes.h"
-#include "simulator/tlv.h"
+#include "simulator/wire.h"
+#include "wire/tlv.h"
 
 namespace quorvel::sim {
 

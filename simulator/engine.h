@@ -9,19 +9,19 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/bytes.h"
 #include "simulator/cardholder.h"
 #include "simulator/command.h"
 #include "simulator/device.h"
 #include "simulator/exchange.h"
-#include "simulator/frame.h"
 #include "simulator/journal.h"
 #include "simulator/message.h"
 #include "simulator/screen.h"
 #include "simulator/secure_channel.h"
 #include "simulator/state_board.h"
-#include "simulator/status.h"
 #include "simulator/transmitter.h"
+#include "simulator/wire.h"
+#include "wire/frame.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

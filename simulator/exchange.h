@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

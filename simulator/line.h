@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "simulator/bytes.h"
 #include "simulator/descriptor.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -6,8 +6,8 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "simulator/crc.h"
-#include "simulator/param_id.h"
+#include "wire/crc.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim {
 

@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "simulator/bytes.h"
-#include "simulator/fields.h"
+#include "simulator/wire.h"
+#include "wire/fields.h"
 
 namespace quorvel::sim {
 

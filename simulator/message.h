@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

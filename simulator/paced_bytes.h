@@ -8,7 +8,7 @@
 #include <deque>
 #include <optional>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -11,8 +11,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "simulator/fields.h"
-#include "simulator/param_id.h"
+#include "simulator/wire.h"
+#include "wire/fields.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "simulator/card.h"
-#include "simulator/tlv.h"
+#include "wire/tlv.h"
 
 namespace quorvel::sim {
 

@@ -10,9 +10,9 @@
 #include <openssl/rand.h>
 #include <string_view>
 
-#include "simulator/crc.h"
-#include "simulator/fields.h"
 #include "simulator/keys/rsa.h"
+#include "wire/crc.h"
+#include "wire/fields.h"
 
 namespace quorvel::sim {
 

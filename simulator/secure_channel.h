@@ -8,8 +8,8 @@
 #include <optional>
 #include <stdexcept>
 
-#include "simulator/bytes.h"
 #include "simulator/keys/rsa.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -4,7 +4,7 @@
 #define QUORVEL_SIMULATOR_SLOTS_H
 
 #include "simulator/device.h"
-#include "simulator/status.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "simulator/fields.h"
+#include "wire/fields.h"
 
 namespace quorvel::sim {
 

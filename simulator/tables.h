@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -7,8 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "simulator/fields.h"
-#include "simulator/keys/hex.h"
+#include "wire/fields.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "simulator/command.h"
-#include "simulator/fields.h"
-#include "simulator/param_id.h"
-#include "simulator/status.h"
+#include "wire/fields.h"
+#include "wire/param_id.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/bytes.h"
-#include "simulator/frame.h"
+#include "simulator/wire.h"
+#include "wire/frame.h"
 
 namespace quorvel::sim {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "simulator/card.h"
-#include "simulator/tlv.h"
+#include "wire/tlv.h"
 
 namespace quorvel::sim {
 

@@ -5,9 +5,9 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "simulator/fields.h"
-#include "simulator/frame.h"
 #include "simulator/trace.h"
+#include "wire/fields.h"
+#include "wire/frame.h"
 
 namespace quorvel::sim {
 

@@ -9,12 +9,12 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/bytes.h"
 #include "simulator/faults/fault_plan.h"
 #include "simulator/journal.h"
 #include "simulator/message.h"
 #include "simulator/paced_bytes.h"
 #include "simulator/secure_channel.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

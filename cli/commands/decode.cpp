@@ -13,7 +13,7 @@
 
 #include "cli/command.h"
 #include "cli/words.h"
-#include "simulator/fields.h"
+#include "wire/fields.h"
 
 namespace quorvel::cli::setup {
 

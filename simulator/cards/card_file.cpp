@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "simulator/cards/cards.h"
-#include "simulator/keys/hex.h"
 #include "simulator/keys/pin_block.h"
 #include "simulator/toml_table.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

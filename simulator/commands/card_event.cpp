@@ -8,8 +8,8 @@
 #include "simulator/commands/handlers.h"
 #include "simulator/keys/pan_cipher.h"
 #include "simulator/pan_mask.h"
-#include "simulator/param_id.h"
 #include "simulator/params.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 

@@ -7,9 +7,9 @@
 
 #include "simulator/commands/handlers.h"
 #include "simulator/digit_entry.h"
-#include "simulator/keys/hex.h"
 #include "simulator/keys/pin_block.h"
 #include "simulator/slots.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 

@@ -9,7 +9,7 @@
 #include "simulator/command.h"
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/rsa.h"
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim {
 

@@ -8,9 +8,9 @@
 #include <optional>
 #include <string_view>
 
-#include "simulator/bytes.h"
-#include "simulator/fields.h"
 #include "simulator/keys/key_store.h"
+#include "simulator/wire.h"
+#include "wire/fields.h"
 
 namespace quorvel::sim {
 

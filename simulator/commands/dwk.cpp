@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/commands/handlers.h"
 #include "simulator/keys/block_cipher.h"
-#include "simulator/keys/hex.h"
 #include "simulator/keys/rsa.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 

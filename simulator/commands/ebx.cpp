@@ -6,7 +6,7 @@
 #include "simulator/commands/data_cipher.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/keys/block_cipher.h"
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "simulator/emv.h"
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 

@@ -9,7 +9,7 @@
 
 #include "simulator/command.h"
 #include "simulator/params.h"
-#include "simulator/tlv.h"
+#include "wire/tlv.h"
 
 // Parameters that GCX, GOX, FCX and GED share.
 namespace quorvel::sim::commands {

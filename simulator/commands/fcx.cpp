@@ -7,8 +7,8 @@
 #include "simulator/commands/finish_chip.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/param_id.h"
 #include "simulator/params.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 

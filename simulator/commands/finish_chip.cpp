@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include "simulator/emv.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 

@@ -9,8 +9,8 @@
 #include "simulator/commands/card_reading.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/emv.h"
-#include "simulator/keys/hex.h"
 #include "simulator/keys/pan_cipher.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 

@@ -7,7 +7,7 @@
 
 #include "simulator/commands/handlers.h"
 #include "simulator/keys/rsa.h"
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 

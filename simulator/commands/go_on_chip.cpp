@@ -10,7 +10,7 @@
 #include "simulator/commands/handlers.h"
 #include "simulator/digit_entry.h"
 #include "simulator/emv.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 

@@ -9,7 +9,7 @@
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/emv.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 

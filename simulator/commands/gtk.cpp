@@ -10,7 +10,7 @@
 #include "simulator/commands/data_cipher.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/keys/block_cipher.h"
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 // Track 1 is given as characters, filled up with blanks to whole blocks when it is enciphered. Of tracks 2 and 3 and of
 // the card number a byte holds two characters, each as its lower four bits, so that '=' is D; F fills them up. In front

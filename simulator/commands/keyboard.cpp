@@ -10,8 +10,8 @@
 #include "simulator/commands/handlers.h"
 #include "simulator/digit_entry.h"
 #include "simulator/menu.h"
-#include "simulator/param_id.h"
 #include "simulator/params.h"
+#include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 

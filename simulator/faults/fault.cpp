@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "simulator/command.h"
-#include "simulator/frame.h"
+#include "wire/frame.h"
 
 namespace quorvel::sim {
 

@@ -10,9 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/bytes.h"
 #include "simulator/message.h"
 #include "simulator/paced_bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 // Derived unique key per transaction, ANSI X9.24-1. Initial keys of 16 bytes are those of its triple DES form, of 8
 // bytes those of the DES form that came before.

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "simulator/keys/block_cipher.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <tuple>
 
-#include "simulator/bytes.h"
 #include "simulator/keys/dukpt.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

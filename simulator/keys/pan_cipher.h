@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 // How card numbers and tracks travel once a PAN working key is loaded: the card number's last 16 digits, those of a
 // shorter one filled up with F, stand there enciphered, as hexadecimal digits. The key is of 8 or 16 bytes.

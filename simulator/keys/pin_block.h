@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "simulator/bytes.h"
 #include "simulator/keys/key_store.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

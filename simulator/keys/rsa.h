@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "simulator/bytes.h"
+#include "simulator/wire.h"
 
 namespace quorvel::sim {
 

@@ -6,8 +6,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "simulator/status.h"
 #include "simulator/trace.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

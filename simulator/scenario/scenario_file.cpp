@@ -9,8 +9,8 @@
 #include "simulator/command.h"
 #include "simulator/scenario/scenario.h"
 #include "simulator/scenario/step_file.h"
-#include "simulator/status.h"
 #include "simulator/toml_table.h"
+#include "wire/status.h"
 
 namespace quorvel::sim {
 

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "simulator/cards/cards.h"
-#include "simulator/frame.h"
-#include "simulator/keys/hex.h"
 #include "tests/cli/tool.h"
+#include "wire/frame.h"
+#include "wire/hex.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "simulator/cards/cards.h"
-#include "simulator/keys/hex.h"
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "tests/support/wire.h"
+#include "wire/hex.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <string>
 
-#include "simulator/keys/hex.h"
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "tests/support/wire.h"
+#include "wire/hex.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <tuple>
 
 #include "abecs/comm/comm.h"
-#include "simulator/keys/hex.h"
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "tests/support/wire.h"
+#include "wire/hex.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/keys/hex.h"
 #include "tests/simulator/card_fixture.h"
+#include "wire/hex.h"
 
 using namespace support::literals;
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "simulator/keys/block_cipher.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

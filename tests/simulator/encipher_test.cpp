@@ -4,11 +4,11 @@
 #include <set>
 #include <string>
 
-#include "simulator/keys/hex.h"
 #include "simulator/keys/pin_block.h"
 #include "simulator/trace.h"
 #include "tests/simulator/cipher_fixture.h"
 #include "tests/simulator/host_key.h"
+#include "wire/hex.h"
 
 using namespace support::literals;
 

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "simulator/digit_entry.h"
-#include "simulator/keys/hex.h"
 #include "tests/simulator/command_fixture.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/keys/hex.h"
 #include "simulator/pan_mask.h"
 #include "tests/simulator/command_fixture.h"
+#include "wire/hex.h"
 
 using namespace std::string_literals;
 using namespace support::literals;

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

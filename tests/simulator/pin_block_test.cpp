@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "simulator/emv.h"
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 namespace quorvel::sim {
 

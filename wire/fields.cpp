@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/fields.h"
+#include "wire/fields.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -176,4 +176,4 @@ Writer& Writer::param(const Param& param) {
     return x(param.id, 2).x(static_cast<uint32_t>(param.data.size()), 2).b(param.data);
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_FRAME_H
-#define QUORVEL_SIMULATOR_FRAME_H
+#ifndef QUORVEL_WIRE_FRAME_H
+#define QUORVEL_WIRE_FRAME_H
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
-#include "simulator/bytes.h"
+#include "wire/bytes.h"
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace control {
 inline constexpr uint8_t eot = 0x04;
@@ -80,6 +80,6 @@ private:
     Bytes wire_;
 };
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire
 
 #endif

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_TLV_H
-#define QUORVEL_SIMULATOR_TLV_H
+#ifndef QUORVEL_WIRE_TLV_H
+#define QUORVEL_WIRE_TLV_H
 
 #include <cstdint>
 #include <map>
 #include <utility>
 #include <vector>
 
-#include "simulator/bytes.h"
+#include "wire/bytes.h"
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 // The tag's bytes as one number: 0x5A, 0x9F02.
 using Tag = uint32_t;
@@ -29,6 +29,6 @@ using DataObjects = std::map<Tag, Bytes>;
 // Tag, length and value of each object of the list that is there, in the list's order.
 [[nodiscard]] Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags);
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire
 
 #endif

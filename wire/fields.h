@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_FIELDS_H
-#define QUORVEL_SIMULATOR_FIELDS_H
+#ifndef QUORVEL_WIRE_FIELDS_H
+#define QUORVEL_WIRE_FIELDS_H
 
 #include <cstddef>
 #include <cstdint>
@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/bytes.h"
-#include "simulator/status.h"
+#include "wire/bytes.h"
+#include "wire/status.h"
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 // What a block's three digits of length can count.
 inline constexpr size_t maxBlock = 999;
@@ -104,6 +104,6 @@ private:
     Bytes bytes_;
 };
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire
 
 #endif

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/frame.h"
+#include "wire/frame.h"
 
 #include <fmt/format.h>
 #include <utility>
 
-#include "simulator/crc.h"
+#include "wire/crc.h"
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -135,4 +135,4 @@ Reception FrameDecoder::finish(Reception::Kind kind, uint8_t byte) {
             .wire = std::exchange(wire_, {})};
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

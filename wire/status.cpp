@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/status.h"
+#include "wire/status.h"
 
 #include <algorithm>
 #include <array>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -70,4 +70,4 @@ std::string_view status_name(int status) noexcept {
     return found != names.end() ? found->name : std::string_view{};
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

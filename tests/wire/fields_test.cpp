@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/fields.h"
+#include "wire/fields.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 
 using namespace std::string_literals;
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -90,4 +90,4 @@ TEST(Writer, RefusesWhatDoesNotFit) {
 
 }  // namespace
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

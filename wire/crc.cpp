@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/crc.h"
+#include "wire/crc.h"
 
 #include <array>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -45,4 +45,4 @@ uint16_t crc16(ByteView bytes, uint16_t soFar) noexcept {
     return soFar;
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

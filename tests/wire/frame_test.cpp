@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/frame.h"
+#include "wire/frame.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -8,7 +8,7 @@
 
 using namespace std::string_literals;
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 void PrintTo(const Reception& reception, std::ostream* out) {
     *out << "kind " << static_cast<int>(reception.kind) << " \"" << reception.fault << "\" data "
@@ -112,4 +112,4 @@ TEST(Frame, TakesAnyTwoBytesForItsCrc) {
 
 }  // namespace
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/tlv.h"
+#include "wire/tlv.h"
 
 #include <fmt/format.h>
 
-#include "simulator/fields.h"
+#include "wire/fields.h"
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -86,4 +86,4 @@ Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags) {
     return encoded;
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_STATUS_H
-#define QUORVEL_SIMULATOR_STATUS_H
+#ifndef QUORVEL_WIRE_STATUS_H
+#define QUORVEL_WIRE_STATUS_H
 
 #include <string_view>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 // The status codes that responses carry, under the protocol's names.
 enum class Status : int {
@@ -59,6 +59,6 @@ enum class Status : int {
 // "INVCALL"; empty for a number that is no status.
 [[nodiscard]] std::string_view status_name(int status) noexcept;
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire
 
 #endif

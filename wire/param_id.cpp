@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/param_id.h"
+#include "wire/param_id.h"
 
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
 #include <string_view>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 namespace {
 
@@ -72,4 +72,4 @@ std::string param_name(uint16_t id) {
     return "parameter";
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

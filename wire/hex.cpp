@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/keys/hex.h"
+#include "wire/hex.h"
 
 #include <charconv>
 #include <fmt/format.h>
 #include <stdexcept>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 std::string to_hex(ByteView bytes) { return fmt::format("{:02X}", fmt::join(bytes, "")); }
 
@@ -22,4 +22,4 @@ Bytes from_hex(std::string_view text) {
     return bytes;
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

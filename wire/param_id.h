@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_PARAM_ID_H
-#define QUORVEL_SIMULATOR_PARAM_ID_H
+#ifndef QUORVEL_WIRE_PARAM_ID_H
+#define QUORVEL_WIRE_PARAM_ID_H
 
 #include <cstdint>
 #include <string>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 // What requests carry.
 namespace spe {
@@ -96,6 +96,6 @@ inline constexpr uint16_t familySize = 100;
 // "PP_SERNUM", "PP_TABVER5"; "parameter" for an id that the protocol does not have.
 [[nodiscard]] std::string param_name(uint16_t id);
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire
 
 #endif
