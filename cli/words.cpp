@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "cli/items.h"
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 #include "wire/fields.h"
 #include "wire/param_id.h"
 

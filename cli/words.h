@@ -7,7 +7,7 @@
 #include <span>
 
 #include "cli/value.h"
-#include "simulator/trace.h"
+#include "simulator/watch/trace.h"
 #include "wire/frame.h"
 
 namespace quorvel::cli {

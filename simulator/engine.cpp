@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 
 namespace quorvel::sim {
 

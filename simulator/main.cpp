@@ -16,8 +16,8 @@
 #include "simulator/control/control.h"
 #include "simulator/control/control_server.h"
 #include "simulator/face/face.h"
+#include "simulator/line/port_link.h"
 #include "simulator/pin_pad.h"
-#include "simulator/port_link.h"
 #include "simulator/scenario/performance.h"
 
 namespace {

@@ -13,19 +13,19 @@
 #include <thread>
 #include <vector>
 
-#include "simulator/cardholder.h"
-#include "simulator/companion.h"
-#include "simulator/device.h"
+#include "simulator/cardholder/cardholder.h"
+#include "simulator/device/device.h"
+#include "simulator/device/screen.h"
 #include "simulator/engine.h"
 #include "simulator/faults/fault_plan.h"
-#include "simulator/finding.h"
-#include "simulator/journal.h"
-#include "simulator/line.h"
-#include "simulator/paced_bytes.h"
-#include "simulator/screen.h"
-#include "simulator/state_board.h"
-#include "simulator/trace.h"
+#include "simulator/line/line.h"
+#include "simulator/line/paced_bytes.h"
 #include "simulator/transmitter.h"
+#include "simulator/watch/companion.h"
+#include "simulator/watch/finding.h"
+#include "simulator/watch/journal.h"
+#include "simulator/watch/state_board.h"
+#include "simulator/watch/trace.h"
 
 namespace quorvel::sim {
 

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "simulator/trace.h"
+#include "simulator/watch/trace.h"
 #include "wire/fields.h"
 #include "wire/frame.h"
 

@@ -10,10 +10,10 @@
 #include <string_view>
 
 #include "simulator/faults/fault_plan.h"
-#include "simulator/journal.h"
-#include "simulator/message.h"
-#include "simulator/paced_bytes.h"
-#include "simulator/secure_channel.h"
+#include "simulator/keys/secure_channel.h"
+#include "simulator/line/message.h"
+#include "simulator/line/paced_bytes.h"
+#include "simulator/watch/journal.h"
 #include "simulator/wire.h"
 
 namespace quorvel::sim {

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "simulator/cards/cards.h"
+#include "simulator/files/toml_table.h"
 #include "simulator/keys/pin_block.h"
-#include "simulator/toml_table.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim {

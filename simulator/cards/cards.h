@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/card.h"
+#include "simulator/cards/card.h"
 
 namespace quorvel::sim {
 

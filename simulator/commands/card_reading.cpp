@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/emv.h"
-#include "simulator/menu.h"
+#include "simulator/cardholder/menu.h"
+#include "simulator/cards/emv.h"
 
 namespace quorvel::sim::commands {
 

@@ -7,8 +7,8 @@
 #include <functional>
 #include <optional>
 
-#include "simulator/command.h"
-#include "simulator/transaction.h"
+#include "simulator/commands/command.h"
+#include "simulator/device/transaction.h"
 
 // What GCR and GCX have in common: both wait for a card and only lay out their answers differently.
 namespace quorvel::sim::commands {

@@ -5,10 +5,10 @@
 #include <string>
 #include <utility>
 
+#include "simulator/cardholder/digit_entry.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/digit_entry.h"
+#include "simulator/device/slots.h"
 #include "simulator/keys/pin_block.h"
-#include "simulator/slots.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim::commands {

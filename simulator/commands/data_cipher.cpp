@@ -6,7 +6,7 @@
 #include <array>
 #include <fmt/format.h>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/rsa.h"
 #include "wire/param_id.h"

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "simulator/emv.h"
+#include "simulator/cards/emv.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {

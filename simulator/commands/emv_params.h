@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "simulator/command.h"
-#include "simulator/params.h"
+#include "simulator/commands/command.h"
+#include "simulator/commands/params.h"
 #include "wire/tlv.h"
 
 // Parameters that GCX, GOX, FCX and GED share.

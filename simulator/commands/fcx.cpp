@@ -7,7 +7,7 @@
 #include "simulator/commands/finish_chip.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/params.h"
+#include "simulator/commands/params.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {

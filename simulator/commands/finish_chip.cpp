@@ -7,7 +7,7 @@
 #include <cctype>
 #include <fmt/format.h>
 
-#include "simulator/emv.h"
+#include "simulator/cards/emv.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim::commands {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/command.h"
-#include "simulator/risk.h"
+#include "simulator/cards/risk.h"
+#include "simulator/commands/command.h"
 
 // What FNC and FCX have in common: the issuer's answer goes to the chip, and the final decision is made.
 namespace quorvel::sim::commands {

@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "simulator/cards/emv.h"
 #include "simulator/commands/card_reading.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/emv.h"
 #include "simulator/keys/pan_cipher.h"
 #include "wire/hex.h"
 

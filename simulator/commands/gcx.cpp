@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/cards/emv.h"
+#include "simulator/cards/pan_mask.h"
 #include "simulator/commands/card_reading.h"
 #include "simulator/commands/emv_params.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/emv.h"
-#include "simulator/pan_mask.h"
-#include "simulator/params.h"
+#include "simulator/commands/params.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
@@ -60,11 +60,6 @@ CardRequest card_request(const Params& params) {
     request.objects[tag::date] = params.get(spe::trnDate, digits);
     request.objects[tag::time] = params.get(spe::trnTime, digits);
     return request;
-}
-
-PanMask pan_mask(Reader& value) {
-    const size_t leading = value.n("leading", 2);
-    return {leading, value.n("trailing", 2)};
 }
 
 void add_number(std::vector<Param>& params, uint16_t id, uint64_t number, size_t width) {
@@ -118,7 +113,7 @@ Outcome gcx(Call& call) {
          Params::at_most_once(spe::gcxOpt), Params::at_most_once(spe::panMask), Params::at_most_once(spe::emvData),
          Params::at_most_once(spe::tagList), Params::at_most_once(spe::timeout), Params::at_most_once(spe::dspMsg)});
     const CardRequest request = card_request(params);
-    const PanMask mask = params.find(spe::panMask, pan_mask).value_or(PanMask{});
+    const PanMask mask = params.pan_mask().value_or(PanMask{});
     const auto tags = params.find(spe::tagList, tag_list);
     return read_card(call, request, params.timeout(),
                      [mask, tags](const CardRead& read) { return gcx_answer(read, mask, tags); });

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/commands/emv_params.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/params.h"
+#include "simulator/commands/params.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {

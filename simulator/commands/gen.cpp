@@ -5,11 +5,11 @@
 #include <fmt/format.h>
 #include <string>
 
+#include "simulator/cardholder/digit_entry.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/digit_entry.h"
+#include "simulator/device/slots.h"
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/pin_block.h"
-#include "simulator/slots.h"
 
 namespace quorvel::sim::commands {
 

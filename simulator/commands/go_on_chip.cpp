@@ -7,9 +7,9 @@
 #include <openssl/rand.h>
 #include <utility>
 
+#include "simulator/cardholder/digit_entry.h"
+#include "simulator/cards/emv.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/digit_entry.h"
-#include "simulator/emv.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim::commands {

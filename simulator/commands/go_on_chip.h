@@ -8,10 +8,10 @@
 #include <optional>
 #include <string>
 
-#include "simulator/command.h"
+#include "simulator/cards/risk.h"
+#include "simulator/commands/command.h"
+#include "simulator/device/transaction.h"
 #include "simulator/keys/pin_block.h"
-#include "simulator/risk.h"
-#include "simulator/transaction.h"
 
 // What GOC and GOX have in common: the cardholder is verified and the first decision made.
 namespace quorvel::sim::commands {

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/cards/emv.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/emv.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim::commands {

@@ -5,11 +5,11 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/cards/emv.h"
 #include "simulator/commands/emv_params.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/emv.h"
-#include "simulator/params.h"
+#include "simulator/commands/params.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {

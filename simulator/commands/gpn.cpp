@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/cardholder/digit_entry.h"
 #include "simulator/commands/handlers.h"
-#include "simulator/digit_entry.h"
 #include "simulator/keys/pan_cipher.h"
 #include "simulator/keys/pin_block.h"
 

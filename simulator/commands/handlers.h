@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 
 // One function for each command. It reads the whole request before it changes anything: what does not have its layout
 // leaves as a LayoutError and is answered in one place.

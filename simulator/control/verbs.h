@@ -9,10 +9,10 @@
 #include <string_view>
 #include <variant>
 
+#include "simulator/cardholder/event.h"
 #include "simulator/cards/cards.h"
 #include "simulator/control/arguments.h"
 #include "simulator/control/control.h"
-#include "simulator/event.h"
 
 namespace quorvel::sim {
 

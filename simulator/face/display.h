@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/device/screen.h"
 #include "simulator/face/canvas.h"
-#include "simulator/screen.h"
 
 namespace quorvel::sim {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 #include "simulator/face/display.h"
 
 namespace quorvel::sim {

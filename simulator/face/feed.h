@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/descriptor.h"
+#include "simulator/line/descriptor.h"
 #include "simulator/pin_pad.h"
 
 namespace quorvel::sim {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <variant>
 
-#include "simulator/event.h"
+#include "simulator/cardholder/event.h"
 
 namespace quorvel::sim {
 

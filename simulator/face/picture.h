@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "simulator/device/screen.h"
 #include "simulator/face/canvas.h"
 #include "simulator/face/feed.h"
-#include "simulator/screen.h"
 
 namespace quorvel::sim {
 

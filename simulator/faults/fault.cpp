@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 #include "wire/frame.h"
 
 namespace quorvel::sim {

@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/message.h"
-#include "simulator/paced_bytes.h"
+#include "simulator/line/message.h"
+#include "simulator/line/paced_bytes.h"
 #include "simulator/wire.h"
 
 namespace quorvel::sim {

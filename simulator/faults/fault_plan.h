@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "simulator/faults/fault.h"
-#include "simulator/message.h"
+#include "simulator/line/message.h"
 
 namespace quorvel::sim {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <utility>
 
+#include "simulator/files/toml_table.h"
 #include "simulator/keys/block_cipher.h"
 #include "simulator/keys/key_store.h"
-#include "simulator/toml_table.h"
 
 namespace quorvel::sim {
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "simulator/trace.h"
+#include "simulator/watch/trace.h"
 #include "wire/status.h"
 
 namespace quorvel::sim {

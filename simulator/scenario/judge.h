@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "simulator/exchange.h"
-#include "simulator/finding.h"
 #include "simulator/scenario/scenario.h"
+#include "simulator/watch/exchange.h"
+#include "simulator/watch/finding.h"
 
 namespace quorvel::sim {
 

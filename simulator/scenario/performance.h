@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "simulator/companion.h"
 #include "simulator/pin_pad.h"
 #include "simulator/scenario/judge.h"
 #include "simulator/scenario/player.h"
 #include "simulator/scenario/scenario.h"
+#include "simulator/watch/companion.h"
 
 namespace quorvel::sim {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "simulator/cards/cards.h"
-#include "simulator/device.h"
+#include "simulator/device/device.h"
 
 namespace quorvel::sim {
 

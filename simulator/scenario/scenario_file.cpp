@@ -6,10 +6,10 @@
 #include <stdexcept>
 #include <utility>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
+#include "simulator/files/toml_table.h"
 #include "simulator/scenario/scenario.h"
 #include "simulator/scenario/step_file.h"
-#include "simulator/toml_table.h"
 #include "wire/status.h"
 
 namespace quorvel::sim {

@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "simulator/command.h"
+#include "simulator/commands/command.h"
 #include "simulator/control/arguments.h"
 #include "simulator/control/verbs.h"
 #include "simulator/pin_pad.h"

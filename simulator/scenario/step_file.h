@@ -5,8 +5,8 @@
 
 #include <string_view>
 
+#include "simulator/files/toml_table.h"
 #include "simulator/scenario/scenario.h"
-#include "simulator/toml_table.h"
 
 namespace quorvel::sim {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "simulator/keys/pin_block.h"
-#include "simulator/trace.h"
+#include "simulator/watch/trace.h"
 #include "tests/simulator/cipher_fixture.h"
 #include "tests/simulator/host_key.h"
 #include "wire/hex.h"

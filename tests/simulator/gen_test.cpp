@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "simulator/digit_entry.h"
+#include "simulator/cardholder/digit_entry.h"
 #include "tests/simulator/command_fixture.h"
 #include "wire/hex.h"
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/pan_mask.h"
+#include "simulator/cards/pan_mask.h"
 #include "tests/simulator/command_fixture.h"
 #include "wire/hex.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/media.h"
+#include "simulator/device/media.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/risk.h"
+#include "simulator/cards/risk.h"
 
 #include <gtest/gtest.h>
 
-#include "simulator/emv.h"
+#include "simulator/cards/emv.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim {

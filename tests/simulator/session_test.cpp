@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/secure_channel.h"
+#include "simulator/keys/secure_channel.h"
 #include "tests/simulator/pin_pad_fixture.h"
 
 using namespace std::string_literals;

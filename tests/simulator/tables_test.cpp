@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/tables.h"
+#include "simulator/device/tables.h"
 
 #include <gtest/gtest.h>
 #include <string>

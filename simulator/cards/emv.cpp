@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/cards/emv.h"
+
+#include <fmt/format.h>
+#include <openssl/rand.h>
+
+#include "simulator/keys/block_cipher.h"
+#include "wire/hex.h"
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr size_t terminalResultsSize = 5;
+constexpr std::string_view testKey = "0123456789ABCDEFFEDCBA9876543210";
+
+// What enters a cryptogram, as far as it is there.
+constexpr Tag covered[]{tag::amount,
+                        tag::cashback,
+                        0x9F1A,
+                        tag::terminalResults,
+                        tag::currency,
+                        tag::date,
+                        tag::type,
+                        tag::unpredictableNumber,
+                        0x82,
+                        tag::counter,
+                        tag::cryptogramInformation};
+
+Bytes unpredictable_number() {
+    Bytes number(4);
+    RAND_bytes(number.data(), static_cast<int>(number.size()));
+    return number;
+}
+
+}  // namespace
+
+void set(DataObjects& objects, TerminalResult result) {
+    Bytes& results = objects[tag::terminalResults];
+    results.resize(terminalResultsSize);
+    results[result.byte - 1] |= result.mask;
+}
+
+Bytes bcd(uint64_t number, size_t bytes) {
+    const std::string digits = fmt::format("{:0{}}", number, 2 * bytes);
+    return from_hex(std::string_view(digits).substr(digits.size() - 2 * bytes));
+}
+
+uint64_t from_bcd(ByteView digits) {
+    uint64_t number = 0;
+    for (const uint8_t byte : digits) number = number * 100 + (byte >> 4) * uint64_t{10} + (byte & 0x0F);
+    return number;
+}
+
+DataObjects terminal_objects() {
+    return {
+        {tag::terminalResults, Bytes(terminalResultsSize)},
+        {0x9B, from_hex("E800")},
+        {0x9F09, from_hex("008C")},
+        {0x9F1A, from_hex("0076")},
+        {0x9F33, from_hex("E0F0C8")},
+        {0x9F35, from_hex("22")},
+        {0x9F40, from_hex("F000F0A001")},
+    };
+}
+
+void generate(DataObjects& objects, Cryptogram kind) {
+    objects[tag::unpredictableNumber] = unpredictable_number();
+    objects[tag::cryptogramInformation] = {static_cast<uint8_t>(kind)};
+    Bytes data;
+    for (const Tag each : covered) {
+        if (const auto found = objects.find(each); found != objects.end()) append(data, found->second);
+    }
+    data.push_back(0x80);
+    data.resize((data.size() + blockSize - 1) / blockSize * blockSize);
+    const Bytes chained = encipher(from_hex(testKey), data, Bytes(blockSize));
+    objects[tag::cryptogram] = Bytes(chained.end() - blockSize, chained.end());
+}
+
+}  // namespace quorvel::sim

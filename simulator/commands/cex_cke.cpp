@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <array>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "simulator/cards/pan_mask.h"
+#include "simulator/commands/handlers.h"
+#include "simulator/commands/params.h"
+#include "simulator/keys/pan_cipher.h"
+#include "wire/param_id.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+enum class Chip { ignored, removal, insertion };
+
+// What ends the wait.
+struct Awaited {
+    bool keys = false;
+    bool stripe = false;
+    Chip chip = Chip::ignored;
+    bool contactless = false;
+
+    [[nodiscard]] bool operator()(const KeyPressed& pressed) const { return keys && !is_digit(pressed.key); }
+    [[nodiscard]] bool operator()(const CardSwiped&) const { return stripe; }
+    [[nodiscard]] bool operator()(const CardInserted&) const { return chip == Chip::insertion; }
+    [[nodiscard]] bool operator()(const CardRemoved&) const { return chip == Chip::removal; }
+    [[nodiscard]] bool operator()(const CardTapped&) const { return contactless; }
+    [[nodiscard]] bool operator()(const Notice&) const { return false; }
+};
+
+// The chip reader's state counts, not only its change.
+std::optional<Event> already(const Device& device, const Awaited& awaited) {
+    if (awaited.chip == Chip::insertion && device.chip) return CardInserted{*device.chip};
+    if (awaited.chip == Chip::removal && !device.chip) return CardRemoved{};
+    return std::nullopt;
+}
+
+// `answer` makes the answer for an event that is awaited.
+template <typename MakeAnswer>
+Outcome await(Device& device, const Awaited& awaited, std::optional<std::chrono::seconds> limit, MakeAnswer answer) {
+    if (const auto event = already(device, awaited)) return std::visit(answer, *event);
+    return Wait{[&device, awaited, answer](const Event& event) -> std::optional<Answer> {
+                    if (!std::visit(awaited, event)) return std::nullopt;
+                    if (const auto* swiped = std::get_if<CardSwiped>(&event)) device.lastCard = swiped->card;
+                    return std::visit(answer, event);
+                },
+                limit};
+}
+
+// Two digits; the key's code for a key.
+constexpr unsigned stripeEvent = 90;
+constexpr unsigned removalEvent = 91;
+constexpr unsigned insertionEvent = 92;
+constexpr unsigned tapEvent = 94;
+
+struct CexAnswer {
+    PanMask mask;
+
+    Answer operator()(const KeyPressed& pressed) const { return event(static_cast<unsigned>(pressed.key)); }
+    Answer operator()(const CardInserted&) const { return event(insertionEvent); }
+    Answer operator()(const CardRemoved&) const { return event(removalEvent); }
+    Answer operator()(const CardTapped&) const { return event(tapEvent); }
+    Answer operator()(const Notice&) const { return {}; }
+
+    Answer operator()(const CardSwiped& swiped) const {
+        const Card& card = swiped.card;
+        std::vector<Param> params;
+        for (const auto& [id, track] : {std::pair(pp::trk1Inc, &card.track1), std::pair(pp::trk2Inc, &card.track2),
+                                        std::pair(pp::trk3Inc, &card.track3)}) {
+            if (!track->empty()) params.push_back({id, to_bytes(masked(*track, card.pan.size(), mask))});
+        }
+        return event(stripeEvent, std::move(params));
+    }
+
+private:
+    static Answer event(unsigned code, std::vector<Param> more = {}) {
+        more.insert(more.begin(), {pp::event, Writer().n(code, 2).bytes()});
+        return Answer::of(more);
+    }
+};
+
+// Digits for keys, stripe, chip and contactless, and two that stand for nothing yet.
+Awaited cex_options(Reader& options) {
+    Awaited awaited;
+    awaited.keys = options.n("keys", 1, {0, 1}) == 1;
+    awaited.stripe = options.n("stripe", 1, {0, 1}) == 1;
+    awaited.chip = static_cast<Chip>(options.n("chip", 1, {0, 2}));
+    awaited.contactless = options.n("contactless", 1, {0, 1}) == 1;
+    options.n("reserved", 2, {0, 0});
+    return awaited;
+}
+
+constexpr unsigned ckeKey = 0;
+constexpr unsigned ckeStripe = 1;
+constexpr unsigned ckeChip = 2;
+constexpr unsigned ckeContactless = 3;
+
+struct CkeAnswer {
+    const Device* device;
+
+    Answer operator()(const KeyPressed& pressed) const {
+        return Answer::of(Writer().n(ckeKey, 1).n(static_cast<unsigned>(pressed.key), 2));
+    }
+    Answer operator()(const CardInserted&) const { return Answer::of(Writer().n(ckeChip, 1).n(1, 1)); }
+    Answer operator()(const CardRemoved&) const { return Answer::of(Writer().n(ckeChip, 1).n(0, 1)); }
+    Answer operator()(const CardTapped&) const { return Answer::of(Writer().n(ckeContactless, 1).n(1, 1)); }
+    Answer operator()(const Notice&) const { return {}; }
+
+    // Enciphered tracks take more room, and the length of track 3 makes way for it.
+    Answer operator()(const CardSwiped& swiped) const {
+        const std::optional<Bytes>& key = device->panKey;
+        const auto track = [&](const std::string& text) { return key ? protect_pan(text, *key) : text; };
+        const std::string track1 = track(swiped.card.track1);
+        const std::string track2 = track(swiped.card.track2);
+        const std::string track3 = track(swiped.card.track3);
+        Writer fields;
+        fields.n(ckeStripe, 1).n(track1.size(), 2).a(track1, 76).n(track2.size(), 2).a(track2, key ? 40 : 37);
+        if (!key) fields.n(track3.size(), 3);
+        return Answer::of(fields.a(track3, 104));
+    }
+};
+
+}  // namespace
+
+Outcome cex(Call& call) {
+    const Params params(
+        "CEX", call.request,
+        {Params::once(spe::cexOpt), Params::at_most_once(spe::timeout), Params::at_most_once(spe::panMask)});
+    const Awaited awaited = params.get(spe::cexOpt, cex_options);
+    const PanMask mask = params.pan_mask().value_or(PanMask{});
+    return await(call.device, awaited, params.timeout(), CexAnswer{mask});
+}
+
+Outcome cke(Call& call) {
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    Awaited awaited;
+    awaited.keys = fields.n("CKE_KEY", 1, {0, 1}) == 1;
+    awaited.stripe = fields.n("CKE_MAG", 1, {0, 1}) == 1;
+    awaited.chip = static_cast<Chip>(fields.n("CKE_ICC", 1, {0, 2}));
+    if (fields.left() != 0) awaited.contactless = fields.n("CKE_CTLS", 1, {0, 1}) == 1;
+    fields.end();
+    return await(call.device, awaited, std::nullopt, CkeAnswer{&call.device});
+}
+
+}  // namespace quorvel::sim::commands

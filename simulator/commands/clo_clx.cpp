@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/handlers.h"
+#include "wire/param_id.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t messageWidth = 32;
+constexpr size_t maxDisplay = 128;
+
+}  // namespace
+
+Answer clo(Call& call) {
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    Screen::Content content{.text = fields.s("CLO_MSG", messageWidth)};
+    fields.end();
+    call.screen.show(std::move(content));
+    return {};
+}
+
+Answer clx(Call& call) {
+    Screen::Content content;
+    for (const Param& param : call.request.params()) {
+        Reader value(param_name(param.id), param.data);
+        switch (param.id) {
+            case spe::mfName:
+                content.media = media_name_in_s(value);
+                break;
+            case spe::dspMsg:
+                if (value.left() > maxDisplay) throw LayoutError("SPE_DSPMSG: more than 128 characters");
+                content.text = value.s("text", value.left(), Cr::allowed);
+                break;
+            default:
+                throw out_of_place("CLX", param.id);
+        }
+        value.end();
+    }
+    if (!content.media.empty() && !call.device.media.has(content.media)) {
+        return {.status = Status::mfnfound, .blocks = {}};
+    }
+    call.screen.show(std::move(content));
+    return {};
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <string>
+#include <utility>
+
+#include "simulator/commands/handlers.h"
+#include "simulator/commands/params.h"
+#include "wire/param_id.h"
+
+namespace quorvel::sim::commands {
+
+Answer dsi(Call& call) {
+    const Params params("DSI", call.request, {Params::once(spe::mfName)});
+    std::string name = params.get(spe::mfName, media_name);
+    if (!call.device.media.has(name)) return {.status = Status::mfnfound, .blocks = {}};
+    call.screen.show({.media = std::move(name)});
+    return {};
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <fmt/format.h>
+#include <span>
+#include <string>
+
+#include "simulator/cardholder/digit_entry.h"
+#include "simulator/commands/handlers.h"
+#include "simulator/commands/params.h"
+#include "wire/param_id.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr uint64_t maxDigits = 32;
+
+std::string prompt(uint64_t index) { return fmt::format("NUMBER {:04X}", index); }
+
+}  // namespace
+
+Outcome gcd(Call& call) {
+    const Params params("GCD", call.request,
+                        {Params::once(spe::msgIdx), Params::once(spe::minDig), Params::once(spe::maxDig),
+                         Params::at_most_once(spe::timeout)});
+    const uint64_t message = params.get(spe::msgIdx, [](Reader& r) { return r.x("index", 2); });
+    const uint64_t fewest = params.get(spe::minDig, [](Reader& r) { return r.x("digits", 1, {0, maxDigits}); });
+    const uint64_t most = params.get(spe::maxDig, [&](Reader& r) { return r.x("digits", 1, {fewest, maxDigits}); });
+    const auto limit = params.timeout();
+    DigitEntry entry(call.screen, prompt(message), fewest, most, DigitEntry::Echo::digits);
+    return Wait{[entry](const Event& event) mutable -> std::optional<Answer> {
+                    const auto result = entry.on(event);
+                    if (!result) return std::nullopt;
+                    if (result->status != Status::ok) return Answer{.status = result->status};
+                    const Param value{pp::value, to_bytes(result->digits)};
+                    return Answer::of(std::span(&value, 1));
+                },
+                limit};
+}
+
+}  // namespace quorvel::sim::commands

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <fmt/format.h>
+#include <string>
+#include <utility>
+
+#include "simulator/commands/handlers.h"
+#include "simulator/commands/params.h"
+#include "wire/param_id.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t reservedSize = 3;
+
+Media::Announcement announcement(Reader& info) {
+    Media::Announcement announcement;
+    announcement.size = info.x("size", 4);
+    announcement.crc = static_cast<uint16_t>(info.x("CRC", 2));
+    announcement.type = static_cast<uint8_t>(info.x("type", 1));
+    info.x("reserved", reservedSize, {0, 0});
+    return announcement;
+}
+
+// The digits of PP_MFSUP stand for the types from 1 on.
+bool is_supported(const Identity& identity, uint8_t type) {
+    return type >= 1 && type <= identity.mediaSupport.size() && identity.mediaSupport[type - 1U] == '1';
+}
+
+}  // namespace
+
+Answer mli(Call& call) {
+    const Params params("MLI", call.request, {Params::once(spe::mfName), Params::once(spe::mfInfo)});
+    std::string name = params.get(spe::mfName, media_name);
+    Media::Announcement file = params.get(spe::mfInfo, announcement);
+    file.name = std::move(name);
+    if (!is_supported(call.device.identity, file.type)) {
+        call.journal.record(
+            Finding{Finding::Kind::unsupported, fmt::format("MLI: there are no files of type {}", file.type)});
+        return {.status = Status::mferrfmt, .blocks = {}};
+    }
+    call.device.media.begin(std::move(file));
+    return {};
+}
+
+Answer mlr(Call& call) {
+    if (!call.device.media.loading()) return out_of_sequence(call, "MLR: no load was begun");
+    const Params params("MLR", call.request, {Params::once(spe::dataIn)});
+    const Bytes block = params.get(spe::dataIn, [](Reader& data) { return data.b("data", data.left()); });
+    if (block.empty()) throw LayoutError("MLR: no data");
+    call.device.media.add(block);
+    return {};
+}
+
+Answer mle(Call& call) {
+    if (!call.device.media.loading()) return out_of_sequence(call, "MLE: no load was begun");
+    call.request.end();
+    call.device.media.end();
+    return {};
+}
+
+}  // namespace quorvel::sim::commands

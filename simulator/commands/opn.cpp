@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/commands/handlers.h"
+
+namespace quorvel::sim::commands {
+
+namespace {
+
+constexpr size_t modulusSize = 256;
+constexpr size_t exponentSize = 3;
+
+RsaPublicKey public_key(Reader fields) {
+    RsaPublicKey key;
+    fields.n("OPN_OPMODE", 1, {0, 0});
+    fields.n("OPN_MODLEN", 3, {modulusSize, modulusSize});
+    key.modulus = fields.h("OPN_MOD", 2 * modulusSize);
+    fields.n("OPN_EXPLEN", 1, {exponentSize, exponentSize});
+    key.exponent = fields.h("OPN_EXP", 2 * exponentSize);
+    fields.end();
+    if (key.modulus.front() < 0x80) throw LayoutError("OPN: OPN_MOD: less than 2048 bits");
+    for (const Bytes* number : {&key.modulus, &key.exponent}) {
+        if (number->back() % 2 == 0) throw LayoutError("OPN: an even number in the public key");
+    }
+    return key;
+}
+
+}  // namespace
+
+// With data it asks for an encrypted session. Without, one that is open goes on.
+Answer opn(Call& call) {
+    if (call.request.left() == 0) return {};
+    const Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    return Answer::of(Writer().n(modulusSize, 3).h(call.channel.open(public_key(fields)), 2 * modulusSize));
+}
+
+}  // namespace quorvel::sim::commands

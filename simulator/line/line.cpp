@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/line/line.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/inotify.h>
+#include <system_error>
+#include <termios.h>
+#include <unistd.h>
+
+namespace quorvel::sim {
+
+namespace {
+
+// How long a client may leave the line full before what it does not read is dropped.
+constexpr int patienceMs = 1000;
+
+std::string slave_path(int master) {
+    if (grantpt(master) != 0) fail_call("grantpt");
+    if (unlockpt(master) != 0) fail_call("unlockpt");
+    std::array<char, 128> path{};
+    if (const int error = ptsname_r(master, path.data(), path.size()); error != 0) {
+        throw std::system_error(error, std::generic_category(), "ptsname_r");
+    }
+    return path.data();
+}
+
+// Before any client sets the line up for itself it must neither echo nor translate.
+void make_raw(int slave) {
+    termios settings{};
+    if (tcgetattr(slave, &settings) != 0) fail_call("tcgetattr");
+    cfmakeraw(&settings);
+    if (tcsetattr(slave, TCSANOW, &settings) != 0) fail_call("tcsetattr");
+}
+
+}  // namespace
+
+Line::Terminal::Terminal(bool watched)
+    : master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
+      path(slave_path(master.get())),
+      slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
+    make_raw(slave.get());
+    if (!watched) return;
+    closes.emplace(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "inotify_init1");
+    if (::inotify_add_watch(closes->get(), path.c_str(), IN_CLOSE) < 0) fail_call("inotify_add_watch");
+}
+
+Line::Line(bool watched) : watched_(watched) { open(); }
+
+void Line::open() { terminal_.emplace(watched_); }
+
+Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool wanted) {
+    // poll() passes over descriptors below 0.
+    const int master = wanted && terminal_ ? terminal_->master.get() : -1;
+    const int closes = terminal_ && terminal_->closes ? terminal_->closes->get() : -1;
+    std::array<pollfd, 3> polled{
+        {{master, POLLIN, 0}, {wakeUp_.get(), POLLIN, 0}, {closes, POLLIN, 0}},
+    };
+    const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
+    if (ready < 0 && errno != EINTR) fail_call("poll");
+    if (ready == 0) return Event::timedOut;
+    if (ready > 0 && polled[2].revents != 0) see_departures();
+    if (ready < 0 || polled[1].revents != 0) {
+        wakeUp_.clear();
+        return Event::woken;
+    }
+    return polled[0].revents != 0 ? Event::readable : Event::woken;
+}
+
+// What they say is known: somebody has closed the device.
+void Line::see_departures() {
+    std::array<char, 4096> events{};
+    departed_ |= ::read(terminal_->closes->get(), events.data(), events.size()) > 0;
+}
+
+Bytes Line::read() {
+    Bytes bytes(4096);
+    const ssize_t count = ::read(terminal_->master.get(), bytes.data(), bytes.size());
+    if (count < 0 && !is_transient(errno)) fail_call("read");
+    bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
+    return bytes;
+}
+
+bool Line::write(ByteView bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(terminal_->master.get(), bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes = bytes.subspan(static_cast<size_t>(count));
+        } else if (!is_transient(errno)) {
+            fail_call("write");
+        } else if (!await_room()) {
+            ::tcflush(terminal_->slave.get(), TCIFLUSH);
+            return false;
+        }
+    }
+    return true;
+}
+
+// Someone who wants to stop the PIN pad is not made to wait for a client that does not read.
+bool Line::await_room() const {
+    std::array<pollfd, 2> polled{pollfd{terminal_->master.get(), POLLOUT, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
+    const int ready = ::poll(polled.data(), polled.size(), patienceMs);
+    if (ready < 0) return errno == EINTR;
+    return ready > 0 && polled[1].revents == 0;
+}
+
+}  // namespace quorvel::sim

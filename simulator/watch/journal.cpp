@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/watch/journal.h"
+
+#include <utility>
+
+namespace quorvel::sim {
+
+namespace {
+
+constexpr size_t kept = 10000;
+
+template <typename Entry>
+void keep(std::deque<Entry>& entries, Entry entry) {
+    entries.push_back(std::move(entry));
+    if (entries.size() > kept) entries.pop_front();
+}
+
+}  // namespace
+
+void Journal::record(Traffic traffic) {
+    if (listeners_.traffic) listeners_.traffic(traffic);
+    const std::lock_guard lock(mutex_);
+    keep(traffic_, std::move(traffic));
+}
+
+void Journal::record(Finding finding) {
+    if (listeners_.finding) listeners_.finding(finding);
+    const std::lock_guard lock(mutex_);
+    keep(findings_, std::move(finding));
+}
+
+std::vector<Traffic> Journal::traffic() const {
+    const std::lock_guard lock(mutex_);
+    return {traffic_.begin(), traffic_.end()};
+}
+
+void Journal::clear_findings() {
+    const std::lock_guard lock(mutex_);
+    findings_.clear();
+}
+
+std::vector<Finding> Journal::findings() const {
+    const std::lock_guard lock(mutex_);
+    return {findings_.begin(), findings_.end()};
+}
+
+}  // namespace quorvel::sim
