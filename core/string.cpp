@@ -57,7 +57,12 @@ char* kor_string_format(char* to, size_t size, const char* format, ...) {
 int32_t kor_string_vformat(char* to, size_t size, const char* format, va_list arguments) {
     if (to == format) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer"), 0; }
     if (to == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL"), 0; }
-    const int length = std::vsnprintf(to, size, format != nullptr ? format : "", arguments);
+    int length = 0;
+    if (format != nullptr) {
+        length = std::vsnprintf(to, size, format, arguments);
+    } else if (size != 0) {
+        to[0] = '\0';
+    }
     if (size != 0) { to[size - 1] = '\0'; }
     return length;
 }

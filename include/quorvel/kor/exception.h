@@ -119,12 +119,12 @@ KOR_END_DECLS
 #ifdef __GNUC__
 #define KOR_WHEN_LEFT(function) __attribute__((__cleanup__(function)))
 
-/* Runs whenever control leaves a block, but for an error's jump, which has closed the block already. */
+/* Runs when control leaves a block in whatever way. An error that goes on past it has closed it before its jump. */
 static inline void kor_leave_try_(KorExceptionFrameNode* const* left) {
     KorExceptionFrameNode* const frame = *left;
     if (frame->state != 4) {
         const KorExceptionFrameNode* open = kor_exception_get_frame_node();
-        while (open != NULL && open != frame) { open = open->previous; }
+        while (open && open != frame) { open = open->previous; }
         while (open == frame && kor_exception_get_frame_node() != frame->previous) { __kor_exception_end_try__(); }
         frame->state = 4;
     }
