@@ -102,7 +102,7 @@ TEST(RsaKey, CompositesAreNotTakenForPrimes) {
         for (;;) {
             Big start(engine() >> (64 - 16));
             for (int i = 16; i < bits; i += 16) { start = start * Big(65536) + Big(engine() >> (64 - 16)); }
-            const std::vector<Big> factors = others(start);
+            std::vector<Big> factors = others(start);
             if (std::ranges::all_of(factors, &Big::prime)) { return factors; }
         }
     };

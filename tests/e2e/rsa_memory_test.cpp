@@ -209,14 +209,14 @@ class RsaMemory : public testing::TestWithParam<Case> {};
 
 TEST_P(RsaMemory, HasNothingOfAKeyThatWasDeleted) {
     if (!can_be_measured()) { GTEST_SKIP() << "only what users get is measured"; }
-    const auto& [name, size, act, onThread] = GetParam();
-    Tally tally(name);
+    const Case& wanted = GetParam();
+    Tally tally(wanted.name);
     for (int i = 0; i < processes(); ++i) {
         const OtherProcess process([&](OtherProcess::Side& side) {
-            if (!onThread) { return make_use_delete(side, size, act); }
-            std::thread([&] { make_use_delete(side, size, act); }).join();
+            if (!wanted.onThread) { return make_use_delete(side, wanted.size, wanted.act); }
+            std::thread([&] { make_use_delete(side, wanted.size, wanted.act); }).join();
         });
-        const Big modulus(process.receive(static_cast<size_t>(size)));
+        const Big modulus(process.receive(static_cast<size_t>(wanted.size)));
         ASSERT_TRUE(process.pauses());
         const std::optional<Big> prime = prime_in(process.memory(), modulus);
         ASSERT_TRUE(prime.has_value()) << "a key that is in use cannot hide from this test";
