@@ -14,7 +14,6 @@ namespace secrets {
 namespace {
 
 using namespace support::literals;
-using support::Peer;
 
 // A link, its PIN pad, and all records that a call fills or is given.
 struct Talk {

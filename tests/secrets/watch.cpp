@@ -253,11 +253,11 @@ void* __wrap_kor_heap_alloc(size_t size, int nullable) {
 
 #ifndef QUORVEL_SANITIZED
 // In the place of the C library's for the whole program, so that what the libraries under this one free is seen, too.
-void free(void* pointer) noexcept {
-    if (pointer != nullptr && secrets::in_call()) {
-        secrets::look_at(secrets::Event::kFreed, pointer, malloc_usable_size(pointer));
+void free(void* ptr) noexcept {
+    if (ptr != nullptr && secrets::in_call()) {
+        secrets::look_at(secrets::Event::kFreed, ptr, malloc_usable_size(ptr));
     }
-    __libc_free(pointer);
+    __libc_free(ptr);
 }
 #endif
 
