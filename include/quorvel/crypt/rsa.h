@@ -26,12 +26,12 @@ KOR_BEGIN_DECLS
  *    "Invalid sized parameter.": the number in `in` is above the modulus; a message is too long for its padding; or,
  *    where there is padding, the modulus begins with zero bytes.
  *    "Buffer overflow.": `out` is smaller than the modulus; crypt_rsa_decrypt only needs room for the message.
- *    "Invalid argument provided.": the modulus is 0, or, with a private key, 1 or even.
+ *    "Invalid argument provided.": the modulus is 1 or even.
  *    "CRYPT_ERROR": what the private operation worked out is not right, because a generated key has been damaged. A
  *    wrong result would tell the primes.
  *    "Error reading the PRNG.": the kernel gave no random bytes; see crypt_rsa_key_new.
- *    "Out of memory.": there was none for the public operations, or for taking the padding off.
- *    What the functions below say in addition.
+ *    What the functions below say in addition. The public operations take memory, and raise MALLOC_ERROR when there is
+ *    none.
  *
  * 4. The functions keep no pointer to what they are given, and do not check that the numbers of a key belong together.
  */
@@ -75,9 +75,8 @@ KOR_API CryptRsaKey* crypt_rsa_key_load(const uint8_t* N, size_t szN, const uint
  * Overwrites the key, frees it and sets the caller's variable to none; none is ignored. Then no memory of the process,
  * in use or free, holds a private number of the key any more, nor one that it could be worked out from: while the key
  * lived, the library kept them there and nowhere else, and each call overwrote what it had worked out before it
- * returned. This cannot reach what the application holds (the `d` that it loaded, results), what left the process
- * while the key lived (a core file, swapped pages, the memory of a forked child), and the messages of
- * crypt_rsa_encrypt and crypt_rsa_decrypt, which LibTomCrypt leaves in memory that it has freed.
+ * returned. This cannot reach what the application holds (the `d` that it loaded, results), nor what left the process
+ * while the key lived (a core file, swapped pages, the memory of a forked child).
  */
 KOR_API void crypt_rsa_key_delete(CryptRsaKey** key);
 
