@@ -195,6 +195,10 @@ TEST(RsaKey, PrivateExponentiationOfLoadedNumbers) {
         uint8_t out[128];
         EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid argument provided.",
                       crypt_rsa_private_exp(key, out, 0, out, sizeof out));
+        CryptRsaPublicKey publicKey{128, 1, {}, {3}};
+        publicKey.modulus[127] = bytes(N)[127];
+        EXPECT_RAISES(KOR_RESULT_CRYPT_ERROR, "Invalid argument provided.",
+                      crypt_rsa_public_exp(&publicKey, out, 0, out, sizeof out));
     }
 }
 

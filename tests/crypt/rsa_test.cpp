@@ -232,6 +232,13 @@ TEST(Rsa, KeysThatCannotBeMadeKeepNoMemory) {
         EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", make());
         EXPECT_TRUE(failing.failed());
     }
+    const CryptRsaPublicKey publicKey = public_key();
+    for (const auto run : {crypt_rsa_public_exp, crypt_rsa_encrypt}) {
+        const support::FailingMalloc failing(1);
+        uint8_t out[128];
+        EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", run(&publicKey, bytes(kE), 1, out, sizeof out));
+        EXPECT_TRUE(failing.failed());
+    }
 }
 
 }  // namespace
