@@ -6,25 +6,26 @@ import re
 import sys
 from pathlib import Path
 
-# Each layer and what it may know beside itself; the simulator and the scripted peers know nothing of the library, and
-# the command-line tool knows it by its interface only.
+# Each layer and what it may know beside itself; what the programs share about the line, the simulator and the scripted
+# peers know nothing of the library, and the command-line tool knows it by its interface only.
 BELOW = {
     "core": set(),
     "crypt": {"core"},
     "data": {"core", "crypt"},
     "comm": {"core", "crypt", "data"},
     "cmd": {"core", "crypt", "data", "comm"},
-    "simulator": set(),
+    "wire": set(),
+    "simulator": {"wire"},
     "peer": set(),
-    "cli": {"simulator", "all of the interface"},
+    "cli": {"wire", "simulator", "all of the interface"},
 }
 FOLDERS = {
     "core": "core", "include/quorvel/kor": "core",
     "crypt": "crypt", "include/quorvel/crypt": "crypt",
     "abecs/data": "data", "abecs/comm": "comm", "abecs/cmd": "cmd", "include/quorvel/abecs/cmd": "cmd",
-    "simulator": "simulator", "cli": "cli",
+    "wire": "wire", "simulator": "simulator", "cli": "cli",
 }
-FOREIGN = {"simulator": r"tomcrypt", "peer": r"tomcrypt"}
+FOREIGN = {"wire": r"tomcrypt", "simulator": r"tomcrypt", "peer": r"tomcrypt"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*["<]([^">]+)[">]')
 
 

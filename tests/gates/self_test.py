@@ -62,6 +62,7 @@ CASES = [
     ("layers", "abecs/cmd/x.cpp", '#include "frame.h"\n#include "quorvel/abecs/comm.h"', ""),
     ("layers", "simulator/commands/x.cpp", '#include "quorvel/abecs/packet.h"', "simulator must not include"),
     ("layers", "simulator/x.cpp", '#include "core/raise.h"', "simulator must not include"),
+    ("layers", "wire/x.cpp", '#include "quorvel/abecs/packet.h"', "wire must not include"),
     ("layers", "simulator/x.cpp", "#include <tomcrypt.h>", "a crypto library of its own"),
     ("docs", "docs/README.md", DOCS["docs/README.md"], ""),
     ("docs", "docs/README.md", "[one](errors.md)", "docs/README.md:1: leaves out commands.md"),
