@@ -48,7 +48,7 @@ void record_error(int16_t code, const char* message) {
     __cex__.error = code;
     if (message == nullptr) {
         __cex__.message[0] = '\0';
-    } else {
+    } else if (message != __cex__.message) {
         // Moved, because the text may be a part of the record's own.
         const size_t length = strnlen(message, sizeof __cex__.message - 1);
         std::memmove(__cex__.message, message, length);
