@@ -3,17 +3,15 @@
 #ifndef QUORVEL_CLI_EMV_H
 #define QUORVEL_CLI_EMV_H
 
-#include <cstdint>
-#include <span>
-#include <string>
+#include <vector>
 
 #include "cli/value.h"
+#include "wire/item.h"
 
 namespace quorvel::cli {
 
-// EMV data objects by name, each as private as its tag is. A tag that is not known, and whatever is no data object, is
-// a secret.
-[[nodiscard]] Group emv_fields(std::span<const uint8_t> data);
+// EMV data objects by name, with words for the bits of some.
+[[nodiscard]] Group emv_fields(const std::vector<wire::Item>& objects);
 
 }  // namespace quorvel::cli
 

@@ -3,7 +3,6 @@
 #include "cli/items.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <charconv>
 #include <fmt/format.h>
@@ -11,52 +10,12 @@
 
 #include "cli/emv.h"
 #include "cli/library.h"
+#include "wire/hex.h"
+#include "wire/param_id.h"
 
 namespace quorvel::cli {
 
 namespace {
-
-enum class Kind { text, bytes, number, pan, secret, emv };
-
-// Ids from `first` to `last`.
-struct Range {
-    uint16_t first;
-    uint16_t last;
-    Kind kind;
-};
-
-constexpr std::array ranges{
-    Range{0x0001, 0x0001, Kind::bytes},                                      // ids asked for
-    Range{0x0002, 0x0003, Kind::text},                                       // methods
-    Range{0x0004, 0x0004, Kind::bytes},                                      // tags asked for
-    Range{0x0005, 0x0005, Kind::emv},    Range{0x0006, 0x0009, Kind::text},  // options, tracks asked for, key index
-    Range{0x000B, 0x000E, Kind::number},  // message, time-out, digits; 0x000A is a working key, 0x000F data
-    Range{0x0010, 0x0019, Kind::text},    // acquirer, applications, amounts, date and time, options
-    Range{0x001A, 0x001A, Kind::bytes},   // risk management
-    Range{0x001B, 0x001C, Kind::text},    // message, response code
-    Range{0x001D, 0x001D, Kind::bytes},   // initialisation vector
-    Range{0x001E, 0x001E, Kind::text},    // media file
-    Range{0x001F, 0x001F, Kind::bytes},  Range{0x0020, 0x0020, Kind::text},  // menu option
-    Range{0x0021, 0x0021, Kind::bytes},                                      // transaction type
-    Range{0x0022, 0x0023, Kind::text},                                       // currency, mask
-    Range{0x0024, 0x0025, Kind::bytes},                                      // public key
-    Range{0x8001, 0x8036, Kind::text},                                       // what the PIN pad is
-    Range{0x8040, 0x8040, Kind::text},                                       // event; tracks follow
-    Range{0x8047, 0x8049, Kind::bytes},                                      // key serial numbers
-    Range{0x804B, 0x804C, Kind::bytes},  // more of them; typed numbers and enciphered data follow
-    Range{0x804F, 0x8051, Kind::text},   Range{0x8052, 0x8052, Kind::pan},   Range{0x8053, 0x8053, Kind::text},
-    Range{0x8054, 0x8054, Kind::emv},    Range{0x8055, 0x8056, Kind::text},  Range{0x8058, 0x8058, Kind::text},
-    Range{0x8059, 0x805A, Kind::bytes},  Range{0x805B, 0x805E, Kind::text},  Range{0x8060, 0x8060, Kind::text},
-    Range{0x8062, 0x8062, Kind::number}, Range{0x9000, 0x9063, Kind::bytes}, Range{0x9100, 0x9163, Kind::bytes},
-    Range{0x9200, 0x9263, Kind::bytes},  Range{0x9300, 0x9363, Kind::text},
-};
-static_assert(std::ranges::adjacent_find(ranges, [](const Range& a, const Range& b) { return a.last >= b.first; })
-              == ranges.end());
-
-Kind kind_of(uint16_t id) {
-    const auto* found = std::ranges::lower_bound(ranges, id, {}, &Range::last);
-    return found != ranges.end() && id >= found->first ? found->kind : Kind::secret;
-}
 
 std::string trimmed(std::span<const uint8_t> bytes) {
     const std::string text(bytes.begin(), bytes.end());
@@ -81,25 +40,26 @@ const std::map<std::string, uint16_t>& names() {
 
 }  // namespace
 
-Value parameter_value(uint16_t id, std::span<const uint8_t> bytes) {
-    switch (kind_of(id)) {
-        case Kind::text:
-            return trimmed(bytes);
-        case Kind::number: {
-            uint32_t number = 0;
-            for (const uint8_t byte : bytes) number = number << 8 | byte;
-            return number;
-        }
-        case Kind::pan:
-            return Pan{trimmed(bytes)};
-        case Kind::emv:
-            return emv_fields(bytes);
-        case Kind::bytes:
-            return hex({bytes.begin(), bytes.end()});
-        case Kind::secret:
-            break;
+// Who reads the card may see what is on it, the number masked.
+Value value_of(const wire::Item& item) {
+    const std::string digits = wire::to_hex(item.value);
+    if (item.privacy == wire::Privacy::withheld) {
+        return Secret{is_printable(item.value) ? trimmed(item.value) : digits};
     }
-    return Secret{is_printable(bytes) ? trimmed(bytes) : hex({bytes.begin(), bytes.end()})};
+    switch (item.type) {
+        case wire::Type::number:
+            return wire::number_of(item.value);
+        case wire::Type::pan:
+            return Pan{trimmed(item.value)};
+        case wire::Type::packedPan:
+            return Pan{digits.substr(0, digits.find_last_not_of('F') + 1)};
+        case wire::Type::objects:
+            return emv_fields(item.parts);
+        case wire::Type::bytes:
+            return digits;
+        default:
+            return trimmed(item.value);
+    }
 }
 
 // A family's name is a text that the next call overwrites, so it is copied at once.
@@ -146,7 +106,7 @@ std::optional<int> Items::number(uint16_t id) const {
 Value Items::value(uint16_t id) const {
     const AbecsRspParamValue* found = stored(id);
     if (found == nullptr) return "none";
-    return parameter_value(id, {found->data, found->size});
+    return value_of(wire::param_item(id, {found->data, found->size}));
 }
 
 std::vector<uint16_t> Items::ids() const {

@@ -5,17 +5,17 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "cli/value.h"
 #include "quorvel/quorvel.h"
+#include "wire/item.h"
 
 namespace quorvel::cli {
 
-// The value of a parameter, of a request or a response, as private as its id is; one of an unknown id is a secret.
-[[nodiscard]] Value parameter_value(uint16_t id, std::span<const uint8_t> bytes);
+// As private as its row of the tables says; what is in none is a secret.
+[[nodiscard]] Value value_of(const wire::Item& item);
 
 // "PP_SERNUM", or the id in hexadecimal when it has no name.
 [[nodiscard]] std::string item_name(uint16_t id);

@@ -3,6 +3,7 @@
 #include "cli/link.h"
 
 #include <fmt/format.h>
+#include <system_error>
 
 #include "cli/interrupt.h"
 #include "cli/port.h"
@@ -31,7 +32,9 @@ Link::Link(const Settings& settings, Output& output) : output_(output) {
     if (settings.trace) {
         // The tap would hide why the port itself cannot be opened.
         probe_port(port);
-        tap_ = std::make_unique<Tap>(port, output);
+        try {
+            tap_ = std::make_unique<Tap>(port, output);
+        } catch (const std::system_error& error) { throw Error(Exit::port, error.what()); }
         path = tap_->path();
     }
     pinPad_ = call([&] { return abecs_comm_open(path.c_str()); });

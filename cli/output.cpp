@@ -67,12 +67,6 @@ void write_line(std::FILE* to, std::string_view text) {
 
 }  // namespace
 
-std::string hex(const std::vector<uint8_t>& bytes) {
-    std::string text;
-    for (const uint8_t byte : bytes) text += fmt::format("{:02X}", byte);
-    return text;
-}
-
 // Short numbers would show too much with ten digits in clear.
 std::string Output::shown(const Pan& pan) const {
     constexpr size_t leading = 6;

@@ -5,14 +5,10 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <poll.h>
 #include <pthread.h>
 #include <span>
-#include <sys/eventfd.h>
-#include <system_error>
 #include <termios.h>
 #include <unistd.h>
 
@@ -22,32 +18,21 @@ namespace quorvel::cli {
 
 namespace {
 
-[[noreturn]] void fail(std::string_view what) {
-    throw Error(Exit::port, fmt::format("{}: {}", what, std::generic_category().message(errno)));
-}
-
 // As the library sets a port up: 19200 baud, 8 data bits, no parity, nothing translated.
 void make_raw(int descriptor) {
     termios settings{};
-    if (tcgetattr(descriptor, &settings) != 0) fail("tcgetattr");
+    if (tcgetattr(descriptor, &settings) != 0) wire::fail_call("tcgetattr");
     cfmakeraw(&settings);
     settings.c_cflag |= CLOCAL | CREAD;
     cfsetispeed(&settings, B19200);
     cfsetospeed(&settings, B19200);
-    if (tcsetattr(descriptor, TCSANOW, &settings) != 0) fail("tcsetattr");
-}
-
-std::string slave_path(int master) {
-    std::array<char, 128> path{};
-    if (grantpt(master) != 0 || unlockpt(master) != 0) fail("grantpt");
-    if (ptsname_r(master, path.data(), path.size()) != 0) fail("ptsname");
-    return path.data();
+    if (tcsetattr(descriptor, TCSANOW, &settings) != 0) wire::fail_call("tcsetattr");
 }
 
 // What came from one side, given to the other.
 class Direction {
 public:
-    Direction(int from, int to, sim::Sender sender, Output& output)
+    Direction(int from, int to, wire::Sender sender, Output& output)
         : from_(from), to_(to), sender_(sender), output_(output) {}
 
     // False when the line is gone.
@@ -62,8 +47,8 @@ public:
     }
 
 private:
-    void tell(const std::optional<sim::Reception>& reception) {
-        if (reception) output_.trace(sender_ == sim::Sender::host ? '>' : '<', words(sender_, *reception));
+    void tell(const std::optional<wire::Reception>& reception) {
+        if (reception) output_.trace(sender_ == wire::Sender::host ? '>' : '<', words(sender_, *reception));
     }
 
     [[nodiscard]] bool forward(std::span<const uint8_t> bytes) const {
@@ -82,25 +67,18 @@ private:
 
     int from_;
     int to_;
-    sim::Sender sender_;
+    wire::Sender sender_;
     Output& output_;
-    sim::FrameDecoder decoder_;
+    wire::FrameDecoder decoder_;
 };
 
 }  // namespace
 
-Tap::Descriptor::Descriptor(int descriptor, std::string_view what) : descriptor_(descriptor) {
-    if (descriptor < 0) fail(what);
-}
-
-Tap::Descriptor::~Descriptor() { ::close(descriptor_); }
-
 Tap::Tap(const std::string& port, Output& output)
-    : port_(::open(port.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), port),
+    : port_(::open(port.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), port.c_str()),
       master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
-      path_(slave_path(master_.get())),
-      slave_(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), path_),
-      stop_(::eventfd(0, EFD_CLOEXEC), "eventfd") {
+      path_(wire::slave_path(master_)),
+      slave_(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), path_.c_str()) {
     make_raw(port_.get());
     make_raw(slave_.get());
     // Signals are the main thread's.
@@ -113,14 +91,13 @@ Tap::Tap(const std::string& port, Output& output)
 }
 
 Tap::~Tap() {
-    const uint64_t one = 1;
-    while (write(stop_.get(), &one, sizeof one) < 0 && errno == EINTR) {}
+    stop_.wake();
     thread_.join();
 }
 
 void Tap::relay(Output& output) const {
-    Direction out(master_.get(), port_.get(), sim::Sender::host, output);
-    Direction in(port_.get(), master_.get(), sim::Sender::pinPad, output);
+    Direction out(master_.get(), port_.get(), wire::Sender::host, output);
+    Direction in(port_.get(), master_.get(), wire::Sender::pinPad, output);
     for (;;) {
         std::array<pollfd, 3> polled{pollfd{stop_.get(), POLLIN, 0}, pollfd{master_.get(), POLLIN, 0},
                                      pollfd{port_.get(), POLLIN, 0}};

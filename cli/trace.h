@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "cli/output.h"
+#include "wire/descriptor.h"
 
 namespace quorvel::cli {
 
@@ -14,7 +15,7 @@ namespace quorvel::cli {
 // own, and are told in words as they pass.
 class Tap {
 public:
-    // Throws Error.
+    // Throws std::system_error.
     Tap(const std::string& port, Output& output);
     ~Tap();
     Tap(const Tap&) = delete;
@@ -24,27 +25,14 @@ public:
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
 
 private:
-    // A file descriptor of its own.
-    class Descriptor {
-    public:
-        Descriptor(int descriptor, std::string_view what);
-        ~Descriptor();
-        Descriptor(const Descriptor&) = delete;
-        Descriptor& operator=(const Descriptor&) = delete;
-        [[nodiscard]] int get() const noexcept { return descriptor_; }
-
-    private:
-        int descriptor_;
-    };
-
     void relay(Output& output) const;
 
-    Descriptor port_;
-    Descriptor master_;
+    wire::Descriptor port_;
+    wire::Descriptor master_;
     std::string path_;
     // Held open, so that the line does not hang up before the library has opened it.
-    Descriptor slave_;
-    Descriptor stop_;
+    wire::Descriptor slave_;
+    wire::WakeUp stop_;
     std::thread thread_;
 };
 

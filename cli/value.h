@@ -72,9 +72,6 @@ inline Value::Value(Status status) : data(status) {}
 inline Value::Value(Group group) : data(std::move(group)) {}
 inline Value::Value(Table table) : data(std::move(table)) {}
 
-// What stands inside a secret as hexadecimal digits.
-[[nodiscard]] std::string hex(const std::vector<uint8_t>& bytes);
-
 }  // namespace quorvel::cli
 
 #endif

@@ -7,17 +7,16 @@
 #include <span>
 
 #include "cli/value.h"
-#include "simulator/watch/trace.h"
 #include "wire/frame.h"
+#include "wire/packet.h"
 
 namespace quorvel::cli {
 
 // A packet in words: what it is, the status of a response, and its contents as private as they are.
-[[nodiscard]] Group request_words(std::span<const uint8_t> packet);
-[[nodiscard]] Group response_words(std::span<const uint8_t> packet);
+[[nodiscard]] Group packet_words(wire::Sender sender, std::span<const uint8_t> packet);
 
 // What crossed the line in that direction, a packet or not.
-[[nodiscard]] Group words(sim::Sender sender, const sim::Reception& reception);
+[[nodiscard]] Group words(wire::Sender sender, const wire::Reception& reception);
 
 }  // namespace quorvel::cli
 

@@ -12,7 +12,6 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t idWidth = 3;
 constexpr int maxResends = 3;
 
 // What answers a command that is refused as a whole.
@@ -56,7 +55,7 @@ void Engine::give_up() { handle(decoder_.give_up()); }
 
 void Engine::handle(const Reception& reception) {
     if (reception.kind == Reception::Kind::frame) return accept(reception);
-    journal_.record(Traffic{Sender::host, reception.wire, reception_words(reception)});
+    journal_.record(Traffic{Sender::host, reception.wire, reception_words(reception), is_private(reception)});
     switch (reception.kind) {
         case Reception::Kind::damaged:
             return refuse(reception.fault);
@@ -88,7 +87,7 @@ void Engine::cancel() {
 
 void Engine::accept(const Reception& reception) {
     const Request request = open(reception);
-    journal_.record(Traffic{Sender::host, reception.wire, request.words});
+    journal_.record(Traffic{Sender::host, reception.wire, request.words, is_private(reception)});
     if (!transmitter_.acknowledge(id_of(request.packet))) return;
     if (pending_) {
         find(Finding::Kind::sequence, fmt::format("a command came while {} waited", stop_waiting().command.id));

@@ -21,8 +21,6 @@ void apply(const FaultKind* kind, void (*FaultKind::*stage)(Arguments...), Value
 
 // RSP_STAT, behind RSP_ID.
 int status_of(ByteView packet) {
-    static constexpr size_t idWidth = 3;
-    static constexpr size_t statusWidth = 3;
     return static_cast<int>(Reader("response", packet.subspan(idWidth)).n("RSP_STAT", statusWidth));
 }
 
@@ -57,7 +55,7 @@ int Transmitter::send(const Message& message, const SecureChannel& channel) {
     // In words, what was meant: of what a fault has made of it they might tell more than they should.
     const std::string words = response_words(message.packet);
     put(std::move(wire), message.sealed ? enciphered_words(words) : words, fault,
-        !message.sealed && is_withheld(message.packet));
+        !message.sealed && !is_open(Sender::pinPad, message.packet));
     if (kind != nullptr && kind->hangsUp) line_.hangUp(fault->time);
     return status;
 }

@@ -5,71 +5,158 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
-#include <string_view>
 
 namespace quorvel::wire {
 
 namespace {
 
-struct Name {
+constexpr auto card = Privacy::card;
+constexpr auto shown = Privacy::shown;
+
+struct Row {
     uint16_t id;
     std::string_view name;
+    Content content = {};
 };
 
-constexpr std::array names{
-    Name{spe::idList, "SPE_IDLIST"}, Name{0x0002, "SPE_MTHDPIN"},   Name{0x0003, "SPE_MTHDDAT"},
-    Name{0x0004, "SPE_TAGLIST"},     Name{0x0005, "SPE_EMVDATA"},   Name{0x0006, "SPE_CEXOPT"},
-    Name{0x0007, "SPE_TRACKS"},      Name{0x0008, "SPE_OPNDIG"},    Name{0x0009, "SPE_KEYIDX"},
-    Name{0x000A, "SPE_WKENC"},       Name{0x000B, "SPE_MSGIDX"},    Name{0x000C, "SPE_TIMEOUT"},
-    Name{0x000D, "SPE_MINDIG"},      Name{0x000E, "SPE_MAXDIG"},    Name{0x000F, "SPE_DATAIN"},
-    Name{0x0010, "SPE_ACQREF"},      Name{0x0011, "SPE_APPTYPE"},   Name{0x0012, "SPE_AIDLIST"},
-    Name{0x0013, "SPE_AMOUNT"},      Name{0x0014, "SPE_CASHBACK"},  Name{0x0015, "SPE_TRNDATE"},
-    Name{0x0016, "SPE_TRNTIME"},     Name{0x0017, "SPE_GCXOPT"},    Name{0x0018, "SPE_GOXOPT"},
-    Name{0x0019, "SPE_FCXOPT"},      Name{0x001A, "SPE_TRMPAR"},    Name{spe::dspMsg, "SPE_DSPMSG"},
-    Name{0x001C, "SPE_ARC"},         Name{0x001D, "SPE_IVCBC"},     Name{spe::mfName, "SPE_MFNAME"},
-    Name{0x001F, "SPE_MFINFO"},      Name{0x0020, "SPE_MNUOPT"},    Name{0x0021, "SPE_TRNTYPE"},
-    Name{0x0022, "SPE_TRNCURR"},     Name{0x0023, "SPE_PANMASK"},   Name{0x0024, "SPE_PBKMOD"},
-    Name{0x0025, "SPE_PBKEXP"},      Name{0x8001, "PP_SERNUM"},     Name{0x8002, "PP_PARTNBR"},
-    Name{0x8003, "PP_MODEL"},        Name{0x8004, "PP_MNNAME"},     Name{0x8005, "PP_CAPAB"},
-    Name{0x8006, "PP_SOVER"},        Name{0x8007, "PP_SPECVER"},    Name{0x8008, "PP_MANVERS"},
-    Name{0x8009, "PP_APPVERS"},      Name{0x800A, "PP_GENVERS"},    Name{0x8010, "PP_KRNLVER"},
-    Name{0x8011, "PP_CTLSVER"},      Name{0x8012, "PP_MCTLSVER"},   Name{0x8013, "PP_VCTLSVER"},
-    Name{0x8014, "PP_AECTLSVER"},    Name{0x8015, "PP_DPCTLSVER"},  Name{0x8016, "PP_PUREVER"},
-    Name{0x8020, "PP_DSPTXTSZ"},     Name{0x8021, "PP_DSPGRSZ"},    Name{0x8022, "PP_MFSUP"},
-    Name{0x8030, "PP_MKDESP"},       Name{0x8031, "PP_MKDESD"},     Name{0x8032, "PP_MKTDESP"},
-    Name{0x8033, "PP_MKTDESD"},      Name{0x8034, "PP_DKPTDESP"},   Name{0x8035, "PP_DKPTTDESP"},
-    Name{0x8036, "PP_DKPTTDESD"},    Name{0x8040, "PP_EVENT"},      Name{0x8041, "PP_TRK1INC"},
-    Name{0x8042, "PP_TRK2INC"},      Name{0x8043, "PP_TRK3INC"},    Name{0x8044, "PP_TRACK1"},
-    Name{0x8045, "PP_TRACK2"},       Name{0x8046, "PP_TRACK3"},     Name{0x8047, "PP_TRK1KSN"},
-    Name{0x8048, "PP_TRK2KSN"},      Name{0x8049, "PP_TRK3KSN"},    Name{0x804A, "PP_ENCPAN"},
-    Name{0x804B, "PP_ENCPANKSN"},    Name{0x804C, "PP_KSN"},        Name{0x804D, "PP_VALUE"},
-    Name{0x804E, "PP_DATAOUT"},      Name{0x804F, "PP_CARDTYPE"},   Name{0x8050, "PP_ICCSTAT"},
-    Name{0x8051, "PP_AIDTABINFO"},   Name{0x8052, "PP_PAN"},        Name{0x8053, "PP_PANSEQNO"},
-    Name{0x8054, "PP_EMVDATA"},      Name{0x8055, "PP_CHNAME"},     Name{0x8056, "PP_GOXRES"},
-    Name{0x8057, "PP_PINBLK"},       Name{0x8058, "PP_FCXRES"},     Name{0x8059, "PP_ISRESULTS"},
-    Name{pp::bigRand, "PP_BIGRAND"}, Name{0x805B, "PP_LABEL"},      Name{0x805C, "PP_ISSCNTRY"},
-    Name{0x805D, "PP_CARDEXP"},      Name{0x805E, "PP_MFNAME"},     Name{0x8060, "PP_DEVTYPE"},
-    Name{0x8061, "PP_ENCKEY"},       Name{pp::tlrMem, "PP_TLRMEM"}, Name{0x8063, "PP_ENCKRAND"},
+constexpr std::array rows{
+    Row{spe::idList, "SPE_IDLIST", {Type::bytes, 0, shown}},
+    Row{spe::mthdPin, "SPE_MTHDPIN", {Type::digits, 1, shown}},
+    Row{spe::mthdDat, "SPE_MTHDDAT", {Type::digits, 2, shown}},
+    Row{spe::tagList, "SPE_TAGLIST", {Type::bytes, 128, shown}},
+    Row{spe::emvData, "SPE_EMVDATA", {Type::objects, 0, shown}},
+    Row{spe::cexOpt, "SPE_CEXOPT", {Type::text, 6, shown}},
+    Row{spe::tracks, "SPE_TRACKS", {Type::text, 4, shown}},
+    Row{spe::opnDig, "SPE_OPNDIG", {Type::digits, 1, shown}},
+    Row{spe::keyIdx, "SPE_KEYIDX", {Type::digits, 2, shown}},
+    Row{spe::wkEnc, "SPE_WKENC"},
+    Row{spe::msgIdx, "SPE_MSGIDX", {Type::number, 2, shown}},
+    Row{spe::timeout, "SPE_TIMEOUT", {Type::number, 1, shown}},
+    Row{spe::minDig, "SPE_MINDIG", {Type::number, 1, shown}},
+    Row{spe::maxDig, "SPE_MAXDIG", {Type::number, 1, shown}},
+    Row{spe::dataIn, "SPE_DATAIN"},
+    Row{spe::acqRef, "SPE_ACQREF", {Type::digits, 2, shown}},
+    Row{spe::appType, "SPE_APPTYPE", {Type::digits, 0, shown}},
+    Row{spe::aidList, "SPE_AIDLIST", {Type::text, 0, shown}},
+    Row{spe::amount, "SPE_AMOUNT", {Type::digits, 12, shown}},
+    Row{spe::cashback, "SPE_CASHBACK", {Type::digits, 12, shown}},
+    Row{spe::trnDate, "SPE_TRNDATE", {Type::digits, 6, shown}},
+    Row{spe::trnTime, "SPE_TRNTIME", {Type::digits, 6, shown}},
+    Row{spe::gcxOpt, "SPE_GCXOPT", {Type::text, 5, shown}},
+    Row{spe::goxOpt, "SPE_GOXOPT", {Type::text, 5, shown}},
+    Row{spe::fcxOpt, "SPE_FCXOPT", {Type::text, 4, shown}},
+    Row{spe::trmPar, "SPE_TRMPAR", {Type::bytes, 10, shown}},
+    Row{spe::dspMsg, "SPE_DSPMSG", {Type::text, 128, shown}},
+    Row{spe::arc, "SPE_ARC", {Type::text, 2, shown}},
+    Row{spe::ivCbc, "SPE_IVCBC", {Type::bytes, 8, shown}},
+    Row{spe::mfName, "SPE_MFNAME", {Type::text, 8, shown}},
+    Row{spe::mfInfo, "SPE_MFINFO", {Type::bytes, 10, shown}},
+    Row{spe::mnuOpt, "SPE_MNUOPT", {Type::text, 24, shown}},
+    Row{spe::trnType, "SPE_TRNTYPE", {Type::bytes, 1, shown}},
+    Row{spe::trnCurr, "SPE_TRNCURR", {Type::digits, 3, shown}},
+    Row{spe::panMask, "SPE_PANMASK", {Type::digits, 4, shown}},
+    Row{spe::pbkMod, "SPE_PBKMOD", {Type::bytes, 256, shown}},
+    Row{spe::pbkExp, "SPE_PBKEXP", {Type::bytes, 0, shown}},
+    Row{0x8001, "PP_SERNUM", {Type::text, 0, shown}},
+    Row{0x8002, "PP_PARTNBR", {Type::text, 0, shown}},
+    Row{0x8003, "PP_MODEL", {Type::text, 0, shown}},
+    Row{0x8004, "PP_MNNAME", {Type::text, 0, shown}},
+    Row{0x8005, "PP_CAPAB", {Type::text, 0, shown}},
+    Row{0x8006, "PP_SOVER", {Type::text, 0, shown}},
+    Row{0x8007, "PP_SPECVER", {Type::text, 0, shown}},
+    Row{0x8008, "PP_MANVERS", {Type::text, 0, shown}},
+    Row{0x8009, "PP_APPVERS", {Type::text, 0, shown}},
+    Row{0x800A, "PP_GENVERS", {Type::text, 0, shown}},
+    Row{0x8010, "PP_KRNLVER", {Type::text, 0, shown}},
+    Row{0x8011, "PP_CTLSVER", {Type::text, 0, shown}},
+    Row{0x8012, "PP_MCTLSVER", {Type::text, 0, shown}},
+    Row{0x8013, "PP_VCTLSVER", {Type::text, 0, shown}},
+    Row{0x8014, "PP_AECTLSVER", {Type::text, 0, shown}},
+    Row{0x8015, "PP_DPCTLSVER", {Type::text, 0, shown}},
+    Row{0x8016, "PP_PUREVER", {Type::text, 0, shown}},
+    Row{0x8020, "PP_DSPTXTSZ", {Type::text, 0, shown}},
+    Row{0x8021, "PP_DSPGRSZ", {Type::text, 0, shown}},
+    Row{0x8022, "PP_MFSUP", {Type::text, 0, shown}},
+    Row{0x8030, "PP_MKDESP", {Type::text, 0, shown}},
+    Row{0x8031, "PP_MKDESD", {Type::text, 0, shown}},
+    Row{0x8032, "PP_MKTDESP", {Type::text, 0, shown}},
+    Row{0x8033, "PP_MKTDESD", {Type::text, 0, shown}},
+    Row{0x8034, "PP_DKPTDESP", {Type::text, 0, shown}},
+    Row{0x8035, "PP_DKPTTDESP", {Type::text, 0, shown}},
+    Row{0x8036, "PP_DKPTTDESD", {Type::text, 0, shown}},
+    Row{pp::event, "PP_EVENT", {Type::digits, 2, shown}},
+    Row{pp::trk1Inc, "PP_TRK1INC"},
+    Row{pp::trk2Inc, "PP_TRK2INC"},
+    Row{pp::trk3Inc, "PP_TRK3INC"},
+    Row{pp::track1, "PP_TRACK1"},
+    Row{pp::track2, "PP_TRACK2"},
+    Row{pp::track3, "PP_TRACK3"},
+    Row{pp::trk1Ksn, "PP_TRK1KSN", {Type::bytes, 10, shown}},
+    Row{pp::trk2Ksn, "PP_TRK2KSN", {Type::bytes, 10, shown}},
+    Row{pp::trk3Ksn, "PP_TRK3KSN", {Type::bytes, 10, shown}},
+    Row{pp::encPan, "PP_ENCPAN"},
+    Row{pp::encPanKsn, "PP_ENCPANKSN", {Type::bytes, 10, shown}},
+    Row{pp::ksn, "PP_KSN", {Type::bytes, 10, shown}},
+    Row{pp::value, "PP_VALUE"},
+    Row{pp::dataOut, "PP_DATAOUT"},
+    Row{pp::cardType, "PP_CARDTYPE", {Type::digits, 2, shown}},
+    Row{pp::iccStat, "PP_ICCSTAT", {Type::digits, 1, shown}},
+    Row{pp::aidTabInfo, "PP_AIDTABINFO", {Type::text, 0, shown}},
+    Row{pp::pan, "PP_PAN", {Type::pan, 0, card}},
+    Row{pp::panSeqNo, "PP_PANSEQNO", {Type::digits, 2, shown}},
+    Row{pp::emvData, "PP_EMVDATA", {Type::objects, 0, shown}},
+    Row{pp::chName, "PP_CHNAME", {Type::text, 0, card}},
+    Row{pp::goxRes, "PP_GOXRES", {Type::text, 6, shown}},
+    Row{pp::pinBlk, "PP_PINBLK"},
+    Row{pp::fcxRes, "PP_FCXRES", {Type::text, 3, shown}},
+    Row{pp::isResults, "PP_ISRESULTS", {Type::bytes, 0, shown}},
+    Row{pp::bigRand, "PP_BIGRAND", {Type::bytes, 0, shown}},
+    Row{pp::label, "PP_LABEL", {Type::text, 16, shown}},
+    Row{pp::issCntry, "PP_ISSCNTRY", {Type::digits, 3, shown}},
+    Row{pp::cardExp, "PP_CARDEXP", {Type::text, 6, card}},
+    Row{pp::mfName, "PP_MFNAME", {Type::text, 8, shown}},
+    Row{pp::devType, "PP_DEVTYPE", {Type::digits, 2, shown}},
+    Row{0x8061, "PP_ENCKEY"},
+    Row{pp::tlrMem, "PP_TLRMEM", {Type::number, 4, shown}},
+    Row{pp::encKRand, "PP_ENCKRAND"},
 };
-static_assert(std::ranges::is_sorted(names, {}, &Name::id));
+static_assert(std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, &Row::id) == rows.end(),
+              "sorted and unique");
 
+// Each has an index behind its name.
 constexpr std::array families{
-    Name{pp::ksnDesPin, "PP_KSNDESP"},
-    Name{pp::ksnTdesPin, "PP_KSNTDESP"},
-    Name{pp::ksnTdesData, "PP_KSNTDESD"},
-    Name{pp::tabVer, "PP_TABVER"},
+    Row{pp::ksnDesPin, "PP_KSNDESP", {Type::bytes, 10, shown}},
+    Row{pp::ksnTdesPin, "PP_KSNTDESP", {Type::bytes, 10, shown}},
+    Row{pp::ksnTdesData, "PP_KSNTDESD", {Type::bytes, 10, shown}},
+    Row{pp::tabVer, "PP_TABVER", {Type::text, 10, shown}},
 };
+
+const Row* find(uint16_t id) noexcept {
+    const auto* found = std::ranges::lower_bound(rows, id, {}, &Row::id);
+    if (found != rows.end() && found->id == id) return found;
+    const auto* family =
+        std::ranges::find_if(families, [id](const Row& row) { return id >= row.id && id - row.id < pp::familySize; });
+    return family != families.end() ? family : nullptr;
+}
 
 }  // namespace
 
 std::string param_name(uint16_t id) {
-    const auto* found = std::ranges::lower_bound(names, id, {}, &Name::id);
-    if (found != names.end() && found->id == id) return std::string(found->name);
-    for (const Name& family : families) {
-        const int index = id - family.id;
-        if (index >= 0 && index < pp::familySize) return fmt::format("{}{}", family.name, index);
-    }
-    return "parameter";
+    const Row* row = find(id);
+    if (row == nullptr) return fmt::format("0x{:04X}", id);
+    return row->id >= pp::ksnDesPin ? fmt::format("{}{}", row->name, id - row->id) : std::string(row->name);
 }
+
+std::optional<uint16_t> find_param(std::string_view name) noexcept {
+    const auto* found = std::ranges::find(rows, name, &Row::name);
+    return found != rows.end() ? std::optional(found->id) : std::nullopt;
+}
+
+Content param_content(uint16_t id) noexcept {
+    const Row* row = find(id);
+    return row != nullptr ? row->content : Content();
+}
+
+Item param_item(uint16_t id, ByteView value) { return item(param_name(id), id, value, param_content(id)); }
 
 }  // namespace quorvel::wire

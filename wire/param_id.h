@@ -4,7 +4,11 @@
 #define QUORVEL_WIRE_PARAM_ID_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
+
+#include "wire/item.h"
 
 namespace quorvel::wire {
 
@@ -93,8 +97,14 @@ inline constexpr uint16_t tabVer = 0x9300;
 inline constexpr uint16_t familySize = 100;
 }  // namespace pp
 
-// "PP_SERNUM", "PP_TABVER5"; "parameter" for an id that the protocol does not have.
+// "PP_SERNUM", "PP_TABVER5"; "0x80FF" for an id that the protocol does not have.
 [[nodiscard]] std::string param_name(uint16_t id);
+// Of a name without an index.
+[[nodiscard]] std::optional<uint16_t> find_param(std::string_view name) noexcept;
+
+// One that the protocol does not have is withheld.
+[[nodiscard]] Content param_content(uint16_t id) noexcept;
+[[nodiscard]] Item param_item(uint16_t id, ByteView value);
 
 }  // namespace quorvel::wire
 

@@ -1,26 +1,26 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "cli/command.h"
 #include "cli/words.h"
-#include "wire/fields.h"
+#include "wire/hex.h"
 
 namespace quorvel::cli::setup {
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using sim::Sender;
+using wire::Bytes;
+using wire::Sender;
 
 struct DecodeOptions {
     std::vector<std::string> hex;
@@ -33,26 +33,15 @@ struct Line {
     Bytes bytes;
 };
 
-int digit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    const int letter = std::tolower(static_cast<unsigned char>(c)) - 'a';
-    return letter >= 0 && letter < 6 ? letter + 10 : -1;
-}
-
 // Pairs of digits with or without blanks and colons; none for anything else.
 std::optional<Bytes> parse_hex(std::string_view text) {
     std::string digits;
     std::ranges::copy_if(text, std::back_inserter(digits),
                          [](unsigned char c) { return std::isspace(c) == 0 && c != ':'; });
-    if (digits.empty() || digits.size() % 2 != 0) return std::nullopt;
-    Bytes bytes;
-    for (size_t i = 0; i < digits.size(); i += 2) {
-        const int high = digit(digits[i]);
-        const int low = digit(digits[i + 1]);
-        if (high < 0 || low < 0) return std::nullopt;
-        bytes.push_back(static_cast<uint8_t>(high << 4 | low));
-    }
-    return bytes;
+    if (digits.empty()) return std::nullopt;
+    try {
+        return wire::from_hex(digits);
+    } catch (const std::invalid_argument&) { return std::nullopt; }
 }
 
 // A request counts its blocks from the fourth byte on, where a response has its status: three digits in either case.
@@ -79,12 +68,12 @@ bool is_wire(const Bytes& bytes) { return bytes.front() < ' '; }
 void decode(Table& table, const Line& line) {
     if (!is_wire(line.bytes)) {
         const Sender sender = line.sender.value_or(guess(line.bytes));
-        add(table, sender, sender == Sender::host ? request_words(line.bytes) : response_words(line.bytes));
+        add(table, sender, packet_words(sender, line.bytes));
         return;
     }
-    sim::FrameDecoder decoder;
-    const auto tell = [&](const sim::Reception& reception) {
-        const bool acknowledges = reception.kind == sim::Reception::Kind::byte && reception.byte != sim::control::can;
+    wire::FrameDecoder decoder;
+    const auto tell = [&](const wire::Reception& reception) {
+        const bool acknowledges = reception.kind == wire::Reception::Kind::byte && reception.byte != wire::control::can;
         const Sender guessed = acknowledges ? Sender::pinPad : guess(reception.frame.data);
         const Sender sender = line.sender.value_or(guessed);
         add(table, sender, words(sender, reception));

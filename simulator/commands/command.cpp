@@ -8,59 +8,60 @@
 #include <fmt/format.h>
 
 #include "simulator/commands/handlers.h"
+#include "wire/command.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim {
 
 namespace {
 
-using Form = Command::Form;
-using Privacy = Command::Privacy;
 using Session = Command::Session;
 
 constexpr std::array table{
-    Command{"CEX", "wait for an event", Form::params, commands::cex},
-    Command{"CHP", "access to a chip", Form::fields, commands::chp, Session::stays, Privacy::withheld},
-    Command{"CKE", "wait for an event", Form::fields, commands::cke, Session::stays, Privacy::withheld},
-    Command{"CLO", "close the session", Form::fields, commands::clo, Session::ends},
-    Command{"CLX", "close the session", Form::params, commands::clx, Session::ends},
-    Command{"CNG", "change EMV data", Form::fields, commands::cng, Session::stays, Privacy::withheld},
-    Command{"DEX", "show a long message", Form::fields, commands::dex},
-    Command{"DMF", "delete media files", Form::params, commands::dmf},
-    Command{"DSI", "show a media file", Form::params, commands::dsi},
-    Command{"DSP", "show a message", Form::fields, commands::dsp},
-    Command{"DWK", "load a PAN working key", Form::fields, commands::dwk, Session::stays, Privacy::withheld},
-    Command{"EBX", "encipher data", Form::params, commands::ebx, Session::stays, Privacy::withheld},
-    Command{"ENB", "encipher a block", Form::fields, commands::enb, Session::stays, Privacy::withheld},
-    Command{"FCX", "finish with the chip", Form::params, commands::fcx, Session::stays, Privacy::withheld},
-    Command{"FNC", "finish with the chip", Form::fields, commands::fnc, Session::stays, Privacy::withheld},
-    Command{"GCD", "ask for a number", Form::params, commands::gcd},
-    Command{"GCR", "read a card", Form::fields, commands::gcr, Session::stays, Privacy::withheld},
-    Command{"GCX", "read a card", Form::params, commands::gcx, Session::stays, Privacy::withheld},
-    Command{"GDU", "serial number of a DUKPT key", Form::fields, commands::gdu},
-    Command{"GED", "EMV data", Form::params, commands::ged, Session::stays, Privacy::withheld},
-    Command{"GEN", "generic command", Form::fields, commands::gen, Session::stays, Privacy::withheld},
-    Command{"GIN", "device information", Form::fields, commands::gin},
-    Command{"GIX", "device information", Form::params, commands::gix},
-    Command{"GKY", "wait for a key", Form::fields, commands::gky},
-    Command{"GOC", "go on with the chip", Form::fields, commands::goc, Session::stays, Privacy::withheld},
-    Command{"GOX", "go on with the chip", Form::params, commands::gox, Session::stays, Privacy::withheld},
-    Command{"GPN", "ask for a PIN", Form::fields, commands::gpn, Session::stays, Privacy::withheld},
-    Command{"GTK", "tracks of the last card", Form::params, commands::gtk, Session::stays, Privacy::withheld},
-    Command{"GTS", "version of the tables", Form::fields, commands::gts},
-    Command{"LMF", "list media files", Form::params, commands::lmf},
-    Command{"MLE", "end the load of a media file", Form::params, commands::mle},
-    Command{"MLI", "begin the load of a media file", Form::params, commands::mli},
-    Command{"MLR", "a media file's next bytes", Form::params, commands::mlr},
-    Command{"MNU", "show a menu", Form::params, commands::mnu},
-    Command{"OPN", "open a session", Form::fields, commands::opn},
-    Command{"RMC", "wait until the card is removed", Form::fields, commands::rmc},
-    Command{"TLE", "end the load of tables", Form::fields, commands::tle},
-    Command{"TLI", "begin the load of tables", Form::fields, commands::tli},
-    Command{"TLR", "records of tables", Form::fields, commands::tlr},
+    Command{"CEX", commands::cex},
+    Command{"CHP", commands::chp},
+    Command{"CKE", commands::cke},
+    Command{"CLO", commands::clo, Session::ends},
+    Command{"CLX", commands::clx, Session::ends},
+    Command{"CNG", commands::cng},
+    Command{"DEX", commands::dex},
+    Command{"DMF", commands::dmf},
+    Command{"DSI", commands::dsi},
+    Command{"DSP", commands::dsp},
+    Command{"DWK", commands::dwk},
+    Command{"EBX", commands::ebx},
+    Command{"ENB", commands::enb},
+    Command{"FCX", commands::fcx},
+    Command{"FNC", commands::fnc},
+    Command{"GCD", commands::gcd},
+    Command{"GCR", commands::gcr},
+    Command{"GCX", commands::gcx},
+    Command{"GDU", commands::gdu},
+    Command{"GED", commands::ged},
+    Command{"GEN", commands::gen},
+    Command{"GIN", commands::gin},
+    Command{"GIX", commands::gix},
+    Command{"GKY", commands::gky},
+    Command{"GOC", commands::goc},
+    Command{"GOX", commands::gox},
+    Command{"GPN", commands::gpn},
+    Command{"GTK", commands::gtk},
+    Command{"GTS", commands::gts},
+    Command{"LMF", commands::lmf},
+    Command{"MLE", commands::mle},
+    Command{"MLI", commands::mli},
+    Command{"MLR", commands::mlr},
+    Command{"MNU", commands::mnu},
+    Command{"OPN", commands::opn},
+    Command{"RMC", commands::rmc},
+    Command{"TLE", commands::tle},
+    Command{"TLI", commands::tli},
+    Command{"TLR", commands::tlr},
 };
 static_assert(std::ranges::adjacent_find(table, std::ranges::greater_equal{}, &Command::id) == table.end(),
               "sorted and unique");
+static_assert(std::ranges::all_of(table, [](const Command& each) { return wire::find_command(each.id) != nullptr; }),
+              "known by name");
 
 constexpr size_t maxBlocks = 2;
 

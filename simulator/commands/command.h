@@ -61,18 +61,13 @@ using Outcome = std::variant<Answer, Wait>;
 // Commands that never wait have the simpler form.
 using Handler = std::variant<Answer (*)(Call&), Outcome (*)(Call&)>;
 
+// What this PIN pad does about a command.
 struct Command {
-    enum class Form { fields, params };
     enum class Session { stays, ends };
-    // Whether traces show what it carries and is answered with: no keys, card numbers or tracks.
-    enum class Privacy { shown, withheld };
 
     std::string_view id;
-    std::string_view title;
-    Form form = Form::fields;
     Handler handle;
     Session session = Session::stays;
-    Privacy privacy = Privacy::shown;
 };
 
 // Runs the handler. What it throws is found and becomes the answer.

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "simulator/control/control.h"
-#include "simulator/line/descriptor.h"
+#include "wire/descriptor.h"
 
 namespace quorvel::sim {
 

@@ -15,7 +15,7 @@
 
 #include "simulator/control/client.h"
 #include "simulator/control/control.h"
-#include "simulator/line/descriptor.h"
+#include "wire/descriptor.h"
 
 namespace quorvel::sim {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-#include "simulator/commands/command.h"
 #include "simulator/face/display.h"
+#include "wire/command.h"
 
 namespace quorvel::sim {
 
@@ -17,7 +17,7 @@ constexpr int64_t page = 5;
 constexpr size_t shownFindings = 10;
 
 std::string waiting_words(const std::string& id) {
-    const Command* command = find_command(id);
+    const wire::Command* command = wire::find_command(id);
     return command != nullptr ? fmt::format("{} {}", id, command->title) : id;
 }
 

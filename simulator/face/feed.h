@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "simulator/line/descriptor.h"
 #include "simulator/pin_pad.h"
+#include "wire/descriptor.h"
 
 namespace quorvel::sim {
 

@@ -7,16 +7,16 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
-#include "simulator/commands/command.h"
+#include "wire/command.h"
+#include "wire/fields.h"
 #include "wire/frame.h"
 
 namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t idWidth = 3;
 // RSP_ID and RSP_STAT, and RSP_LEN1 behind them.
-constexpr size_t headWidth = 6;
+constexpr size_t headWidth = idWidth + statusWidth;
 constexpr size_t dataStart = headWidth + 3;
 constexpr int highestStatus = 999;
 
@@ -30,8 +30,9 @@ void take_status(Bytes& packet, int status) {
 
 // The first parameter, or in a command of fields the block, says that it is longer than all that comes.
 void claim_too_much(Bytes& packet, int) {
-    const Command* command = find_command(std::string(packet.begin(), packet.begin() + idWidth));
-    const bool params = command != nullptr && command->form == Command::Form::params;
+    const std::string id(packet.begin(), packet.begin() + idWidth);
+    const wire::Command* command = wire::find_command(id);
+    const bool params = command != nullptr && command->form == wire::Command::Form::params;
     if (params && packet.size() >= dataStart + paramHead) {
         std::fill_n(packet.begin() + dataStart + 2, 2, uint8_t{0xFF});
     } else {

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -19,16 +18,6 @@ namespace {
 // How long a client may leave the line full before what it does not read is dropped.
 constexpr int patienceMs = 1000;
 
-std::string slave_path(int master) {
-    if (grantpt(master) != 0) fail_call("grantpt");
-    if (unlockpt(master) != 0) fail_call("unlockpt");
-    std::array<char, 128> path{};
-    if (const int error = ptsname_r(master, path.data(), path.size()); error != 0) {
-        throw std::system_error(error, std::generic_category(), "ptsname_r");
-    }
-    return path.data();
-}
-
 // Before any client sets the line up for itself it must neither echo nor translate.
 void make_raw(int slave) {
     termios settings{};
@@ -41,7 +30,7 @@ void make_raw(int slave) {
 
 Line::Terminal::Terminal(bool watched)
     : master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"),
-      path(slave_path(master.get())),
+      path(slave_path(master)),
       slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
     make_raw(slave.get());
     if (!watched) return;

@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "simulator/line/descriptor.h"
 #include "simulator/wire.h"
+#include "wire/descriptor.h"
 
 namespace quorvel::sim {
 

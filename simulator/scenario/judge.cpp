@@ -6,8 +6,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "simulator/watch/trace.h"
 #include "wire/status.h"
+#include "wire/words.h"
 
 namespace quorvel::sim {
 
@@ -21,31 +21,36 @@ std::string status_words(std::optional<int> status) {
     return status ? fmt::format("{:03} {}", *status, status_name(*status)) : "nothing";
 }
 
-// The parameter that a part like SPE_AMOUNT="..." is about, as it came. The scenario's author asked for it by name, so
-// it is shown even where traces do not show it.
-std::string counterpart(const std::string& words, const std::string& part) {
-    const size_t equals = part.find('=');
-    const size_t start = equals == std::string::npos ? equals : words.find(part.substr(0, equals + 1));
-    if (start == std::string::npos) return "";
-    return words.substr(start, words.find(", ", start) - start);
+// What came under the name. The scenario's author asked for it by name, so it is shown even where traces do not.
+std::string counterpart(const std::vector<Item>& items, const ExpectedValue& expected) {
+    const auto found = std::ranges::find(items, expected.name, &Item::name);
+    return found != items.end() ? whole_words_for(*found) : "";
 }
 
 // How the exchange is not what was expected; empty when it is.
 std::string difference(const Expectation& expected, const Exchange& exchange) {
-    const std::string words = whole_request_words(exchange.request);
-    const auto has = [&](const std::string& part) { return words.find(part) != std::string::npos; };
-    for (const std::string& part : expected.with) {
-        if (has(part)) continue;
-        const std::string instead = counterpart(words, part);
-        return fmt::format("came without {}, {}", part,
+    const std::vector<Item> items = take_apart(Sender::host, exchange.request).items;
+    for (const ExpectedValue& value : expected.with) {
+        if (value.is_among(items)) continue;
+        const std::string instead = counterpart(items, value);
+        return fmt::format("came without {}, {}", value.words,
                            instead.empty() ? "as " + request_words(exchange.request) : "but with " + instead);
     }
-    for (const std::string& part : expected.without) {
-        if (has(part)) return fmt::format("came with {}", part);
+    for (const ExpectedValue& value : expected.without) {
+        if (value.is_among(items)) return fmt::format("came with {}", value.words);
     }
     if (!expected.status || *expected.status == exchange.status) return "";
     return fmt::format("was answered with {}, not with {}", status_words(exchange.status),
                        status_words(*expected.status));
+}
+
+std::string values_words(const std::vector<ExpectedValue>& values, std::string_view between) {
+    std::string words;
+    for (const ExpectedValue& value : values) {
+        if (!words.empty()) words += between;
+        words += value.words;
+    }
+    return words;
 }
 
 std::string ids_words(const CommandIds& ids) { return fmt::format("{}", fmt::join(ids, " or ")); }
@@ -57,8 +62,8 @@ std::string times_words(unsigned times) {
 // All that the expectation asks for.
 std::string words_of(const Expectation& expected) {
     std::string words = ids_words(expected.commands);
-    if (!expected.with.empty()) words += fmt::format(" with {}", fmt::join(expected.with, " and "));
-    if (!expected.without.empty()) words += fmt::format(" without {}", fmt::join(expected.without, " or "));
+    if (!expected.with.empty()) words += " with " + values_words(expected.with, " and ");
+    if (!expected.without.empty()) words += " without " + values_words(expected.without, " or ");
     if (expected.status) words += fmt::format(", answered with {}", status_words(*expected.status));
     return words;
 }

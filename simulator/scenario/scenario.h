@@ -14,6 +14,7 @@
 
 #include "simulator/cards/cards.h"
 #include "simulator/device/device.h"
+#include "simulator/scenario/expected_value.h"
 
 namespace quorvel::sim {
 
@@ -49,9 +50,8 @@ struct Expectation {
 
     uint32_t line = 0;
     CommandIds commands;
-    // Parts of the words for the request.
-    std::vector<std::string> with = {};
-    std::vector<std::string> without = {};
+    std::vector<ExpectedValue> with = {};
+    std::vector<ExpectedValue> without = {};
     Status status = {};
     Times times = 1;
     // Whether it counts wherever it comes, and not only after the expectations before it.

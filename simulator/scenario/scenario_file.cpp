@@ -99,11 +99,19 @@ Expectation::Status expected_status(TomlTable& table) {
     return status_of(table);
 }
 
+std::vector<ExpectedValue> expected_values(TomlTable& table, std::string_view key, const CommandIds& commands) {
+    std::vector<ExpectedValue> values;
+    for (const std::string& words : table.texts(key)) {
+        table.blame(key, [&] { values.push_back(ExpectedValue::parse(words, commands)); });
+    }
+    return values;
+}
+
 Expectation expectation(TomlTable table) {
     static constexpr int64_t most = 1000000;
     Expectation expected{.line = table.line(), .commands = command_ids(table, "command")};
-    expected.with = table.texts("with");
-    expected.without = table.texts("without");
+    expected.with = expected_values(table, "with", expected.commands);
+    expected.without = expected_values(table, "without", expected.commands);
     expected.status = expected_status(table);
     expected.anywhere = table.flag("anywhere");
     if (table.has("times")) {

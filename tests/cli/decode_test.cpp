@@ -32,8 +32,8 @@ TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
         {"06", "PIN pad/ACK//\n"},
         {"18", "host/CAN//\n"},
         // "GIN" 002 "00", and its frame.
-        {"47494E3030323030", "host/GIN device information//00\n"},
-        {"16 47:49:4e 30 30 32 30 30 17 ee ca", "host/GIN device information//00\n"},
+        {"47494E3030323030", "host/GIN device information//{\"GIN_ACQIDX\":\"00\"}\n"},
+        {"16 47:49:4e 30 30 32 30 30 17 ee ca", "host/GIN device information//{\"GIN_ACQIDX\":\"00\"}\n"},
         // "CLO" 000, "GKY" 004 and "NTM" 000 032.
         {"434C4F303030", "PIN pad/CLO close the session/ST_OK/\n"},
         {"474B59303034", "PIN pad/GKY wait for a key/ST_F1/\n"},

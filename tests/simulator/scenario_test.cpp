@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <fmt/format.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -60,6 +61,19 @@ TEST(ScenarioFile, SaysWhatIsWrongAndWhere) {
         {expect("command = 'GCX'\nstatus = 'FINE'"), "line 4: expect.status: there is no status \"FINE\""},
         {expect("command = 'GCX'\ntimes = 0"), "line 4: expect.times: 0 is not from 1 to 1000000"},
         {expect("command = 'GCX'\nwith = 1"), "line 4: expect.with: no list of texts"},
+        {expect("command = 'GCX'\nwith = 'SPE_AMONT'"), "line 4: expect.with: there is no \"SPE_AMONT\" in GCX"},
+        {expect("command = ['GIN', 'GCX']\nwith = ['GIN_ACQIDX', 'DSP_MSG']"),
+         "line 4: expect.with: there is no \"DSP_MSG\" in GIN or GCX"},
+        {expect("command = 'GCX'\nwith = 'SPE_AMOUNT=10'"),
+         "line 4: expect.with: 10 is no text between quotation marks"},
+        {expect("command = 'GCX'\nwith = 'SPE_AMOUNT=\"10'"),
+         "line 4: expect.with: \"10 is no text between quotation marks"},
+        {expect("command = 'GCX'\nwithout = 'SPE_ACQREF='"), "line 4: expect.without: no value"},
+        {expect("command = 'GCX'\nwith = 'SPE_TIMEOUT=\"60\"'"), "line 4: expect.with: \"60\" is no number"},
+        {expect("command = 'GCX'\nwith = 'SPE_TIMEOUT~60'"),
+         "line 4: expect.with: SPE_TIMEOUT is a number, which contains nothing"},
+        {expect("command = 'GIX'\nwith = 'SPE_IDLIST=800'"),
+         "line 4: expect.with: an odd number of hexadecimal digits"},
         {"title =", "line 1: "},
     };
     for (const auto& [text, due] : cases) {
@@ -106,7 +120,7 @@ using Complaints = std::vector<std::string>;
 
 TEST(Judge, LetsPassWhatIsExpected) {
     const std::string sale =
-        "[[expect]]\ncommand = ['GCR', 'GCX']\nstatus = 'OK'\nwith = 'SPE_AMOUNT=\"10'\nwithout = 'SPE_ACQREF'\n"
+        "[[expect]]\ncommand = ['GCR', 'GCX']\nstatus = 'OK'\nwith = 'SPE_AMOUNT~\"100\"'\nwithout = 'SPE_ACQREF'\n"
         "[[expect]]\ncommand = 'GKY'\nstatus = 'none'\ntimes = 2\n"
         "[[expect]]\ncommand = 'DSP'\nanywhere = true\n"
         "[[expect]]\ncommand = 'GKY'\nanywhere = true\nstatus = 4\ntimes = 0\n"
@@ -134,10 +148,12 @@ TEST(Judge, TellsWhatCameInstead) {
         {"[[expect]]\ncommand = 'GKY'\ntimes = 3",
          {{"GKY", 0}},
          {"s.toml:2: expected 3 times: GKY; it came once, and nothing instead"}},
-        {"[[expect]]\ncommand = 'GIN'\nwith = ['\"00\"', '\"01']",
+        {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_ACQREF'",
+         {{amount + "10000", 0}},
+         {"s.toml:2: GCX came without SPE_ACQREF, as GCX read a card: SPE_AMOUNT: 5 bytes withheld"}},
+        {"[[expect]]\ncommand = 'GIN'\nwithout = 'GIN_ACQIDX=\"00\"'",
          {{"GIN00200", 0}},
-         {"s.toml:2: GIN came without \"01, as GIN device information: \"00\""}},
-        {"[[expect]]\ncommand = 'GIN'\nwithout = '\"0'", {{"GIN00200", 0}}, {"s.toml:2: GIN came with \"0"}},
+         {"s.toml:2: GIN came with GIN_ACQIDX=\"00\""}},
         {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'",
          {{amount + "20000", 0}},
          {"s.toml:2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""}},
@@ -153,6 +169,35 @@ TEST(Judge, TellsWhatCameInstead) {
     EXPECT_EQ(judged("[[finding]]\ntext = 'late'", {}, {{Finding::Kind::layout, "GIN: short"}}),
               (Complaints{"unexpected finding (layout): GIN: short",
                           "s.toml:2: expected the finding \"late\"; it never came"}));
+}
+
+// A value may hold whatever stands between values in words, and ends where it ends.
+TEST(Judge, ComparesValues) {
+    const std::string dsp = "DSP032PAY 10,00, SPE_AMOUNT=\"1\"" + std::string(7, ' ');
+    const std::string request = "GCX028" + "000C 0001 3C 0004 0003 9F025A 0013 000C"_hex + "000000001000";
+    struct Case {
+        const char* command;
+        const std::string& request;
+        const char* expected;
+        bool met;
+    };
+    for (const auto& [command, sent, expected, met] : {
+             Case{"DSP", dsp, "DSP_MSG=\"PAY 10,00, SPE_AMOUNT=\"1\"\"", true},
+             {"DSP", dsp, "DSP_MSG=\"PAY 10,00\"", false},
+             {"DSP", dsp, "DSP_MSG~\"10,00, \"", true},
+             {"DSP", dsp, "DSP_MSG~\"10.00\"", false},
+             {"GCX", request, "SPE_TIMEOUT=60", true},
+             {"GCX", request, "SPE_TIMEOUT=6", false},
+             {"GCX", request, "SPE_TAGLIST=9F025A", true},
+             {"GCX", request, "SPE_TAGLIST=9F02", false},
+             {"GCX", request, "SPE_TAGLIST~9F02", true},
+             {"GCX", request, "SPE_AMOUNT=\"00000000100\"", false},
+             {"GCX", request, "SPE_AMOUNT", true},
+             {"GCX", request, "SPE_CASHBACK", false},
+         }) {
+        const std::string text = fmt::format("[[expect]]\ncommand = '{}'\nwith = '{}'", command, expected);
+        EXPECT_EQ(judged(text, {{sent, 0}}).empty(), met) << expected;
+    }
 }
 
 class PerformanceTest : public PinPadTest {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <array>
-
 #include "cli/command.h"
+
+#include <array>
 
 namespace quorvel::cli {
 

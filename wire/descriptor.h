@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_SIMULATOR_LINE_DESCRIPTOR_H
-#define QUORVEL_SIMULATOR_LINE_DESCRIPTOR_H
+#ifndef QUORVEL_WIRE_DESCRIPTOR_H
+#define QUORVEL_WIRE_DESCRIPTOR_H
 
-namespace quorvel::sim {
+#include <string>
+
+namespace quorvel::wire {
 
 // Throws std::system_error with errno and the call that has set it.
 [[noreturn]] void fail_call(const char* call);
@@ -26,6 +28,9 @@ private:
     int descriptor_;
 };
 
+// The path of a pseudo-terminal's other side, which may be opened from now on. Throws std::system_error.
+[[nodiscard]] std::string slave_path(const Descriptor& master);
+
 // Wakes whoever polls get() for POLLIN.
 class WakeUp {
 public:
@@ -43,6 +48,6 @@ private:
     Descriptor event_;
 };
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire
 
 #endif

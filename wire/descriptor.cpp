@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "simulator/line/descriptor.h"
+#include "wire/descriptor.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
 
-namespace quorvel::sim {
+namespace quorvel::wire {
 
 void fail_call(const char* call) { throw std::system_error(errno, std::generic_category(), call); }
 
@@ -19,6 +21,16 @@ Descriptor::Descriptor(int descriptor, const char* call) : descriptor_(descripto
 }
 
 Descriptor::~Descriptor() { ::close(descriptor_); }
+
+std::string slave_path(const Descriptor& master) {
+    if (grantpt(master.get()) != 0) fail_call("grantpt");
+    if (unlockpt(master.get()) != 0) fail_call("unlockpt");
+    std::array<char, 128> path{};
+    if (const int error = ptsname_r(master.get(), path.data(), path.size()); error != 0) {
+        throw std::system_error(error, std::generic_category(), "ptsname_r");
+    }
+    return path.data();
+}
 
 WakeUp::WakeUp() : event_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "eventfd") {}
 
@@ -35,4 +47,4 @@ void WakeUp::clear() const {
     if (::read(event_.get(), &count, sizeof count) < 0 && !is_transient(errno)) fail_call("read");
 }
 
-}  // namespace quorvel::sim
+}  // namespace quorvel::wire

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "wire/packet.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "wire/fields.h"
+#include "wire/param_id.h"
+
+namespace quorvel::wire {
+
+namespace {
+
+using Items = std::vector<Item>;
+using Size = Field::Size;
+
+Items unknown(ByteView bytes) { return bytes.empty() ? Items() : Items{item("", 0, bytes, {})}; }
+
+Items params_in(ByteView blocks) {
+    Items items;
+    for (const Param& param : Reader("", blocks).params()) items.push_back(param_item(param.id, param.data));
+    return items;
+}
+
+// Fields in their order, off the front of what is left.
+class Fields {
+public:
+    explicit Fields(ByteView bytes) : reader_("", bytes) {}
+
+    void take(const Field& field) {
+        if (field.size == Size::length) return claim();
+        if (field.size == Size::optional && reader_.left() == 0) return;
+        const Bytes value = reader_.b(field.name, size_of(field));
+        const bool exact = field.size == Size::fixed || field.size == Size::optional;
+        Item taken = item(std::string(field.name), 0, value, exact ? field.content : any_size(field.content));
+        if (taken.privacy != field.content.privacy) throw LayoutError(std::string(field.name));
+        items_.push_back(std::move(taken));
+    }
+
+    [[nodiscard]] Items all() && {
+        for (Item& item : unknown(reader_.b("", reader_.left()))) items_.push_back(std::move(item));
+        return std::move(items_);
+    }
+
+private:
+    static Content any_size(Content content) {
+        content.width = 0;
+        return content;
+    }
+
+    void claim() {
+        if (reader_.n("length", 3) > reader_.left()) throw LayoutError("length");
+    }
+
+    [[nodiscard]] size_t size_of(const Field& field) const {
+        const size_t width = field.content.width;
+        switch (field.size) {
+            case Size::counted:
+                return width * Reader("", items_.back().value).n(field.name, items_.back().value.size());
+            case Size::rest:
+                return std::max(width, reader_.left());
+            default:
+                return width;
+        }
+    }
+
+    Reader reader_;
+    Items items_;
+};
+
+Items fields_in(std::string_view id, Sender sender, ByteView bytes) {
+    Fields fields(bytes);
+    for (const Field& field : fields_of(id, sender)) fields.take(field);
+    return std::move(fields).all();
+}
+
+Items items_in(const Packet& packet, Sender sender, ByteView bytes) {
+    if (bytes.empty() || packet.command == nullptr) return unknown(bytes);
+    try {
+        const bool params = packet.command->form == Command::Form::params;
+        return params ? params_in(bytes) : fields_in(packet.id, sender, bytes);
+    } catch (const LayoutError&) { return unknown(bytes); }
+}
+
+std::optional<int> status_in(ByteView packet) {
+    try {
+        return static_cast<int>(Reader("", packet.subspan(idWidth)).n("RSP_STAT", statusWidth));
+    } catch (const LayoutError&) { return std::nullopt; }
+}
+
+}  // namespace
+
+Packet take_apart(Sender sender, ByteView packet) {
+    const ByteView head = packet.first(std::min(packet.size(), idWidth));
+    Packet apart{.id = {head.begin(), head.end()}};
+    apart.command = find_command(apart.id);
+    ByteView rest = packet.subspan(head.size());
+    if (sender == Sender::pinPad) {
+        if (!rest.empty()) apart.status = status_in(packet);
+        if (!apart.status) {
+            apart.items = unknown(rest);
+            return apart;
+        }
+        rest = rest.subspan(statusWidth);
+    }
+    apart.items = items_in(apart, sender, rest);
+    return apart;
+}
+
+bool is_open(Sender sender, ByteView packet) {
+    const Packet apart = take_apart(sender, packet);
+    return looks_like_id(apart.id) && std::ranges::all_of(apart.items, [](const Item& each) { return is_open(each); });
+}
+
+}  // namespace quorvel::wire

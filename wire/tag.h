@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_WIRE_TAG_H
+#define QUORVEL_WIRE_TAG_H
+
+#include <string_view>
+
+#include "wire/item.h"
+#include "wire/tlv.h"
+
+namespace quorvel::wire {
+
+// The data objects that the programs here read or set themselves.
+namespace tag {
+inline constexpr Tag aid = 0x4F;
+inline constexpr Tag label = 0x50;
+inline constexpr Tag currency = 0x5F2A;
+inline constexpr Tag fileName = 0x84;
+inline constexpr Tag command = 0x86;
+inline constexpr Tag responseCode = 0x8A;
+inline constexpr Tag terminalResults = 0x95;
+inline constexpr Tag date = 0x9A;
+inline constexpr Tag type = 0x9C;
+inline constexpr Tag amount = 0x9F02;
+inline constexpr Tag cashback = 0x9F03;
+inline constexpr Tag scriptId = 0x9F18;
+inline constexpr Tag time = 0x9F21;
+inline constexpr Tag cryptogram = 0x9F26;
+inline constexpr Tag cryptogramInformation = 0x9F27;
+inline constexpr Tag verificationResults = 0x9F34;
+inline constexpr Tag counter = 0x9F36;
+inline constexpr Tag unpredictableNumber = 0x9F37;
+inline constexpr Tag scriptResults = 0x9F5B;
+// Issuer scripts, for before and after the second decision.
+inline constexpr Tag earlyScript = 0x71;
+inline constexpr Tag lateScript = 0x72;
+}  // namespace tag
+
+// "Application label"; empty for a tag that is not known.
+[[nodiscard]] std::string_view tag_name(Tag tag) noexcept;
+
+// Its item is called by the tag, "9F02"; of a tag that is not known it is withheld.
+[[nodiscard]] Item data_object(Tag tag, ByteView value);
+
+}  // namespace quorvel::wire
+
+#endif

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "wire/words.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <string_view>
+
+#include "wire/hex.h"
+#include "wire/status.h"
+
+namespace quorvel::wire {
+
+namespace {
+
+constexpr size_t shownBytes = 100;
+
+std::string text_or_hex(ByteView bytes) {
+    const bool printable = std::ranges::all_of(bytes, [](uint8_t c) { return c >= 0x20 && c <= 0x7E; });
+    return printable ? fmt::format("\"{}\"", std::string(bytes.begin(), bytes.end())) : to_hex(bytes);
+}
+
+std::string list(const std::vector<Item>& items) {
+    std::string text;
+    for (const Item& each : items) text += (text.empty() ? "" : ", ") + words_for(each);
+    return text;
+}
+
+std::string value_words(const Item& item) {
+    const ByteView value = item.value;
+    const ByteView shown = value.first(std::min(value.size(), shownBytes));
+    const std::string more = shown.size() < value.size() ? fmt::format("... ({} bytes)", value.size()) : "";
+    switch (item.type) {
+        case Type::number:
+            return fmt::format("{}", number_of(value));
+        case Type::objects:
+            return fmt::format("{{{}}}", list(item.parts));
+        case Type::bytes:
+        case Type::packedPan:
+            return to_hex(shown) + more;
+        default:
+            return text_or_hex(shown) + more;
+    }
+}
+
+std::string items_words(const std::vector<Item>& items) { return items.empty() ? "" : ": " + list(items); }
+
+}  // namespace
+
+std::string words_for(const Item& item) {
+    if (item.privacy == Privacy::shown) return fmt::format("{}={}", item.name, value_words(item));
+    return fmt::format("{}{}{} bytes withheld", item.name, item.name.empty() ? "" : ": ", item.value.size());
+}
+
+std::string whole_words_for(const Item& item) {
+    return fmt::format("{}={}", item.name, item.type == Type::objects ? to_hex(item.value) : value_words(item));
+}
+
+std::string request_words(ByteView packet) {
+    const Packet apart = take_apart(Sender::host, packet);
+    if (!looks_like_id(apart.id)) return fmt::format("{} bytes withheld", packet.size());
+    const std::string name = apart.command != nullptr ? fmt::format("{} {}", apart.id, apart.command->title)
+                                                      : fmt::format("\"{}\"", apart.id);
+    return name + items_words(apart.items);
+}
+
+std::string response_words(ByteView packet) {
+    const Packet apart = take_apart(Sender::pinPad, packet);
+    if (!apart.status || !looks_like_id(apart.id)) return fmt::format("no response: {} bytes withheld", packet.size());
+    return fmt::format("{} {:03} {}{}", apart.id, *apart.status, status_name(*apart.status), items_words(apart.items));
+}
+
+std::string control_words(uint8_t byte) {
+    switch (byte) {
+        case control::eot:
+            return "EOT";
+        case control::ack:
+            return "ACK";
+        case control::nak:
+            return "NAK";
+        case control::can:
+            return "CAN";
+        default:
+            return fmt::format("stray byte 0x{:02X}", byte);
+    }
+}
+
+std::string reception_words(const Reception& reception) {
+    switch (reception.kind) {
+        case Reception::Kind::byte:
+            return control_words(reception.byte);
+        case Reception::Kind::damaged:
+            return "damaged frame: " + reception.fault;
+        case Reception::Kind::interrupted:
+            return "interrupted frame: " + reception.fault;
+        case Reception::Kind::frame:
+            break;
+    }
+    const Frame& frame = reception.frame;
+    return frame.encrypted ? fmt::format("encrypted frame, {} bytes", frame.data.size()) : request_words(frame.data);
+}
+
+}  // namespace quorvel::wire
