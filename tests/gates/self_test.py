@@ -19,6 +19,8 @@ SOUND = {
     "include/quorvel/abecs/packet.h": C_HEAD,
     "abecs/comm/comm.cpp": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n#include "quorvel/abecs/packet.h"\n',
     "abecs/cmd/frame.h": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n',
+    "wire/x.h": CPP_HEAD, "cli/commands/x.h": CPP_HEAD, "simulator/engine.h": CPP_HEAD,
+    "simulator/keys/x.h": CPP_HEAD, "simulator/commands/x.h": CPP_HEAD, "simulator/scenario/x.h": CPP_HEAD,
 }
 DOCS = {
     "cmake/exports.txt": "abecs_cmd_gin\nabecs_cmd_gcx_builder_new\nkor_list_new\n",
@@ -60,10 +62,18 @@ CASES = [
     ("layers", "abecs/data/x.cpp", "#include <quorvel/abecs/comm.h>", "of comm"),
     ("layers", "abecs/comm/x.cpp", '#include "abecs/cmd/frame.h"', "of cmd"),
     ("layers", "abecs/cmd/x.cpp", '#include "frame.h"\n#include "quorvel/abecs/comm.h"', ""),
-    ("layers", "simulator/commands/x.cpp", '#include "quorvel/abecs/packet.h"', "simulator must not include"),
+    ("layers", "simulator/commands/x.cpp", '#include "quorvel/abecs/packet.h"', "simulator/commands must not include"),
     ("layers", "simulator/x.cpp", '#include "core/raise.h"', "simulator must not include"),
     ("layers", "wire/x.cpp", '#include "quorvel/abecs/packet.h"', "wire must not include"),
     ("layers", "simulator/x.cpp", "#include <tomcrypt.h>", "a crypto library of its own"),
+    ("layers", "simulator/keys/x.cpp", "#include <tomcrypt.h>", "a crypto library of its own"),
+    ("layers", "simulator/keys/x.cpp", '#include "simulator/commands/x.h"', "of simulator/commands"),
+    ("layers", "simulator/keys/x.cpp", '#include "simulator/engine.h"', "of simulator/pin pad"),
+    ("layers", "simulator/commands/x.cpp", '#include "simulator/keys/x.h"\n#include "wire/x.h"', ""),
+    ("layers", "simulator/engine.cpp", '#include "simulator/scenario/x.h"', "of simulator/scenario"),
+    ("layers", "simulator/attic/x.cpp", "", "a room that has no place"),
+    ("layers", "wire/x.cpp", '#include "simulator/keys/x.h"', "wire must not include"),
+    ("layers", "wire/x.cpp", '#include "quorvel/kor/heap.h"', "wire must not include"),
     ("docs", "docs/README.md", DOCS["docs/README.md"], ""),
     ("docs", "docs/README.md", "[one](errors.md)", "docs/README.md:1: leaves out commands.md"),
     ("docs", "docs/errors.md", "`KOR_RESULT_OK`", "docs/errors.md:1: leaves out ABECS_RSP_STAT_ST_OK"),
@@ -77,8 +87,10 @@ CASES = [
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/b.c -->\n```c\nint b;\n```", "code from examples"),
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/a.c -->\n```c\nnt b;\n```", "code that is not in"),
     ("docs", "README.md", "[x](docs/x.md)", "a link to docs/x.md"),
-    ("layers", "cli/x.cpp", '#include "quorvel/quorvel.h"\n#include "simulator/x.h"', ""),
-    ("layers", "cli/commands/x.cpp", '#include "quorvel/kor/heap.h"', "cli must not include quorvel/kor/heap.h of core"),
+    ("layers", "cli/x.cpp", '#include "quorvel/quorvel.h"\n#include "wire/x.h"', ""),
+    ("layers", "cli/x.cpp", '#include "simulator/keys/x.h"', "cli must not include"),
+    ("layers", "cli/x.cpp", '#include "cli/commands/x.h"', "of cli/commands"),
+    ("layers", "cli/commands/x.cpp", '#include "quorvel/kor/heap.h"', "cli/commands must not include quorvel/kor/heap.h"),
     ("layers", "tests/support/peer.cpp", '#include "abecs/cmd/frame.h"', "peer must not include"),
 ]
 
@@ -94,7 +106,8 @@ def verdict(check: str, files: dict) -> tuple:
 
 
 wrong = 0
-for check, name, text, said in [*CASES, ("sources", "core/x.cpp", None, "core/x.cpp:1: no licence head")]:
+UNLICENSED = [("sources", name, None, f"{name}:1: no licence head") for name in ("core/x.cpp", "cli/x.cpp", "wire/x.h")]
+for check, name, text, said in [*CASES, *UNLICENSED]:
     head = "" if check == "docs" else CPP_HEAD
     body = "int a;\n" if text is None else head + text + "\n"
     code, output = verdict(check, SOUND | DOCS | {name: body})
