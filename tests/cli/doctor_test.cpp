@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <array>
-#include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <string>
 #include <sys/stat.h>
 #include <termios.h>
@@ -32,15 +31,12 @@ void expect_failure(const Json& object, int exit, const std::string& check, cons
 // A line at whose other end nobody is.
 class DeadLine {
 public:
-    DeadLine() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        grantpt(master_);
-        unlockpt(master_);
-        path_ = ptsname(master_);
-        slave_ = open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        termios settings{};
-        tcgetattr(slave_, &settings);
-        cfmakeraw(&settings);
-        tcsetattr(slave_, TCSANOW, &settings);
+    DeadLine() {
+        std::array<char, 64> name{};
+        termios raw{};
+        cfmakeraw(&raw);
+        EXPECT_EQ(openpty(&master_, &slave_, name.data(), &raw, nullptr), 0);
+        path_ = name.data();
     }
     ~DeadLine() {
         close(slave_);
@@ -52,7 +48,7 @@ public:
     [[nodiscard]] const std::string& path() const { return path_; }
 
 private:
-    int master_;
+    int master_ = -1;
     int slave_ = -1;
     std::string path_;
 };

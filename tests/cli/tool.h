@@ -7,10 +7,10 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 #include "simulator/pin_pad.h"
+#include "tests/support/child.h"
 
 // What a run of quorvel came to.
 struct Ended {
@@ -20,22 +20,13 @@ struct Ended {
 };
 
 // quorvel, run as a user does, in an environment of its own.
-class Tool {
+class Tool : public support::Child {
 public:
     // A `home` that has no configuration leaves none.
     Tool(std::vector<std::string> arguments, const std::filesystem::path& home,
          std::vector<std::string> environment = {});
-    ~Tool();
-    Tool(const Tool&) = delete;
-    Tool& operator=(const Tool&) = delete;
 
-    void signal(int number) const;
     Ended wait();
-
-private:
-    pid_t process_ = -1;
-    int out_ = -1;
-    int err_ = -1;
 };
 
 // A folder of its own, and no PIN pad.

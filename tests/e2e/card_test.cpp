@@ -181,43 +181,12 @@ TEST_F(CardSale, LetsTheChipVerifyAPin) {
     retire();
 }
 
-TEST_F(CardSale, EndsWithTheCardOrTheCardholder) {
-    load_tables();
-    EXPECT_EQ(get_card(Gestures().press(Key::cancel)), ABECS_RSP_STAT_ST_CANCEL);
-    EXPECT_EQ(get_card(inserted("visa-chip")), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(go_on_chip(Gestures().press(digit('1')).press(Key::cancel)), ABECS_RSP_STAT_ST_CANCEL);
-    EXPECT_EQ(go_on_chip(Gestures().press(digit('1')).remove()), ABECS_RSP_STAT_ST_NOCARD);
-    pinPad_.insert(card("visa-multiple"));
-    AbecsCmdGcrResponse out{};
-    EXPECT_NO_RAISE(abecs_cmd_gcr_empty(link_));
-    EXPECT_EQ(call(abecs_cmd_gcr_response, &out, nullptr), ABECS_RSP_STAT_ST_NOTIFICATION);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
-    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
-    retire();
-}
-
 TEST_F(CardSale, NeedsTheTables) {
     EXPECT_EQ(get_card({}), ABECS_RSP_STAT_ST_TABERR);
     EXPECT_EQ(get_card(inserted("visa-chip"), ""), ABECS_RSP_STAT_ST_TABERR);
     load_tables();
     EXPECT_EQ(get_card({}, "TABLES0002"), ABECS_RSP_STAT_ST_TABVERDIF);
     EXPECT_EQ(get_card({}), ABECS_RSP_STAT_ST_OK);
-    retire();
-}
-
-TEST_F(CardSale, CarriesCardNumbersUnderAPanKey) {
-    AbecsMk mk{ABECS_MK_TYPE_TDES, 0, {}};
-    std::ranges::copy("0123456789ABCDEF FEDCBA9876543210"_hex, mk.key);
-    AbecsWkPan key{};
-    EXPECT_EQ(call(abecs_cmd_dwk1, &mk, &key, true), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(get_card(Gestures().swipe(card("visa-magnetic")), ""), ABECS_RSP_STAT_ST_OK);
-    EXPECT_STREQ(card_.track1, "B4012888888881881^CARDHOLDER/VISA^30121010000000000000");
-    EXPECT_STREQ(card_.track2, "4012888888881881=30121010000000000");
-    EXPECT_STREQ(card_.pan, "4012888888881881");
-    EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link_, nullptr));
-    for (const Traffic& traffic : pinPad_.traffic()) {
-        EXPECT_EQ(std::string(traffic.wire.begin(), traffic.wire.end()).find("4012888888881881"), std::string::npos);
-    }
     retire();
 }
 

@@ -70,14 +70,11 @@ TEST_F(ChipTransactionTest, GocDecides) {
     for (const auto& [name, request, flags, results] : {
              Case{"visa-signature", {}, "010000", none},
              {"visa-signature", {.risk = anyAmountOnline}, "210000", floorLimit},
-             {"visa-signature", {.risk = "1000004D2000000000000"}, "210000", floorLimit},
              {"visa-signature", {.risk = "1000004D3000000000000"}, "010000", none},
              {"visa-signature", {.risk = "100001000990000100099"}, "210000", "0000001000"_hex},
-             {"visa-signature", {.flags = "000", .risk = anyAmountOnline}, "110000", floorLimit},
              {"visa-signature", {.flags = "110"}, "210000", "1000000000"_hex},
              {"amex-chip", {.declared = "089", .acquirer = "03991"}, "010000", none},
              {"diners-chip", {.declared = "118", .acquirer = "32" + std::string(32, ' ')}, "000000", none},
-             {"declining-chip", {}, "200000", none},
          }) {
         SCOPED_TRACE(name);
         pinPad_->remove();
@@ -85,46 +82,6 @@ TEST_F(ChipTransactionTest, GocDecides) {
         call(goc(request), went(flags, results));
     }
     expect_findings({});
-}
-
-TEST_F(ChipTransactionTest, GocEnciphersAnOnlinePin) {
-    read(inserted("visa-chip"));
-    call_while(Gestures().type("1234"), goc({.key = "100" + workingKey, .tags = "005001950070029F03"}),
-               "GOC0000642000016CD68A419A382F82" + std::string(20, '0') + "016" + "95050000040000"_hex
-                   + "9F0306000000000100"_hex + "000",
-               pinAsked);
-    for (const std::string key : {"3030303030303030B4CC3FD9D8D95214", "B4CC3FD9D8D952140000000000000000"}) {
-        ASSERT_EQ(ask("GCR").substr(0, 6), "GCR000");
-        call_while(Gestures().type("1234"), goc({.key = "000" + key}),
-                   went("200001", "0000040000"_hex, "E47AA5F63DB0260B" + std::string(20, '0')), pinAsked);
-    }
-    ASSERT_EQ(ask("GCR").substr(0, 6), "GCR000");
-    call_while(Gestures().press(Key::cancel), goc({}), "GOC013", pinAsked);
-    call_while(Gestures().type("1234"), goc({.key = "009" + workingKey}), "GOC042", pinAsked);
-    pinPad_->remove();
-    read(Gestures().tap(card("visa-contactless")));
-    call_while(Gestures().type("1234"), goc({}),
-               went("200001", "0000040000"_hex, "74FDF09C431C2DBEFFFF9876543210E00001"), pinAsked);
-    expect_findings({});
-}
-
-TEST_F(ChipTransactionTest, GocLetsTheChipCountWrongPins) {
-    const std::string accepted = went("001200", "0000000000"_hex);
-    read(inserted("mastercard-chip"));
-    call_while(Gestures().type("1111").type("12345").type("1234"), goc({}), accepted,
-               {"ENTER THE PIN", "WRONG PIN", "WRONG PIN, LAST TRY"});
-    pinPad_->remove();
-    read(inserted("mastercard-chip"));
-    call_while(Gestures().type("1111").press(Key::cancel), goc({}), "GOC013", {"ENTER THE PIN", "WRONG PIN"});
-    pinPad_->remove();
-    read(inserted("mastercard-chip"));
-    call_while(Gestures().type("1111").type("1111"), goc({}), went("100210", "0000A00000"_hex),
-               {"ENTER THE PIN", "WRONG PIN, LAST TRY"});
-    pinPad_->remove();
-    read(inserted("mastercard-chip"));
-    call(goc({}), went("100010", "0000A00000"_hex));
-    expect_findings({});
-    EXPECT_EQ(retire().chip->chip->pinTries, 0);
 }
 
 TEST_F(ChipTransactionTest, EndsWhenTheCardLeaves) {
@@ -143,25 +100,14 @@ TEST_F(ChipTransactionTest, EndsWhenTheCardLeaves) {
     expect_findings({});
 }
 
-TEST_F(ChipTransactionTest, FncTakesTheIssuersAnswerToTheChip) {
-    struct Case {
-        const char* card;
-        std::string outcome;
-        std::string response;
-    };
-    for (const auto& [name, outcome, response] : {
-             Case{"visa-signature", "0000", "00088A0230309F270140"},
-             {"visa-signature", "0005", "20088A0230359F270100"},
-             {"visa-signature", "10  ", "10088A025A339F270100"},
-             {"visa-signature", "90  ", "10088A025A339F270100"},
-             {"declining-chip", "0000", "10088A0230309F270100"},
-         }) {
-        SCOPED_TRACE(outcome);
-        pinPad_->remove();
-        read(inserted(name));
-        ask(goc({.risk = anyAmountOnline}));
-        call("FNC010" + outcome + "000000" + "0090038A9F27", "FNC000025" + response + "00000");
+TEST_F(ChipTransactionTest, GocNeedsTheKeyInOneOfItsForms) {
+    for (const std::string key : {"3030303030303030B4CC3FD9D8D95214", "B4CC3FD9D8D952140000000000000000"}) {
+        read(key.front() == '3' ? inserted("visa-chip") : Gestures());
+        call_while(Gestures().type("1234"), goc({.key = "000" + key}),
+                   went("200001", "0000040000"_hex, "E47AA5F63DB0260B" + std::string(20, '0')), pinAsked);
     }
+    read({});
+    call_while(Gestures().type("1234"), goc({.key = "009" + workingKey}), "GOC042", pinAsked);
     expect_findings({});
 }
 
@@ -178,24 +124,9 @@ TEST_F(ChipTransactionTest, FncRunsTheIssuersScripts) {
     expect_findings({});
 }
 
-TEST_F(ChipTransactionTest, GoxAndFcxDoTheSameWithParameters) {
+TEST_F(ChipTransactionTest, GoxTakesRiskManagementAsParameters) {
     const std::string begin = "0010 0002"_hex + "03" + "0002 0001"_hex;
     const std::string index = "0009 0002"_hex + "00";
-    const std::string tags = "0004 0001 95"_hex;
-    read(inserted("visa-chip"));
-    call_while(Gestures().type("1234"),
-               "GOX037" + begin + "1" + index + "000A 0010 3EB3B72576BBBE834F0B96AAA5A8B548"_hex,
-               "GOX000022" + "8056 0006"_hex + "200001" + "8057 0008 6CD68A419A382F82"_hex, pinAsked);
-    call("FCX014" + "0019 0004"_hex + "0000" + "001C 0002"_hex + "00", "FCX000007" + "8058 0003"_hex + "000");
-    pinPad_->remove();
-    read(Gestures().tap(card("visa-contactless")));
-    call_while(Gestures().type("1234"), "GOX022" + begin + "3" + index + tags,
-               "GOX000047" + "8056 0006"_hex + "200001" + "8057 0008 74FDF09C431C2DBE"_hex
-                   + "804C 000A FFFF9876543210E00001"_hex + "8054 0007 95050000040000"_hex,
-               pinAsked);
-    call("FCX020" + "0019 0004"_hex + "2000" + "0005 0002 7200"_hex + "0004 0002 9F5B"_hex,
-         "FCX000028" + "8058 0003"_hex + "001" + "8059 0005 2000000000"_hex + "8054 0008 9F5B052000000000"_hex);
-    expect_findings({});
     for (const auto& [parameters, due] : {
              std::pair<std::string, std::string>{"0018 0005"_hex + "10000", "210000"},
              {"0018 0005"_hex + "11000", "110000"},
@@ -208,16 +139,6 @@ TEST_F(ChipTransactionTest, GoxAndFcxDoTheSameWithParameters) {
         const std::string fields = begin + "3" + index + parameters;
         call("GOX0" + std::to_string(fields.size()) + fields, "GOX000010" + "8056 0006"_hex + due);
     }
-}
-
-TEST_F(ChipTransactionTest, GedReadsAndCngChangesTheTransactionsData) {
-    const std::string ged = "GED009" + "0004 0005 82 5A 9F70 50"_hex;
-    read(inserted("visa-chip"));
-    call(ged, "GED000032" + "8054 001C 82023800 5A084111111111111111 500C"_hex + "VISA CREDITO");
-    call("CNG010088202FFFF9F700142", "CNG000");
-    pinPad_->remove();
-    call(ged, "GED000036" + "8054 0020 8202FFFF 5A084111111111111111 9F700142 500C"_hex + "VISA CREDITO");
-    expect_findings({});
 }
 
 TEST_F(ChipTransactionTest, EachStepNeedsTheOneBefore) {

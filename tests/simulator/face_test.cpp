@@ -212,11 +212,6 @@ TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {
     EXPECT_EQ(newest(), "6");
     EXPECT_EQ(face.view(3).trace.front().text, "4");
     EXPECT_TRUE(face.view(3).scrolled);
-    for (int i = 0; i < 9; ++i) face.perform(Move::earlier);
-    EXPECT_EQ(face.view(3).trace, (std::vector<Feed::Entry>{{Feed::Entry::Kind::finding, "0"}}));
-    for (int i = 0; i < 4; ++i) face.perform(Move::later);
-    EXPECT_FALSE(face.view(3).scrolled);
-    face.perform(Move::earlier);
     add(20, 5000);
     EXPECT_EQ(newest(), "3000");
     EXPECT_EQ(face.view(3).findingCount, 5000U);

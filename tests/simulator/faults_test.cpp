@@ -64,35 +64,6 @@ TEST_F(FaultsTest, LeaveTheResponseWholeForItsRepetition) {
     expect_findings({});
 }
 
-TEST_F(FaultsTest, BreakTheCryptogramUnderAGoodFrame) {
-    SessionKey key{};
-    for (size_t i = 0; i < key.size(); ++i) key.at(i) = static_cast<uint8_t>(i);
-    play({.sessionKey = key, .faults = {{.kind = "bad-cryptogram"}}});
-    call("GIN00203", "GIN000042APP00301000001A00B00001.00 260101000101T03");
-    host_->send(support::frame("OPN5230256" + std::string(512, 'F') + "3010001"));
-    host_->receive(1 + 1 + 6 + 3 + 515 + 3);
-    const std::string gky = support::encrypted_frame("85F4FF83818B561EC3ED87569A03F9EB"_hex);
-    pinPad_->when("GKY", Gestures().press(Key::f1));
-    exchange(gky, ack + support::encrypted_frame("DCEB3B9C6650FC6FEAA5009894571462"_hex));
-    exchange(nak, support::encrypted_frame("DDEB3B9C6650FC6FEAA5009894571462"_hex));
-    expect_findings({});
-}
-
-TEST_F(FaultsTest, StretchTheResponse) {
-    play();
-    const std::vector<std::pair<Fault, std::chrono::milliseconds>> cases{{{.kind = "delay", .time = 40ms}, 40ms},
-                                                                         {{.kind = "slow-bytes", .time = 5ms}, 45ms},
-                                                                         {{.kind = "split", .time = 40ms}, 40ms}};
-    for (const auto& [fault, least] : cases) {
-        SCOPED_TRACE(fault.kind);
-        pinPad_->inject(fault);
-        const support::Elapsed elapsed;
-        exchange(opn, ack + opnDone);
-        EXPECT_TRUE(elapsed.between(least, 5s));
-    }
-    expect_findings({});
-}
-
 TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
     play({.faults = {{.kind = "nak", .command = "GKY", .times = 2},
                      {.kind = "wrong-id", .command = "OPN", .every = 2, .times = 2},
@@ -106,21 +77,6 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
     pinPad_->clear_faults();
     call("OPN", "OPN000");
     expect_findings({});
-}
-
-TEST_F(FaultsTest, HangUpAndReturnElsewhere) {
-    std::promise<std::string> returned;
-    play({.returned = [&](const std::string& path) { returned.set_value(path); }});
-    exchange(support::frame("GKY"), ack);
-    pinPad_->inject({.kind = "hang-up", .time = 1ms});
-    pinPad_->press(Key::f1);
-    EXPECT_EQ(host_->receive(1), "");
-    const std::string path = returned.get_future().get();
-    EXPECT_EQ(pinPad_->path(), path);
-    host_.emplace(path);
-    exchange(nak + can, eot);
-    exchange(opn, ack + opnDone);
-    expect_findings({{Kind::sequence, "NAK without a response before it"}});
 }
 
 TEST_F(FaultsTest, ShowInTheTraceAndKeepItsSecrets) {
@@ -173,18 +129,6 @@ TEST(FaultPlan, TakesNoFaultThatCannotBe) {
 }
 
 class SpeedTest : public CommandTest {};
-
-TEST_F(SpeedTest, IsThatOfTheLineBothWays) {
-    play({.speed = 2400});
-    const std::string gin = "GIN000042APP00301000001A00B00001.00 260101000101T03";
-    const support::Elapsed elapsed;
-    const std::clock_t worked = std::clock();
-    call("GIN00203", gin);
-    const size_t bits = 10 * (8 + 4 + 1 + gin.size() + 4);
-    EXPECT_TRUE(elapsed.between(bits * 1000ms / 2400, 10s));
-    EXPECT_LT(std::clock() - worked, CLOCKS_PER_SEC / 10);
-    expect_findings({});
-}
 
 TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     play({.speed = 1200});

@@ -54,16 +54,6 @@ TEST(KeyStore, CountsEachKeyOnUntilItIsSpent) {
     EXPECT_FALSE(keys.next_dukpt(tdes, pin, 6));
 }
 
-TEST(KeyStore, TellsWhereItsKeysAre) {
-    const KeyStore keys = KeyStore::from_toml(file);
-    EXPECT_EQ(to_hex(keys.master(tdes, data, 99).value()), "00112233445566778899AABBCCDDEEFF");
-    EXPECT_FALSE(keys.master(tdes, pin, 99));
-    EXPECT_EQ(keys.master_map(tdes, data), std::string(99, '0') + "1");
-    EXPECT_EQ(keys.dukpt_map(des, pin), "000001" + std::string(94, '0'));
-    EXPECT_EQ(KeyStore::standard().master_map(des, pin), "11" + std::string(98, '0'));
-    EXPECT_EQ(KeyStore::standard().dukpt_map(tdes, data), "1" + std::string(99, '0'));
-}
-
 TEST(KeyStore, SaysWhatIsWrongWithAFile) {
     const std::string head = "[[master]]\nstrength = \"des\"\nuse = \"pin\"\n";
     const std::string dukpt = "[[dukpt]]\nstrength = \"tdes\"\nuse = \"pin\"\nindex = 0\n";

@@ -25,26 +25,21 @@ std::string mli(const std::string& name, const std::string& info) {
 
 class MediaTest : public CommandTest {};
 
-TEST_F(MediaTest, FilesAreLoadedListedShownAndDeleted) {
-    const std::string both = "LMF000024" + listHead + "A B     " + listHead + "LOGO    ";
-    play();
-    call("LMF", "LMF000");
-    call(mli("LOGO    ", "00000009 31C3 01 000000"_hex), "MLI000");
+TEST_F(MediaTest, FilesAreThereOnceTheyAreWhole) {
+    const std::string dsi = "DSI012" + nameHead + "LOGO    ";
+    Device device;
+    device.media.store("OLD", {});
+    play({.device = device});
+    // Announced the other way round.
+    call("MLI026" + infoHead + "00000005 546C 03 000000"_hex + nameHead + "LOGO    ", "MLI000");
     call("MLR009" + "000F 0005"_hex + "12345", "MLR000");
-    call("DSI012" + nameHead + "LOGO    ", "DSI100");
-    call("MLR008" + "000F 0004"_hex + "6789", "MLR000");
+    call(dsi, "DSI100");
     call("MLE", "MLE000");
-    // An empty file, announced the other way round.
-    call("MLI026" + infoHead + "00000000 0000 03 000000"_hex + nameHead + "A B     ", "MLI000");
-    call("MLE", "MLE000");
-    call("LMF", both);
-    call("DSI012" + nameHead + "LOGO    ", "DSI000");
-    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.media = "LOGO"}));
+    call(dsi, "DSI000");
     call("CLX012" + nameHead + "NONE    ", "CLX100");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.media = "LOGO"}));
     call("DMF024" + nameHead + "LOGO    " + nameHead + "NONE    ", "DMF100");
-    call("LMF", both);
-    call("DMF036" + nameHead + "LOGO    " + nameHead + "LOGO    " + nameHead + "A B     ", "DMF000");
+    call("DMF036" + nameHead + "OLD     " + nameHead + "OLD     " + nameHead + "LOGO    ", "DMF000");
     expect_findings({});
     EXPECT_EQ(retire().media.files(), Media::Files{});
 }

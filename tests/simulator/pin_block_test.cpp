@@ -35,33 +35,6 @@ TEST(PinBlock, IsOfFormat0) {
     }
 }
 
-struct Enciphered {
-    PinKey key;
-    std::string block;
-    std::string ksn;
-};
-
-// Each row works on the store that the rows before have left.
-const std::vector<Enciphered> enciphered{
-    {{0, 0, from_hex("B4CC3FD9D8D95214")}, "755F4EB3D12E852B", "00000000000000000000"},
-    {{1, 0, from_hex("3EB3B72576BBBE834F0B96AAA5A8B548")}, "D72AB8A566AF6DBA", "00000000000000000000"},
-    {{2, 0}, "AE03BBC9A095DEFE", "FFFF9876543210E00001"},
-    {{3, 0}, "1B9C1845EB993A7A", "FFFF9876543210E00001"},
-    {{3, 0}, "10A01C8D02C69107", "FFFF9876543210E00002"},
-    {{2, 0}, "8C753F84AA082CAA", "FFFF9876543210E00002"},
-};
-
-TEST(PinBlock, IsEncipheredUnderEachKindOfKey) {
-    KeyStore keys = KeyStore::standard();
-    for (const auto& [key, block, ksn] : enciphered) {
-        const auto pin = encipher_pin(keys, key, "4012345678909", "1234");
-        ASSERT_TRUE(pin) << key.method;
-        EXPECT_EQ(to_hex(pin->block), block);
-        EXPECT_EQ(to_hex(pin->ksn), ksn);
-    }
-    for (const int method : {0, 1, 2, 3}) EXPECT_FALSE(encipher_pin(keys, {method, 99, Bytes(16)}, "", "1234"));
-}
-
 }  // namespace
 
 }  // namespace quorvel::sim

@@ -16,6 +16,7 @@
 
 #include "tests/simulator/control_client.h"
 #include "tests/simulator/host.h"
+#include "tests/support/child.h"
 #include "tests/support/wire.h"
 
 namespace {
@@ -23,37 +24,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // quorvel-sim, run as a user does.
-class Program {
+class Program : public support::Child {
 public:
-    explicit Program(std::vector<std::string> arguments) {
-        EXPECT_EQ(pipe2(output_.data(), O_CLOEXEC), 0);
-        EXPECT_EQ(pipe2(errors_.data(), O_CLOEXEC), 0);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, output_[1], STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, errors_[1], STDERR_FILENO);
-        arguments.insert(arguments.begin(), QUORVEL_SIM);
-        std::vector<char*> argv(arguments.size() + 1);
-        for (size_t i = 0; i < arguments.size(); ++i) argv[i] = arguments[i].data();
-        EXPECT_EQ(posix_spawn(&process_, QUORVEL_SIM, &actions, nullptr, argv.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&actions);
-        close(output_[1]);
-        close(errors_[1]);
-    }
-
-    ~Program() {
-        if (process_ > 0) end(SIGKILL);
-        close(output_[0]);
-        close(errors_[0]);
-    }
-
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    std::string line() { return read_until(output_[0], '\n'); }
-
-    // All that went to standard error; ends when the program has ended.
-    std::string errors() { return read_until(errors_[0], '\0'); }
+    explicit Program(std::vector<std::string> arguments) : Child(with_name(std::move(arguments))) {}
 
     // The path behind READY.
     std::string ready() {
@@ -62,28 +35,11 @@ public:
         return said.size() > 6 ? said.substr(6) : "";
     }
 
-    int end(int signal) {
-        kill(process_, signal);
-        return wait();
-    }
-
-    int wait() {
-        int status = -1;
-        waitpid(process_, &status, 0);
-        process_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
 private:
-    static std::string read_until(int descriptor, char stop) {
-        std::string text;
-        for (char c = 0; read(descriptor, &c, 1) == 1 && c != stop;) text.push_back(c);
-        return text;
+    static std::vector<std::string> with_name(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), QUORVEL_SIM);
+        return arguments;
     }
-
-    std::array<int, 2> output_{-1, -1};
-    std::array<int, 2> errors_{-1, -1};
-    pid_t process_ = -1;
 };
 
 class ProgramTest : public testing::Test {
@@ -110,27 +66,17 @@ TEST_F(ProgramTest, SaysWhereItIsAndEndsCleanlyOnASignal) {
     }
 }
 
-TEST_F(ProgramTest, KeepsALinkWhileItRuns) {
-    Program program({"--link", link()});
-    const std::string path = program.ready();
-    EXPECT_EQ(fs::read_symlink(link()), path);
-    EXPECT_EQ(program.end(SIGTERM), 0);
-    EXPECT_FALSE(fs::is_symlink(link()));
-}
-
-TEST_F(ProgramTest, ReplacesALinkThatLeadsNowhere) {
+TEST_F(ProgramTest, KeepsALinkWhileItRunsAndTheLinkIsItsOwn) {
     fs::create_symlink(folder_ / "gone", link());
-    Program program({"--link", link()});
-    const std::string path = program.ready();
-    EXPECT_EQ(fs::read_symlink(link()), path);
-}
-
-TEST_F(ProgramTest, LeavesAloneALinkThatIsNoLongerItsOwn) {
-    Program program({"--link", link()});
-    program.ready();
-    fs::remove(link());
-    fs::create_symlink(folder_ / "other", link());
-    EXPECT_EQ(program.end(SIGTERM), 0);
+    for (const bool taken : {false, true}) {
+        Program program({"--link", link()});
+        const std::string path = program.ready();
+        EXPECT_EQ(fs::read_symlink(link()), path);
+        if (taken) fs::remove(link());
+        if (taken) fs::create_symlink(folder_ / "other", link());
+        EXPECT_EQ(program.end(SIGTERM), 0);
+        EXPECT_EQ(fs::is_symlink(link()), taken);
+    }
     EXPECT_EQ(fs::read_symlink(link()), folder_ / "other");
 }
 

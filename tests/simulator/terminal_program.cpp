@@ -14,23 +14,18 @@
 #include <unistd.h>
 #include <utmp.h>
 
+#include "tests/support/child.h"
+
 namespace {
 
 constexpr int patienceMs = 20000;
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts) pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 }  // namespace
 
 TerminalProgram::TerminalProgram(std::vector<std::string> arguments, std::vector<std::string> environment) {
     arguments.insert(arguments.begin(), QUORVEL_SIM);
-    const std::vector<char*> argv = pointers(arguments);
-    const std::vector<char*> envp = pointers(environment);
+    const std::vector<char*> argv = support::pointers(arguments);
+    const std::vector<char*> envp = support::pointers(environment);
     const winsize size{32, 100, 0, 0};
     std::array<int, 2> output{};
     EXPECT_EQ(pipe2(output.data(), O_CLOEXEC), 0);
