@@ -110,6 +110,7 @@ TEST_F(CardSale, ReadsAStripe) {
     EXPECT_STREQ(card_.track1, "B5555555555554444^CARDHOLDER/MASTERCARD^30121010000000000000");
     EXPECT_STREQ(card_.track2, "5555555555554444=30121010000000000");
     EXPECT_STREQ(card_.track3, "015555555555554444=00000000000000000");
+    EXPECT_EQ((std::array{card_.track1Len, card_.track2Len, card_.track3Len}), (std::array<uint8_t, 3>{60, 34, 36}));
     EXPECT_STREQ(card_.pan, "5555555555554444");
     EXPECT_STREQ(card_.cardholderName, "CARDHOLDER/MASTERCARD");
     EXPECT_EQ(card_.serviceCode, 101);

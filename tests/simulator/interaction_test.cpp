@@ -158,6 +158,18 @@ TEST_F(InteractionTest, TellsCkeWhatHappened) {
             {"CKE00500000", "CKE: 1 bytes too many"}});
 }
 
+// The card number's last 16 digits, blanks as E and filled up with F, enciphered with the openssl program.
+TEST_F(InteractionTest, TellsCkeTracksUnderThePanKey) {
+    Device device;
+    device.panKey = from_hex("11223344556677889900AABBCCDDEEFF");
+    play({.device = device});
+    const std::string track2 = "6118E09677FA9702=3012101";
+    call_while(
+        Gestures().swipe({.pan = card.pan, .track1 = card.track1, .track2 = card.track2}), "CKE003010",
+        "CKE000225132" + padded("B3170C73962C42EDC3^DOE/JOHN^3012", 76) + "24" + padded(track2, 40) + padded("", 104));
+    expect_findings({});
+}
+
 const std::string noKey(32, '0');
 
 std::string gpn(const std::string& head, const std::string& key, const std::string& pan,
