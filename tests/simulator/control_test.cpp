@@ -103,8 +103,7 @@ TEST_F(ControlVerbsTest, ShowsTheStateOfTheCommandThatWaits) {
     EXPECT_EQ(
         state(),
         json({{"ok", true}, {"port", pinPad_->path()}, {"waiting", nullptr}, {"session", "plain"}, {"card", false}}));
-    client_->send(R"({"do":"await"})"
-                  "\n");
+    client_->send("{\"do\":\"await\"}\n");
     pinPad_->insert(Cards::standard().at("visa-chip"));
     exchange(support::frame("GKY"), ack);
     EXPECT_EQ(client_->line(), done);
@@ -124,12 +123,8 @@ TEST_F(ControlVerbsTest, NoticesACommandHoweverShortItWaits) {
     expect_answers(
         {{R"({"do":"when","command":"GKY","acts":[{"do":"notify","text":"HELLO"},{"do":"press","key":"f1"}]})", done}});
     ControlClient other(path_);
-    client_->send(R"({"do":"await","command":"GKY"})"
-                  "\n"
-                  R"({"do":"screen"})"
-                  "\n");
-    other.send(R"({"do":"await","command":"RMC","ms":1})"
-               "\n");
+    client_->send("{\"do\":\"await\",\"command\":\"GKY\"}\n{\"do\":\"screen\"}\n");
+    other.send("{\"do\":\"await\",\"command\":\"RMC\",\"ms\":1}\n");
     EXPECT_EQ(other.line(), refused("RMC did not wait in time"));
     exchange(support::frame("GKY"), ack + support::frame("NTM000005HELLO") + support::frame("GKY004"));
     EXPECT_EQ(client_->line(), done);
@@ -141,20 +136,14 @@ TEST_F(ControlVerbsTest, ServesSeveralClientsWhateverTheyDo) {
     ControlClient silent(path_);
     {
         ControlClient broken(path_);
-        broken.send(R"({"do":"await"})"
-                    "\n"
-                    R"({"do":)");
+        broken.send("{\"do\":\"await\"}\n{\"do\":");
     }
     ControlClient long_winded(path_);
     long_winded.send_what_goes(std::string(200000, 'x') + "\n" R"({"do":"remove"})" "\r\n\n");
     EXPECT_EQ(long_winded.line(), refused("more than 65536 bytes"));
     EXPECT_EQ(long_winded.line(), done);
     ControlClient half_closed(path_);
-    half_closed.send(R"({"do":"remove"})"
-                     "\n"
-                     R"({"do":"await","ms":1})"
-                     "\n"
-                     R"({"do":"remove"})");
+    half_closed.send("{\"do\":\"remove\"}\n{\"do\":\"await\",\"ms\":1}\n{\"do\":\"remove\"}");
     half_closed.shut_down_sending();
     EXPECT_EQ(half_closed.line(), done);
     EXPECT_EQ(half_closed.line(), refused("a command did not wait in time"));
@@ -163,9 +152,7 @@ TEST_F(ControlVerbsTest, ServesSeveralClientsWhateverTheyDo) {
     // Whose answers nobody reads is not listened to for ever.
     ControlClient deaf(path_);
     std::string flood;
-    for (int i = 0; i < 100000; ++i)
-        flood += R"({"do":"screen"})"
-                 "\n";
+    for (int i = 0; i < 100000; ++i) flood += "{\"do\":\"screen\"}\n";
     EXPECT_LT(deaf.send_what_goes(flood), flood.size());
     expect_answers({{R"({"do":"remove"})", done}});
     EXPECT_EQ(silent.ask(R"({"do":"remove"})"), done);

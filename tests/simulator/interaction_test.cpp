@@ -36,8 +36,6 @@ protected:
 
 TEST_F(InteractionTest, ShowsMessages) {
     play();
-    call("DSP032" + padded("TWO LINES", 32), "DSP000");
-    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "TWO LINES"}));
     call("DEX163160" + padded("A\r\xC9", 160), "DEX000");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "A\r\xC9"}));
     call("DEX003000", "DEX000");

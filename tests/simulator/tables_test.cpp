@@ -27,9 +27,6 @@ TEST_F(TablesTest, ALoadCountsFromItsEnd) {
     call("GTS00203", "GTS000010V0        ");
     call("TLE", "TLE000");
     call("GTS00203", "GTS000010V1        ");
-    // Acquirers 3 and 4 have no version in common, and 5 has no tables.
-    call("GTS00200", "GTS021");
-    call("GTS00205", "GTS021");
     call("GIX012" + "0001 0008 9303 9300 9304 9305"_hex,
          "GIX000028" + "9303 000A"_hex + "V1        " + "9304 000A"_hex + "V4        ");
     expect_findings({});

@@ -42,21 +42,6 @@ TEST_F(WaitTest, LastsUntilThePersonActs) {
     expect_findings({});
 }
 
-TEST_F(WaitTest, EndsWithCanAndIsNotAnswered) {
-    play();
-    call(dsp, "DSP000");
-    for (const char* request : {"GKY", "CKE003110", "RMC032TAKE YOUR CARD                  "}) {
-        pinPad_->insert({.pan = "4111111111111111"});
-        begin(request);
-        exchange(can, eot);
-        pinPad_->act(Gestures().press(Key::enter).remove());
-        exchange(nak + can, eot);
-    }
-    EXPECT_EQ(pinPad_->screen().text, "SIMULATED");
-    const Finding stray{Kind::sequence, "NAK without a response before it"};
-    expect_findings({stray, stray, stray});
-}
-
 TEST_F(WaitTest, EndsWithTheNextCommandWhichIsAFault) {
     play();
     begin("GKY");
