@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/endianness.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 struct KorBuffer {
     uint8_t* storage;
@@ -47,7 +50,7 @@ void advance(uint32_t& cursor, uint32_t capacity) {
 // False, after a raise, unless all the bytes of an `Integer` wait; only then are they taken.
 template <typename Integer>
 bool take(KorBuffer* buffer, Integer& out) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), false; }
+    if (refuse_null(buffer, "buffer is NULL")) { return false; }
     const size_t available = readable(*buffer);
     if (available < sizeof out) {
         return raise(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: %d, requested: %d)",
@@ -90,12 +93,10 @@ void kor_buffer_delete(KorBuffer** buffer) {
 }
 
 void kor_buffer_set_storage(KorBuffer* buffer, void* storage, uint32_t sizeStorage, bool full) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"); }
-    if (storage == nullptr && sizeStorage != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is NULL and sizeStorage != 0");
-    }
-    if (storage != nullptr && sizeStorage == 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "storage is not NULL but sizeStorage == 0");
+    if (refuse_null(buffer, "buffer is NULL")
+        || refuse_if(storage == nullptr && sizeStorage != 0, "storage is NULL and sizeStorage != 0")
+        || refuse_if(storage != nullptr && sizeStorage == 0, "storage is not NULL but sizeStorage == 0")) {
+        return;
     }
     release_storage(*buffer);
     buffer->storage = static_cast<uint8_t*>(storage);
@@ -105,29 +106,29 @@ void kor_buffer_set_storage(KorBuffer* buffer, void* storage, uint32_t sizeStora
 }
 
 uint8_t* kor_buffer_get_storage(const KorBuffer* buffer) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), nullptr; }
+    if (refuse_null(buffer, "buffer is NULL")) { return nullptr; }
     return buffer->storage;
 }
 
 uint32_t kor_buffer_capacity(const KorBuffer* buffer) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    if (refuse_null(buffer, "buffer is NULL")) { return 0; }
     return buffer->capacity;
 }
 
 size_t kor_buffer_clear(KorBuffer* buffer) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    if (refuse_null(buffer, "buffer is NULL")) { return 0; }
     const size_t waiting = readable(*buffer);
     rewind(*buffer, true);
     return waiting;
 }
 
 size_t kor_buffer_available_read(const KorBuffer* buffer) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    if (refuse_null(buffer, "buffer is NULL")) { return 0; }
     return readable(*buffer);
 }
 
 size_t kor_buffer_available_write(const KorBuffer* buffer) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    if (refuse_null(buffer, "buffer is NULL")) { return 0; }
     return writable(*buffer);
 }
 
@@ -155,7 +156,7 @@ void kor_buffer_set_state(KorBuffer* buffer, const KorBufferState* state) {
 }
 
 size_t kor_buffer_read(KorBuffer* buffer, void* destination, size_t length) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), 0; }
+    if (refuse_null(buffer, "buffer is NULL")) { return 0; }
     const size_t count = std::min(length, readable(*buffer));
     if (count == 0) { return 0; }  // setting lastRead here would turn a full buffer into an empty one
     auto* out = static_cast<uint8_t*>(destination);
@@ -194,7 +195,7 @@ int32_t kor_buffer_read_i32(KorBuffer* buffer, int32_t byteOrder) {
 }
 
 char* kor_buffer_read_str(KorBuffer* buffer, char* destination, size_t size) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"), nullptr; }
+    if (refuse_null(buffer, "buffer is NULL")) { return nullptr; }
     size_t position = 0;
     char character = '\0';
     while (kor_buffer_read(buffer, &character, 1) != 0) {
@@ -208,7 +209,7 @@ char* kor_buffer_read_str(KorBuffer* buffer, char* destination, size_t size) {
 }
 
 void kor_buffer_write(KorBuffer* buffer, const void* bytes, size_t length) {
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "buffer is NULL"); }
+    if (refuse_null(buffer, "buffer is NULL")) { return; }
     if (length == 0) { return; }  // clearing lastRead here would turn an empty buffer into a full one
     const size_t available = writable(*buffer);
     if (length > available) {

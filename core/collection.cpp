@@ -4,15 +4,13 @@
 
 #include <cstring>
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
+using kor::refuse_if;
 
 void* kor_collection_copy(const void* data, size_t size) {
-    if (data == nullptr && size != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "data is NULL and size != 0"), nullptr;
-    }
+    if (refuse_if(data == nullptr && size != 0, "data is NULL and size != 0")) { return nullptr; }
     if (data == nullptr) { return nullptr; }
     void* copy = kor_heap_alloc(size, 0);
     return copy != nullptr ? std::memcpy(copy, data, size) : nullptr;

@@ -5,7 +5,7 @@
 #include <climits>
 #include <cstdarg>
 
-#include "core/raise.h"
+#include "core/check.h"
 
 namespace {
 
@@ -14,9 +14,7 @@ constexpr int32_t kEnd = INT_MIN;
 }  // namespace
 
 bool kor_enum_is_valid(int32_t value, ...) {
-    if (value == kEnd) {
-        return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%d is not acceptable as an enumerator", value), false;
-    }
+    if (kor::refuse_if(value == kEnd, "%d is not acceptable as an enumerator", value)) { return false; }
     va_list enumerators;
     va_start(enumerators, value);
     int32_t next = kEnd;

@@ -9,6 +9,7 @@
 #include <span>
 
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
@@ -93,7 +94,7 @@ void kor_exception_fthrow(KorResult_E code, const char* format, ...) {
 }
 
 KorException* kor_exception_get(KorException* out) {
-    if (out == nullptr) { return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (kor::refuse_null(out, "'out' is NULL")) { return nullptr; }
     *out = __cex__;
     return out;
 }

@@ -6,21 +6,18 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_null;
 
 struct KorFile {
     FILE* stream;
 };
 
 namespace {
-
-bool is_usable(const KorFile* file) {
-    if (file == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'file' is NULL"), false; }
-    return true;
-}
 
 int whence(int32_t origin) {
     switch (origin) {
@@ -67,8 +64,7 @@ KorFile* open(const char* path, const char* mode, NoMemory noMemory) {
 KorFile* kor::open_file(const char* path, const char* mode) { return open(path, mode, NoMemory::kMallocError); }
 
 KorFile* kor_file_open(const char* path, const char* mode) {
-    if (path == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'path' is NULL"), nullptr; }
-    if (mode == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'mode' is NULL"), nullptr; }
+    if (refuse_null(path, "'path' is NULL") || refuse_null(mode, "'mode' is NULL")) { return nullptr; }
     return open(path, mode, NoMemory::kFailure);
 }
 
@@ -81,7 +77,7 @@ void kor_file_close(KorFile** file) {
 }
 
 size_t kor_file_read(KorFile* file, void* buffer, size_t size, bool* atEnd) {
-    if (!is_usable(file)) { return 0; }
+    if (refuse_null(file, "'file' is NULL")) { return 0; }
     const size_t count = std::fread(buffer, 1, size, file->stream);
     const int error = errno;
     const bool ended = std::feof(file->stream) != 0;
@@ -94,19 +90,19 @@ size_t kor_file_read(KorFile* file, void* buffer, size_t size, bool* atEnd) {
 }
 
 void kor_file_write(KorFile* file, const void* bytes, size_t size) {
-    if (!is_usable(file)) { return; }
+    if (refuse_null(file, "'file' is NULL")) { return; }
     if (std::fwrite(bytes, 1, size, file->stream) != size) {
         return raise(KOR_RESULT_IO_ERROR, "fwrite() error: %d", errno);
     }
 }
 
 void kor_file_flush(KorFile* file) {
-    if (!is_usable(file)) { return; }
+    if (refuse_null(file, "'file' is NULL")) { return; }
     if (std::fflush(file->stream) != 0) { raise(KOR_RESULT_IO_ERROR, "fflush() error: %d", errno); }
 }
 
 void kor_file_seek(KorFile* file, int64_t offset, int32_t origin) {
-    if (!is_usable(file)) { return; }
+    if (refuse_null(file, "'file' is NULL")) { return; }
     if (fseeko(file->stream, static_cast<off_t>(offset), whence(origin)) != 0) {
         raise(KOR_RESULT_IO_ERROR, "fseek() error: %d", errno);
     }

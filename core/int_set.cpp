@@ -2,10 +2,10 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/int_set.h"
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/collection.h"
 
-using kor::raise;
+using kor::refuse_null;
 
 namespace {
 
@@ -36,15 +36,13 @@ int32_t* kor_int_set_put(KorSet* set, int32_t value) { return static_cast<int32_
 bool kor_int_set_contains(const KorSet* set, int32_t value) { return kor_set_contains(set, &value); }
 
 KorIntSetIterator* kor_int_set_begin(const KorSet* set, KorIntSetIterator* out) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(set, "'set' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     KorSetIterator inner{};
     return show(out, kor_set_begin(set, &inner));
 }
 
 KorIntSetIterator* kor_int_set_next(KorIntSetIterator* it) {
-    if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
-    if (it->intSet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->intSet' is NULL"), nullptr; }
+    if (refuse_null(it, "'it' is NULL") || refuse_null(it->intSet, "'it->intSet' is NULL")) { return nullptr; }
     KorSetIterator inner{it->intSet, &it->value};
     return show(it, kor_set_next(&inner));
 }

@@ -2,11 +2,13 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/list.h"
 
+#include "core/check.h"
 #include "core/item_copy.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_null;
 
 struct KorListNode {
     KorListNode* previous;
@@ -48,16 +50,17 @@ KorListNode* found(KorListNode* node, uint32_t index, uint32_t* outIndex) {
 }  // namespace
 
 KorList* kor_list_new(KorItemCpFn itemCpFn, KorItemDelFn itemDelFn, KorItemEqualsFn equalsFn) {
-    if (itemCpFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "itemCpFn is NULL"), nullptr; }
-    if (itemDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "itemDelFn is NULL"), nullptr; }
-    if (equalsFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "equalsFn is NULL"), nullptr; }
+    if (refuse_null(itemCpFn, "itemCpFn is NULL") || refuse_null(itemDelFn, "itemDelFn is NULL")
+        || refuse_null(equalsFn, "equalsFn is NULL")) {
+        return nullptr;
+    }
     auto* list = static_cast<KorList*>(kor_heap_alloc(sizeof(KorList), 0));
     if (list != nullptr) { *list = {nullptr, nullptr, 0, itemCpFn, itemDelFn, equalsFn}; }
     return list;
 }
 
 void kor_list_clear(KorList* list) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"); }
+    if (refuse_null(list, "list is NULL")) { return; }
     while (remove(*list, list->last)) {}
 }
 
@@ -69,22 +72,22 @@ void kor_list_delete(KorList** list) {
 }
 
 uint32_t kor_list_size(const KorList* list) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), 0; }
+    if (refuse_null(list, "list is NULL")) { return 0; }
     return list->size;
 }
 
 KorListNode* kor_list_first(const KorList* list) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    if (refuse_null(list, "list is NULL")) { return nullptr; }
     return list->first;
 }
 
 KorListNode* kor_list_last(const KorList* list) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    if (refuse_null(list, "list is NULL")) { return nullptr; }
     return list->last;
 }
 
 KorListNode* kor_list_append(KorList* list, const void* item) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    if (refuse_null(list, "list is NULL")) { return nullptr; }
     // The copy comes first: it may raise, and until then there is nothing to release.
     const auto copy = kor::item_copy(list->itemCpFn, item);
     if (!copy) { return nullptr; }
@@ -101,32 +104,32 @@ KorListNode* kor_list_append(KorList* list, const void* item) {
 }
 
 bool kor_list_pop(KorList* list) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), false; }
+    if (refuse_null(list, "list is NULL")) { return false; }
     return remove(*list, list->last);
 }
 
 bool kor_list_poll(KorList* list) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), false; }
+    if (refuse_null(list, "list is NULL")) { return false; }
     return remove(*list, list->first);
 }
 
 KorListNode* kor_list_next(const KorListNode* node) {
-    if (node == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL"), nullptr; }
+    if (refuse_null(node, "node is NULL")) { return nullptr; }
     return node->next;
 }
 
 KorListNode* kor_list_previous(const KorListNode* node) {
-    if (node == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL"), nullptr; }
+    if (refuse_null(node, "node is NULL")) { return nullptr; }
     return node->previous;
 }
 
 void* kor_list_item(const KorListNode* node) {
-    if (node == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "node is NULL"), nullptr; }
+    if (refuse_null(node, "node is NULL")) { return nullptr; }
     return node->item;
 }
 
 KorListNode* kor_list_find_first(const KorList* list, const void* item, uint32_t* outIndex) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    if (refuse_null(list, "list is NULL")) { return nullptr; }
     uint32_t index = 0;
     for (KorListNode* node = list->first; node != nullptr; node = node->next, ++index) {
         if (matches(*list, *node, item)) { return found(node, index, outIndex); }
@@ -135,7 +138,7 @@ KorListNode* kor_list_find_first(const KorList* list, const void* item, uint32_t
 }
 
 KorListNode* kor_list_find_last(const KorList* list, const void* item, uint32_t* outIndex) {
-    if (list == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "list is NULL"), nullptr; }
+    if (refuse_null(list, "list is NULL")) { return nullptr; }
     uint32_t index = list->size;
     for (KorListNode* node = list->last; node != nullptr; node = node->previous) {
         --index;

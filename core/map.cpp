@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/hash_table.h"
 #include "core/item_copy.h"
 #include "core/raise.h"
@@ -13,6 +14,8 @@
 
 using kor::item_copy;
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using kor::release;
 
 struct KorMapEntry {
@@ -99,16 +102,12 @@ KorMapIterator* show(KorMapIterator* it, const KorMapEntry* entry) {
 
 KorMap* kor_map_new(uint32_t initialCapacity, KorItemHashFn keyHashFn, KorItemEqualsFn keyEqualsFn, KorItemCpFn keyCpFn,
                     KorItemCpFn valueCpFn, KorItemDelFn keyDelFn, KorItemDelFn valueDelFn) {
-    if (initialCapacity < 2) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid initialCapacity: %d", static_cast<int>(initialCapacity)),
-               nullptr;
+    if (refuse_if(initialCapacity < 2, "Invalid initialCapacity: %d", static_cast<int>(initialCapacity))
+        || refuse_null(keyHashFn, "keyHashFn is NULL") || refuse_null(keyEqualsFn, "keyEqualsFn is NULL")
+        || refuse_null(keyCpFn, "keyCpFn is NULL") || refuse_null(valueCpFn, "valueCpFn is NULL")
+        || refuse_null(keyDelFn, "keyDelFn is NULL") || refuse_null(valueDelFn, "valueDelFn is NULL")) {
+        return nullptr;
     }
-    if (keyHashFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "keyHashFn is NULL"), nullptr; }
-    if (keyEqualsFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "keyEqualsFn is NULL"), nullptr; }
-    if (keyCpFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "keyCpFn is NULL"), nullptr; }
-    if (valueCpFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "valueCpFn is NULL"), nullptr; }
-    if (keyDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "keyDelFn is NULL"), nullptr; }
-    if (valueDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "valueDelFn is NULL"), nullptr; }
     auto* map = static_cast<KorMap*>(kor_heap_alloc(sizeof(KorMap), 0));
     if (map == nullptr) { return nullptr; }
     *map = {initialCapacity, keyHashFn, keyEqualsFn,
@@ -122,7 +121,7 @@ KorMap* kor_map_new(uint32_t initialCapacity, KorItemHashFn keyHashFn, KorItemEq
 }
 
 void* kor_map_put(KorMap* map, const void* key, const void* value) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), nullptr; }
+    if (refuse_null(map, "map is NULL")) { return nullptr; }
     KorMapEntry** slot = table_of(*map).seek(key);
     if (slot == nullptr) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "This point should never have been reached"), nullptr;
@@ -131,13 +130,13 @@ void* kor_map_put(KorMap* map, const void* key, const void* value) {
 }
 
 void* kor_map_get(const KorMap* map, const void* key) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), nullptr; }
+    if (refuse_null(map, "map is NULL")) { return nullptr; }
     KorMapEntry* const* slot = table_of(*map).find(key);
     return slot != nullptr ? (*slot)->value : nullptr;
 }
 
 void kor_map_clear(KorMap* map) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"); }
+    if (refuse_null(map, "map is NULL")) { return; }
     table_of(*map).clear(discard_from(*map));
 }
 
@@ -150,27 +149,25 @@ void kor_map_delete(KorMap** map) {
 }
 
 uint32_t kor_map_capacity(const KorMap* map) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), 0; }
+    if (refuse_null(map, "map is NULL")) { return 0; }
     return map->capacity;
 }
 
 uint32_t kor_map_size(const KorMap* map) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), 0; }
+    if (refuse_null(map, "map is NULL")) { return 0; }
     return map->size;
 }
 
 KorMapIterator* kor_map_begin(const KorMap* map, KorMapIterator* out) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "map is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(map, "map is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     const KorMapEntry* entry = table_of(*map).first_from(map->slots);
     if (entry != nullptr) { out->map = map; }
     return show(out, entry);
 }
 
 KorMapIterator* kor_map_next(KorMapIterator* it) {
-    if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
-    if (it->map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->map' is NULL"), nullptr; }
+    if (refuse_null(it, "'it' is NULL") || refuse_null(it->map, "'it->map' is NULL")) { return nullptr; }
     KorMapEntry* const* slot = table_of(*it->map).find(it->key);
-    if (slot == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'"), nullptr; }
+    if (refuse_null(slot, "'it->key' not present in 'it->map'")) { return nullptr; }
     return show(it, table_of(*it->map).first_from(slot + 1));
 }

@@ -9,11 +9,14 @@
 #include <unistd.h>
 
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 namespace {
 
@@ -52,7 +55,7 @@ int append_entries(DIR* directory, KorList* out) {
 }  // namespace
 
 char* kor_path_cwd(char* outBuf, size_t size) {
-    if (outBuf == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'outBuf' is NULL"), nullptr; }
+    if (refuse_null(outBuf, "'outBuf' is NULL")) { return nullptr; }
     if (getcwd(outBuf, size) == nullptr) { return raise(KOR_RESULT_IO_ERROR, "getcwd() error: %d", errno), nullptr; }
     return outBuf;
 }
@@ -63,7 +66,7 @@ const char* kor_path_name(const char* path) {
 }
 
 const char* kor_path_lextension(const char* path, bool allowDir) {
-    if (!allowDir && is_known_dir(path)) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Path is a dir: %s", path), ""; }
+    if (refuse_if(!allowDir && is_known_dir(path), "Path is a dir: %s", path)) { return ""; }
     const char* name = kor_path_name(path);
     const char* dot = name != nullptr ? std::strchr(name, '.') : nullptr;
     return dot != nullptr ? dot + 1 : "";
@@ -100,7 +103,7 @@ int64_t kor_path_last_modified(const char* path) {
 }
 
 KorList* kor_path_list_entries(const char* path, KorList* out) {
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     struct stat status {};
     if (!read_status(path, status)) { return out; }
     if (!S_ISDIR(status.st_mode)) { return raise(KOR_RESULT_IO_ERROR, "Path is not a dir: %s", path), out; }

@@ -5,17 +5,19 @@
 #include <regex.h>
 
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_null;
 
 struct KorRegex {
     regex_t expression;
 };
 
 KorRegex* kor_regex_new(const char* pattern) {
-    if (pattern == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid regular expression"), nullptr; }
+    if (refuse_null(pattern, "Invalid regular expression")) { return nullptr; }
     auto* regex = static_cast<KorRegex*>(kor_heap_alloc(sizeof(KorRegex), 0));
     if (regex == nullptr) { return nullptr; }
     if (regcomp(&regex->expression, pattern, REG_EXTENDED | REG_NOSUB) != 0) {
@@ -33,8 +35,7 @@ void kor_regex_delete(KorRegex** regex) {
 }
 
 bool kor_regex_match(const char* text, const KorRegex* regex) {
-    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'text' is NULL"), false; }
-    if (regex == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'regex' is NULL"), false; }
+    if (refuse_null(text, "'text' is NULL") || refuse_null(regex, "'regex' is NULL")) { return false; }
     const int result = regexec(&regex->expression, text, 0, nullptr, 0);
     if (result != 0 && result != REG_NOMATCH) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "regexec() error: %d", result), false;

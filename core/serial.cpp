@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "core/serial_settings.h"
 #include "quorvel/kor/endianness.h"
@@ -25,6 +26,7 @@
 
 using kor::Deadline;
 using kor::raise;
+using kor::refuse_null;
 using namespace std::chrono_literals;
 
 namespace {
@@ -39,11 +41,6 @@ auto retry(Call&& call) {
     auto result = call();
     while (result < 0 && errno == EINTR) { result = call(); }
     return result;
-}
-
-bool is_usable(const KorSerial* handle) {
-    if (handle == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'handle' is NULL"), false; }
-    return true;
 }
 
 // Closes what cannot be used and gives the error that errno held before.
@@ -84,7 +81,7 @@ int open_terminal(const char* path) {
 // Reads the settings, lets `change` alter them in memory and applies them unless it raised.
 template <typename Change>
 void change_settings(const KorSerial* handle, Change&& change) {
-    if (!is_usable(handle)) { return; }
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
     termios settings{};
     if (tcgetattr(handle->fd, &settings) != 0) { return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", errno); }
     if (!change(settings)) { return; }
@@ -154,7 +151,7 @@ Obtained read_bytes(const KorSerial* handle, uint8_t* to, size_t length) {
 
 // False after it raised.
 bool read_all(const KorSerial* handle, void* to, size_t length) {
-    if (!is_usable(handle)) { return false; }
+    if (refuse_null(handle, "'handle' is NULL")) { return false; }
     const Obtained obtained = read_bytes(handle, static_cast<uint8_t*>(to), length);
     if (obtained.error != 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", obtained.error), false; }
     if (obtained.count < length) { return raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"), false; }
@@ -214,7 +211,7 @@ void append_ports(const char* directory, const KorList* names, const KorRegex* e
 }  // namespace
 
 KorList* kor::list_serial_ports(const char* directory, KorList* out) {
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     const KorRegex* expression = port_name_expression();
     if (expression == nullptr) { return out; }
     KorList* names = nullptr;
@@ -266,8 +263,8 @@ void kor_serial_close(KorSerial** handle) {
 }
 
 void kor_serial_config(KorSerial* handle, const KorSerialConfig* config) {
-    if (!is_usable(handle)) { return; }
-    if (config == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'config' is NULL"); }
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
+    if (refuse_null(config, "'config' is NULL")) { return; }
     change_settings(handle, [=](termios& settings) {
         return kor::set_read_timeout(settings, config->readTimeout) && kor::set_baud_rate(settings, config->baudRate)
                && kor::set_data_bits(settings, config->dataBits) && kor::set_stop_bits(settings, config->stopBits)
@@ -300,7 +297,7 @@ void kor_serial_set_flow_control(KorSerial* handle, int32_t flowControl) {
 }
 
 void kor_serial_purge(KorSerial* handle, int32_t purgeType) {
-    if (!is_usable(handle)) { return; }
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
     if (purgeType < KOR_SERIAL_PURGE_INPUT || purgeType > KOR_SERIAL_PURGE_BOTH) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported purgeType: %d", purgeType);
     }
@@ -310,7 +307,7 @@ void kor_serial_purge(KorSerial* handle, int32_t purgeType) {
 }
 
 size_t kor_serial_available(KorSerial* handle) {
-    if (!is_usable(handle)) { return 0; }
+    if (refuse_null(handle, "'handle' is NULL")) { return 0; }
     int count = 0;
     if (ioctl(handle->fd, FIONREAD, &count) != 0) {
         return raise(KOR_RESULT_IO_ERROR, "ioctl(FIONREAD) error: %d", errno), 0;
@@ -319,7 +316,7 @@ size_t kor_serial_available(KorSerial* handle) {
 }
 
 void kor_serial_write(KorSerial* handle, const void* bytes, size_t length) {
-    if (!is_usable(handle)) { return; }
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
     const auto* next = static_cast<const uint8_t*>(bytes);
     while (length > 0) {
         const size_t written = write_some(handle, next, length);
@@ -332,8 +329,8 @@ void kor_serial_write(KorSerial* handle, const void* bytes, size_t length) {
 void kor_serial_write_byte(KorSerial* handle, uint8_t byte) { kor_serial_write(handle, &byte, sizeof byte); }
 
 void kor_serial_write_str(KorSerial* handle, const char* text, bool withTerminator) {
-    if (!is_usable(handle)) { return; }
-    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'text' is NULL"); }
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
+    if (refuse_null(text, "'text' is NULL")) { return; }
     kor_serial_write(handle, text, std::strlen(text) + (withTerminator ? 1 : 0));
 }
 
@@ -358,7 +355,7 @@ void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byteOrder) {
 }
 
 size_t kor_serial_read(KorSerial* handle, void* buffer, size_t length) {
-    if (!is_usable(handle)) { return 0; }
+    if (refuse_null(handle, "'handle' is NULL")) { return 0; }
     const Obtained obtained = read_bytes(handle, static_cast<uint8_t*>(buffer), length);
     // What came before the line hung up is the caller's; the next call finds the line as it is.
     if (obtained.error == 0 || (obtained.error == EIO && obtained.count > 0)) { return obtained.count; }
@@ -391,8 +388,8 @@ int32_t kor_serial_read_i32(KorSerial* handle, int32_t byteOrder) {
 }
 
 char* kor_serial_read_str(KorSerial* handle, char* buffer, size_t size) {
-    if (!is_usable(handle)) { return buffer; }
-    if (buffer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'buffer' is NULL"), buffer; }
+    if (refuse_null(handle, "'handle' is NULL")) { return buffer; }
+    if (refuse_null(buffer, "'buffer' is NULL")) { return buffer; }
     char byte = '\0';
     size_t at = 0;
     do {

@@ -2,11 +2,14 @@
 // Copyright (c) 2026 the quorvel authors
 #include "core/set.h"
 
+#include "core/check.h"
 #include "core/item_copy.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 // The order of the fields is a promise, as in a map.
 static_assert(offsetof(KorSet, capacity) == 0);
@@ -38,14 +41,11 @@ KorSetIterator* show(KorSetIterator* it, const KorSetCell* cell) {
 
 KorSet* kor_set_new(uint32_t initialCapacity, KorItemHashFn itemHashFn, KorItemEqualsFn itemEqualsFn,
                     KorItemCpFn itemCpFn, KorItemDelFn itemDelFn) {
-    if (initialCapacity < 2) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'initialCapacity': %d", static_cast<int>(initialCapacity)),
-               nullptr;
+    if (refuse_if(initialCapacity < 2, "Invalid 'initialCapacity': %d", static_cast<int>(initialCapacity))
+        || refuse_null(itemHashFn, "'itemHashFn' is NULL") || refuse_null(itemEqualsFn, "'itemEqualsFn' is NULL")
+        || refuse_null(itemCpFn, "'itemCpFn' is NULL") || refuse_null(itemDelFn, "'itemDelFn' is NULL")) {
+        return nullptr;
     }
-    if (itemHashFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemHashFn' is NULL"), nullptr; }
-    if (itemEqualsFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemEqualsFn' is NULL"), nullptr; }
-    if (itemCpFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemCpFn' is NULL"), nullptr; }
-    if (itemDelFn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'itemDelFn' is NULL"), nullptr; }
     auto* set = static_cast<KorSet*>(kor_heap_alloc(sizeof(KorSet), 0));
     if (set == nullptr) { return nullptr; }
     *set = {
@@ -77,18 +77,18 @@ void kor::abandon_put(KorSet& set, const SetAddition& addition) {
 }
 
 void* kor_set_put(KorSet* set, const void* item) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), nullptr; }
+    if (refuse_null(set, "'set' is NULL")) { return nullptr; }
     const auto addition = kor::prepare_put(*set, item);
     return addition ? kor::put(*set, *addition) : nullptr;
 }
 
 bool kor_set_contains(const KorSet* set, const void* item) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), false; }
+    if (refuse_null(set, "'set' is NULL")) { return false; }
     return table_of(*set).find(item) != nullptr;
 }
 
 void kor_set_clear(KorSet* set) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"); }
+    if (refuse_null(set, "'set' is NULL")) { return; }
     table_of(*set).clear(discard_from(*set));
 }
 
@@ -101,27 +101,25 @@ void kor_set_delete(KorSet** set) {
 }
 
 uint32_t kor_set_capacity(const KorSet* set) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), 0; }
+    if (refuse_null(set, "'set' is NULL")) { return 0; }
     return set->capacity;
 }
 
 uint32_t kor_set_size(const KorSet* set) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), 0; }
+    if (refuse_null(set, "'set' is NULL")) { return 0; }
     return set->size;
 }
 
 KorSetIterator* kor_set_begin(const KorSet* set, KorSetIterator* out) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(set, "'set' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     const KorSetCell* cell = table_of(*set).first_from(set->slots);
     if (cell != nullptr) { out->set = set; }
     return show(out, cell);
 }
 
 KorSetIterator* kor_set_next(KorSetIterator* it) {
-    if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
-    if (it->set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->set' is NULL"), nullptr; }
+    if (refuse_null(it, "'it' is NULL") || refuse_null(it->set, "'it->set' is NULL")) { return nullptr; }
     KorSetCell* const* slot = table_of(*it->set).find(it->item);
-    if (slot == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->item' not present in 'it->set'"), nullptr; }
+    if (refuse_null(slot, "'it->item' not present in 'it->set'")) { return nullptr; }
     return show(it, table_of(*it->set).first_from(slot + 1));
 }

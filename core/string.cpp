@@ -5,11 +5,12 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/system.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 namespace {
 
@@ -44,9 +45,9 @@ bool copy_unless_same(char* to, const char* from) {
 }  // namespace
 
 char* kor_string_format(char* to, size_t size, const char* format, ...) {
-    if (to == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL"), nullptr; }
+    if (refuse_null(to, "'to' is NULL")) { return nullptr; }
     // Tested here as well as in kor_string_vformat, because a raise from there would jump over va_end.
-    if (to == format) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer"), to; }
+    if (refuse_if(to == format, "'to' and 'format' points to the same buffer")) { return to; }
     va_list arguments;
     va_start(arguments, format);
     kor_string_vformat(to, size, format, arguments);
@@ -55,8 +56,9 @@ char* kor_string_format(char* to, size_t size, const char* format, ...) {
 }
 
 int32_t kor_string_vformat(char* to, size_t size, const char* format, va_list arguments) {
-    if (to == format) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' and 'format' points to the same buffer"), 0; }
-    if (to == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL"), 0; }
+    if (refuse_if(to == format, "'to' and 'format' points to the same buffer") || refuse_null(to, "'to' is NULL")) {
+        return 0;
+    }
     int length = 0;
     if (format != nullptr) {
         length = std::vsnprintf(to, size, format, arguments);
@@ -68,7 +70,7 @@ int32_t kor_string_vformat(char* to, size_t size, const char* format, va_list ar
 }
 
 char* kor_string_copy(char* to, const char* from) {
-    if (to == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL"), nullptr; }
+    if (refuse_null(to, "'to' is NULL")) { return nullptr; }
     return std::strcpy(to, from);  // NOLINT(clang-analyzer-security.insecureAPI.strcpy): unbounded by contract
 }
 
@@ -107,12 +109,12 @@ bool kor_string_equals(const char* lhs, const char* rhs) { return kor_string_ceq
 bool kor_string_iequals(const char* lhs, const char* rhs) { return kor_string_cequals(lhs, rhs, true); }
 
 void kor_string_to_lower(char* out, const char* in) {
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"); }
+    if (refuse_null(out, "'out' is NULL")) { return; }
     convert(out, in, lower);
 }
 
 void kor_string_to_upper(char* out, const char* in) {
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"); }
+    if (refuse_null(out, "'out' is NULL")) { return; }
     convert(out, in, upper);
 }
 
@@ -216,7 +218,7 @@ char* kor_string_trim(char* to, const char* from, const char* set) {
 }
 
 char* kor_string_random(char* dest, size_t length) {
-    if (dest == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'dest' is NULL"), nullptr; }
+    if (refuse_null(dest, "'dest' is NULL")) { return nullptr; }
     constexpr int32_t last = sizeof kRandomCharacters - 2;
     for (size_t i = 0; i < length; ++i) { dest[i] = kRandomCharacters[kor_system_random(0, last)]; }
     dest[length] = '\0';

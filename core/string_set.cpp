@@ -2,11 +2,11 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/string_set.h"
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/collection.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
+using kor::refuse_null;
 
 namespace {
 
@@ -35,14 +35,13 @@ char* kor_string_set_put(KorSet* set, const char* text) { return static_cast<cha
 bool kor_string_set_contains(const KorSet* set, const char* text) { return kor_set_contains(set, text); }
 
 KorStringSetIterator* kor_string_set_begin(const KorSet* set, KorStringSetIterator* out) {
-    if (set == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'set' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(set, "'set' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     KorSetIterator inner{};
     return show(out, kor_set_begin(set, &inner));
 }
 
 KorStringSetIterator* kor_string_set_next(KorStringSetIterator* it) {
-    if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
+    if (refuse_null(it, "'it' is NULL")) { return nullptr; }
     // The set only looks the item up: the constness lost here is never used.
     KorSetIterator inner{it->set, const_cast<char*>(it->item)};
     return show(it, kor_set_next(&inner));

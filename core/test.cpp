@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "core/set.h"
 #include "quorvel/kor/heap.h"
@@ -16,6 +17,8 @@
 #include "quorvel/kor/string_set.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 struct KorTestSuite {
     KorSet* cases;
@@ -86,17 +89,16 @@ void kor_test_suite_delete(KorTestSuite** suite) {
 }
 
 void kor_test_suite_add_case(KorTestSuite* suite, const char* title, KorTestFn fn) {
-    if (suite == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'suite' is NULL"); }
-    if (title == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'title' is NULL"); }
-    if (fn == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'fn' is NULL"); }
+    if (refuse_null(suite, "'suite' is NULL") || refuse_null(title, "'title' is NULL")
+        || refuse_null(fn, "'fn' is NULL")) {
+        return;
+    }
     // Only looked at: the set makes its own copy of the title.
     const Case wanted{fn, const_cast<char*>(title)};
     if (kor_set_contains(suite->cases, &wanted)) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Test case function already registered");
     }
-    if (kor_string_set_contains(suite->titles, title)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Test case title already registered");
-    }
+    if (refuse_if(kor_string_set_contains(suite->titles, title), "Test case title already registered")) { return; }
     // The case's copy may raise: the title's is then given back, so that the same call can be made again.
     const auto newTitle = kor::prepare_put(*suite->titles, title);
     if (!newTitle) { return; }
@@ -112,7 +114,7 @@ void kor_test_suite_add_case(KorTestSuite* suite, const char* title, KorTestFn f
 }
 
 void kor_test_suite_run(KorTestSuite* suite) {
-    if (suite == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'suite' is NULL"); }
+    if (refuse_null(suite, "'suite' is NULL")) { return; }
     KorSetIterator place;
     for (KorSetIterator* it = kor_set_begin(suite->cases, &place); it != nullptr; it = kor_set_next(it)) {
         std::printf("---- %s ----\n", as_case(it->item).title);

@@ -5,12 +5,14 @@
 #include <cerrno>
 #include <unistd.h>
 
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_if;
 
 void kor_thread_sleep(uint64_t millis) {
-    if (millis == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "millis == 0"); }
+    if (refuse_if(millis == 0, "millis == 0")) { return; }
     if (usleep(static_cast<useconds_t>(millis * 1000)) != 0) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "usleep() error: %d", errno);
     }

@@ -4,11 +4,12 @@
 
 #include <cstring>
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "crypt/block.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using kor::crypt::BlockCipher;
 using kor::crypt::cbc;
 using kor::crypt::Direction;
@@ -36,8 +37,9 @@ Key key_of(const CryptAesCipher* cipher) { return cipher != nullptr ? Key{cipher
 }  // namespace
 
 CryptAesCipher* crypt_aes_cipher_new(const uint8_t* key, size_t len) {
-    if (key == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL"), nullptr; }
-    if (!kAes.takes(len)) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Unsupported key size: %zu", len), nullptr; }
+    if (refuse_null(key, "'key' is NULL") || refuse_if(!kAes.takes(len), "Unsupported key size: %zu", len)) {
+        return nullptr;
+    }
     auto* cipher = static_cast<CryptAesCipher*>(kor_heap_alloc(sizeof(CryptAesCipher), 0));
     if (cipher == nullptr) { return nullptr; }
     *cipher = {};

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstring>
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "crypt/stack.h"
 
 namespace kor::crypt {
@@ -27,19 +27,13 @@ struct Mode {
 using Ecb = Mode<symmetric_ECB, ecb_start, ecb_encrypt, ecb_decrypt, ecb_done>;
 using Cbc = Mode<symmetric_CBC, cbc_start, cbc_encrypt, cbc_decrypt, cbc_done>;
 
-bool checked(const BlockCipher& cipher, const Key& key, const Blocks& blocks) {
-    if (key.bytes == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", cipher.noKey), false; }
-    if (!cipher.takes(key.size)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: %zu", key.size), false;
-    }
-    if (blocks.in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), false; }
-    if (blocks.out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), false; }
-    if (blocks.len == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'len' is zero"), false; }
-    if (blocks.len % cipher.blockSize != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'len' must be a multiple of %d", static_cast<int>(cipher.blockSize)),
-               false;
-    }
-    return true;
+bool refuse(const BlockCipher& cipher, const Key& key, const Blocks& blocks) {
+    return kor::refuse_if(key.bytes == nullptr, "%s", cipher.noKey)
+           || kor::refuse_if(!cipher.takes(key.size), "Invalid key size: %zu", key.size)
+           || kor::refuse_null(blocks.in, "'in' is NULL") || kor::refuse_null(blocks.out, "'out' is NULL")
+           || kor::refuse_if(blocks.len == 0, "'len' is zero")
+           || kor::refuse_if(blocks.len % cipher.blockSize != 0, "'len' must be a multiple of %d",
+                             static_cast<int>(cipher.blockSize));
 }
 
 // LibTomCrypt leaves round keys and clear blocks in the frames of its functions, about 600 bytes deep; where its calls
@@ -64,12 +58,12 @@ int process(int index, Direction direction, const Key& key, const Blocks& blocks
 }  // namespace
 
 void ecb(const BlockCipher& cipher, Direction direction, const Key& key, const Blocks& blocks) {
-    if (!checked(cipher, key, blocks)) { return; }
+    if (refuse(cipher, key, blocks)) { return; }
     (void)succeeded(process<Ecb>(registry.*cipher.index, direction, key, blocks));
 }
 
 void cbc(const BlockCipher& cipher, Direction direction, const Key& key, const Blocks& blocks, const uint8_t* iv) {
-    if (!checked(cipher, key, blocks)) { return; }
+    if (refuse(cipher, key, blocks)) { return; }
     const uint8_t* first = iv != nullptr ? iv : kZeroIv.data();
     (void)succeeded(process<Cbc>(registry.*cipher.index, direction, key, blocks, first));
 }

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <span>
 
+#include "core/check.h"
 #include "core/raise.h"
 #include "crypt/random.h"
 #include "crypt/registry.h"
@@ -16,6 +17,8 @@
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using kor::crypt::draw;
 using kor::crypt::from_bytes;
 using kor::crypt::generate;
@@ -41,15 +44,10 @@ Bytes significant_bytes(Bytes number) {
     return number;
 }
 
-bool checked(Bytes N, Bytes e) {
-    if (N.data() == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'N' is NULL"), false; }
-    if (N.empty()) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szN' is zero"), false; }
-    if (e.data() == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'e' is NULL"), false; }
-    if (e.empty()) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'sze' is zero"), false; }
-    if (!is_modulus_size(N.size())) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: %d", static_cast<int>(N.size())), false;
-    }
-    return true;
+bool refuse(Bytes N, Bytes e) {
+    return refuse_if(N.data() == nullptr, "'N' is NULL") || refuse_if(N.empty(), "'szN' is zero")
+           || refuse_if(e.data() == nullptr, "'e' is NULL") || refuse_if(e.empty(), "'sze' is zero")
+           || refuse_if(!is_modulus_size(N.size()), "Invalid key size: %d", static_cast<int>(N.size()));
 }
 
 // An empty key with room for a private exponent of so many bytes, or none after the raise.
@@ -107,7 +105,7 @@ template <typename Operation>
 size_t with_public_key(const CryptRsaPublicKey& pubKey, uint8_t* out, size_t outSize, Operation operation) {
     const Bytes modulus{pubKey.modulus, pubKey.modulusSize};
     const Bytes exponent{pubKey.exponent, pubKey.exponentSize};
-    if (!checked(modulus, exponent)) { return 0; }
+    if (refuse(modulus, exponent)) { return 0; }
     if (exponent.size() > sizeof pubKey.exponent) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: %d", static_cast<int>(exponent.size())), 0;
     }
@@ -216,8 +214,8 @@ int oaep_decrypt(const CryptRsaKey& key, Bytes in, uint8_t* work, unsigned long*
 }  // namespace
 
 CryptRsaKey* crypt_rsa_key_new(int32_t size, uint32_t e) {
-    if (size < 0 || !is_modulus_size(static_cast<size_t>(size))) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: %d", size), nullptr;
+    if (refuse_if(size < 0 || !is_modulus_size(static_cast<size_t>(size)), "Invalid key size: %d", size)) {
+        return nullptr;
     }
     CryptRsaKey* key = new_key(0);
     if (key == nullptr) { return nullptr; }
@@ -229,9 +227,8 @@ CryptRsaKey* crypt_rsa_key_new(int32_t size, uint32_t e) {
 
 CryptRsaKey* crypt_rsa_key_load(const uint8_t* N, size_t szN, const uint8_t* e, size_t sze, const uint8_t* d,
                                 size_t szd) {
-    if (d == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'d' is NULL"), nullptr; }
-    if (szd == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szd' is zero"), nullptr; }
-    if (!checked({N, szN}, {e, sze})) { return nullptr; }
+    if (refuse_null(d, "'d' is NULL") || refuse_if(szd == 0, "'szd' is zero")) { return nullptr; }
+    if (refuse({N, szN}, {e, sze})) { return nullptr; }
     return load({N, szN}, {e, sze}, {d, szd});
 }
 
@@ -242,7 +239,7 @@ void crypt_rsa_key_delete(CryptRsaKey** key) {
 }
 
 int32_t crypt_rsa_key_get_size(const CryptRsaKey* privKey) {
-    if (privKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL"), 0; }
+    if (refuse_null(privKey, "'privKey' is NULL")) { return 0; }
     if (!is_modulus_size(privKey->modulusSize)) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported key size: %d", static_cast<int>(privKey->modulusSize)), 0;
     }
@@ -250,8 +247,7 @@ int32_t crypt_rsa_key_get_size(const CryptRsaKey* privKey) {
 }
 
 CryptRsaPublicKey* crypt_rsa_get_public_key(const CryptRsaKey* privKey, CryptRsaPublicKey* out) {
-    if (privKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(privKey, "'privKey' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     if (!is_modulus_size(privKey->modulusSize)) {
         return raise(KOR_RESULT_RUNTIME_ERROR, "Unsupported modulus size: %d", static_cast<int>(privKey->modulusSize)),
                nullptr;
@@ -271,9 +267,10 @@ CryptRsaPublicKey* crypt_rsa_get_public_key(const CryptRsaKey* privKey, CryptRsa
 
 size_t crypt_rsa_private_exp(const CryptRsaKey* privKey, const uint8_t* in, size_t inLen, uint8_t* out,
                              size_t outSize) {
-    if (privKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL"), 0; }
-    if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
+    if (refuse_null(privKey, "'privKey' is NULL") || refuse_null(in, "'in' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return 0;
+    }
     return length_or_raise(through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
         const int status = raise_to_private(*privKey, {in, inLen}, {work, *length});
         *length = privKey->modulusSize;
@@ -283,9 +280,10 @@ size_t crypt_rsa_private_exp(const CryptRsaKey* privKey, const uint8_t* in, size
 
 size_t crypt_rsa_public_exp(const CryptRsaPublicKey* pubKey, const uint8_t* in, size_t inLen, uint8_t* out,
                             size_t outSize) {
-    if (pubKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pubKey' is NULL"), 0; }
-    if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
+    if (refuse_null(pubKey, "'pubKey' is NULL") || refuse_null(in, "'in' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return 0;
+    }
     return with_public_key(*pubKey, out, outSize, [&](const CryptRsaKey& key, std::span<uint8_t> work) {
         return raise_to_private(key, {in, inLen}, work);
     });
@@ -293,18 +291,20 @@ size_t crypt_rsa_public_exp(const CryptRsaPublicKey* pubKey, const uint8_t* in, 
 
 size_t crypt_rsa_encrypt(const CryptRsaPublicKey* pubKey, const uint8_t* in, size_t inLen, uint8_t* out,
                          size_t outSize) {
-    if (pubKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pubKey' is NULL"), 0; }
-    if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
+    if (refuse_null(pubKey, "'pubKey' is NULL") || refuse_null(in, "'in' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return 0;
+    }
     return with_public_key(*pubKey, out, outSize, [&](const CryptRsaKey& key, std::span<uint8_t> work) {
         return oaep_encrypt(key, {in, inLen}, work);
     });
 }
 
 size_t crypt_rsa_decrypt(const CryptRsaKey* privKey, const uint8_t* in, size_t inLen, uint8_t* out, size_t outSize) {
-    if (privKey == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'privKey' is NULL"), 0; }
-    if (in == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'in' is NULL"), 0; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), 0; }
+    if (refuse_null(privKey, "'privKey' is NULL") || refuse_null(in, "'in' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return 0;
+    }
     const Result result = through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
         return oaep_decrypt(*privKey, {in, inLen}, work, length);
     });

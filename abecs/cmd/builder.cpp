@@ -4,19 +4,22 @@
 
 #include <cstring>
 
+#include "abecs/data/limits.h"
 #include "abecs/data/packet.h"
 #include "abecs/data/param.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+
+using namespace abecs;
 
 namespace {
-
-constexpr size_t kIdLength = 3;
-constexpr uint32_t kBlockCapacity = 999;  // what a three-digit length can say
 
 // Chosen for each parameter anew, so a small one can still fill up block 1 after a large one went to block 2.
 KorBuffer* block_with_room(const AbecsCmdBuilder* builder, size_t size) {
@@ -26,8 +29,8 @@ KorBuffer* block_with_room(const AbecsCmdBuilder* builder, size_t size) {
 // An empty packet has room for both blocks.
 void write_block(KorBuffer* block, AbecsPacket* out) {
     const size_t length = kor_buffer_available_read(block);
-    abecs_packet_write_field_n(out, length, 3);
-    static_cast<void>(abecs::move_bytes(block, out->buffer, length));
+    abecs_packet_write_field_n(out, length, kLengthWidth);
+    static_cast<void>(move_bytes(block, out->buffer, length));
 }
 
 }  // namespace
@@ -38,8 +41,8 @@ AbecsCmdBuilder* abecs_cmd_builder_new() {
     kor::attempt([&] {
         builder = static_cast<AbecsCmdBuilder*>(kor_heap_alloc(sizeof(AbecsCmdBuilder), 0));
         *builder = {};
-        builder->blk1 = kor_buffer_new(kBlockCapacity);
-        builder->blk2 = kor_buffer_new(kBlockCapacity);
+        builder->blk1 = kor_buffer_new(kMaxBlock);
+        builder->blk2 = kor_buffer_new(kMaxBlock);
         complete = true;
     })
         .cleanup([&] {
@@ -58,27 +61,27 @@ void abecs_cmd_builder_delete(AbecsCmdBuilder** builder) {
 }
 
 void abecs_cmd_builder_reset(AbecsCmdBuilder* builder) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     builder->cmdId[0] = '\0';
     kor_buffer_clear(builder->blk1);
     kor_buffer_clear(builder->blk2);
 }
 
 void abecs_cmd_builder_set_cmd_id(AbecsCmdBuilder* builder, const char* cmdId) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (cmdId == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdId' is NULL"); }
-    if (kor_string_len(cmdId) != kIdLength) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'cmdId': %s", cmdId); }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(cmdId, "'cmdId' is NULL")
+        || refuse_if(kor_string_len(cmdId) != kIdWidth, "Invalid 'cmdId': %s", cmdId)) {
+        return;
+    }
     kor_string_copy(builder->cmdId, cmdId);
 }
 
 void abecs_cmd_builder_add_param(AbecsCmdBuilder* builder, AbecsParam* param) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (param == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL"); }
-    KorBuffer* block = block_with_room(builder, abecs_param_available_read(param) + abecs::kParamHead);
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(param, "'param' is NULL")) { return; }
+    KorBuffer* block = block_with_room(builder, abecs_param_available_read(param) + kParamHead);
     KorBufferState before;
     kor_buffer_save_state(block, &before);
     bool added = false;
-    kor::attempt([&] { added = abecs::append_param(block, param); })
+    kor::attempt([&] { added = append_param(block, param); })
         .cleanup([&] {
             if (!added) { kor_buffer_set_state(block, &before); }
         })
@@ -87,14 +90,13 @@ void abecs_cmd_builder_add_param(AbecsCmdBuilder* builder, AbecsParam* param) {
 }
 
 AbecsPacket* abecs_cmd_builder_build(AbecsCmdBuilder* builder, AbecsPacket* out) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     if (kor_string_is_empty(builder->cmdId)) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "Builder does not have assigned a command id"), nullptr;
     }
     abecs_packet_clear(out);
-    abecs_packet_write_field_a(out, builder->cmdId, kIdLength, false);
-    if (abecs_packet_available_read(out) != kIdLength) { return nullptr; }  // the id is not fit to be sent
+    abecs_packet_write_field_a(out, builder->cmdId, kIdWidth, false);
+    if (abecs_packet_available_read(out) != kIdWidth) { return nullptr; }  // the id is not fit to be sent
     if (kor_buffer_available_read(builder->blk1) != 0) {
         write_block(builder->blk1, out);
         if (kor_buffer_available_read(builder->blk2) != 0) { write_block(builder->blk2, out); }

@@ -9,11 +9,11 @@
 #include "quorvel/abecs/pan.h"
 
 bool abecs::decipher_card_data(const AbecsComm* link, char* text, size_t length) {
-    if (!link->panKeyInstalled) { return false; }
-    AbecsWkPan key{link->wkPanType, {}};
+    if (!has_pan_key(link)) { return false; }
+    AbecsWkPan key{};
     bool done = false;
     kor::attempt([&] {
-        std::memcpy(key.key, link->wkPanKey.data(), sizeof key.key);
+        copy_pan_key(link, key);
         // The clear text is never longer than what it is made of, so the room of that is enough.
         const char* clear = abecs_pan_decrypt_track2(text, strnlen(text, length), &key);
         std::memcpy(text, clear, std::strlen(clear) + 1);

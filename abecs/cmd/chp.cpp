@@ -4,19 +4,20 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/member_text.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/enum.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using kor::refuse_outside;
 using namespace abecs;
 
 namespace {
 
 constexpr Command kChp{.id = "CHP"};
 constexpr size_t kLength = 1 + 1 + 3;
-constexpr size_t kMessageWidth = 32;
 constexpr size_t kPinLength = 1 + kMessageWidth;
 constexpr size_t kPinCommandLength = 8;  // CLA, INS, P1 and P2 of the card's command
 constexpr size_t kOutSize = 515;
@@ -54,27 +55,22 @@ void read_response(AbecsPacket* packet, char* out) {
 }  // namespace
 
 void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (param == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL"); }
-    if (!kor_enum_is_valid_range(param->slot, ABECS_CMD_CHP_SLOT_0, ABECS_CMD_CHP_SLOT_9)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdChpSlot_E", param->slot);
-    }
-    if (!kor_enum_is_valid_range(param->oper, ABECS_CMD_CHP_OPER_0, ABECS_CMD_CHP_OPER_3)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdChpOper_E", param->oper);
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(param, "'param' is NULL")
+        || refuse_outside(param->slot, ABECS_CMD_CHP_SLOT_0, ABECS_CMD_CHP_SLOT_9, "AbecsCmdChpSlot_E")
+        || refuse_outside(param->oper, ABECS_CMD_CHP_OPER_0, ABECS_CMD_CHP_OPER_3, "AbecsCmdChpOper_E")) {
+        return;
     }
     const size_t length = command_length(*param);
-    if (length % 2 != 0 || (takes_pin(param->oper) && length != kPinCommandLength)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Length of 'param->chpCmd' is invalid: %zu", length);
-    }
-    if (takes_pin(param->oper) && !is_pin_format(param->pinFmt)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdChpPinFmt_E",
-                     param->pinFmt);
+    if (refuse_if(length % 2 != 0 || (takes_pin(param->oper) && length != kPinCommandLength),
+                  "Length of 'param->chpCmd' is invalid: %zu", length)
+        || refuse_if(takes_pin(param->oper) && !is_pin_format(param->pinFmt), "Invalid enumerator for %s: %d",
+                     "AbecsCmdChpPinFmt_E", param->pinFmt)) {
+        return;
     }
     send(pinpad, kChp, Request::fields([&](AbecsPacket* packet) { write_request(packet, *param); }));
 }
 
 int32_t abecs_cmd_chp_response(AbecsComm* pinpad, char* out, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return kRaised; }
     return poll(pinpad, kChp, Response::fields([&](AbecsPacket* packet) { read_response(packet, out); }), notification);
 }

@@ -6,16 +6,20 @@
 #include <cstring>
 
 #include "abecs/cmd/card_data.h"
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/comm/comm.h"
 #include "abecs/data/flag.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_null;
+using kor::refuse_outside;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kCke{.id = "CKE"};
+constexpr Command kCke{.id = "CKE"};
 
 constexpr size_t kTrack1 = 76;
 constexpr size_t kTrack2 = 37;
@@ -54,7 +58,7 @@ template <size_t Size>
 uint8_t read_track(const AbecsComm* pinpad, AbecsPacket* packet, char (&track)[Size], size_t width) {
     static_assert(Size - 1 <= UINT8_MAX);
     abecs_packet_read_field_a(packet, track, Size, width, false);
-    abecs::decipher_card_data(pinpad, track, Size);
+    decipher_card_data(pinpad, track, Size);
     return static_cast<uint8_t>(strnlen(track, Size - 1));
 }
 
@@ -64,8 +68,8 @@ void read_tracks(const AbecsComm* pinpad, AbecsPacket* packet, AbecsCmdCkeOut& o
     abecs_packet_read_field_n(packet, kTrackLength);
     out.trk1Len = read_track(pinpad, packet, out.track1, kTrack1);
     abecs_packet_read_field_n(packet, kTrackLength);
-    out.trk2Len = read_track(pinpad, packet, out.track2, pinpad->panKeyInstalled ? kEncipheredTrack2 : kTrack2);
-    if (!pinpad->panProtected) { abecs_packet_read_field_n(packet, kTrack3Length); }
+    out.trk2Len = read_track(pinpad, packet, out.track2, has_pan_key(pinpad) ? kEncipheredTrack2 : kTrack2);
+    if (!is_pan_protected(pinpad)) { abecs_packet_read_field_n(packet, kTrack3Length); }
     out.trk3Len = read_track(pinpad, packet, out.track3, kTrack3);
 }
 
@@ -111,15 +115,12 @@ void check_event(const AbecsComm* pinpad, AbecsPacket* packet, AbecsCmdCkeOut& o
 
 void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, AbecsCmdCkeIccCheckType_E iccCheck,
                    AbecsCmdCkeCtlsCheckType_E ctlsCheck) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (iccCheck < ABECS_CMD_CKE_ICC_CHECK_TYPE_0 || iccCheck > ABECS_CMD_CKE_ICC_CHECK_TYPE_2) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdCkeIccCheckType_E",
-                     iccCheck);
-    }
-    if (ctlsCheck < ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT || ctlsCheck > ABECS_CMD_CKE_CTLS_CHECK_TYPE_1) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdCkeCtlsCheckType_E",
-                     ctlsCheck);
+    if (refuse_null(pinpad, "'pinpad' is NULL")
+        || refuse_outside(iccCheck, ABECS_CMD_CKE_ICC_CHECK_TYPE_0, ABECS_CMD_CKE_ICC_CHECK_TYPE_2,
+                          "AbecsCmdCkeIccCheckType_E")
+        || refuse_outside(ctlsCheck, ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT, ABECS_CMD_CKE_CTLS_CHECK_TYPE_1,
+                          "AbecsCmdCkeCtlsCheckType_E")) {
+        return;
     }
     const bool withCtls = ctlsCheck != ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;
     send(pinpad, kCke, Request::fields([&](AbecsPacket* packet) {
@@ -132,8 +133,7 @@ void abecs_cmd_cke(AbecsComm* pinpad, bool keyEnable, bool magEnable, AbecsCmdCk
 }
 
 int32_t abecs_cmd_cke_response(AbecsComm* pinpad, AbecsCmdCkeOut* out, char* notification) {
-    using namespace abecs;
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(out, "'out' is NULL")) { return kRaised; }
     return poll(pinpad, kCke, Response::fields([&](AbecsPacket* packet) { check_event(pinpad, packet, *out); }),
                 notification);
 }

@@ -2,32 +2,21 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/clo.h"
 
-#include "abecs/cmd/frame.h"
-#include "core/raise.h"
-#include "quorvel/kor/string.h"
+#include "abecs/cmd/exchange.h"
+#include "abecs/cmd/message.h"
 
-using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kClo{.id = "CLO"};
-constexpr size_t kMessageWidth = 32;
+constexpr Command kClo{.id = "CLO"};
 
 }  // namespace
 
 int32_t abecs_cmd_clo(AbecsComm* pinpad, const char* msg) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
     const char* text = msg != nullptr ? msg : "";
-    const size_t length = kor_string_len(text);
-    if (length > kMessageWidth) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'msg' it too long (maximum: %d, requested: %zu)",
-                     static_cast<int>(kMessageWidth), length),
-               kRaised;
-    }
-    return call(pinpad, kClo, Request::fields([&](AbecsPacket* packet) {
-                    abecs_packet_write_field_n(packet, kMessageWidth, 3);
-                    abecs_packet_write_field_s(packet, text, kMessageWidth, false);
-                }),
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_long_message(text)) { return kRaised; }
+    return call(pinpad, kClo, Request::fields([&](AbecsPacket* packet) { write_message(packet, text); }),
                 Response::status());
 }

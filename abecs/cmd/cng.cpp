@@ -2,12 +2,13 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/cng.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/data/codec.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 namespace {
@@ -23,21 +24,16 @@ void write_request(AbecsPacket* packet, const char* emvDat, size_t length) {
     abecs_packet_write_field_h_cdata(packet, emvDat, 2 * count, 2 * count);
     if (length % 2 == 0) { return; }
     const char last = emvDat[length - 1];
-    if (!codec::is_hex(last)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hex byte at index %zu", length - 1);
-    }
+    if (refuse_if(!codec::is_hex(last), "Invalid hex byte at index %zu", length - 1)) { return; }
     abecs_packet_write_byte(packet, static_cast<uint8_t>(codec::to_upper(last)));
 }
 
 }  // namespace
 
 int32_t abecs_cmd_cng(AbecsComm* pinpad, const char* emvDat) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (emvDat == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'emvDat' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(emvDat, "'emvDat' is NULL")) { return kRaised; }
     const size_t length = kor_string_len(emvDat);
-    if (length > kMaxLength) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'emvDat' length is greater than 198 characters"), kRaised;
-    }
+    if (refuse_if(length > kMaxLength, "'emvDat' length is greater than 198 characters")) { return kRaised; }
     return call(pinpad, kCng, Request::fields([&](AbecsPacket* packet) { write_request(packet, emvDat, length); }),
                 Response::status());
 }

@@ -2,32 +2,22 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/dsp.h"
 
-#include "abecs/cmd/frame.h"
-#include "core/raise.h"
-#include "quorvel/kor/string.h"
+#include "abecs/cmd/exchange.h"
+#include "abecs/cmd/message.h"
 
-using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kDsp{.id = "DSP"};
-constexpr size_t kMessageWidth = 32;
+constexpr Command kDsp{.id = "DSP"};
 
 }  // namespace
 
 int32_t abecs_cmd_dsp(AbecsComm* pinpad, const char* msg) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (msg == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'msg' is NULL"), kRaised; }
-    const size_t length = kor_string_len(msg);
-    if (length > kMessageWidth) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'msg' it too long (maximum: %d, requested: %zu)",
-                     static_cast<int>(kMessageWidth), length),
-               kRaised;
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(msg, "'msg' is NULL") || refuse_long_message(msg)) {
+        return kRaised;
     }
-    return call(pinpad, kDsp, Request::fields([&](AbecsPacket* packet) {
-                    abecs_packet_write_field_n(packet, kMessageWidth, 3);
-                    abecs_packet_write_field_s(packet, msg, kMessageWidth, false);
-                }),
+    return call(pinpad, kDsp, Request::fields([&](AbecsPacket* packet) { write_message(packet, msg); }),
                 Response::status());
 }

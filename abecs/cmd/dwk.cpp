@@ -4,24 +4,27 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/comm/comm.h"
 #include "abecs/data/codec.h"
 #include "abecs/data/mk.h"
 #include "abecs/data/packet.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/crypt/rsa.h"
-#include "quorvel/kor/enum.h"
 #include "quorvel/kor/system.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using kor::refuse_outside;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kDwk{.id = "DWK"};
-constexpr uint8_t kMaxIndex = 99;
+constexpr Command kDwk{.id = "DWK"};
 constexpr size_t kKeyWidth = 2 * sizeof(AbecsWkPan::key);
 
 enum class Variant : uint8_t { kMasterKey = 1, kRsa = 2 };
@@ -69,7 +72,7 @@ void read_cryptogram(AbecsPacket* packet, uint8_t (&out)[kModulusLength]) {
     if (length != 2 * kModulusLength) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN: %zu (expected: 256)", length);
     }
-    abecs::read_field_h_bytes(packet, out, sizeof out, 2 * kModulusLength);
+    read_field_h_bytes(packet, out, sizeof out, 2 * kModulusLength);
 }
 
 void parse_block(KorBuffer* block, AbecsWkPan& out) {
@@ -77,7 +80,7 @@ void parse_block(KorBuffer* block, AbecsWkPan& out) {
     abecs_data_read_field_a(block, header, sizeof header, 1, false);
     if (header[0] != kHeader) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "(%s) Invalid header: %02X (expected: 0x54)", kDwk.name,
-                     abecs::codec::shown(header[0]));
+                     codec::shown(header[0]));
     }
     const uint64_t version = abecs_data_read_field_n(block, 1);
     if (version != kLayoutVersion) {
@@ -85,7 +88,7 @@ void parse_block(KorBuffer* block, AbecsWkPan& out) {
                      static_cast<int>(version));
     }
     kor_buffer_read(block, nullptr, kFillingBefore);
-    abecs::read_field_h_bytes(block, out.key, sizeof out.key, kKeyWidth);
+    read_field_h_bytes(block, out.key, sizeof out.key, kKeyWidth);
     kor_buffer_read(block, nullptr, kFillingBehind);
     const uint8_t end = kor_buffer_read_byte(block);
     if (end != kEnd) {
@@ -94,7 +97,7 @@ void parse_block(KorBuffer* block, AbecsWkPan& out) {
 }
 
 // Everything secret of the RSA variant.
-struct Exchange {
+struct RsaVariant {
     CryptRsaKey* rsa = nullptr;
     uint8_t block[kModulusLength]{};
     KorBuffer* buffer = nullptr;
@@ -123,14 +126,10 @@ void hand_out(AbecsComm* pinpad, const AbecsWkPan& key, AbecsWkPan* wkPanOut, bo
 }  // namespace
 
 int32_t abecs_cmd_dwk1(AbecsComm* pinpad, const AbecsMk* mk, AbecsWkPan* wkPanOut, bool setOnLink) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (mk == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'mk' is NULL"), kRaised; }
-    if (!kor_enum_is_valid_range(mk->type, ABECS_MK_TYPE_DES, ABECS_MK_TYPE_TDES)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsMkType_E", mk->type), kRaised;
-    }
-    if (mk->idx > kMaxIndex) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid master key index: %d (max: 99)", mk->idx), kRaised;
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(mk, "'mk' is NULL")
+        || refuse_outside(mk->type, ABECS_MK_TYPE_DES, ABECS_MK_TYPE_TDES, "AbecsMkType_E")
+        || refuse_if(mk->idx > kMaxIndex, "Invalid master key index: %d (max: 99)", mk->idx)) {
+        return kRaised;
     }
     AbecsWkPan key{mk->type == ABECS_MK_TYPE_DES ? ABECS_WK_PAN_TYPE_DES : ABECS_WK_PAN_TYPE_TDES, {}};
     uint8_t enciphered[sizeof key.key];
@@ -144,8 +143,7 @@ int32_t abecs_cmd_dwk1(AbecsComm* pinpad, const AbecsMk* mk, AbecsWkPan* wkPanOu
                     Response::status());
         if (stat != ABECS_RSP_STAT_ST_OK) { return; }
         hand_out(pinpad, key, wkPanOut, setOnLink);
-        // The application then deciphers by itself what keeps coming in the layout of protected mode.
-        if (!setOnLink) { pinpad->panProtected = true; }
+        if (!setOnLink) { expect_protected_pan(pinpad); }
     })
         .cleanup([&] {
             explicit_bzero(&key, sizeof key);
@@ -156,20 +154,19 @@ int32_t abecs_cmd_dwk1(AbecsComm* pinpad, const AbecsMk* mk, AbecsWkPan* wkPanOu
 }
 
 int32_t abecs_cmd_dwk2(AbecsComm* pinpad, AbecsWkPan* wkPanOut, bool setOnLink) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    Exchange exchange;
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
+    RsaVariant secrets;
     CryptRsaPublicKey publicKey{};
     int32_t stat = kRaised;
     kor::attempt([&] {
-        exchange.rsa = crypt_rsa_key_new(static_cast<int32_t>(kModulusLength), kPublicExponent);
-        exchange.buffer = kor_buffer_new(kModulusLength);
-        crypt_rsa_get_public_key(exchange.rsa, &publicKey);
+        secrets.rsa = crypt_rsa_key_new(static_cast<int32_t>(kModulusLength), kPublicExponent);
+        secrets.buffer = kor_buffer_new(kModulusLength);
+        crypt_rsa_get_public_key(secrets.rsa, &publicKey);
         stat = call(pinpad, kDwk, Request::fields([&](AbecsPacket* packet) { write_public_key(packet, publicKey); }),
-                    Response::fields([&](AbecsPacket* packet) { exchange.read(packet); }));
-        if (stat == ABECS_RSP_STAT_ST_OK) { hand_out(pinpad, exchange.key, wkPanOut, setOnLink); }
+                    Response::fields([&](AbecsPacket* packet) { secrets.read(packet); }));
+        if (stat == ABECS_RSP_STAT_ST_OK) { hand_out(pinpad, secrets.key, wkPanOut, setOnLink); }
     }).cleanup([&] {
-          exchange.release();
+          secrets.release();
       }).run();
     return stat;
 }

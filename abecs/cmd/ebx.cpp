@@ -2,14 +2,17 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/ebx.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/param_builder.h"
 #include "abecs/cmd/param_text.h"
 #include "abecs/cmd/spe_mthd_rules.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/rsp_dat_id.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 struct AbecsCmdEbxBuilder : ParamBuilder {
@@ -21,7 +24,6 @@ namespace {
 constexpr Command kEbx{.id = "EBX"};
 constexpr int kMaxData = 256;
 constexpr size_t kBlock = 8;
-constexpr uint8_t kMaxKeyIndex = 99;
 
 // Numbers that are no methods are refused only where something has to be known about them, so these two are the limits
 // of the methods' families and not of the table's rows.
@@ -40,7 +42,7 @@ const char* name_of(AbecsSpeMthdDat_E method) {
 }
 
 const char* get_text(const AbecsRspParamMap* responseParams, uint16_t id) {
-    if (responseParams == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'responseParams' is NULL"), nullptr; }
+    if (refuse_null(responseParams, "'responseParams' is NULL")) { return nullptr; }
     return param_text(responseParams, id);
 }
 
@@ -54,22 +56,17 @@ AbecsCmdEbxBuilder* abecs_cmd_ebx_builder_new(const uint8_t* data, size_t szData
 
 void abecs_cmd_ebx_builder_reset(AbecsCmdEbxBuilder* builder, const uint8_t* data, size_t szData,
                                  AbecsSpeMthdDat_E mthdDat, uint8_t keyIdx) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (data == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
-    if (szData == 0 || szData > kMaxData) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'szData': %zu (min: 1, max: %d)", szData, kMaxData);
-    }
-    if (szData % kBlock != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'szData': %zu (it must be a multiple of 8)", szData);
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(data, "'data' is NULL")
+        || refuse_if(szData == 0 || szData > kMaxData, "Invalid 'szData': %zu (min: 1, max: %d)", szData, kMaxData)
+        || refuse_if(szData % kBlock != 0, "Invalid 'szData': %zu (it must be a multiple of 8)", szData)) {
+        return;
     }
     if (mthdDat > kLastWithKeyIndex) {
         const char* name = name_of(mthdDat);
         if (name == nullptr) { return; }
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Unsupported 'mthdDat': %s", name);
     }
-    if (keyIdx > kMaxKeyIndex) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'keyIdx': %d (min: 0, max: 99)", keyIdx);
-    }
+    if (refuse_if(keyIdx > kMaxIndex, "Invalid 'keyIdx': %d (min: 0, max: 99)", keyIdx)) { return; }
     reset_params(*builder);
     builder->mthdDat = mthdDat;
     if (!add_bytes(builder, ABECS_SPE_ID_DATAIN, data, szData)) { return; }
@@ -80,38 +77,39 @@ void abecs_cmd_ebx_builder_reset(AbecsCmdEbxBuilder* builder, const uint8_t* dat
 void abecs_cmd_ebx_builder_delete(AbecsCmdEbxBuilder** builder) { delete_builder(builder); }
 
 void abecs_cmd_ebx_builder_wkenc(AbecsCmdEbxBuilder* builder, const uint8_t* wkEnc, size_t szWkEnc) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     if (builder->mthdDat > kLastWithWorkingKey) {
         const char* name = name_of(builder->mthdDat);
         if (name == nullptr) { return; }
         return raise(KOR_RESULT_ILLEGAL_STATE, "current SPE_MTHDDAT (%s) does not accept SPE_WKENC", name);
     }
-    if (wkEnc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'wkEnc' is NULL"); }
+    if (refuse_null(wkEnc, "'wkEnc' is NULL")) { return; }
     const DataMethod* method = find_data_method(builder->mthdDat);
     if (method == nullptr) { return raise(KOR_RESULT_RUNTIME_ERROR, "Missing case"); }
-    if (szWkEnc != method->workingKeySize) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'szWkEnc': %zu (expected: %zu)", szWkEnc,
-                     method->workingKeySize);
+    if (refuse_if(szWkEnc != method->workingKeySize, "Invalid 'szWkEnc': %zu (expected: %zu)", szWkEnc,
+                  method->workingKeySize)) {
+        return;
     }
     add_bytes(builder, ABECS_SPE_ID_WKENC, wkEnc, szWkEnc);
 }
 
 void abecs_cmd_ebx_builder_ivcbc(AbecsCmdEbxBuilder* builder, const uint8_t* ivCbc) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const DataMethod* method = find_data_method(builder->mthdDat);
     if (method == nullptr || !method->chained) {
         const char* name = name_of(builder->mthdDat);
         if (name == nullptr) { return; }
         return raise(KOR_RESULT_ILLEGAL_STATE, "current SPE_MTHDDAT (%s) does not accept SPE_IVCBC", name);
     }
-    if (ivCbc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'ivCbc' is NULL"); }
+    if (refuse_null(ivCbc, "'ivCbc' is NULL")) { return; }
     add_bytes(builder, ABECS_SPE_ID_IVCBC, ivCbc);
 }
 
 int32_t abecs_cmd_ebx(AbecsComm* pinpad, AbecsCmdEbxBuilder* builder, AbecsRspParamMap* out) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(builder, "'builder' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return kRaised;
+    }
     kor_map_clear(out);
     if (builder->mthdDat <= kLastWithWorkingKey && !has_param(*builder, ABECS_SPE_ID_WKENC)) {
         const char* name = name_of(builder->mthdDat);

@@ -4,19 +4,20 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/data/mk.h"
 #include "abecs/data/wk_pan.h"
 #include "core/attempt.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/abecs/data.h"
-#include "quorvel/kor/enum.h"
 
-using kor::raise;
+using kor::refuse_null;
+using kor::refuse_outside;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kEnb{.id = "ENB"};
+constexpr Command kEnb{.id = "ENB"};
 constexpr size_t kKeyWidth = 32;
 constexpr size_t kDataWidth = 16;
 constexpr size_t kRequestLength = 1 + 2 + kKeyWidth + kDataWidth;
@@ -55,35 +56,33 @@ void read_block(AbecsPacket* packet, char* out) {
 }  // namespace
 
 char* abecs_cmd_enb_encrypt_wk(const char* clearWk, const AbecsMk* mk, char* out) {
-    if (clearWk == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing 'clearWk'"), nullptr; }
-    if (mk == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing 'mk'"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing 'out'"), nullptr; }
-    if (!kor_enum_is_valid_range(mk->type, ABECS_MK_TYPE_DES, ABECS_MK_TYPE_TDES)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsMkType_E", mk->type), nullptr;
+    if (refuse_null(clearWk, "Missing 'clearWk'") || refuse_null(mk, "Missing 'mk'")
+        || refuse_null(out, "Missing 'out'")
+        || refuse_outside(mk->type, ABECS_MK_TYPE_DES, ABECS_MK_TYPE_TDES, "AbecsMkType_E")) {
+        return nullptr;
     }
     return transformed<kKeyWidth>(clearWk, out,
-                                  [&](uint8_t* bytes, size_t size) { return abecs::encipher(*mk, bytes, size); });
+                                  [&](uint8_t* bytes, size_t size) { return encipher(*mk, bytes, size); });
 }
 
 char* abecs_cmd_enb_encode_data(const char* clearData, const AbecsWkPan* wkPan, char* out) {
-    if (clearData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing 'clearData'"), nullptr; }
-    if (wkPan == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing 'wkPan'"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing 'out'"), nullptr; }
-    if (!kor_enum_is_valid_range(wkPan->type, ABECS_WK_PAN_TYPE_DES, ABECS_WK_PAN_TYPE_TDES_RSA)) {
-        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsWkPanType_E", wkPan->type);
+    if (refuse_null(clearData, "Missing 'clearData'") || refuse_null(wkPan, "Missing 'wkPan'")
+        || refuse_null(out, "Missing 'out'")) {
+        return nullptr;
+    }
+    if (refuse_outside(wkPan->type, ABECS_WK_PAN_TYPE_DES, ABECS_WK_PAN_TYPE_TDES_RSA, "AbecsWkPanType_E")) {
         return nullptr;
     }
     return transformed<kDataWidth>(clearData, out,
-                                   [&](uint8_t* bytes, size_t size) { return abecs::decipher(*wkPan, bytes, size); });
+                                   [&](uint8_t* bytes, size_t size) { return decipher(*wkPan, bytes, size); });
 }
 
 int32_t abecs_cmd_enb(AbecsComm* pinpad, const AbecsCmdEnbCmdData* cmdData, char* out) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (cmdData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdData' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
-    if (!kor_enum_is_valid_range(cmdData->method, ABECS_CMD_ENB_METHOD_0, ABECS_CMD_ENB_METHOD_1)) {
-        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdEnbMethod_E", cmdData->method);
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(cmdData, "'cmdData' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return kRaised;
+    }
+    if (refuse_outside(cmdData->method, ABECS_CMD_ENB_METHOD_0, ABECS_CMD_ENB_METHOD_1, "AbecsCmdEnbMethod_E")) {
         return kRaised;
     }
     return call(pinpad, kEnb, Request::fields([&](AbecsPacket* packet) { write_data(packet, *cmdData); }),

@@ -2,14 +2,17 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/fcx.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/param_builder.h"
 #include "abecs/data/codec.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 struct AbecsCmdFcxBuilder : ParamBuilder {
@@ -19,7 +22,7 @@ struct AbecsCmdFcxBuilder : ParamBuilder {
 namespace {
 
 constexpr Command kFcx{.id = "FCX"};
-constexpr size_t kArcLength = 2;
+constexpr size_t kArcLength = width_of(ABECS_SPE_ID_ARC);
 
 }  // namespace
 
@@ -29,7 +32,7 @@ AbecsCmdFcxBuilder* abecs_cmd_fcx_builder_new(const char* fcxOpt) {
 }
 
 void abecs_cmd_fcx_builder_reset(AbecsCmdFcxBuilder* builder, const char* fcxOpt) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     if (!check_digits(ABECS_SPE_ID_FCXOPT, fcxOpt, "fcxOpt")) { return; }
     // The first option tells whether the host has answered: without an answer there is no response code.
     builder->arcRequired = fcxOpt[0] == '0' || fcxOpt[0] == '1';
@@ -40,12 +43,9 @@ void abecs_cmd_fcx_builder_reset(AbecsCmdFcxBuilder* builder, const char* fcxOpt
 void abecs_cmd_fcx_builder_delete(AbecsCmdFcxBuilder** builder) { delete_builder(builder); }
 
 void abecs_cmd_fcx_builder_arc(AbecsCmdFcxBuilder* builder, const char* arc) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (arc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'arc' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(arc, "'arc' is NULL")) { return; }
     const size_t length = kor_string_len(arc);
-    if (length != kArcLength) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length of 'arc': %zu (expected: 2)", length);
-    }
+    if (refuse_if(length != kArcLength, "Invalid length of 'arc': %zu (expected: 2)", length)) { return; }
     size_t bad = 0;
     if (!abecs_data_is_alphanumeric_field(arc, length, &bad)) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "arc[%zu] is invalid: 0x%02X", bad, codec::shown(arc[bad]));
@@ -67,16 +67,14 @@ void abecs_cmd_fcx_builder_timeout(AbecsCmdFcxBuilder* builder, uint8_t timeout)
 }
 
 void abecs_cmd_fcx(AbecsComm* pinpad, AbecsCmdFcxBuilder* builder) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (builder->arcRequired && !has_param(*builder, ABECS_SPE_ID_ARC)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'SPE_ARC' was not defined");
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(builder, "'builder' is NULL")
+        || refuse_if(builder->arcRequired && !has_param(*builder, ABECS_SPE_ID_ARC), "'SPE_ARC' was not defined")) {
+        return;
     }
     send(pinpad, kFcx, Request::built(builder->command));
 }
 
 int32_t abecs_cmd_fcx_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return kRaised; }
     return poll(pinpad, kFcx, Response::into(out), notification);
 }

@@ -2,11 +2,12 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/fnc.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/member_text.h"
-#include "core/raise.h"
+#include "core/check.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 namespace {
@@ -57,19 +58,13 @@ void read_response(AbecsPacket* packet, AbecsCmdFncResponse& out) {
 }  // namespace
 
 int32_t abecs_cmd_fnc(AbecsComm* pinpad, const AbecsCmdFncData* cmdData, AbecsCmdFncResponse* rspData) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (cmdData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdData' is NULL"), kRaised; }
-    if (rspData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'rspData' is NULL"), kRaised; }
-    if (cmdData->issDatLen > kMaxBytes) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid cmdData->issDatLen: %zu (max: 999)", cmdData->issDatLen),
-               kRaised;
-    }
-    if (cmdData->tagsLen > kMaxBytes) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid cmdData->tagsLen: %zu (max: 999)", cmdData->tagsLen),
-               kRaised;
-    }
-    if (cmdData->commSt != 0 && cmdData->commSt != 1 && cmdData->commSt != kNotReached) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid cmdData->commSt: %d", cmdData->commSt), kRaised;
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(cmdData, "'cmdData' is NULL")
+        || refuse_null(rspData, "'rspData' is NULL")
+        || refuse_if(cmdData->issDatLen > kMaxBytes, "invalid cmdData->issDatLen: %zu (max: 999)", cmdData->issDatLen)
+        || refuse_if(cmdData->tagsLen > kMaxBytes, "invalid cmdData->tagsLen: %zu (max: 999)", cmdData->tagsLen)
+        || refuse_if(cmdData->commSt != 0 && cmdData->commSt != 1 && cmdData->commSt != kNotReached,
+                     "invalid cmdData->commSt: %d", cmdData->commSt)) {
+        return kRaised;
     }
     return call(pinpad, kFnc, Request::fields([&](AbecsPacket* packet) { write_request(packet, *cmdData); }),
                 Response::fields([&](AbecsPacket* packet) { read_response(packet, *rspData); }));

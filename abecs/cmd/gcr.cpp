@@ -7,22 +7,24 @@
 #include <optional>
 
 #include "abecs/cmd/card_data.h"
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/member_text.h"
 #include "abecs/comm/comm.h"
 #include "abecs/data/codec.h"
 #include "abecs/data/enum_table.h"
 #include "abecs/data/flag.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 namespace {
 
 constexpr Command kGcr{.id = "GCR"};
-constexpr uint8_t kMaxIndex = 99;
 constexpr size_t kRecordLength = 4;  // the acquirer's index, the record's index
 constexpr size_t kMaxRecords = 99;
 constexpr size_t kTableVersionWidth = 10;
@@ -46,14 +48,14 @@ constexpr std::array<Named<AbecsCmdGcrStatChip_E>, 3> kChipStats{{
 }};
 static_assert(is_sorted_and_unique(kChipStats));
 
-bool check_moment(const AbecsCmdGcrData& data) {
-    bool good = false;
+bool refuse_moment(const AbecsCmdGcrData& data) {
+    bool refused = true;
     kor::attempt([&] {
         abecs_data_validate_date(&data.date);
         abecs_data_validate_time(&data.time);
-        good = true;
+        refused = false;
     }).run();
-    return good;
+    return refused;
 }
 
 // The first record that was listed before already, or null.
@@ -71,9 +73,7 @@ const char* find_duplicate(const char* records, size_t count) {
 std::optional<size_t> count_records(const char* records) {
     if (records == nullptr) { return 0; }
     const size_t length = std::strlen(records);
-    if (length % kRecordLength != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for aidRecIds: %zu", length), std::nullopt;
-    }
+    if (refuse_if(length % kRecordLength != 0, "Invalid length for aidRecIds: %zu", length)) { return std::nullopt; }
     size_t bad = 0;
     if (!abecs_data_is_alphanumeric_field(records, length, &bad)) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid char at aidRecIds[%zu]: (0x%02X)", bad,
@@ -81,7 +81,7 @@ std::optional<size_t> count_records(const char* records) {
                std::nullopt;
     }
     const size_t count = length / kRecordLength;
-    if (count > kMaxRecords) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Too many records"), std::nullopt; }
+    if (refuse_if(count > kMaxRecords, "Too many records")) { return std::nullopt; }
     if (const char* record = find_duplicate(records, count)) {
         char id[kRecordLength + 1]{};
         std::memcpy(id, record, kRecordLength);
@@ -127,12 +127,12 @@ void read_tracks(AbecsPacket* packet, const AbecsComm* pinpad, AbecsCmdGcrRespon
     if (decipher_card_data(pinpad, out.track1, out.track1Len)) { out.track1Len = length_of(out.track1); }
 
     out.track2Len = read_number(packet, 2);
-    const size_t width = pinpad->panProtected ? kProtectedTrack2Width : kTrack2Width;
+    const size_t width = is_pan_protected(pinpad) ? kProtectedTrack2Width : kTrack2Width;
     abecs_packet_read_field_a(packet, out.track2, sizeof out.track2, width, false);
     if (decipher_card_data(pinpad, out.track2, out.track2Len)) { out.track2Len = length_of(out.track2); }
 
     // The three bytes by which a protected track 2 is wider are those of this length, so it is not sent with one.
-    if (!pinpad->panProtected) { abecs_packet_read_field_n(packet, 3); }
+    if (!is_pan_protected(pinpad)) { abecs_packet_read_field_n(packet, 3); }
     read_text(packet, out.track3);
     out.track3Len = length_of(out.track3);
     if (decipher_card_data(pinpad, out.track3, out.track3Len)) { out.track3Len = length_of(out.track3); }
@@ -181,17 +181,6 @@ void read_response(AbecsPacket* packet, const AbecsComm* pinpad, AbecsCmdGcrResp
     read_acquirer_data(packet, out);
 }
 
-// The code is taken while the error is pending: nothing is left of it once its raise has returned.
-KorResult_E send_gcr(AbecsComm* pinpad, const Request& request) {
-    KorResult_E code = KOR_RESULT_OK;
-    kor::attempt([&] {
-        send(pinpad, kGcr, request);
-    }).cleanup([&] {
-          code = KorResult_E{kor_exception_get_error()};
-      }).run();
-    return code;
-}
-
 }  // namespace
 
 const char* abecs_cmd_gcr_card_type_to_string(AbecsCmdGcrCardType_E cardType) {
@@ -208,33 +197,31 @@ const char* abecs_cmd_gcr_stat_chip_to_string(AbecsCmdGcrStatChip_E statChip) {
 
 KorResult_E abecs_cmd_gcr(AbecsComm* pinpad, const AbecsCmdGcrData* gcrData, const char* aidRecIds) {
     constexpr KorResult_E kRefused = KOR_RESULT_ILLEGAL_ARGUMENT;
-    if (pinpad == nullptr) { return raise(kRefused, "'pinpad' is NULL"), kRefused; }
-    if (gcrData == nullptr) { return raise(kRefused, "'gcrData' is NULL"), kRefused; }
-    if (gcrData->acqIdxReq > kMaxIndex) {
-        return raise(kRefused, "gcrData->acqIdxReq (%d) is out of range", gcrData->acqIdxReq), kRefused;
-    }
-    if (gcrData->appTypReq > kMaxIndex) {
-        return raise(kRefused, "gcrData->appTypReq (%d) is out of range", gcrData->appTypReq), kRefused;
-    }
-    if (!check_moment(*gcrData)) { return kRefused; }
-    if (gcrData->appTypReq != 0 && aidRecIds != nullptr) {
-        return raise(kRefused, "AID record ids where supplied and GCR_APPTYPE is not zero"), kRefused;
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(gcrData, "'gcrData' is NULL")
+        || refuse_if(gcrData->acqIdxReq > kMaxIndex, "gcrData->acqIdxReq (%d) is out of range", gcrData->acqIdxReq)
+        || refuse_if(gcrData->appTypReq > kMaxIndex, "gcrData->appTypReq (%d) is out of range", gcrData->appTypReq)
+        || refuse_moment(*gcrData)
+        || refuse_if(gcrData->appTypReq != 0 && aidRecIds != nullptr,
+                     "AID record ids where supplied and GCR_APPTYPE is not zero")) {
+        return kRefused;
     }
     const std::optional<size_t> count = count_records(aidRecIds);
     if (!count) { return kRefused; }
-    return send_gcr(pinpad,
-                    Request::fields([&](AbecsPacket* packet) { write_request(packet, *gcrData, aidRecIds, *count); }));
+    return send_for_result(pinpad, kGcr, Request::fields([&](AbecsPacket* packet) {
+                               write_request(packet, *gcrData, aidRecIds, *count);
+                           }));
 }
 
 KorResult_E abecs_cmd_gcr_empty(AbecsComm* pinpad) {
     constexpr KorResult_E kRefused = KOR_RESULT_ILLEGAL_ARGUMENT;
-    if (pinpad == nullptr) { return raise(kRefused, "'pinpad' is NULL"), kRefused; }
-    return send_gcr(pinpad, Request::bare());
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRefused; }
+    return send_for_result(pinpad, kGcr, Request::bare());
 }
 
 int32_t abecs_cmd_gcr_response(AbecsComm* pinpad, AbecsCmdGcrResponse* gcrResponse, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (gcrResponse == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gcrResponse' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(gcrResponse, "'gcrResponse' is NULL")) {
+        return kRaised;
+    }
     return poll(pinpad, kGcr,
                 Response::fields([&](AbecsPacket* packet) { read_response(packet, pinpad, *gcrResponse); }),
                 notification);

@@ -2,14 +2,15 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/gcx.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/param_builder.h"
 #include "abecs/data/codec.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 struct AbecsCmdGcxBuilder : ParamBuilder {};
@@ -17,7 +18,6 @@ struct AbecsCmdGcxBuilder : ParamBuilder {};
 namespace {
 
 constexpr Command kGcx{.id = "GCX"};
-constexpr uint8_t kMaxAcquirer = 99;
 constexpr size_t kMaxAppTypes = 10;
 constexpr uint8_t kMaxAppType = 98;
 constexpr size_t kMaxRecords = 128;
@@ -26,9 +26,9 @@ constexpr size_t kAcquirerLength = 2;
 
 void write_app_types(AbecsParam* param, const uint8_t* appTypes, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        if (appTypes[i] == 0 || appTypes[i] > kMaxAppType) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for 'appTypes[%zu]: %d (min: 1, max: 98)", i,
-                         appTypes[i]);
+        if (refuse_if(appTypes[i] == 0 || appTypes[i] > kMaxAppType,
+                      "invalid value for 'appTypes[%zu]: %d (min: 1, max: 98)", i, appTypes[i])) {
+            return;
         }
         abecs_param_write_field_n(param, appTypes[i], 2);
     }
@@ -36,14 +36,16 @@ void write_app_types(AbecsParam* param, const uint8_t* appTypes, size_t count) {
 
 void write_records(AbecsParam* param, const char* records, size_t count) {
     for (size_t i = 0; i < count; ++i, records += kRecordLength) {
-        if (!abecs_data_is_numeric_field(records, kAcquirerLength, nullptr)) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid acquirer identifier at index %zu: \"%.*s\"", i,
-                         static_cast<int>(kAcquirerLength), records);
+        if (refuse_if(!abecs_data_is_numeric_field(records, kAcquirerLength, nullptr),
+                      "Invalid acquirer identifier at index %zu: \"%.*s\"", i, static_cast<int>(kAcquirerLength),
+                      records)) {
+            return;
         }
         const char* record = records + kAcquirerLength;
-        if (!abecs_data_is_alphanumeric_field(record, kRecordLength - kAcquirerLength, nullptr)) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid record at index %zu: 0x%02x 0x%02x", i,
-                         codec::shown(record[0]), codec::shown(record[1]));
+        if (refuse_if(!abecs_data_is_alphanumeric_field(record, kRecordLength - kAcquirerLength, nullptr),
+                      "Invalid record at index %zu: 0x%02x 0x%02x", i, codec::shown(record[0]),
+                      codec::shown(record[1]))) {
+            return;
         }
         abecs_param_write_field_b(param, records, kRecordLength);
     }
@@ -57,9 +59,10 @@ AbecsCmdGcxBuilder* abecs_cmd_gcx_builder_new(const char* trnDate, const char* t
 }
 
 void abecs_cmd_gcx_builder_reset(AbecsCmdGcxBuilder* builder, const char* trnDate, const char* trnTime) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (trnDate == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'trnDate' is NULL"); }
-    if (trnTime == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'trnTime' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(trnDate, "'trnDate' is NULL")
+        || refuse_null(trnTime, "'trnTime' is NULL")) {
+        return;
+    }
     if (!check_digits(ABECS_SPE_ID_TRNDATE, trnDate, "trnDate")) { return; }
     if (!check_digits(ABECS_SPE_ID_TRNTIME, trnTime, "trnTime")) { return; }
     reset_params(*builder);
@@ -74,34 +77,33 @@ void abecs_cmd_gcx_builder_trntype(AbecsCmdGcxBuilder* builder, uint8_t trnType)
 }
 
 void abecs_cmd_gcx_builder_acqref(AbecsCmdGcxBuilder* builder, uint8_t acqRef) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (acqRef > kMaxAcquirer) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'acqRef' (maximum: 99, requested: %d)", acqRef);
+    if (refuse_null(builder, "'builder' is NULL")
+        || refuse_if(acqRef > kMaxIndex, "Invalid 'acqRef' (maximum: 99, requested: %d)", acqRef)) {
+        return;
     }
     add_number(builder, ABECS_SPE_ID_ACQREF, acqRef);
 }
 
 void abecs_cmd_gcx_builder_apptype(AbecsCmdGcxBuilder* builder, const uint8_t* appTypes, size_t szAppTypes) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (appTypes == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'appTypes' is NULL"); }
-    if (szAppTypes == 0 || szAppTypes > kMaxAppTypes) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for 'szAppTypes': %zu (min: 1, max: 10)", szAppTypes);
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(appTypes, "'appTypes' is NULL")
+        || refuse_if(szAppTypes == 0 || szAppTypes > kMaxAppTypes,
+                     "invalid value for 'szAppTypes': %zu (min: 1, max: 10)", szAppTypes)) {
+        return;
     }
     add_param(builder, ABECS_SPE_ID_APPTYPE, [&](AbecsParam* param) { write_app_types(param, appTypes, szAppTypes); });
 }
 
 void abecs_cmd_gcx_builder_aidlist(AbecsCmdGcxBuilder* builder, const char* aidRecords) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (aidRecords == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'aidRecords' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(aidRecords, "'aidRecords' is NULL")) { return; }
     const size_t length = kor_string_len(aidRecords);
-    if (length % kRecordLength != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for for 'aidRecords': %zu (must be a multiple of 4)",
-                     length);
+    if (refuse_if(length % kRecordLength != 0, "Invalid length for for 'aidRecords': %zu (must be a multiple of 4)",
+                  length)) {
+        return;
     }
     const size_t count = length / kRecordLength;
-    if (count == 0 || count > kMaxRecords) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid number of records 'aidRecords': %zu (min: 1, max: 128)",
-                     count);
+    if (refuse_if(count == 0 || count > kMaxRecords, "Invalid number of records 'aidRecords': %zu (min: 1, max: 128)",
+                  count)) {
+        return;
     }
     add_param(builder, ABECS_SPE_ID_AIDLIST, [&](AbecsParam* param) { write_records(param, aidRecords, count); });
 }
@@ -139,13 +141,11 @@ void abecs_cmd_gcx_builder_timeout(AbecsCmdGcxBuilder* builder, uint8_t timeout)
 void abecs_cmd_gcx_builder_dspmsg(AbecsCmdGcxBuilder* builder, const char* dspMsg) { add_message(builder, dspMsg); }
 
 void abecs_cmd_gcx(AbecsComm* pinpad, AbecsCmdGcxBuilder* builder) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(builder, "'builder' is NULL")) { return; }
     send(pinpad, kGcx, Request::built(builder->command));
 }
 
 int32_t abecs_cmd_gcx_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return kRaised; }
     return poll(pinpad, kGcx, Response::into(out), notification);
 }

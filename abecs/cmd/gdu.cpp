@@ -2,16 +2,18 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/gdu.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
-#include "quorvel/kor/enum.h"
 
 using kor::raise;
+using kor::refuse_null;
+using kor::refuse_outside;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kGdu{.id = "GDU", .unexpectedId = abecs::UnexpectedId::kTable};
-constexpr uint8_t kMaxIndex = 99;
+constexpr Command kGdu{.id = "GDU", .unexpectedId = UnexpectedId::kTable};
 constexpr size_t kKsnWidth = 20;
 
 void read_ksn(AbecsPacket* packet, char* out) {
@@ -25,13 +27,11 @@ void read_ksn(AbecsPacket* packet, char* out) {
 }  // namespace
 
 int32_t abecs_cmd_gdu(AbecsComm* pinpad, AbecsCmdGduMethod_E method, uint8_t idx, char* out) {
-    using namespace abecs;
     if (idx > kMaxIndex) {
         return raise(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid idx: %d (maximum is 99)", idx), kRaised;
     }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
-    if (!kor_enum_is_valid_range(method, ABECS_CMD_GDU_METHOD_2, ABECS_CMD_GDU_METHOD_3)) {
-        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdGduMethod_E", method);
+    if (refuse_null(out, "'out' is NULL")) { return kRaised; }
+    if (refuse_outside(method, ABECS_CMD_GDU_METHOD_2, ABECS_CMD_GDU_METHOD_3, "AbecsCmdGduMethod_E")) {
         return kRaised;
     }
     return call(pinpad, kGdu, Request::fields([&](AbecsPacket* packet) {

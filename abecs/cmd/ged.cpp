@@ -2,12 +2,15 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/ged.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/rsp_dat_id.h"
 #include "quorvel/abecs/spe_id.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 namespace {
@@ -29,18 +32,14 @@ void read_emv_data(ParamReader& params, AbecsEmvData& out) {
 }  // namespace
 
 int32_t abecs_cmd_ged(AbecsComm* pinpad, const AbecsTagList* tagList, AbecsEmvData* out) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (tagList == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'tagList' is NULL"), kRaised; }
-    if (tagList->szData > sizeof tagList->data) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'tagList->szData' is too long (max: %d, requested: %zu)",
-                     static_cast<int>(sizeof tagList->data), tagList->szData),
-               kRaised;
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(tagList, "'tagList' is NULL")
+        || refuse_if(tagList->szData > sizeof tagList->data, "'tagList->szData' is too long (max: %d, requested: %zu)",
+                     static_cast<int>(sizeof tagList->data), tagList->szData)
+        || refuse_null(out, "'out' is NULL")) {
+        return kRaised;
     }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
     return call(pinpad, kGed, Request::params([&](ParamWriter& params) {
-                    params.put(ABECS_SPE_ID_TAGLIST, [&](AbecsParam* param) {
-                        abecs_param_write_field_b(param, tagList->data, tagList->szData);
-                    });
+                    params.bytes(ABECS_SPE_ID_TAGLIST, tagList->data, tagList->szData);
                 }),
                 Response::params([&](ParamReader& params) { read_emv_data(params, *out); }));
 }

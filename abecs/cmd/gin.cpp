@@ -4,15 +4,17 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kGin{.id = "GIN"};
-constexpr uint8_t kMaxIndex = 99;
+constexpr Command kGin{.id = "GIN"};
 constexpr uint32_t kLength00 = 20 + 19 + 1 + 20 + 4 + 16 + 20;
 constexpr uint32_t kLengthOther = 42;
 static_assert(kLength00 == 100);
@@ -115,11 +117,10 @@ void read_layout(AbecsPacket* packet, uint8_t acqIdx, AbecsCmdGinOut& out) {
 }  // namespace
 
 int32_t abecs_cmd_gin(AbecsComm* pinpad, uint8_t acqIdx, AbecsCmdGinOut* out) {
-    using namespace abecs;
     if (acqIdx > kMaxIndex) {
         return raise(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid acqIdx: %d (maximum is 99)", acqIdx), kRaised;
     }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(out, "'out' is NULL")) { return kRaised; }
     return call(pinpad, kGin, Request::fields([&](AbecsPacket* packet) {
                     abecs_packet_write_field_n(packet, 2, 3);
                     abecs_packet_write_field_n(packet, acqIdx, 2);

@@ -6,15 +6,17 @@
 #include <array>
 #include <span>
 
-#include "abecs/cmd/frame.h"
-#include "core/raise.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "quorvel/abecs/spe_id.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kGix{.id = "GIX"};
+constexpr Command kGix{.id = "GIX"};
 constexpr size_t kMaxIds = 64;
 
 struct Range {
@@ -45,33 +47,29 @@ constexpr bool any_holds(std::span<const Range> ranges, int32_t id) {
 }
 
 // False when an id was refused. An id of a numbered family ends the check: what follows it is taken as it stands.
-bool check_ids(std::span<const int32_t> ids) {
+bool refuse_ids(std::span<const int32_t> ids) {
     for (size_t i = 0; i < ids.size(); ++i) {
-        if (any_holds(kFamilies, ids[i])) { return true; }
-        if (!any_holds(kSingleItems, ids[i])) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for AbecsCmdGixId_E at index %zu: %d (%02X)",
-                         i, ids[i], static_cast<uint32_t>(ids[i])),
-                   false;
+        if (any_holds(kFamilies, ids[i])) { return false; }
+        if (refuse_if(!any_holds(kSingleItems, ids[i]),
+                      "Invalid enumerator for AbecsCmdGixId_E at index %zu: %d (%02X)", i, ids[i],
+                      static_cast<uint32_t>(ids[i]))) {
+            return true;
         }
     }
-    return true;
+    return false;
 }
 
 }  // namespace
 
 int32_t abecs_cmd_gix(AbecsComm* pinpad, const int32_t* idList, size_t idListSize, AbecsRspParamMap* out) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (idListSize > kMaxIds) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'idListSize' (%zu) exceeds maximum allowed (64)", idListSize),
-               kRaised;
-    }
-    if (idList == nullptr && idListSize != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'idList' is NULL"), kRaised;
+    if (refuse_null(pinpad, "'pinpad' is NULL")
+        || refuse_if(idListSize > kMaxIds, "'idListSize' (%zu) exceeds maximum allowed (64)", idListSize)
+        || refuse_if(idList == nullptr && idListSize != 0, "'idList' is NULL")) {
+        return kRaised;
     }
     const std::span ids(idList, idListSize);
-    if (!check_ids(ids)) { return kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_ids(ids)) { return kRaised; }
+    if (refuse_null(out, "'out' is NULL")) { return kRaised; }
     return call(pinpad, kGix, Request::params([&](ParamWriter& params) {
                     if (ids.empty()) { return; }
                     params.put(ABECS_SPE_ID_IDLIST, [&](AbecsParam* param) {

@@ -4,18 +4,20 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/member_text.h"
+#include "core/check.h"
 #include "core/raise.h"
-#include "quorvel/kor/enum.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using kor::refuse_outside;
 using namespace abecs;
 
 namespace {
 
 constexpr Command kGoc{.id = "GOC"};
-constexpr uint8_t kMaxTwoDigits = 99;
 constexpr uint16_t kMaxTags = 128;
 constexpr size_t kAcquirer2Width = 32;
 constexpr size_t kKeyWidth = 32;
@@ -100,55 +102,35 @@ void read_response(AbecsPacket* packet, AbecsCmdGocResponse& out) {
     abecs_packet_read_field_n(packet, 3);
 }
 
-// False after a raise.
-bool check(uint8_t gcrAcqIdx, const AbecsCmdGocData* gocData) {
-    if (gcrAcqIdx > kMaxTwoDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gcrAcqIdx' is too big (max: 99, requested: %d)", gcrAcqIdx), false;
-    }
-    if (gocData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gocData' is NULL"), false; }
-    const AbecsCmdGocData& data = *gocData;
-    if (data.exclist > 1) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->exclist: %d", data.exclist), false;
-    }
-    if (!kor_enum_is_valid_range(data.method, ABECS_CMD_GOC_METHOD_MK_WK_DES, ABECS_CMD_GOC_METHOD_DUKPT_TDES)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdGocMethod_E", data.method),
-               false;
-    }
-    if (data.keyidx > kMaxTwoDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->keyidx: %d", data.keyidx), false;
-    }
-    if (data.tpbrs > kMaxTwoDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->tpbrs: %d", data.tpbrs), false;
-    }
-    if (data.mtpbrs > kMaxTwoDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->mtpbrs: %d", data.mtpbrs), false;
-    }
-    if (gcrAcqIdx == 1 && data.acqpr.acqpr01.transactionType > kMaxTwoDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT,
-                     "invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: %d)",
-                     data.acqpr.acqpr01.transactionType),
-               false;
-    }
-    if (data.tags1len > kMaxTags) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->tags1len: %d", data.tags1len), false;
-    }
-    if (data.tags2len > kMaxTags) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid value for gocData->tags2len: %d", data.tags2len), false;
-    }
-    return true;
+bool refuse_data(uint8_t gcrAcqIdx, const AbecsCmdGocData& data) {
+    return refuse_if(data.exclist > 1, "invalid value for gocData->exclist: %d", data.exclist)
+           || refuse_outside(data.method, ABECS_CMD_GOC_METHOD_MK_WK_DES, ABECS_CMD_GOC_METHOD_DUKPT_TDES,
+                             "AbecsCmdGocMethod_E")
+           || refuse_if(data.keyidx > kMaxIndex, "invalid value for gocData->keyidx: %d", data.keyidx)
+           || refuse_if(data.tpbrs > kMaxIndex, "invalid value for gocData->tpbrs: %d", data.tpbrs)
+           || refuse_if(data.mtpbrs > kMaxIndex, "invalid value for gocData->mtpbrs: %d", data.mtpbrs)
+           || refuse_if(gcrAcqIdx == 1 && data.acqpr.acqpr01.transactionType > kMaxIndex,
+                        "invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: %d)",
+                        data.acqpr.acqpr01.transactionType)
+           || refuse_if(data.tags1len > kMaxTags, "invalid value for gocData->tags1len: %d", data.tags1len)
+           || refuse_if(data.tags2len > kMaxTags, "invalid value for gocData->tags2len: %d", data.tags2len);
 }
 
 }  // namespace
 
 void abecs_cmd_goc(AbecsComm* pinpad, uint8_t gcrAcqIdx, const AbecsCmdGocData* gocData) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (!check(gcrAcqIdx, gocData)) { return; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")
+        || refuse_if(gcrAcqIdx > kMaxIndex, "'gcrAcqIdx' is too big (max: 99, requested: %d)", gcrAcqIdx)
+        || refuse_null(gocData, "'gocData' is NULL") || refuse_data(gcrAcqIdx, *gocData)) {
+        return;
+    }
     send(pinpad, kGoc, Request::fields([&](AbecsPacket* packet) { write_request(packet, gcrAcqIdx, *gocData); }));
 }
 
 int32_t abecs_cmd_goc_response(AbecsComm* pinpad, AbecsCmdGocResponse* gocResponse, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (gocResponse == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'gocResponse' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(gocResponse, "'gocResponse' is NULL")) {
+        return kRaised;
+    }
     return poll(pinpad, kGoc, Response::fields([&](AbecsPacket* packet) { read_response(packet, *gocResponse); }),
                 notification);
 }

@@ -2,13 +2,16 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/gox.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/param_builder.h"
 #include "abecs/data/spe_mthd_pin.h"
+#include "core/check.h"
 #include "core/raise.h"
-#include "quorvel/kor/enum.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using kor::refuse_outside;
 using namespace abecs;
 
 struct AbecsCmdGoxBuilder : ParamBuilder {
@@ -18,8 +21,6 @@ struct AbecsCmdGoxBuilder : ParamBuilder {
 namespace {
 
 constexpr Command kGox{.id = "GOX"};
-constexpr uint8_t kMaxAcquirer = 99;
-constexpr uint8_t kMaxKeyIndex = 99;
 
 // 0 for the methods that have no working key.
 size_t working_key_size(AbecsSpeMthdPin_E method) {
@@ -42,15 +43,11 @@ AbecsCmdGoxBuilder* abecs_cmd_gox_builder_new(uint8_t acqRef, AbecsSpeMthdPin_E 
 
 void abecs_cmd_gox_builder_reset(AbecsCmdGoxBuilder* builder, uint8_t acqRef, AbecsSpeMthdPin_E mthdPin,
                                  uint8_t keyIdx) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (acqRef > kMaxAcquirer) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'acqRef': %d (min: 0, max: 99)", acqRef);
-    }
-    if (!kor_enum_is_valid_range(mthdPin, ABECS_SPE_MTHD_PIN_MK_WK_DES, ABECS_SPE_MTHD_PIN_DUKPT_TDES)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsSpeMthdPin_E", mthdPin);
-    }
-    if (keyIdx > kMaxKeyIndex) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'keyIdx': %d (min: 0, max: 99)", keyIdx);
+    if (refuse_null(builder, "'builder' is NULL")
+        || refuse_if(acqRef > kMaxIndex, "Invalid 'acqRef': %d (min: 0, max: 99)", acqRef)
+        || refuse_outside(mthdPin, ABECS_SPE_MTHD_PIN_MK_WK_DES, ABECS_SPE_MTHD_PIN_DUKPT_TDES, "AbecsSpeMthdPin_E")
+        || refuse_if(keyIdx > kMaxIndex, "Invalid 'keyIdx': %d (min: 0, max: 99)", keyIdx)) {
+        return;
     }
     reset_params(*builder);
     builder->mthdPin = mthdPin;
@@ -62,16 +59,15 @@ void abecs_cmd_gox_builder_reset(AbecsCmdGoxBuilder* builder, uint8_t acqRef, Ab
 void abecs_cmd_gox_builder_delete(AbecsCmdGoxBuilder** builder) { delete_builder(builder); }
 
 void abecs_cmd_gox_builder_wkenc(AbecsCmdGoxBuilder* builder, const uint8_t* wkenc, size_t szWkenc) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const size_t expected = working_key_size(builder->mthdPin);
     if (expected == 0) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "PIN encryption method (%s) does not use SPE_WKENC parameter",
                      mthd_pin_to_string(builder->mthdPin));
     }
-    if (wkenc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'wkenc' is NULL"); }
-    if (szWkenc != expected) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szWkenc' is invalid (expected: %zu, available: %zu)", expected,
-                     szWkenc);
+    if (refuse_null(wkenc, "'wkenc' is NULL")
+        || refuse_if(szWkenc != expected, "'szWkenc' is invalid (expected: %zu, available: %zu)", expected, szWkenc)) {
+        return;
     }
     add_bytes(builder, ABECS_SPE_ID_WKENC, wkenc, szWkenc);
 }
@@ -97,8 +93,7 @@ void abecs_cmd_gox_builder_goxopt(AbecsCmdGoxBuilder* builder, const char* goxOp
 void abecs_cmd_gox_builder_dspmsg(AbecsCmdGoxBuilder* builder, const char* dspMsg) { add_message(builder, dspMsg); }
 
 void abecs_cmd_gox_builder_trmpar(AbecsCmdGoxBuilder* builder, const uint8_t* trmPar) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (trmPar == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'trmPar' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(trmPar, "'trmPar' is NULL")) { return; }
     add_bytes(builder, ABECS_SPE_ID_TRMPAR, trmPar);
 }
 
@@ -115,8 +110,7 @@ void abecs_cmd_gox_builder_timeout(AbecsCmdGoxBuilder* builder, uint8_t timeout)
 }
 
 void abecs_cmd_gox(AbecsComm* pinpad, AbecsCmdGoxBuilder* builder) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(builder, "'builder' is NULL")) { return; }
     if (working_key_size(builder->mthdPin) != 0 && !has_param(*builder, ABECS_SPE_ID_WKENC)) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_WKENC not set");
     }
@@ -124,7 +118,6 @@ void abecs_cmd_gox(AbecsComm* pinpad, AbecsCmdGoxBuilder* builder) {
 }
 
 int32_t abecs_cmd_gox_response(AbecsComm* pinpad, AbecsRspParamMap* out, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return kRaised; }
     return poll(pinpad, kGox, Response::into(out), notification);
 }

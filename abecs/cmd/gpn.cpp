@@ -4,18 +4,21 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using kor::refuse_outside;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kGpn{.id = "GPN"};
-constexpr int kMaxKeyIdx = 99;
+constexpr Command kGpn{.id = "GPN"};
 constexpr size_t kKeyWidth = 32;
 constexpr size_t kPanWidth = 19;
-constexpr size_t kMessageWidth = 32;
 constexpr size_t kPinBlockWidth = 16;
 constexpr size_t kKsnWidth = 20;
 constexpr size_t kMinPan = 2;
@@ -37,8 +40,7 @@ bool has_working_key(const AbecsCmdGpnCmdData& data) {
     return data.method == ABECS_CMD_GPN_METHOD_MK_WK_DES || data.method == ABECS_CMD_GPN_METHOD_MK_WK_TDES;
 }
 
-// Each check is false when it has raised.
-bool check_key(const AbecsCmdGpnCmdData& data) {
+bool refuse_key(const AbecsCmdGpnCmdData& data) {
     size_t expected = 0;
     switch (data.method) {
         case ABECS_CMD_GPN_METHOD_MK_WK_DES:
@@ -49,55 +51,39 @@ bool check_key(const AbecsCmdGpnCmdData& data) {
             break;
         case ABECS_CMD_GPN_METHOD_DUKPT_DES:
         case ABECS_CMD_GPN_METHOD_DUKPT_TDES:
-            return true;
+            return false;
         default:
-            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
+            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), true;
     }
     const size_t length = length_of(data.wkEnc);
-    if (length == expected) { return true; }
-    return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->wkEnc': %zu (expected: %zu)", length,
-                 expected),
-           false;
+    return refuse_if(length != expected, "Invalid length for 'cmdData->wkEnc': %zu (expected: %zu)", length, expected);
 }
 
-bool check_entry(const AbecsCmdGpnEntry& entry, size_t i) {
-    if (entry.min < kMinDigits || entry.min > kMaxDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid value for 'cmdData->entries[%zu].min': %d", i, entry.min),
-               false;
-    }
-    if (entry.max < entry.min || entry.max > kMaxDigits) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid value for 'cmdData->entries[%zu].max': %d", i, entry.max),
-               false;
-    }
+bool refuse_entry(const AbecsCmdGpnEntry& entry, size_t i) {
     const size_t length = length_of(entry.msg);
-    if (length > kMessageWidth) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->entries[%zu].msg': %zu", i, length),
-               false;
-    }
-    return true;
+    return refuse_if(entry.min < kMinDigits || entry.min > kMaxDigits,
+                     "Invalid value for 'cmdData->entries[%zu].min': %d", i, entry.min)
+           || refuse_if(entry.max < entry.min || entry.max > kMaxDigits,
+                        "Invalid value for 'cmdData->entries[%zu].max': %d", i, entry.max)
+           || refuse_if(length > kMessageWidth, "Invalid length for 'cmdData->entries[%zu].msg': %zu", i, length);
 }
 
-bool check_data(const AbecsCmdGpnCmdData& data) {
-    if (data.method < ABECS_CMD_GPN_METHOD_MK_WK_DES || data.method > ABECS_CMD_GPN_METHOD_DUKPT_TDES) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsCmdGpnMethod_E", data.method),
-               false;
-    }
-    if (data.keyIdx > kMaxKeyIdx) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid value for 'cmdData->keyIdx': %d", data.keyIdx), false;
-    }
-    if (!check_key(data)) { return false; }
+bool refuse_data(const AbecsCmdGpnCmdData& data) {
     const size_t panLength = length_of(data.pan);
-    if ((panLength != 0 && panLength < kMinPan) || panLength > kPanWidth) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->pan': %zu", panLength), false;
-    }
-    if (data.entryCount == 0 || data.entryCount > kMaxEntries) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'cmdData->entryCount': %d", data.entryCount),
-               false;
+    if (refuse_outside(data.method, ABECS_CMD_GPN_METHOD_MK_WK_DES, ABECS_CMD_GPN_METHOD_DUKPT_TDES,
+                       "AbecsCmdGpnMethod_E")
+        || refuse_if(data.keyIdx > kMaxIndex, "Invalid value for 'cmdData->keyIdx': %d", data.keyIdx)
+        || refuse_key(data)
+        || refuse_if((panLength != 0 && panLength < kMinPan) || panLength > kPanWidth,
+                     "Invalid length for 'cmdData->pan': %zu", panLength)
+        || refuse_if(data.entryCount == 0 || data.entryCount > kMaxEntries,
+                     "Invalid length for 'cmdData->entryCount': %d", data.entryCount)) {
+        return true;
     }
     for (size_t i = 0; i < data.entryCount; ++i) {
-        if (!check_entry(data.entries[i], i)) { return false; }
+        if (refuse_entry(data.entries[i], i)) { return true; }
     }
-    return true;
+    return false;
 }
 
 void write_data(AbecsPacket* packet, const AbecsCmdGpnCmdData& data) {
@@ -124,17 +110,13 @@ void read_data(AbecsPacket* packet, AbecsCmdGpnRspData& out) {
 }  // namespace
 
 void abecs_cmd_gpn(AbecsComm* pinpad, const AbecsCmdGpnCmdData* cmdData) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (cmdData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdData' is NULL"); }
-    if (!check_data(*cmdData)) { return; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(cmdData, "'cmdData' is NULL")) { return; }
+    if (refuse_data(*cmdData)) { return; }
     send(pinpad, kGpn, Request::fields([&](AbecsPacket* packet) { write_data(packet, *cmdData); }));
 }
 
 int32_t abecs_cmd_gpn_response(AbecsComm* pinpad, AbecsCmdGpnRspData* rspDataOut, char* notification) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (rspDataOut == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'rspDataOut' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(rspDataOut, "'rspDataOut' is NULL")) { return kRaised; }
     return poll(pinpad, kGpn, Response::fields([&](AbecsPacket* packet) { read_data(packet, *rspDataOut); }),
                 notification);
 }

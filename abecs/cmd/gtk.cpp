@@ -4,15 +4,18 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/param_builder.h"
 #include "abecs/cmd/spe_mthd_rules.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/abecs/rsp_dat_id.h"
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 struct AbecsCmdGtkBuilder : ParamBuilder {
@@ -25,7 +28,6 @@ constexpr Command kGtk{.id = "GTK"};
 constexpr int32_t kNoMethod = -1;
 constexpr size_t kTracksLength = 4;
 constexpr int32_t kMaxOpenDigits = 8;
-constexpr uint8_t kMaxKeyIndex = 99;
 
 const char* name_of(const DataMethod& method) { return abecs_spe_mthd_dat_to_string(method.value); }
 
@@ -37,29 +39,22 @@ const DataMethod* method_of(const AbecsCmdGtkBuilder& builder) {
     return method;
 }
 
-// False, with an error raised, when the method needs more than was set. Without a method the tracks come in clear.
-bool check_complete(const AbecsCmdGtkBuilder& builder) {
+// Whether the method needs more than was set; an error has then been raised. Without a method the tracks come in clear.
+bool refuse_incomplete(const AbecsCmdGtkBuilder& builder) {
     const DataMethod* method = find_data_method(builder.mthdDat);
-    if (method == nullptr) { return true; }
-    if (method->has_key_index() && !has_param(builder, ABECS_SPE_ID_KEYIDX)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing SPE_KEYIDX (SPE_MTHDDAT: %s)", name_of(*method)), false;
-    }
-    if (method->workingKeySize != 0 && !has_param(builder, ABECS_SPE_ID_WKENC)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing SPE_WKENC (SPE_MTHDDAT: %s)", name_of(*method)), false;
-    }
+    if (method == nullptr) { return false; }
     const bool hasModulus = has_param(builder, ABECS_SPE_ID_PBKMOD);
-    if (method->has_public_key() && !(hasModulus && has_param(builder, ABECS_SPE_ID_PBKEXP))) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Missing %s (SPE_MTHDDAT: %s)",
-                     hasModulus ? "SPE_PBKEXP" : "SPE_PBKMOD", name_of(*method)),
-               false;
-    }
-    return true;
+    return refuse_if(method->has_key_index() && !has_param(builder, ABECS_SPE_ID_KEYIDX),
+                     "Missing SPE_KEYIDX (SPE_MTHDDAT: %s)", name_of(*method))
+           || refuse_if(method->workingKeySize != 0 && !has_param(builder, ABECS_SPE_ID_WKENC),
+                        "Missing SPE_WKENC (SPE_MTHDDAT: %s)", name_of(*method))
+           || refuse_if(method->has_public_key() && !(hasModulus && has_param(builder, ABECS_SPE_ID_PBKEXP)),
+                        "Missing %s (SPE_MTHDDAT: %s)", hasModulus ? "SPE_PBKEXP" : "SPE_PBKMOD", name_of(*method));
 }
 
 template <typename Value>
 Value* read_value(const AbecsRspParamMap* rspParams, AbecsRspDatId_E id, Value* out) {
-    if (rspParams == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'rspParams' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(rspParams, "'rspParams' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     const AbecsRspParamValue* value = abecs_rsp_param_map_get(rspParams, static_cast<uint16_t>(id));
     if (value == nullptr) { return nullptr; }
     out->size = value->size;
@@ -79,7 +74,7 @@ AbecsCmdGtkBuilder* abecs_cmd_gtk_builder_new(void) {
 }
 
 void abecs_cmd_gtk_builder_reset(AbecsCmdGtkBuilder* builder) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     reset_params(*builder);
     builder->mthdDat = kNoMethod;
 }
@@ -87,104 +82,102 @@ void abecs_cmd_gtk_builder_reset(AbecsCmdGtkBuilder* builder) {
 void abecs_cmd_gtk_builder_delete(AbecsCmdGtkBuilder** builder) { delete_builder(builder); }
 
 void abecs_cmd_gtk_builder_tracks(AbecsCmdGtkBuilder* builder, const char* tracks) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (tracks == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'tracks' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(tracks, "'tracks' is NULL")) { return; }
     const size_t length = kor_string_len(tracks);
-    if (length != kTracksLength) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid length for 'tracks' (expected: 4, requested: %zu)", length);
-    }
-    if (!abecs_data_is_numeric_field(tracks, length, nullptr)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "SPE_TRACKS: Invalid N field");
+    if (refuse_if(length != kTracksLength, "Invalid length for 'tracks' (expected: 4, requested: %zu)", length)
+        || refuse_if(!abecs_data_is_numeric_field(tracks, length, nullptr), "SPE_TRACKS: Invalid N field")) {
+        return;
     }
     add_bytes(builder, ABECS_SPE_ID_TRACKS, tracks);
 }
 
 void abecs_cmd_gtk_builder_mthd_dat(AbecsCmdGtkBuilder* builder, AbecsSpeMthdDat_E mthdDat) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (find_data_method(mthdDat) == nullptr) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "AbecsSpeMthdDat_E", mthdDat);
+    if (refuse_null(builder, "'builder' is NULL")
+        || refuse_if(find_data_method(mthdDat) == nullptr, "Invalid enumerator for %s: %d", "AbecsSpeMthdDat_E",
+                     mthdDat)) {
+        return;
     }
     if (add_number(builder, ABECS_SPE_ID_MTHDDAT, static_cast<uint64_t>(mthdDat))) { builder->mthdDat = mthdDat; }
 }
 
 void abecs_cmd_gtk_builder_iv_cbc(AbecsCmdGtkBuilder* builder, const uint8_t* ivCbc) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const DataMethod* method = method_of(*builder);
     if (method == nullptr) { return; }
     if (!method->chained) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not uses SPE_IVCBC", name_of(*method));
     }
-    if (ivCbc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'ivCbc' is NULL"); }
+    if (refuse_null(ivCbc, "'ivCbc' is NULL")) { return; }
     add_bytes(builder, ABECS_SPE_ID_IVCBC, ivCbc);
 }
 
 void abecs_cmd_gtk_builder_opn_dig(AbecsCmdGtkBuilder* builder, int32_t opnDig) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
-    if (opnDig < 0 || opnDig > kMaxOpenDigits || opnDig % 2 != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid enumerator for %s: %d", "SPE_OPNDIG", opnDig);
+    if (refuse_null(builder, "'builder' is NULL")
+        || refuse_if(opnDig < 0 || opnDig > kMaxOpenDigits || opnDig % 2 != 0, "Invalid enumerator for %s: %d",
+                     "SPE_OPNDIG", opnDig)) {
+        return;
     }
     add_number(builder, ABECS_SPE_ID_OPNDIG, static_cast<uint64_t>(opnDig));
 }
 
 void abecs_cmd_gtk_builder_key_idx(AbecsCmdGtkBuilder* builder, uint8_t keyIdx) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const DataMethod* method = method_of(*builder);
     if (method == nullptr) { return; }
     if (!method->has_key_index()) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not use SPE_KEYIDX", name_of(*method));
     }
-    if (keyIdx > kMaxKeyIndex) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key index (max: 99, requested: %d)", keyIdx);
-    }
+    if (refuse_if(keyIdx > kMaxIndex, "Invalid key index (max: 99, requested: %d)", keyIdx)) { return; }
     add_number(builder, ABECS_SPE_ID_KEYIDX, keyIdx);
 }
 
 void abecs_cmd_gtk_builder_wk_enc(AbecsCmdGtkBuilder* builder, const AbecsCmdGtkWkEnc* wkEnc) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const DataMethod* method = method_of(*builder);
     if (method == nullptr) { return; }
     if (method->workingKeySize == 0) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not uses SPE_WKENC", name_of(*method));
     }
-    if (wkEnc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'wkEnc' is NULL"); }
-    if (wkEnc->size != method->workingKeySize) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid size of SPE_WKENC (expected: %zu, requested: %zu)",
-                     method->workingKeySize, size_t{wkEnc->size});
+    if (refuse_null(wkEnc, "'wkEnc' is NULL")
+        || refuse_if(wkEnc->size != method->workingKeySize, "Invalid size of SPE_WKENC (expected: %zu, requested: %zu)",
+                     method->workingKeySize, size_t{wkEnc->size})) {
+        return;
     }
     add_bytes(builder, ABECS_SPE_ID_WKENC, wkEnc->data, wkEnc->size);
 }
 
 void abecs_cmd_gtk_builder_pbk_mod(AbecsCmdGtkBuilder* builder, const uint8_t* pbkMod) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const DataMethod* method = method_of(*builder);
     if (method == nullptr) { return; }
     if (!method->has_public_key()) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not use SPE_not SPE_PBKMOD", name_of(*method));
     }
-    if (pbkMod == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pbkMod' is NULL"); }
+    if (refuse_null(pbkMod, "'pbkMod' is NULL")) { return; }
     add_bytes(builder, ABECS_SPE_ID_PBKMOD, pbkMod);
 }
 
 void abecs_cmd_gtk_builder_pbk_exp(AbecsCmdGtkBuilder* builder, const AbecsCmdGtkPbkExp* pbkExp) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"); }
+    if (refuse_null(builder, "'builder' is NULL")) { return; }
     const DataMethod* method = method_of(*builder);
     if (method == nullptr) { return; }
     if (!method->has_public_key()) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not use SPE_not SPE_PBKEXP", name_of(*method));
     }
-    if (pbkExp == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pbkExp' is NULL"); }
-    if (pbkExp->size > sizeof pbkExp->data) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid size for SPE_PBKEXP (max: 3, requested: %zu)",
-                     size_t{pbkExp->size});
+    if (refuse_null(pbkExp, "'pbkExp' is NULL")
+        || refuse_if(pbkExp->size > sizeof pbkExp->data, "Invalid size for SPE_PBKEXP (max: 3, requested: %zu)",
+                     size_t{pbkExp->size})) {
+        return;
     }
     add_bytes(builder, ABECS_SPE_ID_PBKEXP, pbkExp->data, pbkExp->size);
 }
 
 int32_t abecs_cmd_gtk(AbecsComm* pinpad, AbecsCmdGtkBuilder* builder, AbecsRspParamMap* out) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), kRaised; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
-    if (!check_complete(*builder)) { return kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(builder, "'builder' is NULL")
+        || refuse_null(out, "'out' is NULL")) {
+        return kRaised;
+    }
+    if (refuse_incomplete(*builder)) { return kRaised; }
     return call(pinpad, kGtk, Request::built(builder->command), Response::into(out));
 }
 

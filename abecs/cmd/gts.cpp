@@ -2,15 +2,17 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/gts.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kGts{.id = "GTS", .unexpectedId = abecs::UnexpectedId::kTable};
-constexpr uint8_t kMaxIndex = 99;
+constexpr Command kGts{.id = "GTS", .unexpectedId = UnexpectedId::kTable};
 constexpr size_t kVersionWidth = 10;
 
 void read_version(AbecsPacket* packet, char* out) {
@@ -24,11 +26,10 @@ void read_version(AbecsPacket* packet, char* out) {
 }  // namespace
 
 int32_t abecs_cmd_gts(AbecsComm* pinpad, uint8_t acqIdx, char* out) {
-    using namespace abecs;
     if (acqIdx > kMaxIndex) {
         return raise(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid acqIdx: %d (maximum is 99)", acqIdx), kRaised;
     }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), kRaised; }
+    if (refuse_null(out, "'out' is NULL")) { return kRaised; }
     const int32_t stat = call(pinpad, kGts, Request::fields([&](AbecsPacket* packet) {
                                   abecs_packet_write_field_n(packet, 2, 3);
                                   abecs_packet_write_field_n(packet, acqIdx, 2);

@@ -5,15 +5,17 @@
 
 #include <cstddef>
 
+#include "abecs/data/limits.h"
 #include "abecs/data/param.h"
+#include "abecs/data/spe_param.h"
 
 // What the media file commands have in common.
 namespace abecs {
 
-inline constexpr size_t kMediaNameWidth = 8;
+inline constexpr size_t kMediaNameWidth = width_of(ABECS_SPE_ID_MFNAME);
 
 // One block of a file is one parameter, and no block of parameters holds more than one as long as this.
-inline constexpr size_t kMaxMediaBlock = 999 - kParamHead;
+inline constexpr size_t kMaxMediaBlock = kMaxBlock - kParamHead;
 static_assert(kMaxMediaBlock == 995);
 
 // The PIN pad's name for a file: in upper case. Only for names that were found to be short enough.
@@ -23,8 +25,8 @@ struct MediaName {
     explicit MediaName(const char* filename);
 };
 
-// False, with an error raised, for a name that cannot be loaded or shown.
-[[nodiscard]] bool check_media_name(const char* filename);
+// Whether the name cannot be loaded or shown; an error has then been raised.
+[[nodiscard]] bool refuse_media_name(const char* filename);
 
 }  // namespace abecs
 

@@ -2,19 +2,19 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/mle.h"
 
-#include "abecs/cmd/frame.h"
-#include "core/raise.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 
-using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kMle{.id = "MLE"};
+constexpr Command kMle{.id = "MLE"};
 
 }  // namespace
 
 int32_t abecs_cmd_mle(AbecsComm* pinpad) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
     return call(pinpad, kMle, Request::bare(), Response::status());
 }

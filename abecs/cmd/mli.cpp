@@ -2,24 +2,23 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/mli.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/media.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/abecs/spe_id.h"
 
-using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kMli{.id = "MLI"};
+constexpr Command kMli{.id = "MLI"};
 constexpr int kReserved = 3;  // zero bytes behind the type
 
 }  // namespace
 
 int32_t abecs_cmd_mli(AbecsComm* pinpad, const char* filename, uint32_t size, uint16_t crc, uint8_t type) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (!check_media_name(filename)) { return kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_media_name(filename)) { return kRaised; }
     const MediaName name(filename);
     return call(pinpad, kMli, Request::params([&](ParamWriter& params) {
                     params.put(ABECS_SPE_ID_MFNAME, [&](AbecsParam* param) {

@@ -2,32 +2,29 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/mlr.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/cmd/media.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/abecs/spe_id.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kMlr{.id = "MLR"};
+constexpr Command kMlr{.id = "MLR"};
 
 }  // namespace
 
 int32_t abecs_cmd_mlr(AbecsComm* pinpad, const uint8_t* data, size_t szData) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (data == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"), kRaised; }
-    if (szData > kMaxMediaBlock) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szData' is too big (max: %d, req: %zu)",
-                     static_cast<int>(kMaxMediaBlock), szData),
-               kRaised;
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(data, "'data' is NULL")
+        || refuse_if(szData > kMaxMediaBlock, "'szData' is too big (max: %d, req: %zu)",
+                     static_cast<int>(kMaxMediaBlock), szData)
+        || refuse_if(szData == 0, "'szData' is zero")) {
+        return kRaised;
     }
-    if (szData == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szData' is zero"), kRaised; }
-    return call(pinpad, kMlr, Request::params([&](ParamWriter& params) {
-                    params.put(ABECS_SPE_ID_DATAIN,
-                               [&](AbecsParam* param) { abecs_param_write_field_b(param, data, szData); });
-                }),
+    return call(pinpad, kMlr,
+                Request::params([&](ParamWriter& params) { params.bytes(ABECS_SPE_ID_DATAIN, data, szData); }),
                 Response::status());
 }

@@ -7,6 +7,7 @@
 
 #include "abecs/cmd/media.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/file.h"
 #include "core/raise.h"
 #include "quorvel/abecs/cmd/mle.h"
@@ -17,6 +18,9 @@
 #include "quorvel/kor/path.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
@@ -30,8 +34,9 @@ bool is_something_else(const char* path) {
 }
 
 KorFile* open(const char* path) {
-    if (path == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'path' is NULL"), nullptr; }
-    if (is_something_else(path)) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'path' is not a regular file"), nullptr; }
+    if (refuse_null(path, "'path' is NULL") || refuse_if(is_something_else(path), "'path' is not a regular file")) {
+        return nullptr;
+    }
     return kor::open_file(path, "rb");
 }
 
@@ -85,7 +90,7 @@ void require_ok(int32_t stat, const char* command) {
 // Never more than was announced, should the file have grown; one that has shrunk gives an empty block in the end,
 // which is refused.
 void send_blocks(AbecsComm* pinpad, KorFile* file, uint32_t left) {
-    uint8_t block[abecs::kMaxMediaBlock];
+    uint8_t block[kMaxMediaBlock];
     while (left != 0) {
         const size_t count = kor_file_read(file, block, std::min<size_t>(left, sizeof block), nullptr);
         left -= static_cast<uint32_t>(count);
@@ -96,7 +101,7 @@ void send_blocks(AbecsComm* pinpad, KorFile* file, uint32_t left) {
 }  // namespace
 
 void abecs_cmd_mlx(AbecsComm* pinpad, const char* path, const char* filename, uint8_t type) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
     with_file(path, [&](KorFile* file) {
         const uint32_t size = size_of(path);
         const uint16_t crc = crc_of(file);

@@ -5,7 +5,8 @@
 #include <cstring>
 #include <span>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/abecs/rsp_dat_id.h"
@@ -13,12 +14,15 @@
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kMnu{.id = "MNU"};
-constexpr size_t kMessageWidth = 128;
-constexpr size_t kOptionWidth = 24;
+constexpr Command kMnu{.id = "MNU"};
+constexpr size_t kMaxMessage = width_of(ABECS_SPE_ID_DSPMSG);
+constexpr size_t kOptionWidth = width_of(ABECS_SPE_ID_MNUOPT);
 constexpr size_t kMaxOptions = 20;
 constexpr size_t kChoiceWidth = 2;
 
@@ -32,23 +36,22 @@ struct Option {
     explicit Option(const Slot& slot) : length(strnlen(slot, sizeof slot)) { std::memcpy(text, slot, length); }
 };
 
-bool check_options(std::span<const Slot> slots) {
+bool refuse_options(std::span<const Slot> slots) {
     for (size_t i = 0; i < slots.size(); ++i) {
         const Option option(slots[i]);
-        if (!abecs_data_is_alphanumeric_field(option.text, option.length, nullptr)) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'Invalid menu option at index %zu: %s", i, option.text), false;
+        if (refuse_if(!abecs_data_is_alphanumeric_field(option.text, option.length, nullptr),
+                      "'Invalid menu option at index %zu: %s", i, option.text)) {
+            return true;
         }
     }
-    return true;
+    return false;
 }
 
-void write_menu(abecs::ParamWriter& params, uint8_t timeout, const char* dspMsg, std::span<const Slot> slots) {
-    if (timeout != 0) {
-        params.put(ABECS_SPE_ID_TIMEOUT, [&](AbecsParam* param) { abecs_param_write_field_x(param, timeout, 1); });
-    }
+void write_menu(ParamWriter& params, uint8_t timeout, const char* dspMsg, std::span<const Slot> slots) {
+    if (timeout != 0) { params.number(ABECS_SPE_ID_TIMEOUT, timeout); }
     if (dspMsg != nullptr && !kor_string_is_empty(dspMsg)) {
         params.put(ABECS_SPE_ID_DSPMSG,
-                   [&](AbecsParam* param) { abecs_param_write_field_s(param, dspMsg, kMessageWidth, true); });
+                   [&](AbecsParam* param) { abecs_param_write_field_s(param, dspMsg, kMaxMessage, true); });
     }
     for (const Slot& slot : slots) {
         params.put(ABECS_SPE_ID_MNUOPT, [&](AbecsParam* param) {
@@ -57,7 +60,7 @@ void write_menu(abecs::ParamWriter& params, uint8_t timeout, const char* dspMsg,
     }
 }
 
-void read_choice(abecs::ParamReader& params, uint32_t& out) {
+void read_choice(ParamReader& params, uint32_t& out) {
     AbecsParam* param = params.next();
     if (param == nullptr || abecs_param_get_id(param) != ABECS_RSP_DATID_PP_VALUE) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "PP_VALUE not present in response");
@@ -68,24 +71,19 @@ void read_choice(abecs::ParamReader& params, uint32_t& out) {
 }  // namespace
 
 void abecs_cmd_mnu(AbecsComm* pinpad, uint8_t timeout, const char* dspMsg, const char (*mnuOpts)[25], size_t numOpts) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (dspMsg != nullptr && kor_string_len(dspMsg) > kMessageWidth) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'dspMsg' is too long");
-    }
-    if (mnuOpts == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'mnuOpts' is NULL"); }
-    if (numOpts == 0 || numOpts > kMaxOptions) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid numOpts: %zu (min: 1, max: 20)", numOpts);
+    if (refuse_null(pinpad, "'pinpad' is NULL")
+        || refuse_if(dspMsg != nullptr && kor_string_len(dspMsg) > kMaxMessage, "'dspMsg' is too long")
+        || refuse_null(mnuOpts, "'mnuOpts' is NULL")
+        || refuse_if(numOpts == 0 || numOpts > kMaxOptions, "Invalid numOpts: %zu (min: 1, max: 20)", numOpts)) {
+        return;
     }
     const std::span slots(mnuOpts, numOpts);
-    if (!check_options(slots)) { return; }
+    if (refuse_options(slots)) { return; }
     send(pinpad, kMnu, Request::params([&](ParamWriter& params) { write_menu(params, timeout, dspMsg, slots); }));
 }
 
 int32_t abecs_cmd_mnu_response(AbecsComm* pinpad, uint32_t* optOut, char* notification) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (optOut == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'optOut' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(optOut, "'optOut' is NULL")) { return kRaised; }
     return poll(pinpad, kMnu, Response::params([&](ParamReader& params) { read_choice(params, *optOut); }),
                 notification);
 }

@@ -4,18 +4,21 @@
 
 #include <cstring>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "abecs/data/flag.h"
 #include "abecs/data/packet.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/crypt/rsa.h"
 
 using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kOpn{.id = "OPN", .unexpectedId = abecs::UnexpectedId::kClosed};
+constexpr Command kOpn{.id = "OPN", .unexpectedId = UnexpectedId::kClosed};
 constexpr size_t kModulusLength = 256;
 constexpr uint32_t kPublicExponent = 65537;
 constexpr size_t kExponentWidth = 6;
@@ -45,7 +48,7 @@ void read_cryptogram(AbecsPacket* packet, Block& out) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "(%s) Invalid OPN_CRKSLEN: %d", kOpn.name,
                      static_cast<int>(cryptogramLength));
     }
-    abecs::read_field_h_bytes(packet, out, sizeof out, 2 * kModulusLength);
+    read_field_h_bytes(packet, out, sizeof out, 2 * kModulusLength);
 }
 
 // The session key at the end of a block of type 2: 00 02, filling without zeros, 00, key.
@@ -73,7 +76,6 @@ void take_session_key(AbecsComm* pinpad, AbecsPacket* packet, const CryptRsaKey*
 }
 
 int32_t open_secure(AbecsComm* pinpad) {
-    using namespace abecs;
     CryptRsaKey* key = nullptr;
     CryptRsaPublicKey publicKey{};
     Block block;
@@ -100,7 +102,6 @@ int32_t open_secure(AbecsComm* pinpad) {
 }  // namespace
 
 int32_t abecs_cmd_opn(AbecsComm* pinpad, bool secure) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
     return is_set(secure) ? open_secure(pinpad) : call(pinpad, kOpn, Request::bare(), Response::status());
 }

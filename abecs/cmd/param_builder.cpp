@@ -3,65 +3,20 @@
 #include "abecs/cmd/param_builder.h"
 
 #include "abecs/cmd/builder.h"
-#include "abecs/data/enum_table.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/int_set.h"
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 namespace {
 
 constexpr uint32_t kIdCapacity = 16;
 constexpr uint16_t kMaxCurrency = 999;
-constexpr size_t kMaxMessage = 128;
-
-// kOwn: the setter knows how.
-enum class Form : uint8_t { kOwn, kDigits, kBinary, kBytes };
-
-struct Row {
-    AbecsSpeId_E value;
-    const char* name;
-    Form form = Form::kOwn;
-    uint16_t width = 0;
-};
-
-constexpr std::array<Row, 29> kParams{{
-    {ABECS_SPE_ID_MTHDPIN, "SPE_MTHDPIN", Form::kDigits, 1},
-    {ABECS_SPE_ID_MTHDDAT, "SPE_MTHDDAT", Form::kDigits, 2},
-    {ABECS_SPE_ID_TAGLIST, "SPE_TAGLIST"},
-    {ABECS_SPE_ID_EMVDATA, "SPE_EMVDATA"},
-    {ABECS_SPE_ID_TRACKS, "SPE_TRACKS", Form::kBytes, 4},
-    {ABECS_SPE_ID_OPNDIG, "SPE_OPNDIG", Form::kDigits, 1},
-    {ABECS_SPE_ID_KEYIDX, "SPE_KEYIDX", Form::kDigits, 2},
-    {ABECS_SPE_ID_WKENC, "SPE_WKENC"},
-    {ABECS_SPE_ID_TIMEOUT, "SPE_TIMEOUT", Form::kBinary, 1},
-    {ABECS_SPE_ID_DATAIN, "SPE_DATAIN"},
-    {ABECS_SPE_ID_ACQREF, "SPE_ACQREF", Form::kDigits, 2},
-    {ABECS_SPE_ID_APPTYPE, "SPE_APPTYPE"},
-    {ABECS_SPE_ID_AIDLIST, "SPE_AIDLIST"},
-    {ABECS_SPE_ID_AMOUNT, "SPE_AMOUNT", Form::kDigits, 12},
-    {ABECS_SPE_ID_CASHBACK, "SPE_CASHBACK", Form::kDigits, 12},
-    {ABECS_SPE_ID_TRNDATE, "SPE_TRNDATE", Form::kBytes, 6},
-    {ABECS_SPE_ID_TRNTIME, "SPE_TRNTIME", Form::kBytes, 6},
-    {ABECS_SPE_ID_GCXOPT, "SPE_GCXOPT", Form::kBytes, 5},
-    {ABECS_SPE_ID_GOXOPT, "SPE_GOXOPT", Form::kBytes, 5},
-    {ABECS_SPE_ID_FCXOPT, "SPE_FCXOPT", Form::kBytes, 4},
-    {ABECS_SPE_ID_TRMPAR, "SPE_TRMPAR", Form::kBytes, 10},
-    {ABECS_SPE_ID_DSPMSG, "SPE_DSPMSG"},
-    {ABECS_SPE_ID_ARC, "SPE_ARC", Form::kBytes, 2},
-    {ABECS_SPE_ID_IVCBC, "SPE_IVCBC", Form::kBytes, 8},
-    {ABECS_SPE_ID_TRNTYPE, "SPE_TRNTYPE", Form::kBinary, 1},
-    {ABECS_SPE_ID_TRNCURR, "SPE_TRNCURR", Form::kDigits, 3},
-    {ABECS_SPE_ID_PANMASK, "SPE_PANMASK", Form::kBytes, 4},
-    {ABECS_SPE_ID_PBKMOD, "SPE_PBKMOD", Form::kBytes, 256},
-    {ABECS_SPE_ID_PBKEXP, "SPE_PBKEXP"},
-}};
-static_assert(abecs::is_sorted_and_unique(kParams));
-
-const Row& row_of(AbecsSpeId_E id) { return *abecs::find_row(kParams, id); }
-
 }  // namespace
 
 namespace abecs {
@@ -84,7 +39,7 @@ void release_params(ParamBuilder& builder) {
 bool has_param(const ParamBuilder& builder, AbecsSpeId_E id) { return kor_int_set_contains(builder.ids, id); }
 
 bool add_param(ParamBuilder* builder, AbecsSpeId_E id, WriteParam write) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), false; }
+    if (refuse_null(builder, "'builder' is NULL")) { return false; }
     AbecsParam* param = nullptr;
     bool added = false;
     const BuilderState before = save_builder(builder->command);
@@ -92,7 +47,7 @@ bool add_param(ParamBuilder* builder, AbecsSpeId_E id, WriteParam write) {
         param = abecs_param_new();
         abecs_param_set_id(param, static_cast<uint16_t>(id));
         write(param);
-        if (has_param(*builder, id)) { return raise(KOR_RESULT_ILLEGAL_STATE, "%s already set", row_of(id).name); }
+        if (has_param(*builder, id)) { return raise(KOR_RESULT_ILLEGAL_STATE, "%s already set", spe_param(id).name); }
         abecs_cmd_builder_add_param(builder->command, param);
         kor_int_set_put(builder->ids, id);
         added = true;
@@ -105,27 +60,20 @@ bool add_param(ParamBuilder* builder, AbecsSpeId_E id, WriteParam write) {
     return added;
 }
 
-bool add_number(ParamBuilder* builder, AbecsSpeId_E id, uint64_t value) {
-    return add_param(builder, id, [&](AbecsParam* param) {
-        const Row& row = row_of(id);
-        if (row.form == Form::kBinary) {
-            abecs_param_write_field_x(param, static_cast<uint32_t>(value), row.width);
-        } else {
-            abecs_param_write_field_n(param, value, row.width);
-        }
-    });
+bool add_number(ParamBuilder* builder, SpeNumber id, uint64_t value) {
+    return add_param(builder, id.id, [&](AbecsParam* param) { write_number(param, id, value); });
 }
 
 bool add_bytes(ParamBuilder* builder, AbecsSpeId_E id, const void* bytes, size_t size) {
     return add_param(builder, id, [&](AbecsParam* param) { abecs_param_write_field_b(param, bytes, size); });
 }
 
-bool add_bytes(ParamBuilder* builder, AbecsSpeId_E id, const void* bytes) {
-    return add_bytes(builder, id, bytes, row_of(id).width);
+bool add_bytes(ParamBuilder* builder, SpeBytes id, const void* bytes) {
+    return add_bytes(builder, id.id, bytes, spe_param(id.id).width);
 }
 
-bool check_digits(AbecsSpeId_E id, const char* text, const char* name) {
-    const size_t width = row_of(id).width;
+bool check_digits(SpeBytes id, const char* text, const char* name) {
+    const size_t width = spe_param(id.id).width;
     bool good = false;
     kor::attempt([&] {
         abecs_data_check_n_string(text, name, width, width);
@@ -134,47 +82,42 @@ bool check_digits(AbecsSpeId_E id, const char* text, const char* name) {
     return good;
 }
 
-bool add_digits(ParamBuilder* builder, AbecsSpeId_E id, const char* text, const char* name) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), false; }
+bool add_digits(ParamBuilder* builder, SpeBytes id, const char* text, const char* name) {
+    if (refuse_null(builder, "'builder' is NULL")) { return false; }
     return check_digits(id, text, name) && add_bytes(builder, id, text);
 }
 
 bool add_currency(ParamBuilder* builder, uint16_t trnCurr) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), false; }
-    if (trnCurr > kMaxCurrency) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'trnCurr' (maximum: 999, requested: %d)", trnCurr), false;
+    if (refuse_null(builder, "'builder' is NULL")
+        || refuse_if(trnCurr > kMaxCurrency, "Invalid 'trnCurr' (maximum: 999, requested: %d)", trnCurr)) {
+        return false;
     }
     return add_number(builder, ABECS_SPE_ID_TRNCURR, trnCurr);
 }
 
 bool add_emv_data(ParamBuilder* builder, const AbecsEmvData* emvData) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), false; }
-    if (emvData == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'emvData' is NULL"), false; }
-    if (emvData->szData > sizeof emvData->data) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'emvData->szData' is too long (size: %zu, maximum: %d)",
-                     emvData->szData, static_cast<int>(sizeof emvData->data)),
-               false;
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(emvData, "'emvData' is NULL")
+        || refuse_if(emvData->szData > sizeof emvData->data, "'emvData->szData' is too long (size: %zu, maximum: %d)",
+                     emvData->szData, static_cast<int>(sizeof emvData->data))) {
+        return false;
     }
     return add_bytes(builder, ABECS_SPE_ID_EMVDATA, emvData->data, emvData->szData);
 }
 
 bool add_tag_list(ParamBuilder* builder, const AbecsTagList* tagList) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), false; }
-    if (tagList == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'tagList' is NULL"), false; }
-    if (tagList->szData > sizeof tagList->data) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'tagList' is too long (size: %zu, maximum: %d)", tagList->szData,
-                     static_cast<int>(sizeof tagList->data)),
-               false;
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(tagList, "'tagList' is NULL")
+        || refuse_if(tagList->szData > sizeof tagList->data, "'tagList' is too long (size: %zu, maximum: %d)",
+                     tagList->szData, static_cast<int>(sizeof tagList->data))) {
+        return false;
     }
     return add_bytes(builder, ABECS_SPE_ID_TAGLIST, tagList->data, tagList->szData);
 }
 
 bool add_message(ParamBuilder* builder, const char* dspMsg) {
-    if (builder == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'builder' is NULL"), false; }
-    if (dspMsg == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'dspMsg' is NULL"), false; }
+    if (refuse_null(builder, "'builder' is NULL") || refuse_null(dspMsg, "'dspMsg' is NULL")) { return false; }
     const size_t length = kor_string_len(dspMsg);
-    if (length > kMaxMessage) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'dspMsg' is too long (length: %zu, max: 128)", length), false;
+    if (refuse_if(length > width_of(ABECS_SPE_ID_DSPMSG), "'dspMsg' is too long (length: %zu, max: 128)", length)) {
+        return false;
     }
     return add_param(builder, ABECS_SPE_ID_DSPMSG,
                      [&](AbecsParam* param) { abecs_param_write_field_s(param, dspMsg, length, true); });

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "abecs/data/spe_param.h"
 #include "core/attempt.h"
 #include "core/function_ref.h"
 #include "quorvel/abecs/cmd/builder.h"
@@ -70,15 +71,15 @@ using WriteParam = kor::FunctionRef<void(AbecsParam*)>;
 bool add_param(ParamBuilder* builder, AbecsSpeId_E id, WriteParam write);
 
 // One number, in as many digits or bytes as the parameter has.
-bool add_number(ParamBuilder* builder, AbecsSpeId_E id, uint64_t value);
+bool add_number(ParamBuilder* builder, SpeNumber id, uint64_t value);
 
 // Bytes as they are: so many, or as many as the parameter always has.
 bool add_bytes(ParamBuilder* builder, AbecsSpeId_E id, const void* bytes, size_t size);
-bool add_bytes(ParamBuilder* builder, AbecsSpeId_E id, const void* bytes);
+bool add_bytes(ParamBuilder* builder, SpeBytes id, const void* bytes);
 
 // False, with an error raised that calls the text `name`, when it is not as many digits as the parameter has.
-[[nodiscard]] bool check_digits(AbecsSpeId_E id, const char* text, const char* name);
-bool add_digits(ParamBuilder* builder, AbecsSpeId_E id, const char* text, const char* name);
+[[nodiscard]] bool check_digits(SpeBytes id, const char* text, const char* name);
+bool add_digits(ParamBuilder* builder, SpeBytes id, const char* text, const char* name);
 
 bool add_currency(ParamBuilder* builder, uint16_t trnCurr);
 bool add_emv_data(ParamBuilder* builder, const AbecsEmvData* emvData);

@@ -2,19 +2,19 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/tle.h"
 
-#include "abecs/cmd/frame.h"
-#include "core/raise.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 
-using kor::raise;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kTle{.id = "TLE", .unexpectedId = abecs::UnexpectedId::kTable};
+constexpr Command kTle{.id = "TLE", .unexpectedId = UnexpectedId::kTable};
 
 }  // namespace
 
 int32_t abecs_cmd_tle(AbecsComm* pinpad) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
     return call(pinpad, kTle, Request::bare(), Response::status());
 }

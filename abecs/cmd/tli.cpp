@@ -2,31 +2,32 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/cmd/tli.h"
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kTli{.id = "TLI", .unexpectedId = abecs::UnexpectedId::kTable};
-constexpr uint8_t kMaxIndex = 99;
+constexpr Command kTli{.id = "TLI", .unexpectedId = UnexpectedId::kTable};
 constexpr size_t kVersionWidth = 10;
 
 }  // namespace
 
 int32_t abecs_cmd_tli(AbecsComm* pinpad, uint8_t acqIdx, const char* tabVer) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
     if (acqIdx > kMaxIndex) {
         return raise(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid 'acqIdx': %d (maximum is 99)", acqIdx), kRaised;
     }
-    if (tabVer == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'tabVer' is NULL"), kRaised; }
+    if (refuse_null(tabVer, "'tabVer' is NULL")) { return kRaised; }
     const size_t length = kor_string_len(tabVer);
-    if (length > kVersionWidth) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid 'tabVer' length: %d (max: 10)", static_cast<int>(length)),
-               kRaised;
+    if (refuse_if(length > kVersionWidth, "Invalid 'tabVer' length: %d (max: 10)", static_cast<int>(length))) {
+        return kRaised;
     }
     return call(pinpad, kTli, Request::fields([&](AbecsPacket* packet) {
                     abecs_packet_write_field_n(packet, 2 + kVersionWidth, 3);

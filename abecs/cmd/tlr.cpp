@@ -4,8 +4,9 @@
 
 #include <optional>
 
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/buffer.h"
@@ -13,10 +14,13 @@
 #include "quorvel/kor/string_set.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
+using namespace abecs;
 
 namespace {
 
-constexpr abecs::Command kTlr{.id = "TLR", .unexpectedId = abecs::UnexpectedId::kTable};
+constexpr Command kTlr{.id = "TLR", .unexpectedId = UnexpectedId::kTable};
 constexpr size_t kMaxData = 999;  // what a three-digit length can say
 constexpr size_t kCountWidth = 2;
 constexpr size_t kMaxText = kMaxData - kCountWidth;
@@ -67,13 +71,12 @@ void walk(KorBuffer* text, KorSet* keys, Batch& batch) {
 }
 
 void check_batch(const Batch& batch) {
-    if (batch.duplicate) {
+    if (const auto& key = batch.duplicate) {
         return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Duplicate key (TAB_ID: %d, TAB_ACQ: %02d, TAB_RECIDX: %s)",
-                     batch.duplicate->table, batch.duplicate->acquirer, batch.duplicate->index);
+                     key->table, key->acquirer, key->index);
     }
     if (batch.count > kMaxRecords) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Too many records (maximum: %zu, requested: %zu)", kMaxRecords,
-                     batch.count);
+        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Too many records (maximum: %zu, requested: %zu)", kMaxRecords, batch.count);
     }
 }
 
@@ -117,14 +120,11 @@ std::optional<size_t> parse_records(const char* records, size_t length) {
 }  // namespace
 
 int32_t abecs_cmd_tlr(AbecsComm* pinpad, const char* records) {
-    using namespace abecs;
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
-    if (records == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'records' is NULL"), kRaised; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(records, "'records' is NULL")) { return kRaised; }
     const size_t length = kor_string_len(records);
-    if (length > kMaxText) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'records' is too big (maximum: %d, requested: %d)",
-                     static_cast<int>(kMaxText), static_cast<int>(length)),
-               kRaised;
+    if (refuse_if(length > kMaxText, "'records' is too big (maximum: %d, requested: %d)", static_cast<int>(kMaxText),
+                  static_cast<int>(length))) {
+        return kRaised;
     }
     const std::optional<size_t> count = parse_records(records, length);
     if (!count) { return kRaised; }

@@ -10,7 +10,9 @@
 #include "abecs/comm/secure.h"
 #include "abecs/comm/transport.h"
 #include "abecs/comm/wire.h"
+#include "abecs/data/limits.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/crc16.h"
 #include "quorvel/kor/heap.h"
@@ -18,6 +20,8 @@
 #include "quorvel/kor/system.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 namespace {
 
@@ -30,7 +34,6 @@ constexpr KorSerialConfig kSerialConfig{
     .flowControl = KOR_SERIAL_FLOW_CONTROL_NONE,
 };
 
-constexpr size_t kCmdIdLen = 3;
 constexpr const char* kNeverEncrypted = "OPN";
 
 AbecsComm* new_link() {
@@ -38,11 +41,11 @@ AbecsComm* new_link() {
     return memory != nullptr ? new (memory) AbecsComm{} : nullptr;
 }
 
-// True when the link can be used; raises otherwise.
-bool check_free(const AbecsComm* link) {
-    if (link == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), false; }
-    if (!abecs::is_blocked(link)) { return true; }
-    return raise(KOR_RESULT_ILLEGAL_STATE, "Connection is blocked waiting for %s response", link->blkWaitId), false;
+// Whether the link cannot be used now; an error has then been raised.
+bool refuse_busy(const AbecsComm* link) {
+    if (refuse_null(link, "'pinpad' is NULL")) { return true; }
+    if (!abecs::is_blocked(link)) { return false; }
+    return raise(KOR_RESULT_ILLEGAL_STATE, "Connection is blocked waiting for %s response", link->blkWaitId), true;
 }
 
 void connect(AbecsComm* link, const char* portName) {
@@ -97,16 +100,15 @@ void abecs_comm_close(AbecsComm** pinpad) {
 }
 
 void abecs_comm_send_can(AbecsComm* pinpad) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
     kor::attempt([&] { abecs::cancel(pinpad); }).run();
 }
 
 void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
-    if (packet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(packet, "'packet' is NULL")) { return; }
     AbecsPacket* encrypted = nullptr;
     kor::attempt([&] {
-        char id[kCmdIdLen + 1] = "";
+        char id[abecs::kIdWidth + 1] = "";
         abecs_comm_get_cmd_id(packet, id, sizeof id);
         if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) {
             encrypted = abecs::secure_encrypt(pinpad, packet);
@@ -118,8 +120,7 @@ void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
 }
 
 AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     AbecsPacket* response = nullptr;
     kor::attempt([&] {
         if (abecs::receive(pinpad, out)) { abecs::secure_decrypt(pinpad, out); }
@@ -128,36 +129,35 @@ AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out) {
     return response;
 }
 
-void abecs_comm_check_busy(const AbecsComm* pinpad) { check_free(pinpad); }
+void abecs_comm_check_busy(const AbecsComm* pinpad) { refuse_busy(pinpad); }
 
 void abecs_comm_lock(AbecsComm* pinpad, const char* cmdId) {
-    if (!check_free(pinpad)) { return; }
-    if (cmdId == nullptr || *cmdId == '\0') { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "NULL/empty 'cmdId'"); }
-    if (std::strlen(cmdId) > abecs::kMaxBlkWaitId) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'cmdId' is too long: %s", cmdId);
+    if (refuse_busy(pinpad)) { return; }
+    if (refuse_if(cmdId == nullptr || *cmdId == '\0', "NULL/empty 'cmdId'")
+        || refuse_if(std::strlen(cmdId) > abecs::kMaxBlkWaitId, "'cmdId' is too long: %s", cmdId)) {
+        return;
     }
     kor_string_copy(pinpad->blkWaitId, cmdId);
 }
 
 void abecs_comm_release(AbecsComm* pinpad) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
     pinpad->blkWaitId[0] = '\0';
 }
 
 const char* abecs_comm_get_blk_wait_id(const AbecsComm* pinpad) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), ""; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return ""; }
     return pinpad->blkWaitId;
 }
 
 // Restored on an error too, so that a packet with a bad id is left as it came.
 char* abecs_comm_get_cmd_id(AbecsPacket* packet, char* out, size_t sizeOut) {
-    if (packet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(packet, "'packet' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     KorBufferState start;
     abecs_packet_save_state(packet, &start);
     char* id = nullptr;
     kor::attempt([&] {
-        id = abecs_packet_read_field_a(packet, out, sizeOut, kCmdIdLen, false);
+        id = abecs_packet_read_field_a(packet, out, sizeOut, abecs::kIdWidth, false);
     }).cleanup([&] {
           abecs_packet_set_state(packet, &start);
       }).run();
@@ -165,17 +165,17 @@ char* abecs_comm_get_cmd_id(AbecsPacket* packet, char* out, size_t sizeOut) {
 }
 
 void abecs_comm_set_send_interval(AbecsComm* pinpad, int64_t interval) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"); }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
     pinpad->sendInterval = interval;
 }
 
 int64_t abecs_comm_get_send_interval(const AbecsComm* pinpad) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), 0; }
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return 0; }
     return pinpad->sendInterval;
 }
 
 void abecs_comm_set_key(AbecsComm* pinpad, const uint8_t* key) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "pinpad is NULL"); }
+    if (refuse_null(pinpad, "pinpad is NULL")) { return; }
     pinpad->keySet = key != nullptr;
     if (key == nullptr) { return explicit_bzero(pinpad->key.data(), pinpad->key.size()); }
     std::memcpy(pinpad->key.data(), key, pinpad->key.size());
@@ -183,8 +183,15 @@ void abecs_comm_set_key(AbecsComm* pinpad, const uint8_t* key) {
 
 // Without a record it is the session key whose bytes go, while its flag stays: a session that is still open goes on
 // under a key of zeros. The PAN key stays in the handle until it is closed.
+void abecs::copy_pan_key(const AbecsComm* link, AbecsWkPan& out) {
+    out.type = link->wkPanType;
+    std::memcpy(out.key, link->wkPanKey.data(), sizeof out.key);
+}
+
+void abecs::expect_protected_pan(AbecsComm* link) { link->panProtected = true; }
+
 void abecs_comm_set_wk_pan(AbecsComm* pinpad, const AbecsWkPan* wkPan) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "pinpad is NULL"); }
+    if (refuse_null(pinpad, "pinpad is NULL")) { return; }
     pinpad->panProtected = wkPan != nullptr;
     pinpad->panKeyInstalled = wkPan != nullptr;
     if (wkPan == nullptr) { return explicit_bzero(pinpad->key.data(), pinpad->key.size()); }
@@ -193,7 +200,7 @@ void abecs_comm_set_wk_pan(AbecsComm* pinpad, const AbecsWkPan* wkPan) {
 }
 
 uint16_t abecs_comm_crc16(AbecsPacket* packet, const uint8_t* prefix, const uint8_t* suffix) {
-    if (packet == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), uint16_t{0}; }
+    if (refuse_null(packet, "'packet' is NULL")) { return uint16_t{0}; }
     uint16_t crc = abecs::kCrc16.initial;
     if (prefix != nullptr) { crc = abecs::crc16_update(crc, *prefix); }
     KorBufferState start;

@@ -35,6 +35,16 @@ namespace abecs {
 
 [[nodiscard]] inline bool is_blocked(const AbecsComm* link) { return link->blkWaitId[0] != '\0'; }
 
+// Whether card responses come in the layout of protected mode, and whether their card data can be deciphered too.
+[[nodiscard]] inline bool is_pan_protected(const AbecsComm* link) { return link->panProtected; }
+[[nodiscard]] inline bool has_pan_key(const AbecsComm* link) { return link->panKeyInstalled; }
+
+// A copy of the PAN working key, to be wiped; only of a link that has one.
+void copy_pan_key(const AbecsComm* link, AbecsWkPan& out);
+
+// For an application that deciphers by itself: the layout of protected mode, without a key.
+void expect_protected_pan(AbecsComm* link);
+
 }  // namespace abecs
 
 #endif

@@ -4,14 +4,14 @@
 
 #include <span>
 
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/abecs/crc16.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 void abecs_crc16(const void* data, size_t length, uint16_t* crc) {
-    if (data == nullptr && length != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
-    if (crc == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'crc' is NULL"); }
+    if (refuse_if(data == nullptr && length != 0, "'data' is NULL") || refuse_null(crc, "'crc' is NULL")) { return; }
     for (const uint8_t byte : std::span(static_cast<const uint8_t*>(data), length)) {
         *crc = abecs::crc16_update(*crc, byte);
     }

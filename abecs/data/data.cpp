@@ -6,10 +6,13 @@
 #include <cstring>
 
 #include "abecs/data/codec.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/endianness.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 namespace {
@@ -64,11 +67,9 @@ bool codec::require(const KorBuffer* buffer, size_t length) {
 
 bool codec::append_x(KorBuffer* buffer, uint32_t data, size_t fieldLen) {
     if (!is_x_length(fieldLen)) { return raise_x_length(fieldLen), false; }
-    if (fieldLen == 1 && data > UINT8_MAX) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (1) is not enough for data (%u)", data), false;
-    }
-    if (fieldLen == 2 && data > UINT16_MAX) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (2) is not enough for data (%u)", data), false;
+    if (refuse_if(fieldLen == 1 && data > UINT8_MAX, "fieldLen (1) is not enough for data (%u)", data)
+        || refuse_if(fieldLen == 2 && data > UINT16_MAX, "fieldLen (2) is not enough for data (%u)", data)) {
+        return false;
     }
     const uint32_t bigEndian = kor_endianness_htobe32(data << (8 * (sizeof data - fieldLen)));
     return append(buffer, &bigEndian, fieldLen);
@@ -96,30 +97,25 @@ uint32_t abecs_data_read_field_x(KorBuffer* buffer, size_t fieldLen) {
 }
 
 void abecs_data_write_field_b(KorBuffer* buffer, const void* data, size_t dataLen) {
-    if (data == nullptr && dataLen != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
+    if (refuse_if(data == nullptr && dataLen != 0, "'data' is NULL")) { return; }
     kor_buffer_write(buffer, data, dataLen);
 }
 
 size_t abecs_data_read_field_b(KorBuffer* buffer, void* to, size_t sizeTo, size_t dataLen) {
-    if (to != nullptr && sizeTo < dataLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT,
-                     "Destination array does not have enough size to store all data (requested: %zu, available: %zu)",
-                     dataLen, sizeTo),
-               0;
+    if (refuse_if(to != nullptr && sizeTo < dataLen,
+                  "Destination array does not have enough size to store all data (requested: %zu, available: %zu)",
+                  dataLen, sizeTo)) {
+        return 0;
     }
     return codec::require(buffer, dataLen) ? kor_buffer_read(buffer, to, dataLen) : 0;
 }
 
 void abecs_data_check_n_string(const char* text, const char* argName, size_t maxLen, size_t minLen) {
-    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is NULL", argName); }
+    if (refuse_if(text == nullptr, "'%s' is NULL", argName)) { return; }
     const size_t length = std::strlen(text);
-    if (length > maxLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is too long (maximum: %zu, requested: %zu)", argName, maxLen,
-                     length);
-    }
-    if (length < minLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is too short (minimum: %zu, requested: %zu)", argName, minLen,
-                     length);
+    if (refuse_if(length > maxLen, "'%s' is too long (maximum: %zu, requested: %zu)", argName, maxLen, length)
+        || refuse_if(length < minLen, "'%s' is too short (minimum: %zu, requested: %zu)", argName, minLen, length)) {
+        return;
     }
     size_t bad = 0;
     if (!abecs_data_is_numeric_field(text, length, &bad)) {
@@ -139,10 +135,9 @@ bool abecs_data_is_alphanumeric_field(const char* text, size_t length, size_t* o
 }
 
 void abecs_data_validate_date(const AbecsDate* date) {
-    if (date == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'date' is NULL"); }
-    if (date->year > 99) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid year: %d", date->year); }
-    if (date->month == 0 || date->month > 12) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid month: %d", date->month);
+    if (refuse_null(date, "'date' is NULL") || refuse_if(date->year > 99, "Invalid year: %d", date->year)
+        || refuse_if(date->month == 0 || date->month > 12, "Invalid month: %d", date->month)) {
+        return;
     }
     if (date->day == 0 || date->day > days_in(*date)) {
         raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid date (YY-MM-DD): %02d-%02d-%02d", date->year, date->month,
@@ -151,18 +146,22 @@ void abecs_data_validate_date(const AbecsDate* date) {
 }
 
 void abecs_data_validate_time(const AbecsTime* time) {
-    if (time == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'time' is NULL"); }
-    if (time->hours > 23) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hours: %d", time->hours); }
-    if (time->minutes > 59) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid minutes: %d", time->minutes); }
+    if (refuse_null(time, "'time' is NULL") || refuse_if(time->hours > 23, "Invalid hours: %d", time->hours)
+        || refuse_if(time->minutes > 59, "Invalid minutes: %d", time->minutes)) {
+        return;
+    }
     if (time->seconds > 59) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid seconds: %d", time->seconds); }
 }
 
 char* abecs_data_to_hex(const uint8_t* data, size_t szData, char* to, size_t sizeTo) {
-    if (data == nullptr && szData != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"), to; }
-    if (data != nullptr && szData == 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szData' is zero"), to; }
-    if (to == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'to' is NULL"), nullptr; }
-    if (sizeTo == 0 || (sizeTo - 1) / 2 < szData) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Destination buffer does not have enough room for encoded data"), to;
+    if (refuse_if(data == nullptr && szData != 0, "'data' is NULL")
+        || refuse_if(data != nullptr && szData == 0, "'szData' is zero")) {
+        return to;
+    }
+    if (refuse_null(to, "'to' is NULL")) { return nullptr; }
+    if (refuse_if(sizeTo == 0 || (sizeTo - 1) / 2 < szData,
+                  "Destination buffer does not have enough room for encoded data")) {
+        return to;
     }
     constexpr char digits[] = "0123456789abcdef";
     for (size_t i = 0; i < szData; ++i) {
@@ -178,16 +177,14 @@ uint8_t* abecs_data_from_hex(const char* hex, uint8_t* out, size_t sizeOut) {
 }
 
 uint8_t* abecs_data_from_hex2(const char* hex, size_t szHex, uint8_t* out, size_t sizeOut) {
-    if (hex == nullptr && szHex != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'hex' is NULL"), out; }
-    if (hex != nullptr && *hex != '\0' && szHex == 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'szHex' is zero"), out;
+    if (refuse_if(hex == nullptr && szHex != 0, "'hex' is NULL")
+        || refuse_if(hex != nullptr && *hex != '\0' && szHex == 0, "'szHex' is zero")) {
+        return out;
     }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
-    if (sizeOut < szHex / 2) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Destination buffer does not have enough room for decoded data"), out;
-    }
-    if (szHex % 2 != 0 || !all_of(hex, szHex, nullptr, codec::is_hex)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hex string"), out;
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
+    if (refuse_if(sizeOut < szHex / 2, "Destination buffer does not have enough room for decoded data")
+        || refuse_if(szHex % 2 != 0 || !all_of(hex, szHex, nullptr, codec::is_hex), "Invalid hex string")) {
+        return out;
     }
     for (size_t i = 0; i < szHex / 2; ++i) { out[i] = codec::hex_byte(hex[2 * i], hex[2 * i + 1]); }
     return out;

@@ -6,10 +6,12 @@
 #include <cstring>
 
 #include "abecs/data/codec.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
 using kor::raise;
+using kor::refuse_if;
 using namespace abecs;
 
 namespace {
@@ -57,9 +59,10 @@ bool read_pairs(KorBuffer* buffer, size_t fieldLen, Leading leading, Take take, 
 
 size_t read_bytes(KorBuffer* buffer, uint8_t* to, size_t sizeTo, size_t fieldLen, Leading leading) {
     if (!codec::require(buffer, fieldLen)) { return 0; }
-    if (fieldLen % 2 != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (%zu) must be even", fieldLen), 0; }
-    if (to != nullptr && sizeTo < fieldLen / 2) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (%zu) < (fieldLen / 2) (%zu)", sizeTo, fieldLen / 2), 0;
+    if (refuse_if(fieldLen % 2 != 0, "fieldLen (%zu) must be even", fieldLen)
+        || refuse_if(to != nullptr && sizeTo < fieldLen / 2, "sizeTo (%zu) < (fieldLen / 2) (%zu)", sizeTo,
+                     fieldLen / 2)) {
+        return 0;
     }
     size_t count = 0;
     const auto take = [&](const char* pair) {
@@ -81,8 +84,10 @@ void abecs_data_write_field_h(KorBuffer* buffer, const char* data, size_t fieldL
 }
 
 void abecs_data_write_field_h_cdata(KorBuffer* buffer, const char* data, size_t dataLen, size_t fieldLen) {
-    if (fieldLen % 2 != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (%zu) is not even", fieldLen); }
-    if (data == nullptr && dataLen != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
+    if (refuse_if(fieldLen % 2 != 0, "fieldLen (%zu) is not even", fieldLen)
+        || refuse_if(data == nullptr && dataLen != 0, "'data' is NULL")) {
+        return;
+    }
     const auto length = check_pairs(data, dataLen, fieldLen);
     if (!length || !codec::append_repeated(buffer, kPadding, (fieldLen - *length) / 2)) { return; }
     for (size_t i = 0; i < *length; i += 2) {
@@ -94,13 +99,10 @@ void abecs_data_write_field_h_cdata(KorBuffer* buffer, const char* data, size_t 
 char* abecs_data_read_field_h(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen) {
     if (to != nullptr && sizeTo != 0) { *to = '\0'; }
     if (!codec::require(buffer, fieldLen)) { return to; }
-    if (fieldLen % 2 != 0) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (%zu) is not an even number", fieldLen), to;
-    }
-    if (to != nullptr && sizeTo <= fieldLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (%zu) is not enough to store field (length: %zu)", sizeTo,
-                     fieldLen),
-               to;
+    if (refuse_if(fieldLen % 2 != 0, "fieldLen (%zu) is not an even number", fieldLen)
+        || refuse_if(to != nullptr && sizeTo <= fieldLen, "sizeTo (%zu) is not enough to store field (length: %zu)",
+                     sizeTo, fieldLen)) {
+        return to;
     }
     char* end = to;
     const auto take = [&](const char* pair) {
@@ -114,11 +116,11 @@ char* abecs_data_read_field_h(KorBuffer* buffer, char* to, size_t sizeTo, size_t
 }
 
 void abecs_data_write_field_h_raw(KorBuffer* buffer, const uint8_t* data, size_t dataLen, size_t fieldLen) {
-    if (fieldLen % 2 != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen (%zu) must be even", fieldLen); }
-    if (fieldLen / 2 < dataLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "fieldLen < (dataLen * 2) ==> (%zu < (%zu * 2))", fieldLen, dataLen);
+    if (refuse_if(fieldLen % 2 != 0, "fieldLen (%zu) must be even", fieldLen)
+        || refuse_if(fieldLen / 2 < dataLen, "fieldLen < (dataLen * 2) ==> (%zu < (%zu * 2))", fieldLen, dataLen)
+        || refuse_if(data == nullptr && dataLen != 0, "'data' is NULL")) {
+        return;
     }
-    if (data == nullptr && dataLen != 0) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
     if (!codec::append_repeated(buffer, kPadding, fieldLen / 2 - dataLen)) { return; }
     constexpr char digits[] = "0123456789ABCDEF";
     for (size_t i = 0; i < dataLen; ++i) {

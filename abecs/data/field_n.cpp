@@ -4,18 +4,20 @@
 #include <cstring>
 
 #include "abecs/data/codec.h"
+#include "abecs/data/limits.h"
 #include "abecs/data/rsp_stat.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
 using kor::raise;
+using kor::refuse_if;
 using namespace abecs;
 
 namespace {
 
 constexpr size_t kMaxDigits = 13;
 constexpr uint64_t kLimit = 10'000'000'000'000;
-constexpr size_t kRspStatLen = 3;
 
 }  // namespace
 
@@ -39,7 +41,7 @@ std::optional<uint64_t> codec::read_n(KorBuffer* buffer, size_t fieldLen) {
 }
 
 std::optional<int32_t> codec::read_rsp_stat(KorBuffer* buffer) {
-    const auto value = read_n(buffer, kRspStatLen);
+    const auto value = read_n(buffer, abecs::kStatWidth);
     if (!value) { return std::nullopt; }
     const auto stat = static_cast<int32_t>(*value);
     if (!is_rsp_stat(stat)) {
@@ -51,15 +53,12 @@ std::optional<int32_t> codec::read_rsp_stat(KorBuffer* buffer) {
 
 void abecs_data_write_field_n(KorBuffer* buffer, uint64_t i, size_t fieldLen) {
     const auto value = static_cast<unsigned long long>(i);
-    if (i >= kLimit) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'i' (%llu) is too long (maximum: 9999999999999", value);
-    }
+    if (refuse_if(i >= kLimit, "'i' (%llu) is too long (maximum: 9999999999999", value)) { return; }
     char digits[kMaxDigits + 1];
     std::snprintf(digits, sizeof digits, "%llu", value);
     const size_t length = std::strlen(digits);
-    if (length > fieldLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Number length (%zu) is greater than field length (%zu)", length,
-                     fieldLen);
+    if (refuse_if(length > fieldLen, "Number length (%zu) is greater than field length (%zu)", length, fieldLen)) {
+        return;
     }
     if (codec::append_repeated(buffer, "0", fieldLen - length)) { codec::append(buffer, digits, length); }
 }

@@ -2,10 +2,13 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/data/codec.h"
 #include "abecs/data/flag.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
 using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 using namespace abecs;
 
 namespace {
@@ -27,15 +30,13 @@ constexpr Charset charset_s(bool allowCr) { return {0x20, 0xFF, allowCr}; }
 
 // Character by character, as far as the first fault: what was appended stays for the caller to discard.
 void write_text(KorBuffer* buffer, const char* data, size_t fieldLen, Charset charset) {
-    if (data == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL"); }
+    if (refuse_null(data, "'data' is NULL")) { return; }
     size_t length = 0;
     for (; data[length] != '\0'; ++length) {
-        if (length == fieldLen) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Field does not have enough room for data");
-        }
-        if (!charset.contains(data[length])) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid character (0x%02X) at position %zu",
-                         codec::shown(data[length]), length);
+        if (refuse_if(length == fieldLen, "Field does not have enough room for data")
+            || refuse_if(!charset.contains(data[length]), "Invalid character (0x%02X) at position %zu",
+                         codec::shown(data[length]), length)) {
+            return;
         }
         if (!codec::append(buffer, &data[length], 1)) { return; }
     }
@@ -56,8 +57,8 @@ bool check_text(const char* text, size_t length, Charset charset) {
 // False after a raise; the destination is then an empty text, if it has any room.
 bool read_text(KorBuffer* buffer, char* to, size_t sizeTo, size_t fieldLen, Charset charset) {
     if (to != nullptr && sizeTo != 0) { *to = '\0'; }
-    if (to != nullptr && sizeTo <= fieldLen) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (%zu) is not enough to store field data", sizeTo), false;
+    if (refuse_if(to != nullptr && sizeTo <= fieldLen, "sizeTo (%zu) is not enough to store field data", sizeTo)) {
+        return false;
     }
     if (!codec::require(buffer, fieldLen)) { return false; }
     kor_buffer_read(buffer, to, fieldLen);

@@ -5,12 +5,14 @@
 #include "abecs/data/codec.h"
 #include "abecs/data/flag.h"
 #include "abecs/data/param.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 #include "quorvel/abecs/rsp_stat.h"
 
 using abecs::bytes_of;
 using kor::raise;
+using kor::refuse_null;
 
 namespace {
 
@@ -120,7 +122,7 @@ void abecs_packet_write_param(AbecsPacket* packet, AbecsParam* param) {
 
 AbecsParam* abecs_packet_read_param(AbecsPacket* packet, AbecsParam* out) {
     if (bytes_of(packet) == nullptr) { return nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     kor_buffer_clear(out->data);
     const auto id = abecs::codec::read_x(packet->buffer, 2);
     if (!id) { return nullptr; }
@@ -152,12 +154,12 @@ char* abecs_packet_read_notification(AbecsPacket* packet, char* text) {
 
 KorBufferState* abecs_packet_save_state(const AbecsPacket* packet, KorBufferState* out) {
     if (bytes_of(packet) == nullptr) { return nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     return kor_buffer_save_state(packet->buffer, out);
 }
 
 void abecs_packet_set_state(AbecsPacket* packet, const KorBufferState* state) {
     if (bytes_of(packet) == nullptr) { return; }
-    if (state == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'state' is NULL"); }
+    if (refuse_null(state, "'state' is NULL")) { return; }
     kor_buffer_set_state(packet->buffer, state);
 }

@@ -10,11 +10,13 @@
 #include "abecs/data/pan_hex.h"
 #include "abecs/data/wk_pan.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using abecs::codec::is_digit;
 using abecs::codec::is_hex;
 using kor::raise;
+using kor::refuse_null;
 
 namespace {
 
@@ -109,8 +111,7 @@ const char* abecs_pan_encrypt(const char* pan, const AbecsWkPan* key) {
 }
 
 const char* abecs_pan_encrypt2(const char* pan, size_t len, const AbecsWkPan* key) {
-    if (pan == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pan' is NULL"), ""; }
-    if (key == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL"), ""; }
+    if (refuse_null(pan, "'pan' is NULL") || refuse_null(key, "'key' is NULL")) { return ""; }
     if (len > kMaxPan) {
         raise(KOR_RESULT_ILLEGAL_ARGUMENT, "PAN length is too big (max: %zu, requested: %zu)", kMaxPan, len);
         return "";
@@ -123,8 +124,7 @@ const char* abecs_pan_decrypt_track(const char* track, const AbecsWkPan* key) {
 }
 
 const char* abecs_pan_decrypt_track2(const char* track, size_t len, const AbecsWkPan* key) {
-    if (track == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL"), ""; }
-    if (key == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'key' is NULL"), ""; }
+    if (refuse_null(track, "'track' is NULL") || refuse_null(key, "'key' is NULL")) { return ""; }
     if (len > kMaxTrack) {
         raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Track length is too big (max: %zu, requested: %zu)", kMaxTrack, len);
         return "";
@@ -135,7 +135,7 @@ const char* abecs_pan_decrypt_track2(const char* track, size_t len, const AbecsW
 const char* abecs_pan_identify(const char* track) { return abecs_pan_identify2(track, length_of(track)); }
 
 const char* abecs_pan_identify2(const char* track, size_t len) {
-    if (track == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'track' is NULL"), ""; }
+    if (refuse_null(track, "'track' is NULL")) { return ""; }
     if (len > kMaxIdentifiedTrack) {
         raise(KOR_RESULT_ILLEGAL_ARGUMENT, "track length is too big (max: %zu, requested: %zu)", kMaxIdentifiedTrack,
               len);

@@ -3,9 +3,11 @@
 #include "abecs/data/pan_hex.h"
 
 #include "abecs/data/codec.h"
+#include "core/check.h"
 #include "core/raise.h"
 
 using kor::raise;
+using kor::refuse_if;
 
 namespace abecs::pan {
 
@@ -18,8 +20,9 @@ bool from_hex(std::string_view text, uint8_t* to) {
     for (size_t i = 0; i < text.size(); i += 2) {
         // A last digit without its partner is a pair that ends early.
         const char pair[] = {text[i], i + 1 < text.size() ? text[i + 1] : '\0', '\0'};
-        if (!codec::is_hex(pair[0]) || !codec::is_hex(pair[1])) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid byte (%s) at position %zu", pair, i), false;
+        if (refuse_if(!codec::is_hex(pair[0]) || !codec::is_hex(pair[1]), "Invalid byte (%s) at position %zu", pair,
+                      i)) {
+            return false;
         }
         *to++ = codec::hex_byte(pair[0], pair[1]);
     }

@@ -5,10 +5,11 @@
 #include <cstring>
 
 #include "abecs/data/flag.h"
-#include "core/raise.h"
+#include "core/check.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
+using kor::refuse_if;
+using kor::refuse_null;
 
 namespace {
 
@@ -48,13 +49,11 @@ AbecsRspParamMap* abecs_rsp_param_map_new() {
 
 AbecsRspParamValue* abecs_rsp_param_map_put(AbecsRspParamMap* map, uint16_t id, const AbecsRspParamValue* value,
                                             bool owned) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'map' is NULL"), nullptr; }
+    if (refuse_null(map, "'map' is NULL")) { return nullptr; }
     // Not owned until it is in: whatever a failing put releases, the bytes stay the caller's.
     AbecsRspParamValue record = value != nullptr ? *value : AbecsRspParamValue{};
     record.owned = false;
-    if ((record.data != nullptr) != (record.size != 0)) {
-        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "invalid 'data' x 'szData'"), nullptr;
-    }
+    if (refuse_if((record.data != nullptr) != (record.size != 0), "invalid 'data' x 'szData'")) { return nullptr; }
     auto* stored = static_cast<AbecsRspParamValue*>(kor_map_get(map, &id));
     if (stored != nullptr && stored->data == record.data) {
         // Replacing the entry would free the very bytes that are being put.
@@ -67,19 +66,18 @@ AbecsRspParamValue* abecs_rsp_param_map_put(AbecsRspParamMap* map, uint16_t id, 
 }
 
 AbecsRspParamValue* abecs_rsp_param_map_get(const AbecsRspParamMap* map, uint16_t id) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'map' is NULL"), nullptr; }
+    if (refuse_null(map, "'map' is NULL")) { return nullptr; }
     return static_cast<AbecsRspParamValue*>(kor_map_get(map, &id));
 }
 
 AbecsRspParamMapIt* abecs_rsp_param_map_begin(const AbecsRspParamMap* map, AbecsRspParamMapIt* out) {
-    if (map == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'map' is NULL"), nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(map, "'map' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     KorMapIterator at{};
     return kor_map_begin(map, &at) != nullptr ? show(out, at) : nullptr;
 }
 
 AbecsRspParamMapIt* abecs_rsp_param_map_next(AbecsRspParamMapIt* it) {
-    if (it == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'it' is NULL"), nullptr; }
+    if (refuse_null(it, "'it' is NULL")) { return nullptr; }
     // By the iterator's own copy of the id: the stored key may have gone with a cleared map.
     KorMapIterator at{it->map, &it->id, nullptr};
     return kor_map_next(&at) != nullptr ? show(it, at) : nullptr;

@@ -5,13 +5,16 @@
 #include <string_view>
 
 #include "abecs/data/codec.h"
+#include "abecs/data/limits.h"
 #include "abecs/data/packet.h"
 #include "abecs/data/param.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/abecs/rsp_stat.h"
 #include "quorvel/kor/heap.h"
 
 using kor::raise;
+using kor::refuse_null;
 using namespace std::string_view_literals;
 
 struct AbecsRspParser {
@@ -24,11 +27,6 @@ struct AbecsRspParser {
 
 namespace {
 
-constexpr size_t kIdLen = 3;
-constexpr size_t kStatLen = 3;
-constexpr size_t kBlockLenLen = 3;
-constexpr size_t kMaxNotification = 32;
-
 AbecsRspParser* checked(AbecsRspParser* parser) {
     if (parser == nullptr) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'parser' is NULL"); }
     return parser;
@@ -37,7 +35,7 @@ AbecsRspParser* checked(AbecsRspParser* parser) {
 bool malformed() { return raise(KOR_RESULT_IO_ERROR, "Invalid packet (malformed)"), false; }
 
 bool read_block_length(KorBuffer* bytes, uint16_t& out) {
-    const auto length = abecs::codec::read_n(bytes, kBlockLenLen);
+    const auto length = abecs::codec::read_n(bytes, abecs::kLengthWidth);
     out = static_cast<uint16_t>(length.value_or(0));
     return length.has_value();
 }
@@ -69,7 +67,7 @@ bool check_notification(const AbecsRspParser& parser, int32_t stat) {
                      abecs_rsp_stat_to_string(AbecsRspStat_E{stat})),
                false;
     }
-    if (parser.blk1Left > kMaxNotification || parser.blk2Left != 0) {
+    if (parser.blk1Left > abecs::kMessageWidth || parser.blk2Left != 0) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed notification"), false;
     }
     return true;
@@ -102,15 +100,15 @@ void abecs_rsp_parser_delete(AbecsRspParser** parser) {
 
 void abecs_rsp_parser_set_packet(AbecsRspParser* parser, AbecsPacket* responsePacket) {
     if (checked(parser) == nullptr) { return; }
-    if (responsePacket == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'responsePacket' is NULL"); }
+    if (refuse_null(responsePacket, "'responsePacket' is NULL")) { return; }
     // Until all is known to be good, a status that no caller takes for success and no packet to read from.
     *parser = {};
     parser->stat = ABECS_RSP_STAT_ST_INTERR;
     KorBuffer* bytes = responsePacket->buffer;
-    if (kor_buffer_available_read(bytes) < kIdLen + kStatLen) {
+    if (kor_buffer_available_read(bytes) < abecs::kIdWidth + abecs::kStatWidth) {
         return raise(KOR_RESULT_IO_ERROR, "Invalid packet (not enough data)");
     }
-    if (!abecs::codec::read_a(bytes, parser->id, sizeof parser->id, kIdLen)) { return; }
+    if (!abecs::codec::read_a(bytes, parser->id, sizeof parser->id, abecs::kIdWidth)) { return; }
     const auto stat = abecs::codec::read_rsp_stat(bytes);
     if (!stat || !parse_blocks(*parser, bytes, *stat)) { return; }
     const bool notification = parser->id == "NTM"sv;
@@ -120,18 +118,18 @@ void abecs_rsp_parser_set_packet(AbecsRspParser* parser, AbecsPacket* responsePa
 }
 
 const char* abecs_rsp_parser_get_id(const AbecsRspParser* parser) {
-    if (parser == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'parser' is NULL"), ""; }
+    if (refuse_null(parser, "'parser' is NULL")) { return ""; }
     return parser->id;
 }
 
 int32_t abecs_rsp_parser_get_stat(const AbecsRspParser* parser) {
-    if (parser == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'parser' is NULL"), ABECS_RSP_STAT_ST_INTERR; }
+    if (refuse_null(parser, "'parser' is NULL")) { return ABECS_RSP_STAT_ST_INTERR; }
     return parser->stat;
 }
 
 AbecsParam* abecs_rsp_parser_read_param(AbecsRspParser* parser, AbecsParam* out) {
     if (checked(parser) == nullptr) { return nullptr; }
-    if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     if (parser->packet == nullptr) { return nullptr; }
     if (parser->blk1Left != 0) {
         return read_param(*parser, parser->blk1Left, out, "Malformed packet (remaining bytes on BLK1 cannot be used)");
@@ -151,7 +149,7 @@ char* abecs_rsp_parser_read_notification(AbecsRspParser* parser, char* text) {
     if (parser->stat != ABECS_RSP_STAT_ST_NOTIFICATION) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "Response is not a notification"), text;
     }
-    abecs_packet_read_field_s(parser->packet, text, kMaxNotification + 1, parser->blk1Left, false);
+    abecs_packet_read_field_s(parser->packet, text, abecs::kMessageWidth + 1, parser->blk1Left, false);
     parser->blk1Left = 0;
     return text;
 }

@@ -18,7 +18,7 @@ SOUND = {
     "include/quorvel/abecs/comm.h": C_HEAD + '#include "quorvel/kor/heap.h"\n',
     "include/quorvel/abecs/packet.h": C_HEAD,
     "abecs/comm/comm.cpp": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n#include "quorvel/abecs/packet.h"\n',
-    "abecs/cmd/frame.h": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n',
+    "abecs/cmd/exchange.h": CPP_HEAD + '#include "quorvel/abecs/comm.h"\n',
     "wire/x.h": CPP_HEAD, "cli/commands/x.h": CPP_HEAD, "simulator/engine.h": CPP_HEAD,
     "simulator/keys/x.h": CPP_HEAD, "simulator/commands/x.h": CPP_HEAD, "simulator/scenario/x.h": CPP_HEAD,
 }
@@ -56,11 +56,11 @@ CASES = [
     ("sources", "core/x.cpp", "[[gnu::constructor]] void f() {}", "an initialiser"),
     ("sources", "core/x.cpp", "int f() { return sigsetjmp(jump, 0); }", "2 calls of setjmp"),
     ("sources", "core/x.cpp", "int f() { /* a\nb */ throw 1; }", "core/x.cpp:4: a C++ exception"),
-    ("layers", "core/x.cpp", '#include "abecs/cmd/frame.h"', "core must not include abecs/cmd/frame.h of cmd"),
+    ("layers", "core/x.cpp", '#include "abecs/cmd/exchange.h"', "core must not include abecs/cmd/exchange.h of cmd"),
     ("layers", "core/x.cpp", '#include "core/raise.h"', ""),
     ("layers", "include/quorvel/kor/x.h", '#include "quorvel/abecs/packet.h"', "must not include"),
     ("layers", "abecs/data/x.cpp", "#include <quorvel/abecs/comm.h>", "of comm"),
-    ("layers", "abecs/comm/x.cpp", '#include "abecs/cmd/frame.h"', "of cmd"),
+    ("layers", "abecs/comm/x.cpp", '#include "abecs/cmd/exchange.h"', "of cmd"),
     ("layers", "abecs/cmd/x.cpp", '#include "frame.h"\n#include "quorvel/abecs/comm.h"', ""),
     ("layers", "simulator/commands/x.cpp", '#include "quorvel/abecs/packet.h"', "simulator/commands must not include"),
     ("layers", "simulator/x.cpp", '#include "core/raise.h"', "simulator must not include"),
@@ -91,7 +91,7 @@ CASES = [
     ("layers", "cli/x.cpp", '#include "simulator/keys/x.h"', "cli must not include"),
     ("layers", "cli/x.cpp", '#include "cli/commands/x.h"', "of cli/commands"),
     ("layers", "cli/commands/x.cpp", '#include "quorvel/kor/heap.h"', "cli/commands must not include quorvel/kor/heap.h"),
-    ("layers", "tests/support/peer.cpp", '#include "abecs/cmd/frame.h"', "peer must not include"),
+    ("layers", "tests/support/peer.cpp", '#include "abecs/cmd/exchange.h"', "peer must not include"),
 ]
 
 

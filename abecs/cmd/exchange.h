@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#ifndef QUORVEL_ABECS_CMD_FRAME_H
-#define QUORVEL_ABECS_CMD_FRAME_H
+#ifndef QUORVEL_ABECS_CMD_EXCHANGE_H
+#define QUORVEL_ABECS_CMD_EXCHANGE_H
 
 #include <cstdint>
 
+#include "abecs/data/limits.h"
+#include "abecs/data/spe_param.h"
 #include "core/function_ref.h"
 #include "quorvel/abecs/cmd/builder.h"
 #include "quorvel/abecs/comm.h"
@@ -13,10 +15,11 @@
 #include "quorvel/abecs/rsp_param_map.h"
 #include "quorvel/abecs/rsp_parser.h"
 #include "quorvel/abecs/rsp_stat.h"
+#include "quorvel/kor/result.h"
 
-// The one engine under every command. A command is its checks, a request and a response; the engine makes and releases
-// the temporaries, sends, reads, checks RSP_ID, reads RSP_STAT and, for a command that waits for the cardholder, keeps
-// the link blocked until the final answer.
+// The exchange of a request and its answer, the one engine under every command. A command is its checks, a request and
+// a response; the engine makes and releases the temporaries, sends, reads, checks RSP_ID, reads RSP_STAT and, for a
+// command that waits for the cardholder, keeps the link blocked until the final answer.
 //
 //     return call(pinpad, kGin,
 //                 Request::fields([&](AbecsPacket* packet) { ... }),      writes what follows CMD_ID
@@ -41,10 +44,16 @@ public:
     ParamWriter(AbecsCmdBuilder* builder, AbecsParam* param) : builder_(builder), param_(param) {}
 
     template <typename Write>
-    void put(uint16_t id, Write&& write) {
-        abecs_param_set_id(param_, id);
+    void put(AbecsSpeId_E id, Write&& write) {
+        abecs_param_set_id(param_, static_cast<uint16_t>(id));
         write(param_);
         abecs_cmd_builder_add_param(builder_, param_);
+    }
+    void number(SpeNumber id, uint64_t value) {
+        put(id.id, [=](AbecsParam* param) { write_number(param, id, value); });
+    }
+    void bytes(AbecsSpeId_E id, const void* bytes, size_t size) {
+        put(id, [=](AbecsParam* param) { abecs_param_write_field_b(param, bytes, size); });
     }
 
 private:
@@ -70,7 +79,8 @@ using ReadFields = kor::FunctionRef<void(AbecsPacket*)>;
 using ReadParams = kor::FunctionRef<void(ParamReader&)>;
 
 // One of: nothing after CMD_ID; fields (the writer writes the lengths too); parameters; a builder that the caller
-// filled, which is left as it was so that it can be sent again.
+// filled, which is left as it was so that it can be sent again. A request borrows the caller's lambda, so it is written
+// where it is sent: one with a name of its own is not taken.
 struct Request {
     WriteFields writeFields;
     WriteParams writeParams;
@@ -122,14 +132,17 @@ struct Response {
 };
 
 // Sends the request, reads the answer and returns RSP_STAT.
-[[nodiscard]] int32_t call(AbecsComm* pinpad, const Command& command, const Request& request, const Response& response);
+[[nodiscard]] int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Response&& response);
 
 // Sends the request of a command that waits for the cardholder and blocks the link on it. Returns 0.
-int32_t send(AbecsComm* pinpad, const Command& command, const Request& request);
+int32_t send(AbecsComm* pinpad, const Command& command, Request&& request);
+
+// The same for a command that hands out a result code: that of what was raised, or OK.
+KorResult_E send_for_result(AbecsComm* pinpad, const Command& command, Request&& request);
 
 // Reads the answer of a command sent before. Returns RSP_STAT and unblocks the link; or -1 when nothing came within the
 // link's time-out and -2 after a notification, the link staying blocked.
-[[nodiscard]] int32_t poll(AbecsComm* pinpad, const Command& command, const Response& response, char* notification);
+[[nodiscard]] int32_t poll(AbecsComm* pinpad, const Command& command, Response&& response, char* notification);
 
 }  // namespace abecs
 

@@ -1,23 +1,24 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 
 #include <cstring>
 
 #include "abecs/cmd/builder.h"
 #include "core/attempt.h"
+#include "core/check.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
 using kor::raise;
+using kor::refuse_null;
 
 namespace abecs {
 
 namespace {
 
-constexpr size_t kIdLength = 3;
-constexpr size_t kHeadLength = 6;  // RSP_ID and RSP_STAT
+constexpr size_t kHeadLength = kIdWidth + kStatWidth;
 constexpr const char* kRefused = "ERR";
 constexpr const char* kNotification = "NTM";
 
@@ -53,7 +54,7 @@ void write_request(Temporaries& own, const Command& command, const Request& requ
         abecs_cmd_builder_build(request.builder, own.packet);
         return;
     }
-    abecs_packet_write_field_a(own.packet, command.id, kIdLength, false);
+    abecs_packet_write_field_a(own.packet, command.id, kIdWidth, false);
     if (request.writeFields) { request.writeFields(own.packet); }
 }
 
@@ -139,8 +140,8 @@ int32_t read_field_answer(Temporaries& own, const Command& command, const Respon
     if (abecs_packet_available_read(own.packet) < kHeadLength) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "Unrecognized response"), kRaised;
     }
-    char id[kIdLength + 1];
-    abecs_packet_read_field_a(own.packet, id, sizeof id, kIdLength, false);
+    char id[kIdWidth + 1];
+    abecs_packet_read_field_a(own.packet, id, sizeof id, kIdWidth, false);
     if (blocking && kor_string_equals(id, kNotification)) {
         abecs_packet_read_notification(own.packet, notification);
         return ABECS_RSP_STAT_ST_NOTIFICATION;
@@ -168,7 +169,7 @@ void release_after_answer(Temporaries& own, const Response& response) {
 
 }  // namespace
 
-int32_t call(AbecsComm* pinpad, const Command& command, const Request& request, const Response& response) {
+int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Response&& response) {
     Temporaries own;
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
@@ -181,12 +182,23 @@ int32_t call(AbecsComm* pinpad, const Command& command, const Request& request, 
     return stat;
 }
 
-int32_t send(AbecsComm* pinpad, const Command& command, const Request& request) {
+int32_t send(AbecsComm* pinpad, const Command& command, Request&& request) {
     return send_request(pinpad, command, request, true) ? 0 : kRaised;
 }
 
-int32_t poll(AbecsComm* pinpad, const Command& command, const Response& response, char* notification) {
-    if (pinpad == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'pinpad' is NULL"), kRaised; }
+// The code is taken while the error is pending: nothing is left of it once its raise has returned.
+KorResult_E send_for_result(AbecsComm* pinpad, const Command& command, Request&& request) {
+    KorResult_E code = KOR_RESULT_OK;
+    kor::attempt([&] {
+        send_request(pinpad, command, request, true);
+    }).cleanup([&] {
+          code = KorResult_E{kor_exception_get_error()};
+      }).run();
+    return code;
+}
+
+int32_t poll(AbecsComm* pinpad, const Command& command, Response&& response, char* notification) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
     if (!kor_string_equals(abecs_comm_get_blk_wait_id(pinpad), command.name)) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "%s was not sent yet", command.name), kRaised;
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "abecs/cmd/frame.h"
+#include "abecs/cmd/exchange.h"
 
 #include <chrono>
 #include <gtest/gtest.h>

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_CORE_CHECK_H
+#define QUORVEL_CORE_CHECK_H
+
+#include <cstdint>
+
+#include "core/raise.h"
+
+// The checks of arguments. Each raises KOR_RESULT_ILLEGAL_ARGUMENT where there is something to refuse, and is then
+// true, so that the caller leaves with its harmless value; as every raise may return, it must. `||` keeps the
+// documented order:
+//
+//     if (refuse_null(out, "'out' is NULL") || refuse_if(length > kMax, "Too long: %zu", length)) { return false; }
+//
+// What the detail is formatted from is evaluated in any case: it must not lean on what is being refused.
+namespace kor {
+
+template <typename Pointee>
+[[nodiscard]] bool refuse_null(Pointee* pointer, const char* text) {
+    if (pointer == nullptr) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
+    return pointer == nullptr;
+}
+
+[[nodiscard, gnu::format(printf, 2, 3)]] bool refuse_if(bool wrong, const char* detail, ...);
+
+// Of an enumeration without gaps; `type` is its name.
+[[nodiscard]] inline bool refuse_outside(int32_t value, int32_t first, int32_t last, const char* type) {
+    return refuse_if(value < first || value > last, "Invalid enumerator for %s: %d", type, value);
+}
+
+}  // namespace kor
+
+#endif
