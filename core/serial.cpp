@@ -2,46 +2,27 @@
 // Copyright (c) 2026 the quorvel authors
 #include "core/serial.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
-#include <cstring>
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "core/attempt.h"
 #include "core/check.h"
 #include "core/raise.h"
-#include "core/serial_settings.h"
-#include "quorvel/kor/endianness.h"
+#include "core/retry.h"
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/heap.h"
-#include "quorvel/kor/path.h"
-#include "quorvel/kor/regex.h"
-#include "quorvel/kor/string.h"
-#include "quorvel/kor/string_list.h"
 
-using kor::Deadline;
 using kor::raise;
 using kor::refuse_null;
-using namespace std::chrono_literals;
+using kor::retry;
 
 namespace {
 
-constexpr std::array<const char*, 3> kLinuxPortNames{"ttyS", "ttyUSB", "ttyACM"};
-
 constexpr std::array<int, 3> kPurgeQueues{TCIFLUSH, TCOFLUSH, TCIOFLUSH};
-
-// A signal does not end a call that can be made again.
-template <typename Call>
-auto retry(Call&& call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR) { result = call(); }
-    return result;
-}
 
 // Closes what cannot be used and gives the error that errno held before.
 int close_after_error(int fd) {
@@ -78,165 +59,7 @@ int open_terminal(const char* path) {
     return fd;
 }
 
-// Reads the settings, lets `change` alter them in memory and applies them unless it raised.
-template <typename Change>
-void change_settings(const KorSerial* handle, Change&& change) {
-    if (refuse_null(handle, "'handle' is NULL")) { return; }
-    termios settings{};
-    if (tcgetattr(handle->fd, &settings) != 0) { return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", errno); }
-    if (!change(settings)) { return; }
-    kor::force_raw(settings);
-    if (tcsetattr(handle->fd, TCSANOW, &settings) != 0) {
-        return raise(KOR_RESULT_IO_ERROR, "tcsetattr(TCSANOW) error: %d", errno);
-    }
-}
-
-// How long a read waits, in tenths of a second; -1 when the port was never told, so that read() itself decides.
-int read_timeout(int fd) {
-    termios settings{};
-    // A hung-up line has no settings any more and nothing to wait for.
-    if (tcgetattr(fd, &settings) != 0) { return 0; }
-    return settings.c_cc[VMIN] == 0 ? settings.c_cc[VTIME] : -1;
-}
-
-enum class Wait { kInput, kHungUp, kExpired };
-
-// Waits here and not in read(): the terminal's own timer starts again with every signal that restarts the read, so
-// that under a fast interval timer it would never expire.
-Wait wait_until(int fd, Deadline deadline) {
-    for (;;) {
-        pollfd input{fd, POLLIN, 0};
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.left());
-        const int ready = poll(&input, 1, static_cast<int>(left.count()));
-        if (ready == 0) { return Wait::kExpired; }
-        if (ready > 0) { return (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput; }
-        if (errno != EINTR) { return Wait::kInput; }
-    }
-}
-
-// The number of bytes that came together, 0 when none did in time, or -1 with errno. Where another process takes the
-// bytes first, the wait goes on.
-ssize_t read_arrival(int fd, uint8_t* to, size_t length, Deadline deadline) {
-    for (;;) {
-        const Wait wait = wait_until(fd, deadline);
-        if (wait == Wait::kExpired) { return 0; }
-        const ssize_t count = retry([&] { return read(fd, to, length); });
-        if (count != 0) { return count; }
-        // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.
-        if (wait == Wait::kHungUp) { return errno = EIO, -1; }
-        if (deadline.passed()) { return 0; }
-    }
-}
-
-// What a read came to: fewer bytes than were wanted mean that the time-out expired or, with an error, that it failed.
-struct Obtained {
-    size_t count = 0;
-    int error = 0;
-};
-
-Obtained read_bytes(const KorSerial* handle, uint8_t* to, size_t length) {
-    const int tenths = read_timeout(handle->fd);
-    size_t obtained = 0;
-    while (obtained < length) {
-        uint8_t* next = to + obtained;
-        const size_t wanted = length - obtained;
-        const ssize_t count = tenths < 0 ? retry([&] { return read(handle->fd, next, wanted); })
-                                         : read_arrival(handle->fd, next, wanted, Deadline(tenths * 100ms));
-        if (count < 0) { return {obtained, errno}; }
-        if (count == 0) { break; }
-        obtained += static_cast<size_t>(count);
-    }
-    return {obtained};
-}
-
-// False after it raised.
-bool read_all(const KorSerial* handle, void* to, size_t length) {
-    if (refuse_null(handle, "'handle' is NULL")) { return false; }
-    const Obtained obtained = read_bytes(handle, static_cast<uint8_t*>(to), length);
-    if (obtained.error != 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", obtained.error), false; }
-    if (obtained.count < length) { return raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"), false; }
-    return true;
-}
-
-// Writes once and waits until the bytes have left. The number written, or 0 after it raised.
-size_t write_some(const KorSerial* handle, const uint8_t* bytes, size_t length) {
-    const ssize_t count = retry([&] { return write(handle->fd, bytes, length); });
-    // Kept across tcdrain(); a write of nothing is a failure too, or the caller would never come to an end.
-    const int error = count == 0 ? EIO : errno;
-    if (retry([&] { return tcdrain(handle->fd); }) != 0) {
-        return raise(KOR_RESULT_IO_ERROR, "tcdrain() error: %d", errno), 0;
-    }
-    if (count <= 0) { return raise(KOR_RESULT_IO_ERROR, "write() error: %d", error), 0; }
-    return static_cast<size_t>(count);
-}
-
-// Compiled on first use and kept for the life of the process.
-const KorRegex* port_name_expression() {
-    static KorRegex* expression = nullptr;
-    if (expression == nullptr) { expression = kor_regex_new("(tty.(serial|usbserial|usbmodem).*)"); }
-    return expression;
-}
-
-bool is_port_name(const char* name, const KorRegex* expression) {
-    return kor_regex_match(name, expression)
-           || std::any_of(kLinuxPortNames.begin(), kLinuxPortNames.end(),
-                          [=](const char* prefix) { return std::strncmp(name, prefix, std::strlen(prefix)) == 0; });
-}
-
-// Whether the path can be opened and closed as a port. Whatever is wrong with it, it is only left out.
-bool is_port(const char* path) {
-    bool usable = false;
-    KorSerial* port = nullptr;
-    kor::attempt([&] {
-        if (kor_path_is_dir(path) || kor_path_is_file(path)) { return; }
-        port = kor_serial_open(path);
-        kor_serial_close(&port);
-        usable = true;
-    }).on_any([&] {
-      }).run();
-    return usable;
-}
-
-void append_ports(const char* directory, const KorList* names, const KorRegex* expression, KorList* out) {
-    for (const KorListNode* node = kor_string_list_first(names); node != nullptr; node = kor_string_list_next(node)) {
-        const char* name = kor_string_list_item(node);
-        // The name comes first: opening a stranger could wait, or have effects.
-        if (name == nullptr || !is_port_name(name, expression)) { continue; }
-        char path[128];
-        kor_string_format(path, sizeof path, "%s%s", directory, name);
-        if (is_port(path)) { kor_string_list_append(out, path); }
-    }
-}
-
 }  // namespace
-
-KorList* kor::list_serial_ports(const char* directory, KorList* out) {
-    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
-    const KorRegex* expression = port_name_expression();
-    if (expression == nullptr) { return out; }
-    KorList* names = nullptr;
-    kor::attempt([&] {
-        if (!kor_path_exists(directory) || !kor_path_is_dir(directory)) { return; }
-        names = kor_string_list_new();
-        kor_path_list_entries(directory, names);
-        append_ports(directory, names, expression, out);
-    }).cleanup([&] {
-          kor_string_list_delete(&names);
-      }).run();
-    return out;
-}
-
-bool kor::wait_for_input(const KorSerial* handle, Deadline deadline) {
-    return wait_until(handle->fd, deadline) != Wait::kExpired;
-}
-
-bool kor::read_byte(const KorSerial* handle, Deadline deadline, uint8_t* byte) {
-    const ssize_t count = read_arrival(handle->fd, byte, 1, deadline);
-    if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), false; }
-    return count == 1;
-}
-
-KorList* kor_serial_list_ports(KorList* out) { return kor::list_serial_ports("/dev/", out); }
 
 KorSerial* kor_serial_open(const char* path) {
     auto* handle = static_cast<KorSerial*>(kor_heap_alloc(sizeof(KorSerial), 0));
@@ -262,40 +85,6 @@ void kor_serial_close(KorSerial** handle) {
     if (close(fd) != 0) { raise(KOR_RESULT_IO_ERROR, "close() error: %d", errno); }
 }
 
-void kor_serial_config(KorSerial* handle, const KorSerialConfig* config) {
-    if (refuse_null(handle, "'handle' is NULL")) { return; }
-    if (refuse_null(config, "'config' is NULL")) { return; }
-    change_settings(handle, [=](termios& settings) {
-        return kor::set_read_timeout(settings, config->readTimeout) && kor::set_baud_rate(settings, config->baudRate)
-               && kor::set_data_bits(settings, config->dataBits) && kor::set_stop_bits(settings, config->stopBits)
-               && kor::set_parity(settings, config->parity) && kor::set_flow_control(settings, config->flowControl);
-    });
-}
-
-void kor_serial_set_read_timeout(KorSerial* handle, uint8_t tenths) {
-    change_settings(handle, [=](termios& settings) { return kor::set_read_timeout(settings, tenths); });
-}
-
-void kor_serial_set_baud_rate(KorSerial* handle, int32_t baudRate) {
-    change_settings(handle, [=](termios& settings) { return kor::set_baud_rate(settings, baudRate); });
-}
-
-void kor_serial_set_data_bits(KorSerial* handle, int32_t dataBits) {
-    change_settings(handle, [=](termios& settings) { return kor::set_data_bits(settings, dataBits); });
-}
-
-void kor_serial_set_stop_bits(KorSerial* handle, int32_t stopBits) {
-    change_settings(handle, [=](termios& settings) { return kor::set_stop_bits(settings, stopBits); });
-}
-
-void kor_serial_set_parity(KorSerial* handle, int32_t parity) {
-    change_settings(handle, [=](termios& settings) { return kor::set_parity(settings, parity); });
-}
-
-void kor_serial_set_flow_control(KorSerial* handle, int32_t flowControl) {
-    change_settings(handle, [=](termios& settings) { return kor::set_flow_control(settings, flowControl); });
-}
-
 void kor_serial_purge(KorSerial* handle, int32_t purgeType) {
     if (refuse_null(handle, "'handle' is NULL")) { return; }
     if (purgeType < KOR_SERIAL_PURGE_INPUT || purgeType > KOR_SERIAL_PURGE_BOTH) {
@@ -313,90 +102,4 @@ size_t kor_serial_available(KorSerial* handle) {
         return raise(KOR_RESULT_IO_ERROR, "ioctl(FIONREAD) error: %d", errno), 0;
     }
     return static_cast<size_t>(count);
-}
-
-void kor_serial_write(KorSerial* handle, const void* bytes, size_t length) {
-    if (refuse_null(handle, "'handle' is NULL")) { return; }
-    const auto* next = static_cast<const uint8_t*>(bytes);
-    while (length > 0) {
-        const size_t written = write_some(handle, next, length);
-        if (written == 0) { return; }
-        next += written;
-        length -= written;
-    }
-}
-
-void kor_serial_write_byte(KorSerial* handle, uint8_t byte) { kor_serial_write(handle, &byte, sizeof byte); }
-
-void kor_serial_write_str(KorSerial* handle, const char* text, bool withTerminator) {
-    if (refuse_null(handle, "'handle' is NULL")) { return; }
-    if (refuse_null(text, "'text' is NULL")) { return; }
-    kor_serial_write(handle, text, std::strlen(text) + (withTerminator ? 1 : 0));
-}
-
-void kor_serial_write_ui16(KorSerial* handle, uint16_t value, int32_t byteOrder) {
-    const uint16_t ordered =
-        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe16(value) : kor_endianness_htole16(value);
-    kor_serial_write(handle, &ordered, sizeof ordered);
-}
-
-void kor_serial_write_i16(KorSerial* handle, int16_t value, int32_t byteOrder) {
-    kor_serial_write_ui16(handle, static_cast<uint16_t>(value), byteOrder);
-}
-
-void kor_serial_write_ui32(KorSerial* handle, uint32_t value, int32_t byteOrder) {
-    const uint32_t ordered =
-        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe32(value) : kor_endianness_htole32(value);
-    kor_serial_write(handle, &ordered, sizeof ordered);
-}
-
-void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byteOrder) {
-    kor_serial_write_ui32(handle, static_cast<uint32_t>(value), byteOrder);
-}
-
-size_t kor_serial_read(KorSerial* handle, void* buffer, size_t length) {
-    if (refuse_null(handle, "'handle' is NULL")) { return 0; }
-    const Obtained obtained = read_bytes(handle, static_cast<uint8_t*>(buffer), length);
-    // What came before the line hung up is the caller's; the next call finds the line as it is.
-    if (obtained.error == 0 || (obtained.error == EIO && obtained.count > 0)) { return obtained.count; }
-    return raise(KOR_RESULT_IO_ERROR, "read() error: %d", obtained.error), 0;
-}
-
-uint8_t kor_serial_read_byte(KorSerial* handle) {
-    uint8_t byte = 0;
-    return read_all(handle, &byte, sizeof byte) ? byte : uint8_t{0};
-}
-
-uint16_t kor_serial_read_ui16(KorSerial* handle, int32_t byteOrder) {
-    uint16_t value = 0;
-    if (!read_all(handle, &value, sizeof value)) { return 0; }
-    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be16toh(value) : kor_endianness_le16toh(value);
-}
-
-int16_t kor_serial_read_i16(KorSerial* handle, int32_t byteOrder) {
-    return static_cast<int16_t>(kor_serial_read_ui16(handle, byteOrder));
-}
-
-uint32_t kor_serial_read_ui32(KorSerial* handle, int32_t byteOrder) {
-    uint32_t value = 0;
-    if (!read_all(handle, &value, sizeof value)) { return 0; }
-    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be32toh(value) : kor_endianness_le32toh(value);
-}
-
-int32_t kor_serial_read_i32(KorSerial* handle, int32_t byteOrder) {
-    return static_cast<int32_t>(kor_serial_read_ui32(handle, byteOrder));
-}
-
-char* kor_serial_read_str(KorSerial* handle, char* buffer, size_t size) {
-    if (refuse_null(handle, "'handle' is NULL")) { return buffer; }
-    if (refuse_null(buffer, "'buffer' is NULL")) { return buffer; }
-    char byte = '\0';
-    size_t at = 0;
-    do {
-        if (!read_all(handle, &byte, sizeof byte)) { return buffer; }
-        // What does not fit takes the last place in turn, until the NUL does.
-        if (at < size) { buffer[at] = byte; }
-        if (at + 1 < size) { ++at; }
-    } while (byte != '\0');
-    return buffer;
 }

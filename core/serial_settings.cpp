@@ -6,8 +6,12 @@
 #include <array>
 #include <cerrno>
 
+#include "core/check.h"
 #include "core/raise.h"
-#include "quorvel/kor/serial.h"
+#include "core/serial.h"
+
+using kor::raise;
+using kor::refuse_null;
 
 namespace kor {
 
@@ -127,3 +131,54 @@ void force_raw(termios& settings) {
 }
 
 }  // namespace kor
+
+namespace {
+
+// Reads the settings, lets `change` alter them in memory and applies them unless it raised.
+template <typename Change>
+void change_settings(const KorSerial* handle, Change&& change) {
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
+    termios settings{};
+    if (tcgetattr(handle->fd, &settings) != 0) { return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", errno); }
+    if (!change(settings)) { return; }
+    kor::force_raw(settings);
+    if (tcsetattr(handle->fd, TCSANOW, &settings) != 0) {
+        return raise(KOR_RESULT_IO_ERROR, "tcsetattr(TCSANOW) error: %d", errno);
+    }
+}
+
+}  // namespace
+
+void kor_serial_config(KorSerial* handle, const KorSerialConfig* config) {
+    if (refuse_null(handle, "'handle' is NULL")) { return; }
+    if (refuse_null(config, "'config' is NULL")) { return; }
+    change_settings(handle, [=](termios& settings) {
+        return kor::set_read_timeout(settings, config->readTimeout) && kor::set_baud_rate(settings, config->baudRate)
+               && kor::set_data_bits(settings, config->dataBits) && kor::set_stop_bits(settings, config->stopBits)
+               && kor::set_parity(settings, config->parity) && kor::set_flow_control(settings, config->flowControl);
+    });
+}
+
+void kor_serial_set_read_timeout(KorSerial* handle, uint8_t tenths) {
+    change_settings(handle, [=](termios& settings) { return kor::set_read_timeout(settings, tenths); });
+}
+
+void kor_serial_set_baud_rate(KorSerial* handle, int32_t baudRate) {
+    change_settings(handle, [=](termios& settings) { return kor::set_baud_rate(settings, baudRate); });
+}
+
+void kor_serial_set_data_bits(KorSerial* handle, int32_t dataBits) {
+    change_settings(handle, [=](termios& settings) { return kor::set_data_bits(settings, dataBits); });
+}
+
+void kor_serial_set_stop_bits(KorSerial* handle, int32_t stopBits) {
+    change_settings(handle, [=](termios& settings) { return kor::set_stop_bits(settings, stopBits); });
+}
+
+void kor_serial_set_parity(KorSerial* handle, int32_t parity) {
+    change_settings(handle, [=](termios& settings) { return kor::set_parity(settings, parity); });
+}
+
+void kor_serial_set_flow_control(KorSerial* handle, int32_t flowControl) {
+    change_settings(handle, [=](termios& settings) { return kor::set_flow_control(settings, flowControl); });
+}
