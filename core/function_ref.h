@@ -11,8 +11,17 @@ namespace kor {
 template <typename Signature>
 class FunctionRef;
 
-// A callable that is borrowed, not owned: valid while the lambda it was made from lives, which for a lambda written in
-// an argument list is the whole call.
+// Of the compilers only clang can be told what a result borrows from; it then refuses to keep one of a lambda that is
+// gone.
+#if __has_cpp_attribute(clang::lifetimebound)
+#define QUORVEL_BORROWED [[clang::lifetimebound]]
+#else
+#define QUORVEL_BORROWED
+#endif
+
+// A callable that is borrowed, not owned. It must not outlive the lambda that it was made from: one written in an
+// argument list lives for the whole call, so a FunctionRef is for parameters, never for a variable or what outlasts the
+// call.
 template <typename Result, typename... Arguments>
 class FunctionRef<Result(Arguments...)> {
 public:
@@ -20,7 +29,8 @@ public:
 
     template <typename Callable>
     requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
-        FunctionRef(Callable&& callable)  // NOLINT(bugprone-forwarding-reference-overload): excluded by the constraint
+        FunctionRef(Callable&& callable
+                        QUORVEL_BORROWED)  // NOLINT(bugprone-forwarding-reference-overload): excluded by the constraint
         : context_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
           call_([](void* context, Arguments... arguments) -> Result {
               return (*static_cast<std::remove_reference_t<Callable>*>(context))(arguments...);
