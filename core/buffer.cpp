@@ -5,14 +5,12 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/byte_order.h"
 #include "core/check.h"
 #include "core/raise.h"
-#include "quorvel/kor/endianness.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 struct KorBuffer {
     uint8_t* storage;
@@ -176,8 +174,7 @@ uint8_t kor_buffer_read_byte(KorBuffer* buffer) {
 
 uint16_t kor_buffer_read_ui16(KorBuffer* buffer, int32_t byteOrder) {
     uint16_t value = 0;
-    if (!take(buffer, value)) { return 0; }
-    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be16toh(value) : kor_endianness_le16toh(value);
+    return take(buffer, value) ? ordered(value, byteOrder) : uint16_t{0};
 }
 
 int16_t kor_buffer_read_i16(KorBuffer* buffer, int32_t byteOrder) {
@@ -186,8 +183,7 @@ int16_t kor_buffer_read_i16(KorBuffer* buffer, int32_t byteOrder) {
 
 uint32_t kor_buffer_read_ui32(KorBuffer* buffer, int32_t byteOrder) {
     uint32_t value = 0;
-    if (!take(buffer, value)) { return 0; }
-    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be32toh(value) : kor_endianness_le32toh(value);
+    return take(buffer, value) ? ordered(value, byteOrder) : uint32_t{0};
 }
 
 int32_t kor_buffer_read_i32(KorBuffer* buffer, int32_t byteOrder) {
@@ -227,9 +223,8 @@ void kor_buffer_write(KorBuffer* buffer, const void* bytes, size_t length) {
 void kor_buffer_write_byte(KorBuffer* buffer, uint8_t byte) { kor_buffer_write(buffer, &byte, sizeof byte); }
 
 void kor_buffer_write_ui16(KorBuffer* buffer, uint16_t value, int32_t byteOrder) {
-    const uint16_t wire =
-        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe16(value) : kor_endianness_htole16(value);
-    kor_buffer_write(buffer, &wire, sizeof wire);
+    value = ordered(value, byteOrder);
+    kor_buffer_write(buffer, &value, sizeof value);
 }
 
 void kor_buffer_write_i16(KorBuffer* buffer, int16_t value, int32_t byteOrder) {
@@ -237,9 +232,8 @@ void kor_buffer_write_i16(KorBuffer* buffer, int16_t value, int32_t byteOrder) {
 }
 
 void kor_buffer_write_ui32(KorBuffer* buffer, uint32_t value, int32_t byteOrder) {
-    const uint32_t wire =
-        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe32(value) : kor_endianness_htole32(value);
-    kor_buffer_write(buffer, &wire, sizeof wire);
+    value = ordered(value, byteOrder);
+    kor_buffer_write(buffer, &value, sizeof value);
 }
 
 void kor_buffer_write_i32(KorBuffer* buffer, int32_t value, int32_t byteOrder) {

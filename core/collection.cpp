@@ -7,7 +7,7 @@
 #include "core/check.h"
 #include "quorvel/kor/heap.h"
 
-using kor::refuse_if;
+using namespace kor;
 
 void* kor_collection_copy(const void* data, size_t size) {
     if (refuse_if(data == nullptr && size != 0, "data is NULL and size != 0")) { return nullptr; }

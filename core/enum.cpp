@@ -7,6 +7,8 @@
 
 #include "core/check.h"
 
+using namespace kor;
+
 namespace {
 
 constexpr int32_t kEnd = INT_MIN;
@@ -14,7 +16,7 @@ constexpr int32_t kEnd = INT_MIN;
 }  // namespace
 
 bool kor_enum_is_valid(int32_t value, ...) {
-    if (kor::refuse_if(value == kEnd, "%d is not acceptable as an enumerator", value)) { return false; }
+    if (refuse_if(value == kEnd, "%d is not acceptable as an enumerator", value)) { return false; }
     va_list enumerators;
     va_start(enumerators, value);
     int32_t next = kEnd;

@@ -14,6 +14,8 @@
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
+using namespace kor;
+
 KorException __cex__{};
 KorExceptionFrameNode* __fefn__ = nullptr;
 KorExceptionFrameNode* __cefn__ = nullptr;
@@ -94,7 +96,7 @@ void kor_exception_fthrow(KorResult_E code, const char* format, ...) {
 }
 
 KorException* kor_exception_get(KorException* out) {
-    if (kor::refuse_null(out, "'out' is NULL")) { return nullptr; }
+    if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     *out = __cex__;
     return out;
 }
@@ -178,10 +180,10 @@ void __kor_exception_end_try__() { kor_exception_previous_frame_node(); }
 
 namespace {
 
-void step(KorExceptionFrameNode* frame, const kor::Branch& body, std::span<const kor::CatchBranch> catches,
-          const kor::Branch& cleanup) {
+void step(KorExceptionFrameNode* frame, const Branch& body, std::span<const CatchBranch> catches,
+          const Branch& cleanup) {
     if (frame->state == kBody) { return body(); }
-    for (const kor::CatchBranch& candidate : catches) {
+    for (const CatchBranch& candidate : catches) {
         if (__kor_exception_catch__(frame, candidate.code)) { return candidate.branch(); }
     }
     if (cleanup && __kor_exception_cleanup__(frame)) { cleanup(); }

@@ -10,8 +10,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_null;
+using namespace kor;
 
 struct KorFile {
     FILE* stream;

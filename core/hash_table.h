@@ -24,6 +24,16 @@ template <typename Entry>
     return slots;
 }
 
+// A record and its slots, once `clear` has emptied it.
+template <typename Record>
+void delete_record(Record** record, void (*clear)(Record*)) {
+    if (record == nullptr || *record == nullptr) { return; }
+    clear(*record);
+    kor_heap_free((*record)->slots);
+    kor_heap_free(*record);
+    *record = nullptr;
+}
+
 // Open addressing with linear probing, for maps and sets alike, in the record of either: its `capacity`, `size` and
 // `slots`, and the two functions named. An entry is a heap cell with a `void* key`, so that an entry whose key is null
 // still fills its slot.

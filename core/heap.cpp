@@ -6,10 +6,12 @@
 
 #include "core/raise.h"
 
+using namespace kor;
+
 void* kor_heap_alloc(size_t size, int nullable) {
     // malloc(0) may give none, which would look like exhaustion.
     void* memory = std::malloc(size != 0 ? size : 1);
-    if (memory == nullptr && (nullable & 1) == 0) { kor::raise(KOR_RESULT_MALLOC_ERROR, nullptr); }
+    if (memory == nullptr && (nullable & 1) == 0) { raise(KOR_RESULT_MALLOC_ERROR, nullptr); }
     return memory;
 }
 

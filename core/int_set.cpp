@@ -5,7 +5,7 @@
 #include "core/check.h"
 #include "quorvel/kor/collection.h"
 
-using kor::refuse_null;
+using namespace kor;
 
 namespace {
 

@@ -7,8 +7,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_null;
+using namespace kor;
 
 struct KorListNode {
     KorListNode* previous;
@@ -34,7 +33,7 @@ bool remove(KorList& list, KorListNode* node) {
     --list.size;
     void* item = node->item;
     kor_heap_free(node);
-    kor::release(list.itemDelFn, item);
+    release(list.itemDelFn, item);
     return true;
 }
 
@@ -71,29 +70,20 @@ void kor_list_delete(KorList** list) {
     *list = nullptr;
 }
 
-uint32_t kor_list_size(const KorList* list) {
-    if (refuse_null(list, "list is NULL")) { return 0; }
-    return list->size;
-}
+uint32_t kor_list_size(const KorList* list) { return refuse_null(list, "list is NULL") ? 0 : list->size; }
 
-KorListNode* kor_list_first(const KorList* list) {
-    if (refuse_null(list, "list is NULL")) { return nullptr; }
-    return list->first;
-}
+KorListNode* kor_list_first(const KorList* list) { return refuse_null(list, "list is NULL") ? nullptr : list->first; }
 
-KorListNode* kor_list_last(const KorList* list) {
-    if (refuse_null(list, "list is NULL")) { return nullptr; }
-    return list->last;
-}
+KorListNode* kor_list_last(const KorList* list) { return refuse_null(list, "list is NULL") ? nullptr : list->last; }
 
 KorListNode* kor_list_append(KorList* list, const void* item) {
     if (refuse_null(list, "list is NULL")) { return nullptr; }
     // The copy comes first: it may raise, and until then there is nothing to release.
-    const auto copy = kor::item_copy(list->itemCpFn, item);
+    const auto copy = item_copy(list->itemCpFn, item);
     if (!copy) { return nullptr; }
     auto* node = static_cast<KorListNode*>(kor_heap_alloc(sizeof(KorListNode), 1));
     if (node == nullptr) {
-        kor::release(list->itemDelFn, *copy);
+        release(list->itemDelFn, *copy);
         return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
     }
     *node = {list->last, nullptr, *copy};
@@ -103,30 +93,18 @@ KorListNode* kor_list_append(KorList* list, const void* item) {
     return node;
 }
 
-bool kor_list_pop(KorList* list) {
-    if (refuse_null(list, "list is NULL")) { return false; }
-    return remove(*list, list->last);
-}
+bool kor_list_pop(KorList* list) { return refuse_null(list, "list is NULL") ? false : remove(*list, list->last); }
 
-bool kor_list_poll(KorList* list) {
-    if (refuse_null(list, "list is NULL")) { return false; }
-    return remove(*list, list->first);
-}
+bool kor_list_poll(KorList* list) { return refuse_null(list, "list is NULL") ? false : remove(*list, list->first); }
 
-KorListNode* kor_list_next(const KorListNode* node) {
-    if (refuse_null(node, "node is NULL")) { return nullptr; }
-    return node->next;
-}
+KorListNode* kor_list_next(const KorListNode* node) { return refuse_null(node, "node is NULL") ? nullptr : node->next; }
 
 KorListNode* kor_list_previous(const KorListNode* node) {
     if (refuse_null(node, "node is NULL")) { return nullptr; }
     return node->previous;
 }
 
-void* kor_list_item(const KorListNode* node) {
-    if (refuse_null(node, "node is NULL")) { return nullptr; }
-    return node->item;
-}
+void* kor_list_item(const KorListNode* node) { return refuse_null(node, "node is NULL") ? nullptr : node->item; }
 
 KorListNode* kor_list_find_first(const KorList* list, const void* item, uint32_t* outIndex) {
     if (refuse_null(list, "list is NULL")) { return nullptr; }

@@ -12,11 +12,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::item_copy;
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
-using kor::release;
+using namespace kor;
 
 struct KorMapEntry {
     void* key;
@@ -49,7 +45,7 @@ namespace {
 
 template <typename Map>
 auto table_of(Map& map) {
-    return kor::HashTable<Map, &KorMap::keyHashFn, &KorMap::keyEqualsFn>(map);
+    return HashTable<Map, &KorMap::keyHashFn, &KorMap::keyEqualsFn>(map);
 }
 
 auto discard_from(const KorMap& map) {
@@ -65,7 +61,7 @@ std::optional<KorMapEntry> entry_copy(const KorMap& map, const void* key, const 
     const auto keyCopy = item_copy(map.keyCpFn, key);
     if (!keyCopy) { return std::nullopt; }
     std::optional<void*> valueCopy;
-    kor::attempt([&] { valueCopy = item_copy(map.valueCpFn, value); })
+    attempt([&] { valueCopy = item_copy(map.valueCpFn, value); })
         .cleanup([&] {
             if (!valueCopy) { release(map.keyDelFn, *keyCopy); }
         })
@@ -112,7 +108,7 @@ KorMap* kor_map_new(uint32_t initialCapacity, KorItemHashFn keyHashFn, KorItemEq
     if (map == nullptr) { return nullptr; }
     *map = {initialCapacity, keyHashFn, keyEqualsFn,
             keyCpFn,         valueCpFn, keyDelFn,
-            valueDelFn,      0,         kor::new_slots<KorMapEntry>(initialCapacity)};
+            valueDelFn,      0,         new_slots<KorMapEntry>(initialCapacity)};
     if (map->slots == nullptr) {
         kor_heap_free(map);
         return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
@@ -140,23 +136,11 @@ void kor_map_clear(KorMap* map) {
     table_of(*map).clear(discard_from(*map));
 }
 
-void kor_map_delete(KorMap** map) {
-    if (map == nullptr || *map == nullptr) { return; }
-    kor_map_clear(*map);
-    kor_heap_free((*map)->slots);
-    kor_heap_free(*map);
-    *map = nullptr;
-}
+void kor_map_delete(KorMap** map) { delete_record(map, kor_map_clear); }
 
-uint32_t kor_map_capacity(const KorMap* map) {
-    if (refuse_null(map, "map is NULL")) { return 0; }
-    return map->capacity;
-}
+uint32_t kor_map_capacity(const KorMap* map) { return refuse_null(map, "map is NULL") ? 0 : map->capacity; }
 
-uint32_t kor_map_size(const KorMap* map) {
-    if (refuse_null(map, "map is NULL")) { return 0; }
-    return map->size;
-}
+uint32_t kor_map_size(const KorMap* map) { return refuse_null(map, "map is NULL") ? 0 : map->size; }
 
 KorMapIterator* kor_map_begin(const KorMap* map, KorMapIterator* out) {
     if (refuse_null(map, "map is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }

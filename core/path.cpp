@@ -14,9 +14,7 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 namespace {
 
@@ -111,7 +109,7 @@ KorList* kor_path_list_entries(const char* path, KorList* out) {
     DIR* directory = opendir(path);
     if (directory == nullptr) { return raise(KOR_RESULT_IO_ERROR, "opendir() error: "), out; }
     int error = 0;
-    kor::attempt([&] { error = append_entries(directory, out); }).cleanup([&] { closedir(directory); }).run();
+    attempt([&] { error = append_entries(directory, out); }).cleanup([&] { closedir(directory); }).run();
     if (error == EBADF) { raise(KOR_RESULT_IO_ERROR, "readdir() error: "); }
     return out;
 }

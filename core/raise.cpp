@@ -6,6 +6,8 @@
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/string.h"
 
+using namespace kor;
+
 namespace {
 
 using Detail = char[sizeof KorException::message];

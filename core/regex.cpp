@@ -9,8 +9,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_null;
+using namespace kor;
 
 struct KorRegex {
     regex_t expression;
@@ -46,7 +45,7 @@ bool kor_regex_match(const char* text, const KorRegex* regex) {
 bool kor_regex_smatch(const char* text, const char* pattern) {
     bool matched = false;
     KorRegex* regex = nullptr;
-    kor::attempt([&] {
+    attempt([&] {
         regex = kor_regex_new(pattern);
         matched = kor_regex_match(text, regex);
     }).cleanup([&] {

@@ -7,6 +7,8 @@
 
 #include "core/raise.h"
 
+using namespace kor;
+
 namespace {
 
 constexpr std::array<const char*, 14> kNames{
@@ -32,7 +34,7 @@ static_assert(std::string_view{kNames[KOR_RESULT_TIMEOUT_ERROR]} == "KOR_RESULT_
 
 const char* kor_result_to_string(KorResult_E code) {
     if (code < 0 || static_cast<size_t>(code) >= kNames.size()) {
-        return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled KorResult_E: %d\n", code), "";
+        return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled KorResult_E: %d\n", code), "";
     }
     return kNames[static_cast<size_t>(code)];
 }

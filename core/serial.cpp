@@ -16,9 +16,7 @@
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_null;
-using kor::retry;
+using namespace kor;
 
 namespace {
 
@@ -65,7 +63,7 @@ KorSerial* kor_serial_open(const char* path) {
     auto* handle = static_cast<KorSerial*>(kor_heap_alloc(sizeof(KorSerial), 0));
     if (handle == nullptr) { return nullptr; }
     handle->fd = -1;
-    kor::attempt([&] { handle->fd = open_terminal(path); })
+    attempt([&] { handle->fd = open_terminal(path); })
         .on_any([&] {
             KorException error;
             kor_exception_get(&error);

@@ -7,16 +7,13 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "core/byte_order.h"
 #include "core/check.h"
 #include "core/raise.h"
 #include "core/retry.h"
 #include "core/serial.h"
-#include "quorvel/kor/endianness.h"
 
-using kor::Deadline;
-using kor::raise;
-using kor::refuse_null;
-using kor::retry;
+using namespace kor;
 using namespace std::chrono_literals;
 
 namespace {
@@ -132,9 +129,8 @@ void kor_serial_write_str(KorSerial* handle, const char* text, bool withTerminat
 }
 
 void kor_serial_write_ui16(KorSerial* handle, uint16_t value, int32_t byteOrder) {
-    const uint16_t ordered =
-        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe16(value) : kor_endianness_htole16(value);
-    kor_serial_write(handle, &ordered, sizeof ordered);
+    value = ordered(value, byteOrder);
+    kor_serial_write(handle, &value, sizeof value);
 }
 
 void kor_serial_write_i16(KorSerial* handle, int16_t value, int32_t byteOrder) {
@@ -142,9 +138,8 @@ void kor_serial_write_i16(KorSerial* handle, int16_t value, int32_t byteOrder) {
 }
 
 void kor_serial_write_ui32(KorSerial* handle, uint32_t value, int32_t byteOrder) {
-    const uint32_t ordered =
-        byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe32(value) : kor_endianness_htole32(value);
-    kor_serial_write(handle, &ordered, sizeof ordered);
+    value = ordered(value, byteOrder);
+    kor_serial_write(handle, &value, sizeof value);
 }
 
 void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byteOrder) {
@@ -166,8 +161,7 @@ uint8_t kor_serial_read_byte(KorSerial* handle) {
 
 uint16_t kor_serial_read_ui16(KorSerial* handle, int32_t byteOrder) {
     uint16_t value = 0;
-    if (!read_all(handle, &value, sizeof value)) { return 0; }
-    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be16toh(value) : kor_endianness_le16toh(value);
+    return read_all(handle, &value, sizeof value) ? ordered(value, byteOrder) : uint16_t{0};
 }
 
 int16_t kor_serial_read_i16(KorSerial* handle, int32_t byteOrder) {
@@ -176,8 +170,7 @@ int16_t kor_serial_read_i16(KorSerial* handle, int32_t byteOrder) {
 
 uint32_t kor_serial_read_ui32(KorSerial* handle, int32_t byteOrder) {
     uint32_t value = 0;
-    if (!read_all(handle, &value, sizeof value)) { return 0; }
-    return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_be32toh(value) : kor_endianness_le32toh(value);
+    return read_all(handle, &value, sizeof value) ? ordered(value, byteOrder) : uint32_t{0};
 }
 
 int32_t kor_serial_read_i32(KorSerial* handle, int32_t byteOrder) {

@@ -12,7 +12,7 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 
-using kor::refuse_null;
+using namespace kor;
 
 namespace {
 
@@ -35,7 +35,7 @@ bool is_port_name(const char* name, const KorRegex* expression) {
 bool is_port(const char* path) {
     bool usable = false;
     KorSerial* port = nullptr;
-    kor::attempt([&] {
+    attempt([&] {
         if (kor_path_is_dir(path) || kor_path_is_file(path)) { return; }
         port = kor_serial_open(path);
         kor_serial_close(&port);
@@ -63,7 +63,7 @@ KorList* kor::list_serial_ports(const char* directory, KorList* out) {
     const KorRegex* expression = port_name_expression();
     if (expression == nullptr) { return out; }
     KorList* names = nullptr;
-    kor::attempt([&] {
+    attempt([&] {
         if (!kor_path_exists(directory) || !kor_path_is_dir(directory)) { return; }
         names = kor_string_list_new();
         kor_path_list_entries(directory, names);
@@ -74,4 +74,4 @@ KorList* kor::list_serial_ports(const char* directory, KorList* out) {
     return out;
 }
 
-KorList* kor_serial_list_ports(KorList* out) { return kor::list_serial_ports("/dev/", out); }
+KorList* kor_serial_list_ports(KorList* out) { return list_serial_ports("/dev/", out); }

@@ -10,8 +10,7 @@
 #include "core/raise.h"
 #include "core/serial.h"
 
-using kor::raise;
-using kor::refuse_null;
+using namespace kor;
 
 namespace kor {
 
@@ -141,7 +140,7 @@ void change_settings(const KorSerial* handle, Change&& change) {
     termios settings{};
     if (tcgetattr(handle->fd, &settings) != 0) { return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", errno); }
     if (!change(settings)) { return; }
-    kor::force_raw(settings);
+    force_raw(settings);
     if (tcsetattr(handle->fd, TCSANOW, &settings) != 0) {
         return raise(KOR_RESULT_IO_ERROR, "tcsetattr(TCSANOW) error: %d", errno);
     }
@@ -153,32 +152,32 @@ void kor_serial_config(KorSerial* handle, const KorSerialConfig* config) {
     if (refuse_null(handle, "'handle' is NULL")) { return; }
     if (refuse_null(config, "'config' is NULL")) { return; }
     change_settings(handle, [=](termios& settings) {
-        return kor::set_read_timeout(settings, config->readTimeout) && kor::set_baud_rate(settings, config->baudRate)
-               && kor::set_data_bits(settings, config->dataBits) && kor::set_stop_bits(settings, config->stopBits)
-               && kor::set_parity(settings, config->parity) && kor::set_flow_control(settings, config->flowControl);
+        return set_read_timeout(settings, config->readTimeout) && set_baud_rate(settings, config->baudRate)
+               && set_data_bits(settings, config->dataBits) && set_stop_bits(settings, config->stopBits)
+               && set_parity(settings, config->parity) && set_flow_control(settings, config->flowControl);
     });
 }
 
 void kor_serial_set_read_timeout(KorSerial* handle, uint8_t tenths) {
-    change_settings(handle, [=](termios& settings) { return kor::set_read_timeout(settings, tenths); });
+    change_settings(handle, [=](termios& settings) { return set_read_timeout(settings, tenths); });
 }
 
 void kor_serial_set_baud_rate(KorSerial* handle, int32_t baudRate) {
-    change_settings(handle, [=](termios& settings) { return kor::set_baud_rate(settings, baudRate); });
+    change_settings(handle, [=](termios& settings) { return set_baud_rate(settings, baudRate); });
 }
 
 void kor_serial_set_data_bits(KorSerial* handle, int32_t dataBits) {
-    change_settings(handle, [=](termios& settings) { return kor::set_data_bits(settings, dataBits); });
+    change_settings(handle, [=](termios& settings) { return set_data_bits(settings, dataBits); });
 }
 
 void kor_serial_set_stop_bits(KorSerial* handle, int32_t stopBits) {
-    change_settings(handle, [=](termios& settings) { return kor::set_stop_bits(settings, stopBits); });
+    change_settings(handle, [=](termios& settings) { return set_stop_bits(settings, stopBits); });
 }
 
 void kor_serial_set_parity(KorSerial* handle, int32_t parity) {
-    change_settings(handle, [=](termios& settings) { return kor::set_parity(settings, parity); });
+    change_settings(handle, [=](termios& settings) { return set_parity(settings, parity); });
 }
 
 void kor_serial_set_flow_control(KorSerial* handle, int32_t flowControl) {
-    change_settings(handle, [=](termios& settings) { return kor::set_flow_control(settings, flowControl); });
+    change_settings(handle, [=](termios& settings) { return set_flow_control(settings, flowControl); });
 }

@@ -7,9 +7,7 @@
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 // The order of the fields is a promise, as in a map.
 static_assert(offsetof(KorSet, capacity) == 0);
@@ -23,12 +21,12 @@ static_assert(offsetof(KorSet, size) < offsetof(KorSet, slots));
 namespace {
 
 template <typename Set>
-kor::SetTable<Set> table_of(Set& set) {
-    return kor::SetTable<Set>(set);
+SetTable<Set> table_of(Set& set) {
+    return SetTable<Set>(set);
 }
 
 auto discard_from(const KorSet& set) {
-    return [&set](const KorSetCell& cell) { kor::release(set.itemDelFn, cell.key); };
+    return [&set](const KorSetCell& cell) { release(set.itemDelFn, cell.key); };
 }
 
 KorSetIterator* show(KorSetIterator* it, const KorSetCell* cell) {
@@ -48,8 +46,7 @@ KorSet* kor_set_new(uint32_t initialCapacity, KorItemHashFn itemHashFn, KorItemE
     }
     auto* set = static_cast<KorSet*>(kor_heap_alloc(sizeof(KorSet), 0));
     if (set == nullptr) { return nullptr; }
-    *set = {
-        initialCapacity, itemHashFn, itemEqualsFn, itemCpFn, itemDelFn, 0, kor::new_slots<KorSetCell>(initialCapacity)};
+    *set = {initialCapacity, itemHashFn, itemEqualsFn, itemCpFn, itemDelFn, 0, new_slots<KorSetCell>(initialCapacity)};
     if (set->slots == nullptr) {
         kor_heap_free(set);
         return raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
@@ -72,14 +69,14 @@ std::optional<kor::SetAddition> kor::prepare_put(KorSet& set, const void* item) 
 void* kor::put(KorSet& set, const SetAddition& addition) { return table_of(set).add(addition)->key; }
 
 void kor::abandon_put(KorSet& set, const SetAddition& addition) {
-    kor::release(set.itemDelFn, addition.entry->key);
+    release(set.itemDelFn, addition.entry->key);
     table_of(set).abandon(addition);
 }
 
 void* kor_set_put(KorSet* set, const void* item) {
     if (refuse_null(set, "'set' is NULL")) { return nullptr; }
-    const auto addition = kor::prepare_put(*set, item);
-    return addition ? kor::put(*set, *addition) : nullptr;
+    const auto addition = prepare_put(*set, item);
+    return addition ? put(*set, *addition) : nullptr;
 }
 
 bool kor_set_contains(const KorSet* set, const void* item) {
@@ -92,23 +89,11 @@ void kor_set_clear(KorSet* set) {
     table_of(*set).clear(discard_from(*set));
 }
 
-void kor_set_delete(KorSet** set) {
-    if (set == nullptr || *set == nullptr) { return; }
-    kor_set_clear(*set);
-    kor_heap_free((*set)->slots);
-    kor_heap_free(*set);
-    *set = nullptr;
-}
+void kor_set_delete(KorSet** set) { delete_record(set, kor_set_clear); }
 
-uint32_t kor_set_capacity(const KorSet* set) {
-    if (refuse_null(set, "'set' is NULL")) { return 0; }
-    return set->capacity;
-}
+uint32_t kor_set_capacity(const KorSet* set) { return refuse_null(set, "'set' is NULL") ? 0 : set->capacity; }
 
-uint32_t kor_set_size(const KorSet* set) {
-    if (refuse_null(set, "'set' is NULL")) { return 0; }
-    return set->size;
-}
+uint32_t kor_set_size(const KorSet* set) { return refuse_null(set, "'set' is NULL") ? 0 : set->size; }
 
 KorSetIterator* kor_set_begin(const KorSet* set, KorSetIterator* out) {
     if (refuse_null(set, "'set' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }

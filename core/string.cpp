@@ -9,8 +9,7 @@
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/system.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 namespace {
 

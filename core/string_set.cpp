@@ -6,7 +6,7 @@
 #include "quorvel/kor/collection.h"
 #include "quorvel/kor/string.h"
 
-using kor::refuse_null;
+using namespace kor;
 
 namespace {
 

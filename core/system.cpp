@@ -9,7 +9,7 @@
 
 #include "core/raise.h"
 
-using kor::raise;
+using namespace kor;
 
 int64_t kor_system_current_time_millis() {
     timeval now{};

@@ -10,15 +10,14 @@
 
 #include "core/attempt.h"
 #include "core/check.h"
+#include "core/construct.h"
 #include "core/raise.h"
 #include "core/set.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_set.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 struct KorTestSuite {
     KorSet* cases;
@@ -64,20 +63,10 @@ uint32_t hash_case(const void* item) {
 }  // namespace
 
 KorTestSuite* kor_test_suite_new() {
-    KorTestSuite* suite = nullptr;
-    bool complete = false;
-    kor::attempt([&] {
-        suite = static_cast<KorTestSuite*>(kor_heap_alloc(sizeof(KorTestSuite), 0));
-        *suite = {nullptr, nullptr};
+    return construct(kor_test_suite_delete, [](KorTestSuite* suite) {
         suite->cases = kor_set_new(kInitialCapacity, hash_case, case_equals, copy_case, delete_case);
         suite->titles = kor_string_set_new(kInitialCapacity);
-        complete = true;
-    })
-        .cleanup([&] {
-            if (!complete) { kor_test_suite_delete(&suite); }
-        })
-        .run();
-    return suite;
+    });
 }
 
 void kor_test_suite_delete(KorTestSuite** suite) {
@@ -100,17 +89,17 @@ void kor_test_suite_add_case(KorTestSuite* suite, const char* title, KorTestFn f
     }
     if (refuse_if(kor_string_set_contains(suite->titles, title), "Test case title already registered")) { return; }
     // The case's copy may raise: the title's is then given back, so that the same call can be made again.
-    const auto newTitle = kor::prepare_put(*suite->titles, title);
+    const auto newTitle = prepare_put(*suite->titles, title);
     if (!newTitle) { return; }
-    std::optional<kor::SetAddition> newCase;
-    kor::attempt([&] { newCase = kor::prepare_put(*suite->cases, &wanted); })
+    std::optional<SetAddition> newCase;
+    attempt([&] { newCase = prepare_put(*suite->cases, &wanted); })
         .cleanup([&] {
-            if (!newCase) { kor::abandon_put(*suite->titles, *newTitle); }
+            if (!newCase) { abandon_put(*suite->titles, *newTitle); }
         })
         .run();
     if (!newCase) { return; }
-    kor::put(*suite->titles, *newTitle);
-    kor::put(*suite->cases, *newCase);
+    put(*suite->titles, *newTitle);
+    put(*suite->cases, *newCase);
 }
 
 void kor_test_suite_run(KorTestSuite* suite) {

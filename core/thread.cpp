@@ -8,8 +8,7 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_if;
+using namespace kor;
 
 void kor_thread_sleep(uint64_t millis) {
     if (refuse_if(millis == 0, "millis == 0")) { return; }

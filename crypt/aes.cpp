@@ -8,14 +8,8 @@
 #include "crypt/block.h"
 #include "quorvel/kor/heap.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
-using kor::crypt::BlockCipher;
-using kor::crypt::cbc;
-using kor::crypt::Direction;
-using kor::crypt::ecb;
-using kor::crypt::Key;
-using kor::crypt::Registry;
+using namespace kor;
+using namespace kor::crypt;
 
 struct CryptAesCipher {
     uint8_t key[32];

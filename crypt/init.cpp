@@ -5,7 +5,7 @@
 #include "core/raise.h"
 #include "crypt/registry.h"
 
-using kor::raise;
+using namespace kor;
 
 namespace kor::crypt {
 

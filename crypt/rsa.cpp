@@ -16,18 +16,8 @@
 #include "crypt/stack.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
-using kor::crypt::draw;
-using kor::crypt::from_bytes;
-using kor::crypt::generate;
-using kor::crypt::Limb;
-using kor::crypt::raise_to_private;
-using kor::crypt::registry;
-using kor::crypt::succeeded;
-using kor::crypt::to_bytes;
-using kor::crypt::without_trace;
+using namespace kor;
+using namespace kor::crypt;
 
 namespace {
 

@@ -4,12 +4,7 @@
 
 #include "crypt/block.h"
 
-using kor::crypt::BlockCipher;
-using kor::crypt::cbc;
-using kor::crypt::Direction;
-using kor::crypt::ecb;
-using kor::crypt::Key;
-using kor::crypt::Registry;
+using namespace kor::crypt;
 
 namespace {
 

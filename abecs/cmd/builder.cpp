@@ -9,15 +9,13 @@
 #include "abecs/data/param.h"
 #include "core/attempt.h"
 #include "core/check.h"
+#include "core/construct.h"
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
-
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -36,20 +34,10 @@ void write_block(KorBuffer* block, AbecsPacket* out) {
 }  // namespace
 
 AbecsCmdBuilder* abecs_cmd_builder_new() {
-    AbecsCmdBuilder* builder = nullptr;
-    bool complete = false;
-    kor::attempt([&] {
-        builder = static_cast<AbecsCmdBuilder*>(kor_heap_alloc(sizeof(AbecsCmdBuilder), 0));
-        *builder = {};
+    return construct(abecs_cmd_builder_delete, [](AbecsCmdBuilder* builder) {
         builder->blk1 = kor_buffer_new(kMaxBlock);
         builder->blk2 = kor_buffer_new(kMaxBlock);
-        complete = true;
-    })
-        .cleanup([&] {
-            if (!complete) { abecs_cmd_builder_delete(&builder); }
-        })
-        .run();
-    return builder;
+    });
 }
 
 void abecs_cmd_builder_delete(AbecsCmdBuilder** builder) {
@@ -81,7 +69,7 @@ void abecs_cmd_builder_add_param(AbecsCmdBuilder* builder, AbecsParam* param) {
     KorBufferState before;
     kor_buffer_save_state(block, &before);
     bool added = false;
-    kor::attempt([&] { added = append_param(block, param); })
+    attempt([&] { added = append_param(block, param); })
         .cleanup([&] {
             if (!added) { kor_buffer_set_state(block, &before); }
         })

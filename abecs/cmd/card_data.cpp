@@ -8,11 +8,14 @@
 #include "core/attempt.h"
 #include "quorvel/abecs/pan.h"
 
+using namespace abecs;
+using namespace kor;
+
 bool abecs::decipher_card_data(const AbecsComm* link, char* text, size_t length) {
     if (!has_pan_key(link)) { return false; }
     AbecsWkPan key{};
     bool done = false;
-    kor::attempt([&] {
+    attempt([&] {
         copy_pan_key(link, key);
         // The clear text is never longer than what it is made of, so the room of that is enough.
         const char* clear = abecs_pan_decrypt_track2(text, strnlen(text, length), &key);

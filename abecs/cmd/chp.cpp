@@ -9,10 +9,8 @@
 #include "core/check.h"
 #include "quorvel/kor/enum.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
-using kor::refuse_outside;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

@@ -12,10 +12,8 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_null;
-using kor::refuse_outside;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

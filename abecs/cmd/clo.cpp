@@ -5,18 +5,12 @@
 #include "abecs/cmd/exchange.h"
 #include "abecs/cmd/message.h"
 
-using kor::refuse_null;
 using namespace abecs;
-
-namespace {
-
-constexpr Command kClo{.id = "CLO"};
-
-}  // namespace
+using namespace kor;
 
 int32_t abecs_cmd_clo(AbecsComm* pinpad, const char* msg) {
     const char* text = msg != nullptr ? msg : "";
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_long_message(text)) { return kRaised; }
-    return call(pinpad, kClo, Request::fields([&](AbecsPacket* packet) { write_message(packet, text); }),
+    return call(pinpad, {.id = "CLO"}, Request::fields([&](AbecsPacket* packet) { write_message(packet, text); }),
                 Response::status());
 }

@@ -5,12 +5,11 @@
 #include "abecs/cmd/exchange.h"
 #include "abecs/cmd/message.h"
 
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
-constexpr Command kDex{.id = "DEX"};
 constexpr size_t kMaxMessage = 160;
 
 }  // namespace
@@ -21,7 +20,7 @@ int32_t abecs_cmd_dex(AbecsComm* pinpad, const char* msg) {
         return kRaised;
     }
     const size_t length = kor_string_len(msg);
-    return call(pinpad, kDex, Request::fields([&](AbecsPacket* packet) {
+    return call(pinpad, {.id = "DEX"}, Request::fields([&](AbecsPacket* packet) {
                     abecs_packet_write_field_n(packet, kLengthWidth + length, kLengthWidth);
                     abecs_packet_write_field_n(packet, length, kLengthWidth);
                     abecs_packet_write_field_s(packet, msg, length, true);

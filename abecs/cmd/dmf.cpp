@@ -9,9 +9,8 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

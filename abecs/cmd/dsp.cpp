@@ -5,19 +5,13 @@
 #include "abecs/cmd/exchange.h"
 #include "abecs/cmd/message.h"
 
-using kor::refuse_null;
 using namespace abecs;
-
-namespace {
-
-constexpr Command kDsp{.id = "DSP"};
-
-}  // namespace
+using namespace kor;
 
 int32_t abecs_cmd_dsp(AbecsComm* pinpad, const char* msg) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(msg, "'msg' is NULL") || refuse_long_message(msg)) {
         return kRaised;
     }
-    return call(pinpad, kDsp, Request::fields([&](AbecsPacket* packet) { write_message(packet, msg); }),
+    return call(pinpad, {.id = "DSP"}, Request::fields([&](AbecsPacket* packet) { write_message(packet, msg); }),
                 Response::status());
 }

@@ -16,11 +16,8 @@
 #include "quorvel/crypt/rsa.h"
 #include "quorvel/kor/system.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
-using kor::refuse_outside;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -134,7 +131,7 @@ int32_t abecs_cmd_dwk1(AbecsComm* pinpad, const AbecsMk* mk, AbecsWkPan* wkPanOu
     AbecsWkPan key{mk->type == ABECS_MK_TYPE_DES ? ABECS_WK_PAN_TYPE_DES : ABECS_WK_PAN_TYPE_TDES, {}};
     uint8_t enciphered[sizeof key.key];
     int32_t stat = kRaised;
-    kor::attempt([&] {
+    attempt([&] {
         draw(key.key);
         std::memcpy(enciphered, key.key, sizeof enciphered);
         if (!encipher(*mk, enciphered, sizeof enciphered)) { return; }
@@ -158,7 +155,7 @@ int32_t abecs_cmd_dwk2(AbecsComm* pinpad, AbecsWkPan* wkPanOut, bool setOnLink) 
     RsaVariant secrets;
     CryptRsaPublicKey publicKey{};
     int32_t stat = kRaised;
-    kor::attempt([&] {
+    attempt([&] {
         secrets.rsa = crypt_rsa_key_new(static_cast<int32_t>(kModulusLength), kPublicExponent);
         secrets.buffer = kor_buffer_new(kModulusLength);
         crypt_rsa_get_public_key(secrets.rsa, &publicKey);

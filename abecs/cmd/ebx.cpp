@@ -10,10 +10,8 @@
 #include "core/raise.h"
 #include "quorvel/abecs/rsp_dat_id.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 struct AbecsCmdEbxBuilder : ParamBuilder {
     AbecsSpeMthdDat_E mthdDat;

@@ -11,9 +11,8 @@
 #include "core/check.h"
 #include "quorvel/abecs/data.h"
 
-using kor::refuse_null;
-using kor::refuse_outside;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -29,7 +28,7 @@ template <size_t Width, typename Transform>
 char* transformed(const char* hex, char* out, Transform transform) {
     uint8_t bytes[Width / 2]{};
     bool done = false;
-    kor::attempt([&] {
+    attempt([&] {
         abecs_data_from_hex(hex, bytes, sizeof bytes);
         if (!transform(bytes, sizeof bytes)) { return; }
         abecs_data_to_hex(bytes, sizeof bytes, out, Width + 1);

@@ -11,8 +11,7 @@
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
-using kor::refuse_null;
+using namespace kor;
 
 namespace abecs {
 
@@ -62,7 +61,7 @@ bool send_request(AbecsComm* pinpad, const Command& command, const Request& requ
     Temporaries own;
     bool sent = false;
     const BuilderState state = save_builder(request.builder);
-    kor::attempt([&] {
+    attempt([&] {
         write_request(own, command, request);
         abecs_comm_send_packet(pinpad, own.packet);
         if (blocking) { abecs_comm_lock(pinpad, command.name); }
@@ -98,7 +97,7 @@ void copy_into_map(AbecsParam* param, AbecsRspParamMap* map) {
         return;
     }
     uint8_t* copy = nullptr;
-    kor::attempt([&] {
+    attempt([&] {
         copy = static_cast<uint8_t*>(kor_heap_alloc(size + 1, 0));
         copy[size] = 0;
         abecs_param_read_field_b(param, copy, size, size);
@@ -173,7 +172,7 @@ int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Respo
     Temporaries own;
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
-    kor::attempt([&] {
+    attempt([&] {
         send_request(pinpad, command, request, false);
         stat = read_answer(pinpad, own, command, response, false, nullptr);
     }).cleanup([&] {
@@ -189,7 +188,7 @@ int32_t send(AbecsComm* pinpad, const Command& command, Request&& request) {
 // The code is taken while the error is pending: nothing is left of it once its raise has returned.
 KorResult_E send_for_result(AbecsComm* pinpad, const Command& command, Request&& request) {
     KorResult_E code = KOR_RESULT_OK;
-    kor::attempt([&] {
+    attempt([&] {
         send_request(pinpad, command, request, true);
     }).cleanup([&] {
           code = KorResult_E{kor_exception_get_error()};
@@ -205,7 +204,7 @@ int32_t poll(AbecsComm* pinpad, const Command& command, Response&& response, cha
     Temporaries own;
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
-    kor::attempt([&] {
+    attempt([&] {
         stat = read_answer(pinpad, own, command, response, true, notification);
         if (stat != ABECS_RSP_STAT_ST_NOTIFICATION) { abecs_comm_release(pinpad); }
     })

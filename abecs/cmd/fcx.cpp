@@ -10,10 +10,8 @@
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 struct AbecsCmdFcxBuilder : ParamBuilder {
     bool arcRequired;

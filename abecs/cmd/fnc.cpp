@@ -6,9 +6,8 @@
 #include "abecs/cmd/member_text.h"
 #include "core/check.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

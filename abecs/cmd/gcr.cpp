@@ -17,10 +17,8 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -50,7 +48,7 @@ static_assert(is_sorted_and_unique(kChipStats));
 
 bool refuse_moment(const AbecsCmdGcrData& data) {
     bool refused = true;
-    kor::attempt([&] {
+    attempt([&] {
         abecs_data_validate_date(&data.date);
         abecs_data_validate_time(&data.time);
         refused = false;

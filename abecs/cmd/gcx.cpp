@@ -9,9 +9,8 @@
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/string.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 struct AbecsCmdGcxBuilder : ParamBuilder {};
 

@@ -6,10 +6,8 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_null;
-using kor::refuse_outside;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -17,7 +15,7 @@ constexpr Command kGdu{.id = "GDU", .unexpectedId = UnexpectedId::kTable};
 constexpr size_t kKsnWidth = 20;
 
 void read_ksn(AbecsPacket* packet, char* out) {
-    const auto length = static_cast<unsigned>(abecs_packet_read_field_n(packet, 3));
+    const auto length = static_cast<unsigned>(abecs_packet_read_field_n(packet, kLengthWidth));
     if (length != kKsnWidth) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 (expected: 20, read: %u)", length);
     }

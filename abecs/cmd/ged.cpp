@@ -8,10 +8,8 @@
 #include "quorvel/abecs/rsp_dat_id.h"
 #include "quorvel/abecs/spe_id.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

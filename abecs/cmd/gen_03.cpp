@@ -10,11 +10,8 @@
 #include "quorvel/abecs/data.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
-using kor::refuse_outside;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -76,7 +73,7 @@ AbecsCmdGen0303Data* abecs_cmd_gen_03_03_encode_data(const AbecsCmdGen0303Data* 
     }
     uint8_t area[kMaxData / 2]{};
     bool done = false;
-    kor::attempt([&] {
+    attempt([&] {
         abecs_data_from_hex2(clearData->data, size, area, sizeof area);
         if (!decipher(*wkPan, area, sizeof area)) { return; }
         abecs_data_to_hex(area, size / 2, out->data, sizeof out->data);

@@ -8,9 +8,8 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

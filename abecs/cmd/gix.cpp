@@ -10,9 +10,8 @@
 #include "core/check.h"
 #include "quorvel/abecs/spe_id.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

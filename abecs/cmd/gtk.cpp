@@ -13,10 +13,8 @@
 #include "quorvel/abecs/rsp_dat_id.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 struct AbecsCmdGtkBuilder : ParamBuilder {
     int32_t mthdDat;

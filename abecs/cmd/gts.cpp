@@ -6,9 +6,8 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -16,7 +15,7 @@ constexpr Command kGts{.id = "GTS", .unexpectedId = UnexpectedId::kTable};
 constexpr size_t kVersionWidth = 10;
 
 void read_version(AbecsPacket* packet, char* out) {
-    const auto length = static_cast<uint32_t>(abecs_packet_read_field_n(packet, 3));
+    const auto length = static_cast<unsigned>(abecs_packet_read_field_n(packet, kLengthWidth));
     if (length != kVersionWidth) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 (expected: 10, read: %u)", length);
     }

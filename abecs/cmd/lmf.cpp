@@ -9,9 +9,8 @@
 #include "quorvel/abecs/rsp_dat_id.h"
 #include "quorvel/kor/string_list.h"
 
-using kor::raise;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

@@ -5,8 +5,7 @@
 #include "core/check.h"
 #include "quorvel/kor/string.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 namespace abecs {
 

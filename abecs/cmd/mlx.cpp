@@ -17,10 +17,8 @@
 #include "quorvel/abecs/rsp_stat.h"
 #include "quorvel/kor/path.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -37,7 +35,7 @@ KorFile* open(const char* path) {
     if (refuse_null(path, "'path' is NULL") || refuse_if(is_something_else(path), "'path' is not a regular file")) {
         return nullptr;
     }
-    return kor::open_file(path, "rb");
+    return open_file(path, "rb");
 }
 
 // Closing may raise too, which would take the place of what `use` raised: that is kept and raised again.
@@ -45,7 +43,7 @@ template <typename Use>
 void with_file(const char* path, Use&& use) {
     KorFile* file = nullptr;
     KorException first{};
-    kor::attempt([&] {
+    attempt([&] {
         file = open(path);
         use(file);
     })

@@ -12,9 +12,8 @@
 #include "core/raise.h"
 #include "quorvel/crypt/rsa.h"
 
-using kor::raise;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -81,7 +80,7 @@ int32_t open_secure(AbecsComm* pinpad) {
     Block block;
     bool received = false;
     int32_t stat = kRaised;
-    kor::attempt([&] {
+    attempt([&] {
         key = crypt_rsa_key_new(static_cast<int32_t>(kModulusLength), kPublicExponent);
         crypt_rsa_get_public_key(key, &publicKey);
         stat = call(pinpad, kOpn, Request::fields([&](AbecsPacket* packet) { write_public_key(packet, publicKey); }),

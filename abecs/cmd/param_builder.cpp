@@ -9,9 +9,7 @@
 #include "quorvel/kor/int_set.h"
 #include "quorvel/kor/string.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace kor;
 
 namespace {
 
@@ -43,7 +41,7 @@ bool add_param(ParamBuilder* builder, AbecsSpeId_E id, WriteParam write) {
     AbecsParam* param = nullptr;
     bool added = false;
     const BuilderState before = save_builder(builder->command);
-    kor::attempt([&] {
+    attempt([&] {
         param = abecs_param_new();
         abecs_param_set_id(param, static_cast<uint16_t>(id));
         write(param);
@@ -75,7 +73,7 @@ bool add_bytes(ParamBuilder* builder, SpeBytes id, const void* bytes) {
 bool check_digits(SpeBytes id, const char* text, const char* name) {
     const size_t width = spe_param(id.id).width;
     bool good = false;
-    kor::attempt([&] {
+    attempt([&] {
         abecs_data_check_n_string(text, name, width, width);
         good = true;
     }).run();

@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "abecs/data/spe_param.h"
-#include "core/attempt.h"
+#include "core/construct.h"
 #include "core/function_ref.h"
 #include "quorvel/abecs/cmd/builder.h"
 #include "quorvel/abecs/emv_data.h"
@@ -46,20 +46,10 @@ void delete_builder(Builder** builder) {
 // with it.
 template <typename Builder, typename Reset>
 [[nodiscard]] Builder* new_builder(Reset&& reset) {
-    Builder* builder = nullptr;
-    bool complete = false;
-    kor::attempt([&] {
-        builder = static_cast<Builder*>(kor_heap_alloc(sizeof(Builder), 0));
-        *builder = Builder{};
+    return kor::construct(delete_builder<Builder>, [&](Builder* builder) {
         init_params(*builder);
         reset(builder);
-        complete = true;
-    })
-        .cleanup([&] {
-            if (!complete) { delete_builder(&builder); }
-        })
-        .run();
-    return builder;
+    });
 }
 
 // The setters' common part. All raise ILLEGAL_ARGUMENT "'builder' is NULL", and ILLEGAL_STATE "%s already set" once the

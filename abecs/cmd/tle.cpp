@@ -5,8 +5,8 @@
 #include "abecs/cmd/exchange.h"
 #include "core/check.h"
 
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

@@ -13,10 +13,8 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_set.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -93,10 +91,10 @@ std::optional<size_t> parse_records(const char* records, size_t length) {
     KorBuffer* text = nullptr;
     Batch batch;
     bool good = false;
-    kor::attempt([&] {
+    attempt([&] {
         keys = kor_string_set_new(kKeyCapacity);
         text = view(records, length);
-        kor::attempt([&] { walk(text, keys, batch); })
+        attempt([&] { walk(text, keys, batch); })
             // No fault of the records.
             .on(KOR_RESULT_MALLOC_ERROR,
                 [&] { kor_exception_throw(KOR_RESULT_MALLOC_ERROR, kor_exception_get_message()); })

@@ -13,22 +13,22 @@
 #include "abecs/data/limits.h"
 #include "core/attempt.h"
 #include "core/check.h"
+#include "core/construct.h"
 #include "core/raise.h"
 #include "quorvel/abecs/crc16.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/system.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace abecs;
+using namespace kor;
 
 namespace {
 
 constexpr KorSerialConfig kSerialConfig{
-    .readTimeout = abecs::kByteWait / std::chrono::milliseconds(100),
-    .baudRate = abecs::kBaudRate,
-    .dataBits = abecs::kDataBits,
+    .readTimeout = kByteWait / std::chrono::milliseconds(100),
+    .baudRate = kBaudRate,
+    .dataBits = kDataBits,
     .stopBits = KOR_SERIAL_STOP_BITS_ONE,
     .parity = KOR_SERIAL_PARITY_NONE,
     .flowControl = KOR_SERIAL_FLOW_CONTROL_NONE,
@@ -36,23 +36,18 @@ constexpr KorSerialConfig kSerialConfig{
 
 constexpr const char* kNeverEncrypted = "OPN";
 
-AbecsComm* new_link() {
-    void* memory = kor_heap_alloc(sizeof(AbecsComm), 0);
-    return memory != nullptr ? new (memory) AbecsComm{} : nullptr;
-}
-
 // Whether the link cannot be used now; an error has then been raised.
 bool refuse_busy(const AbecsComm* link) {
     if (refuse_null(link, "'pinpad' is NULL")) { return true; }
-    if (!abecs::is_blocked(link)) { return false; }
+    if (!is_blocked(link)) { return false; }
     return raise(KOR_RESULT_ILLEGAL_STATE, "Connection is blocked waiting for %s response", link->blkWaitId), true;
 }
 
 void connect(AbecsComm* link, const char* portName) {
     link->serial = kor_serial_open(portName);
     kor_serial_config(link->serial, &kSerialConfig);
-    abecs::purge(link);
-    abecs::cancel(link);
+    purge(link);
+    cancel(link);
     link->lastSend = kor_system_current_time_millis();
 }
 
@@ -60,25 +55,14 @@ void connect(AbecsComm* link, const char* portName) {
 template <typename Step>
 void keep_error(KorException* first, Step&& step) {
     KorException error{};
-    kor::attempt(step).on_any([&] { kor_exception_get(&error); }).run();
+    attempt(step).on_any([&] { kor_exception_get(&error); }).run();
     if (first->error == KOR_RESULT_OK) { *first = error; }
 }
 
 }  // namespace
 
 AbecsComm* abecs_comm_open(const char* portName) {
-    AbecsComm* link = new_link();
-    if (link == nullptr) { return nullptr; }
-    bool opened = false;
-    kor::attempt([&] {
-        connect(link, portName);
-        opened = true;
-    })
-        .cleanup([&] {
-            if (!opened) { abecs_comm_close(&link); }
-        })
-        .run();
-    return link;
+    return construct(abecs_comm_close, [=](AbecsComm* link) { connect(link, portName); });
 }
 
 // The line may have hung up, and then both steps on the port raise. Callers also close while they clean up after an
@@ -101,19 +85,17 @@ void abecs_comm_close(AbecsComm** pinpad) {
 
 void abecs_comm_send_can(AbecsComm* pinpad) {
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
-    kor::attempt([&] { abecs::cancel(pinpad); }).run();
+    attempt([&] { cancel(pinpad); }).run();
 }
 
 void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(packet, "'packet' is NULL")) { return; }
     AbecsPacket* encrypted = nullptr;
-    kor::attempt([&] {
-        char id[abecs::kIdWidth + 1] = "";
+    attempt([&] {
+        char id[kIdWidth + 1] = "";
         abecs_comm_get_cmd_id(packet, id, sizeof id);
-        if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) {
-            encrypted = abecs::secure_encrypt(pinpad, packet);
-        }
-        abecs::transmit(pinpad, packet, encrypted);
+        if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) { encrypted = secure_encrypt(pinpad, packet); }
+        transmit(pinpad, packet, encrypted);
     }).cleanup([&] {
           abecs_packet_delete(&encrypted);
       }).run();
@@ -122,8 +104,8 @@ void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
 AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     AbecsPacket* response = nullptr;
-    kor::attempt([&] {
-        if (abecs::receive(pinpad, out)) { abecs::secure_decrypt(pinpad, out); }
+    attempt([&] {
+        if (receive(pinpad, out)) { secure_decrypt(pinpad, out); }
         response = out;
     }).run();
     return response;
@@ -134,7 +116,7 @@ void abecs_comm_check_busy(const AbecsComm* pinpad) { refuse_busy(pinpad); }
 void abecs_comm_lock(AbecsComm* pinpad, const char* cmdId) {
     if (refuse_busy(pinpad)) { return; }
     if (refuse_if(cmdId == nullptr || *cmdId == '\0', "NULL/empty 'cmdId'")
-        || refuse_if(std::strlen(cmdId) > abecs::kMaxBlkWaitId, "'cmdId' is too long: %s", cmdId)) {
+        || refuse_if(std::strlen(cmdId) > kMaxBlkWaitId, "'cmdId' is too long: %s", cmdId)) {
         return;
     }
     kor_string_copy(pinpad->blkWaitId, cmdId);
@@ -156,8 +138,8 @@ char* abecs_comm_get_cmd_id(AbecsPacket* packet, char* out, size_t sizeOut) {
     KorBufferState start;
     abecs_packet_save_state(packet, &start);
     char* id = nullptr;
-    kor::attempt([&] {
-        id = abecs_packet_read_field_a(packet, out, sizeOut, abecs::kIdWidth, false);
+    attempt([&] {
+        id = abecs_packet_read_field_a(packet, out, sizeOut, kIdWidth, false);
     }).cleanup([&] {
           abecs_packet_set_state(packet, &start);
       }).run();
@@ -201,13 +183,13 @@ void abecs_comm_set_wk_pan(AbecsComm* pinpad, const AbecsWkPan* wkPan) {
 
 uint16_t abecs_comm_crc16(AbecsPacket* packet, const uint8_t* prefix, const uint8_t* suffix) {
     if (refuse_null(packet, "'packet' is NULL")) { return uint16_t{0}; }
-    uint16_t crc = abecs::kCrc16.initial;
-    if (prefix != nullptr) { crc = abecs::crc16_update(crc, *prefix); }
+    uint16_t crc = kCrc16.initial;
+    if (prefix != nullptr) { crc = crc16_update(crc, *prefix); }
     KorBufferState start;
     abecs_packet_save_state(packet, &start);
     for (size_t left = abecs_packet_available_read(packet); left != 0; --left) {
-        crc = abecs::crc16_update(crc, abecs_packet_read_byte(packet));
+        crc = crc16_update(crc, abecs_packet_read_byte(packet));
     }
     abecs_packet_set_state(packet, &start);
-    return suffix != nullptr ? abecs::crc16_update(crc, *suffix) : crc;
+    return suffix != nullptr ? crc16_update(crc, *suffix) : crc;
 }

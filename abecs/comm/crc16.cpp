@@ -7,12 +7,10 @@
 #include "core/check.h"
 #include "quorvel/abecs/crc16.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace abecs;
+using namespace kor;
 
 void abecs_crc16(const void* data, size_t length, uint16_t* crc) {
     if (refuse_if(data == nullptr && length != 0, "'data' is NULL") || refuse_null(crc, "'crc' is NULL")) { return; }
-    for (const uint8_t byte : std::span(static_cast<const uint8_t*>(data), length)) {
-        *crc = abecs::crc16_update(*crc, byte);
-    }
+    for (const uint8_t byte : std::span(static_cast<const uint8_t*>(data), length)) { *crc = crc16_update(*crc, byte); }
 }

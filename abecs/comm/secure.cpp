@@ -10,7 +10,7 @@
 #include "core/raise.h"
 #include "quorvel/crypt/aes.h"
 
-using kor::raise;
+using namespace kor;
 
 namespace abecs {
 
@@ -58,7 +58,7 @@ AbecsPacket* secure_encrypt(AbecsComm* link, AbecsPacket* plain) {
     KorBufferState unread{};
     abecs_packet_save_state(plain, &unread);
     bool complete = false;
-    kor::attempt([&] {
+    attempt([&] {
         cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
         sealed = abecs_packet_new();
         write_content(sealed, plain);
@@ -80,7 +80,7 @@ void secure_decrypt(AbecsComm* link, AbecsPacket* packet) {
     if (length % kCipherBlock != 0) { return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed encrypted response"); }
     if (!link->keySet) { return; }
     CryptAesCipher* cipher = nullptr;
-    kor::attempt([&] {
+    attempt([&] {
         cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
         crypt_aes_cbc_decrypt(cipher, content_of(packet), content_of(packet), length, nullptr);
         open_content(packet);

@@ -14,7 +14,7 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/system.h"
 
-using kor::raise;
+using namespace kor;
 
 namespace abecs {
 
@@ -25,16 +25,14 @@ using Event = FrameDecoder::Event;
 // Raises when nothing came in time.
 uint8_t read_answer(const KorSerial* serial, std::chrono::milliseconds wait) {
     uint8_t answer = 0;
-    if (!kor::read_byte(serial, kor::Deadline(wait), &answer)) {
-        raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data");
-    }
+    if (!read_byte(serial, Deadline(wait), &answer)) { raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"); }
     return answer;
 }
 
 // A clock that was set back must not make the wait longer than the interval.
 void pace(const AbecsComm* link) {
     const int64_t elapsed = std::max<int64_t>(kor_system_current_time_millis() - link->lastSend, 0);
-    if (elapsed < link->sendInterval) { kor::sleep_out(std::chrono::milliseconds(link->sendInterval - elapsed)); }
+    if (elapsed < link->sendInterval) { sleep_out(std::chrono::milliseconds(link->sendInterval - elapsed)); }
 }
 
 // One byte a write, and the port drains after each, so that no PIN pad's input is outrun.
@@ -81,8 +79,8 @@ void append(AbecsComm* link, AbecsPacket* out, uint8_t byte) {
 
 // Reads what follows SYN. False when the frame is damaged, stops arriving or does not come to its end.
 bool read_rest(AbecsComm* link, FrameDecoder& decoder, AbecsPacket* out) {
-    const kor::Deadline end(kFrameLimit);
-    for (uint8_t byte = 0; kor::read_byte(link->serial, std::min(kor::Deadline(kByteWait), end), &byte);) {
+    const Deadline end(kFrameLimit);
+    for (uint8_t byte = 0; read_byte(link->serial, std::min(Deadline(kByteWait), end), &byte);) {
         const Event event = decoder.feed(byte);
         if (event == Event::kData) { append(link, out, decoder.data()); }
         if (event == Event::kGood || event == Event::kBad) { return event == Event::kGood; }
@@ -94,9 +92,9 @@ bool read_rest(AbecsComm* link, FrameDecoder& decoder, AbecsPacket* out) {
 
 // The pauses keep a line that is never silent from costing more than a few looks at it.
 void purge(AbecsComm* link) {
-    const kor::Deadline limit(kPurgeLimit);
-    while (!limit.passed() && kor::wait_for_input(link->serial, std::min(kor::Deadline(kPurgeSilence), limit))) {
-        kor::sleep_out(kPurgePause);
+    const Deadline limit(kPurgeLimit);
+    while (!limit.passed() && wait_for_input(link->serial, std::min(Deadline(kPurgeSilence), limit))) {
+        sleep_out(kPurgePause);
         kor_serial_purge(link->serial, KOR_SERIAL_PURGE_INPUT);
     }
     kor_serial_purge(link->serial, KOR_SERIAL_PURGE_BOTH);
@@ -106,7 +104,7 @@ void cancel(AbecsComm* link) {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         kor_serial_write_byte(link->serial, kCan);
         uint8_t answer = 0;
-        if (!kor::read_byte(link->serial, kor::Deadline(kByteWait), &answer)) { continue; }
+        if (!read_byte(link->serial, Deadline(kByteWait), &answer)) { continue; }
         if (answer == kEot) { return abecs_comm_release(link); }
         purge(link);
     }

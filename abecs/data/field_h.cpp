@@ -10,9 +10,8 @@
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
-using kor::raise;
-using kor::refuse_if;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

@@ -10,9 +10,8 @@
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
-using kor::raise;
-using kor::refuse_if;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -41,7 +40,7 @@ std::optional<uint64_t> codec::read_n(KorBuffer* buffer, size_t fieldLen) {
 }
 
 std::optional<int32_t> codec::read_rsp_stat(KorBuffer* buffer) {
-    const auto value = read_n(buffer, abecs::kStatWidth);
+    const auto value = read_n(buffer, kStatWidth);
     if (!value) { return std::nullopt; }
     const auto stat = static_cast<int32_t>(*value);
     if (!is_rsp_stat(stat)) {

@@ -6,10 +6,8 @@
 #include "core/raise.h"
 #include "quorvel/abecs/data.h"
 
-using kor::raise;
-using kor::refuse_if;
-using kor::refuse_null;
 using namespace abecs;
+using namespace kor;
 
 namespace {
 

@@ -6,6 +6,9 @@
 #include "core/raise.h"
 #include "quorvel/crypt/des.h"
 
+using namespace abecs;
+using namespace kor;
+
 bool abecs::encipher(const AbecsMk& key, uint8_t* blocks, size_t size) {
     switch (key.type) {
         case ABECS_MK_TYPE_DES:
@@ -14,6 +17,6 @@ bool abecs::encipher(const AbecsMk& key, uint8_t* blocks, size_t size) {
         case ABECS_MK_TYPE_TDES:
             return apply_tdes(crypt_3des_ecb_encrypt, key.key, blocks, size);
         default:
-            return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
+            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
     }
 }

@@ -10,9 +10,8 @@
 #include "quorvel/abecs/data.h"
 #include "quorvel/abecs/rsp_stat.h"
 
-using abecs::bytes_of;
-using kor::raise;
-using kor::refuse_null;
+using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -21,92 +20,90 @@ constexpr size_t kNotificationSize = 33;
 
 }  // namespace
 
-AbecsPacket* abecs_packet_new() { return abecs::new_owner(&AbecsPacket::buffer, abecs::kPacketCapacity); }
+AbecsPacket* abecs_packet_new() { return new_owner(&AbecsPacket::buffer, kPacketCapacity); }
 
-void abecs_packet_delete(AbecsPacket** packet) { abecs::delete_owner(packet, &AbecsPacket::buffer); }
+void abecs_packet_delete(AbecsPacket** packet) { delete_owner(packet, &AbecsPacket::buffer); }
 
-void abecs_packet_clear(AbecsPacket* packet) { abecs::apply<kor_buffer_clear>(bytes_of(packet)); }
+void abecs_packet_clear(AbecsPacket* packet) { apply<kor_buffer_clear>(bytes_of(packet)); }
 
 size_t abecs_packet_available_read(const AbecsPacket* packet) {
-    return abecs::apply<kor_buffer_available_read>(bytes_of(packet));
+    return apply<kor_buffer_available_read>(bytes_of(packet));
 }
 
 void abecs_packet_write_byte(AbecsPacket* packet, uint8_t byte) {
-    return abecs::apply<kor_buffer_write_byte>(bytes_of(packet), byte);
+    return apply<kor_buffer_write_byte>(bytes_of(packet), byte);
 }
 
-uint8_t abecs_packet_read_byte(AbecsPacket* packet) { return abecs::apply<kor_buffer_read_byte>(bytes_of(packet)); }
+uint8_t abecs_packet_read_byte(AbecsPacket* packet) { return apply<kor_buffer_read_byte>(bytes_of(packet)); }
 
 void abecs_packet_write_field_n(AbecsPacket* packet, uint64_t i, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_n>(bytes_of(packet), i, fieldLen);
+    return apply<abecs_data_write_field_n>(bytes_of(packet), i, fieldLen);
 }
 
 uint64_t abecs_packet_read_field_n(AbecsPacket* packet, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_n>(bytes_of(packet), fieldLen);
+    return apply<abecs_data_read_field_n>(bytes_of(packet), fieldLen);
 }
 
 void abecs_packet_write_field_a(AbecsPacket* packet, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a>(bytes_of(packet), data, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_a>(bytes_of(packet), data, fieldLen, is_set(allowCr));
 }
 
 void abecs_packet_write_field_a_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen,
                                       bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(packet), data, dataLen, fieldLen,
-                                                        abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_a_cdata>(bytes_of(packet), data, dataLen, fieldLen, is_set(allowCr));
 }
 
 char* abecs_packet_read_field_a(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_a>(bytes_of(packet), to, sizeTo, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_read_field_a>(bytes_of(packet), to, sizeTo, fieldLen, is_set(allowCr));
 }
 
 void abecs_packet_write_field_s(AbecsPacket* packet, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s>(bytes_of(packet), data, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_s>(bytes_of(packet), data, fieldLen, is_set(allowCr));
 }
 
 void abecs_packet_write_field_s_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen,
                                       bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(packet), data, dataLen, fieldLen,
-                                                        abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_s_cdata>(bytes_of(packet), data, dataLen, fieldLen, is_set(allowCr));
 }
 
 char* abecs_packet_read_field_s(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_s>(bytes_of(packet), to, sizeTo, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_read_field_s>(bytes_of(packet), to, sizeTo, fieldLen, is_set(allowCr));
 }
 
 void abecs_packet_write_field_h(AbecsPacket* packet, const char* data, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_h>(bytes_of(packet), data, fieldLen);
+    return apply<abecs_data_write_field_h>(bytes_of(packet), data, fieldLen);
 }
 
 void abecs_packet_write_field_h_cdata(AbecsPacket* packet, const char* data, size_t dataLen, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_h_cdata>(bytes_of(packet), data, dataLen, fieldLen);
+    return apply<abecs_data_write_field_h_cdata>(bytes_of(packet), data, dataLen, fieldLen);
 }
 
 char* abecs_packet_read_field_h(AbecsPacket* packet, char* to, size_t sizeTo, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_h>(bytes_of(packet), to, sizeTo, fieldLen);
+    return apply<abecs_data_read_field_h>(bytes_of(packet), to, sizeTo, fieldLen);
 }
 
 void abecs_packet_write_field_h_raw(AbecsPacket* packet, const uint8_t* data, size_t dataLen, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_h_raw>(bytes_of(packet), data, dataLen, fieldLen);
+    return apply<abecs_data_write_field_h_raw>(bytes_of(packet), data, dataLen, fieldLen);
 }
 
 size_t abecs_packet_read_field_h_raw(AbecsPacket* packet, uint8_t* to, size_t sizeTo, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_h_raw>(bytes_of(packet), to, sizeTo, fieldLen);
+    return apply<abecs_data_read_field_h_raw>(bytes_of(packet), to, sizeTo, fieldLen);
 }
 
 void abecs_packet_write_field_x(AbecsPacket* packet, uint32_t data, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_x>(bytes_of(packet), data, fieldLen);
+    return apply<abecs_data_write_field_x>(bytes_of(packet), data, fieldLen);
 }
 
 uint32_t abecs_packet_read_field_x(AbecsPacket* packet, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_x>(bytes_of(packet), fieldLen);
+    return apply<abecs_data_read_field_x>(bytes_of(packet), fieldLen);
 }
 
 void abecs_packet_write_field_b(AbecsPacket* packet, const void* data, size_t dataLen) {
-    return abecs::apply<abecs_data_write_field_b>(bytes_of(packet), data, dataLen);
+    return apply<abecs_data_write_field_b>(bytes_of(packet), data, dataLen);
 }
 
 size_t abecs_packet_read_field_b(AbecsPacket* packet, void* to, size_t sizeTo, size_t dataLen) {
-    return abecs::apply<abecs_data_read_field_b>(bytes_of(packet), to, sizeTo, dataLen);
+    return apply<abecs_data_read_field_b>(bytes_of(packet), to, sizeTo, dataLen);
 }
 
 // Not the zero result of the others: it would read as success.
@@ -117,17 +114,17 @@ int32_t abecs_packet_read_rsp_stat(AbecsPacket* packet) {
 
 void abecs_packet_write_param(AbecsPacket* packet, AbecsParam* param) {
     if (bytes_of(packet) == nullptr || bytes_of(param) == nullptr) { return; }
-    abecs::append_param(packet->buffer, param);
+    append_param(packet->buffer, param);
 }
 
 AbecsParam* abecs_packet_read_param(AbecsPacket* packet, AbecsParam* out) {
     if (bytes_of(packet) == nullptr) { return nullptr; }
     if (refuse_null(out, "'out' is NULL")) { return nullptr; }
     kor_buffer_clear(out->data);
-    const auto id = abecs::codec::read_x(packet->buffer, 2);
+    const auto id = codec::read_x(packet->buffer, 2);
     if (!id) { return nullptr; }
     out->id = static_cast<uint16_t>(*id);
-    const auto length = abecs::codec::read_x(packet->buffer, 2);
+    const auto length = codec::read_x(packet->buffer, 2);
     if (!length) { return nullptr; }
     const size_t available = kor_buffer_available_read(packet->buffer);
     if (available < *length) {
@@ -135,19 +132,19 @@ AbecsParam* abecs_packet_read_param(AbecsPacket* packet, AbecsParam* out) {
                      static_cast<unsigned short>(*length), static_cast<unsigned short>(available)),
                nullptr;
     }
-    return abecs::move_bytes(packet->buffer, out->data, *length) ? out : nullptr;
+    return move_bytes(packet->buffer, out->data, *length) ? out : nullptr;
 }
 
 char* abecs_packet_read_notification(AbecsPacket* packet, char* text) {
     if (bytes_of(packet) == nullptr) { return text; }
-    const auto stat = abecs::codec::read_rsp_stat(packet->buffer);
+    const auto stat = codec::read_rsp_stat(packet->buffer);
     if (!stat) { return text; }
     if (*stat != ABECS_RSP_STAT_ST_OK) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "NTM with invalid RSP_STAT: %s",
                      abecs_rsp_stat_to_string(AbecsRspStat_E{*stat})),
                text;
     }
-    const auto length = abecs::codec::read_n(packet->buffer, 3);
+    const auto length = codec::read_n(packet->buffer, 3);
     if (!length) { return text; }
     return abecs_data_read_field_s(packet->buffer, text, kNotificationSize, *length, false);
 }

@@ -13,10 +13,9 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using abecs::codec::is_digit;
-using abecs::codec::is_hex;
-using kor::raise;
-using kor::refuse_null;
+using namespace abecs;
+using namespace abecs::codec;
+using namespace kor;
 
 namespace {
 
@@ -45,8 +44,8 @@ struct WorkArea {
 // The 16 digits at `from` deciphered into area.digits.
 template <typename Area>
 bool decipher_digits(Area& area, const char* from, const AbecsWkPan& key) {
-    return abecs::pan::from_hex({from, kBlock}, area.block) && abecs::decipher(key, area.block, kBlockBytes)
-           && abecs::pan::to_hex(area.block, area.digits);
+    return pan::from_hex({from, kBlock}, area.block) && decipher(key, area.block, kBlockBytes)
+           && pan::to_hex(area.block, area.digits);
 }
 
 bool transform_pan(WorkArea<kMaxPan>& area, const AbecsWkPan& key) {
@@ -91,7 +90,7 @@ template <size_t MaxLength, typename Transform>
 const char* transformed(char (&result)[MaxLength + 1], const char* text, size_t len, Transform transform) {
     WorkArea<MaxLength> area{};
     bool done = false;
-    kor::attempt([&] {
+    attempt([&] {
         area.length = strnlen(text, len);
         std::memcpy(area.text, text, area.length);
         done = transform(area);

@@ -6,8 +6,7 @@
 #include "core/check.h"
 #include "core/raise.h"
 
-using kor::raise;
-using kor::refuse_if;
+using namespace kor;
 
 namespace abecs::pan {
 

@@ -8,7 +8,7 @@
 #include "abecs/data/flag.h"
 #include "quorvel/abecs/data.h"
 
-using abecs::bytes_of;
+using namespace abecs;
 
 // From storage to storage, in the two runs that a ring can make of it: a copy on the way would leave card data behind.
 bool abecs::move_bytes(KorBuffer* from, KorBuffer* to, size_t length) {
@@ -30,11 +30,11 @@ bool abecs::append_param(KorBuffer* buffer, AbecsParam* param) {
            && move_bytes(param->data, buffer, length);
 }
 
-AbecsParam* abecs_param_new() { return abecs::new_owner(&AbecsParam::data, abecs::kParamCapacity); }
+AbecsParam* abecs_param_new() { return new_owner(&AbecsParam::data, kParamCapacity); }
 
-void abecs_param_delete(AbecsParam** param) { abecs::delete_owner(param, &AbecsParam::data); }
+void abecs_param_delete(AbecsParam** param) { delete_owner(param, &AbecsParam::data); }
 
-void abecs_param_clear_data(AbecsParam* param) { abecs::apply<kor_buffer_clear>(bytes_of(param)); }
+void abecs_param_clear_data(AbecsParam* param) { apply<kor_buffer_clear>(bytes_of(param)); }
 
 void abecs_param_reset(AbecsParam* param) {
     if (bytes_of(param) == nullptr) { return; }
@@ -48,80 +48,76 @@ void abecs_param_set_id(AbecsParam* param, uint16_t id) {
     if (bytes_of(param) != nullptr) { param->id = id; }
 }
 
-size_t abecs_param_available_read(const AbecsParam* param) {
-    return abecs::apply<kor_buffer_available_read>(bytes_of(param));
-}
+size_t abecs_param_available_read(const AbecsParam* param) { return apply<kor_buffer_available_read>(bytes_of(param)); }
 
 void abecs_param_write_byte(AbecsParam* param, uint8_t byte) {
-    return abecs::apply<kor_buffer_write_byte>(bytes_of(param), byte);
+    return apply<kor_buffer_write_byte>(bytes_of(param), byte);
 }
 
-uint8_t abecs_param_read_byte(AbecsParam* param) { return abecs::apply<kor_buffer_read_byte>(bytes_of(param)); }
+uint8_t abecs_param_read_byte(AbecsParam* param) { return apply<kor_buffer_read_byte>(bytes_of(param)); }
 
 void abecs_param_write_field_n(AbecsParam* param, uint64_t i, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_n>(bytes_of(param), i, fieldLen);
+    return apply<abecs_data_write_field_n>(bytes_of(param), i, fieldLen);
 }
 
 uint64_t abecs_param_read_field_n(AbecsParam* param, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_n>(bytes_of(param), fieldLen);
+    return apply<abecs_data_read_field_n>(bytes_of(param), fieldLen);
 }
 
 void abecs_param_write_field_a(AbecsParam* param, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a>(bytes_of(param), data, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_a>(bytes_of(param), data, fieldLen, is_set(allowCr));
 }
 
 void abecs_param_write_field_a_cdata(AbecsParam* param, const char* data, size_t dataLen, size_t fieldLen,
                                      bool allowCr) {
-    return abecs::apply<abecs_data_write_field_a_cdata>(bytes_of(param), data, dataLen, fieldLen,
-                                                        abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_a_cdata>(bytes_of(param), data, dataLen, fieldLen, is_set(allowCr));
 }
 
 char* abecs_param_read_field_a(AbecsParam* param, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_a>(bytes_of(param), to, sizeTo, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_read_field_a>(bytes_of(param), to, sizeTo, fieldLen, is_set(allowCr));
 }
 
 void abecs_param_write_field_s(AbecsParam* param, const char* data, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s>(bytes_of(param), data, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_s>(bytes_of(param), data, fieldLen, is_set(allowCr));
 }
 
 void abecs_param_write_field_s_cdata(AbecsParam* param, const char* data, size_t dataLen, size_t fieldLen,
                                      bool allowCr) {
-    return abecs::apply<abecs_data_write_field_s_cdata>(bytes_of(param), data, dataLen, fieldLen,
-                                                        abecs::is_set(allowCr));
+    return apply<abecs_data_write_field_s_cdata>(bytes_of(param), data, dataLen, fieldLen, is_set(allowCr));
 }
 
 char* abecs_param_read_field_s(AbecsParam* param, char* to, size_t sizeTo, size_t fieldLen, bool allowCr) {
-    return abecs::apply<abecs_data_read_field_s>(bytes_of(param), to, sizeTo, fieldLen, abecs::is_set(allowCr));
+    return apply<abecs_data_read_field_s>(bytes_of(param), to, sizeTo, fieldLen, is_set(allowCr));
 }
 
 void abecs_param_write_field_h(AbecsParam* param, const char* data, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_h>(bytes_of(param), data, fieldLen);
+    return apply<abecs_data_write_field_h>(bytes_of(param), data, fieldLen);
 }
 
 char* abecs_param_read_field_h(AbecsParam* param, char* to, size_t sizeTo, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_h>(bytes_of(param), to, sizeTo, fieldLen);
+    return apply<abecs_data_read_field_h>(bytes_of(param), to, sizeTo, fieldLen);
 }
 
 void abecs_param_write_field_h_raw(AbecsParam* param, const uint8_t* data, size_t dataLen, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_h_raw>(bytes_of(param), data, dataLen, fieldLen);
+    return apply<abecs_data_write_field_h_raw>(bytes_of(param), data, dataLen, fieldLen);
 }
 
 size_t abecs_param_read_field_h_raw(AbecsParam* param, uint8_t* to, size_t sizeTo, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_h_raw>(bytes_of(param), to, sizeTo, fieldLen);
+    return apply<abecs_data_read_field_h_raw>(bytes_of(param), to, sizeTo, fieldLen);
 }
 
 void abecs_param_write_field_x(AbecsParam* param, uint32_t data, size_t fieldLen) {
-    return abecs::apply<abecs_data_write_field_x>(bytes_of(param), data, fieldLen);
+    return apply<abecs_data_write_field_x>(bytes_of(param), data, fieldLen);
 }
 
 uint32_t abecs_param_read_field_x(AbecsParam* param, size_t fieldLen) {
-    return abecs::apply<abecs_data_read_field_x>(bytes_of(param), fieldLen);
+    return apply<abecs_data_read_field_x>(bytes_of(param), fieldLen);
 }
 
 void abecs_param_write_field_b(AbecsParam* param, const void* data, size_t dataLen) {
-    return abecs::apply<abecs_data_write_field_b>(bytes_of(param), data, dataLen);
+    return apply<abecs_data_write_field_b>(bytes_of(param), data, dataLen);
 }
 
 size_t abecs_param_read_field_b(AbecsParam* param, void* to, size_t sizeTo, size_t dataLen) {
-    return abecs::apply<abecs_data_read_field_b>(bytes_of(param), to, sizeTo, dataLen);
+    return apply<abecs_data_read_field_b>(bytes_of(param), to, sizeTo, dataLen);
 }

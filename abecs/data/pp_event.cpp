@@ -5,9 +5,12 @@
 #include "abecs/data/enum_table.h"
 #include "core/raise.h"
 
+using namespace abecs;
+using namespace kor;
+
 namespace {
 
-constexpr std::array<abecs::Named<AbecsPpEvent_E>, 14> kEvents{{
+constexpr std::array<Named<AbecsPpEvent_E>, 14> kEvents{{
     {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_ARROW_UP)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_ARROW_DOWN)},
@@ -23,14 +26,14 @@ constexpr std::array<abecs::Named<AbecsPpEvent_E>, 14> kEvents{{
     {QUORVEL_NAMED(ABECS_PP_EVENT_CTLS_NOT_DETECTED)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_CTLS_DETECTED)},
 }};
-static_assert(abecs::is_sorted_and_unique(kEvents));
+static_assert(is_sorted_and_unique(kEvents));
 
 }  // namespace
 
 bool abecs::is_pp_event(int32_t event) { return find_row(kEvents, event) != nullptr; }
 
 const char* abecs_pp_event_to_string(AbecsPpEvent_E event) {
-    const auto* row = abecs::find_row(kEvents, event);
-    if (row == nullptr) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled event: %d\n", event), ""; }
+    const auto* row = find_row(kEvents, event);
+    if (row == nullptr) { return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled event: %d\n", event), ""; }
     return row->name;
 }

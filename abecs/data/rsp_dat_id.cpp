@@ -7,6 +7,9 @@
 #include "abecs/data/enum_table.h"
 #include "core/raise.h"
 
+using namespace abecs;
+using namespace kor;
+
 namespace {
 
 enum Form : bool { kText = false, kBinary = true };
@@ -50,7 +53,7 @@ constexpr std::array<DatId, 62> kDatIds{{
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_DEVTYPE), kText},     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_ENCKEY), kBinary},
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_TLRMEM), kBinary},    {QUORVEL_NAMED(ABECS_RSP_DATID_PP_ENCKRAND), kBinary},
 }};
-static_assert(abecs::is_sorted_and_unique(kDatIds));
+static_assert(is_sorted_and_unique(kDatIds));
 
 // The ids of a family are numbered from its first one; %d is the number.
 struct Family {
@@ -84,13 +87,13 @@ const char* numbered_name(const Family& family, AbecsRspDatId_E id) {
 }  // namespace
 
 const char* abecs_rsp_dat_id_to_string(AbecsRspDatId_E id) {
-    if (const auto* row = abecs::find_row(kDatIds, id)) { return row->name; }
+    if (const auto* row = find_row(kDatIds, id)) { return row->name; }
     if (const auto* family = find_family(id)) { return numbered_name(*family, id); }
-    return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled id: %d\n", id), "";
+    return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled id: %d\n", id), "";
 }
 
 bool abecs_rsp_dat_id_is_binary(AbecsRspDatId_E id) {
-    if (const auto* row = abecs::find_row(kDatIds, id)) { return row->form == kBinary; }
+    if (const auto* row = find_row(kDatIds, id)) { return row->form == kBinary; }
     if (const auto* family = find_family(id)) { return family->form == kBinary; }
-    return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled id: %d\n", id), false;
+    return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled id: %d\n", id), false;
 }

@@ -8,8 +8,8 @@
 #include "core/check.h"
 #include "quorvel/kor/heap.h"
 
-using kor::refuse_if;
-using kor::refuse_null;
+using namespace abecs;
+using namespace kor;
 
 namespace {
 
@@ -61,7 +61,7 @@ AbecsRspParamValue* abecs_rsp_param_map_put(AbecsRspParamMap* map, uint16_t id, 
     } else {
         stored = static_cast<AbecsRspParamValue*>(kor_map_put(map, &id, &record));
     }
-    if (stored != nullptr) { stored->owned = abecs::is_set(owned); }
+    if (stored != nullptr) { stored->owned = is_set(owned); }
     return stored;
 }
 

@@ -13,8 +13,8 @@
 #include "quorvel/abecs/rsp_stat.h"
 #include "quorvel/kor/heap.h"
 
-using kor::raise;
-using kor::refuse_null;
+using namespace abecs;
+using namespace kor;
 using namespace std::string_view_literals;
 
 struct AbecsRspParser {
@@ -35,7 +35,7 @@ AbecsRspParser* checked(AbecsRspParser* parser) {
 bool malformed() { return raise(KOR_RESULT_IO_ERROR, "Invalid packet (malformed)"), false; }
 
 bool read_block_length(KorBuffer* bytes, uint16_t& out) {
-    const auto length = abecs::codec::read_n(bytes, abecs::kLengthWidth);
+    const auto length = codec::read_n(bytes, kLengthWidth);
     out = static_cast<uint16_t>(length.value_or(0));
     return length.has_value();
 }
@@ -67,7 +67,7 @@ bool check_notification(const AbecsRspParser& parser, int32_t stat) {
                      abecs_rsp_stat_to_string(AbecsRspStat_E{stat})),
                false;
     }
-    if (parser.blk1Left > abecs::kMessageWidth || parser.blk2Left != 0) {
+    if (parser.blk1Left > kMessageWidth || parser.blk2Left != 0) {
         return raise(KOR_RESULT_PROTOCOL_ERROR, "Malformed notification"), false;
     }
     return true;
@@ -76,9 +76,9 @@ bool check_notification(const AbecsRspParser& parser, int32_t stat) {
 // Null at the end of the block and after a raise, so that a caller's loop ends in both cases.
 AbecsParam* read_param(AbecsRspParser& parser, uint16_t& left, AbecsParam* out, const char* misfit) {
     if (left == 0) { return nullptr; }
-    if (left < abecs::kParamHead) { return raise(KOR_RESULT_IO_ERROR, "%s", misfit), nullptr; }
+    if (left < kParamHead) { return raise(KOR_RESULT_IO_ERROR, "%s", misfit), nullptr; }
     if (abecs_packet_read_param(parser.packet, out) == nullptr) { return nullptr; }
-    const size_t size = kor_buffer_available_read(out->data) + abecs::kParamHead;
+    const size_t size = kor_buffer_available_read(out->data) + kParamHead;
     if (size > left) { return raise(KOR_RESULT_IO_ERROR, "%s", misfit), nullptr; }
     left = static_cast<uint16_t>(left - size);
     return out;
@@ -105,11 +105,11 @@ void abecs_rsp_parser_set_packet(AbecsRspParser* parser, AbecsPacket* responsePa
     *parser = {};
     parser->stat = ABECS_RSP_STAT_ST_INTERR;
     KorBuffer* bytes = responsePacket->buffer;
-    if (kor_buffer_available_read(bytes) < abecs::kIdWidth + abecs::kStatWidth) {
+    if (kor_buffer_available_read(bytes) < kIdWidth + kStatWidth) {
         return raise(KOR_RESULT_IO_ERROR, "Invalid packet (not enough data)");
     }
-    if (!abecs::codec::read_a(bytes, parser->id, sizeof parser->id, abecs::kIdWidth)) { return; }
-    const auto stat = abecs::codec::read_rsp_stat(bytes);
+    if (!codec::read_a(bytes, parser->id, sizeof parser->id, kIdWidth)) { return; }
+    const auto stat = codec::read_rsp_stat(bytes);
     if (!stat || !parse_blocks(*parser, bytes, *stat)) { return; }
     const bool notification = parser->id == "NTM"sv;
     if (notification && !check_notification(*parser, *stat)) { return; }
@@ -149,7 +149,7 @@ char* abecs_rsp_parser_read_notification(AbecsRspParser* parser, char* text) {
     if (parser->stat != ABECS_RSP_STAT_ST_NOTIFICATION) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "Response is not a notification"), text;
     }
-    abecs_packet_read_field_s(parser->packet, text, abecs::kMessageWidth + 1, parser->blk1Left, false);
+    abecs_packet_read_field_s(parser->packet, text, kMessageWidth + 1, parser->blk1Left, false);
     parser->blk1Left = 0;
     return text;
 }

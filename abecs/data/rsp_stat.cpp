@@ -5,9 +5,12 @@
 #include "abecs/data/enum_table.h"
 #include "core/raise.h"
 
+using namespace abecs;
+using namespace kor;
+
 namespace {
 
-constexpr std::array<abecs::Named<AbecsRspStat_E>, 47> kStats{{
+constexpr std::array<Named<AbecsRspStat_E>, 47> kStats{{
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_NOTIFICATION)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_PROCESSING)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_OK)},
@@ -56,14 +59,14 @@ constexpr std::array<abecs::Named<AbecsRspStat_E>, 47> kStats{{
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_MFERRFMT)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_MFERR)},
 }};
-static_assert(abecs::is_sorted_and_unique(kStats));
+static_assert(is_sorted_and_unique(kStats));
 
 }  // namespace
 
 bool abecs::is_rsp_stat(int32_t stat) { return stat >= ABECS_RSP_STAT_ST_OK && find_row(kStats, stat) != nullptr; }
 
 const char* abecs_rsp_stat_to_string(AbecsRspStat_E stat) {
-    const auto* row = abecs::find_row(kStats, stat);
-    if (row == nullptr) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled AbecsRspStat_E: %d\n", stat), ""; }
+    const auto* row = find_row(kStats, stat);
+    if (row == nullptr) { return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled AbecsRspStat_E: %d\n", stat), ""; }
     return row->name;
 }

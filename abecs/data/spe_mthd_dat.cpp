@@ -5,9 +5,12 @@
 #include "abecs/data/enum_table.h"
 #include "core/raise.h"
 
+using namespace abecs;
+using namespace kor;
+
 namespace {
 
-constexpr std::array<abecs::Named<AbecsSpeMthdDat_E>, 9> kMethods{{
+constexpr std::array<Named<AbecsSpeMthdDat_E>, 9> kMethods{{
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB)},
@@ -18,12 +21,12 @@ constexpr std::array<abecs::Named<AbecsSpeMthdDat_E>, 9> kMethods{{
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC)},
 }};
-static_assert(abecs::is_sorted_and_unique(kMethods));
+static_assert(is_sorted_and_unique(kMethods));
 
 }  // namespace
 
 const char* abecs_spe_mthd_dat_to_string(AbecsSpeMthdDat_E mthdDat) {
-    const auto* row = abecs::find_row(kMethods, mthdDat);
-    if (row == nullptr) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled mthdDat: %d\n", mthdDat), ""; }
+    const auto* row = find_row(kMethods, mthdDat);
+    if (row == nullptr) { return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled mthdDat: %d\n", mthdDat), ""; }
     return row->name;
 }

@@ -5,20 +5,23 @@
 #include "abecs/data/enum_table.h"
 #include "core/raise.h"
 
+using namespace abecs;
+using namespace kor;
+
 namespace {
 
-constexpr std::array<abecs::Named<AbecsSpeMthdPin_E>, 4> kMethods{{
+constexpr std::array<Named<AbecsSpeMthdPin_E>, 4> kMethods{{
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_MK_WK_DES)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_MK_WK_TDES)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_DUKPT_DES)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_DUKPT_TDES)},
 }};
-static_assert(abecs::is_sorted_and_unique(kMethods));
+static_assert(is_sorted_and_unique(kMethods));
 
 }  // namespace
 
 const char* abecs::mthd_pin_to_string(AbecsSpeMthdPin_E mthdPin) {
     const auto* row = find_row(kMethods, mthdPin);
-    if (row == nullptr) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), ""; }
+    if (row == nullptr) { return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), ""; }
     return row->name;
 }

@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/data/spe_param.h"
 
+using namespace abecs;
+
 void abecs::write_number(AbecsParam* param, SpeNumber id, uint64_t value) {
     const SpeParam& row = spe_param(id.id);
     if (row.form == SpeForm::kBinary) {

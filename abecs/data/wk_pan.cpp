@@ -6,6 +6,9 @@
 #include "core/raise.h"
 #include "quorvel/crypt/des.h"
 
+using namespace abecs;
+using namespace kor;
+
 bool abecs::decipher(const AbecsWkPan& key, uint8_t* blocks, size_t size) {
     switch (key.type) {
         case ABECS_WK_PAN_TYPE_DES:
@@ -15,6 +18,6 @@ bool abecs::decipher(const AbecsWkPan& key, uint8_t* blocks, size_t size) {
         case ABECS_WK_PAN_TYPE_TDES_RSA:
             return apply_tdes(crypt_3des_ecb_decrypt, key.key, blocks, size);
         default:
-            return kor::raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
+            return raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"), false;
     }
 }
