@@ -17,7 +17,6 @@ using namespace kor;
 namespace {
 
 constexpr Command kEnb{.id = "ENB"};
-constexpr size_t kKeyWidth = 32;
 constexpr size_t kDataWidth = 16;
 constexpr size_t kRequestLength = 1 + 2 + kKeyWidth + kDataWidth;
 static_assert(kRequestLength == 51);

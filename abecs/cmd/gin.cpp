@@ -24,6 +24,11 @@ void read_text(AbecsPacket* packet, char (&to)[Size]) {
     abecs_packet_read_field_a(packet, to, Size, Size - 1, false);
 }
 
+template <size_t... Sizes>
+void read_texts(AbecsPacket* packet, char (&... to)[Sizes]) {
+    (read_text(packet, to), ...);
+}
+
 uint8_t read_number(AbecsPacket* packet) { return static_cast<uint8_t>(abecs_packet_read_field_n(packet, 2)); }
 
 // A one-character field that says yes with `yes` and no with a blank, which the reader trims away.
@@ -55,39 +60,22 @@ void read_index_00(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx00)& out) {
     read_text(packet, out.mnName);
     read_model(packet, out.model, out.modelDetail);
     out.ctlsSup = read_flag(packet, 'C', "GIN_CTLSSUP");
-    read_text(packet, out.soVer);
-    read_text(packet, out.specVer);
-    read_text(packet, out.manVers);
-    read_text(packet, out.serNum);
+    read_texts(packet, out.soVer, out.specVer, out.manVers, out.serNum);
 }
 
 void read_index_02(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx02)& out) {
-    read_text(packet, out.text1);
-    read_text(packet, out.text2);
-    read_text(packet, out.text3);
-    read_text(packet, out.text4);
-    read_text(packet, out.text5);
+    read_texts(packet, out.text1, out.text2, out.text3, out.text4, out.text5);
     out.number = read_number(packet);
 }
 
 void read_index_03(AbecsPacket* packet, decltype(AbecsCmdGinOut::idx03)& out) {
-    read_text(packet, out.text1);
-    read_text(packet, out.text2);
-    read_text(packet, out.text3);
-    read_text(packet, out.text4);
-    read_text(packet, out.text5);
-    read_text(packet, out.text6);
-    read_text(packet, out.text7);
-    read_text(packet, out.text8);
+    read_texts(packet, out.text1, out.text2, out.text3, out.text4, out.text5, out.text6, out.text7, out.text8);
     out.dukpt = read_flag(packet, 'T', "GIN_DUKPT");
     out.number = read_number(packet);
 }
 
 void read_index_other(AbecsPacket* packet, decltype(AbecsCmdGinOut::idxOther)& out) {
-    read_text(packet, out.text1);
-    read_text(packet, out.text2);
-    read_text(packet, out.text3);
-    read_text(packet, out.text4);
+    read_texts(packet, out.text1, out.text2, out.text3, out.text4);
     out.number = read_number(packet);
 }
 

@@ -17,7 +17,6 @@ namespace {
 constexpr Command kGoc{.id = "GOC"};
 constexpr uint16_t kMaxTags = 128;
 constexpr size_t kAcquirer2Width = 32;
-constexpr size_t kKeyWidth = 32;
 // One more than what travels: this is the count that the PIN pad expects.
 constexpr size_t kLength = 1 + 12 + 12 + 1 + 1 + 1 + 1 + 2 + 32 + 1 + 8 + 2 + 8 + 2 + 2;
 static_assert(kLength == 86);

@@ -14,7 +14,6 @@ using namespace kor;
 namespace {
 
 constexpr Command kGpn{.id = "GPN"};
-constexpr size_t kKeyWidth = 32;
 constexpr size_t kPanWidth = 19;
 constexpr size_t kPinBlockWidth = 16;
 constexpr size_t kKsnWidth = 20;
