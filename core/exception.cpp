@@ -24,8 +24,8 @@ namespace {
 
 enum State : uint32_t { kOpened = 0, kBody = 1, kBodyEnded = 2, kFailed = 3, kOver = 4 };
 
-KorExceptionUncaughtHandler uncaught_handler = nullptr;
-uint32_t uncaught_count = 0;
+KorExceptionUncaughtHandler uncaughtHandler = nullptr;
+uint32_t uncaughtCount = 0;
 
 void clear_record() {
     __cex__.error = KOR_RESULT_OK;
@@ -79,8 +79,8 @@ void kor_exception_throw(KorResult_E code, const char* message) {
         record_error(code, message);
         longjmp(__cefn__->jump, code);
     }
-    KorExceptionUncaughtHandler handler = uncaught_handler != nullptr ? uncaught_handler : default_uncaught_handler;
-    ++uncaught_count;
+    KorExceptionUncaughtHandler handler = uncaughtHandler != nullptr ? uncaughtHandler : default_uncaught_handler;
+    ++uncaughtCount;
     handler(code, message);
     clear_record();
 }
@@ -107,7 +107,7 @@ const char* kor_exception_get_message() { return __cex__.message; }
 
 KorException* kor_exception_get_exception() { return &__cex__; }
 
-void kor_exception_set_uncaught_handler(KorExceptionUncaughtHandler handler) { uncaught_handler = handler; }
+void kor_exception_set_uncaught_handler(KorExceptionUncaughtHandler handler) { uncaughtHandler = handler; }
 
 KorExceptionFrameNode* kor_exception_get_frame_node() { return __cefn__; }
 
@@ -195,7 +195,7 @@ void step(KorExceptionFrameNode* frame, const Branch& body, std::span<const Catc
 // or there needs to be volatile.
 void kor::run_attempt(Branch body, std::span<const CatchBranch> catches, Branch cleanup) {
     const KorException pending = __cex__;
-    const uint32_t uncaught = uncaught_count;
+    const uint32_t uncaught = uncaughtCount;
     if (__kor_exception_begin_try__() == nullptr) { return; }
     // Without its code, so nothing is pending; but the text may be an argument of what is called in here.
     std::memcpy(__cex__.message, pending.message, sizeof pending.message);
@@ -203,7 +203,7 @@ void kor::run_attempt(Branch body, std::span<const CatchBranch> catches, Branch 
     KorExceptionFrameNode* frame = __kor_exception_get_frame__();
     while (__kor_exception_next_state__(frame) != kOver) { step(frame, body, catches, cleanup); }
     // An error that nobody caught leaves a clear record behind.
-    if (uncaught == uncaught_count) { __cex__ = pending; }
+    if (uncaught == uncaughtCount) { __cex__ = pending; }
 }
 
-uint32_t kor::uncaught_errors() { return uncaught_count; }
+uint32_t kor::uncaught_errors() { return uncaughtCount; }

@@ -218,8 +218,8 @@ char* kor_string_trim(char* to, const char* from, const char* set) {
 
 char* kor_string_random(char* dest, size_t length) {
     if (refuse_null(dest, "'dest' is NULL")) { return nullptr; }
-    constexpr int32_t last = sizeof kRandomCharacters - 2;
-    for (size_t i = 0; i < length; ++i) { dest[i] = kRandomCharacters[kor_system_random(0, last)]; }
+    constexpr int32_t kLast = sizeof kRandomCharacters - 2;
+    for (size_t i = 0; i < length; ++i) { dest[i] = kRandomCharacters[kor_system_random(0, kLast)]; }
     dest[length] = '\0';
     return dest;
 }

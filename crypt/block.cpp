@@ -18,10 +18,10 @@ constexpr std::array<uint8_t, MAXBLOCKSIZE> kZeroIv{};
 template <typename ModeContext, auto StartFunction, auto EncryptFunction, auto DecryptFunction, auto DoneFunction>
 struct Mode {
     using Context = ModeContext;
-    static constexpr auto start = StartFunction;
-    static constexpr auto encrypt = EncryptFunction;
-    static constexpr auto decrypt = DecryptFunction;
-    static constexpr auto done = DoneFunction;
+    static constexpr auto kStart = StartFunction;
+    static constexpr auto kEncrypt = EncryptFunction;
+    static constexpr auto kDecrypt = DecryptFunction;
+    static constexpr auto kDone = DoneFunction;
 };
 
 using Ecb = Mode<symmetric_ECB, ecb_start, ecb_encrypt, ecb_decrypt, ecb_done>;
@@ -46,11 +46,11 @@ int process(int index, Direction direction, const Key& key, const Blocks& blocks
     using Context = typename Mode::Context;
     return without_trace<sizeof(Context) + kUsedStack>([&] {
         Context context;
-        const int status = Mode::start(index, iv..., key.bytes, static_cast<int>(key.size), 0, &context);
+        const int status = Mode::kStart(index, iv..., key.bytes, static_cast<int>(key.size), 0, &context);
         if (status != CRYPT_OK) { return status; }
-        const auto run = direction == Direction::kEncrypt ? Mode::encrypt : Mode::decrypt;
+        const auto run = direction == Direction::kEncrypt ? Mode::kEncrypt : Mode::kDecrypt;
         const int processed = run(blocks.in, blocks.out, blocks.len, &context);
-        const int finished = Mode::done(&context);
+        const int finished = Mode::kDone(&context);
         return processed != CRYPT_OK ? processed : finished;
     });
 }

@@ -63,8 +63,8 @@ constexpr bool is_data_method(AbecsSpeMthdDat_E method) {
 constexpr bool has_every_data_method() {
     constexpr int32_t kEnd = 100;  // two digits on the wire
     for (int32_t i = 0; i < kEnd; ++i) {
-        const auto is_row_of = [=](const DataMethod& row) { return row.value == i; };
-        const bool listed = std::any_of(kDataMethods.begin(), kDataMethods.end(), is_row_of);
+        const auto isRowOf = [=](const DataMethod& row) { return row.value == i; };
+        const bool listed = std::any_of(kDataMethods.begin(), kDataMethods.end(), isRowOf);
         if (is_data_method(static_cast<AbecsSpeMthdDat_E>(i)) != listed) { return false; }
     }
     return true;

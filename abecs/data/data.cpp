@@ -26,11 +26,11 @@ bool all_of(const char* text, size_t length, size_t* outIndex, bool (*belongs)(c
 }
 
 unsigned days_in(const AbecsDate& date) {
-    constexpr std::array<uint8_t, 12> days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    constexpr uint8_t february = 2;
+    constexpr std::array<uint8_t, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    constexpr uint8_t kFebruary = 2;
     // Of two-digit years every fourth is a leap year, 00 included.
-    const bool leapDay = date.month == february && date.year % 4 == 0;
-    return days[date.month - 1U] + (leapDay ? 1U : 0U);
+    const bool leapDay = date.month == kFebruary && date.year % 4 == 0;
+    return kDays[date.month - 1U] + (leapDay ? 1U : 0U);
 }
 
 bool is_x_length(size_t fieldLen) { return fieldLen == 1 || fieldLen == 2 || fieldLen == 4; }
@@ -161,10 +161,10 @@ char* abecs_data_to_hex(const uint8_t* data, size_t szData, char* to, size_t siz
                   "Destination buffer does not have enough room for encoded data")) {
         return to;
     }
-    constexpr char digits[] = "0123456789abcdef";
+    constexpr char kDigits[] = "0123456789abcdef";
     for (size_t i = 0; i < szData; ++i) {
-        to[2 * i] = digits[data[i] >> 4];
-        to[2 * i + 1] = digits[data[i] & 0x0F];
+        to[2 * i] = kDigits[data[i] >> 4];
+        to[2 * i + 1] = kDigits[data[i] & 0x0F];
     }
     to[2 * szData] = '\0';
     return to;

@@ -121,9 +121,9 @@ void abecs_data_write_field_h_raw(KorBuffer* buffer, const uint8_t* data, size_t
         return;
     }
     if (!codec::append_repeated(buffer, kPadding, fieldLen / 2 - dataLen)) { return; }
-    constexpr char digits[] = "0123456789ABCDEF";
+    constexpr char kDigits[] = "0123456789ABCDEF";
     for (size_t i = 0; i < dataLen; ++i) {
-        const char pair[]{digits[data[i] >> 4], digits[data[i] & 0x0F]};
+        const char pair[]{kDigits[data[i] >> 4], kDigits[data[i] & 0x0F]};
         if (!codec::append(buffer, pair, sizeof pair)) { return; }
     }
 }

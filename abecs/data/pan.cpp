@@ -28,9 +28,9 @@ constexpr size_t kBlock = 2 * kBlockBytes;
 constexpr char kPadding = 'F';
 constexpr char kEncipheredBlank = 'E';
 
-char pan_result[kMaxPan + 1];
-char track_result[kMaxTrack + 1];
-char identified_result[kMaxIdentifiedTrack + 1];
+char panResult[kMaxPan + 1];
+char trackResult[kMaxTrack + 1];
+char identifiedResult[kMaxIdentifiedTrack + 1];
 
 // Everything that a transformation works on, in one place so that it is wiped as a whole.
 template <size_t MaxLength>
@@ -115,7 +115,7 @@ const char* abecs_pan_encrypt2(const char* pan, size_t len, const AbecsWkPan* ke
         raise(KOR_RESULT_ILLEGAL_ARGUMENT, "PAN length is too big (max: %zu, requested: %zu)", kMaxPan, len);
         return "";
     }
-    return transformed<kMaxPan>(pan_result, pan, len, [&](auto& area) { return transform_pan(area, *key); });
+    return transformed<kMaxPan>(panResult, pan, len, [&](auto& area) { return transform_pan(area, *key); });
 }
 
 const char* abecs_pan_decrypt_track(const char* track, const AbecsWkPan* key) {
@@ -128,7 +128,7 @@ const char* abecs_pan_decrypt_track2(const char* track, size_t len, const AbecsW
         raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Track length is too big (max: %zu, requested: %zu)", kMaxTrack, len);
         return "";
     }
-    return transformed<kMaxTrack>(track_result, track, len, [&](auto& area) { return transform_track(area, *key); });
+    return transformed<kMaxTrack>(trackResult, track, len, [&](auto& area) { return transform_track(area, *key); });
 }
 
 const char* abecs_pan_identify(const char* track) { return abecs_pan_identify2(track, length_of(track)); }
@@ -144,9 +144,9 @@ const char* abecs_pan_identify2(const char* track, size_t len) {
     const char* first = std::find_if(track, end, [](char c) { return is_digit(c) || c == ' '; });
     const char* start = first != end ? first : track;
     const char* stop = std::find_if(start, end, [](char c) { return c == '^' || c == '='; });
-    char number[sizeof identified_result]{};
+    char number[sizeof identifiedResult]{};
     std::copy_if(start, stop, number, [](char c) { return c != ' '; });
-    std::memcpy(identified_result, number, sizeof number);
+    std::memcpy(identifiedResult, number, sizeof number);
     explicit_bzero(number, sizeof number);
-    return identified_result;
+    return identifiedResult;
 }
