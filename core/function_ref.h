@@ -29,8 +29,8 @@ public:
 
     template <typename Callable>
     requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
-        FunctionRef(Callable&& callable
-                        QUORVEL_BORROWED)  // NOLINT(bugprone-forwarding-reference-overload): excluded by the constraint
+        // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): excluded by the constraint
+        FunctionRef(Callable&& callable QUORVEL_BORROWED)
         : context_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
           call_([](void* context, Arguments... arguments) -> Result {
               return (*static_cast<std::remove_reference_t<Callable>*>(context))(arguments...);
