@@ -4,39 +4,41 @@
 
 #include <climits>
 #include <csignal>
-#include <gtest/gtest.h>
+#include <cstring>
 #include <stdexcept>
-#include <string>
 #include <unistd.h>
-#include <vector>
 
 #include "core/attempt.h"
 #include "core/raise.h"
 #include "quorvel/kor/enum.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/serial.h"
-#include "tests/core/leave_block.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 
-// In try_block.c. Each runs a try block written in C and adds a letter to `trace` for each branch it passes.
+// In try_block.c.
 extern "C" {
-void try_branches(char* trace, int16_t code);
-void try_unmatched(char* trace);
-void try_error_in_cleanup(char* trace);
-void try_error_in_catch(char* trace);
+void try_branches(char* trace, int16_t code, int16_t inCatch, int16_t inCleanup);
 void try_nested(char* trace, int depth);
+void leave_block_c(char* trace, char branch, char how);
+void leave_nested_c(char* trace, char branch, char how);
 }
 
 namespace {
 
+#define LEAVE_BLOCK leave_block_cpp
+#define LEAVE_NESTED leave_nested_cpp
+#include "tests/core/leave_block.inc"
+
 using namespace support;
 
-std::string trace_of(void (*block)(char*)) {
-    char trace[32] = "";
-    EXPECT_EQ(raised_by([&] { block(trace); }), Raised{});
-    return trace;
-}
+constexpr KorResult_E kIo = KOR_RESULT_IO_ERROR;
+constexpr KorResult_E kTimeout = KOR_RESULT_TIMEOUT_ERROR;
+
+const Raised kPending{kTimeout, "pending"};
+const Raised kOther{kIo, "other"};
+constexpr auto raise_pending = [] { kor_exception_throw(kTimeout, "pending"); };
+constexpr auto raise_other = [] { kor_exception_throw(kIo, "other"); };
 
 TEST(Result, NamesEveryCode) {
     for (int16_t code = 0; code <= KOR_RESULT_CRYPT_ERROR; ++code) {
@@ -49,115 +51,101 @@ TEST(Result, NamesEveryCode) {
 TEST(Exception, MessageIsCutAt255Characters) {
     const std::string fits(255, 'x');
     const std::string longer = fits + "y";
-    EXPECT_EQ(raised_by([&] { kor_exception_throw(6, fits.c_str()); }), (Raised{6, fits}));
-    EXPECT_EQ(raised_by([&] { kor_exception_throw(6, longer.c_str()); }), (Raised{6, fits}));
-    EXPECT_EQ(raised_by([&] { kor_exception_fthrow(6, "%s", longer.c_str()); }), (Raised{6, fits}));
-    EXPECT_EQ(raised_by([&] { kor_exception_throw(6, nullptr); }), (Raised{6, ""}));
-    EXPECT_EQ(raised_by([&] { kor::raise(KOR_RESULT_IO_ERROR, "%s", longer.c_str()); }).message,
+    EXPECT_EQ(raised_by([&] { kor_exception_throw(kIo, fits.c_str()); }), (Raised{kIo, fits}));
+    EXPECT_EQ(raised_by([&] { kor_exception_throw(kIo, longer.c_str()); }), (Raised{kIo, fits}));
+    EXPECT_EQ(raised_by([&] { kor_exception_fthrow(kIo, "%s", longer.c_str()); }), (Raised{kIo, fits}));
+    EXPECT_EQ(raised_by([&] { kor_exception_throw(kIo, nullptr); }), (Raised{kIo, ""}));
+    EXPECT_EQ(raised_by([&] { kor::raise(kIo, "%s", longer.c_str()); }).message,
               "[KOR_RESULT_IO_ERROR] " + std::string(255 - 22, 'x'));
 }
 
 TEST(Exception, MessageCanBeMadeOfThePendingOne) {
-    void (*const raises[])() = {
-        [] { kor::raise(KOR_RESULT_IO_ERROR, "caused by %s, %s", kor_exception_get_message(), "twice"); },
-        [] { kor_exception_fthrow(6, "caused by %s, %s", kor_exception_get_message(), "twice"); },
-        [] { kor_exception_throw(6, kor_exception_get_message()); },
-        [] { kor_exception_throw(6, kor_exception_get_message() + 3); },
+    const std::pair<void (*)(), Raised> cases[] = {
+        {[] { kor::raise(kIo, "by %s, %s", kor_exception_get_message(), "twice"); }, error(kIo, "by pending, twice")},
+        {[] { kor_exception_fthrow(kIo, "by %s, %s", kor_exception_get_message(), "twice"); },
+         {kIo, "by pending, twice"}},
+        {[] { kor_exception_throw(kIo, kor_exception_get_message()); }, {kIo, "pending"}},
+        {[] { kor_exception_throw(kIo, kor_exception_get_message() + 3); }, {kIo, "ding"}},
     };
-    const Raised expected[] = {support::error(6, "caused by the first, twice"),
-                               {6, "caused by the first, twice"},
-                               {6, "the first"},
-                               {6, " first"}};
-    for (size_t i = 0; i < std::size(raises); ++i) {
-        auto in_catch = [&] {
-            kor::attempt([] { kor_exception_throw(7, "the first"); }).on_any([&] { raises[i](); }).run();
-        };
-        auto in_cleanup = [&] {
-            kor::attempt([] { kor_exception_throw(7, "the first"); }).cleanup([&] { raises[i](); }).run();
-        };
-        EXPECT_EQ(raised_by(in_catch), expected[i]);
-        EXPECT_EQ(raised_by(in_cleanup), expected[i]);
+    for (const auto& [raise, expected] : cases) {
+        const auto again = raise;
+        EXPECT_EQ(raised_by([&] { kor::attempt(raise_pending).on_any([&] { again(); }).run(); }), expected);
+        EXPECT_EQ(raised_by([&] { kor::attempt(raise_pending).cleanup([&] { again(); }).run(); }), expected);
     }
 }
 
-TEST(Exception, NothingPendingOutsideABlock) {
-    EXPECT_EQ(kor_exception_get_error(), 0);
-    EXPECT_STREQ(kor_exception_get_message(), "");
-    KorException copy{};
-    EXPECT_EQ(kor_exception_get(&copy), &copy);
-}
-
 TEST(TryBlockInC, RunsItsBranchesInOrder) {
-    EXPECT_EQ(trace_of([](char* t) { try_branches(t, KOR_RESULT_OK); }), "bue") << "raising success does nothing";
-    EXPECT_EQ(trace_of([](char* t) { try_branches(t, KOR_RESULT_IO_ERROR); }), "u6e");
-    EXPECT_EQ(trace_of([](char* t) { try_branches(t, KOR_RESULT_TIMEOUT_ERROR); }), "u0e") << "the first that matches";
-    EXPECT_EQ(trace_of(try_error_in_cleanup), "u6e") << "the block's own branches see an error of its clean-up";
-    EXPECT_EQ(trace_of(try_error_in_catch), "ioe");
+    const struct {
+        int16_t code, inCatch, inCleanup;
+        const char* trace;
+        Raised raised;
+    } cases[] = {
+        {KOR_RESULT_OK, KOR_RESULT_OK, KOR_RESULT_OK, "bue", {}},  // raising success does nothing
+        {kIo, KOR_RESULT_OK, KOR_RESULT_OK, "u6e", {}},
+        {kTimeout, KOR_RESULT_OK, KOR_RESULT_OK, "u0e", {}},  // the first that matches
+        {kTimeout, KOR_RESULT_OK, kIo, "u6e", {}},            // the block's own branches see an error of its clean-up
+        {kIo, kIo, KOR_RESULT_OK, "u6", {kIo, "in catch"}},
+    };
+    for (const auto& row : cases) {
+        char trace[32] = "";
+        EXPECT_EQ(raised_by([&] { try_branches(trace, row.code, row.inCatch, row.inCleanup); }), row.raised);
+        EXPECT_STREQ(trace, row.trace);
+    }
 }
 
-TEST(TryBlockInC, UnmatchedErrorPassesOnUnchanged) {
-    char trace[32] = "";
-    EXPECT_EQ(raised_by([&] { try_unmatched(trace); }), (Raised{7, "late"}));
-    EXPECT_STREQ(trace, "u");
-    EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+TEST(TryBlockInC, PassesOnWhatNoBranchTakesAndAllocatesNothingAgain) {
+    for (const size_t failAt : {size_t{0}, size_t{1}}) {
+        char trace[32] = "";
+        const support::FailingMalloc failing(failAt);
+        EXPECT_EQ(raised_by([&] { try_nested(trace, 5); }), (Raised{kIo, "deep"}));
+        EXPECT_STREQ(trace, "((((()))))");
+        EXPECT_FALSE(failing.failed());
+        EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+    }
 }
-
-TEST(TryBlockInC, NestingAgainAllocatesNothing) {
-    char trace[32] = "";
-    EXPECT_EQ(raised_by([&] { try_nested(trace, 5); }), (Raised{6, "deep"}));
-    EXPECT_STREQ(trace, "((((()))))");
-    const support::FailingMalloc failing(1);
-    EXPECT_EQ(raised_by([&] { try_nested(trace, 5); }), (Raised{6, "deep"}));
-    EXPECT_FALSE(failing.failed());
-}
-
-// What a block passes that is left early, by branch and way; `e` stands behind it, `g` where goto leads.
-struct Left {
-    LeaveBranch branch;
-    const char* traces[4];
-};
-constexpr Left kLeft[] = {
-    {LEAVE_BODY, {"b", "bg", "be", "bu;e"}},
-    {LEAVE_CATCH, {"bu;c", "bu;cg", "bu;ce", "bu;ce"}},
-    {LEAVE_CLEANUP_AFTER_SUCCESS, {"bu", "bug", "bue", "bue"}},
-    {LEAVE_CLEANUP_AFTER_ERROR, {"bu", "bug", "bue", "buc;e"}},
-};
-
-// The same where a block inside is left; the inner one has cleared the error that the clean-up found pending.
-constexpr Left kLeftNested[] = {
-    {LEAVE_BODY, {"", "g", "uce", "uce"}},
-    {LEAVE_CATCH, {"u", "ug", "uce", "uce"}},
-    {LEAVE_CLEANUP_AFTER_SUCCESS, {"", "g", "ue", "ue"}},
-    {LEAVE_CLEANUP_AFTER_ERROR, {"", "g", "ue", "ue"}},
-};
 
 // A block that stayed open would catch the error raised behind it, in a function that has ended.
-void expect_closed(void (*leave)(char*, LeaveBranch, LeaveWay), LeaveBranch branch, int how, const char* expected) {
+void expect_closed(void (*leave)(char*, char, char), char branch, char how, const char* expected) {
     char trace[32] = "";
     KorExceptionFrameNode* outer = nullptr;
     KorExceptionFrameNode* behind = nullptr;
     int16_t pending = -1;
     EXPECT_EQ(raised_by([&] {
                   outer = kor_exception_get_frame_node();
-                  leave(trace, branch, static_cast<LeaveWay>(how));
+                  leave(trace, branch, how);
                   behind = kor_exception_get_frame_node();
                   pending = kor_exception_get_error();
-                  kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "behind");
+                  raise_pending();
               }),
-              (Raised{7, "behind"}));
+              kPending);
     EXPECT_STREQ(trace, expected) << branch << how;
     EXPECT_EQ(behind, outer) << branch << how;
-    EXPECT_EQ(pending, 0) << branch << how;
+    EXPECT_EQ(pending, KOR_RESULT_OK) << branch << how;
     EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
 }
 
+// What is passed for each way out of each branch; `e` stands behind the block, `g` where goto leads. An inner block
+// that is left has cleared the error that the clean-up found pending.
 TEST(TryBlock, IsClosedHoweverItIsLeft) {
-    for (int how = LEAVE_BY_RETURN; how <= LEAVE_BY_CONTINUE; ++how) {
-        for (auto* leave : {leave_block_c, leave_block_cpp}) {
-            for (const auto& row : kLeft) { expect_closed(leave, row.branch, how, row.traces[how]); }
-        }
-        for (auto* leave : {leave_nested_c, leave_nested_cpp}) {
-            for (const auto& row : kLeftNested) { expect_closed(leave, row.branch, how, row.traces[how]); }
+    const struct {
+        char branch;
+        const char* traces[4];
+        const char* nested[4];
+    } rows[] = {
+        {'b', {"b", "bg", "be", "bu;e"}, {"", "g", "uce", "uce"}},
+        {'c', {"bu;c", "bu;cg", "bu;ce", "bu;ce"}, {"u", "ug", "uce", "uce"}},
+        {'u', {"bu", "bug", "bue", "bue"}, {"", "g", "ue", "ue"}},
+        {'U', {"bu", "bug", "bue", "buc;e"}, {"", "g", "ue", "ue"}},
+    };
+    for (const auto& row : rows) {
+        for (size_t way = 0; way < 4; ++way) {
+            const char how = "rgbc"[way];
+            for (auto* leave : {leave_block_c, leave_block_cpp}) {
+                expect_closed(leave, row.branch, how, row.traces[way]);
+            }
+            for (auto* leave : {leave_nested_c, leave_nested_cpp}) {
+                expect_closed(leave, row.branch, how, row.nested[way]);
+            }
         }
     }
 }
@@ -172,111 +160,82 @@ TEST(TryBlock, IsClosedByAnExceptionOfCpp) {
     EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
 }
 
-TEST(Attempt, CatchesTheCodeItNamesAndCleansUpFirst) {
-    std::string trace;
-    kor::attempt([&] { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "late"); })
-        .on(KOR_RESULT_IO_ERROR, [&] { trace += "io"; })
-        .on(KOR_RESULT_TIMEOUT_ERROR, [&] { trace += kor_exception_get_message(); })
-        .cleanup([&] { trace += "cleaned "; })
-        .run();
-    EXPECT_EQ(trace, "cleaned [KOR_RESULT_TIMEOUT_ERROR] late");
-    EXPECT_EQ(kor_exception_get_error(), 0);
-}
-
-TEST(Attempt, TriesAsManyBranchesAsItIsGiven) {
-    for (const int16_t code : std::initializer_list<int16_t>{6, 7, 12, 99}) {
-        int16_t caught = 0;
+TEST(Attempt, CleansUpFirstAndTriesAsManyBranchesAsItIsGiven) {
+    for (const int16_t code : std::initializer_list<int16_t>{kIo, kTimeout, KOR_RESULT_PROTOCOL_ERROR, 99}) {
+        std::string trace;
         kor::attempt([&] { kor_exception_throw(code, "thrown"); })
-            .on(KOR_RESULT_IO_ERROR, [&] { caught = KOR_RESULT_IO_ERROR; })
-            .on(KOR_RESULT_TIMEOUT_ERROR, [&] { caught = KOR_RESULT_TIMEOUT_ERROR; })
-            .on(KOR_RESULT_PROTOCOL_ERROR, [&] { caught = KOR_RESULT_PROTOCOL_ERROR; })
-            .on_any([&] { caught = 99; })
+            .on(KOR_RESULT_IO_ERROR, [&] { trace += std::to_string(KOR_RESULT_IO_ERROR); })
+            .on(KOR_RESULT_TIMEOUT_ERROR, [&] { trace += std::to_string(KOR_RESULT_TIMEOUT_ERROR); })
+            .on(KOR_RESULT_PROTOCOL_ERROR, [&] { trace += std::to_string(KOR_RESULT_PROTOCOL_ERROR); })
+            .on_any([&] { trace += "99"; })
+            .cleanup([&] { trace += kor_exception_get_message() + std::string(", cleaned "); })
             .run();
-        EXPECT_EQ(caught, code);
+        EXPECT_EQ(trace, "thrown, cleaned " + std::to_string(code));
+        EXPECT_EQ(kor_exception_get_error(), KOR_RESULT_OK);
     }
 }
 
-TEST(Attempt, PutsThePendingErrorBack) {
+TEST(Attempt, PutsThePendingErrorBackUnlessAnotherOneTakesItsPlace) {
+    const std::pair<void (*)(), Raised> cases[] = {{[] { kor::attempt([] {}).run(); }, kPending},
+                                                   {[] { kor::attempt(raise_other).on_any([] {}).run(); }, kPending},
+                                                   {[] { kor::attempt(raise_other).run(); }, kOther}};
     KorException after{};
-    const auto succeed = [] { kor::attempt([] {}).run(); };
-    const auto recover = [] { kor::attempt([] { kor_exception_throw(6, "other"); }).on_any([] {}).run(); };
-    for (void (*step)() : {+succeed, +recover}) {
-        kor::attempt([] { kor_exception_throw(7, "pending"); })
-            .on_any([&] { kor_exception_get(&after); })
-            .cleanup([&] { step(); })
-            .run();
-        EXPECT_EQ((Raised{after.error, after.message}), (Raised{7, "pending"}));
+    const auto look = [&] { kor_exception_get(&after); };
+    for (const auto& [step, expected] : cases) {
+        const auto clean_up = step;
+        kor::attempt(raise_pending).on_any(look).cleanup([&] { clean_up(); }).run();
+        EXPECT_EQ((Raised{after.error, after.message}), expected);
     }
-    kor::attempt([] { kor_exception_throw(7, "pending"); })
-        .on_any([&] { kor_exception_get(&after); })
-        .cleanup([] { kor::attempt([] { kor_exception_throw(6, "other"); }).run(); })
-        .run();
-    EXPECT_EQ((Raised{after.error, after.message}), (Raised{6, "other"})) << "an error that leaves takes its place";
     const support::ReturningRaises handler;
-    kor::attempt([] { kor_exception_throw(7, "pending"); })
-        .on_any([&] {
-            kor::attempt([] { kor_exception_throw(6, "other"); }).run();
-            kor_exception_get(&after);
-        })
-        .run();
+    const auto fail_and_look = [&] { kor::attempt(raise_other).run(), look(); };
+    kor::attempt(raise_pending).on_any(fail_and_look).run();
     EXPECT_EQ((Raised{after.error, after.message}), Raised{}) << "one that nobody caught leaves nothing pending";
-    EXPECT_EQ(handler.all(), (std::vector<Raised>{{6, "other"}}));
+    EXPECT_EQ(handler.all(), std::vector{kOther});
 }
 
 // An application hands on what it caught: to show it, to store it, to open what it names.
 TEST(Attempt, LeavesTheTextOfThePendingErrorToItsBody) {
     const char* text = kor_exception_get_message();
     std::string seen;
-    KorException after{};
-    kor::attempt([] { kor_exception_throw(7, "/no/such/port"); })
-        .on_any([&] {
-            kor::attempt([&] {
-                EXPECT_EQ(kor_exception_get_error(), 0);
-                kor::attempt([&] { seen = text; }).run();
-                kor_serial_open(text);
-            }).on_any([&] {
-                  kor_exception_get(&after);
-              }).run();
-        })
-        .run();
-    EXPECT_EQ(seen, "/no/such/port");
-    EXPECT_STREQ(after.message, "[KOR_RESULT_FILE_NOT_FOUND] No such port: /no/such/port");
+    const auto hand_on = [&] {
+        kor::attempt([&] {
+            EXPECT_EQ(kor_exception_get_error(), KOR_RESULT_OK);
+            kor::attempt([&] { seen = text; }).run();
+            kor_serial_open(text);
+        }).run();
+    };
+    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: pending",
+                  kor::attempt(raise_pending).on_any(hand_on).run());
+    EXPECT_EQ(seen, "pending");
 }
 
 TEST(Attempt, ClosesItsOwnFrameAndNoOther) {
     std::string trace;
     auto inside = [&] {
         KorExceptionFrameNode* const outer = kor_exception_get_frame_node();
-        kor::attempt([] {
-        }).cleanup([&] {
-              trace += kor_exception_get_frame_node() == outer ? "closed " : "open ";
-          }).run();
-        trace += kor_exception_get_frame_node() == outer ? "outer " : "lost ";
-        kor::attempt([] { kor_exception_throw(6, "%d is text"); }).cleanup([&] { trace += "cleaned"; }).run();
+        const auto look = [&] { trace += kor_exception_get_frame_node() == outer ? "closed " : "open "; };
+        kor::attempt([] {}).cleanup(look).run();
+        look();
+        kor::attempt([] { kor_exception_throw(kIo, "%d is text"); }).cleanup([&] { trace += "cleaned"; }).run();
     };
-    EXPECT_EQ(raised_by(inside), (Raised{6, "%d is text"}));
-    EXPECT_EQ(trace, "closed outer cleaned");
+    EXPECT_EQ(raised_by(inside), (Raised{kIo, "%d is text"}));
+    EXPECT_EQ(trace, "closed closed cleaned");
     EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
 }
 
-TEST(UncaughtHandler, ThatReturnsLetsTheRaiserGoOn) {
-    const support::ReturningRaises handler;
-    kor::raise(KOR_RESULT_IO_ERROR, "out in the open");
-    EXPECT_EQ(handler.all(), std::vector{support::error(KOR_RESULT_IO_ERROR, "out in the open")});
-    EXPECT_EQ(kor_exception_get_error(), 0);
-    EXPECT_STREQ(kor_exception_get_message(), "") << "nothing is left pending";
-    EXPECT_STREQ(kor_result_to_string(99), "");
-    EXPECT_FALSE(kor_enum_is_valid(INT_MIN, 1, INT_MIN));
-    EXPECT_EQ(handler.all().size(), 3U);
-}
-
-TEST(UncaughtHandler, SeesAnErrorThatABlockPassedOn) {
+TEST(UncaughtHandler, ThatReturnsLetsTheRaiserGoOnWithNothingPending) {
     const support::ReturningRaises handler;
     char trace[32] = "";
-    try_unmatched(trace);
-    EXPECT_STREQ(trace, "ux");
-    EXPECT_EQ(handler.all(), (std::vector<Raised>{{7, "late"}}));
+    kor::raise(kIo, "out in the open");
+    try_nested(trace, 1);
+    EXPECT_STREQ(trace, "()x") << "an error that a block passed on";
+    EXPECT_EQ(handler.all(), (std::vector<Raised>{error(kIo, "out in the open"), {kIo, "deep"}}));
+    EXPECT_EQ(kor_exception_get_error(), KOR_RESULT_OK);
+    EXPECT_STREQ(kor_exception_get_message(), "");
     EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
+    EXPECT_STREQ(kor_result_to_string(99), "");
+    EXPECT_FALSE(kor_enum_is_valid(INT_MIN, 1, INT_MIN));
+    EXPECT_EQ(handler.all().size(), 4U);
 }
 
 TEST(UncaughtHandlerDeathTest, DefaultPrintsAndAborts) {
@@ -301,9 +260,8 @@ TEST(Enum, ChecksListsAndRanges) {
 }
 
 TEST(Heap, ExhaustionRaisesUnlessNullable) {
-    const size_t impossible = SIZE_MAX / 2;
-    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(impossible, 0));
-    EXPECT_EQ(kor_heap_alloc(impossible, 1), nullptr);
+    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(SIZE_MAX / 2, 0));
+    EXPECT_EQ(kor_heap_alloc(SIZE_MAX / 2, 1), nullptr);
     void* empty = kor_heap_alloc(0, 1);
     EXPECT_NE(empty, nullptr);
     kor_heap_free(empty);

@@ -1,82 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
-#include <array>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
-#include <string_view>
 
-#include "quorvel/crypt/aes.h"
-#include "quorvel/crypt/des.h"
-#include "quorvel/crypt/tdes.h"
+#include "tests/crypt/block_modes.h"
 #include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 #include "tests/support/wire.h"
 
+using namespace modes;
 using namespace support::literals;
 
 namespace {
 
-using Call = void (*)(const void* key, const uint8_t* in, uint8_t* out, size_t len, const uint8_t* iv);
-
-// The twelve functions as one type.
-template <auto Function>
-void call(const void* key, const uint8_t* in, uint8_t* out, size_t len, const uint8_t* iv) {
-    const auto pass_on =
-        [&]<typename Key, typename... Iv>(void (*)(const Key*, const uint8_t*, uint8_t*, size_t, Iv...)) {
-            if constexpr (sizeof...(Iv) == 0) {
-                Function(static_cast<const Key*>(key), in, out, len);
-            } else {
-                Function(static_cast<const Key*>(key), in, out, len, iv);
-            }
-        };
-    pass_on(Function);
-}
-
-struct Mode {
-    const char* name;
-    Call encrypt;
-    Call decrypt;
-};
-
-enum Family { kDes, kTdes, kAes };
-
-constexpr std::array<std::array<Mode, 2>, 3> kModes{{
-    {{{"DES ECB", call<crypt_des_ecb_encrypt>, call<crypt_des_ecb_decrypt>},
-      {"DES CBC", call<crypt_des_cbc_encrypt>, call<crypt_des_cbc_decrypt>}}},
-    {{{"3DES ECB", call<crypt_3des_ecb_encrypt>, call<crypt_3des_ecb_decrypt>},
-      {"3DES CBC", call<crypt_3des_cbc_encrypt>, call<crypt_3des_cbc_decrypt>}}},
-    {{{"AES ECB", call<crypt_aes_ecb_encrypt>, call<crypt_aes_ecb_decrypt>},
-      {"AES CBC", call<crypt_aes_cbc_encrypt>, call<crypt_aes_cbc_decrypt>}}},
-}};
-
 const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
 uint8_t* bytes(std::string& text) { return reinterpret_cast<uint8_t*>(text.data()); }
-
-// The key in the form that its family takes.
-class Key {
-public:
-    Key(Family family, std::string_view key) : family_(family), des_(key) {
-        tdes_.keySize = static_cast<uint32_t>(key.size());
-        std::memcpy(tdes_.key, key.data(), std::min(key.size(), sizeof tdes_.key));
-        if (family == kAes) { aes_ = crypt_aes_cipher_new(bytes(key), key.size()); }
-    }
-    ~Key() { crypt_aes_cipher_delete(&aes_); }
-    Key(Key&&) = delete;
-
-    [[nodiscard]] const void* get() const {
-        if (family_ == kDes) { return des_.data(); }
-        if (family_ == kTdes) { return &tdes_; }
-        return aes_;
-    }
-
-private:
-    Family family_;
-    std::string des_;
-    Crypt3DesKey tdes_{};
-    CryptAesCipher* aes_ = nullptr;
-};
 
 struct Vector {
     Family family;
@@ -85,38 +22,31 @@ struct Vector {
     std::string ecb;
     std::string iv;
     std::string cbc;
-    std::string cbcWithoutIv;
 };
 
 const std::string kNow = "Now is the time for all ";
 const std::string kNist = "6BC1BEE22E409F96E93D7E117393172A AE2D8A571E03AC9C9EB76FAC45AF8E51"_hex;
 
-// FIPS 81, the NIST examples of 3DES and SP 800-38A; the last column is the second implementation's.
+// FIPS 81, the NIST examples of 3DES and SP 800-38A.
 const std::vector<Vector>& vectors() {
     static const std::vector<Vector> all{
         {kDes, "0123456789ABCDEF"_hex, kNow, "3FA40E8A984D48156A271787AB8883F9893D51EC4B563B53"_hex,
-         "1234567890ABCDEF"_hex, "E5C7CDDE872BF27C43E934008C389C0F683788499A7C05F6"_hex,
-         "3FA40E8A984D48150B2E73F88DC5856A70A30640CC76DD8B"_hex},
+         "1234567890ABCDEF"_hex, "E5C7CDDE872BF27C43E934008C389C0F683788499A7C05F6"_hex},
         {kTdes, "0123456789ABCDEF 23456789ABCDEF01 456789ABCDEF0123"_hex, kNist,
          "714772F339841D34267FCC4BD2949CC3EE11C22A576A303876183F99C0B6DE87"_hex, "F69F2445DF4F9B17"_hex,
-         "2079C3D53AA763E193B79E2569AB5262516570481F25B50F73C0BDA85C8E0DA7"_hex,
-         "714772F339841D34A66687569156F45A6D6A8D866556D3496182CFB8DFFF20BB"_hex},
+         "2079C3D53AA763E193B79E2569AB5262516570481F25B50F73C0BDA85C8E0DA7"_hex},
         {kTdes, "0123456789ABCDEF 23456789ABCDEF01"_hex, kNist,
          "06EDE3D82884090AFF322C19F0518486730576972A666E58B6C88CF107340D3D"_hex, "F69F2445DF4F9B17"_hex,
-         "7401CE1EAB6D003CAFF84BF47B36CC2154F0238F9FFECD8F6ACF118392B45581"_hex,
-         "06EDE3D82884090A3B7BBD1FC1AD476F999E82F23BF0C275F732226BE8529B13"_hex},
+         "7401CE1EAB6D003CAFF84BF47B36CC2154F0238F9FFECD8F6ACF118392B45581"_hex},
         {kAes, "2B7E151628AED2A6ABF7158809CF4F3C"_hex, kNist,
          "3AD77BB40D7A3660A89ECAF32466EF97F5D3D58503B9699DE785895A96FDBAAF"_hex, "000102030405060708090A0B0C0D0E0F"_hex,
-         "7649ABAC8119B246CEE98E9B12E9197D5086CB9B507219EE95DB113A917678B2"_hex,
-         "3AD77BB40D7A3660A89ECAF32466EF97B148C17F309EE692287AE57CF12ADD49"_hex},
+         "7649ABAC8119B246CEE98E9B12E9197D5086CB9B507219EE95DB113A917678B2"_hex},
         {kAes, "8E73B0F7DA0E6452C810F32B809079E562F8EAD2522C6B7B"_hex, kNist,
          "BD334F1D6E45F25FF712A214571FA5CC974104846D0AD3AD7734ECB3ECEE4EEF"_hex, "000102030405060708090A0B0C0D0E0F"_hex,
-         "4F021DB243BC633D7178183A9FA071E8B4D9ADA9AD7DEDF4E5E738763F69145A"_hex,
-         "BD334F1D6E45F25FF712A214571FA5CC0F771E2A4F0FBE323CB4146A0D1B86D9"_hex},
+         "4F021DB243BC633D7178183A9FA071E8B4D9ADA9AD7DEDF4E5E738763F69145A"_hex},
         {kAes, "603DEB1015CA71BE2B73AEF0857D77811F352C073B6108D72D9810A30914DFF4"_hex, kNist,
          "F3EED1BDB5D2A03C064B5A7E3DB181F8591CCB10D410ED26DC5BA74A31362870"_hex, "000102030405060708090A0B0C0D0E0F"_hex,
-         "F58C4C04D6E5F1BA779EABFB5F7BFBD69CFC4E967EDB808D679F777BC6702C7D"_hex,
-         "F3EED1BDB5D2A03C064B5A7E3DB181F8E3C48B48365CFB14DC9AAA37B1ABC15C"_hex},
+         "F58C4C04D6E5F1BA779EABFB5F7BFBD69CFC4E967EDB808D679F777BC6702C7D"_hex},
     };
     return all;
 }
@@ -139,17 +69,18 @@ void expect_both_ways(const Mode& mode, const Key& key, const std::string& plain
 TEST(BlockCiphers, PublishedVectorsBothWaysAndInPlace) {
     for (const Vector& vector : vectors()) {
         const Key key(vector.family, vector.key);
-        const auto& [ecb, cbc] = kModes[vector.family];
+        const auto& [cipher, ecb, cbc] = kModes[vector.family];
         const std::string iv = vector.iv;
         expect_both_ways(ecb, key, vector.plain, vector.ecb, nullptr);
         expect_both_ways(cbc, key, vector.plain, vector.cbc, bytes(iv));
         EXPECT_EQ(iv, vector.iv) << "the caller's vector was updated";
-        expect_both_ways(cbc, key, vector.plain, vector.cbcWithoutIv, nullptr);
+        // Without one it is of zeros, which leave the first block as it is.
+        const size_t block = vector.iv.size();
+        expect_both_ways(cbc, key, vector.plain.substr(0, block), vector.ecb.substr(0, block), nullptr);
     }
 }
 
 TEST(BlockCiphers, FaultsInTheirOrder) {
-    constexpr const char* kNoKey[]{"'key' is NULL", "'key' is NULL", "'cipher' is NULL"};
     constexpr const char* kPartialBlock[]{"'len' must be a multiple of 8", "'len' must be a multiple of 8",
                                           "'len' must be a multiple of 16"};
     uint8_t in[32]{};
@@ -157,17 +88,16 @@ TEST(BlockCiphers, FaultsInTheirOrder) {
     for (const Family family : {kDes, kTdes, kAes}) {
         const Key owned(family, "0123456789ABCDEF"_hex + (family == kDes ? "" : "0123456789ABCDEF"_hex));
         const void* key = owned.get();
-        const auto expect = [&](const void* k, const uint8_t* from, uint8_t* to, size_t len, const char* detail) {
-            for (const Mode& mode : kModes[family]) {
-                EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, mode.encrypt(k, from, to, len, nullptr));
-                EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, mode.decrypt(k, from, to, len, nullptr));
+        const auto expect = [&](const uint8_t* from, uint8_t* to, size_t len, const char* detail) {
+            for (const Mode& mode : {kModes[family].ecb, kModes[family].cbc}) {
+                EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, mode.encrypt(key, from, to, len, nullptr));
+                EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, mode.decrypt(key, from, to, len, nullptr));
             }
         };
-        expect(nullptr, nullptr, nullptr, 0, kNoKey[family]);
-        expect(key, nullptr, nullptr, 0, "'in' is NULL");
-        expect(key, in, nullptr, 0, "'out' is NULL");
-        expect(key, in, out, 0, "'len' is zero");
-        expect(key, in, out, 20, kPartialBlock[family]);
+        expect(nullptr, nullptr, 0, "'in' is NULL");
+        expect(in, nullptr, 0, "'out' is NULL");
+        expect(in, out, 0, "'len' is zero");
+        expect(in, out, 20, kPartialBlock[family]);
     }
     EXPECT_TRUE(std::ranges::all_of(out, [](uint8_t byte) { return byte == 0; }));
 }

@@ -3,10 +3,10 @@
 #include "abecs/comm/comm.h"
 #include "quorvel/quorvel.h"
 #include "tests/abecs/cmd/rsa_peer.h"
-#include "tests/secrets/failing_cipher.h"
 #include "tests/secrets/table.h"
 #include "tests/support/link.h"
 #include "tests/support/malloc/failing_malloc.h"
+#include "tests/support/scratch.h"
 #include "tests/support/wire.h"
 
 namespace secrets {
@@ -19,18 +19,12 @@ using namespace support::literals;
 struct Talk {
     support::Link link;
     AbecsComm* comm = link.comm;
-    std::string number = std::string(kNumber);
     AbecsWkPan key{ABECS_WK_PAN_TYPE_TDES, {}};
     AbecsMk master{ABECS_MK_TYPE_TDES, 0, {1, 2, 3}};
     AbecsRspParamMap* map = abecs_rsp_param_map_new();
-    AbecsCmdGcrResponse gcr{};
-    AbecsCmdCkeOut cke{};
-    AbecsCmdGocResponse goc{};
     AbecsCmdGpnCmdData pin{ABECS_CMD_GPN_METHOD_MK_WK_TDES, 0, "", "", 1, {{4, 12, "PIN"}}};
-    AbecsCmdGpnRspData block{};
-    AbecsEmvData emv{};
     AbecsTagList tags{{0x5A}, 1};
-    char digits[1024]{};
+    support::Scratch out;
     AbecsPacket* packet = abecs_packet_new();
 
     Talk() {
@@ -43,22 +37,17 @@ struct Talk {
         abecs_packet_delete(&packet);
     }
     Talk(Talk&&) = delete;
-
-    // The PIN pad has been asked before, and answers.
-    void answers(const char* id, const std::string& response) {
-        abecs_comm_lock(comm, id);
-        link.peer.response(id + response);
-        link.peer.settle();
-    }
 };
 
-using Script = void (*)(Talk& talk);
+using Script = std::function<void(Talk& talk)>;
 
-std::function<Row::Call()> talk(Script script, Script call) {
-    return [=] {
-        const auto talk = std::make_shared<Talk>();
-        script(*talk);
-        return [=] { call(*talk); };
+// The PIN pad has been asked before, and answers; the link may have a working key.
+Script answer(const std::string& response, bool withKey = false) {
+    return [=](Talk& t) {
+        if (withKey) { abecs_comm_set_wk_pan(t.comm, &t.key); }
+        abecs_comm_lock(t.comm, response.substr(0, 3).c_str());
+        t.link.peer.response(response);
+        t.link.peer.settle();
     };
 }
 
@@ -67,10 +56,8 @@ std::string field(std::string text, size_t width) {
     return text;
 }
 
-std::string n(std::string_view text) { return std::string(text); }
-
-std::string param(const std::string& id, const std::string& data) {
-    return id + '\0' + static_cast<char>(data.size()) + data;
+std::string param(const std::string& id, std::string_view data) {
+    return id + '\0' + static_cast<char>(data.size()) + std::string(data);
 }
 
 std::string block(const std::string& params) {
@@ -78,115 +65,54 @@ std::string block(const std::string& params) {
     return std::string(3 - size.size(), '0') + size + params;
 }
 
-// 5412751234567894 under the working key.
-constexpr const char* kProtectedTrack = "1EF75EFB90247489=3012";
+// The number, and what becomes of it under the working key.
+const std::string kClear(kNumber);
+const std::string kProtectedTrack = "1EF75EFB90247489=3012";
+const std::string kNumberParam = param("8052"_hex, kNumber);
+const std::string kTracks = field("00", 78) + field("21" + kProtectedTrack, 42) + field("", 104);
+const std::string kCard =
+    field("00", 21) + field("07CREDIT", 18) + field("201TEST/CARD", 29) + "301231" + std::string(28, ' ') + "!076000";
 
-// As far as the card number, or to the end.
-std::string gcr_answer(bool whole) {
-    return "00099906198" + n("03Z1") + field("00", 78) + field(n("21") + kProtectedTrack, 42) + field("", 104)
-           + (whole ? field("00", 21) + field("07CREDIT", 18) + field("201TEST/CARD", 29) + "301231"
-                          + std::string(28, ' ') + "!076000"
-                    : "");
+void read_gcx(Talk& t) { abecs_cmd_gcx_response(t.comm, t.map, nullptr); }
+void read_gcr(Talk& t) { abecs_cmd_gcr_response(t.comm, t.out, nullptr); }
+void read_cke(Talk& t) { abecs_cmd_cke_response(t.comm, t.out, nullptr); }
+void read_goc(Talk& t) { abecs_cmd_goc_response(t.comm, t.out, nullptr); }
+void read_gpn(Talk& t) { abecs_cmd_gpn_response(t.comm, t.out, nullptr); }
+void read_gcd(Talk& t) { abecs_cmd_gcd_response(t.comm, t.out, nullptr); }
+void gpn(Talk& t) { abecs_cmd_gpn(t.comm, &t.pin); }
+void ged(Talk& t) { abecs_cmd_ged(t.comm, &t.tags, t.out); }
+
+void take_gpn(Talk& t) {
+    t.link.peer.request("GPN093100" + std::string(kKey) + "16" + field(kClear, 19) + "10412" + field("PIN", 32));
 }
-
-void read_gcx(Talk& talk) { abecs_cmd_gcx_response(talk.comm, talk.map, nullptr); }
-void read_gcr(Talk& talk) { abecs_cmd_gcr_response(talk.comm, &talk.gcr, nullptr); }
-
-// The link has a working key.
-void protect(Talk& talk) { abecs_comm_set_wk_pan(talk.comm, &talk.key); }
-
-// 2044 is the storage of a packet, 999 that of a parameter or of a builder's block, 16 the value in a map.
-const Table kCards{
-    {"GcxAnswer",
-     {number()},
-     talk([](Talk& t) { t.answers("GCX", "000" + block(param("8052"_hex, n(kNumber)))); }, read_gcx),
-     {"2044: number", "999: number"}},
-    {"GcxAnswerThatIsMalformedBehindTheNumber",
-     {number()},
-     talk([](Talk& t) { t.answers("GCX", "000" + block(param("8052"_hex, n(kNumber)) + "00")); }, read_gcx),
-     {"16: number", "2044: number", "999: number"},
-     support::error(6, "Malformed packet (remaining bytes on BLK1 cannot be used)")},
-    {"GcxAnswerWithTheNumberTwice",
-     {number()},
-     talk([](Talk& t) { t.answers("GCX", "000" + block(param("8052"_hex, n(kNumber)) + param("8052"_hex, "none"))); },
-          read_gcx),
-     {"16: number", "2044: number", "999: number"}},
-    {"GcrAnswer",
-     {number(), key()},
-     talk([](Talk& t) { protect(t), t.answers("GCR", gcr_answer(true)); }, read_gcr),
-     {"168: number", "20: key", "20: key", "20: key", "20: key", "28: key", "8360: number"}},
-    {"GcrAnswerThatEndsBehindTheTracks",
-     {number(), key()},
-     talk([](Talk& t) { protect(t), t.answers("GCR", gcr_answer(false)); }, read_gcr),
-     {"168: number", "20: key", "20: key", "20: key", "28: key", "8360: number"},
-     support::error(6, "Buffer does not have enough data (requested: 2, available: 0)")},
-    {"CkeAnswer",
-     {number(), key()},
-     talk(
-         [](Talk& t) {
-             protect(t);
-             t.answers("CKE", "000225100" + field("", 76) + "21" + field(kProtectedTrack, 40) + field("", 104));
-         },
-         [](Talk& t) { abecs_cmd_cke_response(t.comm, &t.cke, nullptr); }),
-     {"168: number", "20: key", "20: key", "20: key", "28: key", "8360: number"}},
-    {"GocAnswer",
-     {number()},
-     talk([](Talk& t) { t.answers("GOC", "000999000000" + field(n(kNumber), 36) + "016" + n(kNumber) + "000"); },
-          [](Talk& t) { abecs_cmd_goc_response(t.comm, &t.goc, nullptr); }),
-     {"2044: number"}},
-    {"GpnRequest",
-     {number(), key()},
-     talk(
-         [](Talk& t) {
-             t.link.peer.request("GPN093100" + n(kKey) + "16" + field(n(kNumber), 19) + "10412" + field("PIN", 32));
-         },
-         [](Talk& t) { abecs_cmd_gpn(t.comm, &t.pin); }),
-     {"2044: number, key"}},
-    {"GpnAnswer",
-     {number()},
-     talk([](Talk& t) { t.answers("GPN", "000036" + n(kNumber) + "FFFF9876543210E00001"); },
-          [](Talk& t) { abecs_cmd_gpn_response(t.comm, &t.block, nullptr); }),
-     {"2044: number"}},
-    {"GcdAnswer",
-     {number()},
-     talk([](Talk& t) { t.answers("GCD", "000" + block(param("804D"_hex, n(kNumber)))); },
-          [](Talk& t) { abecs_cmd_gcd_response(t.comm, t.digits, nullptr); }),
-     {"2044: number", "999: number"}},
-    {"GedAnswer",
-     {number()},
-     talk(
-         [](Talk& t) {
-             t.link.peer.request("GED005" + "0004 0001 5A"_hex)
-                 .response("GED000" + block(param("8054"_hex, "\x5A\x08" + from_digits(kNumber))));
-         },
-         [](Talk& t) { abecs_cmd_ged(t.comm, &t.tags, &t.emv); }),
-     {"2044: number", "999: number"}},
-};
-
-INSTANTIATE_TEST_SUITE_P(Cards, Secrets, testing::ValuesIn(kCards), name_of);
+void answer_ged(Talk& t) {
+    t.link.peer.request("GED005" + "0004 0001 5A"_hex)
+        .response("GED000" + block(param("8054"_hex, "\x5A\x08" + from_digits(kNumber))));
+}
 
 // OPN and DWK2: the block of the right size with the key in it, under the host's public key.
-std::string modulus_of(const std::string& request, size_t at, size_t digits) { return request.substr(at, digits); }
-
-std::string session_block() { return "0002"_hex + std::string(256 - 3 - 16, '\x5A') + '\0' + from_digits(kKey); }
-
-std::string working_key_block(char end) { return "T19 filling" + n(kKey) + std::string(84, '\xA5') + end; }
-
-void answer_opn(Talk& talk, const std::string& block) {
-    talk.link.peer.reply(1 + 6 + 4 + 512 + 1 + 6 + 3, [=](const std::string& request) {
-        return "06"_hex + support::frame("OPN000515256" + support::rsa_encipher(block, modulus_of(request, 11, 512)));
-    });
+Script answer_opn(const std::string& block) {
+    return [=](Talk& t) {
+        t.link.peer.reply(1 + 6 + 4 + 512 + 1 + 6 + 3, [=](const std::string& request) {
+            return "06"_hex + support::frame("OPN000515256" + support::rsa_encipher(block, request.substr(11, 512)));
+        });
+    };
+}
+Script answer_dwk2(char end) {
+    return [=](Talk& t) {
+        t.link.peer.reply(1 + 6 + 1 + 256 + 6 + 3, [=](const std::string& request) {
+            const std::string block = "T19 filling" + std::string(kKey) + std::string(84, '\xA5') + end;
+            return "06"_hex + support::frame("DWK000256" + support::rsa_encipher(block, request.substr(8, 256)));
+        });
+    };
+}
+std::string session_block(size_t filling, const char* before) {
+    return "0002"_hex + std::string(filling, '\x5A') + '\0' + before + from_digits(kKey);
 }
 
-void answer_dwk2(Talk& talk, const std::string& block) {
-    talk.link.peer.reply(1 + 6 + 1 + 256 + 6 + 3, [=](const std::string& request) {
-        return "06"_hex + support::frame("DWK000256" + support::rsa_encipher(block, modulus_of(request, 8, 256)));
-    });
-}
-
-void open_session(Talk& talk) { abecs_cmd_opn(talk.comm, true); }
-void take_rsa_key(Talk& talk) { abecs_cmd_dwk2(talk.comm, nullptr, true); }
-void load_key(Talk& talk) { abecs_cmd_dwk1(talk.comm, &talk.master, nullptr, true); }
+void open_session(Talk& t) { abecs_cmd_opn(t.comm, true); }
+void take_rsa_key(Talk& t) { abecs_cmd_dwk2(t.comm, nullptr, true); }
+void load_key(Talk& t) { abecs_cmd_dwk1(t.comm, &t.master, nullptr, true); }
 
 // What DWK1 draws once the generator has been set to 1.
 Secret drawn_key() {
@@ -195,111 +121,104 @@ Secret drawn_key() {
     for (char& byte : bytes) { byte = static_cast<char>(std::rand() % 256); }
     return of_bytes("drawn", bytes);
 }
-
-void answer_dwk1(Talk& talk, const char* response) {
-    kor_system_random(0, 1);
-    std::srand(1);
-    if (response == nullptr) { return; }
-    const std::string frame = support::frame(response);
-    talk.link.peer.discard(1 + 6 + 1 + 1 + 2 + 32 + 1 + 2).send("06"_hex + frame);
-}
-
-std::function<Row::Call()> with_failing_cipher(const char* cipher, Script script, Script call) {
-    return [=] {
-        const Row::Call whole = talk(script, call)();
-        const auto failing = std::make_shared<FailingCipher>(cipher, CRYPT_INVALID_KEYSIZE, CRYPT_OK);
-        return [=] { whole(), static_cast<void>(failing); };
+Script answer_dwk1(const char* response) {
+    return [=](Talk& t) {
+        kor_system_random(0, 1);
+        std::srand(1);
+        if (response == nullptr) { return; }
+        t.link.peer.discard(1 + 6 + 1 + 1 + 2 + 32 + 1 + 2).send("06"_hex + support::frame(response));
     };
 }
 
-const support::Raised kFailed = support::error(13, "Invalid key size.");
-
-const Table kKeys{
-    {"OpnAnswer",
-     {key()},
-     talk([](Talk& t) { answer_opn(t, session_block()); }, open_session),
-     {"11664: key", "256: key", "256: key"}},
-    {"OpnAnswerWithALongerKey",
-     {key()},
-     talk([](Talk& t) { answer_opn(t, "0002"_hex + std::string(236, '\x5A') + '\0' + "x" + from_digits(kKey)); },
-          open_session),
-     {"11664: key", "256: key", "256: key"},
-     support::error(12, "(OPN) Invalid Ksec length (expected: 16, read: 17)")},
-    {"Dwk2Answer",
-     {key()},
-     talk([](Talk& t) { answer_dwk2(t, working_key_block('X')); }, take_rsa_key),
-     {"11664: key", "128: key", "128: key", "20: key", "256: key"}},
-    {"Dwk2AnswerWithABadEnd",
-     {key()},
-     talk([](Talk& t) { answer_dwk2(t, working_key_block('Y')); }, take_rsa_key),
-     {"11664: key", "128: key", "128: key", "20: key", "256: key"},
-     support::error(12, "(DWK) Invalid block end (expected: 'X', read: 'Y')")},
-    {"Dwk1Answer", {drawn_key()}, talk([](Talk& t) { answer_dwk1(t, "DWK000"); }, load_key), {"20: drawn"}},
-    {"Dwk1AnswerThatRefuses", {drawn_key()}, talk([](Talk& t) { answer_dwk1(t, "DWK042"); }, load_key), {"20: drawn"}},
-    {"Dwk1AnswerOfAnotherCommand",
-     {drawn_key()},
-     talk([](Talk& t) { answer_dwk1(t, "OPN000"); }, load_key),
-     {"20: drawn"},
-     support::error(12, "(DWK) Invalid RSP_ID: OPN)")},
-    {"Dwk1KeyNotEnciphered",
-     {drawn_key()},
-     with_failing_cipher(
-         "3des", [](Talk& t) { answer_dwk1(t, nullptr); }, load_key),
-     {"16: drawn", "20: drawn"},
-     kFailed},
-    {"LinkKeyTaken",
-     {key()},
-     talk([](Talk& t) { abecs_comm_set_key(t.comm, t.key.key); }, [](Talk& t) { abecs_comm_set_key(t.comm, nullptr); }),
-     {"16: key"}},
-    {"LinkPanKeyTaken",
-     {key()},
-     talk([](Talk& t) { abecs_comm_set_key(t.comm, t.key.key); },
-          [](Talk& t) { abecs_comm_set_wk_pan(t.comm, nullptr); }),
-     {"16: key"}},
-    {"LinkClosed",
-     {key()},
-     talk([](Talk& t) { abecs_comm_set_key(t.comm, t.key.key); }, [](Talk& t) { abecs_comm_close(&t.link.comm); }),
-     {"80: key"}},
-    {"LinkClosedAfterItHungUp",
-     {key()},
-     talk([](Talk& t) { protect(t), t.link.peer.hang_up().settle(); }, [](Talk& t) { abecs_comm_close(&t.link.comm); }),
-     {"80: key"},
-     support::error(6, "tcflush() error: 5")},
-};
-
-INSTANTIATE_TEST_SUITE_P(Keys, Secrets, testing::ValuesIn(kKeys), name_of);
+void set_key(Talk& t) { abecs_comm_set_key(t.comm, t.key.key); }
+void take_key(Talk& t) { abecs_comm_set_key(t.comm, nullptr); }
+void take_pan_key(Talk& t) { abecs_comm_set_wk_pan(t.comm, nullptr); }
+void close_link(Talk& t) { abecs_comm_close(&t.link.comm); }
+void protect_and_hang_up(Talk& t) {
+    abecs_comm_set_wk_pan(t.comm, &t.key);
+    t.link.peer.hang_up().settle();
+}
 
 // In a session: what is sent comes back as the answer.
-void begin_session(Talk& talk) {
-    abecs_comm_set_key(talk.comm, talk.key.key);
-    abecs_packet_write_field_b(talk.packet, "ABC", 3);
-    abecs_packet_write_field_b(talk.packet, kNumber.data(), kNumber.size());
+void begin_session(Talk& t) {
+    set_key(t);
+    abecs_packet_write_field_b(t.packet, "ABC", 3);
+    abecs_packet_write_field_b(t.packet, kNumber.data(), kNumber.size());
+}
+void echo(Talk& t) {
+    begin_session(t);
+    t.link.peer.reply(1 + 1 + 32 + 1 + 2, [](const std::string& request) { return "06"_hex + request; });
+}
+void send(Talk& t) { abecs_comm_send_packet(t.comm, t.packet); }
+void talk_in_session(Talk& t) {
+    send(t);
+    abecs_comm_read_packet(t.comm, t.packet);
+    abecs_packet_delete(&t.packet);
 }
 
-void echo(Talk& talk) {
-    begin_session(talk);
-    talk.link.peer.reply(1 + 1 + 32 + 1 + 2, [](const std::string& request) { return "06"_hex + request; });
+On<Talk> talk(const Script& script, On<Talk>::Step call, const char* failing = nullptr) {
+    return {call, script, failing};
 }
 
-void talk_in_session(Talk& talk) {
-    abecs_comm_send_packet(talk.comm, talk.packet);
-    abecs_comm_read_packet(talk.comm, talk.packet);
-    abecs_packet_delete(&talk.packet);
-}
+support::Raised io(const char* detail) { return support::error(KOR_RESULT_IO_ERROR, detail); }
+support::Raised protocol(const char* detail) { return support::error(KOR_RESULT_PROTOCOL_ERROR, detail); }
 
-const Table kSession{
-    {"SessionTalk",
-     {number(), key()},
-     talk(echo, talk_in_session),
-     {"2044: number", "36: key", "36: key", "8488: key", "8488: key"}},
-    {"SessionCommandNotEnciphered",
-     {number(), key()},
-     with_failing_cipher("aes", begin_session, [](Talk& t) { abecs_comm_send_packet(t.comm, t.packet); }),
-     {"2044: number", "36: key", "8488: key"},
-     kFailed},
+const std::vector<Secret> kNumbers{number()};
+const std::vector<Secret> kKeys{key()};
+const std::vector<Secret> kBoth{number(), key()};
+const std::vector<Secret> kDrawn{drawn_key()};
+using Wiped = std::vector<std::string>;
+const Wiped kUnprotected{"168: number", "20: key", "20: key", "20: key", "28: key", "8360: number"};
+const Wiped kTaken{"11664: key", "128: key", "128: key", "20: key", "256: key"};
+
+// 2044 is the storage of a packet, 999 that of a parameter or of a builder's block, 16 the value in a map or a key.
+const Table kRows{
+    row("GcxAnswer", kNumbers, talk(answer("GCX000" + block(kNumberParam)), read_gcx), {"2044: number", "999: number"}),
+    row("GcxAnswerThatIsMalformedBehindTheNumber", kNumbers,
+        talk(answer("GCX000" + block(kNumberParam + "00")), read_gcx), {"16: number", "2044: number", "999: number"},
+        io("Malformed packet (remaining bytes on BLK1 cannot be used)")),
+    row("GcxAnswerWithTheNumberTwice", kNumbers,
+        talk(answer("GCX000" + block(kNumberParam + param("8052"_hex, "none"))), read_gcx),
+        {"16: number", "2044: number", "999: number"}),
+    row("GcrAnswer", kBoth, talk(answer("GCR0009990619803Z1" + kTracks + kCard, true), read_gcr),
+        {"168: number", "20: key", "20: key", "20: key", "20: key", "28: key", "8360: number"}),
+    row("GcrAnswerThatEndsBehindTheTracks", kBoth, talk(answer("GCR0009990619803Z1" + kTracks, true), read_gcr),
+        kUnprotected, io("Buffer does not have enough data (requested: 2, available: 0)")),
+    row("CkeAnswer", kBoth,
+        talk(answer("CKE000225100" + field("", 76) + "21" + field(kProtectedTrack, 40) + field("", 104), true),
+             read_cke),
+        kUnprotected),
+    row("GocAnswer", kNumbers, talk(answer("GOC000999000000" + field(kClear, 36) + "016" + kClear + "000"), read_goc),
+        {"2044: number"}),
+    row("GpnRequest", kBoth, talk(take_gpn, gpn), {"2044: number, key"}),
+    row("GpnAnswer", kNumbers, talk(answer("GPN000036" + kClear + "FFFF9876543210E00001"), read_gpn), {"2044: number"}),
+    row("GcdAnswer", kNumbers, talk(answer("GCD000" + block(param("804D"_hex, kNumber))), read_gcd),
+        {"2044: number", "999: number"}),
+    row("GedAnswer", kNumbers, talk(answer_ged, ged), {"2044: number", "999: number"}),
+    row("OpnAnswer", kKeys, talk(answer_opn(session_block(237, "")), open_session),
+        {"11664: key", "256: key", "256: key"}),
+    row("OpnAnswerWithALongerKey", kKeys, talk(answer_opn(session_block(236, "x")), open_session),
+        {"11664: key", "256: key", "256: key"}, protocol("(OPN) Invalid Ksec length (expected: 16, read: 17)")),
+    row("Dwk2Answer", kKeys, talk(answer_dwk2('X'), take_rsa_key), kTaken),
+    row("Dwk2AnswerWithABadEnd", kKeys, talk(answer_dwk2('Y'), take_rsa_key), kTaken,
+        protocol("(DWK) Invalid block end (expected: 'X', read: 'Y')")),
+    row("Dwk1Answer", kDrawn, talk(answer_dwk1("DWK000"), load_key), {"20: drawn"}),
+    row("Dwk1AnswerThatRefuses", kDrawn, talk(answer_dwk1("DWK042"), load_key), {"20: drawn"}),
+    row("Dwk1AnswerOfAnotherCommand", kDrawn, talk(answer_dwk1("OPN000"), load_key), {"20: drawn"},
+        protocol("(DWK) Invalid RSP_ID: OPN)")),
+    row("Dwk1KeyNotEnciphered", kDrawn, talk(answer_dwk1(nullptr), load_key, "3des"), {"16: drawn", "20: drawn"},
+        kFailed),
+    row("LinkKeyTaken", kKeys, talk(set_key, take_key), {"16: key"}),
+    row("LinkPanKeyTaken", kKeys, talk(set_key, take_pan_key), {"16: key"}),
+    row("LinkClosed", kKeys, talk(set_key, close_link), {"80: key"}),
+    row("LinkClosedAfterItHungUp", kKeys, talk(protect_and_hang_up, close_link), {"80: key"}, io("tcflush() error: 5")),
+    row("SessionTalk", kBoth, talk(echo, talk_in_session),
+        {"2044: number", "36: key", "36: key", "8488: key", "8488: key"}),
+    row("SessionCommandNotEnciphered", kBoth, talk(begin_session, send, "aes"),
+        {"2044: number", "36: key", "8488: key"}, kFailed),
 };
 
-INSTANTIATE_TEST_SUITE_P(Session, Secrets, testing::ValuesIn(kSession), name_of);
+INSTANTIATE_TEST_SUITE_P(Conversations, Secrets, testing::ValuesIn(kRows), name_of);
 
 // Wherever memory ends, what has been read so far goes, and none of it is kept.
 TEST(Secrets, AreWipedWhereverMemoryEnds) {
@@ -307,7 +226,7 @@ TEST(Secrets, AreWipedWhereverMemoryEnds) {
         bool failed = true;
         for (size_t n = 1; failed; ++n) {
             Talk talk;
-            talk.answers("GCX", "000" + block(param("8045"_hex, "first") + param("8052"_hex, std::string(kNumber))));
+            answer("GCX000" + block(param("8045"_hex, "first") + kNumberParam))(talk);
             const support::FailingMalloc failing(n);
             const Seen seen = watch({number()}, raising, [&] {
                 read_gcx(talk);

@@ -79,7 +79,7 @@ void encrypt_for_new_key(Rsa& all) {
 }
 void encipher_for_new_key(Rsa& all) { make(all), encipher(all); }
 
-const support::Raised kNothingDrawn = support::error(13, "Error reading the PRNG.");
+const support::Raised kNothingDrawn = support::error(KOR_RESULT_CRYPT_ERROR, "Error reading the PRNG.");
 
 // Not in the table of the parameters, because making a key takes time whichever row runs.
 TEST(Secrets, OfRsaAreWiped) {
@@ -107,23 +107,18 @@ TEST(Secrets, OfRsaAreWiped) {
 
     // 11664 is the stack under the arithmetic, 936 a key that was made, 256 a work area.
     const Row rows[]{
-        {"KeyMade", {numbers}, rsa(nothing, make), {"11664: numbers"}},
-        {"KeyNotMade", {numbers}, rsa(nothing, make, draws - 1), {"11664: numbers", "936: numbers"}, kNothingDrawn},
-        {"KeyDeleted", {numbers}, rsa(make, release), {"936: numbers"}},
-        {"LoadedKeyDeleted", {message}, rsa(load, release), {"968: message"}},
-        {"Enciphered", {message}, rsa(make, encipher), {"11664: message"}},
-        {"Deciphered", {message}, rsa(encipher_for_new_key, decipher), {"11664: message", "256: message"}},
-        {"Encrypted", {message, seed, padded}, rsa(make, encrypt), {"11664: padded", "2048: padded"}},
-        {"NotEncrypted", {message}, rsa(make, encrypt, 0), {"256: message"}, kNothingDrawn},
-        {"Decrypted",
-         {message, seed, padded},
-         rsa(encrypt_for_new_key, decrypt),
-         {"11664: padded", "2048: seed", "256: message"}},
-        {"NotDecrypted",
-         {message},
-         rsa(encipher_for_new_key, decrypt),
-         {"11664: message"},
-         support::error(13, "Invalid OAEP packet")},
+        row("KeyMade", {numbers}, rsa(nothing, make), {"11664: numbers"}),
+        row("KeyNotMade", {numbers}, rsa(nothing, make, draws - 1), {"11664: numbers", "936: numbers"}, kNothingDrawn),
+        row("KeyDeleted", {numbers}, rsa(make, release), {"936: numbers"}),
+        row("LoadedKeyDeleted", {message}, rsa(load, release), {"968: message"}),
+        row("Enciphered", {message}, rsa(make, encipher), {"11664: message"}),
+        row("Deciphered", {message}, rsa(encipher_for_new_key, decipher), {"11664: message", "256: message"}),
+        row("Encrypted", {message, seed, padded}, rsa(make, encrypt), {"11664: padded", "2048: padded"}),
+        row("NotEncrypted", {message}, rsa(make, encrypt, 0), {"256: message"}, kNothingDrawn),
+        row("Decrypted", {message, seed, padded}, rsa(encrypt_for_new_key, decrypt),
+            {"11664: padded", "2048: seed", "256: message"}),
+        row("NotDecrypted", {message}, rsa(encipher_for_new_key, decrypt), {"11664: message"},
+            support::error(KOR_RESULT_CRYPT_ERROR, "Invalid OAEP packet")),
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);

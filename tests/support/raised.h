@@ -4,6 +4,7 @@
 #define QUORVEL_TESTS_SUPPORT_RAISED_H
 
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <initializer_list>
 #include <iosfwd>
 #include <string>
