@@ -3,8 +3,6 @@
 #include "tests/support/malloc/exhaustion.h"
 
 #include <csignal>
-#include <gtest/gtest.h>
-#include <string>
 #include <unistd.h>
 
 #include "core/attempt.h"
@@ -18,53 +16,48 @@
 
 namespace {
 
-// What an operation may change, and what it looks like.
-struct MapPut {
-    explicit MapPut(const char* putKey) : key(putKey) {
-        kor_map_put(map, "a", "1");
-        kor_map_put(map, "bb", "2");
-    }
-    ~MapPut() { kor_map_delete(&map); }
-    void* act() const { return kor_map_put(map, key, "new"); }
-    [[nodiscard]] std::string look() const {
-        return counted::entries(map) + "of " + std::to_string(kor_map_capacity(map));
-    }
-
-    const char* key;
-    KorMap* map = counted::new_map(4);
-};
-
-struct ListAppend {
-    ListAppend() { kor_string_list_append(list, "a"); }
-    ~ListAppend() { kor_list_delete(&list); }
-    void* act() const { return kor_string_list_append(list, "b"); }
-    [[nodiscard]] std::string look() const { return counted::items(list) + std::to_string(kor_list_size(list)); }
-
-    KorList* list = kor_string_list_new();
-};
-
 // Every allocation fails once: nothing must have changed, and the same operation must succeed afterwards.
-template <typename Subject, typename... Arguments>
-void expect_all_or_nothing(size_t allocations, const std::string& after, Arguments... arguments) {
+template <typename Make, typename Act, typename Look>
+void expect_all_or_nothing(size_t allocations, const std::string& after, Make make, Act act, Look look) {
     for (const support::Raise raise : support::kBothRaises) {
         for (size_t n = 1; n <= allocations + 1; ++n) {
-            const Subject subject(arguments...);
-            const std::string before = subject.look();
+            const auto subject = make();
+            const std::string before = look(subject);
             const void* result = nullptr;
-            EXPECT_EQ(support::fails(n, raise, [&] { result = subject.act(); }), n <= allocations);
+            EXPECT_EQ(support::fails(n, raise, [&] { result = act(subject); }), n <= allocations);
             if (n > allocations) { break; }
             EXPECT_EQ(result, nullptr);
-            EXPECT_EQ(subject.look(), before) << "allocation " << n;
-            subject.act();
-            EXPECT_EQ(subject.look(), after) << "tried again after allocation " << n;
+            EXPECT_EQ(look(subject), before) << "allocation " << n;
+            act(subject);
+            EXPECT_EQ(look(subject), after) << "tried again after allocation " << n;
         }
     }
 }
 
 TEST(Exhaustion, AFailedChangeChangesNothing) {
-    expect_all_or_nothing<ListAppend>(2, "a b 2");
-    expect_all_or_nothing<MapPut>(4, "a=1 bb=2 ccc=new of 8", "ccc");
-    expect_all_or_nothing<MapPut>(1, "a=1 bb=new of 4", "bb");
+    expect_all_or_nothing(
+        2, "a b 2",
+        [] {
+            const std::shared_ptr<KorList> list(kor_string_list_new(), [](KorList* made) { kor_list_delete(&made); });
+            kor_string_list_append(list.get(), "a");
+            return list;
+        },
+        [](const auto& list) { return kor_string_list_append(list.get(), "b"); },
+        [](const auto& list) { return counted::items(list.get()) + std::to_string(kor_list_size(list.get())); });
+
+    const auto make = [] {
+        const std::shared_ptr<KorMap> map(counted::new_map(4), [](KorMap* made) { kor_map_delete(&made); });
+        kor_map_put(map.get(), "a", "1");
+        kor_map_put(map.get(), "bb", "2");
+        return map;
+    };
+    const auto look = [](const auto& map) {
+        return counted::entries(map.get()) + "of " + std::to_string(kor_map_capacity(map.get()));
+    };
+    expect_all_or_nothing(
+        4, "a=1 bb=2 ccc=new of 8", make, [](const auto& map) { return kor_map_put(map.get(), "ccc", "new"); }, look);
+    expect_all_or_nothing(
+        1, "a=1 bb=new of 4", make, [](const auto& map) { return kor_map_put(map.get(), "bb", "new"); }, look);
 }
 
 TEST(Exhaustion, MakingAnObjectLeavesNothingBehind) {

@@ -2,9 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/map.h"
 
-#include <gtest/gtest.h>
-#include <string>
-
 #include "tests/core/counted.h"
 #include "tests/core/owned.h"
 #include "tests/support/raised.h"
@@ -31,8 +28,7 @@ TEST(Map, ReplacesTheValueAndKeepsTheKey) {
     const Map map(new_map(4));
     KorMapIterator first{};
     EXPECT_EQ(text_of(kor_map_put(map, "key", "old")), "old");
-    kor_map_begin(map, &first);
-    const void* key = first.key;
+    const void* key = kor_map_begin(map, &first)->key;
     EXPECT_EQ(text_of(kor_map_put(map, "key", "new")), "new");
     EXPECT_EQ(counted::copies, 3) << "the key is not copied again";
     EXPECT_EQ(counted::deletions, 1);
@@ -84,9 +80,8 @@ TEST(Map, AnIteratorLooksItsKeyUpAgainAndStaysOnTheLastEntry) {
     EXPECT_EQ(kor_map_begin(map, &it), &it);
     kor_map_put(map, "i", "2");
     kor_map_put(map, "abc", "3");
-    EXPECT_EQ(kor_map_next(&it), nullptr) << "growing moved the entry to the end";
+    for (int i = 0; i < 2; ++i) { EXPECT_EQ(kor_map_next(&it), nullptr) << "growing moved the entry to the end"; }
     EXPECT_EQ(text_of(it.key), "eleven-long");
-    EXPECT_EQ(kor_map_next(&it), nullptr);
     EXPECT_EQ(entries(map), "i=2 abc=3 eleven-long=1 ");
     it.key = nullptr;
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", kor_map_next(&it));

@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <fstream>
-#include <gtest/gtest.h>
-#include <set>
-#include <string>
-#include <type_traits>
-#include <vector>
-
 #include "quorvel/quorvel.h"
+#include "tests/interface/exported_names.h"
 #include "tests/support/raised.h"
 
 // With no try block open and an uncaught handler that returns, every function leaves at once and harmlessly after it
@@ -85,11 +79,8 @@ TEST(ReturningRaises, OnlyFourFunctionsHaveAnotherResult) {
 
 TEST(ReturningRaises, NoExportedFunctionIsForgotten) {
     std::set<std::string> listed;
-    std::set<std::string> exported;
     for (const auto& row : kFunctions) { listed.insert(row.name); }
-    std::ifstream exports(QUORVEL_EXPORTS);
-    for (std::string name; std::getline(exports, name);) { exported.insert(name); }
-    EXPECT_EQ(listed, exported);
+    EXPECT_EQ(listed, exported_names());
 }
 
 }  // namespace
