@@ -2,10 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/crypt/init.h"
 
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 #include "crypt/registry.h"
 #include "quorvel/crypt/aes.h"
 #include "quorvel/crypt/des.h"

@@ -3,9 +3,8 @@
 #ifndef QUORVEL_TESTS_CRYPT_RANDOMNESS_H
 #define QUORVEL_TESTS_CRYPT_RANDOMNESS_H
 
-#include <cstddef>
-#include <cstdint>
 #include <functional>
+#include <random>
 #include <span>
 #include <sys/types.h>
 
@@ -23,6 +22,21 @@ public:
 
     // Calls so far.
     [[nodiscard]] static size_t calls();
+};
+
+// Fills with what it makes of a seed, so that two of them give the same; gives nothing any more after so many calls.
+class Sequence {
+public:
+    explicit Sequence(unsigned seed = 1, size_t calls = SIZE_MAX) : engine_(seed), calls_(calls) {}
+    ssize_t operator()(std::span<uint8_t> out) {
+        if (Randomness::calls() > calls_) { return -1; }
+        for (uint8_t& byte : out) { byte = static_cast<uint8_t>(engine_()); }
+        return static_cast<ssize_t>(out.size());
+    }
+
+private:
+    std::mt19937 engine_;
+    size_t calls_;
 };
 
 }  // namespace support

@@ -2,9 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/crypt/rsa.h"
 
-#include <algorithm>
-#include <random>
-
 #include "crypt/rsa_key.h"
 #include "tests/crypt/randomness.h"
 #include "tests/secrets/table.h"
@@ -14,18 +11,10 @@ namespace secrets {
 namespace {
 
 using support::Randomness;
+using support::Sequence;
 
 constexpr std::string_view kMessage = "the message under the padding";
 static_assert(kMessage.size() == 29);
-
-// Gives the same as the one before, so that a key can be made again; nothing any more after so many calls.
-Randomness::Answer same_again(size_t calls) {
-    return [calls, engine = std::mt19937(1)](std::span<uint8_t> out) mutable -> ssize_t {
-        if (Randomness::calls() > calls) { return -1; }
-        std::ranges::generate(out, [&] { return static_cast<uint8_t>(engine()); });
-        return static_cast<ssize_t>(out.size());
-    };
-}
 
 // A key and what is done with it.
 struct Rsa {
@@ -63,10 +52,10 @@ std::function<Row::Call()> rsa(Step before, Step call, size_t draws = SIZE_MAX) 
     return [=] {
         const auto all = std::make_shared<Rsa>();
         {
-            const Randomness first(same_again(SIZE_MAX));
+            const Randomness first{Sequence()};
             before(*all);
         }
-        const auto randomness = std::make_shared<Randomness>(same_again(draws));
+        const auto randomness = std::make_shared<Randomness>(Sequence(1, draws));
         return [=] { call(*all), static_cast<void>(randomness); };
     };
 }
@@ -74,7 +63,7 @@ std::function<Row::Call()> rsa(Step before, Step call, size_t draws = SIZE_MAX) 
 void nothing(Rsa&) {}
 void encrypt_for_new_key(Rsa& all) {
     make(all);
-    const Randomness again(same_again(SIZE_MAX));
+    const Randomness again{Sequence()};
     encrypt(all);
 }
 void encipher_for_new_key(Rsa& all) { make(all), encipher(all); }
@@ -86,12 +75,12 @@ TEST(Secrets, OfRsaAreWiped) {
     Rsa all;
     size_t draws = 0;
     {
-        const Randomness randomness(same_again(SIZE_MAX));
+        const Randomness randomness{Sequence()};
         make(all);
         draws = Randomness::calls();
     }
     {
-        const Randomness randomness(same_again(SIZE_MAX));
+        const Randomness randomness{Sequence()};
         encrypt(all);
     }
     decipher(all);
@@ -102,7 +91,7 @@ TEST(Secrets, OfRsaAreWiped) {
     }
     const Secret message = of_bytes("message", kMessage);
     std::string drawn(20, '\0');
-    same_again(SIZE_MAX)({reinterpret_cast<uint8_t*>(drawn.data()), drawn.size()});
+    Sequence()({reinterpret_cast<uint8_t*>(drawn.data()), drawn.size()});
     const Secret seed = of_bytes("seed", drawn);
 
     // 11664 is the stack under the arithmetic, 936 a key that was made, 256 a work area.
