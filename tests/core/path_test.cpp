@@ -4,13 +4,9 @@
 
 #include <array>
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
-#include <vector>
 
 #include "core/raise.h"
 #include "quorvel/kor/heap.h"
@@ -88,18 +84,16 @@ TEST(Path, WhatIsMissingIsToldFromWhatCannotBeSeen) {
     EXPECT_FALSE(kor_path_exists(missing.c_str()));
     EXPECT_FALSE(kor_path_exists(dangling.c_str()));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "stat() error: 20", kor_path_exists(beyond.c_str()));
-    for (const auto& [path, code, detail] :
-         {std::tuple(missing, KOR_RESULT_FILE_NOT_FOUND, "File not found: " + missing),
-          std::tuple(dangling, KOR_RESULT_FILE_NOT_FOUND, "File not found: " + dangling),
-          std::tuple(beyond, KOR_RESULT_IO_ERROR, std::string("stat() error: 20"))}) {
-        const char* text = path.c_str();
-        const support::Raised expected = support::error(static_cast<int16_t>(code), detail);
-        EXPECT_EQ(support::raised_by([&] { kor_path_is_dir(text); }), expected);
-        EXPECT_EQ(support::raised_by([&] { kor_path_is_file(text); }), expected);
-        EXPECT_EQ(support::raised_by([&] { kor_path_file_size(text); }), expected);
-        EXPECT_EQ(support::raised_by([&] { kor_path_last_modified(text); }), expected);
-        EXPECT_EQ(support::raised_by([&] { kor_path_list_entries(text, out); }), expected);
-    }
+    const auto expect = [&](const char* path, int16_t code, const std::string& detail) {
+        EXPECT_RAISES(code, detail, kor_path_is_dir(path));
+        EXPECT_RAISES(code, detail, kor_path_is_file(path));
+        EXPECT_RAISES(code, detail, kor_path_file_size(path));
+        EXPECT_RAISES(code, detail, kor_path_last_modified(path));
+        EXPECT_RAISES(code, detail, kor_path_list_entries(path, out));
+    };
+    expect(missing.c_str(), KOR_RESULT_FILE_NOT_FOUND, "File not found: " + missing);
+    expect(dangling.c_str(), KOR_RESULT_FILE_NOT_FOUND, "File not found: " + dangling);
+    expect(beyond.c_str(), KOR_RESULT_IO_ERROR, "stat() error: 20");
 }
 
 TEST(Path, WorkingDirectoryNeedsRoom) {
@@ -134,15 +128,10 @@ TEST(PathList, ReplacesTheListByTheNames) {
 
 TEST(PathList, ADirectoryThatCannotBeOpenedIsReportedWithoutANumber) {
     const TempDir dir;
+    const std::string folder = dir / "";
     const List out(kor_string_list_new());
-    const std::string folder = dir.dir("folder");
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{0, before.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const support::Raised raised = support::raised_by([&] { kor_path_list_entries(folder.c_str(), out); });
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-    EXPECT_EQ(raised, support::error(KOR_RESULT_IO_ERROR, "opendir() error: "));
+    const NoDescriptors none;
+    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "opendir() error: ", kor_path_list_entries(folder.c_str(), out));
 }
 
 bool equals(const void* lhs, const void* rhs) { return lhs == rhs; }

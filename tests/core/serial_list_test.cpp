@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 #include "core/serial.h"
 #include "quorvel/kor/string_list.h"
 #include "tests/core/owned.h"

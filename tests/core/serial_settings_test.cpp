@@ -2,10 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "core/serial_settings.h"
 
-#include <gtest/gtest.h>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "tests/support/raised.h"
 
@@ -25,10 +22,7 @@ TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
         const char* what;
         bool (*apply)(termios&, int32_t);
         int32_t value;
-        tcflag_t inputClear;
-        tcflag_t inputSet;
-        tcflag_t controlClear;
-        tcflag_t controlSet;
+        tcflag_t inputClear, inputSet, controlClear, controlSet;
     } cases[] = {
         {"5 bits", kor::set_data_bits, 5, 0, 0, CSIZE, CS5},
         {"6 bits", kor::set_data_bits, 6, 0, 0, CSIZE, CS6},

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <climits>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <set>
 
 #include "quorvel/kor/thread.h"

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
-#include <string_view>
+#include <sys/resource.h>
 #include <vector>
 
 #include "quorvel/kor/string_list.h"
@@ -53,6 +53,18 @@ inline size_t open_descriptors() {
     const std::filesystem::directory_iterator all("/proc/self/fd");
     return static_cast<size_t>(std::distance(begin(all), end(all)));
 }
+
+// While one lives, the process can open nothing.
+struct NoDescriptors {
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit none{0, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
+
+    rlimit before{};
+};
 
 // The texts of a string list, whose order a directory gives.
 inline std::vector<std::string> sorted(const KorList* list) {

@@ -4,11 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
-#include "core/attempt.h"
 #include "quorvel/kor/exception.h"
 #include "tests/core/owned.h"
 #include "tests/support/malloc/exhaustion.h"
@@ -68,17 +64,8 @@ TEST(TestSuite, RefusesNoneAndRepetitionInOrder) {
     EXPECT_NO_RAISE(kor_test_suite_add_case(suite, "two", note<'2'>));
 }
 
-TEST(TestSuite, ExhaustionKeepsNothing) {
-    EXPECT_EQ(support::allocations_of([] {
-                  KorTestSuite* suite = nullptr;
-                  kor::attempt([&] {
-                      suite = kor_test_suite_new();
-                      kor_test_suite_add_case(suite, "one", note<'1'>);
-                  }).cleanup([&] {
-                        kor_test_suite_delete(&suite);
-                    }).run();
-              }),
-              10U);
+TEST(TestSuite, MakingOneLeavesNothingBehind) {
+    EXPECT_EQ((support::allocations_of(support::make<kor_test_suite_new, kor_test_suite_delete>)), 5U);
 }
 
 // The twelfth case makes both of the suite's sets grow.

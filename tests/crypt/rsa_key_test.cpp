@@ -6,11 +6,11 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <sys/resource.h>
 
 #include "crypt/prime.h"
 #include "crypt/registry.h"
 #include "tests/core/owned.h"
+#include "tests/core/temp_dir.h"
 #include "tests/crypt/randomness.h"
 #include "tests/support/big.h"
 #include "tests/support/malloc/failing_malloc.h"
@@ -222,13 +222,8 @@ TEST(RsaKey, IsMadeOfNothingButTheBytesOfTheKernel) {
                   return pieces(out.first(std::min<size_t>(out.size(), 1 + Randomness::calls() % 50)));
               }));
 
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{0, before.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const std::string withoutDescriptors = modulus_by(Sequence());
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-    EXPECT_EQ(modulus, withoutDescriptors);
+    const NoDescriptors none;
+    EXPECT_EQ(modulus, modulus_by(Sequence()));
 }
 
 TEST(RsaKey, WithoutRandomnessNothingIsMadeNorKept) {
