@@ -18,34 +18,30 @@ termios filled(tcflag_t flags) {
 constexpr tcflag_t kAll = ~tcflag_t{0};
 
 TEST(SerialSettings, EachValueChangesItsOwnBitsOnly) {
-    const struct {
-        const char* what;
-        bool (*apply)(termios&, int32_t);
-        int32_t value;
-        tcflag_t inputClear, inputSet, controlClear, controlSet;
-    } cases[] = {
-        {"5 bits", kor::set_data_bits, 5, 0, 0, CSIZE, CS5},
-        {"6 bits", kor::set_data_bits, 6, 0, 0, CSIZE, CS6},
-        {"7 bits", kor::set_data_bits, 7, 0, 0, CSIZE, CS7},
-        {"8 bits", kor::set_data_bits, 8, 0, 0, CSIZE, CS8},
-        {"one stop bit", kor::set_stop_bits, 1, 0, 0, CSTOPB, 0},
-        {"two stop bits", kor::set_stop_bits, 2, 0, 0, 0, CSTOPB},
-        {"one and a half stop bits go as two", kor::set_stop_bits, 3, 0, 0, 0, CSTOPB},
-        {"no parity keeps the kind", kor::set_parity, 0, 0, 0, PARENB, 0},
-        {"odd parity, not mark", kor::set_parity, 1, 0, 0, CMSPAR, PARENB | PARODD},
-        {"even parity, not space", kor::set_parity, 2, 0, 0, CMSPAR | PARODD, PARENB},
-        {"no flow control", kor::set_flow_control, 0, IXON | IXOFF, 0, CRTSCTS, 0},
-        {"software", kor::set_flow_control, 1, 0, IXON | IXOFF, CRTSCTS, 0},
-        {"hardware", kor::set_flow_control, 2, IXON | IXOFF, 0, 0, CRTSCTS},
+    // What each clears and sets of the input flags, then of the control flags.
+    const std::tuple<bool (*)(termios&, int32_t), int32_t, tcflag_t, tcflag_t, tcflag_t, tcflag_t> cases[] = {
+        {kor::set_data_bits, 5, 0, 0, CSIZE, CS5},
+        {kor::set_data_bits, 6, 0, 0, CSIZE, CS6},
+        {kor::set_data_bits, 7, 0, 0, CSIZE, CS7},
+        {kor::set_data_bits, 8, 0, 0, CSIZE, CS8},
+        {kor::set_stop_bits, 1, 0, 0, CSTOPB, 0},
+        {kor::set_stop_bits, 2, 0, 0, 0, CSTOPB},
+        {kor::set_stop_bits, 3, 0, 0, 0, CSTOPB},                 // one and a half go as two
+        {kor::set_parity, 0, 0, 0, PARENB, 0},                    // keeps the kind
+        {kor::set_parity, 1, 0, 0, CMSPAR, PARENB | PARODD},      // odd, not mark
+        {kor::set_parity, 2, 0, 0, CMSPAR | PARODD, PARENB},      // even, not space
+        {kor::set_flow_control, 0, IXON | IXOFF, 0, CRTSCTS, 0},  // none
+        {kor::set_flow_control, 1, 0, IXON | IXOFF, CRTSCTS, 0},  // software
+        {kor::set_flow_control, 2, IXON | IXOFF, 0, 0, CRTSCTS},  // hardware
     };
-    for (const auto& test : cases) {
+    for (const auto& [apply, value, inputClear, inputSet, controlClear, controlSet] : cases) {
         for (const tcflag_t before : {tcflag_t{0}, kAll}) {
             termios settings = filled(before);
-            EXPECT_TRUE(test.apply(settings, test.value)) << test.what;
-            EXPECT_EQ(settings.c_iflag, (before & ~test.inputClear) | test.inputSet) << test.what;
-            EXPECT_EQ(settings.c_cflag, (before & ~test.controlClear) | test.controlSet) << test.what;
-            EXPECT_EQ(settings.c_oflag, before) << test.what;
-            EXPECT_EQ(settings.c_lflag, before) << test.what;
+            EXPECT_TRUE(apply(settings, value));
+            EXPECT_EQ(settings.c_iflag, (before & ~inputClear) | inputSet) << value;
+            EXPECT_EQ(settings.c_cflag, (before & ~controlClear) | controlSet) << value;
+            EXPECT_EQ(settings.c_oflag, before) << value;
+            EXPECT_EQ(settings.c_lflag, before) << value;
         }
     }
 }
