@@ -18,9 +18,13 @@
 
 namespace {
 
-using List = Owned<KorList, kor_string_list_delete>;
+class Path : public testing::Test {
+protected:
+    const TempDir dir;
+    const Owned<KorList, kor_string_list_delete> out{kor_string_list_new()};
+};
 
-TEST(Path, NameAndExtensionAreWorkedOutOfTheText) {
+TEST_F(Path, NameAndExtensionAreWorkedOutOfTheText) {
     const std::tuple<const char*, const char*, const char*> cases[] = {
         {"/no/such/a.tar.gz", "a.tar.gz", "tar.gz"},
         {"logo.png", "logo.png", "png"},
@@ -39,8 +43,7 @@ TEST(Path, NameAndExtensionAreWorkedOutOfTheText) {
     EXPECT_STREQ(kor_path_extension(nullptr), "");
 }
 
-TEST(Path, ADirectoryHasAnExtensionOnlyWhereAllowed) {
-    const TempDir dir;
+TEST_F(Path, ADirectoryHasAnExtensionOnlyWhereAllowed) {
     const std::string path = dir.dir("images.d");
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Path is a dir: " + path, kor_path_extension(path.c_str()));
     EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Path is a dir: " + path, kor_path_lextension(path.c_str(), false));
@@ -49,8 +52,7 @@ TEST(Path, ADirectoryHasAnExtensionOnlyWhereAllowed) {
     EXPECT_STREQ(kor_path_extension((dir.file("file") + "/x.y").c_str()), "y");
 }
 
-TEST(Path, TellsWhatIsThere) {
-    const TempDir dir;
+TEST_F(Path, TellsWhatIsThere) {
     const std::string folder = dir.dir("folder");
     const std::string file = dir.file("file", "12345");
     const std::string link = dir.link("link", file);
@@ -64,8 +66,7 @@ TEST(Path, TellsWhatIsThere) {
     EXPECT_EQ(kor_path_file_size(link.c_str()), 5U);
 }
 
-TEST(Path, SizesAndTimesReachBeyond32Bits) {
-    const TempDir dir;
+TEST_F(Path, SizesAndTimesReachBeyond32Bits) {
     const std::string file = dir.file("sparse");
     EXPECT_EQ(kor_path_file_size(file.c_str()), 0U);
     ASSERT_EQ(truncate(file.c_str(), 5'000'000'000), 0);
@@ -75,12 +76,10 @@ TEST(Path, SizesAndTimesReachBeyond32Bits) {
     EXPECT_EQ(kor_path_last_modified(file.c_str()), 4'100'000'000'987);
 }
 
-TEST(Path, WhatIsMissingIsToldFromWhatCannotBeSeen) {
-    const TempDir dir;
+TEST_F(Path, WhatIsMissingIsToldFromWhatCannotBeSeen) {
     const std::string missing = dir / "missing %d";
     const std::string beyond = dir.file("file") + "/beyond";
     const std::string dangling = dir.link("dangling", missing);
-    const List out(kor_string_list_new());
     EXPECT_FALSE(kor_path_exists(missing.c_str()));
     EXPECT_FALSE(kor_path_exists(dangling.c_str()));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "stat() error: 20", kor_path_exists(beyond.c_str()));
@@ -96,17 +95,15 @@ TEST(Path, WhatIsMissingIsToldFromWhatCannotBeSeen) {
     expect(beyond.c_str(), KOR_RESULT_IO_ERROR, "stat() error: 20");
 }
 
-TEST(Path, WorkingDirectoryNeedsRoom) {
+TEST_F(Path, WorkingDirectoryNeedsRoom) {
     std::array<char, 4096> path{};
     EXPECT_EQ(kor_path_cwd(path.data(), path.size()), path.data());
     EXPECT_EQ(std::string(path.data()), std::filesystem::current_path().string());
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "getcwd() error: 34", kor_path_cwd(path.data(), 1));
 }
 
-TEST(PathList, ReplacesTheListByTheNames) {
-    const TempDir dir;
+TEST_F(Path, ReplacesTheListByTheNames) {
     const std::string folder = dir.dir("folder");
-    const List out(kor_string_list_new());
     kor_string_list_append(out, "old");
     EXPECT_EQ(kor_path_list_entries(folder.c_str(), out), out);
     EXPECT_EQ(kor_string_list_size(out), 0U);
@@ -126,10 +123,8 @@ TEST(PathList, ReplacesTheListByTheNames) {
     EXPECT_EQ(sorted(out), names) << "what is refused leaves the list as it was";
 }
 
-TEST(PathList, ADirectoryThatCannotBeOpenedIsReportedWithoutANumber) {
-    const TempDir dir;
+TEST_F(Path, ADirectoryThatCannotBeOpenedIsReportedWithoutANumber) {
     const std::string folder = dir / "";
-    const List out(kor_string_list_new());
     const NoDescriptors none;
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "opendir() error: ", kor_path_list_entries(folder.c_str(), out));
 }
@@ -146,8 +141,7 @@ void* copy_and_close(const void* item) {
     return kor_string_new(static_cast<const char*>(item));
 }
 
-TEST(PathList, AnAppendThatFailsOrClosesTheDirectoryIsReported) {
-    const TempDir dir;
+TEST_F(Path, AnAppendThatFailsOrClosesTheDirectoryIsReported) {
     dir.file("file");
     const std::string path = dir / "";
     const Owned<KorList, kor_list_delete> failing(kor_list_new(copy_and_fail, kor_heap_free, equals));
