@@ -13,15 +13,17 @@
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 #include "tests/core/counted.h"
+#include "tests/core/owned.h"
 
 namespace {
 
 // Every allocation fails once: nothing must have changed, and the same operation must succeed afterwards.
-template <typename Make, typename Act, typename Look>
-void expect_all_or_nothing(size_t allocations, const std::string& after, Make make, Act act, Look look) {
+template <typename Object, void (*kDelete)(Object**)>
+void expect_all_or_nothing(size_t allocations, const std::string& after, Object* (*make)(), void* (*act)(Object*),
+                           std::string (*look)(Object*)) {
     for (const support::Raise raise : support::kBothRaises) {
         for (size_t n = 1; n <= allocations + 1; ++n) {
-            const auto subject = make();
+            const Owned<Object, kDelete> subject(make());
             const std::string before = look(subject);
             const void* result = nullptr;
             EXPECT_EQ(support::fails(n, raise, [&] { result = act(subject); }), n <= allocations);
@@ -34,30 +36,28 @@ void expect_all_or_nothing(size_t allocations, const std::string& after, Make ma
     }
 }
 
-TEST(Exhaustion, AFailedChangeChangesNothing) {
-    expect_all_or_nothing(
-        2, "a b 2",
-        [] {
-            const std::shared_ptr<KorList> list(kor_string_list_new(), [](KorList* made) { kor_list_delete(&made); });
-            kor_string_list_append(list.get(), "a");
-            return list;
-        },
-        [](const auto& list) { return kor_string_list_append(list.get(), "b"); },
-        [](const auto& list) { return counted::items(list.get()) + std::to_string(kor_list_size(list.get())); });
+KorList* list_of_a() {
+    KorList* list = kor_string_list_new();
+    kor_string_list_append(list, "a");
+    return list;
+}
+void* append(KorList* list) { return kor_string_list_append(list, "b"); }
+std::string look_at_list(KorList* list) { return counted::items(list) + std::to_string(kor_list_size(list)); }
 
-    const auto make = [] {
-        const std::shared_ptr<KorMap> map(counted::new_map(4), [](KorMap* made) { kor_map_delete(&made); });
-        kor_map_put(map.get(), "a", "1");
-        kor_map_put(map.get(), "bb", "2");
-        return map;
-    };
-    const auto look = [](const auto& map) {
-        return counted::entries(map.get()) + "of " + std::to_string(kor_map_capacity(map.get()));
-    };
-    expect_all_or_nothing(
-        4, "a=1 bb=2 ccc=new of 8", make, [](const auto& map) { return kor_map_put(map.get(), "ccc", "new"); }, look);
-    expect_all_or_nothing(
-        1, "a=1 bb=new of 4", make, [](const auto& map) { return kor_map_put(map.get(), "bb", "new"); }, look);
+KorMap* map_of_two() {
+    KorMap* map = counted::new_map(4);
+    kor_map_put(map, "a", "1");
+    kor_map_put(map, "bb", "2");
+    return map;
+}
+void* put_third(KorMap* map) { return kor_map_put(map, "ccc", "new"); }
+void* replace(KorMap* map) { return kor_map_put(map, "bb", "new"); }
+std::string look_at_map(KorMap* map) { return counted::entries(map) + "of " + std::to_string(kor_map_capacity(map)); }
+
+TEST(Exhaustion, AFailedChangeChangesNothing) {
+    expect_all_or_nothing<KorList, kor_list_delete>(2, "a b 2", list_of_a, append, look_at_list);
+    expect_all_or_nothing<KorMap, kor_map_delete>(4, "a=1 bb=2 ccc=new of 8", map_of_two, put_third, look_at_map);
+    expect_all_or_nothing<KorMap, kor_map_delete>(1, "a=1 bb=new of 4", map_of_two, replace, look_at_map);
 }
 
 TEST(Exhaustion, MakingAnObjectLeavesNothingBehind) {
