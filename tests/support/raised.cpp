@@ -45,6 +45,16 @@ std::vector<Raised> errors(int16_t code, std::initializer_list<const char*> deta
     return all;
 }
 
+Raised too_few(size_t requested, size_t available) {
+    return error(kIo, "Buffer does not have enough data (requested: " + std::to_string(requested)
+                          + ", available: " + std::to_string(available) + ")");
+}
+
+Raised too_full(size_t requested, size_t available) {
+    return error(kIo, "No enough space in buffer (available: " + std::to_string(available)
+                          + ", requested: " + std::to_string(requested) + ")");
+}
+
 Raised raised_by(void (*call)(void*), void* context) {
     KorException caught;
     run_caught(call, context, &caught);

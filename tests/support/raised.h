@@ -16,6 +16,12 @@
 
 namespace support {
 
+// Codes, as tables write them.
+constexpr int16_t kArgument = KOR_RESULT_ILLEGAL_ARGUMENT;
+constexpr int16_t kState = KOR_RESULT_ILLEGAL_STATE;
+constexpr int16_t kIo = KOR_RESULT_IO_ERROR;
+constexpr int16_t kProtocol = KOR_RESULT_PROTOCOL_ERROR;
+
 struct Raised {
     int16_t code = KOR_RESULT_OK;
     std::string message;
@@ -29,6 +35,9 @@ std::ostream& operator<<(std::ostream& out, const Raised& raised);
 // the library.
 Raised error(int16_t code, const std::string& detail);
 std::vector<Raised> errors(int16_t code, std::initializer_list<const char*> details);
+// Of a buffer that holds too little to be read, or has too little room to be written.
+Raised too_few(size_t requested, size_t available);
+Raised too_full(size_t requested, size_t available);
 
 Raised raised_by(void (*call)(void*), void* context);
 

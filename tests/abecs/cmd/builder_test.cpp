@@ -1,19 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/abecs/cmd/builder.h"
-
-#include <gtest/gtest.h>
-#include <string>
-
 #include "abecs/cmd/builder.h"
+
+#include "abecs/cmd/param_builder.h"
+#include "tests/abecs/cmd/commands.h"
+#include "tests/support/malloc/exhaustion.h"
 #include "tests/support/packets.h"
-#include "tests/support/raised.h"
-#include "tests/support/wire.h"
 
 namespace {
 
-using namespace support::literals;
-using support::Packet;
+using namespace support;
 
 class Builder : public testing::Test {
 protected:
@@ -51,9 +47,9 @@ TEST_F(Builder, LaysParametersOutInBlocks) {
     EXPECT_EQ(abecs_param_available_read(param_), 0U);
     add(7, 0);
     EXPECT_EQ(build(), "XYZ014" + "0006 0006 67 67 67 67 67 67 0007 0000"_hex);
-}
-
-TEST_F(Builder, FillsOneBlockToTheLastByte) {
+    abecs_cmd_builder_set_cmd_id(builder_, "XYZ");
+    abecs_cmd_builder_reset(builder_);
+    abecs_cmd_builder_set_cmd_id(builder_, "XYZ");
     add(1, 495);
     add(2, 496);
     EXPECT_EQ(build(), "XYZ999" + encoded(1, 495) + encoded(2, 496));
@@ -63,7 +59,12 @@ TEST_F(Builder, ASmallParameterGoesBackToTheFirstBlock) {
     add(1, 600);
     add(2, 500);
     add(3, 100);
-    EXPECT_EQ(build(), "XYZ708" + encoded(1, 600) + encoded(3, 100) + "504" + encoded(2, 500));
+    const abecs::BuilderState state = abecs::save_builder(builder_);
+    const std::string expected = "XYZ708" + encoded(1, 600) + encoded(3, 100) + "504" + encoded(2, 500);
+    EXPECT_EQ(build(), expected);
+    abecs::restore_builder(builder_, state);
+    abecs_cmd_builder_set_cmd_id(builder_, "XYZ");
+    EXPECT_EQ(build(), expected);
 }
 
 TEST_F(Builder, NoRoomLeavesTheBlocksAsTheyWere) {
@@ -73,9 +74,7 @@ TEST_F(Builder, NoRoomLeavesTheBlocksAsTheyWere) {
         const std::string data(size, 'x');
         abecs_param_reset(param_);
         abecs_param_write_field_b(param_, data.data(), data.size());
-        EXPECT_EQ(support::raised_by([&] { abecs_cmd_builder_add_param(builder_, param_); }),
-                  support::error(KOR_RESULT_IO_ERROR,
-                                 "No enough space in buffer (available: 91, requested: " + std::to_string(size) + ")"));
+        EXPECT_EQ(raised_by([&] { abecs_cmd_builder_add_param(builder_, param_); }), too_full(size, 91));
     }
     EXPECT_EQ(build(), "XYZ904" + encoded(1, 900) + "904" + encoded(2, 900));
 }
@@ -86,7 +85,7 @@ TEST_F(Builder, BuildAndResetTakeIdAndParametersAway) {
         add(1, 600);
         add(2, 600);
         built ? static_cast<void>(build()) : abecs_cmd_builder_reset(builder_);
-        EXPECT_RAISES(KOR_RESULT_ILLEGAL_STATE, "Builder does not have assigned a command id",
+        EXPECT_RAISES(kState, "Builder does not have assigned a command id",
                       abecs_cmd_builder_build(builder_, packet.get()));
         abecs_cmd_builder_set_cmd_id(builder_, "ABC");
         EXPECT_EQ(build(), "ABC") << "without parameters there is no length";
@@ -94,33 +93,98 @@ TEST_F(Builder, BuildAndResetTakeIdAndParametersAway) {
     }
 }
 
-TEST_F(Builder, RestoredStateBuildsTheSameAgain) {
-    add(1, 600);
-    add(2, 600);
-    const abecs::BuilderState state = abecs::save_builder(builder_);
-    const std::string first = build();
-    abecs::restore_builder(builder_, state);
-    abecs_cmd_builder_set_cmd_id(builder_, "XYZ");
-    EXPECT_EQ(build(), first);
-}
-
 TEST_F(Builder, ChecksItsArguments) {
-    EXPECT_RAISES(2, "'cmdId' is NULL", abecs_cmd_builder_set_cmd_id(builder_, nullptr));
+    EXPECT_RAISES(kArgument, "'cmdId' is NULL", abecs_cmd_builder_set_cmd_id(builder_, nullptr));
     for (const char* id : {"", "GI", "GINX"}) {
-        EXPECT_RAISES(2, std::string("Invalid 'cmdId': ") + id, abecs_cmd_builder_set_cmd_id(builder_, id));
+        EXPECT_RAISES(kArgument, std::string("Invalid 'cmdId': ") + id, abecs_cmd_builder_set_cmd_id(builder_, id));
     }
-    EXPECT_RAISES(2, "'param' is NULL", abecs_cmd_builder_add_param(builder_, nullptr));
-    EXPECT_RAISES(2, "'out' is NULL", abecs_cmd_builder_build(builder_, nullptr));
+    EXPECT_RAISES(kArgument, "'param' is NULL", abecs_cmd_builder_add_param(builder_, nullptr));
+    EXPECT_RAISES(kArgument, "'out' is NULL", abecs_cmd_builder_build(builder_, nullptr));
     add(1, 1);
     abecs_cmd_builder_set_cmd_id(builder_, "X\tZ");
     const Packet packet;
     const char* const badId = "Invalid character (0x09) at position 1";
-    EXPECT_RAISES(2, badId, abecs_cmd_builder_build(builder_, packet.get()));
-    const support::ReturningRaises handler;
+    EXPECT_RAISES(kArgument, badId, abecs_cmd_builder_build(builder_, packet.get()));
+    const ReturningRaises handler;
     EXPECT_EQ(abecs_cmd_builder_build(builder_, packet.get()), nullptr);
-    EXPECT_EQ(handler.all(), support::errors(2, {badId}));
+    EXPECT_EQ(handler.all(), errors(kArgument, {badId}));
     abecs_cmd_builder_set_cmd_id(builder_, "XYZ");
     EXPECT_EQ(build(), "XYZ005" + encoded(1, 1));
+}
+
+struct Made : abecs::ParamBuilder {};
+
+Made* make_builder() {
+    return abecs::new_builder<Made>([](Made* builder) { abecs::add_number(builder, ABECS_SPE_ID_ACQREF, 7); });
+}
+
+class ParamBuilder : public testing::Test {
+protected:
+    ~ParamBuilder() override { abecs::delete_builder(&builder_); }
+
+    // The command that the builder would send.
+    std::string command() {
+        const Packet packet;
+        const abecs::BuilderState state = abecs::save_builder(builder_->command);
+        abecs_cmd_builder_set_cmd_id(builder_->command, "ABC");
+        abecs_cmd_builder_build(builder_->command, packet.get());
+        abecs::restore_builder(builder_->command, state);
+        return packet.take();
+    }
+
+    Made* builder_ = make_builder();
+};
+
+TEST_F(ParamBuilder, TakesEachParameterOnceByItsName) {
+    const std::map<int32_t, std::string> names{
+        {0x02, "MTHDPIN"}, {0x03, "MTHDDAT"}, {0x04, "TAGLIST"}, {0x05, "EMVDATA"}, {0x07, "TRACKS"},
+        {0x08, "OPNDIG"},  {0x09, "KEYIDX"},  {0x0A, "WKENC"},   {0x0C, "TIMEOUT"}, {0x0F, "DATAIN"},
+        {0x10, "ACQREF"},  {0x11, "APPTYPE"}, {0x12, "AIDLIST"}, {0x13, "AMOUNT"},  {0x14, "CASHBACK"},
+        {0x15, "TRNDATE"}, {0x16, "TRNTIME"}, {0x17, "GCXOPT"},  {0x18, "GOXOPT"},  {0x19, "FCXOPT"},
+        {0x1A, "TRMPAR"},  {0x1B, "DSPMSG"},  {0x1C, "ARC"},     {0x1D, "IVCBC"},   {0x21, "TRNTYPE"},
+        {0x22, "TRNCURR"}, {0x23, "PANMASK"}, {0x24, "PBKMOD"},  {0x25, "PBKEXP"},
+    };
+    abecs::reset_params(*builder_);
+    for (const auto& [number, name] : names) {
+        const auto id = static_cast<AbecsSpeId_E>(number);
+        EXPECT_TRUE(abecs::add_bytes(builder_, id, "!", 1)) << name;
+        const std::string before = command();
+        EXPECT_REFUSED(kState, "SPE_" + name + " already set",
+                       static_cast<void>(abecs::add_bytes(builder_, id, "?", 1)));
+        EXPECT_EQ(command(), before);
+    }
+}
+
+TEST_F(ParamBuilder, WhatHasNoRoomIsNotAdded) {
+    const std::string bytes(995, 'b');
+    abecs::add_bytes(builder_, ABECS_SPE_ID_DATAIN, bytes.data(), 995);
+    const std::string before = command();
+    EXPECT_EQ(raised_by([&] { abecs::add_bytes(builder_, ABECS_SPE_ID_EMVDATA, bytes.data(), 995); }), too_full(2, 0));
+    EXPECT_FALSE(abecs::has_param(*builder_, ABECS_SPE_ID_EMVDATA));
+    EXPECT_EQ(command(), before);
+    EXPECT_TRUE(abecs::add_bytes(builder_, ABECS_SPE_ID_EMVDATA, bytes.data(), 4));
+}
+
+TEST_F(ParamBuilder, AFailureOfMemoryLeavesItAsItWas) {
+    const std::string before = command();
+    for (const Raise raise : kBothRaises) {
+        abecs::reset_params(*builder_);
+        abecs::add_number(builder_, ABECS_SPE_ID_ACQREF, 7);
+        size_t n = 1;
+        for (; fails(n, raise, [&] { abecs::add_number(builder_, ABECS_SPE_ID_TIMEOUT, 9); }); ++n) {
+            EXPECT_EQ(command(), before) << n;
+            EXPECT_FALSE(abecs::has_param(*builder_, ABECS_SPE_ID_TIMEOUT));
+        }
+        EXPECT_GT(n, 4U) << "the parameter is made, and its id stored";
+        EXPECT_TRUE(abecs::has_param(*builder_, ABECS_SPE_ID_TIMEOUT));
+    }
+}
+
+TEST_F(ParamBuilder, MakingOneLeavesNothingBehindWhenItFails) {
+    EXPECT_GT(allocations_of(make<make_builder, abecs::delete_builder<Made>>), 10U);
+    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "the reset's own", abecs::new_builder<Made>([](Made*) {
+                      kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "[KOR_RESULT_RUNTIME_ERROR] the reset's own");
+                  }));
 }
 
 }  // namespace

@@ -1,23 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/abecs/cmd/gen.h"
-
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
-#include <utility>
-
-#include "tests/abecs/cmd/card_command.h"
-#include "tests/support/wire.h"
+#include "tests/abecs/cmd/commands.h"
 
 namespace {
 
-using namespace support::literals;
-using support::Link;
-using support::repeated;
-using Call = int32_t (*)(AbecsComm*);
+using namespace support;
 
-// The outputs of the calls below, which a raise leaves with nothing to destroy.
+// The outputs of the calls below.
 struct Output {
     char keys[101];
     AbecsCmdGenTagsOut tags;
@@ -31,6 +20,9 @@ int32_t find_keys(AbecsComm* link, uint8_t type, uint8_t use, uint8_t first, uin
     return abecs_cmd_gen_02_k3(link, &data, out.keys);
 }
 
+int32_t last_tags(AbecsComm* link, const char* tags) { return abecs_cmd_gen_03_02(link, tags, &out.tags); }
+int32_t slot_tags(AbecsComm* link, const char* tags) { return abecs_cmd_gen_04_04(link, tags, &out.tags); }
+
 int32_t encipher(AbecsComm* link, uint8_t idx, const char* digits, uint32_t size) {
     AbecsCmdGen0303CmdData data{idx, {size, {}}};
     std::strncpy(data.input.data, digits, sizeof data.input.data - 1);
@@ -42,137 +34,122 @@ int32_t power(AbecsComm* link, int32_t oper, uint8_t slot) {
     return abecs_cmd_gen_04_01(link, &data, &out.slot);
 }
 
-int32_t exchange(AbecsComm* link, uint8_t slot, const char* header, uint8_t size, const char* digits, uint16_t le) {
+int32_t apdu(AbecsComm* link, uint8_t slot, const char* header, uint8_t size, const char* digits, uint16_t le) {
     AbecsCmdGen0402CmdData data{slot, {}, size, {}, le};
     std::strncpy(data.apduHeader, header, sizeof data.apduHeader - 1);
     std::strncpy(data.apduData, digits, sizeof data.apduData - 1);
     return abecs_cmd_gen_04_02(link, &data, &out.apdu);
 }
 
-const std::string kMostTags = repeated("5a", 128);
-const std::string kMostData = repeated("00112233445566ab", 16);
-
 TEST(Gen, SendsEachSubCommand) {
-    static const std::string most(510, 'f');
-    const std::pair<std::string, Call> rows[] = {
-        {"013|02|008|K3|0|0|00|00"_wire, [](auto* link) { return find_keys(link, 0, 0, 0, 0); }},
-        {"013|02|008|K3|3|1|99|99"_wire, [](auto* link) { return find_keys(link, 3, 1, 99, 99); }},
-        {"007|03|002|02"_wire, [](auto* link) { return abecs_cmd_gen_03_02(link, "", &out.tags); }},
-        {"263|03|258|02"_wire + repeated("5A", 128),
-         [](auto* link) { return abecs_cmd_gen_03_02(link, kMostTags.c_str(), &out.tags); }},
-        {"010|04|005|04|000"_wire, [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }},
-        {"266|04|261|04|128"_wire + repeated("5A", 128),
-         [](auto* link) { return abecs_cmd_gen_04_04(link, kMostTags.c_str(), &out.tags); }},
-        {"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "", 0); }},
-        {"026|03|021|03|3|07|41111111111111FF"_wire,
-         [](auto* link) { return encipher(link, 7, "41111111111111ff", 16); }},
-        {"266|03|261|03|3|99"_wire + repeated("00112233445566AB", 16),
-         [](auto* link) { return encipher(link, 99, kMostData.c_str(), 256); }},
-        {"009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); }},
-        {"009|04|004|01|4|8"_wire, [](auto* link) { return power(link, 4, 8); }},
-        {"022|04|017|02|0|00B2010C|000||000"_wire, [](auto* link) { return exchange(link, 0, "00b2010C", 0, "", 0); }},
-        {"024|04|019|02|8|00A40400|001|5F|256"_wire,
-         [](auto* link) { return exchange(link, 8, "00A40400", 1, "5f", 256); }},
-        {"532|04|527|02|1|80CA9F17|255"_wire + repeated("FF", 255) + "001",
-         [](auto* link) { return exchange(link, 1, "80CA9F17", 255, most.c_str(), 1); }},
-        {"026|04|021|02|1|30CA9F17|002|305F|001"_wire,
-         [](auto* link) { return exchange(link, 1, "CA9F17", 2, "5F", 1); }},
+    const auto sent = []<typename... Parameters>(const Text& request, int32_t (*function)(AbecsComm*, Parameters...),
+                                                 std::type_identity_t<Parameters>... arguments) {
+        exchanges({"GEN" + request.text, request.where}, "GEN051", ABECS_RSP_STAT_ST_NOSAM, function, arguments...);
+        exchanges({"GEN" + request.text, request.where}, "GEN000003", too_few(3, 0), function, arguments...);
     };
-    for (const auto& row : rows) {
-        Link link;
-        link.peer.request("GEN" + row.first).response("GEN051").request("GEN" + row.first).response("GEN000003");
-        EXPECT_EQ(row.second(link.comm), 51);
-        EXPECT_EQ(support::raised_by([&] { row.second(link.comm); }),
-                  support::error(6, "Buffer does not have enough data (requested: 3, available: 0)"));
-    }
+    const std::string tags = repeated("5a", 128);
+    const std::string data = repeated("00112233445566ab", 16);
+    const std::string most(510, 'f');
+    sent("013|02|008|K3|0|0|00|00"_wire, find_keys, 0, 0, 0, 0);
+    sent("013|02|008|K3|3|1|99|99"_wire, find_keys, 3, 1, 99, 99);
+    sent("007|03|002|02"_wire, last_tags, "");
+    sent("263|03|258|02"_wire + repeated("5A", 128), last_tags, tags.c_str());
+    sent("010|04|005|04|000"_wire, slot_tags, "");
+    sent("266|04|261|04|128"_wire + repeated("5A", 128), slot_tags, tags.c_str());
+    sent("010|03|005|03|3|00"_wire, encipher, 0, "", 0);
+    sent("026|03|021|03|3|07|41111111111111FF"_wire, encipher, 7, "41111111111111ff", 16);
+    sent("266|03|261|03|3|99"_wire + repeated("00112233445566AB", 16), encipher, 99, data.c_str(), 256);
+    sent("009|04|004|01|1|0"_wire, power, 1, 0);
+    sent("009|04|004|01|4|8"_wire, power, 4, 8);
+    sent("022|04|017|02|0|00B2010C|000||000"_wire, apdu, 0, "00b2010C", 0, "", 0);
+    sent("024|04|019|02|8|00A40400|001|5F|256"_wire, apdu, 8, "00A40400", 1, "5f", 256);
+    sent("532|04|527|02|1|80CA9F17|255"_wire + repeated("FF", 255) + "001", apdu, 1, "80CA9F17", 255, most.c_str(), 1);
+    sent("026|04|021|02|1|30CA9F17|002|305F|001"_wire, apdu, 1, "CA9F17", 2, "5F", 1);
 }
 
-struct SubCommand {
+// The fields of an output and its length, which is 0 when what it counts could not be read.
+struct Reader {
     std::string request;
-    Call call;
+    int32_t (*call)(AbecsComm*);
     std::string (*shown)();
-    uint32_t (*length)() = nullptr;
+    uint32_t (*length)();
 };
 
-const SubCommand kKeys{"013|02|008|K3|0|0|00|99"_wire, [](auto* link) { return find_keys(link, 0, 0, 0, 99); },
-                       [] { return std::string(out.keys); }};
-const SubCommand kLastTags{"007|03|002|02"_wire, [](auto* link) { return abecs_cmd_gen_03_02(link, "", &out.tags); },
-                           [] { return std::to_string(out.tags.len) + "," + out.tags.data; },
-                           [] { return uint32_t{out.tags.len}; }};
-const SubCommand kSlotTags{"010|04|005|04|000"_wire,
-                           [](auto* link) { return abecs_cmd_gen_04_04(link, "", &out.tags); }, kLastTags.shown,
-                           kLastTags.length};
-const SubCommand kData{"010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "", 0); },
-                       [] { return out.data.ksn + ("," + std::to_string(out.data.dataLen)) + "," + out.data.data; },
-                       [] { return out.data.dataLen; }};
-const SubCommand kSlot{"009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); },
-                       [] {
-                           return std::to_string(out.slot.status1) + "," + std::to_string(out.slot.status2) + ","
-                                  + std::to_string(out.slot.atrLen) + "," + out.slot.atr;
-                       },
-                       [] { return uint32_t{out.slot.atrLen}; }};
-const SubCommand kApdu{"022|04|017|02|0|00B2010C|000||000"_wire,
-                       [](auto* link) { return exchange(link, 0, "00B2010C", 0, "", 0); },
-                       [] {
-                           return std::to_string(out.apdu.status) + "," + out.apdu.sw + ","
-                                  + std::to_string(out.apdu.la) + "," + out.apdu.apduData;
-                       },
-                       [] { return uint32_t{out.apdu.la}; }};
+std::string shown_tags() { return std::to_string(out.tags.len) + "," + out.tags.data; }
+
+const Reader kKeys{"GEN013|02|008|K3|0|0|00|99"_wire, [](auto* link) { return find_keys(link, 0, 0, 0, 99); },
+                   [] { return std::string(out.keys); }, [] { return 0U; }};
+const Reader kLastTags{"GEN007|03|002|02"_wire, [](auto* link) { return last_tags(link, ""); }, shown_tags,
+                       [] { return uint32_t{out.tags.len}; }};
+const Reader kSlotTags{"GEN010|04|005|04|000"_wire, [](auto* link) { return slot_tags(link, ""); }, shown_tags,
+                       kLastTags.length};
+const Reader kData{"GEN010|03|005|03|3|00"_wire, [](auto* link) { return encipher(link, 0, "", 0); },
+                   [] { return out.data.ksn + ("," + std::to_string(out.data.dataLen)) + "," + out.data.data; },
+                   [] { return uint32_t{out.data.dataLen}; }};
+const Reader kSlot{"GEN009|04|004|01|1|0"_wire, [](auto* link) { return power(link, 1, 0); },
+                   [] {
+                       return std::to_string(out.slot.status1) + "," + std::to_string(out.slot.status2) + ","
+                              + std::to_string(out.slot.atrLen) + "," + out.slot.atr;
+                   },
+                   [] { return uint32_t{out.slot.atrLen}; }};
+const Reader kApdu{"GEN022|04|017|02|0|00B2010C|000||000"_wire,
+                   [](auto* link) { return apdu(link, 0, "00B2010C", 0, "", 0); },
+                   [] {
+                       return std::to_string(out.apdu.status) + "," + out.apdu.sw + "," + std::to_string(out.apdu.la)
+                              + "," + out.apdu.apduData;
+                   },
+                   [] { return uint32_t{out.apdu.la}; }};
 
 TEST(Gen, ReadsAsMuchAsThereIs) {
     const std::string keys = repeated("01x.\x16", 20);
     const std::string digits = repeated("5f", 256);
     const std::string ksn = "FFFF9876543210e00001";
     const std::string atr = repeated("3B6500002063CB680a", 4);
-    const auto few = [](int requested, int available) {
-        return "Buffer does not have enough data (requested: " + std::to_string(requested)
-               + ", available: " + std::to_string(available) + ")";
-    };
-    // The code of an error with its detail, or 0 with what was read.
-    const auto reads = [](const SubCommand& sub, const std::string& response, int16_t code,
-                          const std::string& expected) {
-        Link link;
-        link.peer.request("GEN" + sub.request).response("GEN000" + response);
+    const auto fails = [](const Reader& reader, const Text& response, const Outcome& expected) {
         std::memset(&out, '5', sizeof out);
-        int32_t stat = 0;
-        EXPECT_EQ(support::raised_by([&] { stat = sub.call(link.comm); }),
-                  code == 0 ? support::Raised{} : support::error(code, expected));
-        EXPECT_EQ(stat, 0);
-        if (code == 0) { EXPECT_EQ(sub.shown(), expected); }
-        // What cannot be read has no length: none is left that its text has no room for.
-        if (code != 0 && sub.length != nullptr) { EXPECT_EQ(sub.length(), 0U) << response; }
+        exchanges({reader.request, response.where}, "GEN000" + response.text, expected, reader.call);
     };
-    reads(kKeys, "103|100"_wire + keys, 0, keys);
-    reads(kKeys, "999|003|101more"_wire, 0, "101");
-    reads(kKeys, "003|000"_wire, 0, "");
-    reads(kKeys, "104|101"_wire + keys + "1", 12, "(GEN) GEN_OUTLEN is too big: 101)");
-    reads(kKeys, "006|003|10"_wire, 6, few(3, 2));
+    const auto reads = [&](const Reader& reader, const Text& response, const std::string& expected) {
+        fails(reader, response, ABECS_RSP_STAT_ST_OK);
+        EXPECT_EQ(reader.shown(), expected);
+    };
+    const auto refused = [&](const Reader& reader, const Text& response, const Raised& error) {
+        fails(reader, response, error);
+        EXPECT_EQ(reader.length(), 0U) << response.text;
+    };
+    reads(kKeys, "103|100"_wire + keys, keys);
+    reads(kKeys, "999|003|101more"_wire, "101");
+    reads(kKeys, "003|000"_wire, "");
+    refused(kKeys, "104|101"_wire + keys + "1", error(kProtocol, "(GEN) GEN_OUTLEN is too big: 101)"));
+    refused(kKeys, "006|003|10"_wire, too_few(3, 2));
     // One counts digits, the other bytes.
-    reads(kLastTags, "011|008|9F170103"_wire, 0, "8,9F170103");
-    reads(kSlotTags, "011|004|9F170103"_wire, 0, "4,9F170103");
-    reads(kLastTags, "515|512"_wire + digits, 0, "512," + digits);
-    reads(kSlotTags, "515|256"_wire + digits, 0, "256," + digits);
-    reads(kSlotTags, "003|000"_wire, 0, "0,");
-    reads(kLastTags, "008|005|9F170"_wire, 2, "fieldLen (5) is not an even number");
-    reads(kLastTags, "517|514"_wire + digits + "00", 2, "sizeTo (513) is not enough to store field (length: 514)");
-    reads(kSlotTags, "517|257"_wire + digits + "00", 2, "sizeTo (513) is not enough to store field (length: 514)");
-    reads(kData, "023|020"_wire + ksn, 0, ksn + ",0,");
-    reads(kData, "279|276"_wire + ksn + digits.substr(256), 0, ksn + ",256," + digits.substr(256));
-    reads(kData, "031|028|303076543210E0000120|30CD4E"_wire, 6, few(8, 6));
-    reads(kData, "031|028|303076543210E0000120|30CD4E09"_wire, 0, "76543210E0000120,8,CD4E09");
-    reads(kData, "022|019"_wire + ksn, 12, "(GEN/03/03) Invalid GEN_OUTLEN: 19");
-    reads(kData, "280|277"_wire + ksn + digits, 12, "(GEN/03/03) Invalid GEN_OUTLEN: 277");
+    const Raised noRoom = error(kArgument, "sizeTo (513) is not enough to store field (length: 514)");
+    reads(kLastTags, "011|008|9F170103"_wire, "8,9F170103");
+    reads(kSlotTags, "011|004|9F170103"_wire, "4,9F170103");
+    reads(kLastTags, "515|512"_wire + digits, "512," + digits);
+    reads(kSlotTags, "515|256"_wire + digits, "256," + digits);
+    reads(kSlotTags, "003|000"_wire, "0,");
+    refused(kLastTags, "008|005|9F170"_wire, error(kArgument, "fieldLen (5) is not an even number"));
+    refused(kLastTags, "517|514"_wire + digits + "00", noRoom);
+    refused(kSlotTags, "517|257"_wire + digits + "00", noRoom);
+    reads(kData, "023|020"_wire + ksn, ksn + ",0,");
+    reads(kData, "279|276"_wire + ksn + digits.substr(256), ksn + ",256," + digits.substr(256));
+    refused(kData, "031|028|303076543210E0000120|30CD4E"_wire, too_few(8, 6));
+    reads(kData, "031|028|303076543210E0000120|30CD4E09"_wire, "76543210E0000120,8,CD4E09");
+    refused(kData, "022|019"_wire + ksn, error(kProtocol, "(GEN/03/03) Invalid GEN_OUTLEN: 19"));
+    refused(kData, "280|277"_wire + ksn + digits, error(kProtocol, "(GEN/03/03) Invalid GEN_OUTLEN: 277"));
     // Of an ATR of nine bytes the first nine digits are given.
-    reads(kSlot, "079|076|1|1|09"_wire + repeated("30", 27) + atr.substr(54), 0, "1,1,9,3B6500002");
-    reads(kSlot, "079|076|7|9|36"_wire + atr, 0, "7,9,36," + atr.substr(36));
-    reads(kSlot, "079|076|0|0|00"_wire + repeated("30", 36), 0, "0,0,0,");
-    reads(kSlot, "079|076|1|1|37"_wire + atr, 12, "GEN0401_ATRLEN is too big (max: 36, returned: 37)");
-    reads(kSlot, "079|076|1|1|09"_wire + atr.substr(1), 6, few(72, 71));
-    reads(kApdu, "011|008|0|9000|000"_wire, 0, "0,9000,0,");
-    reads(kApdu, "523|520|9|6a82|256"_wire + digits, 0, "9,6a82,256," + digits);
-    reads(kApdu, "015|012|0|9000|002|3030"_wire, 0, "0,9000,2,");
-    reads(kApdu, "525|522|1|9000|257"_wire + digits + "00", 12, "G0402_LA is too big (max: 256, returned: 257)");
-    reads(kApdu, "525|522|1|9000|002|6F0"_wire, 6, few(4, 3));
+    reads(kSlot, "079|076|1|1|09"_wire + repeated("30", 27) + atr.substr(54), "1,1,9,3B6500002");
+    reads(kSlot, "079|076|7|9|36"_wire + atr, "7,9,36," + atr.substr(36));
+    reads(kSlot, "079|076|0|0|00"_wire + repeated("30", 36), "0,0,0,");
+    refused(kSlot, "079|076|1|1|37"_wire + atr, error(kProtocol, "GEN0401_ATRLEN is too big (max: 36, returned: 37)"));
+    refused(kSlot, "079|076|1|1|09"_wire + atr.substr(1), too_few(72, 71));
+    reads(kApdu, "011|008|0|9000|000"_wire, "0,9000,0,");
+    reads(kApdu, "523|520|9|6a82|256"_wire + digits, "9,6a82,256," + digits);
+    reads(kApdu, "015|012|0|9000|002|3030"_wire, "0,9000,2,");
+    refused(kApdu, "525|522|1|9000|257"_wire + digits + "00",
+            error(kProtocol, "G0402_LA is too big (max: 256, returned: 257)"));
+    refused(kApdu, "525|522|1|9000|002|6F0"_wire, too_few(4, 3));
 }
 
 TEST(Gen, ChecksArgumentsInTheirOrder) {
@@ -182,45 +159,42 @@ TEST(Gen, ChecksArgumentsInTheirOrder) {
     const AbecsCmdGen0303CmdData data{99, {16, "x"}};
     const AbecsCmdGen0401CmdData noSlot{static_cast<AbecsCmdGen0401Oper_E>(0), 9};
     const AbecsCmdGen0402CmdData noApdu{9, "x", 0, "", 257};
-    Link open;
-    AbecsComm* const link = open.comm;
-    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_02_k3(link, nullptr, nullptr));
-    EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_02_k3(link, &noKeys, nullptr));
-    EXPECT_REFUSED(2, "Invalid value for cmdData->keyType: 4", find_keys(link, 4, 2, 101, 100));
-    EXPECT_REFUSED(2, "Invalid value for cmdData->keyUse: 2", find_keys(link, 3, 2, 101, 100));
-    EXPECT_REFUSED(2, "Invalid value for cmdData->idxIni: 101", find_keys(link, 3, 1, 101, 100));
-    EXPECT_REFUSED(2, "Invalid value for cmdData->idxEnd: 100", find_keys(link, 3, 1, 99, 100));
-    EXPECT_REFUSED(2, "cmdData->idxIni > cmdData->idxEnd", find_keys(link, 3, 1, 5, 4));
-    EXPECT_REFUSED(2, "'tags' is NULL", abecs_cmd_gen_03_02(link, nullptr, nullptr));
-    EXPECT_REFUSED(2, "'tags' is too big (max: 256, requested: 257)",
-                   abecs_cmd_gen_03_02(link, longTags.c_str(), nullptr));
-    EXPECT_REFUSED(2, "'tags' length is not even (length: 3)", abecs_cmd_gen_03_02(link, "5Ax", nullptr));
-    EXPECT_REFUSED(2, "'out' is NULL", abecs_cmd_gen_03_02(link, "5x", nullptr));
-    EXPECT_REFUSED(2, "Invalid hex byte at index 2", abecs_cmd_gen_03_02(link, "5A5x", &out.tags));
-    EXPECT_REFUSED(2, "'tags' is too big (max: 256, requested: 257)",
-                   abecs_cmd_gen_04_04(link, longTags.c_str(), nullptr));
-    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_03_03(link, nullptr, nullptr));
-    EXPECT_REFUSED(2, "Invalid 'cmdData->idx': 100", abecs_cmd_gen_03_03(link, &noData, nullptr));
-    EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_03_03(link, &data, nullptr));
-    EXPECT_REFUSED(2, "Invalid length for 'cmdData->input': 8", encipher(link, 99, "x", 8));
-    EXPECT_REFUSED(2, "Invalid length for 'cmdData->input': 272", encipher(link, 99, "x", 272));
-    EXPECT_REFUSED(2, "Invalid hex byte at index 0", encipher(link, 99, "x", 256));
-    EXPECT_REFUSED(2, "Field does not have enough room for data", encipher(link, 99, "41111111111111ff00", 16));
-    EXPECT_REFUSED(2, "Field does not have enough room for data", encipher(link, 99, "00", 0));
+    const char* const noRoom = "Field does not have enough room for data";
+    refuses("'cmdData' is NULL", abecs_cmd_gen_02_k3, nullptr, nullptr);
+    refuses("'responseData' is NULL", abecs_cmd_gen_02_k3, &noKeys, nullptr);
+    refuses("Invalid value for cmdData->keyType: 4", find_keys, 4, 2, 101, 100);
+    refuses("Invalid value for cmdData->keyUse: 2", find_keys, 3, 2, 101, 100);
+    refuses("Invalid value for cmdData->idxIni: 101", find_keys, 3, 1, 101, 100);
+    refuses("Invalid value for cmdData->idxEnd: 100", find_keys, 3, 1, 99, 100);
+    refuses("cmdData->idxIni > cmdData->idxEnd", find_keys, 3, 1, 5, 4);
+    refuses("'tags' is NULL", abecs_cmd_gen_03_02, nullptr, nullptr);
+    refuses("'tags' is too big (max: 256, requested: 257)", abecs_cmd_gen_03_02, longTags.c_str(), nullptr);
+    refuses("'tags' length is not even (length: 3)", abecs_cmd_gen_03_02, "5Ax", nullptr);
+    refuses("'out' is NULL", abecs_cmd_gen_03_02, "5x", nullptr);
+    refuses("Invalid hex byte at index 2", last_tags, "5A5x");
+    refuses("'tags' is too big (max: 256, requested: 257)", abecs_cmd_gen_04_04, longTags.c_str(), nullptr);
+    refuses("'cmdData' is NULL", abecs_cmd_gen_03_03, nullptr, nullptr);
+    refuses("Invalid 'cmdData->idx': 100", abecs_cmd_gen_03_03, &noData, nullptr);
+    refuses("'responseData' is NULL", abecs_cmd_gen_03_03, &data, nullptr);
+    refuses("Invalid length for 'cmdData->input': 8", encipher, 99, "x", 8);
+    refuses("Invalid length for 'cmdData->input': 272", encipher, 99, "x", 272);
+    refuses("Invalid hex byte at index 0", encipher, 99, "x", 256);
+    refuses(noRoom, encipher, 99, "41111111111111ff00", 16);
+    refuses(noRoom, encipher, 99, "00", 0);
     AbecsCmdGen0303CmdData unended{99, {256, {}}};
     std::memset(unended.input.data, '5', sizeof unended.input.data);
-    EXPECT_REFUSED(2, "Field does not have enough room for data", abecs_cmd_gen_03_03(link, &unended, &out.data));
-    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_04_01(link, nullptr, nullptr));
-    EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_04_01(link, &noSlot, nullptr));
-    EXPECT_REFUSED(2, "Invalid enumerator for AbecsCmdGen0401Oper_E: 0", power(link, 0, 9));
-    EXPECT_REFUSED(2, "Invalid enumerator for AbecsCmdGen0401Oper_E: 5", power(link, 5, 9));
-    EXPECT_REFUSED(2, "Invalid value for cmdData->slot: 9", power(link, 4, 9));
-    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_04_02(link, nullptr, nullptr));
-    EXPECT_REFUSED(2, "'responseData' is NULL", abecs_cmd_gen_04_02(link, &noApdu, nullptr));
-    EXPECT_REFUSED(2, "'cmdData->slot' is invalid: 9", exchange(link, 9, "x", 0, "", 257));
-    EXPECT_REFUSED(2, "'cmdData->le' is invalid: 257", exchange(link, 8, "x", 0, "", 257));
-    EXPECT_REFUSED(2, "Invalid hex byte at index 6", exchange(link, 8, "00B2010", 0, "", 256));
-    EXPECT_REFUSED(2, "Field does not have enough room for data", exchange(link, 8, "00B2010C", 1, "1122", 256));
+    refuses(noRoom, abecs_cmd_gen_03_03, &unended, &out.data);
+    refuses("'cmdData' is NULL", abecs_cmd_gen_04_01, nullptr, nullptr);
+    refuses("'responseData' is NULL", abecs_cmd_gen_04_01, &noSlot, nullptr);
+    refuses("Invalid enumerator for AbecsCmdGen0401Oper_E: 0", power, 0, 9);
+    refuses("Invalid enumerator for AbecsCmdGen0401Oper_E: 5", power, 5, 9);
+    refuses("Invalid value for cmdData->slot: 9", power, 4, 9);
+    refuses("'cmdData' is NULL", abecs_cmd_gen_04_02, nullptr, nullptr);
+    refuses("'responseData' is NULL", abecs_cmd_gen_04_02, &noApdu, nullptr);
+    refuses("'cmdData->slot' is invalid: 9", apdu, 9, "x", 0, "", 257);
+    refuses("'cmdData->le' is invalid: 257", apdu, 8, "x", 0, "", 257);
+    refuses("Invalid hex byte at index 6", apdu, 8, "00B2010", 0, "", 256);
+    refuses(noRoom, apdu, 8, "00B2010C", 1, "1122", 256);
 }
 
 AbecsWkPan pan_key(int32_t type) {
@@ -236,28 +210,22 @@ AbecsCmdGen0303Data data_of(const std::string& digits) {
 
 // Worked out with the openssl program.
 TEST(Gen0303EncodeData, DeciphersTheClearData) {
-    AbecsCmdGen0303Data encoded{};
-    const auto encodes = [&](int32_t type, const std::string& clear, const std::string& expected) {
+    const auto encodes = [](int32_t type, const std::string& clear, uint32_t size, const std::string& expected) {
         const AbecsWkPan key = pan_key(type);
         AbecsCmdGen0303Data data = data_of(clear);
-        EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&data, &key, &encoded), &encoded);
+        data.size = size;
+        AbecsCmdGen0303Data encoded{};
+        for (AbecsCmdGen0303Data* to : {&encoded, &data}) {
+            EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&data, &key, to), to);
+            EXPECT_EQ(std::string(to->data, expected.size()), expected);
+            EXPECT_EQ(to->size, expected.size());
+        }
         EXPECT_EQ(encoded.data, expected);
-        EXPECT_EQ(encoded.size, expected.size());
-        EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&data, &key, &data), &data);
-        EXPECT_EQ(data.data, expected);
     };
-    encodes(0, "41111111111111110011223344556677", "6db95c87a27b8cecbb33e3aa4963b083");
-    encodes(2, repeated("4111111111111111", 16), repeated("5d3d5a8e5c5a5d12", 16));
-    encodes(1, "41111111111111110011223344556677", "5d3d5a8e5c5a5d1271065ecf66b7aef6");
-    AbecsCmdGen0303Data longer = data_of("41111111111111110011223344556677");
-    longer.size = 16;
-    const AbecsWkPan des = pan_key(0);
-    EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(&longer, &des, &encoded), &encoded);
-    EXPECT_STREQ(encoded.data, "6db95c87a27b8cec");
-    EXPECT_EQ(encoded.size, 16U);
-    const AbecsWkPan key = pan_key(1);
-    const AbecsCmdGen0303Data none{};
-    EXPECT_RAISES(2, "'szData' is zero", abecs_cmd_gen_03_03_encode_data(&none, &key, &encoded));
+    encodes(0, "41111111111111110011223344556677", 32, "6db95c87a27b8cecbb33e3aa4963b083");
+    encodes(0, "41111111111111110011223344556677", 16, "6db95c87a27b8cec");
+    encodes(1, "41111111111111110011223344556677", 32, "5d3d5a8e5c5a5d1271065ecf66b7aef6");
+    encodes(2, repeated("4111111111111111", 16), 256, repeated("5d3d5a8e5c5a5d12", 16));
 }
 
 TEST(Gen0303EncodeData, ChecksItsArgumentsInTheirOrder) {
@@ -265,16 +233,17 @@ TEST(Gen0303EncodeData, ChecksItsArgumentsInTheirOrder) {
     const AbecsCmdGen0303Data bad = data_of("411111111111111x");
     const AbecsCmdGen0303Data tooShort{8, "x"};
     const AbecsCmdGen0303Data tooLong{272, "x"};
+    const AbecsCmdGen0303Data none{};
     const AbecsCmdGen0303Data noSize{0, "x"};
     const AbecsWkPan des = pan_key(0);
     const AbecsWkPan noKeys[] = {pan_key(3), pan_key(-1)};
     AbecsCmdGen0303Data encoded = data_of("old");
     const auto refused = [&](const char* detail, const AbecsCmdGen0303Data* clear, const AbecsWkPan* key,
                              AbecsCmdGen0303Data* to) {
-        EXPECT_RAISES(2, detail, abecs_cmd_gen_03_03_encode_data(clear, key, to));
-        const support::ReturningRaises handler;
+        EXPECT_RAISES(kArgument, detail, abecs_cmd_gen_03_03_encode_data(clear, key, to));
+        const ReturningRaises handler;
         EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(clear, key, to), nullptr) << detail;
-        EXPECT_EQ(handler.all(), support::errors(2, {detail}));
+        EXPECT_EQ(handler.all(), errors(kArgument, {detail}));
     };
     refused("Invalid length for 'clearData': 8", &tooShort, nullptr, nullptr);
     refused("Invalid length for 'clearData': 272", &tooLong, nullptr, nullptr);
@@ -284,64 +253,45 @@ TEST(Gen0303EncodeData, ChecksItsArgumentsInTheirOrder) {
     refused("Invalid enumerator for AbecsWkPanType_E: -1", &good, noKeys + 1, &encoded);
     refused("Invalid hex string", &bad, &des, &encoded);
     refused("'szHex' is zero", &noSize, &des, &encoded);
+    refused("'szData' is zero", &none, &des, &encoded);
     EXPECT_STREQ(encoded.data, "old");
 }
 
-TEST(Gen0403, IsSentPolledAndAborted) {
-    const auto polled = abecs_cmd_gen_04_03_response;
-    AbecsCmdGen0403RspData verdict{};
-    const auto waits = [&](const AbecsCmdGen0403CmdData& data, const std::string& request) {
-        const auto send = [&](AbecsComm* link) { abecs_cmd_gen_04_03(link, &data); };
-        Link link;
-        char text[33] = "";
-        EXPECT_REFUSED(3, "GEN/04/03 was not sent yet", polled(link.comm, &verdict, text));
-        link.peer.request(request).response("NTM000004WAIT").response("XYZ000").response("GEN00");
-        EXPECT_EQ(link.call(abecs_cmd_gen_04_03)(&data), KOR_RESULT_OK);
-        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GEN/04/03");
-        EXPECT_EQ(link.call(polled)(&verdict, text), -2);
-        EXPECT_STREQ(text, "WAIT");
-        EXPECT_RAISES(12, "(GEN/04/03) Invalid RSP_ID: XYZ)", polled(link.comm, &verdict, text));
-        EXPECT_RAISES(12, "Unrecognized response", polled(link.comm, &verdict, nullptr));
-        link.peer.response("GEN000|008|005|1|63C2"_wire).request(request).response("ERR013");
-        EXPECT_EQ(link.call(polled)(&verdict, text), 0);
-        EXPECT_EQ(verdict.status, 1);
-        EXPECT_STREQ(verdict.sw, "63C2");
-        EXPECT_NO_RAISE(send(link.comm));
-        EXPECT_EQ(link.call(polled)(&verdict, text), 13);
-        link.peer.request(request).accept_can();
-        EXPECT_NO_RAISE(send(link.comm), abecs_comm_send_can(link.comm));
-        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
-    };
-    waits({0, "00200080", 'b', 0, 12, "?"}, "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '));
+TEST(Gen0403, IsSentAndReadsTheVerdict) {
     AbecsCmdGen0403CmdData longest{8, "00200080", '2', 99, 99, {}};
     std::memset(longest.message, '\xE9', sizeof longest.message - 1);
-    waits(longest, "GEN053|04|048|03|8|00200080|2|99|99"_wire + std::string(32, '\xE9'));
+    sends("GEN053|04|048|03|8|00200080|2|99|99"_wire + std::string(32, '\xE9'), abecs_cmd_gen_04_03, &longest);
+    const AbecsCmdGen0403CmdData data{0, "00200080", 'b', 0, 12, "?"};
+    AbecsCmdGen0403RspData verdict{};
+    polls(
+        "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '), "GEN000|008|005|1|63C2"_wire,
+        ABECS_RSP_STAT_ST_OK, [&](auto* link) { EXPECT_EQ(abecs_cmd_gen_04_03(link, &data), KOR_RESULT_OK); },
+        [&](auto* link) { return abecs_cmd_gen_04_03_response(link, &verdict, nullptr); });
+    EXPECT_EQ(verdict.status, 1);
+    EXPECT_STREQ(verdict.sw, "63C2");
 }
 
 TEST(Gen0403, ChecksItsArgumentsInTheirOrder) {
-    Link link;
-    EXPECT_REFUSED(2, "'cmdData' is NULL", abecs_cmd_gen_04_03(link.comm, nullptr));
-    EXPECT_REFUSED(2, "'rspDataOut' is NULL", abecs_cmd_gen_04_03_response(link.comm, nullptr, nullptr));
-    const std::pair<const char*, AbecsCmdGen0403CmdData> rows[] = {
+    refuses("'cmdData' is NULL", abecs_cmd_gen_04_03, nullptr);
+    const std::pair<Refusal, AbecsCmdGen0403CmdData> rows[] = {
         {"'cmdData->slot' is invalid: 9", {9, "x", 'g', 101, 100, "\r"}},
         {"'cmdData->format' is invalid: g", {8, "x", 'g', 101, 100, "\r"}},
         {"'cmdData->format' is invalid: /", {8, "x", '/', 101, 100, "\r"}},
         {"'cmdData->pinMinDigits' is invalid: 101", {8, "x", 'A', 101, 100, "\r"}},
         {"'cmdData->pinMaxDigits' is invalid: 100", {8, "x", 'A', 99, 100, "\r"}},
         {"'cmdData->pinMinDigits (5)' is greater than cmdData->pinMaxDigits (4)", {8, "x", 'A', 5, 4, "\r"}},
+        {"Invalid hex byte at index 6", {8, "002000x0", 'A', 4, 4, "\r"}},
+        {"Invalid character (0x0D) at position 0", {8, "00200080", 'A', 4, 4, "\r"}},
     };
-    for (const auto& row : rows) { EXPECT_REFUSED(2, row.first, abecs_cmd_gen_04_03(link.comm, &row.second)); }
-    const AbecsCmdGen0403CmdData badHeader{8, "002000x0", 'A', 4, 4, "\r"};
-    const AbecsCmdGen0403CmdData badMessage{8, "00200080", 'A', 4, 4, "\r"};
-    EXPECT_REFUSED(2, "Invalid hex byte at index 6", abecs_cmd_gen_04_03(link.comm, &badHeader));
-    EXPECT_REFUSED(2, "Invalid character (0x0D) at position 0", abecs_cmd_gen_04_03(link.comm, &badMessage));
+    for (const auto& [refusal, data] : rows) { refuses(refusal, abecs_cmd_gen_04_03, &data); }
     AbecsCmdGen0403CmdData longMessage{8, "00200080", 'A', 4, 4, {}};
     std::memset(longMessage.message, '5', sizeof longMessage.message);
-    EXPECT_REFUSED(2, "Field does not have enough room for data", abecs_cmd_gen_04_03(link.comm, &longMessage));
-    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
-    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GKY"));
+    refuses("Field does not have enough room for data", abecs_cmd_gen_04_03, &longMessage);
     longMessage.message[32] = '\0';
-    EXPECT_REFUSED(3, "Connection is blocked waiting for GKY response", abecs_cmd_gen_04_03(link.comm, &longMessage));
+    Link link;
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GKY"));
+    EXPECT_REFUSED(kState, "Connection is blocked waiting for GKY response",
+                   abecs_cmd_gen_04_03(link.comm, &longMessage));
 }
 
 }  // namespace

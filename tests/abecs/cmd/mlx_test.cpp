@@ -1,23 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/abecs/cmd/mlx.h"
-
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
-#include "quorvel/kor/exception.h"
-#include "tests/support/link.h"
+#include "tests/abecs/cmd/commands.h"
 #include "tests/support/malloc/failing_malloc.h"
-#include "tests/support/wire.h"
 
 namespace {
 
@@ -51,8 +43,7 @@ size_t __wrap_fread(void* to, size_t size, size_t count, FILE* stream) {
 
 namespace {
 
-using namespace support::literals;
-using support::Link;
+using namespace support;
 namespace fs = std::filesystem;
 
 // Every byte value, and no two blocks alike.
@@ -92,28 +83,39 @@ protected:
         for (size_t at = 0; at < bytes.size(); at += 995) {
             const std::string block = bytes.substr(at, 995);
             const size_t size = block.size();
-            std::string length = std::to_string(size + 4);
-            length.insert(0, 3 - length.size(), '0');
             const std::string head{0, 0x0F, static_cast<char>(size >> 8), static_cast<char>(size & 0xFF)};
-            link_.peer.request("MLR" + length + head + block).response("MLR000");
+            link_.peer.request("MLR" + std::to_string(1000 + size + 4).substr(1) + head + block).response("MLR000");
         }
     }
 
     // Acknowledges `request` and answers it once `act` is done, while the host waits.
     void answer_after(const std::string& request, const std::string& response, const std::function<void()>& act) {
-        link_.peer.reply(support::frame(request).size(), [=](const std::string& received) {
+        link_.peer.reply(frame(request).size(), [=](const std::string& received) {
             act();
-            EXPECT_EQ(received, support::frame(request));
-            return "\x06" + support::frame(response);
+            EXPECT_EQ(received, frame(request));
+            return "\x06" + frame(response);
         });
     }
 
-    void upload() { link_.call(abecs_cmd_mlx)(path_.c_str(), "logo", 1); }
+    // No descriptor is left open.
+    void upload(const Raised& expected = {}) {
+        EXPECT_EQ(raised_by([this] { abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1); }), expected);
+        EXPECT_EQ(descriptor(), -1);
+    }
 
     fs::path directory_;
     std::string path_;
     Link link_;
 };
+
+const Raised kMissing = error(kArgument, "'to' and 'format' points to the same buffer");
+const Raised kNoMemory = error(KOR_RESULT_MALLOC_ERROR, "");
+
+uint16_t crc_of(const std::string& path, const Raised& expected = {}) {
+    uint16_t crc = 1;
+    EXPECT_EQ(raised_by([&] { crc = abecs_cmd_mlx_crc16(path.c_str()); }), expected) << path;
+    return crc;
+}
 
 TEST_F(Mlx, SendsFilesInBlocksOf995) {
     const auto sends = [&](size_t size, const std::string& sizeAndCrc) {
@@ -123,24 +125,19 @@ TEST_F(Mlx, SendsFilesInBlocksOf995) {
         expect_blocks(content(size));
         link_.peer.request("MLE").response("MLE000");
         upload();
-        EXPECT_EQ(descriptor(), -1);
     };
     sends(0, "00000000 0000"_hex);
-    sends(1, "00000001 0000"_hex);
     sends(995, "000003E3 54C9"_hex);
     sends(996, "000003E4 642A"_hex);
     reads.clear();
     sends(2500, "000009C4 3B8F"_hex);
     EXPECT_EQ(reads, (std::vector<size_t>{512, 512, 512, 512, 452, 995, 995, 510})) << "for the CRC, for the blocks";
-    sends(5000, "00001388 5780"_hex);
 }
 
 TEST_F(Mlx, CrcOfAFile) {
     const auto crcs = [&](const std::string& bytes, uint16_t expected) {
         write(bytes);
-        uint16_t crc = 1;
-        EXPECT_NO_RAISE(crc = abecs_cmd_mlx_crc16(path_.c_str()));
-        EXPECT_EQ(crc, expected) << bytes.size();
+        EXPECT_EQ(crc_of(path_), expected) << bytes.size();
         EXPECT_EQ(descriptor(), -1);
     };
     crcs("", 0);
@@ -154,28 +151,23 @@ TEST_F(Mlx, AStatusOtherThanZeroEndsTheLoad) {
     write(content(996));
     const std::string requests[] = {announcement("000003E4 642A"_hex), "MLR999" + "000F 03E3"_hex + content(995),
                                     "MLR005" + "000F 0001"_hex + content(996)[995], "MLE"};
-    const auto ends = [&](std::initializer_list<const char*> responses, const char* detail) {
+    const auto ends = [&](std::initializer_list<const char*> responses, const std::string& status) {
         const std::string* request = requests;
         for (const char* response : responses) { link_.peer.request(*request++).response(response); }
-        EXPECT_RAISES(6, detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
-        EXPECT_EQ(descriptor(), -1) << detail;
+        upload(error(kIo, (request - 1)->substr(0, 3) + " returned ABECS_RSP_STAT_ST_" + status));
     };
-    ends({"MLI011"}, "MLI returned ABECS_RSP_STAT_ST_INVPARM");
-    ends({"ERR010"}, "MLI returned ABECS_RSP_STAT_ST_INVCALL");
-    ends({"MLI000", "MLR102"}, "MLR returned ABECS_RSP_STAT_ST_MFERR");
-    ends({"MLI000", "MLR000", "MLR040"}, "MLR returned ABECS_RSP_STAT_ST_INTERR");
-    ends({"MLI000", "MLR000", "MLR000", "MLE101"}, "MLE returned ABECS_RSP_STAT_ST_MFERRFMT");
+    ends({"MLI011"}, "INVPARM");
+    ends({"ERR010"}, "INVCALL");
+    ends({"MLI000", "MLR102"}, "MFERR");
+    ends({"MLI000", "MLR000", "MLR040"}, "INTERR");
+    ends({"MLI000", "MLR000", "MLR000", "MLE101"}, "MFERRFMT");
 }
 
-TEST_F(Mlx, AFileThatShrinksEndsTheLoad) {
+TEST_F(Mlx, OfAFileThatChangesWhatWasAnnouncedIsSent) {
     write(content(5000));
     answer_after(announcement("00001388 5780"_hex), "MLI000", [this] { fs::resize_file(path_, 4990); });
     expect_blocks(content(4990));
-    EXPECT_RAISES(2, "'szData' is zero", abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
-    EXPECT_EQ(descriptor(), -1);
-}
-
-TEST_F(Mlx, OfAFileThatGrowsOnlyWhatWasAnnouncedIsSent) {
+    upload(error(kArgument, "'szData' is zero"));
     write(content(996));
     answer_after(announcement("000003E4 642A"_hex), "MLI000", [this] { fs::resize_file(path_, 10000); });
     expect_blocks(content(996));
@@ -185,93 +177,78 @@ TEST_F(Mlx, OfAFileThatGrowsOnlyWhatWasAnnouncedIsSent) {
 
 // The descriptor is taken away under the library, so that reading and closing fail.
 TEST_F(Mlx, AFailingCloseDoesNotHideTheErrorBeforeIt) {
-    const auto fails = [&](const std::string& response, int16_t code, const char* detail) {
+    const auto fails = [&](const std::string& response, const Raised& expected) {
         write(content(5000));
         answer_after(announcement("00001388 5780"_hex), response, [this] { EXPECT_EQ(close(descriptor()), 0); });
-        EXPECT_RAISES(code, detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+        upload(expected);
     };
-    fails("MLI011", 6, "MLI returned ABECS_RSP_STAT_ST_INVPARM");
-    fails("XYZ000", 12, "(MLI) Invalid RSP_ID: XYZ)");
-    fails("MLI000", 6, "fread() error: 9");
+    fails("MLI011", error(kIo, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
+    fails("XYZ000", error(kProtocol, "(MLI) Invalid RSP_ID: XYZ)"));
+    fails("MLI000", error(kIo, "fread() error: 9"));
     write("");
     link_.peer.request(announcement("00000000 0000"_hex)).response("MLI000");
     answer_after("MLE", "MLE000", [this] { EXPECT_EQ(close(descriptor()), 0); });
-    EXPECT_RAISES(6, "fclose() error: 9", abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
+    upload(error(kIo, "fclose() error: 9"));
     EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
-}
-
-TEST_F(Mlx, RefusesWhatCannotBeSent) {
-    const char* path = path_.c_str();
-    const char* missing = "'to' and 'format' points to the same buffer";
-    const auto refused = [&](int16_t code, const char* detail, const char* from, const char* name) {
-        EXPECT_RAISES(code, detail, abecs_cmd_mlx(link_.comm, from, name, 1));
-    };
-    refused(2, "'path' is NULL", nullptr, nullptr);
-    refused(2, missing, path, nullptr);
-    EXPECT_RAISES(2, missing, abecs_cmd_mlx_crc16(path));
-    write("x");
-    refused(2, "'filename' is empty", path, "");
-    refused(2, "'filename' is too long (max: 8, requested: 9)", path, "NINECHARS");
-    EXPECT_EQ(descriptor(), -1);
 }
 
 // A device may never end, and a pipe waits for its other end when it is opened.
 TEST_F(Mlx, OpensNothingButRegularFiles) {
+    const Raised irregular = error(kArgument, "'path' is not a regular file");
     ASSERT_EQ(mkfifo((directory_ / "pipe").c_str(), 0600), 0);
     fs::create_symlink("/dev/null", directory_ / "device");
     opened = 0;
     for (const std::string& path : {directory_.string(), (directory_ / "pipe").string(),
                                     (directory_ / "device").string(), std::string("/dev/zero")}) {
-        const char* detail = "'path' is not a regular file";
-        EXPECT_RAISES(2, detail, abecs_cmd_mlx(link_.comm, path.c_str(), nullptr, 1)) << path;
-        EXPECT_RAISES(2, detail, abecs_cmd_mlx_crc16(path.c_str())) << path;
+        refuses(irregular, abecs_cmd_mlx, path.c_str(), nullptr, 1);
+        crc_of(path, irregular);
     }
     EXPECT_EQ(opened, 0U);
     write("123456789");
     fs::create_symlink(path_, directory_ / "link");
-    EXPECT_EQ(abecs_cmd_mlx_crc16((directory_ / "link").c_str()), 0x31C3);
-    const std::string inside = path_ + "/inside";
-    EXPECT_RAISES(2, "'to' and 'format' points to the same buffer", abecs_cmd_mlx_crc16(inside.c_str()));
+    EXPECT_EQ(crc_of(directory_ / "link"), 0x31C3);
+    crc_of(path_ + "/inside", kMissing);
+}
+
+TEST_F(Mlx, RefusesWhatCannotBeSent) {
+    const char* path = path_.c_str();
+    refuses("'path' is NULL", abecs_cmd_mlx, nullptr, nullptr, 1);
+    refuses(kMissing, abecs_cmd_mlx, path, nullptr, 1);
+    crc_of(path, kMissing);
+    write("x");
+    refuses("'filename' is NULL", abecs_cmd_mlx, path, nullptr, 1);
+    refuses("'filename' is empty", abecs_cmd_mlx, path, "", 1);
+    refuses("'filename' is too long (max: 8, requested: 9)", abecs_cmd_mlx, path, "NINECHARS", 1);
+    EXPECT_EQ(descriptor(), -1);
+    write("");
+    for (const auto& [size, shown] : {std::pair{uintmax_t{1} << 32, "4294967296"}, {0x1400000001, "85899345921"}}) {
+        fs::resize_file(path_, size);
+        upload(error(kIo, "File (" + path_ + ") is too big (max: 4294967295, req: " + shown + ")"));
+    }
 }
 
 TEST_F(Mlx, MemoryThatEndsIsNoMissingFile) {
     write("x");
-    const auto ends = [&] {
-        EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
-        EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", abecs_cmd_mlx_crc16(path_.c_str()));
-    };
     openError = ENOMEM;
-    ends();
+    upload(kNoMemory);
+    crc_of(path_, kNoMemory);
     openError = EMFILE;
-    EXPECT_RAISES(2, "'to' and 'format' points to the same buffer", abecs_cmd_mlx_crc16(path_.c_str()));
+    crc_of(path_, kMissing);
     openError = 0;
-    const support::FailingMalloc failing(1);
+    const FailingMalloc failing(1);
     EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", abecs_cmd_mlx_crc16(path_.c_str()));
     EXPECT_EQ(failing.kept(), 0U);
-}
-
-TEST_F(Mlx, RefusesFilesWhoseSizeDoesNotFit) {
-    write("");
-    for (const auto& [size, shown] : {std::pair{uintmax_t{1} << 32, "4294967296"}, {0x1400000001, "85899345921"}}) {
-        fs::resize_file(path_, size);
-        const std::string detail = "File (" + path_ + ") is too big (max: 4294967295, req: " + shown + ")";
-        EXPECT_RAISES(6, detail, abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1));
-        EXPECT_EQ(descriptor(), -1);
-    }
 }
 
 TEST_F(Mlx, RaisesOnceWhenTheRaiseReturns) {
     write("x");
     link_.peer.request(announcement("00000001 FF9F"_hex)).response("MLI011");
-    const support::ReturningRaises handler;
-    abecs_cmd_mlx(link_.comm, nullptr, "logo", 1);
-    abecs_cmd_mlx(link_.comm, path_.c_str(), nullptr, 1);
+    const ReturningRaises handler;
     abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1);
     EXPECT_EQ(abecs_cmd_mlx_crc16("/"), 0);
     EXPECT_EQ(abecs_cmd_mlx_crc16((path_ + "/inside").c_str()), 0);
-    ASSERT_EQ(handler.all().size(), 5U);
-    EXPECT_EQ(handler.all()[1], support::error(2, "'filename' is NULL"));
-    EXPECT_EQ(handler.all()[2], support::error(6, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
+    ASSERT_EQ(handler.all().size(), 3U);
+    EXPECT_EQ(handler.all()[0], error(kIo, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
     EXPECT_EQ(descriptor(), -1);
 }
 

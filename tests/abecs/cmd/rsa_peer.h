@@ -4,38 +4,18 @@
 #define QUORVEL_TESTS_ABECS_CMD_RSA_PEER_H
 
 #include <gtest/gtest.h>
-#include <memory>
-#include <openssl/bn.h>
 #include <string>
 
+#include "tests/support/big.h"
 #include "tests/support/wire.h"
 
 namespace support {
 
-struct FreeNumber {
-    void operator()(BIGNUM* number) const { BN_free(number); }
-    void operator()(BN_CTX* context) const { BN_CTX_free(context); }
-};
-
 // block ^ 65537 mod modulus, in as many upper-case digits as the modulus: what a PIN pad answers to a public key.
 inline std::string rsa_encipher(const std::string& block, const std::string& modulusDigits) {
-    using Number = std::unique_ptr<BIGNUM, FreeNumber>;
-    BIGNUM* read = nullptr;
-    BN_hex2bn(&read, modulusDigits.c_str());
-    const Number modulus(read);
-    const Number exponent(BN_new());
-    BN_set_word(exponent.get(), 65537);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(block.data());
-    const Number base(BN_bin2bn(bytes, static_cast<int>(block.size()), nullptr));
-    const std::unique_ptr<BN_CTX, FreeNumber> context(BN_CTX_new());
-    const Number result(BN_new());
-    BN_mod_exp(result.get(), base.get(), exponent.get(), modulus.get(), context.get());
-    std::string power(modulusDigits.size() / 2, '\0');
-    BN_bn2binpad(result.get(), reinterpret_cast<unsigned char*>(power.data()), static_cast<int>(power.size()));
-    std::string digits;
-    for (const char c : to_hex(power)) {
-        if (c != ' ') { digits += c; }
-    }
+    const Big power = Big(block).to_the(Big(65537), Big::of_digits(modulusDigits));
+    std::string digits = to_hex(power.bytes(modulusDigits.size() / 2));
+    std::erase(digits, ' ');
     return digits;
 }
 
