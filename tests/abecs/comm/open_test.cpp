@@ -1,28 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <atomic>
-#include <chrono>
 #include <ctime>
-#include <gtest/gtest.h>
-#include <string>
 #include <termios.h>
 #include <thread>
 
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/system.h"
+#include "tests/abecs/comm/line.h"
 #include "tests/core/temp_dir.h"
-#include "tests/support/elapsed.h"
-#include "tests/support/link.h"
-#include "tests/support/packets.h"
 
 namespace {
 
 using namespace support;
-using namespace std::chrono_literals;
-
-const std::string kCan = "18"_hex;
-const std::string kEot = "04"_hex;
-const std::string kNak = "15"_hex;
 
 TEST(Open, SetsAndClearsTheLineAndSendsCan) {
     Peer peer;
@@ -54,14 +44,10 @@ TEST(Open, ThatFailsLeavesNothingBehind) {
     Peer refusing;
     silent.expect(kCan).expect(kCan).expect(kCan);
     refusing.expect(kCan).send(kNak).expect(kCan).send(kNak).expect(kCan).send(kNak);
-    const support::Raised noTerminal = support::error(KOR_RESULT_IO_ERROR, "tcgetattr() error: 25");
-    const support::Raised noAnswer = support::error(KOR_RESULT_IO_ERROR, "Communication error while sending CAN");
-    const std::pair<std::string, support::Raised> rows[] = {
-        {"/dev/nothing", support::error(KOR_RESULT_FILE_NOT_FOUND, "No such port: /dev/nothing")},
-        {"/dev/null", noTerminal},
-        {refusing.path(), noAnswer},
-        {silent.path(), noAnswer},
-    };
+    const Raised noTerminal = error(kIo, "tcgetattr() error: 25");
+    const Raised noPort = error(KOR_RESULT_FILE_NOT_FOUND, "No such port: /dev/nothing");
+    const std::pair<std::string, Raised> rows[] = {
+        {"/dev/nothing", noPort}, {"/dev/null", noTerminal}, {refusing.path(), kNoCan}, {silent.path(), kNoCan}};
     const size_t before = open_descriptors();
     AbecsComm* comm = nullptr;
     for (const auto& [path, error] : rows) {
@@ -72,7 +58,7 @@ TEST(Open, ThatFailsLeavesNothingBehind) {
         EXPECT_EQ(comm, nullptr);
         EXPECT_EQ(open_descriptors(), before) << path;
     }
-    const support::ReturningRaises raises;
+    const ReturningRaises raises;
     EXPECT_EQ(abecs_comm_open("/dev/null"), nullptr);
     EXPECT_EQ(raises.all(), std::vector{noTerminal});
 }
@@ -112,8 +98,7 @@ TEST(Open, OfALineThatNeverFallsSilentFailsInTimeAndAtLittleCost) {
     const auto before = processor_time();
     {
         const Babbler babbler(peer);
-        EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Communication error while sending CAN",
-                      comm = abecs_comm_open(peer.path().c_str()));
+        EXPECT_EQ(raised_by([&] { comm = abecs_comm_open(peer.path().c_str()); }), kNoCan);
         EXPECT_TRUE(elapsed.between(12s, 14s));
     }
     EXPECT_LT(processor_time() - before, 100ms);
@@ -136,7 +121,7 @@ TEST(Close, OfAHungUpLineReleasesEverything) {
     Link link;
     link.peer.hang_up().settle();
     const size_t before = open_descriptors();
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link.comm));
+    EXPECT_RAISES(kIo, "tcflush() error: 5", abecs_comm_close(&link.comm));
     EXPECT_EQ(link.comm, nullptr);
     EXPECT_EQ(open_descriptors(), before - 1);
 }
@@ -146,12 +131,12 @@ TEST(Close, WhileAnErrorIsPendingLeavesThatError) {
     for (const bool hungUp : {false, true}) {
         Link link;
         if (hungUp) { link.peer.hang_up().settle(); }
-        const support::Raised raised = raised_by([&] {
+        const Raised raised = raised_by([&] {
             KOR_TRY { kor_exception_throw(KOR_RESULT_PROTOCOL_ERROR, "the first one"); }
             KOR_CLEANUP { abecs_comm_close(&link.comm); }
             KOR_END_TRY;
         });
-        EXPECT_EQ(raised, (support::Raised{KOR_RESULT_PROTOCOL_ERROR, "the first one"}));
+        EXPECT_EQ(raised, (Raised{KOR_RESULT_PROTOCOL_ERROR, "the first one"}));
         EXPECT_EQ(link.comm, nullptr);
     }
 }
@@ -170,7 +155,7 @@ TEST(Can, IsSentAgainWhenItIsIgnoredAndReleasesABlockedLink) {
 // time to be answered.
 TEST(Can, IsSentAgainAfterAPurgeWhenAnotherByteAnswers) {
     Link link;
-    link.peer.expect(kCan).send("16 47494E303030 17 B695"_hex).wait(300ms).send(kEot).expect_silence(450ms);
+    link.peer.expect(kCan).send(kGood).wait(300ms).send(kEot).expect_silence(450ms);
     link.peer.expect(kCan).wait(900ms).send(kEot);
     link.call(abecs_comm_send_can)();
     EXPECT_EQ(kor_serial_available(link.comm->serial), 0U);
@@ -181,10 +166,10 @@ TEST(Can, ThatFailsThreeTimesLeavesTheLinkBlockedAndNoShortWait) {
     Link link;
     link.call(abecs_comm_lock)("GCR");
     for (int i = 0; i < 3; ++i) { link.peer.expect(kCan).send(kNak); }
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Communication error while sending CAN", abecs_comm_send_can(link.comm));
+    EXPECT_EQ(raised_by([&] { abecs_comm_send_can(link.comm); }), kNoCan);
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GCR");
     link.call(abecs_comm_release)();
-    link.peer.expect("16 47494E3030323030 17 EECA"_hex).wait(900ms).send("06"_hex);
+    link.peer.expect(kGin).wait(900ms).send(kAck);
     const Packet packet("GIN00200");
     link.call(abecs_comm_send_packet)(packet.get());
 }

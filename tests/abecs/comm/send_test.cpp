@@ -1,30 +1,33 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <limits>
-#include <string>
 #include <unistd.h>
 
 #include "quorvel/kor/system.h"
+#include "tests/abecs/comm/line.h"
 #include "tests/core/signals.h"
-#include "tests/support/elapsed.h"
-#include "tests/support/link.h"
-#include "tests/support/packets.h"
 
 namespace {
 
 using namespace support;
-using namespace std::chrono_literals;
-
-const std::string kAck = "06"_hex;
-const std::string kNak = "15"_hex;
-const std::string kGin = "16 47494E3030323030 17 EECA"_hex;
 
 class Send : public testing::Test {
 protected:
+    // Sends GIN, which the peer takes.
+    void send_gin() {
+        gin.fill("GIN00200");
+        link.peer.request("GIN00200");
+        link.call(abecs_comm_send_packet)(gin);
+    }
+
+    // With a pace to be kept from now on.
+    void set_pace(int64_t interval) {
+        link.call(abecs_comm_set_send_interval)(interval);
+        link.comm->lastSend = kor_system_current_time_millis();
+    }
+
     Link link;
     Packet gin{"GIN00200"};
 };
@@ -45,7 +48,7 @@ TEST_F(Send, FramesThePacketRepeatsItAfterNakAndConsumesIt) {
 TEST_F(Send, GivesUpAfterThreeNaksAndLeavesThePacketToBeSentAgain) {
     for (int i = 0; i < 3; ++i) { link.peer.expect(kGin).send(kNak); }
     link.comm->lastSend = 1234;
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Packet was rejected", abecs_comm_send_packet(link.comm, gin));
+    EXPECT_EQ(raised_by_sending(link, gin), kRejected);
     EXPECT_EQ(link.comm->lastSend, 1234);
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
     link.peer.expect_silence(100ms).settle();
@@ -54,14 +57,13 @@ TEST_F(Send, GivesUpAfterThreeNaksAndLeavesThePacketToBeSentAgain) {
 }
 
 TEST_F(Send, TakesNoOtherAnswer) {
-    const std::pair<std::string, const char*> rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"04"_hex, "0x4"}, {"16"_hex, "0x16"}, {"00"_hex, "0x0"}, {"FF"_hex, "0xff"}};
     for (const auto& [answer, shown] : rows) {
         link.peer.expect(kGin).send(answer);
         gin.fill("GIN00200");
-        EXPECT_EQ(raised_by([&] { abecs_comm_send_packet(link.comm, gin); }),
-                  support::error(KOR_RESULT_PROTOCOL_ERROR,
-                                 std::string("Protocol error (unknown packet response: ") + shown + ")"));
+        EXPECT_EQ(raised_by_sending(link, gin),
+                  error(kProtocol, "Protocol error (unknown packet response: " + shown + ")"));
         EXPECT_EQ(gin.take(), "");
     }
 }
@@ -69,15 +71,15 @@ TEST_F(Send, TakesNoOtherAnswer) {
 TEST_F(Send, WaitsTwoSecondsForTheAnswer) {
     link.peer.expect(kGin);
     const Elapsed elapsed;
-    EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data", abecs_comm_send_packet(link.comm, gin));
+    EXPECT_EQ(raised_by_sending(link, gin), kTimeout);
     EXPECT_TRUE(elapsed.between(2s, 3500ms));
     EXPECT_EQ(gin.take(), "");
 }
 
 TEST_F(Send, NeedsAPacketWithAnId) {
     const Packet packet("GI");
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL", abecs_comm_send_packet(link.comm, nullptr));
-    EXPECT_EQ(raised_by([&] { abecs_comm_send_packet(link.comm, packet); }).code, KOR_RESULT_IO_ERROR);
+    EXPECT_EQ(raised_by_sending(link, nullptr), error(kArgument, "'packet' is NULL"));
+    EXPECT_EQ(raised_by_sending(link, packet).code, KOR_RESULT_IO_ERROR);
     EXPECT_EQ(packet.take(), "GI");
 }
 
@@ -85,44 +87,35 @@ TEST_F(Pacing, KeepsSendsAtTheirDistance) {
     link.call(abecs_comm_set_send_interval)(400);
     EXPECT_EQ(abecs_comm_get_send_interval(link.comm), 400);
     const Elapsed first;
-    for (int i = 0; i < 2; ++i) {
-        gin.fill("GIN00200");
-        link.peer.request("GIN00200");
-        link.call(abecs_comm_send_packet)(gin);
-    }
+    send_gin();
+    send_gin();
     // The library's clock counts whole milliseconds.
     EXPECT_TRUE(first.between(399ms, 2s));
 }
 
 TEST_F(Pacing, WaitsAtMostTheIntervalWhenTheClockWasSetBack) {
-    link.call(abecs_comm_set_send_interval)(200);
-    link.comm->lastSend = kor_system_current_time_millis() + 3'600'000;
-    link.peer.request("GIN00200");
+    set_pace(200);
+    link.comm->lastSend += 3'600'000;
     const Elapsed elapsed;
-    link.call(abecs_comm_send_packet)(gin);
+    send_gin();
     EXPECT_TRUE(elapsed.between(200ms, 2s));
     EXPECT_LE(link.comm->lastSend, kor_system_current_time_millis());
 }
 
 TEST_F(Pacing, IsSleptOutWhateverSignalsCome) {
-    link.call(abecs_comm_set_send_interval)(300);
-    link.comm->lastSend = kor_system_current_time_millis();
-    link.peer.request("GIN00200");
+    set_pace(300);
     const Signals signals(0);
     const Elapsed elapsed;
-    link.call(abecs_comm_send_packet)(gin);
+    send_gin();
     EXPECT_TRUE(elapsed.between(299ms, 2s));
     EXPECT_GT(signals.seen(), 10);
 }
 
 TEST_F(Pacing, OfANegativeIntervalIsNone) {
     for (const int64_t interval : {int64_t{-1}, std::numeric_limits<int64_t>::min()}) {
-        link.call(abecs_comm_set_send_interval)(interval);
-        link.comm->lastSend = kor_system_current_time_millis();
-        gin.fill("GIN00200");
-        link.peer.request("GIN00200");
+        set_pace(interval);
         const Elapsed elapsed;
-        link.call(abecs_comm_send_packet)(gin);
+        send_gin();
         EXPECT_TRUE(elapsed.between(0ms, 2s));
         EXPECT_EQ(abecs_comm_get_send_interval(link.comm), interval);
     }
@@ -133,23 +126,20 @@ TEST_F(Pacing, HasNoUpperLimit) {
     link.call(abecs_comm_lock)("GCR");
     // More microseconds, milliseconds and nanoseconds than their counters may hold.
     for (const int64_t interval : {int64_t{4'294'968}, int64_t{1} << 32, std::numeric_limits<int64_t>::max()}) {
-        link.call(abecs_comm_set_send_interval)(interval);
-        link.comm->lastSend = kor_system_current_time_millis();
+        set_pace(interval);
         const auto send = [&] {
             alarm(1);
-            std::exit(raised_by([&] { abecs_comm_send_packet(link.comm, gin); }).code);
+            std::exit(raised_by_sending(link, gin).code);
         };
         EXPECT_EXIT(send(), testing::KilledBySignal(SIGALRM), "") << interval;
     }
 }
 
 TEST_F(Pacing, ComesBeforeTheRefusalOfABlockedLinkWhichSendsNothing) {
-    link.call(abecs_comm_set_send_interval)(200);
-    link.comm->lastSend = kor_system_current_time_millis();
+    set_pace(200);
     link.call(abecs_comm_lock)("GCR");
     const Elapsed elapsed;
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_STATE, "Connection is blocked waiting for GCR response",
-                  abecs_comm_send_packet(link.comm, gin));
+    EXPECT_EQ(raised_by_sending(link, gin), error(kState, "Connection is blocked waiting for GCR response"));
     EXPECT_TRUE(elapsed.between(190ms, 2s));
     link.call(abecs_comm_release)();
     link.peer.request("GIN00200");
@@ -180,7 +170,7 @@ TEST_F(SessionEnd, KeepsTheKeysWhenItIsRejectedOrAnotherCommandIsSent) {
     link.peer.expect(clo).send(kNak).expect(clo).send(kNak).expect(clo).send(kNak).request("CLI");
     const Packet closing("CLO");
     const Packet other("CLI");
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Packet was rejected", abecs_comm_send_packet(link.comm, closing));
+    EXPECT_EQ(raised_by_sending(link, closing), kRejected);
     link.call(abecs_comm_send_packet)(other);
     EXPECT_EQ(link.comm->key[0], 0xAA);
     EXPECT_TRUE(link.comm->panProtected && link.comm->panKeyInstalled);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "abecs/data/field_h.h"
@@ -13,7 +14,7 @@
 #include "tests/support/raised.h"
 
 using namespace std::string_literals;
-using support::Bytes;
+using namespace support;
 
 namespace {
 
@@ -84,8 +85,8 @@ TEST_P(FieldText, EveryCharacterIsAllowedOrRefusedAlikeBothWays) {
                 EXPECT_NO_RAISE(type.read(in, text, sizeof text, 3, allowCr));
                 EXPECT_STREQ(text, field);
             } else {
-                EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, detail, type.write(out, field, 3, allowCr));
-                EXPECT_RAISES(KOR_RESULT_IO_ERROR, detail, type.read(in, text, sizeof text, 3, allowCr));
+                EXPECT_RAISES(kArgument, detail, type.write(out, field, 3, allowCr));
+                EXPECT_RAISES(kIo, detail, type.read(in, text, sizeof text, 3, allowCr));
                 EXPECT_STREQ(text, field) << "as received";
             }
             EXPECT_EQ(out.take(), good ? field : "a");
@@ -109,13 +110,12 @@ TEST_P(FieldText, EveryNumberButZeroAllowsCr) {
 
 TEST_P(FieldText, RoomIsTestedBeforeTheCharacter) {
     const Bytes bytes;
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Field does not have enough room for data",
+    EXPECT_RAISES(kArgument, "Field does not have enough room for data",
                   GetParam().write(bytes, "ABCDE\x01", 5, false));
     EXPECT_EQ(bytes.take(), "ABCDE");
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'data' is NULL", GetParam().write(bytes, nullptr, 5, false));
+    EXPECT_RAISES(kArgument, "'data' is NULL", GetParam().write(bytes, nullptr, 5, false));
     const Bytes tiny("", 3);
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
-                  GetParam().write(tiny, "AB", 5, false));
+    EXPECT_EQ(raised_by([&] { GetParam().write(tiny, "AB", 5, false); }), too_full(1, 0));
 }
 
 TEST_P(FieldText, ChecksTheDestinationThenTheDataThenTheCharacters) {
@@ -123,13 +123,11 @@ TEST_P(FieldText, ChecksTheDestinationThenTheDataThenTheCharacters) {
         "abc\x01\x02"
         "de\0f"s);
     char text[5];
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (5) is not enough to store field data",
+    EXPECT_RAISES(kArgument, "sizeTo (5) is not enough to store field data",
                   GetParam().read(bytes, text, sizeof text, 5, false));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 10, available: 9)",
-                  GetParam().read(bytes, nullptr, 0, 10, false));
+    EXPECT_EQ(raised_by([&] { GetParam().read(bytes, nullptr, 0, 10, false); }), too_few(10, 9));
     EXPECT_EQ(GetParam().read(bytes, nullptr, 0, 5, false), nullptr) << "a skipped field is not checked";
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x00) at position 2",
-                  GetParam().read(bytes, text, sizeof text, 4, false));
+    EXPECT_RAISES(kIo, "Invalid character (0x00) at position 2", GetParam().read(bytes, text, sizeof text, 4, false));
 }
 
 TEST(FieldH, IsPaddedWithPairsThirty) {
@@ -180,16 +178,13 @@ TEST(FieldH, AnythingButPairsOfHexadecimalDigitsIsRefused) {
         const Bytes raw(field + "rest");
         char to[9];
         std::fill(std::begin(to), std::end(to), 'x');
-        EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid data: " + std::string(pair),
-                      abecs_data_read_field_h(text, to, sizeof to, 8));
+        EXPECT_RAISES(kIo, "Invalid data: " + std::string(pair), abecs_data_read_field_h(text, to, sizeof to, 8));
         EXPECT_STREQ(to, "") << "no pairs without an end";
-        EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid data: " + std::string(pair),
-                      abecs_data_read_field_h_raw(raw, nullptr, 0, 8));
+        EXPECT_RAISES(kIo, "Invalid data: " + std::string(pair), abecs_data_read_field_h_raw(raw, nullptr, 0, 8));
         EXPECT_EQ(text.take(), "rest");
         EXPECT_EQ(raw.take(), "rest");
         const Bytes out;
-        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid hex byte at index 4",
-                      abecs_data_write_field_h(out, field.c_str(), 10));
+        EXPECT_RAISES(kArgument, "Invalid hex byte at index 4", abecs_data_write_field_h(out, field.c_str(), 10));
         EXPECT_EQ(out.take(), "") << "the padding must not precede a bad text";
     }
 }
@@ -215,90 +210,89 @@ TEST(FieldB, CopiesBytes) {
     EXPECT_EQ(std::string(to, 3), "\0\xFF\x16"s);
 }
 
-constexpr int16_t kArg = KOR_RESULT_ILLEGAL_ARGUMENT;
-constexpr int16_t kIo = KOR_RESULT_IO_ERROR;
 char text[4];
 uint8_t raw[4];
 
-struct Refusal {
-    const char* content;
-    void (*call)(KorBuffer*);
-    int16_t code;
-    const char* detail;
-    const char* left = "";  // of the content afterwards
+// What a buffer holds, and what a call leaves of it that raises: everything, unless it has consumed its field.
+struct Content {
+    Content(const char* all) : bytes(all), left(all) {}
+    Content(const char* all, const char* rest) : bytes(all), left(rest) {}
+    std::string bytes, left;
 };
 
-const Refusal kRefusals[]{
-    {"", [](auto* b) { abecs_data_write_field_n(b, 10000000000000, 13); }, kArg,
-     "'i' (10000000000000) is too long (maximum: 9999999999999"},
-    {"", [](auto* b) { abecs_data_write_field_n(b, 1000, 3); }, kArg,
-     "Number length (4) is greater than field length (3)"},
-    {"12", [](auto* b) { EXPECT_EQ(abecs_data_read_field_n(b, 14), 0U); }, kIo,
-     "Buffer does not have enough data (requested: 14, available: 2)", "12"},
-    {"12345678901234", [](auto* b) { EXPECT_EQ(abecs_data_read_field_n(b, 14), 0U); }, kArg,
-     "field length (14) is too big (maximum: 13)", "12345678901234"},
-    {"1\xE9rest", [](auto* b) { EXPECT_EQ(abecs_data_read_field_n(b, 3), 0U); }, kIo, "Invalid char (0xE9) at index 1",
-     "est"},
-    {"1", [](auto* b) { EXPECT_NE(abecs_data_read_rsp_stat(b), 0) << "not success"; }, kIo,
-     "Buffer does not have enough data (requested: 3, available: 1)", "1"},
-    {"1", [](auto* b) { EXPECT_STREQ(abecs_data_read_field_a(b, text, 4, 2, false), ""); }, kIo,
-     "Buffer does not have enough data (requested: 2, available: 1)", "1"},
-
-    {"", [](auto* b) { abecs_data_write_field_h(b, "x", 5); }, kArg, "fieldLen (5) is not even"},
-    {"", [](auto* b) { abecs_data_write_field_h(b, "0102xx", 4); }, kArg, "Field does not have enough room for data"},
-    {"", [](auto* b) { abecs_data_write_field_h(b, "012", 4); }, kArg, "Invalid hex byte at index 2"},
-    {"", [](auto* b) { abecs_data_write_field_h_cdata(b, "0123", 3, 4); }, kArg, "Invalid hex byte at index 2"},
-    {"", [](auto* b) { abecs_data_write_field_h(b, nullptr, 4); }, kArg, "'data' is NULL"},
-    {"", [](auto* b) { abecs_data_write_field_h_raw(b, nullptr, 1, 2); }, kArg, "'data' is NULL"},
-    {"", [](auto* b) { abecs_data_write_field_h_raw(b, raw, 4, 7); }, kArg, "fieldLen (7) must be even"},
-    {"", [](auto* b) { abecs_data_write_field_h_raw(b, raw, 3, 4); }, kArg,
-     "fieldLen < (dataLen * 2) ==> (4 < (3 * 2))"},
-    {"30ABC", [](auto* b) { EXPECT_STREQ(abecs_data_read_field_h(b, text, 4, 7), ""); }, kIo,
-     "Buffer does not have enough data (requested: 7, available: 5)", "30ABC"},
-    {"30ABC", [](auto* b) { EXPECT_STREQ(abecs_data_read_field_h(b, text, 4, 5), ""); }, kArg,
-     "fieldLen (5) is not an even number", "30ABC"},
-    {"30ABC", [](auto* b) { EXPECT_STREQ(abecs_data_read_field_h(b, text, 4, 4), ""); }, kArg,
-     "sizeTo (4) is not enough to store field (length: 4)", "30ABC"},
-    {"30ABC", [](auto* b) { EXPECT_EQ(abecs_data_read_field_h_raw(b, raw, 1, 7), 0U); }, kIo,
-     "Buffer does not have enough data (requested: 7, available: 5)", "30ABC"},
-    {"30ABC", [](auto* b) { EXPECT_EQ(abecs_data_read_field_h_raw(b, raw, 1, 5), 0U); }, kArg,
-     "fieldLen (5) must be even", "30ABC"},
-    {"30ABC", [](auto* b) { EXPECT_EQ(abecs_data_read_field_h_raw(b, raw, 1, 4), 0U); }, kArg,
-     "sizeTo (1) < (fieldLen / 2) (2)", "30ABC"},
-    {"30G0", [](auto* b) { EXPECT_EQ(abecs::read_field_h_bytes(b, raw, 2, 4), 0U); }, kIo, "Invalid data: G0"},
-    {"3031", [](auto* b) { EXPECT_EQ(abecs::read_field_h_bytes(b, raw, 1, 4), 0U); }, kArg,
-     "sizeTo (1) < (fieldLen / 2) (2)", "3031"},
-
-    {"", [](auto* b) { abecs_data_write_field_x(b, 256, 1); }, kArg, "fieldLen (1) is not enough for data (256)"},
-    {"", [](auto* b) { abecs_data_write_field_x(b, 65536, 2); }, kArg, "fieldLen (2) is not enough for data (65536)"},
-    {"", [](auto* b) { abecs_data_write_field_x(b, 1, 3); }, kArg,
-     "Unsupported fieldLen: 3 (accepted values are 1, 2, or 4)"},
-    {"abc", [](auto* b) { EXPECT_EQ(abecs_data_read_field_x(b, 3), 0U); }, kArg,
-     "Unsupported fieldLen: 3 (accepted values are 1, 2, or 4)", "abc"},
-    {"abc", [](auto* b) { EXPECT_EQ(abecs_data_read_field_x(b, 4), 0U); }, kIo,
-     "Buffer does not have enough data (requested: 4, available: 3)", "abc"},
-
-    {"", [](auto* b) { abecs_data_write_field_b(b, nullptr, 1); }, kArg, "'data' is NULL"},
-    {"abc", [](auto* b) { EXPECT_EQ(abecs_data_read_field_b(b, raw, 4, 9), 0U); }, kArg,
-     "Destination array does not have enough size to store all data (requested: 9, available: 4)", "abc"},
-    {"abc", [](auto* b) { EXPECT_EQ(abecs_data_read_field_b(b, nullptr, 0, 9), 0U); }, kIo,
-     "Buffer does not have enough data (requested: 9, available: 3)", "abc"},
+// Of an argument, when it is no more than a text.
+struct Fault : Raised {
+    Fault(const char* detail) : Raised(error(kArgument, detail)) {}
+    Fault(const Raised& other) : Raised(other) {}
 };
 
-// Seen with a handler that returns: each call raises once and leaves with a harmless result.
-TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
-    for (const Refusal& each : kRefusals) {
-        const Bytes bytes(each.content);
-        const support::ReturningRaises raises;
-        each.call(bytes);
-        EXPECT_EQ(raises.all(), support::errors(each.code, {each.detail}));
-        EXPECT_EQ(bytes.take(), each.left) << each.detail;
+// Seen with a handler that returns: the call raises once and leaves with a harmless result.
+template <typename Result, typename... Parameters>
+void refused(const Content& content, const Fault& fault, Result (*function)(KorBuffer*, Parameters...),
+             std::type_identity_t<Parameters>... arguments) {
+    const Bytes bytes(content.bytes);
+    const ReturningRaises raises;
+    if constexpr (std::is_void_v<Result>) {
+        function(bytes, arguments...);
+    } else if constexpr (std::is_pointer_v<Result>) {
+        EXPECT_STREQ(function(bytes, arguments...), "") << fault;
+    } else {
+        EXPECT_EQ(function(bytes, arguments...), 0U) << fault;
     }
+    EXPECT_EQ(raises.all(), std::vector<Raised>{fault});
+    EXPECT_EQ(bytes.take(), content.left) << fault;
+}
+
+TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
+    const auto write_n = abecs_data_write_field_n;
+    const auto read_n = abecs_data_read_field_n;
+    refused("", "'i' (10000000000000) is too long (maximum: 9999999999999", write_n, 10000000000000, 13);
+    refused("", "Number length (4) is greater than field length (3)", write_n, 1000, 3);
+    refused("12", too_few(14, 2), read_n, 14);
+    refused("12345678901234", "field length (14) is too big (maximum: 13)", read_n, 14);
+    refused({"1\xE9rest", "est"}, error(kIo, "Invalid char (0xE9) at index 1"), read_n, 3);
+    refused("1", too_few(2, 1), abecs_data_read_field_a, text, 4, 2, false);
+    const Bytes one("1");
+    EXPECT_EQ(raised_by([&] { abecs_data_read_rsp_stat(one); }), too_few(3, 1));
+
+    const auto write_h = abecs_data_write_field_h;
+    const auto write_raw = abecs_data_write_field_h_raw;
+    const auto read_h = abecs_data_read_field_h;
+    const auto read_raw = abecs_data_read_field_h_raw;
+    size_t (*const read_bytes)(KorBuffer*, uint8_t*, size_t, size_t) = abecs::read_field_h_bytes;
+    refused("", "fieldLen (5) is not even", write_h, "x", 5);
+    refused("", "Field does not have enough room for data", write_h, "0102xx", 4);
+    refused("", "Invalid hex byte at index 2", write_h, "012", 4);
+    refused("", "Invalid hex byte at index 2", abecs_data_write_field_h_cdata, "0123", 3, 4);
+    refused("", "'data' is NULL", write_h, nullptr, 4);
+    refused("", "'data' is NULL", write_raw, nullptr, 1, 2);
+    refused("", "fieldLen (7) must be even", write_raw, raw, 4, 7);
+    refused("", "fieldLen < (dataLen * 2) ==> (4 < (3 * 2))", write_raw, raw, 3, 4);
+    refused("30ABC", too_few(7, 5), read_h, text, 4, 7);
+    refused("30ABC", "fieldLen (5) is not an even number", read_h, text, 4, 5);
+    refused("30ABC", "sizeTo (4) is not enough to store field (length: 4)", read_h, text, 4, 4);
+    refused("30ABC", too_few(7, 5), read_raw, raw, 1, 7);
+    refused("30ABC", "fieldLen (5) must be even", read_raw, raw, 1, 5);
+    refused("30ABC", "sizeTo (1) < (fieldLen / 2) (2)", read_raw, raw, 1, 4);
+    refused({"30G0", ""}, error(kIo, "Invalid data: G0"), read_bytes, raw, 2, 4);
+    refused("3031", "sizeTo (1) < (fieldLen / 2) (2)", read_bytes, raw, 1, 4);
+
+    const auto write_x = abecs_data_write_field_x;
+    const char* const three = "Unsupported fieldLen: 3 (accepted values are 1, 2, or 4)";
+    refused("", "fieldLen (1) is not enough for data (256)", write_x, 256, 1);
+    refused("", "fieldLen (2) is not enough for data (65536)", write_x, 65536, 2);
+    refused("", three, write_x, 1, 3);
+    refused("abc", three, abecs_data_read_field_x, 3);
+    refused("abc", too_few(4, 3), abecs_data_read_field_x, 4);
+    refused("", "'data' is NULL", abecs_data_write_field_b, nullptr, 1);
+    refused("abc", "Destination array does not have enough size to store all data (requested: 9, available: 4)",
+            abecs_data_read_field_b, raw, 4, 9);
+    refused("abc", too_few(9, 3), abecs_data_read_field_b, nullptr, 0, 9);
 }
 
 TEST(Fields, AFullBufferIsRaisedOnce) {
     const Bytes full("12345678", 8);
-    const support::ReturningRaises raises;
+    const ReturningRaises raises;
     abecs_data_write_field_n(full, 7, 9);
     abecs_data_write_field_a(full, "long text", 12, false);
     abecs_data_write_field_h(full, "ABCD", 20);

@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "abecs/data/packet.h"
+#include "quorvel/abecs/rsp_param_map.h"
+#include "quorvel/abecs/rsp_parser.h"
 #include "tests/abecs/data/bytes.h"
-#include "tests/support/raised.h"
+#include "tests/support/malloc/exhaustion.h"
 
 using namespace std::string_literals;
 using namespace support;
@@ -50,18 +52,16 @@ TEST(Packet, EveryFieldFunctionWorksOnThePacketsBytes) {
     EXPECT_EQ(abecs_packet_read_field_x(packet, 2), 0x4142U);
     EXPECT_EQ(abecs_packet_read_rsp_stat(packet), 40);
     EXPECT_EQ(abecs_packet_available_read(packet), 0U);
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
-                  abecs_packet_read_byte(packet));
+    EXPECT_EQ(raised_by([&] { abecs_packet_read_byte(packet); }), too_full(1, 0));
 }
 
 TEST(Packet, HoldsTwoThousandAndFortyFourBytes) {
     const Packet packet(std::string(2044, 'x'));
     EXPECT_EQ(abecs_packet_available_read(packet), 2044U);
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
-                  abecs_packet_write_byte(packet, 0));
+    EXPECT_EQ(raised_by([&] { abecs_packet_write_byte(packet, 0); }), too_full(1, 0));
     abecs_packet_clear(packet);
     EXPECT_EQ(abecs_packet_available_read(packet), 0U);
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL",
+    EXPECT_RAISES(kArgument, "'packet' is NULL",
                   abecs::read_field_h_bytes(static_cast<AbecsPacket*>(nullptr), nullptr, 0, 2));
 }
 
@@ -84,11 +84,10 @@ TEST(Packet, AParameterIsWrittenAsIdLengthAndData) {
     abecs_param_write_field_b(param, (std::string(308, 'e') + "begin").c_str(), 313);
     abecs_packet_write_param(packet, param);
     EXPECT_EQ(packet.take(), "\x12\x34\x01\x39" + std::string(308, 'e') + "begin") << "across the storage's end";
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'param' is NULL", abecs_packet_write_param(packet, nullptr));
+    EXPECT_RAISES(kArgument, "'param' is NULL", abecs_packet_write_param(packet, nullptr));
     packet.fill(std::string(2036, 'x'));
     param.fill(1, "12345");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 4, requested: 5)",
-                  abecs_packet_write_param(packet, param));
+    EXPECT_EQ(raised_by([&] { abecs_packet_write_param(packet, param); }), too_full(5, 4));
     EXPECT_EQ(param.take(), "12345");
 }
 
@@ -105,12 +104,10 @@ TEST(Packet, ReadsParametersBack) {
     EXPECT_EQ(abecs_packet_read_param(packet, param), param);
     EXPECT_EQ(abecs_param_get_id(param), 0x9363);
     EXPECT_EQ(param.take(), "");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 2, available: 0)",
-                  abecs_packet_read_param(packet, param));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_packet_read_param(packet, nullptr));
+    EXPECT_EQ(raised_by([&] { abecs_packet_read_param(packet, param); }), too_few(2, 0));
+    EXPECT_RAISES(kArgument, "'out' is NULL", abecs_packet_read_param(packet, nullptr));
     packet.fill("abc");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 2, available: 1)",
-                  abecs_packet_read_param(packet, param));
+    EXPECT_EQ(raised_by([&] { abecs_packet_read_param(packet, param); }), too_few(2, 1));
 }
 
 TEST(Packet, AParameterLongerThanThePacketIsMalformed) {
@@ -119,41 +116,37 @@ TEST(Packet, AParameterLongerThanThePacketIsMalformed) {
         "abcd");
     const Param param;
     param.fill(7, "old");
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 10, available: 4)",
+    EXPECT_RAISES(kProtocol, "Malformed parameter (expected data length: 10, available: 4)",
                   abecs_packet_read_param(packet, param));
     EXPECT_EQ(abecs_param_get_id(param), 0x8002);
     EXPECT_EQ(param.take(), "");
     EXPECT_EQ(packet.take(), "abcd") << "id and length were consumed";
     packet.fill("\x80\x02\xFF\xFF" + std::string(2000, 'x'));
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 65535, available: 2000)",
+    EXPECT_RAISES(kProtocol, "Malformed parameter (expected data length: 65535, available: 2000)",
                   abecs_packet_read_param(packet, param));
     packet.fill("\x80\x02\x03\xE8" + std::string(1000, 'x'));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 999, requested: 1000)",
-                  abecs_packet_read_param(packet, param));
+    EXPECT_EQ(raised_by([&] { abecs_packet_read_param(packet, param); }), too_full(1000, 999));
     EXPECT_EQ(abecs_packet_available_read(packet), 1000U);
 }
 
 TEST(Packet, ReadsANotificationsText) {
     char text[33];
-    const Packet packet("000005SALDO");
-    EXPECT_STREQ(abecs_packet_read_notification(packet, text), "SALDO");
-    const std::string longest(32, '\xC7');
-    packet.fill("000032" + longest);
-    EXPECT_EQ(abecs_packet_read_notification(packet, text), longest);
-    packet.fill("000005SALDO!");
+    const auto reads = [&](const std::string& content, const std::string& expected) {
+        EXPECT_EQ(abecs_packet_read_notification(Packet(content), text), expected);
+    };
+    const auto refused = [&](const std::string& content, const Raised& error) {
+        const Packet packet(content);
+        EXPECT_EQ(raised_by([&] { abecs_packet_read_notification(packet, text); }), error);
+    };
+    reads("000005SALDO", "SALDO");
+    reads("000032" + std::string(32, '\xC7'), std::string(32, '\xC7'));
+    const Packet packet("000005SALDO!");
     EXPECT_EQ(abecs_packet_read_notification(packet, nullptr), nullptr);
     EXPECT_EQ(packet.take(), "!");
-    packet.fill("012");
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_TIMEOUT",
-                  abecs_packet_read_notification(packet, text));
-    packet.fill("000033" + std::string(33, 'x'));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "sizeTo (33) is not enough to store field data",
-                  abecs_packet_read_notification(packet, text));
-    packet.fill("0000x2");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid char (0x78) at index 1", abecs_packet_read_notification(packet, text));
-    packet.fill("000002A\r");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1",
-                  abecs_packet_read_notification(packet, text));
+    refused("012", error(kProtocol, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_TIMEOUT"));
+    refused("000033" + std::string(33, 'x'), error(kArgument, "sizeTo (33) is not enough to store field data"));
+    refused("0000x2", error(kIo, "Invalid char (0x78) at index 1"));
+    refused("000002A\r", error(kIo, "Invalid character (0x0D) at position 1"));
 }
 
 TEST(Packet, ASavedStateMakesBytesReadableAgain) {
@@ -163,8 +156,59 @@ TEST(Packet, ASavedStateMakesBytesReadableAgain) {
     abecs_packet_read_field_b(packet, nullptr, 0, 3);
     abecs_packet_set_state(packet, &state);
     EXPECT_EQ(packet.take(), "abcdef");
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_packet_save_state(packet, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'state' is NULL", abecs_packet_set_state(packet, nullptr));
+    EXPECT_RAISES(kArgument, "'out' is NULL", abecs_packet_save_state(packet, nullptr));
+    EXPECT_RAISES(kArgument, "'state' is NULL", abecs_packet_set_state(packet, nullptr));
+}
+
+TEST(Param, EveryFieldFunctionWorksOnTheParametersData) {
+    const Param param;
+    abecs_param_write_byte(param, 0x01);
+    abecs_param_write_field_n(param, 12, 3);
+    abecs_param_write_field_a(param, "a\r", 3, true);
+    abecs_param_write_field_a_cdata(param, "b", 1, 2, false);
+    abecs_param_write_field_s(param, "\xE9\r", 3, true);
+    abecs_param_write_field_s_cdata(param, "s", 1, 2, false);
+    abecs_param_write_field_h(param, "ab", 4);
+    abecs_param_write_field_h_raw(param, kRaw, 2, 4);
+    abecs_param_write_field_x(param, 0x4142, 2);
+    abecs_param_write_field_b(param, "xyz", 3);
+    char text[5];
+    uint8_t raw[2];
+    EXPECT_EQ(abecs_param_available_read(param), 27U);
+    EXPECT_EQ(abecs_param_read_byte(param), 0x01);
+    EXPECT_EQ(abecs_param_read_field_n(param, 3), 12U);
+    EXPECT_STREQ(abecs_param_read_field_a(param, text, sizeof text, 3, true), "a\r");
+    EXPECT_STREQ(abecs_param_read_field_a(param, text, sizeof text, 2, false), "b");
+    EXPECT_STREQ(abecs_param_read_field_s(param, text, sizeof text, 3, true), "\xE9\r");
+    EXPECT_STREQ(abecs_param_read_field_s(param, text, sizeof text, 2, false), "s");
+    EXPECT_STREQ(abecs_param_read_field_h(param, text, sizeof text, 4), "AB");
+    EXPECT_EQ(abecs_param_read_field_h_raw(param, raw, sizeof raw, 4), 2U);
+    EXPECT_EQ(raw[0], 0xC0);
+    EXPECT_EQ(abecs_param_read_field_x(param, 2), 0x4142U);
+    EXPECT_EQ(abecs_param_read_field_b(param, text, sizeof text, 3), 3U);
+    EXPECT_EQ(std::string(text, 3), "xyz");
+}
+
+TEST(Param, ClearingKeepsTheIdAndResettingDoesNot) {
+    const Param param;
+    EXPECT_EQ(abecs_param_get_id(param), 0);
+    param.fill(0xABCD, std::string(999, 'x'));
+    EXPECT_EQ(raised_by([&] { abecs_param_write_byte(param, 0); }), too_full(1, 0));
+    abecs_param_clear_data(param);
+    EXPECT_EQ(abecs_param_get_id(param), 0xABCD);
+    EXPECT_EQ(abecs_param_available_read(param), 0U);
+    EXPECT_EQ(raised_by([&] { abecs_param_read_byte(param); }), too_full(1, 0));
+    abecs_param_write_byte(param, 1);
+    abecs_param_reset(param);
+    EXPECT_EQ(abecs_param_get_id(param), 0);
+    EXPECT_EQ(abecs_param_available_read(param), 0U);
+}
+
+TEST(Data, MakingAnObjectLeavesNothingBehindWhenItFails) {
+    EXPECT_EQ(allocations_of(make<abecs_packet_new, abecs_packet_delete>), 3U);
+    EXPECT_EQ(allocations_of(make<abecs_param_new, abecs_param_delete>), 3U);
+    EXPECT_EQ(allocations_of(make<abecs_rsp_parser_new, abecs_rsp_parser_delete>), 1U);
+    EXPECT_EQ(allocations_of(make<abecs_rsp_param_map_new, kor_map_delete>), 2U);
 }
 
 }  // namespace

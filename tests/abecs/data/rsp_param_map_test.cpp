@@ -9,9 +9,11 @@
 #include <string_view>
 
 #include "quorvel/kor/heap.h"
-#include "tests/support/raised.h"
+#include "tests/support/malloc/exhaustion.h"
 
 namespace {
+
+using namespace support;
 
 // What is not freed here is found by the leak check, what is freed twice by the address check.
 AbecsRspParamValue heap_value(std::string_view text) {
@@ -82,8 +84,8 @@ TEST_F(RspParamMap, ARefusedValueStaysTheCallers) {
     const AbecsRspParamValue noSize{0, value.data, false};
     const AbecsRspParamValue noData{4, nullptr, false};
     const char* mismatch = "invalid 'data' x 'szData'";
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, mismatch, abecs_rsp_param_map_put(map_, 1, &noSize, true));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, mismatch, abecs_rsp_param_map_put(map_, 1, &noData, true));
+    EXPECT_RAISES(kArgument, mismatch, abecs_rsp_param_map_put(map_, 1, &noSize, true));
+    EXPECT_RAISES(kArgument, mismatch, abecs_rsp_param_map_put(map_, 1, &noData, true));
     EXPECT_EQ(kor_map_size(map_), 0U);
     EXPECT_EQ(text_of(value), "mine");
     kor_heap_free(value.data);
@@ -93,8 +95,8 @@ TEST_F(RspParamMap, IterationMeetsEveryEntryOnce) {
     AbecsRspParamMapIt it{nullptr, 77, {}};
     EXPECT_EQ(abecs_rsp_param_map_begin(map_, &it), nullptr);
     EXPECT_EQ(it.id, 77) << "untouched for an empty map";
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_rsp_param_map_begin(map_, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->map' is NULL", abecs_rsp_param_map_next(&it));
+    EXPECT_RAISES(kArgument, "'out' is NULL", abecs_rsp_param_map_begin(map_, nullptr));
+    EXPECT_RAISES(kArgument, "'it->map' is NULL", abecs_rsp_param_map_next(&it));
     std::map<uint16_t, std::string> put;
     for (const uint16_t id : std::initializer_list<uint16_t>{0x8000, 0x8010, 0x8020}) {  // which collide
         put[id] = "value " + std::to_string(id);
@@ -109,7 +111,30 @@ TEST_F(RspParamMap, IterationMeetsEveryEntryOnce) {
     EXPECT_EQ(met, put);
     EXPECT_EQ(abecs_rsp_param_map_next(&it), nullptr) << "the end stays the end";
     kor_map_clear(map_);
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'it->key' not present in 'it->map'", abecs_rsp_param_map_next(&it));
+    EXPECT_RAISES(kArgument, "'it->key' not present in 'it->map'", abecs_rsp_param_map_next(&it));
+}
+
+// Eleven entries are put first, so that the twelfth makes the sixteen buckets grow. Id 1 is there already.
+TEST(RspParamMapExhaustion, AFailedPutLeavesTheBytesToTheCaller) {
+    for (const Raise raise : kBothRaises) {
+        for (const uint16_t id : {uint16_t{1}, uint16_t{99}}) {
+            AbecsRspParamMap* map = abecs_rsp_param_map_new();
+            for (uint16_t each = 0; each < 11; ++each) {
+                const AbecsRspParamValue old = heap_value(std::to_string(each));
+                abecs_rsp_param_map_put(map, each, &old, true);
+            }
+            const AbecsRspParamValue value = heap_value("v");
+            size_t n = 1;
+            for (; fails(n, raise, [&] { abecs_rsp_param_map_put(map, id, &value, true); }); ++n) {
+                EXPECT_EQ(text_of(value), "v");
+                EXPECT_EQ(kor_map_size(map), 11U);
+                EXPECT_EQ(text_of(*abecs_rsp_param_map_get(map, 1)), "1");
+            }
+            EXPECT_EQ(n, id == 1 ? 2U : 5U);
+            EXPECT_EQ(abecs_rsp_param_map_get(map, id)->data, value.data);
+            kor_map_delete(&map);
+        }
+    }
 }
 
 }  // namespace

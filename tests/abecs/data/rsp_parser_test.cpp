@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -50,6 +49,7 @@ protected:
 };
 
 TEST_F(RspParser, ReadsParametersAcrossTheBlocks) {
+    const std::string longest = "\x80\x4E\x03\xE3" + std::string(995, 'x');
     const std::pair<std::string, Read> cases[]{
         {"GIX000", {}},
         {"GIX000000", {}},
@@ -59,20 +59,15 @@ TEST_F(RspParser, ReadsParametersAcrossTheBlocks) {
         {"GIX000010" + kSixBytes + "009" + kOneByte + kNoByte, {{0x8001, "123456"}, {0x8040, "7"}, {0x8022, ""}}},
         {"GIX000010" + kSixBytes + "000", {{0x8001, "123456"}}},
         {"GIX000000005" + kOneByte, {{0x8040, "7"}}},
+        {"GIX000999" + longest + "999" + longest, {{0x804E, std::string(995, 'x')}, {0x804E, std::string(995, 'x')}}},
     };
     for (const auto& [response, params] : cases) {
         SCOPED_TRACE(response);
         set(response);
         EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "GIX");
-        EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), 0);
+        EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(read_all(), params);
     }
-}
-
-TEST_F(RspParser, LongBlocksAreCountedInFull) {
-    const std::string block = "\x80\x4E\x03\xE3" + std::string(995, 'x');
-    set("CEX000999" + block + "999" + block);
-    EXPECT_EQ(read_all(), (Read{{0x804E, std::string(995, 'x')}, {0x804E, std::string(995, 'x')}}));
 }
 
 TEST_F(RspParser, BehindAnotherStatusNothingIsLookedAt) {
@@ -84,46 +79,42 @@ TEST_F(RspParser, BehindAnotherStatusNothingIsLookedAt) {
 }
 
 TEST_F(RspParser, RefusesBadHeads) {
-    const std::tuple<const char*, int16_t, const char*> cases[]{
-        {"GIX00", KOR_RESULT_IO_ERROR, "Invalid packet (not enough data)"},
-        {"G\rX000", KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1"},
-        {"GIX001", KOR_RESULT_PROTOCOL_ERROR, "Unknown value for RSP_STAT: 001"},
-        {"GIX00002", KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 3, available: 2)"},
-        {"GIX0000x2", KOR_RESULT_IO_ERROR, "Invalid char (0x78) at index 1"},
-        {"GIX000005four", KOR_RESULT_IO_ERROR, "Invalid packet (malformed)"},
-        {"GIX000004four0", KOR_RESULT_IO_ERROR, "Buffer does not have enough data (requested: 3, available: 1)"},
-        {"GIX000004four005four", KOR_RESULT_IO_ERROR, "Invalid packet (malformed)"},
-        {"GIX000004four004four!", KOR_RESULT_IO_ERROR, "Invalid packet (unsupported block)"},
-        {"NTM000033123456789012345678901234567890123", KOR_RESULT_PROTOCOL_ERROR, "Malformed notification"},
-        {"NTM000004four004four", KOR_RESULT_PROTOCOL_ERROR, "Malformed notification"},
-        {"NTM010", KOR_RESULT_PROTOCOL_ERROR, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_INVCALL"},
-    };
-    for (const auto& [response, code, detail] : cases) {
-        SCOPED_TRACE(response);
-        const support::ReturningRaises raises;
+    const auto refused = [&](const Raised& error, const char* response) {
+        const ReturningRaises raises;
         set(response);
-        EXPECT_EQ(raises.all(), support::errors(code, {detail}));
-        EXPECT_NE(abecs_rsp_parser_get_stat(parser_), 0) << "must not look like success";
+        EXPECT_EQ(raises.all(), std::vector{error}) << response;
+        EXPECT_NE(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_OK) << "must not look like success";
         EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
-    }
+    };
+    refused(error(kIo, "Invalid packet (not enough data)"), "GIX00");
+    refused(error(kIo, "Invalid character (0x0D) at position 1"), "G\rX000");
+    refused(error(kProtocol, "Unknown value for RSP_STAT: 001"), "GIX001");
+    refused(too_few(3, 2), "GIX00002");
+    refused(error(kIo, "Invalid char (0x78) at index 1"), "GIX0000x2");
+    refused(error(kIo, "Invalid packet (malformed)"), "GIX000005four");
+    refused(too_few(3, 1), "GIX000004four0");
+    refused(error(kIo, "Invalid packet (malformed)"), "GIX000004four005four");
+    refused(error(kIo, "Invalid packet (unsupported block)"), "GIX000004four004four!");
+    refused(error(kProtocol, "Malformed notification"), "NTM000033123456789012345678901234567890123");
+    refused(error(kProtocol, "Malformed notification"), "NTM000004four004four");
+    refused(error(kProtocol, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_INVCALL"), "NTM010");
 }
 
 TEST_F(RspParser, ABlockMustEndWithAParameterThatEndsInIt) {
-    constexpr const char* kBlock1 = "Malformed packet (remaining bytes on BLK1 cannot be used)";
-    constexpr const char* kBlock2 = "Malformed packet (remaining bytes on BLK2 cannot be used)";
-    const std::tuple<std::string, size_t, int16_t, const char*> rows[]{
-        {"GIX000005" + kNoByte + "x", 1, KOR_RESULT_IO_ERROR, kBlock1},
-        {"GIX000003abc", 0, KOR_RESULT_IO_ERROR, kBlock1},
-        {"GIX000004" + kNoByte + "007" + kNoByte + "xyz", 2, KOR_RESULT_IO_ERROR, kBlock2},
-        {"GIX000005\x80\x40\0\x05"s + "x" + "004" + kNoByte, 0, KOR_RESULT_IO_ERROR, kBlock1},
-        {"GIX000005\x80\x40\0\x02"s + "x", 0, KOR_RESULT_PROTOCOL_ERROR,
-         "Malformed parameter (expected data length: 2, available: 1)"},
-    };
-    for (const auto& [response, good, code, detail] : rows) {
-        set(response);
+    // So many parameters can be read before.
+    const auto refused = [&](const Raised& error, size_t good, const std::string& blocks) {
+        set("GIX000" + blocks);
         for (size_t i = 0; i < good; ++i) { EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_); }
-        EXPECT_RAISES(code, detail, abecs_rsp_parser_read_param(parser_, param_));
-    }
+        EXPECT_EQ(raised_by([&] { abecs_rsp_parser_read_param(parser_, param_); }), error);
+    };
+    const Raised block1 = error(kIo, "Malformed packet (remaining bytes on BLK1 cannot be used)");
+    const Raised block2 = error(kIo, "Malformed packet (remaining bytes on BLK2 cannot be used)");
+    const Raised tooLong = error(kProtocol, "Malformed parameter (expected data length: 2, available: 1)");
+    refused(block1, 1, "005" + kNoByte + "x");
+    refused(block1, 0, "003abc");
+    refused(block2, 2, "004" + kNoByte + "007" + kNoByte + "xyz");
+    refused(block1, 0, "005\x80\x40\0\x05"s + "x" + "004" + kNoByte);
+    refused(tooLong, 0, "005\x80\x40\0\x02"s + "x");
 }
 
 TEST_F(RspParser, ReadsANotificationsText) {
@@ -139,20 +130,17 @@ TEST_F(RspParser, ReadsANotificationsText) {
     EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, nullptr), nullptr);
     EXPECT_EQ(packet_.take(), "");
     set("NTM000002A\r");
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "Invalid character (0x0D) at position 1",
-                  abecs_rsp_parser_read_notification(parser_, text));
+    EXPECT_RAISES(kIo, "Invalid character (0x0D) at position 1", abecs_rsp_parser_read_notification(parser_, text));
     set("GKY000");
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_STATE, "Response is not a notification",
-                  abecs_rsp_parser_read_notification(parser_, text));
+    EXPECT_RAISES(kState, "Response is not a notification", abecs_rsp_parser_read_notification(parser_, text));
 }
 
 TEST_F(RspParser, ANewParserIsEmpty) {
     EXPECT_STREQ(abecs_rsp_parser_get_id(parser_), "");
-    EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), 0);
+    EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'responsePacket' is NULL",
-                  abecs_rsp_parser_set_packet(parser_, nullptr));
-    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", abecs_rsp_parser_read_param(parser_, nullptr));
+    EXPECT_RAISES(kArgument, "'responsePacket' is NULL", abecs_rsp_parser_set_packet(parser_, nullptr));
+    EXPECT_RAISES(kArgument, "'out' is NULL", abecs_rsp_parser_read_param(parser_, nullptr));
 }
 
 }  // namespace
