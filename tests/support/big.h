@@ -54,11 +54,7 @@ public:
         return out;
     }
     // The greatest number that divides both.
-    [[nodiscard]] Big common(const Big& other) const {
-        Big out;
-        BN_gcd(out.get(), get(), other.get(), context());
-        return out;
-    }
+    [[nodiscard]] Big common(const Big& other) const { return with_context(BN_gcd, *this, other); }
     [[nodiscard]] Big inverse(const Big& modulus) const {
         Big out;
         BN_mod_inverse(out.get(), get(), modulus.get(), context());
@@ -67,21 +63,13 @@ public:
 
     friend Big operator+(const Big& a, const Big& b) { return of(BN_add, a, b); }
     friend Big operator-(const Big& a, const Big& b) { return of(BN_sub, a, b); }
-    friend Big operator*(const Big& a, const Big& b) {
-        Big out;
-        BN_mul(out.get(), a.get(), b.get(), context());
-        return out;
-    }
+    friend Big operator*(const Big& a, const Big& b) { return with_context(BN_mul, a, b); }
     friend Big operator/(const Big& a, const Big& b) {
         Big out;
         BN_div(out.get(), nullptr, a.get(), b.get(), context());
         return out;
     }
-    friend Big operator%(const Big& a, const Big& b) {
-        Big out;
-        BN_mod(out.get(), a.get(), b.get(), context());
-        return out;
-    }
+    friend Big operator%(const Big& a, const Big& b) { return with_context(BN_nnmod, a, b); }
     friend bool operator==(const Big& a, const Big& b) { return BN_cmp(a.get(), b.get()) == 0; }
     friend bool operator<(const Big& a, const Big& b) { return BN_cmp(a.get(), b.get()) < 0; }
 
@@ -89,6 +77,12 @@ private:
     static Big of(int (*operation)(BIGNUM*, const BIGNUM*, const BIGNUM*), const Big& a, const Big& b) {
         Big out;
         operation(out.get(), a.get(), b.get());
+        return out;
+    }
+    static Big with_context(int (*operation)(BIGNUM*, const BIGNUM*, const BIGNUM*, BN_CTX*), const Big& a,
+                            const Big& b) {
+        Big out;
+        operation(out.get(), a.get(), b.get(), context());
         return out;
     }
     static BN_CTX* context() {

@@ -118,12 +118,6 @@ Peer& Peer::any_request(Where where) {
 
 Peer& Peer::response(std::string_view payload, Where where) { return send(frame(payload), where); }
 
-Peer& Peer::encrypted_request(std::string_view payload, Where where) {
-    return expect(encrypted_frame(payload), where).send("\x06", where);
-}
-
-Peer& Peer::encrypted_response(std::string_view payload, Where where) { return send(encrypted_frame(payload), where); }
-
 Peer& Peer::accept_can(Where where) { return expect("\x18", where).send("\x04", where); }
 
 void Peer::settle() {

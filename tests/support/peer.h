@@ -68,8 +68,6 @@ public:
     // Whatever the command is.
     Peer& any_request(Where where = {});
     Peer& response(std::string_view payload, Where where = {});
-    Peer& encrypted_request(std::string_view payload, Where where = {});
-    Peer& encrypted_response(std::string_view payload, Where where = {});
     // The host aborts and hears that it is done; this is also how opening a link ends.
     Peer& accept_can(Where where = {});
 

@@ -52,7 +52,7 @@ TEST_F(CexAnswer, IsKeptAsTexts) {
     polls(
         "CEX010" + kOpt,
         "CEX000077" + "8040 0002"_hex + "90" + "8041 0020"_hex + track1 + "8042 001B"_hex + track2 + "8043 0000"_hex,
-        ABECS_RSP_STAT_ST_OK, [](auto* link) { abecs_cmd_cex(link, "111111", nullptr, nullptr); },
+        kOk, [](auto* link) { abecs_cmd_cex(link, "111111", nullptr, nullptr); },
         [&](auto* link) { return abecs_cmd_cex_response(link, map_.get(), nullptr); });
     EXPECT_EQ(map_.items(), (Items{{0x8040, "90"}, {0x8041, track1}, {0x8042, track2}, {0x8043, ""}}));
     EXPECT_EQ(abecs_cmd_cex_response_get_event(map_.get()), ABECS_PP_EVENT_MAGNETIC_CARD);
@@ -104,7 +104,7 @@ const std::string kDes3 = "59C9F6AB867EBDA5DD=" + std::string(85, '7');
 
 class Cke : public testing::Test {
 protected:
-    AbecsCmdCkeOut answered(const std::string& data, const Outcome& expected = ABECS_RSP_STAT_ST_OK) {
+    AbecsCmdCkeOut answered(const std::string& data, const Outcome& expected = kOk) {
         AbecsCmdCkeOut out{};
         polls(
             "CKE003100", "CKE000" + data, expected,
@@ -226,7 +226,7 @@ TEST_F(Cke, RefusesMalformedEvents) {
     protect(kTdes, false, true);
     answered("225144" + padded(kTdes1, 76) + "40" + kTdes2 + "104" + std::string(101, 'z'), too_few(104, 101));
     protect(unknown, true, true);
-    answered("225144" + padded(kTdes1, 76) + "40" + kTdes2 + kTdes3, error(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"));
+    answered("225144" + padded(kTdes1, 76) + "40" + kTdes2 + kTdes3, error(kRuntime, "Unhandled case"));
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ TEST(Chp, ChecksItsArgumentsInTheirOrder) {
 }
 
 TEST(Chp, ReadsWhatTheCardAnswers) {
-    const auto reads = [](const Text& response, const char* card, const Outcome& expected = ABECS_RSP_STAT_ST_OK) {
+    const auto reads = [](const Text& response, const char* card, const Outcome& expected = kOk) {
         const AbecsCmdChpParam off = param(1, 0, "", 0, "");
         char out[515] = "old";
         polls(
@@ -142,8 +142,7 @@ TEST(Gpn, ChecksTheDataInOrder) {
 }
 
 TEST(Gpn, ReadsPinBlockAndKeySerialNumber) {
-    const auto reads = [](const Text& response, const char* pinBlk, const char* ksn,
-                          const Outcome& expected = ABECS_RSP_STAT_ST_OK) {
+    const auto reads = [](const Text& response, const char* pinBlk, const char* ksn, const Outcome& expected = kOk) {
         AbecsCmdGpnRspData out{};
         polls(
             {kRequest, response.where}, "GPN000" + response.text, expected,

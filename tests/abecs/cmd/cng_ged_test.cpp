@@ -29,11 +29,11 @@ TEST(Ged, ReadsTheValuesOfTags) {
     const Raised missing = error(kProtocol, "Missing required parameter in response: PP_EMVDATA");
     // The data, or the error.
     const auto reads = [](size_t count, const Text& request, const std::string& response, const std::string& data,
-                          const Outcome& expected = ABECS_RSP_STAT_ST_OK) {
+                          const Outcome& expected = kOk) {
         const AbecsTagList tags{{0x82}, count};
         AbecsEmvData out{{}, 99};
         exchanges(request, "GED000" + response, expected, abecs_cmd_ged, &tags, &out);
-        const bool good = expected == ABECS_RSP_STAT_ST_OK;
+        const bool good = expected == kOk;
         EXPECT_EQ(out.szData, good ? data.size() : 99U);
         if (good) { EXPECT_EQ(std::string(out.data, out.data + out.szData), data); }
     };

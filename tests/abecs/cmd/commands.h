@@ -24,7 +24,7 @@
 //     exchanges("TLI01299V1        ", "TLI020", ABECS_RSP_STAT_ST_TABVERDIF, abecs_cmd_tli, 99, "V1");
 //     refuses("'tabVer' is NULL", abecs_cmd_tli, 99, nullptr);
 //     sends("CKE003100", abecs_cmd_cke, true, false, icc, ctls);
-//     polls("GKY", "GKY000", ABECS_RSP_STAT_ST_OK, abecs_cmd_gky, [](auto* link) { ... });
+//     polls("GKY", "GKY000", kOk, abecs_cmd_gky, [](auto* link) { ... });
 namespace support {
 
 inline namespace literals {
@@ -49,6 +49,11 @@ inline std::string padded(std::string text, size_t width) {
     text.resize(width, ' ');
     return text;
 }
+
+// A status, and codes, as tables write them.
+constexpr int32_t kOk = ABECS_RSP_STAT_ST_OK;
+constexpr int16_t kIndex = KOR_RESULT_INDEX_OUT_OF_BOUNDS;
+constexpr int16_t kRuntime = KOR_RESULT_RUNTIME_ERROR;
 
 // A field of a row, and the line where the row stands.
 struct Text {
@@ -78,13 +83,13 @@ struct Outcome {
         return out << "status " << outcome.status << ", " << outcome.raised;
     }
 
-    int32_t status = ABECS_RSP_STAT_ST_OK;
+    int32_t status = kOk;
     Raised raised;
 };
 
 template <typename Call>
 Outcome outcome_of(Call&& call) {
-    int32_t status = ABECS_RSP_STAT_ST_OK;
+    int32_t status = kOk;
     const Raised raised = raised_by([&] { status = call(); });
     return raised == Raised{} ? Outcome(status) : Outcome(raised);
 }

@@ -11,8 +11,7 @@ const std::string kName = "001E 0008"_hex;
 
 TEST(Mli, AnnouncesNameSizeCrcAndType) {
     const auto announces = [](const char* name, uint32_t size, uint16_t crc, uint8_t type, const Text& sent) {
-        exchanges({"MLI026" + kName + sent.text, sent.where}, "MLI000", ABECS_RSP_STAT_ST_OK, abecs_cmd_mli, name, size,
-                  crc, type);
+        exchanges({"MLI026" + kName + sent.text, sent.where}, "MLI000", kOk, abecs_cmd_mli, name, size, crc, type);
     };
     announces("aZ09_-.~", 0xFFFFFFFF, 0xFFFF, 255, "AZ09_-.~" + "001F 000A FFFFFFFF FFFF FF 000000"_hex);
     announces("X", 0x01020304, 0x1617, 0, "X       " + "001F 000A 01020304 1617 00 000000"_hex);
@@ -30,7 +29,7 @@ TEST(Mlr, SendsOneBlock) {
     std::string block(995, 'd');
     block[0] = 0x17;
     const auto* data = reinterpret_cast<const uint8_t*>(block.data());
-    exchanges("MLR005" + "000F 0001 17"_hex, "MLR000", ABECS_RSP_STAT_ST_OK, abecs_cmd_mlr, data, 1);
+    exchanges("MLR005" + "000F 0001 17"_hex, "MLR000", kOk, abecs_cmd_mlr, data, 1);
     exchanges("MLR999" + "000F 03E3"_hex + block, "MLR102", ABECS_RSP_STAT_ST_MFERR, abecs_cmd_mlr, data, 995);
     refuses("'data' is NULL", abecs_cmd_mlr, nullptr, 996);
     refuses("'szData' is too big (max: 995, req: 996)", abecs_cmd_mlr, data, 996);
@@ -68,10 +67,10 @@ TEST_F(Lmf, ReplacesTheListByTheNames) {
     };
     const std::string a = "805E 0008"_hex + "A       ";
     const std::string b = "805E 0008"_hex + "B1234567";
-    reads("036" + b + a + b, ABECS_RSP_STAT_ST_OK, {"B1234567", "A", "B1234567"});
-    reads("012" + b + "026" + a + "805E 000A"_hex + "C1234567xx", ABECS_RSP_STAT_ST_OK, {"B1234567", "A", "C1234567"});
-    reads("", ABECS_RSP_STAT_ST_OK, {});
-    reads("000", ABECS_RSP_STAT_ST_OK, {});
+    reads("036" + b + a + b, kOk, {"B1234567", "A", "B1234567"});
+    reads("012" + b + "026" + a + "805E 000A"_hex + "C1234567xx", kOk, {"B1234567", "A", "C1234567"});
+    reads("", kOk, {});
+    reads("000", kOk, {});
     reads("024" + a + "001E 0008"_hex + "A       ", error(kProtocol, "Unrecognized RSP_DATID: 30"), {"A"});
     reads("024" + a + "FFFF 0008"_hex + "A       ", error(kProtocol, "Unrecognized RSP_DATID: 65535"), {"A"});
     reads("023" + a + "805E 0007"_hex + "A      ", too_few(8, 7), {"A"});
@@ -91,7 +90,7 @@ TEST_F(Dmf, NamesTheFilesInTheirOrder) {
 TEST_F(Dmf, TwoBlocksHold166Names) {
     const std::string block = "996" + repeated(kName + "LOGO    ", 83);
     fill(Names(166, "logo"));
-    exchanges("DMF" + block + block, "DMF000", ABECS_RSP_STAT_ST_OK, abecs_cmd_dmf, list_);
+    exchanges("DMF" + block + block, "DMF000", kOk, abecs_cmd_dmf, list_);
     kor_string_list_append(list_, "logo");
     refuses(too_full(2, 1), abecs_cmd_dmf, list_);
 }

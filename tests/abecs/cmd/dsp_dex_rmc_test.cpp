@@ -8,15 +8,15 @@ using namespace support;
 
 TEST(Dsp, FillsTheDisplayAsRmcDoes) {
     for (const std::string message : {"HELLO", "", "0123456789ABCDEF0123456789abcdef", " INSIRA O CART\xC3O \xFF~"}) {
-        exchanges("DSP032" + padded(message, 32), "DSP000", ABECS_RSP_STAT_ST_OK, abecs_cmd_dsp, message.c_str());
+        exchanges("DSP032" + padded(message, 32), "DSP000", kOk, abecs_cmd_dsp, message.c_str());
         sends("RMC032" + padded(message, 32), abecs_cmd_rmc, message.c_str());
     }
 }
 
 TEST(Dex, SendsTheTextAsLongAsItIs) {
     const std::string longest = "LINE 1\rLINE 2\rLINE 3" + std::string(140, 'x');
-    exchanges("DEX004001A", "DEX000", ABECS_RSP_STAT_ST_OK, abecs_cmd_dex, "A");
-    exchanges("DEX163160" + longest, "DEX000", ABECS_RSP_STAT_ST_OK, abecs_cmd_dex, longest.c_str());
+    exchanges("DEX004001A", "DEX000", kOk, abecs_cmd_dex, "A");
+    exchanges("DEX163160" + longest, "DEX000", kOk, abecs_cmd_dex, longest.c_str());
 }
 
 TEST(Display, RefusesWhatDoesNotFit) {

@@ -113,11 +113,11 @@ TEST_F(Ebx, TakesWhatItsMethodTakes) {
 // Numbers that are no methods get through until something has to be known about them, which is the error then.
 TEST_F(Ebx, RefusesNumbersThatAreNoMethodsWhenItMeetsThem) {
     const auto unhandled = [](int32_t number) {
-        return error(KOR_RESULT_RUNTIME_ERROR, "Unhandled mthdDat: " + std::to_string(number) + "\n");
+        return error(kRuntime, "Unhandled mthdDat: " + std::to_string(number) + "\n");
     };
     for (const int32_t number : {2, 5, 9}) {
         reset(number);
-        refused(error(KOR_RESULT_RUNTIME_ERROR, "Missing case"), abecs_cmd_ebx_builder_wkenc, kKey, 8);
+        refused(error(kRuntime, "Missing case"), abecs_cmd_ebx_builder_wkenc, kKey, 8);
         refused(unhandled(number), abecs_cmd_ebx_builder_ivcbc, kVector);
         expect_incomplete(unhandled(number), 0);
     }
@@ -150,11 +150,11 @@ TEST_F(Ebx, ChecksEveryArgumentInOrder) {
 
 TEST_F(Ebx, CopiesTheAnswerIntoTheMap) {
     const std::string data = "CIPHER\x16\x17";
-    answered("EBX000026" + "804E 0008"_hex + data + "804C 000A FF0041"_hex + "SERIAL0", ABECS_RSP_STAT_ST_OK,
+    answered("EBX000026" + "804E 0008"_hex + data + "804C 000A FF0041"_hex + "SERIAL0", kOk,
              {{0x804E, data}, {0x804C, "FF0041"_hex + "SERIAL0"}});
     EXPECT_EQ(abecs_cmd_ebx_response_get_dataout(map_.get()), data);
     EXPECT_STREQ(abecs_cmd_ebx_response_get_ksn(map_.get()), "\xFF");
-    answered("EBX000004" + "804E 0000"_hex, ABECS_RSP_STAT_ST_OK, {{0x804E, ""}});
+    answered("EBX000004" + "804E 0000"_hex, kOk, {{0x804E, ""}});
     EXPECT_STREQ(abecs_cmd_ebx_response_get_dataout(map_.get()), "");
     EXPECT_EQ(abecs_cmd_ebx_response_get_ksn(map_.get()), nullptr);
     answered("GTK000", error(kProtocol, "(EBX) Invalid RSP_ID: GTK)"), {});
@@ -188,7 +188,7 @@ protected:
 
 TEST_F(Gtk, SendsWhatWasSetInTheOrderOfTheCalls) {
     expect_sent("GTK");
-    exchanges("GTK", "GTK000008" + "8045 0004 41110000"_hex, ABECS_RSP_STAT_ST_OK, abecs_cmd_gtk, builder_, map_.get());
+    exchanges("GTK", "GTK000008" + "8045 0004 41110000"_hex, kOk, abecs_cmd_gtk, builder_, map_.get());
     EXPECT_EQ(map_.items(), (Items{{0x8045, "41110000"_hex}}));
     set(abecs_cmd_gtk_builder_tracks, "1110");
     expect_sent("GTK008" + "0007 0004"_hex + "1110");

@@ -38,10 +38,10 @@ TEST_F(Frame, PollsParameters) {
     EXPECT_EQ(outcome_of(poll), error(kState, "ABC was not sent yet"));
     EXPECT_EQ(map.items().size(), 1U) << "what was not sent leaves the map alone";
     link_.peer.request("ABC").response("NTM000002HI").response("ABC000006" + "804D 0002"_hex + "07");
-    EXPECT_EQ(abecs::send(link_.comm, kAbc, Request::bare()), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(abecs::send(link_.comm, kAbc, Request::bare()), kOk);
     EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_NOTIFICATION);
     EXPECT_TRUE(map.items().empty());
-    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(poll(), kOk);
     ASSERT_EQ(map.items(), (ParamMap::Items{{0x804D, "07"}}));
     EXPECT_EQ(abecs_rsp_param_map_get(map.get(), 0x804D)->data[2], '\0') << "a zero stands behind the value";
 }
@@ -55,7 +55,7 @@ TEST_F(Frame, ABuilderCanBeSentAgain) {
     const std::string sent = "ABC005" + "0006 0001 41"_hex;
     for (const bool fails : {false, true, false}) {
         link_.peer.expect(support::frame(sent)).send(fails ? "04"_hex : "06"_hex + support::frame("ABC000"));
-        EXPECT_EQ(called(Request::built(builder)), fails ? unknown_ : Outcome(ABECS_RSP_STAT_ST_OK));
+        EXPECT_EQ(called(Request::built(builder)), fails ? unknown_ : Outcome(kOk));
     }
     abecs_param_delete(&param);
     abecs_cmd_builder_delete(&builder);

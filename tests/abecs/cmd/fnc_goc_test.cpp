@@ -49,7 +49,7 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
 // What was read before a fault stays, and no length says more than its text has room for.
 TEST(Fnc, ReadsTheLastDecision) {
     const auto reads = [](const Text& response, const std::string& read, const std::string& emvData,
-                          const std::string& isResults, const Outcome& expected = ABECS_RSP_STAT_ST_OK) {
+                          const std::string& isResults, const Outcome& expected = kOk) {
         const AbecsCmdFncData data{0, "00", 0, "", 0, ""};
         AbecsCmdFncResponse out{77, 78, "old", 79, "old", 80};
         exchanges({"FNC01000|00|000000|003000"_wire, response.where}, "FNC000" + response.text, expected, abecs_cmd_fnc,
@@ -175,7 +175,7 @@ TEST(Goc, RefusesTextsThatAreLongerThanTheirFields) {
 TEST(Goc, ReadsTheDecision) {
     const std::string block = "000102030405060708090A0B0C0D0E0FFFFEFDFCFBFAF9F8F7F6F5F4F3F2F1F0EFEEEDEC"_hex;
     const auto reads = [&](const Text& received, const char* stored, const std::string& rest, size_t length,
-                           const Outcome& expected = ABECS_RSP_STAT_ST_OK) {
+                           const Outcome& expected = kOk) {
         const AbecsCmdGocData data = some_data();
         AbecsCmdGocResponse out{};
         out.emvDataLen = 3;
@@ -191,9 +191,7 @@ TEST(Goc, ReadsTheDecision) {
         EXPECT_EQ(flags, stored);
         EXPECT_EQ(std::string(out.pinBlock, out.pinBlock + 16) + std::string(out.ksn, out.ksn + 20), block);
         EXPECT_EQ(out.emvDataLen, length);
-        if (expected == ABECS_RSP_STAT_ST_OK) {
-            EXPECT_EQ(std::string(out.emvData, out.emvData + length), rest.substr(3, length));
-        }
+        if (expected == kOk) { EXPECT_EQ(std::string(out.emvData, out.emvData + length), rest.substr(3, length)); }
     };
     const Raised tooMany = error(
         kArgument, "Destination array does not have enough size to store all data (requested: 513, available: 512)");

@@ -30,10 +30,10 @@ TEST(Gcd, ReadsTheNumberWhereverItStandsAndHoweverLongItIs) {
         EXPECT_EQ(out[number.size()], expected.raised.code == KOR_RESULT_OK ? '\0' : 'o');
     };
     const std::string digits = "01234567890123456789012345678901";
-    reads("016" + "8050 0000 804D 0004"_hex + "0042" + "804D 0000"_hex, "0042", ABECS_RSP_STAT_ST_OK);
-    reads("004" + "8050 0000"_hex + "036" + "804D 0020"_hex + digits, digits, ABECS_RSP_STAT_ST_OK);
-    reads("004" + "804D 0000"_hex, "", ABECS_RSP_STAT_ST_OK);
-    reads("999" + "804D 03E3"_hex + std::string(995, '7'), std::string(995, '7'), ABECS_RSP_STAT_ST_OK);
+    reads("016" + "8050 0000 804D 0004"_hex + "0042" + "804D 0000"_hex, "0042", kOk);
+    reads("004" + "8050 0000"_hex + "036" + "804D 0020"_hex + digits, digits, kOk);
+    reads("004" + "804D 0000"_hex, "", kOk);
+    reads("999" + "804D 03E3"_hex + std::string(995, '7'), std::string(995, '7'), kOk);
     reads("", "", missing);
     reads("000", "", missing);
     reads("004" + "8050 0000"_hex, "", missing);
@@ -91,9 +91,9 @@ TEST(Mnu, ReadsTheChoice) {
             [&](auto* link) { return abecs_cmd_mnu_response(link, &option, nullptr); });
         EXPECT_EQ(option, choice) << data;
     };
-    reads("006" + "804D 0002"_hex + "07", 7, ABECS_RSP_STAT_ST_OK);
-    reads("007" + "804D 0003"_hex + "201", 20, ABECS_RSP_STAT_ST_OK);
-    reads("012" + "804D 0002"_hex + "00" + "8050 0002"_hex + "11", 0, ABECS_RSP_STAT_ST_OK);
+    reads("006" + "804D 0002"_hex + "07", 7, kOk);
+    reads("007" + "804D 0003"_hex + "201", 20, kOk);
+    reads("012" + "804D 0002"_hex + "00" + "8050 0002"_hex + "11", 0, kOk);
     reads("", 99, missing);
     reads("000", 99, missing);
     reads("012" + "8050 0002"_hex + "11" + "804D 0002"_hex + "07", 99, missing);

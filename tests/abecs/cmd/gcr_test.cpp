@@ -28,8 +28,7 @@ std::string answer(const Card& card, bool layout) {
 class Gcr : public testing::Test {
 protected:
     // Members that are not received keep what was in them.
-    AbecsCmdGcrResponse received(const std::string& response, const Outcome& expected = ABECS_RSP_STAT_ST_OK,
-                                 char kept = '\0') {
+    AbecsCmdGcrResponse received(const std::string& response, const Outcome& expected = kOk, char kept = '\0') {
         AbecsCmdGcrResponse out;
         std::memset(&out, kept, sizeof out);
         polls(
@@ -44,13 +43,14 @@ protected:
     }
 
     AbecsCmdGcrResponse read(const Card& card, char kept = '\0') {
-        return received(answer(card, protected_), ABECS_RSP_STAT_ST_OK, kept);
+        return received(answer(card, protected_), kOk, kept);
     }
 
     const AbecsWkPan* key_ = nullptr;
     bool protected_ = false;
 };
 
+using Texts = std::vector<std::string>;
 using Lengths = std::array<uint32_t, 4>;
 Lengths lengths_of(const AbecsCmdGcrResponse& out) { return {out.track1Len, out.track2Len, out.track3Len, out.panLen}; }
 
@@ -119,18 +119,13 @@ TEST_F(Gcr, ReadsACard) {
     const AbecsCmdGcrResponse out = read(Card());
     EXPECT_EQ(out.cardType, ABECS_CMD_GCR_CARD_TYPE_CTLS_EMV);
     EXPECT_EQ(out.statChip, ABECS_CMD_GCR_STATCHIP_ERROR_FALLBACK);
-    EXPECT_EQ(out.appType, 98);
-    EXPECT_EQ(out.acqIdx, 3);
-    EXPECT_STREQ(out.recIdx, "Z1");
-    EXPECT_STREQ(out.track1, "B4111111111111111^CARD/TEST^2512201");
-    EXPECT_STREQ(out.track2, "4111111111111111=2512201");
-    EXPECT_STREQ(out.pan, "4111111111111111");
+    EXPECT_EQ((Texts{out.recIdx, out.track1, out.track2, out.pan, out.appLabel, out.cardholderName}),
+              (Texts{"Z1", "B4111111111111111^CARD/TEST^2512201", "4111111111111111=2512201", "4111111111111111",
+                     "CREDIT", "TEST/CARD"}));
     EXPECT_EQ(lengths_of(out), (Lengths{43, 29, 0, 17})) << "as sent, but for track 3, which has the text's";
-    EXPECT_EQ(out.panSeqNum, 7);
-    EXPECT_STREQ(out.appLabel, "CREDIT");
-    EXPECT_EQ(out.serviceCode, 201);
-    EXPECT_STREQ(out.cardholderName, "TEST/CARD");
-    EXPECT_EQ((std::array{out.expYear, out.expMonth, out.expDay}), (std::array<uint8_t, 3>{30, 12, 31}));
+    EXPECT_EQ((std::array<int, 7>{out.appType, out.acqIdx, out.panSeqNum, out.serviceCode, out.expYear, out.expMonth,
+                                  out.expDay}),
+              (std::array<int, 7>{98, 3, 7, 201, 30, 12, 31}));
     EXPECT_EQ(std::string(out.extData, out.extData + 30), std::string(28, '\x16') + "!" + '\0');
     EXPECT_EQ(out.issuerCountry, 76);
 }
@@ -184,11 +179,9 @@ TEST_F(Gcr, TheLayoutGoesWithAMarkOfItsOwn) {
     card.track2 = "40" + std::string(40, '7');
     card.track3 = "5";
     const AbecsCmdGcrResponse out = read(card);
-    EXPECT_STREQ(out.track1, "B4111111111111111^CARD/TEST^2512201");
-    EXPECT_EQ(out.track2, std::string(40, '7'));
-    EXPECT_STREQ(out.track3, "5");
+    EXPECT_EQ((Texts{out.track1, out.track2, out.track3, out.pan}),
+              (Texts{"B4111111111111111^CARD/TEST^2512201", std::string(40, '7'), "5", "4111111111111111"}));
     EXPECT_EQ(lengths_of(out), (Lengths{43, 40, 1, 17}));
-    EXPECT_STREQ(out.pan, "4111111111111111");
     EXPECT_EQ(out.issuerCountry, 76);
 }
 
@@ -202,10 +195,10 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
         const AbecsCmdGcrResponse out =
             read({"99B" + digits + "^CARD/TEST^2512201", "24" + fifteen + "=2512201123456789", "19" + digits,
                   "01" + digits + "=724"});
-        EXPECT_STREQ(out.track1, "B4111111111111111^CARD/TEST^2512201");
-        EXPECT_STREQ(out.track2, "378282246310005=2512201") << "as many characters as were announced";
-        EXPECT_STREQ(out.track3, "014111111111111111=724");
-        EXPECT_STREQ(out.pan, "4111111111111111");
+        EXPECT_EQ((Texts{out.track1, out.track2, out.track3, out.pan}),
+                  (Texts{"B4111111111111111^CARD/TEST^2512201", "378282246310005=2512201", "014111111111111111=724",
+                         "4111111111111111"}))
+            << "of track 2 as many characters as were announced";
         EXPECT_EQ(lengths_of(out), (Lengths{35, 23, 16, 19})) << "that of track 3 is the card number's";
         EXPECT_TRUE(std::all_of(work, work + 129, [](char c) { return c == '\0'; }));
     };
@@ -218,7 +211,7 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
     const std::string good = answer({"161234567890123456", "00", "00"}, true);
     key_ = &unknown;
     received(good.substr(0, 16) + "\x7F" + good.substr(17), error(kIo, "Invalid character (0x7F) at position 0"));
-    received(good, error(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"));
+    received(good, error(kRuntime, "Unhandled case"));
 }
 
 TEST(GcrEnumerators, AreNamed) {
@@ -234,7 +227,7 @@ TEST(GcrEnumerators, AreNamed) {
         EXPECT_EQ(abecs_cmd_gcr_card_type_to_string(static_cast<AbecsCmdGcrCardType_E>(value)),
                   name(types, "ABECS_CMD_GCR_CARD_TYPE_", value));
     }
-    EXPECT_EQ(handler.all(), std::vector(252U + 253U, error(KOR_RESULT_RUNTIME_ERROR, "Unhandled case")));
+    EXPECT_EQ(handler.all(), std::vector(252U + 253U, error(kRuntime, "Unhandled case")));
 }
 
 }  // namespace

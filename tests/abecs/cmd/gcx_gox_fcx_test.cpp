@@ -115,7 +115,7 @@ TEST_F(Gcx, ARefusedResetLeavesTheBuilder) {
 
 TEST_F(Gcx, CopiesTheAnswerIntoTheMap) {
     polls(
-        "GCX020" + kMoment, "GCX000018" + "804F 0002 3033 8052 0000 8050 0004 00011617"_hex, ABECS_RSP_STAT_ST_OK,
+        "GCX020" + kMoment, "GCX000018" + "804F 0002 3033 8052 0000 8050 0004 00011617"_hex, kOk,
         [&](auto* link) { abecs_cmd_gcx(link, builder_); },
         [&](auto* link) { return abecs_cmd_gcx_response(link, map_.get(), nullptr); });
     EXPECT_EQ(map_.items(), (ParamMap::Items{{0x804F, "03"}, {0x8052, ""}, {0x8050, "00011617"_hex}}));
@@ -170,7 +170,7 @@ TEST_F(Gox, NeedsTheWorkingKeyOfItsMethod) {
     }
     EXPECT_STREQ(abecs::mthd_pin_to_string(ABECS_SPE_MTHD_PIN_MK_WK_DES), "ABECS_SPE_MTHD_PIN_MK_WK_DES");
     EXPECT_STREQ(abecs::mthd_pin_to_string(ABECS_SPE_MTHD_PIN_MK_WK_TDES), "ABECS_SPE_MTHD_PIN_MK_WK_TDES");
-    EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled case", abecs::mthd_pin_to_string(method(4)));
+    EXPECT_RAISES(kRuntime, "Unhandled case", abecs::mthd_pin_to_string(method(4)));
 }
 
 TEST_F(Gox, ChecksEveryArgumentInOrder) {

@@ -16,14 +16,14 @@ TEST(Gdu, ReadsTheSerialNumber) {
         EXPECT_STREQ(out, ksn) << response;
     };
     const std::string ksn = "FFFF9876543210E00001";
-    reads(2, 0, "GDU003200", "020" + ksn, ABECS_RSP_STAT_ST_OK, ksn.c_str());
-    reads(3, 99, "GDU003399", "02030309876543210e03030", ABECS_RSP_STAT_ST_OK, "9876543210e03030");
+    reads(2, 0, "GDU003200", "020" + ksn, kOk, ksn.c_str());
+    reads(3, 99, "GDU003399", "02030309876543210e03030", kOk, "9876543210e03030");
     reads(2, 0, "GDU003200", "", too_few(3, 0), "kept");
     reads(2, 0, "GDU003200", "019" + ksn, error(kProtocol, "Invalid RSP_LEN1 (expected: 20, read: 19)"), "kept");
     reads(2, 0, "GDU003200", "021" + ksn + "0", error(kProtocol, "Invalid RSP_LEN1 (expected: 20, read: 21)"), "kept");
     reads(2, 0, "GDU003200", "020" + ksn.substr(2), too_few(20, 18), "");
     reads(2, 0, "GDU003200", "020FFFF9876543210E0000z", error(kIo, "Invalid data: 0z"), "");
-    const Raised badIndex = error(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid idx: 100 (maximum is 99)");
+    const Raised badIndex = error(kIndex, "Invalid idx: 100 (maximum is 99)");
     char out[21];
     refuses(badIndex, abecs_cmd_gdu, method(1), 100, nullptr);
     refuses("'out' is NULL", abecs_cmd_gdu, method(1), 99, nullptr);
@@ -103,9 +103,9 @@ TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
         exchanges(request, "ENB000" + response, expected, abecs_cmd_enb, &data, out);
         EXPECT_STREQ(out, read) << response;
     };
-    reads(kSimple, kRequest, "01646df6741E1E2B68C", ABECS_RSP_STAT_ST_OK, "46df6741E1E2B68C");
+    reads(kSimple, kRequest, "01646df6741E1E2B68C", kOk, "46df6741E1E2B68C");
     reads({ABECS_CMD_ENB_METHOD_0, 99, "", "0123456789abcdef"}, "ENB051099" + repeated("30", 16) + "0123456789ABCDEF",
-          "99930DF6741E1E2B630", ABECS_RSP_STAT_ST_OK, "DF6741E1E2B630");
+          "99930DF6741E1E2B630", kOk, "DF6741E1E2B630");
     reads(kSimple, kRequest, "", too_few(3, 0), "kept");
     reads(kSimple, kRequest, "01646DF6741E1E2B6", too_few(16, 14), "");
     reads(kSimple, kRequest, "01646DF6741E1E2B6-C", error(kIo, "Invalid data: -C"), "");

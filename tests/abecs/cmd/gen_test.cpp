@@ -110,7 +110,7 @@ TEST(Gen, ReadsAsMuchAsThereIs) {
         exchanges({reader.request, response.where}, "GEN000" + response.text, expected, reader.call);
     };
     const auto reads = [&](const Reader& reader, const Text& response, const std::string& expected) {
-        fails(reader, response, ABECS_RSP_STAT_ST_OK);
+        fails(reader, response, kOk);
         EXPECT_EQ(reader.shown(), expected);
     };
     const auto refused = [&](const Reader& reader, const Text& response, const Raised& error) {
@@ -264,8 +264,8 @@ TEST(Gen0403, IsSentAndReadsTheVerdict) {
     const AbecsCmdGen0403CmdData data{0, "00200080", 'b', 0, 12, "?"};
     AbecsCmdGen0403RspData verdict{};
     polls(
-        "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '), "GEN000|008|005|1|63C2"_wire,
-        ABECS_RSP_STAT_ST_OK, [&](auto* link) { EXPECT_EQ(abecs_cmd_gen_04_03(link, &data), KOR_RESULT_OK); },
+        "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '), "GEN000|008|005|1|63C2"_wire, kOk,
+        [&](auto* link) { EXPECT_EQ(abecs_cmd_gen_04_03(link, &data), KOR_RESULT_OK); },
         [&](auto* link) { return abecs_cmd_gen_04_03_response(link, &verdict, nullptr); });
     EXPECT_EQ(verdict.status, 1);
     EXPECT_STREQ(verdict.sw, "63C2");

@@ -15,9 +15,9 @@ TEST(Gts, ReadsTheVersion) {
                   out);
         EXPECT_STREQ(out, version) << response.text;
     };
-    reads(0, "GTS0000100123456789", ABECS_RSP_STAT_ST_OK, "0123456789");
-    reads(9, "GTS000010 V1       ", ABECS_RSP_STAT_ST_OK, " V1");
-    reads(99, "GTS000010          ", ABECS_RSP_STAT_ST_OK, "");
+    reads(0, "GTS0000100123456789", kOk, "0123456789");
+    reads(9, "GTS000010 V1       ", kOk, " V1");
+    reads(99, "GTS000010          ", kOk, "");
     reads(1, "GTS0110100123456789", ABECS_RSP_STAT_ST_INVPARM, "");
     reads(1, "ERR010", ABECS_RSP_STAT_ST_INVCALL, "");
     reads(1, "GTS000", too_few(3, 0), "stale text");
@@ -25,7 +25,7 @@ TEST(Gts, ReadsTheVersion) {
     reads(1, "GTS00001101234567890", error(kProtocol, "Invalid RSP_LEN1 (expected: 10, read: 11)"), "stale text");
     reads(1, "GTS000010012345678", too_few(10, 9), "");
     reads(1, "GTS0000100123\r56789", error(kIo, "Invalid character (0x0D) at position 4"), "0123\r56789");
-    const Raised badIndex = error(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid acqIdx: 100 (maximum is 99)");
+    const Raised badIndex = error(kIndex, "Invalid acqIdx: 100 (maximum is 99)");
     refuses(badIndex, abecs_cmd_gts, 100, nullptr);
     char out[11] = "kept";
     EXPECT_RAISES(kArgument, "'pinpad' is NULL", abecs_cmd_gts(nullptr, 99, out));
@@ -34,8 +34,8 @@ TEST(Gts, ReadsTheVersion) {
 
 TEST(Tli, AnnouncesIndexAndVersion) {
     exchanges("TLI012000123456789", "TLI020", ABECS_RSP_STAT_ST_TABVERDIF, abecs_cmd_tli, 0, "0123456789");
-    exchanges("TLI01299V~1       ", "TLI000", ABECS_RSP_STAT_ST_OK, abecs_cmd_tli, 99, "V~1");
-    const Raised badIndex = error(KOR_RESULT_INDEX_OUT_OF_BOUNDS, "Invalid 'acqIdx': 100 (maximum is 99)");
+    exchanges("TLI01299V~1       ", "TLI000", kOk, abecs_cmd_tli, 99, "V~1");
+    const Raised badIndex = error(kIndex, "Invalid 'acqIdx': 100 (maximum is 99)");
     refuses(badIndex, abecs_cmd_tli, 100, nullptr);
     refuses("'tabVer' is NULL", abecs_cmd_tli, 99, nullptr);
     refuses("Invalid 'tabVer' length: 11 (max: 10)", abecs_cmd_tli, 99, "0123456789\r");
@@ -51,7 +51,7 @@ std::string records(int count) {
 
 TEST(Tlr, SendsTheBatchAsItStands) {
     const auto sends_batch = [](const std::string& head, const std::string& batch) {
-        exchanges(head + batch, "TLR000", ABECS_RSP_STAT_ST_OK, abecs_cmd_tlr, batch.c_str());
+        exchanges(head + batch, "TLR000", kOk, abecs_cmd_tlr, batch.c_str());
     };
     sends_batch("TLR00200", "");
     sends_batch("TLR01501", "01310199AB\r\x13\x16");

@@ -70,14 +70,14 @@ TEST(Opn, PlainSendsItsIdAlone) {
     Link link;
     link.peer.expect("16 4F504E 17 A8A9"_hex).send("06"_hex).response("OPN000");
     EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, kOldKey.key));
-    EXPECT_EQ(link.call(abecs_cmd_opn)(false), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(link.call(abecs_cmd_opn)(false), kOk);
     EXPECT_TRUE(link.comm->keySet) << "a plain OPN leaves the session as it was";
 }
 
 TEST(Opn, SecureTakesTheKeyOfTheCryptogramWhateverTheStatus) {
     const std::string thirties(16, '0');
-    opens(session("0002"_hex, kSessionKey), ABECS_RSP_STAT_ST_OK, kSessionKey);
-    opens(session("0002"_hex, thirties, true), ABECS_RSP_STAT_ST_OK, thirties);
+    opens(session("0002"_hex, kSessionKey), kOk, kSessionKey);
+    opens(session("0002"_hex, thirties, true), kOk, thirties);
     const Respond failing = [](const std::string& modulus) {
         return session("0002"_hex, kSessionKey)(modulus).replace(3, 3, "046");
     };
@@ -152,7 +152,7 @@ TEST_P(Dwk1, LoadsAFreshKeyEachTime) {
     std::set<std::string> keys;
     for (const bool setOnLink : {true, false}) {
         AbecsWkPan key{};
-        EXPECT_EQ(loads("DWK000", setOnLink, &key), ABECS_RSP_STAT_ST_OK);
+        EXPECT_EQ(loads("DWK000", setOnLink, &key), kOk);
         EXPECT_EQ(key.type, GetParam() == ABECS_MK_TYPE_DES ? ABECS_WK_PAN_TYPE_DES : ABECS_WK_PAN_TYPE_TDES);
         EXPECT_EQ(sent_, bytes_of(key.key));
         expect_link(*link_, true, setOnLink, setOnLink ? key : kOldKey);
@@ -166,7 +166,7 @@ TEST_P(Dwk1, DrawsTheKeyFromTheGeneratorThatAnApplicationMaySeed) {
     const auto drawn = [&](unsigned seed) {
         AbecsWkPan key{};
         std::srand(seed);
-        EXPECT_EQ(loads("DWK000", true, &key), ABECS_RSP_STAT_ST_OK);
+        EXPECT_EQ(loads("DWK000", true, &key), kOk);
         return sent_;
     };
     kor_system_random(0, 1);
@@ -237,9 +237,9 @@ void loads_rsa(const Respond& respond, const Outcome& expected, const std::strin
 TEST(Dwk2, TakesTheKeyOutOfTheBlock) {
     for (const std::string& digits : {kKeyDigits, std::string("0f1e2d3c4b5a69788796a5b4c3d2e1f0"), repeated("30", 16),
                                       "303030" + kKeyDigits.substr(6)}) {
-        loads_rsa(pan_key("T1", digits, 'X'), ABECS_RSP_STAT_ST_OK, digits);
+        loads_rsa(pan_key("T1", digits, 'X'), kOk, digits);
     }
-    loads_rsa(pan_key("T1", kKeyDigits, 'X', true), ABECS_RSP_STAT_ST_OK, kKeyDigits);
+    loads_rsa(pan_key("T1", kKeyDigits, 'X', true), kOk, kKeyDigits);
 }
 
 TEST(Dwk2, RefusesBadBlocksAndLeavesTheLinkAsItWas) {

@@ -174,8 +174,8 @@ TEST_F(Waits, StayBlockedAfterAnAnswerThatIsNone) {
     }
 }
 
-// Which is said before whether anything was sent.
-TEST(Waiting, NeedsSomewhereToPutTheAnswer) {
+// The latter is said before whether anything was sent.
+TEST(Waiting, NeedsABuilderAndSomewhereToPutTheAnswer) {
     refuses("'optOut' is NULL", abecs_cmd_mnu_response, nullptr, nullptr);
     refuses("'out' is NULL", abecs_cmd_cex_response, nullptr, nullptr);
     refuses("'rspDataOut' is NULL", abecs_cmd_gpn_response, nullptr, nullptr);
@@ -187,6 +187,9 @@ TEST(Waiting, NeedsSomewhereToPutTheAnswer) {
     refuses("'out' is NULL", abecs_cmd_gcx_response, nullptr, nullptr);
     refuses("'out' is NULL", abecs_cmd_gox_response, nullptr, nullptr);
     refuses("'out' is NULL", abecs_cmd_fcx_response, nullptr, nullptr);
+    refuses("'builder' is NULL", abecs_cmd_gcx, nullptr);
+    refuses("'builder' is NULL", abecs_cmd_gox, nullptr);
+    refuses("'builder' is NULL", abecs_cmd_fcx, nullptr);
 }
 
 // A time-out takes two seconds: one command for each form of the answer.

@@ -68,10 +68,9 @@ TEST_F(SecureChannel, EnciphersCommandsOfUpTo2027Bytes) {
 }
 
 TEST_F(SecureChannel, OpnTravelsPlainAndClosingEndsTheSession) {
-    link.peer.request("OPN")
-        .encrypted_request(
-            "4D1068AD97E8779FA16448D2AC874E180E28D1EC5B2E1FCFB0CFD97D515D4D6A8A5F29DD8F163C42EB133280197F8098"_hex)
-        .request("GIN00200");
+    const std::string sealed =
+        "4D1068AD97E8779FA16448D2AC874E180E28D1EC5B2E1FCFB0CFD97D515D4D6A8A5F29DD8F163C42EB133280197F8098"_hex;
+    link.peer.request("OPN").expect(encrypted_frame(sealed)).send(kAck).request("GIN00200");
     const Packet open("OPN");
     link.call(abecs_comm_send_packet)(open);
     EXPECT_TRUE(link.comm->keySet);

@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "abecs/data/packet.h"
 #include "quorvel/abecs/rsp_param_map.h"
 #include "quorvel/abecs/rsp_parser.h"
+#include "quorvel/abecs/rsp_stat.h"
 #include "tests/abecs/data/bytes.h"
 #include "tests/support/malloc/exhaustion.h"
 
@@ -19,40 +21,64 @@ namespace {
 
 constexpr uint8_t kRaw[]{0xC0, 0xDE};
 
-TEST(Packet, EveryFieldFunctionWorksOnThePacketsBytes) {
-    const Packet packet;
-    abecs_packet_write_byte(packet, 0x01);
-    abecs_packet_write_field_n(packet, 12, 3);
-    abecs_packet_write_field_a(packet, "a\r", 3, true);
-    abecs_packet_write_field_a_cdata(packet, "b", 1, 2, false);
-    abecs_packet_write_field_s(packet, "\xE9\r", 3, true);
-    abecs_packet_write_field_s_cdata(packet, "s", 1, 2, false);
-    abecs_packet_write_field_h(packet, "ab", 4);
-    abecs_packet_write_field_h_cdata(packet, "cdef", 2, 4);
-    abecs_packet_write_field_h_raw(packet, kRaw, 2, 4);
-    abecs_packet_write_field_x(packet, 0x4142, 2);
-    abecs_packet_write_field_b(packet, "040", 3);
-    const std::string written = packet.take();
-    EXPECT_EQ(written,
-              "\x01"
-              "012a\r b \xE9\r s 30AB30CDC0DEAB040");
-    packet.fill(written);
+// Those that packets and parameters have alike.
+#define FIELD_FUNCTIONS(kind)                                                                                     \
+    std::make_tuple(abecs_##kind##_write_byte, abecs_##kind##_write_field_n, abecs_##kind##_write_field_a,        \
+                    abecs_##kind##_write_field_a_cdata, abecs_##kind##_write_field_s,                             \
+                    abecs_##kind##_write_field_s_cdata, abecs_##kind##_write_field_h,                             \
+                    abecs_##kind##_write_field_h_raw, abecs_##kind##_write_field_x, abecs_##kind##_write_field_b, \
+                    abecs_##kind##_read_byte, abecs_##kind##_read_field_n, abecs_##kind##_read_field_a,           \
+                    abecs_##kind##_read_field_s, abecs_##kind##_read_field_h, abecs_##kind##_read_field_h_raw,    \
+                    abecs_##kind##_read_field_x, abecs_##kind##_read_field_b, abecs_##kind##_available_read)
+
+// Each function works on the object's bytes, with its arguments in their places.
+template <typename Object, typename Functions>
+void expect_field_functions(const Object& object, const Functions& functions) {
+    const auto& [write_byte, write_n, write_a, write_a_cdata, write_s, write_s_cdata, write_h, write_h_raw, write_x,
+                 write_b, read_byte, read_n, read_a, read_s, read_h, read_h_raw, read_x, read_b, available] = functions;
+    const std::string written =
+        "\x01"
+        "012a\r b \xE9\r s 30ABC0DEAB040";
+    for (const bool taken : {true, false}) {
+        write_byte(object, 0x01);
+        write_n(object, 12, 3);
+        write_a(object, "a\r", 3, true);
+        write_a_cdata(object, "b", 1, 2, false);
+        write_s(object, "\xE9\r", 3, true);
+        write_s_cdata(object, "s", 1, 2, false);
+        write_h(object, "ab", 4);
+        write_h_raw(object, kRaw, 2, 4);
+        write_x(object, 0x4142, 2);
+        write_b(object, "040", 3);
+        EXPECT_EQ(available(object), written.size());
+        if (taken) { EXPECT_EQ(object.take(), written); }
+    }
     char text[5];
     uint8_t raw[2];
-    EXPECT_EQ(abecs_packet_read_byte(packet), 0x01);
-    EXPECT_EQ(abecs_packet_read_field_n(packet, 3), 12U);
-    EXPECT_STREQ(abecs_packet_read_field_a(packet, text, sizeof text, 3, true), "a\r");
-    EXPECT_EQ(abecs_packet_read_field_b(packet, text, sizeof text, 2), 2U);
-    EXPECT_STREQ(abecs_packet_read_field_s(packet, text, sizeof text, 3, true), "\xE9\r");
-    EXPECT_EQ(abecs_packet_read_field_b(packet, nullptr, 0, 2), 2U);
-    EXPECT_STREQ(abecs_packet_read_field_h(packet, text, sizeof text, 4), "AB");
-    EXPECT_EQ(abecs_packet_read_field_h_raw(packet, raw, sizeof raw, 4), 1U);
-    EXPECT_EQ(raw[0], 0xCD);
-    EXPECT_EQ(abecs_packet_read_field_h_raw(packet, raw, sizeof raw, 4), 2U);
-    EXPECT_EQ(abecs_packet_read_field_x(packet, 2), 0x4142U);
-    EXPECT_EQ(abecs_packet_read_rsp_stat(packet), 40);
-    EXPECT_EQ(abecs_packet_available_read(packet), 0U);
-    EXPECT_EQ(raised_by([&] { abecs_packet_read_byte(packet); }), too_full(1, 0));
+    EXPECT_EQ(read_byte(object), 0x01);
+    EXPECT_EQ(read_n(object, 3), 12U);
+    EXPECT_STREQ(read_a(object, text, sizeof text, 3, true), "a\r");
+    EXPECT_STREQ(read_a(object, text, sizeof text, 2, false), "b");
+    EXPECT_STREQ(read_s(object, text, sizeof text, 3, true), "\xE9\r");
+    EXPECT_EQ(read_b(object, nullptr, 0, 2), 2U);
+    EXPECT_STREQ(read_h(object, text, sizeof text, 4), "AB");
+    EXPECT_EQ(read_h_raw(object, raw, sizeof raw, 4), 2U);
+    EXPECT_EQ(raw[0], 0xC0);
+    EXPECT_EQ(read_x(object, 2), 0x4142U);
+    EXPECT_EQ(read_b(object, text, sizeof text, 3), 3U);
+    EXPECT_EQ(std::string(text, 3), "040");
+    EXPECT_EQ(raised_by([&, read = read_byte] { read(object); }), too_full(1, 0));
+}
+
+TEST(FieldFunctions, OfPacketsAndParametersWorkOnTheirBytes) {
+    expect_field_functions(Packet(), FIELD_FUNCTIONS(packet));
+    expect_field_functions(Param(), FIELD_FUNCTIONS(param));
+    const Packet packet;
+    abecs_packet_write_field_h_cdata(packet, "cdef", 2, 4);
+    abecs_packet_write_field_b(packet, "040", 3);
+    char digits[5];
+    EXPECT_STREQ(abecs_packet_read_field_h(packet, digits, sizeof digits, 4), "CD");
+    EXPECT_EQ(abecs_packet_read_rsp_stat(packet), ABECS_RSP_STAT_ST_INTERR);
 }
 
 TEST(Packet, HoldsTwoThousandAndFortyFourBytes) {
@@ -160,35 +186,6 @@ TEST(Packet, ASavedStateMakesBytesReadableAgain) {
     EXPECT_RAISES(kArgument, "'state' is NULL", abecs_packet_set_state(packet, nullptr));
 }
 
-TEST(Param, EveryFieldFunctionWorksOnTheParametersData) {
-    const Param param;
-    abecs_param_write_byte(param, 0x01);
-    abecs_param_write_field_n(param, 12, 3);
-    abecs_param_write_field_a(param, "a\r", 3, true);
-    abecs_param_write_field_a_cdata(param, "b", 1, 2, false);
-    abecs_param_write_field_s(param, "\xE9\r", 3, true);
-    abecs_param_write_field_s_cdata(param, "s", 1, 2, false);
-    abecs_param_write_field_h(param, "ab", 4);
-    abecs_param_write_field_h_raw(param, kRaw, 2, 4);
-    abecs_param_write_field_x(param, 0x4142, 2);
-    abecs_param_write_field_b(param, "xyz", 3);
-    char text[5];
-    uint8_t raw[2];
-    EXPECT_EQ(abecs_param_available_read(param), 27U);
-    EXPECT_EQ(abecs_param_read_byte(param), 0x01);
-    EXPECT_EQ(abecs_param_read_field_n(param, 3), 12U);
-    EXPECT_STREQ(abecs_param_read_field_a(param, text, sizeof text, 3, true), "a\r");
-    EXPECT_STREQ(abecs_param_read_field_a(param, text, sizeof text, 2, false), "b");
-    EXPECT_STREQ(abecs_param_read_field_s(param, text, sizeof text, 3, true), "\xE9\r");
-    EXPECT_STREQ(abecs_param_read_field_s(param, text, sizeof text, 2, false), "s");
-    EXPECT_STREQ(abecs_param_read_field_h(param, text, sizeof text, 4), "AB");
-    EXPECT_EQ(abecs_param_read_field_h_raw(param, raw, sizeof raw, 4), 2U);
-    EXPECT_EQ(raw[0], 0xC0);
-    EXPECT_EQ(abecs_param_read_field_x(param, 2), 0x4142U);
-    EXPECT_EQ(abecs_param_read_field_b(param, text, sizeof text, 3), 3U);
-    EXPECT_EQ(std::string(text, 3), "xyz");
-}
-
 TEST(Param, ClearingKeepsTheIdAndResettingDoesNot) {
     const Param param;
     EXPECT_EQ(abecs_param_get_id(param), 0);
@@ -197,7 +194,6 @@ TEST(Param, ClearingKeepsTheIdAndResettingDoesNot) {
     abecs_param_clear_data(param);
     EXPECT_EQ(abecs_param_get_id(param), 0xABCD);
     EXPECT_EQ(abecs_param_available_read(param), 0U);
-    EXPECT_EQ(raised_by([&] { abecs_param_read_byte(param); }), too_full(1, 0));
     abecs_param_write_byte(param, 1);
     abecs_param_reset(param);
     EXPECT_EQ(abecs_param_get_id(param), 0);
