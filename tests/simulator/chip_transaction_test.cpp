@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <gtest/gtest.h>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "tests/simulator/card_fixture.h"
-
-using namespace support::literals;
+#include "tests/simulator/fixture.h"
 
 // PIN blocks are of the openssl program, under the working key 11223344556677889900AABBCCDDEEFF or by DUKPT.
 namespace quorvel::sim {
@@ -42,9 +36,9 @@ std::string went(const std::string& flags, const std::string& results, const std
     return "GOC000055" + flags + pin + "007" + "9505"_hex + results + "000";
 }
 
-class ChipTransactionTest : public CardTest {
+class ChipTransactionTest : public PinPadTest {
 protected:
-    void SetUp() override { play_loaded(); }
+    void SetUp() override { play(loaded_device()); }
 
     // By the request that asks for nothing in particular. What is answered is tested elsewhere.
     void read(const Gestures& gestures) {
@@ -114,8 +108,8 @@ TEST_F(ChipTransactionTest, GocNeedsTheKeyInOneOfItsForms) {
 TEST_F(ChipTransactionTest, FncRunsTheIssuersScripts) {
     read(inserted("visa-chip"));
     pinPad_->when("GOC", Gestures().type("1234"));
-    host_->send(support::frame(goc({})));
-    ASSERT_EQ(host_->receive(27), ack + support::frame("NTM000013ENTER THE PIN"));
+    host_->send(frame(goc({})));
+    ASSERT_EQ(host_->receive(27), ack + frame("NTM000013ENTER THE PIN"));
     ASSERT_EQ(host_->receive(68).substr(0, 10), "\x16GOC000055");
     const std::string good = "71119F18040102030486088418000003112233";
     const std::string unknown = "720786058424000000";

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <gtest/gtest.h>
-#include <string>
-#include <utility>
 
-#include "tests/simulator/card_fixture.h"
+#include "tests/simulator/fixture.h"
 
 namespace quorvel::sim {
 
@@ -13,13 +10,13 @@ namespace {
 const std::string select = "00A4040007A000000004101000";
 const std::string selected = "6F178407A0000000041010A50C500A4D4153544552434152449000";
 
-class ChpTest : public CardTest {
+class ChpTest : public PinPadTest {
 protected:
     void SetUp() override {
         Device device = loaded_device();
         device.modules[3] = Chip::standard();
         device.chip = card("mastercard-chip");
-        play_loaded(device);
+        play(device);
     }
 };
 
@@ -34,25 +31,19 @@ TEST_F(ChpTest, PowersAChipAndSpeaksToIt) {
     refuse("CHP010", Kind::sequence, {{"CHP0130200400B2010C", "CHP: a command to a chip without power"}});
 }
 
-struct Pin {
-    const char* digits;
-    const char* format;
-    const char* response;
-};
-
 TEST_F(ChpTest, HandsThePinToTheChip) {
     const std::string message = field("PIN FOR THE CARD", 32);
     const auto verify = [&](const std::string& format) { return "CHP0460300400200080" + format + message; };
     call("CHP00501000", "CHP0000210093B6500002063CB6800");
     for (const auto& [pin, format, response] : {
-             Pin{"1234", "2", "9000"},
+             std::tuple("1234", "2", "9000"),
              {"1111", "2", "63C2"},
              {"1234", "0", "63C1"},
              {"1234", "2", "9000"},
              {"1234", "1", "63C2"},
              {"1234", "9", "63C1"},
          }) {
-        call_while(Gestures().type(pin), verify(format), std::string("CHP000007002") + response);
+        call_while(Gestures().type(pin), verify(format), "CHP000007002"s + response);
     }
     call_while(Gestures().press(Key::cancel), verify("2"), "CHP013");
     call_while(Gestures().press(digit('1')).remove(), verify("2"), "CHP043");

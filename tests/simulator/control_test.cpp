@@ -1,66 +1,97 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <optional>
+#include <set>
 #include <stdexcept>
-#include <string>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
-#include <unistd.h>
-#include <utility>
-#include <vector>
 
 #include "simulator/control/control_server.h"
-#include "tests/simulator/control_fixture.h"
-
-using namespace support::literals;
+#include "tests/core/temp_dir.h"
+#include "tests/simulator/fixture.h"
 
 namespace quorvel::sim {
 
 namespace {
 
-namespace fs = std::filesystem;
 using nlohmann::json;
 
 const std::string done = R"({"ok":true})";
 
 std::string refused(const std::string& error) { return R"({"error":)" + json(error).dump() + R"(,"ok":false})"; }
 
-class ControlVerbsTest : public ControlTest {
+// A virtual PIN pad with a host and a client of its control socket.
+class ControlTest : public PinPadTest {
 protected:
-    void expect_answers(const std::vector<std::pair<std::string, std::string>>& cases) {
-        for (const auto& [request, due] : cases) EXPECT_EQ(client_->ask(request), due) << request;
+    ControlTest() {
+        play();
+        control_.emplace(*pinPad_);
+        server_.emplace(path_, *control_);
+        client_.emplace(path_);
     }
+
+    void TearDown() override {
+        PinPadTest::TearDown();
+        server_.reset();
+    }
+
+    void expect_answers(const std::vector<std::pair<std::string, std::string>>& cases) {
+        for (const auto& [request, due] : cases) { EXPECT_EQ(client_->ask(request), due) << request; }
+    }
+
+    [[nodiscard]] json told(const std::string& verb) { return json::parse(client_->ask("{\"do\":\"" + verb + "\"}")); }
+
+    TempDir folder_;
+    const std::string path_ = folder_ / "control";
+    std::optional<Control> control_;
+    std::optional<ControlServer> server_;
+    std::optional<ControlClient> client_;
 };
 
-TEST_F(ControlVerbsTest, DoesWhatThePersonDoes) {
-    serve();
-    const auto during = [&](const std::string& request, const std::string& act, const std::string& response) {
-        exchange(support::frame(request), ack);
-        EXPECT_EQ(client_->ask(R"({"do":"await","command":")" + request.substr(0, 3) + "\"}"), done);
-        EXPECT_EQ(client_->ask(act), done);
-        expect(support::frame(response));
-    };
-    const std::string menu = "MNU112" + "0020 0018"_hex + "TEA                     " + "0020 0018"_hex
-                             + "COFFEE                  " + "0020 0018"_hex + "WATER                   "
-                             + "0020 0018"_hex + "MILK                    ";
-    during("GKY", R"({"do":"press","key":"f4"})", "GKY007");
-    during("CKE003100", R"({"do":"press","key":"cancel"})", "CKE000003013");
-    during("CKE003002", R"({"do":"insert","card":"visa-chip"})", "CKE00000221");
-    during("CKE003001", R"({"do":"remove"})", "CKE00000220");
-    during("CKE0040001", R"({"do":"tap","card":"visa-contactless"})", "CKE00000231");
-    during(menu, R"({"do":"choose","option":3})", "MNU000006" + "804D 0002"_hex + "03");
-    during("GCD016" + "000B 0002 0007 000D 0001 02 000E 0001 03"_hex, R"({"do":"type","digits":"042"})",
-           "GCD000007" + "804D 0003"_hex + "042");
+TEST_F(ControlTest, HasExamplesInTheGuideThatHold) {
+    std::ifstream document(QUORVEL_DOCS "/control-socket.md");
+    std::set<std::string> told;
+    std::string request;
+    for (std::string line; std::getline(document, line);) {
+        if (line.starts_with("> ")) { request = line.substr(2); }
+        if (!line.starts_with("< ")) { continue; }
+        const std::string verb = json::parse(request).at("do");
+        // What the host does before an example that would otherwise have nothing to tell of.
+        if (verb == "await" && !told.contains(verb)) { exchange(frame("GKY"), ack); }
+        if (verb == "findings") { exchange(frame("XYZ"), ack + frame("ERR010")); }
+        // Too many to spell.
+        json due =
+            verb == "cards" ? json{{"ok", true}, {"cards", control_->cards().names()}} : json::parse(line.substr(2));
+        if (due.contains("port")) { due["port"] = pinPad_->path(); }
+        EXPECT_EQ(json::parse(client_->ask(request)), due) << request;
+        told.insert(verb);
+    }
+    const auto verbs = Control::verbs();
+    EXPECT_EQ(told, std::set<std::string>(verbs.begin(), verbs.end()));
+    server_.reset();
+    retire();
+}
+
+TEST_F(ControlTest, DoesWhatThePersonDoes) {
+    const std::string option = "0020 0018"_hex + field("TEA", 24);
+    for (const auto& [request, act, response] : {
+             std::tuple("GKY"s, R"("press","key":"f4")", "GKY007"s),
+             {"CKE003002", R"("insert","card":"visa-chip")", "CKE00000221"},
+             {"CKE003001", R"("remove")", "CKE00000220"},
+             {"CKE0040001", R"("tap","card":"visa-contactless")", "CKE00000231"},
+             {"MNU084" + option + option + option, R"("choose","option":3)", "MNU000006" + "804D 0002"_hex + "03"},
+             {"GCD016" + "000B 0002 0007 000D 0001 02 000E 0001 03"_hex, R"("type","digits":"042")",
+              "GCD000007" + "804D 0003"_hex + "042"},
+         }) {
+        exchange(frame(request), ack);
+        expect_answers(
+            {{R"({"do":"await","command":")" + request.substr(0, 3) + "\"}", done}, {R"({"do":)"s + act + "}", done}});
+        expect(frame(response));
+    }
     expect_findings({});
 }
 
-TEST_F(ControlVerbsTest, RefusesWhatIsNoRequest) {
-    serve();
+TEST_F(ControlTest, RefusesWhatIsNoRequest) {
     expect_answers({
         {"{", refused("no JSON")},
         {"\xFF\xFE", refused("no JSON")},
@@ -91,48 +122,40 @@ TEST_F(ControlVerbsTest, RefusesWhatIsNoRequest) {
         {R"({"do":"traffic","last":1001})", refused("\"last\" is not from 1 to 1000")},
     });
     // None of it has left a trace.
-    exchange(support::frame("GKY"), ack);
+    exchange(frame("GKY"), ack);
     exchange(can, eot);
     EXPECT_EQ(pinPad_->faults(), std::vector<Fault>{});
     expect_findings({});
 }
 
-TEST_F(ControlVerbsTest, ShowsTheStateOfTheCommandThatWaits) {
-    serve();
-    const auto state = [&] { return json::parse(client_->ask(R"({"do":"state"})")); };
-    EXPECT_EQ(
-        state(),
-        json({{"ok", true}, {"port", pinPad_->path()}, {"waiting", nullptr}, {"session", "plain"}, {"card", false}}));
+TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
     client_->send("{\"do\":\"await\"}\n");
-    pinPad_->insert(Cards::standard().at("visa-chip"));
-    exchange(support::frame("GKY"), ack);
+    pinPad_->insert(card("visa-chip"));
+    exchange(frame("GKY"), ack);
     EXPECT_EQ(client_->line(), done);
-    EXPECT_EQ(state().at("waiting"), "GKY");
-    EXPECT_EQ(state().at("card"), true);
-    host_->send(support::frame("OPN5230256" + std::string(512, 'F') + "3010001"));
-    host_->receive(1 + 1 + 6 + 3 + 515 + 3);
-    EXPECT_EQ(state().at("waiting"), nullptr);
-    EXPECT_EQ(state().at("session"), "encrypted");
-    EXPECT_EQ(json::parse(client_->ask(R"({"do":"findings"})")).at("findings"),
+    const json state{{"ok", true}, {"port", pinPad_->path()}, {"waiting", "GKY"}, {"session", "plain"}, {"card", true}};
+    EXPECT_EQ(told("state"), state);
+    ask("OPN5230256" + std::string(512, 'F') + "3010001");
+    EXPECT_EQ(told("state").at("waiting"), nullptr);
+    EXPECT_EQ(told("state").at("session"), "encrypted");
+    EXPECT_EQ(told("findings").at("findings"),
               json::parse(R"([{"kind":"sequence","text":"a command came while GKY waited"}])"));
     expect_answers({{R"({"do":"clear-findings"})", done}, {R"({"do":"findings"})", R"({"findings":[],"ok":true})"}});
 }
 
-TEST_F(ControlVerbsTest, NoticesACommandHoweverShortItWaits) {
-    serve();
+TEST_F(ControlTest, NoticesACommandHoweverShortItWaits) {
     expect_answers(
         {{R"({"do":"when","command":"GKY","acts":[{"do":"notify","text":"HELLO"},{"do":"press","key":"f1"}]})", done}});
     ControlClient other(path_);
     client_->send("{\"do\":\"await\",\"command\":\"GKY\"}\n{\"do\":\"screen\"}\n");
     other.send("{\"do\":\"await\",\"command\":\"RMC\",\"ms\":1}\n");
     EXPECT_EQ(other.line(), refused("RMC did not wait in time"));
-    exchange(support::frame("GKY"), ack + support::frame("NTM000005HELLO") + support::frame("GKY004"));
+    exchange(frame("GKY"), ack + frame("NTM000005HELLO") + frame("GKY004"));
     EXPECT_EQ(client_->line(), done);
     EXPECT_EQ(client_->line(), R"({"media":"","menu":[],"ok":true,"selected":0,"text":"","typed":""})");
 }
 
-TEST_F(ControlVerbsTest, ServesSeveralClientsWhateverTheyDo) {
-    serve();
+TEST_F(ControlTest, ServesSeveralClientsWhateverTheyDo) {
     ControlClient silent(path_);
     {
         ControlClient broken(path_);
@@ -158,16 +181,14 @@ TEST_F(ControlVerbsTest, ServesSeveralClientsWhateverTheyDo) {
     EXPECT_EQ(silent.ask(R"({"do":"remove"})"), done);
 }
 
-TEST_F(ControlVerbsTest, DoesWhatAClientAsksThatGoesAtOnce) {
-    serve();
+TEST_F(ControlTest, DoesWhatAClientAsksThatGoesAtOnce) {
     { ControlClient(path_).send(R"({"do":"when","command":"GKY","acts":[{"do":"press","key":"f2"}]})"); }
     // Clients are served in the order of their coming.
     EXPECT_EQ(ControlClient(path_).ask(R"({"do":"remove"})"), done);
     call("GKY", "GKY005");
 }
 
-TEST_F(ControlVerbsTest, InjectsFaults) {
-    serve();
+TEST_F(ControlTest, InjectsFaults) {
     expect_answers({
         {R"({"do":"fault","fault":"wrong-id","command":"OPN"})", done},
         {R"({"do":"fault","fault":"status","status":42,"every":2})", done},
@@ -184,15 +205,10 @@ TEST_F(ControlVerbsTest, InjectsFaults) {
                      R"("words":"OPN 000 OK"}]})"}});
 }
 
-TEST_F(ControlVerbsTest, IsForItsUserAlone) {
-    serve();
+TEST_F(ControlTest, IsForItsUserAloneAndTakesThePlaceOnlyOfASocketThatNobodyServes) {
     struct stat status {};
     ASSERT_EQ(stat(path_.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
-}
-
-TEST_F(ControlVerbsTest, TakesThePlaceOnlyOfASocketThatNobodyServes) {
-    serve();
     const auto fault = [&](const std::string& path) -> std::string {
         try {
             const ControlServer second(path, *control_);
@@ -200,22 +216,19 @@ TEST_F(ControlVerbsTest, TakesThePlaceOnlyOfASocketThatNobodyServes) {
         } catch (const std::runtime_error& error) { return error.what(); }
     };
     EXPECT_EQ(fault(path_), path_ + " is in use");
-    const std::string file = folder_ / "file";
-    std::ofstream(file) << "kept";
+    const std::string file = folder_.file("file", "kept");
     EXPECT_EQ(fault(file), file + " is there and no socket");
-    EXPECT_EQ(fs::file_size(file), 4U);
+    EXPECT_EQ(std::filesystem::file_size(file), 4U);
     const std::string longest(200, 'x');
     EXPECT_EQ(fault(longest), "\"" + longest + "\" is no path for a socket: 1 to 107 bytes");
     const std::string stale = folder_ / "stale";
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    stale.copy(address.sun_path, sizeof address.sun_path - 1);
+    const sockaddr_un address = socket_address(stale);
     const int left = ::socket(AF_UNIX, SOCK_STREAM, 0);
     ASSERT_EQ(bind(left, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     close(left);
     EXPECT_EQ(fault(stale), "");
-    EXPECT_FALSE(fs::exists(stale));
-    EXPECT_EQ(client_->ask(R"({"do":"remove"})"), done);
+    EXPECT_FALSE(std::filesystem::exists(stale));
+    expect_answers({{R"({"do":"remove"})", done}});
 }
 
 }  // namespace

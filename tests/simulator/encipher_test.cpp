@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <gtest/gtest.h>
 #include <set>
-#include <string>
 
-#include "simulator/keys/pin_block.h"
-#include "simulator/watch/trace.h"
-#include "tests/simulator/cipher_fixture.h"
+#include "tests/simulator/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "wire/hex.h"
-
-using namespace support::literals;
 
 // The clear working key is 11223344556677889900AABBCCDDEEFF; what is enciphered was worked out with the openssl
 // program.
@@ -18,7 +12,10 @@ namespace quorvel::sim {
 
 namespace {
 
-class EncipherTest : public CipherTest {};
+const std::string method = "0003 0002"_hex;
+const std::string index = "0009 0002"_hex + "00";
+
+using EncipherTest = PinPadTest;
 
 TEST_F(EncipherTest, EnbNeedsItsKeyAndItsLayout) {
     play();
@@ -34,7 +31,6 @@ TEST_F(EncipherTest, EnbNeedsItsKeyAndItsLayout) {
 TEST_F(EncipherTest, EbxChainsFromZerosAndCountsItsKeyByItself) {
     play();
     const std::string head = "000F 0010 00112233445566778899AABBCCDDEEFF 0003 0002"_hex;
-    const std::string index = "0009 0002"_hex + "00";
     call("EBX044" + head + "01" + index + "000A 0008 B4CC3FD9D8D95214"_hex,
          "EBX000020" + "804E 0010 4F9C3608AC9449664690F05F74FCEECF"_hex);
     call("EBX032" + head + "50" + index,
@@ -51,8 +47,6 @@ TEST_F(EncipherTest, EbxChainsFromZerosAndCountsItsKeyByItself) {
 TEST_F(EncipherTest, EbxTakesExactlyWhatItsMethodNeeds) {
     play();
     const std::string data = "000F 0008 0011223344556677"_hex;
-    const std::string method = "0003 0002"_hex;
-    const std::string index = "0009 0002"_hex + "00";
     const std::string des = "000A 0008 B4CC3FD9D8D95214"_hex;
     const std::string vector = "001D 0008 A1B2C3D4E5F60718"_hex;
     refuse("EBX019", Kind::layout,
@@ -69,6 +63,31 @@ TEST_F(EncipherTest, EbxTakesExactlyWhatItsMethodNeeds) {
             {"EBX024" + data + method + "90" + index, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
             {"EBX017" + "000F 0001 00"_hex + method + "50" + index, "SPE_DATAIN: 1 bytes"},
             {"EBX009" + "0007 0005"_hex + "01110", "EBX: SPE_TRACKS 0x0007 has no place in it"}});
+}
+
+TEST_F(EncipherTest, GtkTakesExactlyWhatItsMethodNeeds) {
+    const std::string tracks = "0007 0004"_hex + "1110";
+    const std::string track2AndPan = "0007 0004"_hex + "0101";
+    const std::string modulus = "0024 0100"_hex + std::string(256, '\xFF');
+    Device device;
+    device.lastCard = Card{.pan = "4111111111111111"};
+    play(device);
+    call("GTK008" + tracks, "GTK000");
+    call("GTK020" + track2AndPan + index + method + "50", "GTK042");
+    expect_findings({});
+    refuse("GTK019", Kind::layout,
+           {{"GTK", "GTK: SPE_TRACKS is missing"},
+            {"GTK008" + track2AndPan, "GTK: SPE_MTHDDAT is missing for the card number"},
+            {"GTK020" + tracks + method + "11" + index, "GTK: SPE_WKENC is missing"},
+            {"GTK274" + tracks + method + "90" + modulus, "GTK: SPE_PBKEXP is missing"}});
+    refuse("GTK011", Kind::layout,
+           {{"GTK008" + "0007 0004"_hex + "1120", "SPE_TRACKS: digits other than 0 and 1"},
+            {"GTK007" + "0007 0003"_hex + "111", "SPE_TRACKS: digits: 4 bytes due, 3 left"},
+            {"GTK013" + tracks + "0008 0001"_hex + "3", "SPE_OPNDIG: an odd number"},
+            {"GTK014" + tracks + index, "GTK: SPE_KEYIDX 0x0009 has no place in it"},
+            {"GTK020" + tracks + index + method + "90", "GTK: SPE_KEYIDX 0x0009 has no place in it"},
+            {"GTK024" + tracks + method + "90" + "0024 0002 FFFF 0025 0000"_hex, "SPE_PBKMOD: 2 bytes"},
+            {"GTK016" + tracks + tracks, "GTK: SPE_TRACKS 0x0007 has no place in it"}});
 }
 
 // Loads 0F1E2D3C4B5A69788796A5B4C3D2E1F0. From then on data come in deciphered under it, until the session ends.

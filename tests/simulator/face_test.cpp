@@ -2,19 +2,12 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/face/face.h"
 
-#include <algorithm>
-#include <csignal>
-#include <fmt/format.h>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "simulator/face/display.h"
-#include "tests/simulator/command_fixture.h"
-#include "tests/simulator/terminal_program.h"
+#include "tests/simulator/fixture.h"
 
 #define NCURSES_NOMACROS
 #include <curses.h>
@@ -23,25 +16,25 @@ namespace quorvel::sim {
 
 namespace {
 
-using namespace std::string_literals;
-
-// A row of the picture as a terminal with ASCII only would have it.
-std::string row(const Canvas& canvas, size_t index) {
+// The picture as a terminal with ASCII only would have it.
+std::string all(const Canvas& canvas) {
     std::string text;
-    for (size_t i = 0; i < canvas.size().columns; ++i) {
-        const char32_t character = canvas.at(index, i).character;
-        text += character < 0x80 ? static_cast<char>(character) : character == U'│' ? '|' : '#';
+    for (size_t i = 0; i < canvas.size().rows; ++i) {
+        for (size_t j = 0; j < canvas.size().columns; ++j) {
+            const char32_t character = canvas.at(i, j).character;
+            text += character < 0x80 ? static_cast<char>(character) : character == U'│' ? '|' : '#';
+        }
+        text += '\n';
     }
     return text;
 }
 
-std::string all(const Canvas& canvas) {
-    std::string text;
-    for (size_t i = 0; i < canvas.size().rows; ++i) text += row(canvas, i) + "\n";
-    return text;
+void expect_parts(const Canvas& canvas, const std::vector<std::string>& parts) {
+    const std::string text = all(canvas);
+    for (const std::string& due : parts) { EXPECT_NE(text.find(due), std::string::npos) << due << "\n" << text; }
 }
 
-TEST(FaceKeysTest, MeansOneThingByEachKey) {
+TEST(FaceKeys, MeanOneThingEachAndStandInTheGuide) {
     const std::vector<std::pair<int, std::optional<Deed>>> cases{
         {'7', digit('7')},
         {'\n', Key::enter},
@@ -57,22 +50,18 @@ TEST(FaceKeysTest, MeansOneThingByEachKey) {
         {'x', std::nullopt},
         {KEY_F(5), std::nullopt},
     };
-    for (const auto& [code, deed] : cases) EXPECT_EQ(deed_of(code), deed) << code;
-    std::set<int> codes;
-    for (const Binding& binding : key_map()) EXPECT_TRUE(codes.insert(binding.code).second) << binding.code;
-}
-
-TEST(FaceKeysTest, StandsInTheGuide) {
+    for (const auto& [code, deed] : cases) { EXPECT_EQ(deed_of(code), deed) << code; }
     std::ifstream file(QUORVEL_DOCS "/virtual-pin-pad.md");
     const std::string guide(std::istreambuf_iterator<char>(file), {});
+    std::set<int> codes;
     for (const Binding& binding : key_map()) {
-        if (binding.caption.empty()) continue;
+        EXPECT_TRUE(codes.insert(binding.code).second) << binding.code;
         const std::string due = fmt::format("{:6}{}", binding.caption, binding.meaning);
-        EXPECT_NE(guide.find(due), std::string::npos) << due;
+        EXPECT_TRUE(binding.caption.empty() || guide.find(due) != std::string::npos) << due;
     }
 }
 
-TEST(FaceDisplayTest, ShowsWhatADisplayOfThatSizeWould) {
+TEST(FaceDisplay, ShowsWhatADisplayOfThatSizeWould) {
     struct Case {
         Screen::Content content;
         std::vector<DisplayLine> due;
@@ -109,43 +98,31 @@ View busy_view() {
     return view;
 }
 
-TEST(FacePictureTest, HasAllOnAUsualTerminal) {
-    const Canvas canvas = paint(busy_view(), {24, 80});
-    const std::string text = all(canvas);
-    for (const char* due :
-         {"/dev/pts/7", "magnetic has no chip", "APROXIME, INSIRA", "GKY wait for a key", "plain session",
-          "reader: inserted-card", "> card-30                s i -", "  card-31                s - -", "Enter ENTER",
-          "i     insert, take out", "> DSP: \"A # Z\"", "! layout: DSP: one byte too many", "Findings: 17"}) {
-        EXPECT_NE(text.find(due), std::string::npos) << due << "\n" << text;
-    }
-}
-
-TEST(FacePictureTest, BreaksTheTraceBetweenWordsWhereItCan) {
+TEST(FacePicture, HasAllOnAUsualTerminalAndBreaksTheTraceBetweenWordsWhereItCan) {
     View view = busy_view();
+    expect_parts(paint(view, {24, 80}), {"/dev/pts/7", "magnetic has no chip", "APROXIME, INSIRA", "GKY wait for a key",
+                                         "plain session", "reader: inserted-card", "> card-30                s i -",
+                                         "  card-31                s - -", "Enter ENTER", "i     insert, take out",
+                                         "> DSP: \"A # Z\"", "! layout: DSP: one byte too many", "Findings: 17"});
     view.trace = {{Feed::Entry::Kind::host, std::string(40, 'a') + " bbbbbb " + std::string(60, 'c')}};
-    const std::string text = all(paint(view, {24, 80}));
-    for (const std::string& due :
-         {"|> "s + std::string(40, 'a') + "    |", "|  bbbbbb " + std::string(37, 'c') + "|"}) {
-        EXPECT_NE(text.find(due), std::string::npos) << due << "\n" << text;
-    }
+    expect_parts(paint(view, {24, 80}),
+                 {"|> " + std::string(40, 'a') + "    |", "|  bbbbbb " + std::string(37, 'c') + "|"});
 }
 
-TEST(FacePictureTest, ComesDownToTheDisplayOnTerminalsOfAnySize) {
+TEST(FacePicture, ComesDownToTheDisplayOnTerminalsOfAnySize) {
     View view = busy_view();
     for (const Size textSize : {Size{4, 16}, Size{8, 21}, Size{99, 99}}) {
         view.textSize = textSize;
         for (size_t rows = 0; rows < 40; rows += rows < 6 ? 1 : 3) {
             for (size_t columns = 0; columns < 120; columns += 7) {
                 const Canvas canvas = paint(view, {rows, columns});
-                if (rows < 3 || columns < 16) continue;
-                const std::string text = all(canvas);
-                ASSERT_NE(text.find("APROXIME, INSIRA"), std::string::npos) << rows << " x " << columns << "\n" << text;
+                if (rows >= 3 && columns >= 16) { expect_parts(canvas, {"APROXIME, INSIRA"}); }
             }
         }
     }
 }
 
-class FaceTest : public CommandTest {
+class FaceTest : public PinPadTest {
 protected:
     FaceTest() {
         PinPad::Options options;
@@ -153,15 +130,8 @@ protected:
         play(std::move(options));
     }
     void TearDown() override {
-        CommandTest::TearDown();
+        PinPadTest::TearDown();
         pinPad_.reset();
-    }
-
-    // The feed tells of every change, so none is missed.
-    [[nodiscard]] std::string await_waiting(const Face& face) const {
-        pollfd changes{feed_.wake_up().get(), POLLIN, 0};
-        while (face.view(1).waiting.empty() && poll(&changes, 1, 20000) == 1) feed_.wake_up().clear();
-        return face.view(1).waiting;
     }
 
     Feed feed_;
@@ -172,29 +142,31 @@ protected:
 
 TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
     Face face(*pinPad_, cards_, feed_);
-    face.perform(Move::insertOrTakeOut);
-    EXPECT_EQ(face.view(9).remark, "a-stripe has no chip");
-    const std::string insertion = support::frame("CKE0040020"), removal = support::frame("CKE0040010");
-    exchange(insertion, ack);
+    const auto expect_remark = [&](Move move, const std::string& due) {
+        face.perform(move);
+        EXPECT_EQ(face.view(9).remark, due);
+    };
+    expect_remark(Move::insertOrTakeOut, "a-stripe has no chip");
+    exchange(frame("CKE0040020"), ack);
     face.perform(Move::previousCard);
-    face.perform(Move::swipe);
-    EXPECT_EQ(face.view(9).remark, "b-chip has no stripe");
-    EXPECT_EQ(await_waiting(face), "CKE wait for an event");
+    expect_remark(Move::swipe, "b-chip has no stripe");
+    // The feed tells of every change, so none is missed.
+    pollfd changes{feed_.wake_up().get(), POLLIN, 0};
+    while (face.view(1).waiting.empty() && poll(&changes, 1, 20000) == 1) { feed_.wake_up().clear(); }
+    EXPECT_EQ(face.view(9).waiting, "CKE wait for an event");
     face.perform(Move::insertOrTakeOut);
-    expect(support::frame("CKE00000221"));
+    expect(frame("CKE00000221"));
     EXPECT_EQ(face.view(9).inserted, "b-chip");
     EXPECT_EQ(face.view(9).waiting, "");
-    exchange(removal, ack);
+    exchange(frame("CKE0040010"), ack);
     face.perform(Move::insertOrTakeOut);
-    expect(support::frame("CKE00000220"));
+    expect(frame("CKE00000220"));
     EXPECT_EQ(face.view(9).inserted, "");
-    exchange(support::frame("CKE0040100"), ack);
-    face.perform(Move::tap);
-    EXPECT_EQ(face.view(9).remark, "b-chip has no antenna");
+    exchange(frame("CKE0040100"), ack);
+    expect_remark(Move::tap, "b-chip has no antenna");
     face.perform(Move::nextCard);
     face.perform(Move::swipe);
-    expect(support::frame("CKE000225100" + std::string(76, ' ') + "214012888888881881=3012" + std::string(16, ' ')
-                          + "000" + std::string(104, ' ')));
+    expect(frame("CKE000225100" + field("", 76) + "21" + field("4012888888881881=3012", 37) + "000" + field("", 104)));
     expect_findings({});
 }
 
@@ -217,60 +189,6 @@ TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {
     EXPECT_EQ(face.view(3).findingCount, 5000U);
     face.perform(Move::newest);
     EXPECT_EQ(newest(), "4999");
-}
-
-struct TerminalCase {
-    const char* term;
-    const char* locale;
-    const char* frame;
-    const char* leaving;
-    int signal;
-};
-
-class FaceProgramTest : public testing::TestWithParam<TerminalCase> {};
-
-TEST_P(FaceProgramTest, LetsAPersonPlayTheCardholderAndLeavesTheTerminalAsItWas) {
-    const TerminalCase& c = GetParam();
-    TerminalProgram program({"--face", "--trace"}, {"TERM="s + c.term, "LC_ALL="s + c.locale});
-    const std::string ready = program.line();
-    ASSERT_EQ(ready.rfind("READY /dev/pts/", 0), 0U) << ready;
-    const std::string path = ready.substr(6);
-    EXPECT_TRUE(program.await(path));
-    EXPECT_FALSE(program.is_as_before());
-    Host host(path);
-    host.send(support::frame("DSP032APROXIME        " + "OU INSIRA       "s));
-    EXPECT_TRUE(program.await("APROXIME")) << program.seen();
-    EXPECT_EQ(host.receive(11), "\x06" + support::frame("DSP000"));
-    host.send(support::frame("GKY"));
-    EXPECT_EQ(host.receive(1), "\x06");
-    // A function key, whose sequence begins like the key that stands for "cancel".
-    program.type("\x1BOR");
-    EXPECT_EQ(host.receive(10), support::frame("GKY006"));
-    EXPECT_TRUE(program.await("GKY 006"));
-    program.resize(12, 40);
-    EXPECT_TRUE(program.await("findings: 0")) << program.seen();
-    program.type(c.leaving);
-    EXPECT_EQ(program.end(c.signal), 0);
-    EXPECT_TRUE(program.is_as_before());
-    EXPECT_NE(program.seen().find(c.frame), std::string::npos);
-    const bool onlyAscii = std::ranges::all_of(program.seen(), [](char byte) { return (byte & 0x80) == 0; });
-    EXPECT_EQ(onlyAscii, c.locale == "C"s);
-}
-
-INSTANTIATE_TEST_SUITE_P(Terminals, FaceProgramTest,
-                         testing::Values(TerminalCase{"xterm-256color", "C.UTF-8", "┌─", "q", 0},
-                                         TerminalCase{"xterm", "C", "+-", "\x03", 0},
-                                         TerminalCase{"vt100", "C.UTF-8", "┌─", "", SIGTERM}));
-
-TEST(FaceProgramTest, SaysThatATerminalCannotShowIt) {
-    for (const char* term : {"dumb", "nonesuch"}) {
-        TerminalProgram program({"--face"}, {"TERM="s + term});
-        EXPECT_TRUE(
-            program.await("quorvel-sim: the terminal cannot show a face: TERM names none that moves its cursor"));
-        EXPECT_EQ(program.end(), 2);
-        EXPECT_EQ(program.line(), "");
-        EXPECT_TRUE(program.is_as_before());
-    }
 }
 
 }  // namespace

@@ -4,18 +4,13 @@
 #include <chrono>
 #include <ctime>
 #include <future>
-#include <gtest/gtest.h>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "simulator/faults/fault_plan.h"
-#include "tests/simulator/command_fixture.h"
+#include "tests/simulator/fixture.h"
 #include "tests/support/elapsed.h"
 
 using namespace std::chrono_literals;
-using namespace std::string_literals;
-using namespace support::literals;
 
 namespace quorvel::sim {
 
@@ -24,13 +19,13 @@ namespace {
 const std::string opn = "\x16OPN\x17\xA8\xA9";
 const std::string opnDone = "\x16OPN000\x17\x77\x5E";
 
-class FaultsTest : public CommandTest {
+class FaultsTest : public PinPadTest {
 protected:
     // What comes after the command in place of what is due, which the line has nothing of before or behind it.
     void strike(const Fault& fault, const std::string& request, const std::string& due) {
         SCOPED_TRACE(fault.kind);
         pinPad_->inject(fault);
-        exchange(support::frame(request), due);
+        exchange(frame(request), due);
         exchange(can, eot);
         EXPECT_EQ(pinPad_->faults(), std::vector<Fault>{});
     }
@@ -42,15 +37,14 @@ TEST_F(FaultsTest, StrikeWhatGoesOverTheLineOnce) {
     strike({.kind = "garbage"}, "OPN", ack + "55 AA 55"_hex + opnDone);
     strike({.kind = "bad-crc"}, "OPN", ack + "\x16OPN000\x17\x77\x5F");
     strike({.kind = "truncated"}, "OPN", ack + "\x16OPN0");
-    strike({.kind = "wrong-id"}, "OPN", ack + support::frame("XXX000"));
-    strike({.kind = "status", .status = 42}, "GIN00204", ack + support::frame("GIN042"));
-    strike({.kind = "status"}, "GIN00204", ack + support::frame("GIN000"));
+    strike({.kind = "wrong-id"}, "OPN", ack + frame("XXX000"));
+    strike({.kind = "status", .status = 42}, "GIN00204", ack + frame("GIN042"));
+    strike({.kind = "status"}, "GIN00204", ack + frame("GIN000"));
     strike({.kind = "nak"}, "OPN", nak);
     strike({.kind = "lost-ack"}, "OPN", opnDone);
-    strike({.kind = "too-long"}, "GIN00204",
-           ack + support::frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
+    strike({.kind = "too-long"}, "GIN00204", ack + frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
     strike({.kind = "too-long"}, "GIX006" + "0001 0002 8001"_hex,
-           ack + support::frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
+           ack + frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
     exchange(opn, ack + opnDone);
     expect_findings({});
 }
@@ -70,7 +64,7 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
                      {.kind = "no-answer", .command = "NTM"}}});
     pinPad_->when("GKY", Gestures().notify("NOT HEARD").press(Key::f1));
     for (const char* due : {"OPN000", "XXX000", "OPN000", "XXX000", "OPN000", "OPN000"}) call("OPN", due);
-    for (int i = 0; i < 2; ++i) exchange(support::frame("GKY"), nak);
+    for (int i = 0; i < 2; ++i) exchange(frame("GKY"), nak);
     call("GKY", "GKY004");
     pinPad_->inject({.kind = "wrong-id", .times = {}});
     for (int i = 0; i < 5; ++i) call("OPN", "XXX000");
@@ -82,7 +76,7 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
 TEST_F(FaultsTest, ShowInTheTraceAndKeepItsSecrets) {
     play({.faults = {{.kind = "bad-crc", .command = "OPN"}, {.kind = "garbage", .command = "GEN"}}});
     exchange(opn, ack + "\x16OPN000\x17\x77\x5F");
-    exchange(support::frame("GEN01302008K3000608"), ack + "55 AA 55"_hex + support::frame("GEN000006003000"));
+    exchange(frame("GEN01302008K3000608"), ack + "55 AA 55"_hex + frame("GEN000006003000"));
     pinPad_->stop();
     EXPECT_EQ(to_text(pinPad_->traffic().at(2)), "< 16 4F 50 4E 30 30 30 17 77 5F\n  OPN 000 OK (fault: bad-crc)\n");
     EXPECT_EQ(to_text(pinPad_->traffic().at(5)).substr(0, 27), "< 55 AA 55 16 47 45 4E ... ");
@@ -128,7 +122,7 @@ TEST(FaultPlan, TakesNoFaultThatCannotBe) {
     EXPECT_EQ(plan.faults(), std::vector<Fault>{});
 }
 
-class SpeedTest : public CommandTest {};
+using SpeedTest = PinPadTest;
 
 TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     play({.speed = 1200});

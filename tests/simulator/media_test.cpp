@@ -2,13 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/device/media.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <string>
-
-#include "tests/simulator/command_fixture.h"
-
-using namespace support::literals;
+#include "tests/simulator/fixture.h"
 
 namespace quorvel::sim {
 
@@ -23,13 +17,13 @@ std::string mli(const std::string& name, const std::string& info) {
     return "MLI026" + nameHead + name + infoHead + info;
 }
 
-class MediaTest : public CommandTest {};
+using MediaTest = PinPadTest;
 
 TEST_F(MediaTest, FilesAreThereOnceTheyAreWhole) {
     const std::string dsi = "DSI012" + nameHead + "LOGO    ";
     Device device;
     device.media.store("OLD", {});
-    play({.device = device});
+    play(device);
     // Announced the other way round.
     call("MLI026" + infoHead + "00000005 546C 03 000000"_hex + nameHead + "LOGO    ", "MLI000");
     call("MLR009" + "000F 0005"_hex + "12345", "MLR000");
@@ -49,7 +43,7 @@ TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
     const std::string one = "00000001 0000 01 000000"_hex;
     Device device;
     device.media.store("LOGO", {2, {'x'}});
-    play({.device = device});
+    play(device);
     refuse("MLR010", Kind::sequence, {{"MLR005" + "000F 0001"_hex + "1", "MLR: no load was begun"}});
     refuse("MLE010", Kind::sequence, {{"MLE", "MLE: no load was begun"}});
     refuse("MLI101", Kind::unsupported,
@@ -60,7 +54,6 @@ TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
             {mli("LOGo    ", one), "SPE_MFNAME: a small letter"},
             {mli("        ", one), "SPE_MFNAME: no name"},
             {mli("LOG\xC9    ", one), "SPE_MFNAME: text: 0xC9 is not allowed"},
-
             {"MLI024" + nameHead + logo + nameHead + logo, "MLI: SPE_MFNAME 0x001E has no place in it"}});
     refuse("MLI019", Kind::layout, {{"MLI012" + nameHead + logo, "MLI: no SPE_MFINFO"}});
     refuse("DSI011", Kind::layout,
@@ -90,7 +83,7 @@ TEST_F(MediaTest, ListsAsManyFilesAsTwoBlocksHold) {
             if (i == 83) answer += count == 84 ? "012" : "996";
             answer += listHead + name;
         }
-        play({.device = device});
+        play(device);
         call("LMF", count > 166 ? "LMF045" : answer);
     }
 }

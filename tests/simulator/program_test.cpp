@@ -1,23 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <array>
 #include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <spawn.h>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <utility>
-#include <vector>
 
-#include "tests/simulator/control_client.h"
-#include "tests/simulator/host.h"
+#include "tests/core/temp_dir.h"
+#include "tests/simulator/fixture.h"
 #include "tests/support/child.h"
-#include "tests/support/wire.h"
+
+namespace quorvel::sim {
 
 namespace {
 
@@ -31,8 +21,14 @@ public:
     // The path behind READY.
     std::string ready() {
         const std::string said = line();
-        EXPECT_EQ(said.rfind("READY /dev/pts/", 0), 0U) << said;
+        EXPECT_TRUE(said.starts_with("READY /dev/pts/")) << said;
         return said.size() > 6 ? said.substr(6) : "";
+    }
+
+    void expect_refusal(const std::string& due) {
+        EXPECT_EQ(wait(), 2);
+        EXPECT_EQ(errors(), "quorvel-sim: " + due + "\n");
+        EXPECT_EQ(line(), "");
     }
 
 private:
@@ -44,83 +40,62 @@ private:
 
 class ProgramTest : public testing::Test {
 protected:
-    ProgramTest() {
-        std::string name = (fs::temp_directory_path() / "quorvel-sim-XXXXXX").string();
-        folder_ = mkdtemp(name.data());
-    }
-    ~ProgramTest() override { fs::remove_all(folder_); }
-
-    [[nodiscard]] std::string link() const { return (folder_ / "port").string(); }
-
-    fs::path folder_;
+    TempDir folder_;
+    const std::string link_ = folder_ / "port";
 };
 
-TEST_F(ProgramTest, SaysWhereItIsAndEndsCleanlyOnASignal) {
-    for (const int signal : {SIGINT, SIGTERM}) {
-        Program program({});
-        Host host(program.ready());
-        host.send("\x18");
-        EXPECT_EQ(host.receive(1), "\x04");
-        EXPECT_EQ(program.end(signal), 0);
-        EXPECT_EQ(program.errors(), "");
-    }
+void expect_alive(const std::string& port) {
+    Host host(port);
+    host.send(can);
+    EXPECT_EQ(host.receive(1), eot);
 }
 
 TEST_F(ProgramTest, KeepsALinkWhileItRunsAndTheLinkIsItsOwn) {
-    fs::create_symlink(folder_ / "gone", link());
-    for (const bool taken : {false, true}) {
-        Program program({"--link", link()});
+    fs::create_symlink(folder_ / "gone", link_);
+    for (const auto& [signal, taken] : {std::pair(SIGINT, false), {SIGTERM, true}}) {
+        Program program({"--link", link_});
         const std::string path = program.ready();
-        EXPECT_EQ(fs::read_symlink(link()), path);
-        if (taken) fs::remove(link());
-        if (taken) fs::create_symlink(folder_ / "other", link());
-        EXPECT_EQ(program.end(SIGTERM), 0);
-        EXPECT_EQ(fs::is_symlink(link()), taken);
+        EXPECT_EQ(fs::read_symlink(link_), path);
+        if (taken) {
+            fs::remove(link_);
+            fs::create_symlink(folder_ / "other", link_);
+        }
+        expect_alive(path);
+        EXPECT_EQ(program.end(signal), 0);
+        EXPECT_EQ(program.errors(), "");
+        EXPECT_EQ(fs::is_symlink(link_), taken);
     }
-    EXPECT_EQ(fs::read_symlink(link()), folder_ / "other");
+    EXPECT_EQ(fs::read_symlink(link_), folder_ / "other");
 }
 
 TEST_F(ProgramTest, TakesNoNameThatSomethingElseHas) {
-    std::ofstream(folder_ / "file") << "kept";
-    fs::create_symlink(folder_ / "file", link());
-    Program taken({"--link", (folder_ / "file").string()});
-    EXPECT_EQ(taken.wait(), 2);
-    EXPECT_EQ(taken.errors(), "quorvel-sim: " + (folder_ / "file").string() + " is there and no link\n");
-    Program linked({"--link", link()});
-    EXPECT_EQ(linked.wait(), 2);
-    EXPECT_EQ(linked.errors(),
-              "quorvel-sim: " + link() + " leads to " + (folder_ / "file").string() + ", which is there\n");
-    EXPECT_EQ(linked.line(), "");
-    EXPECT_EQ(fs::file_size(folder_ / "file"), 4U);
+    const std::string file = folder_.file("file", "kept");
+    fs::create_symlink(file, link_);
+    Program({"--link", file}).expect_refusal(file + " is there and no link");
+    Program({"--link", link_}).expect_refusal(link_ + " leads to " + file + ", which is there");
+    EXPECT_EQ(fs::file_size(file), 4U);
 }
 
 TEST_F(ProgramTest, TakesItsKeysFromAFile) {
-    const std::string path = (folder_ / "keys.toml").string();
-    std::ofstream(path) << "[[master]]\nstrength = \"des\"\nuse = \"pin\"\nindex = 7\nkey = \"0123456789ABCDEF\"\n";
+    const std::string path =
+        folder_.file("keys.toml", "[[master]]\nstrength = 'des'\nuse = 'pin'\nindex = 7\nkey = '0123456789ABCDEF'\n");
     Program program({"--keys", path});
     Host host(program.ready());
     host.send("\x16GEN01302008K3000608\x17\x93\xC8");
     EXPECT_EQ(host.receive(20), "\x06\x16GEN000006003010\x17\x1F\xA4");
-    std::ofstream(path) << "[[master]]";
-    Program faulty({"--keys", path});
-    EXPECT_EQ(faulty.wait(), 2);
-    EXPECT_EQ(faulty.errors(), "quorvel-sim: " + path + ": line 1: master.strength: is missing\n");
-    Program missing({"--keys", link()});
-    EXPECT_EQ(missing.wait(), 2);
-    EXPECT_EQ(missing.errors(), "quorvel-sim: " + link() + " cannot be read\n");
+    folder_.file("keys.toml", "[[master]]");
+    Program({"--keys", path}).expect_refusal(path + ": line 1: master.strength: is missing");
+    Program({"--keys", link_}).expect_refusal(link_ + " cannot be read");
 }
 
 TEST_F(ProgramTest, IsControlledThroughASocketAndTellsWhereItReturns) {
-    const std::string socket = (folder_ / "control").string();
-    Program program({"--link", link(), "--control", socket, "--speed", "115200", "--seed", "7"});
+    const std::string socket = folder_ / "control";
+    Program program({"--link", link_, "--control", socket, "--speed", "115200", "--seed", "7"});
     program.ready();
     ControlClient client(socket);
     EXPECT_EQ(client.ask(R"({"do":"hang-up","ms":1})"), R"({"ok":true})");
-    const std::string path = program.ready();
-    EXPECT_EQ(fs::read_symlink(link()), path);
-    Host host(link());
-    host.send("\x18");
-    EXPECT_EQ(host.receive(1), "\x04");
+    EXPECT_EQ(fs::read_symlink(link_), program.ready());
+    expect_alive(link_);
     EXPECT_EQ(client.ask(R"({"do":"stop"})"), R"({"ok":true})");
     EXPECT_EQ(program.wait(), 0);
     EXPECT_EQ(program.errors(), "");
@@ -128,44 +103,24 @@ TEST_F(ProgramTest, IsControlledThroughASocketAndTellsWhereItReturns) {
 }
 
 TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
+    const std::string folder = folder_.dir("folder");
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
-        {{"--speed", "fast"}, "--speed: Value fast not in range 300 to 4000000"},
         {{"--speed", "299"}, "--speed: Value 299 not in range 300 to 4000000"},
         {{"--seed", "-1"}, "Could not convert: --seed = -1"},
-        {{"--control", folder_.string()}, "quorvel-sim: " + folder_.string() + " is there and no socket"},
+        {{"--control", folder}, "quorvel-sim: " + folder + " is there and no socket"},
+        {{"--scenario", link_},
+         "quorvel-sim: there is no scenario \"" + link_ + "\": no file, and none of those that --list-scenarios names"},
     };
     for (const auto& [arguments, due] : cases) {
         Program program(arguments);
-        EXPECT_NE(program.wait(), 0) << due;
-        const std::string errors = program.errors();
-        EXPECT_EQ(errors.substr(0, errors.find('\n')), due);
+        EXPECT_EQ(program.wait(), 2) << due;
+        EXPECT_EQ(program.errors().substr(0, program.errors().find('\n')), due);
     }
 }
 
-class ScenarioProgramTest : public ProgramTest {
-protected:
-    std::string file(const std::string& text) {
-        const std::string path = (folder_ / "mine.toml").string();
-        std::ofstream(path) << text;
-        return path;
-    }
-
-    static void say(Host& host, const std::string& id) {
-        host.send(support::frame(id + "032" + std::string(32, 'X')));
-        const std::string answer = "\x06" + support::frame(id + "000");
-        EXPECT_EQ(host.receive(answer.size()), answer);
-    }
-
-    // A host that opens the line, sends these and closes it.
-    static void visit(const std::string& port, const std::vector<std::string>& commands) {
-        Host host(port);
-        for (const std::string& id : commands) say(host, id);
-    }
-};
-
-TEST_F(ScenarioProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
-    const std::string path =
-        file("title = 'Mine'\n[[expect]]\ncommand = 'DSP'\n[[expect]]\ncommand = 'CLO'\nstatus = 'OK'\n");
+TEST_F(ProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
+    const std::string path = folder_.file(
+        "mine.toml", "title = 'Mine'\n[[expect]]\ncommand = 'DSP'\n[[expect]]\ncommand = 'CLO'\nstatus = 'OK'\n");
     const std::string missing =
         path + ":4: expected once: CLO, answered with 000 OK; it came never, and nothing instead";
     struct Case {
@@ -181,22 +136,16 @@ TEST_F(ScenarioProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
                                                   {"stop", {{"DSP"}}, missing}}) {
         Program program({"--scenario", path, "--ends", ends});
         const std::string port = program.ready();
-        for (const auto& commands : visits) visit(port, commands);
+        for (const auto& commands : visits) {
+            Host host(port);
+            for (const std::string& id : commands) {
+                host.send(frame(id + "032" + std::string(32, 'X')));
+                EXPECT_EQ(host.receive(11), ack + frame(id + "000"));
+            }
+        }
         EXPECT_EQ(ends == "stop" ? program.end(SIGTERM) : program.wait(), complaint.empty() ? 0 : 1) << ends;
         EXPECT_EQ(program.line(), complaint.empty() ? "scenario: ok" : "scenario: failed");
         EXPECT_EQ(program.line(), complaint);
-    }
-}
-
-TEST_F(ScenarioProgramTest, SaysWhatItCannotPlay) {
-    const std::string path = file("title = 'Mine'\n[[expect]]\n");
-    for (const auto& [name, due] : {std::pair{path, path + ": line 2: expect.command: is missing"},
-                                    {link(), "there is no scenario \"" + link()
-                                                 + "\": no file, and none of those that "
-                                                   "--list-scenarios names"}}) {
-        Program program({"--scenario", name});
-        EXPECT_EQ(program.wait(), 2);
-        EXPECT_EQ(program.errors(), "quorvel-sim: " + due + "\n");
     }
     Program list({"--list-scenarios"});
     EXPECT_EQ(list.wait(), 0);
@@ -218,3 +167,5 @@ TEST_F(ProgramTest, TracesOnlyWhenAsked) {
 }
 
 }  // namespace
+
+}  // namespace quorvel::sim

@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <fmt/format.h>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sstream>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "simulator/scenario/performance.h"
-#include "tests/simulator/pin_pad_fixture.h"
-#include "tests/support/wire.h"
-
-using namespace support::literals;
+#include "tests/simulator/fixture.h"
 
 namespace quorvel::sim {
 
@@ -217,7 +209,7 @@ protected:
     }
 
     void ask(const std::string& request, const std::string& response) {
-        exchange(support::frame(request), ack + support::frame(response));
+        exchange(frame(request), ack + frame(response));
     }
 
     std::optional<Performance> performance_;
@@ -230,7 +222,7 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
         "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n]\n"
         "[device]\nserial_number = 'MINE'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
     ask("GKY", "NTM000004SOON");
-    expect(support::frame("GKY040"));
+    expect(frame("GKY040"));
     ask("GKY", "GKY005");
     ask("RMC032" + std::string(32, 'X'), "RMC000");
     ask("GTS00203", "GTS0000100123456789");
@@ -240,7 +232,7 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
 TEST_F(PerformanceTest, TellsWhereTheScriptGotStuck) {
     perform("script = [\n{ wait = 'GKY' },\n{ press = 'f1' },\n{ wait = ['GCR', 'GCX'] },\n{ remove = true },\n]\n");
     ask("GKY", "GKY004");
-    exchange(support::frame("CKE003100"), ack);
+    exchange(frame("CKE003100"), ack);
     EXPECT_EQ(complaints(),
               Complaints{"s.toml:5: the script did not get past wait = [\"GCR\",\"GCX\"]; CKE waited instead"});
 }
@@ -251,9 +243,9 @@ TEST_F(PerformanceTest, CountsWhatTheHostWasToldAndWhatItGaveUp) {
         "[[expect]]\ncommand = 'GIN'\nstatus = 'INTERR'\n[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n"
         "[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n");
     ask("GIN00200", "GIN040");
-    exchange(support::frame("GKY"), ack);
+    exchange(frame("GKY"), ack);
     exchange(can, eot);
-    exchange(support::frame("GKY"), ack);
+    exchange(frame("GKY"), ack);
     EXPECT_EQ(complaints(), Complaints{});
 }
 

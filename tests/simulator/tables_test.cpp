@@ -2,24 +2,19 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/device/tables.h"
 
-#include <gtest/gtest.h>
-#include <string>
-
-#include "tests/simulator/command_fixture.h"
-
-using namespace support::literals;
+#include "tests/simulator/fixture.h"
 
 namespace quorvel::sim {
 
 namespace {
 
-class TablesTest : public CommandTest {};
+using TablesTest = PinPadTest;
 
 TEST_F(TablesTest, ALoadCountsFromItsEnd) {
     Device device;
     device.tables.load(3, "V0", {{{1, 3, "99"}, {}}});
     device.tables.load(4, "V4");
-    play({.device = device});
+    play(device);
     call("TLI01203V1        ", "TLI000");
     call("TLR0210201110301xyz008203A ", "TLR000");
     call("TLR00200", "TLR000");

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_TESTS_SIMULATOR_FIXTURE_H
+#define QUORVEL_TESTS_SIMULATOR_FIXTURE_H
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/cards/cards.h"
+#include "simulator/pin_pad.h"
+#include "tests/simulator/ends.h"
+#include "tests/support/wire.h"
+
+namespace quorvel::sim {
+
+using namespace std::string_literals;
+using namespace support::literals;
+using support::frame;
+
+inline void PrintTo(const Finding& finding, std::ostream* out) {
+    *out << kind_name(finding.kind) << ": " << finding.text;
+}
+
+inline const std::string ack = "\x06";
+inline const std::string nak = "\x15";
+inline const std::string can = "\x18";
+inline const std::string eot = "\x04";
+
+inline Card card(std::string_view name) { return Cards::standard().at(name); }
+inline Gestures inserted(std::string_view name) { return Gestures().insert(card(name)); }
+
+// A text at the start of its field.
+inline std::string field(std::string text, size_t width) {
+    text.resize(width, ' ');
+    return text;
+}
+
+// A virtual PIN pad and the bare end of its line.
+class PinPadTest : public testing::Test {
+protected:
+    using Kind = Finding::Kind;
+
+    // With the tables that the standard cards select their applications in.
+    static Device loaded_device() {
+        Device device = Device::standard();
+        Tables::Records records;
+        for (const auto& [acquirer, index] :
+             {std::pair(1, "01"), {2, "01"}, {3, "01"}, {3, "02"}, {3, "03"}, {4, "01"}}) {
+            records[{.table = 1, .acquirer = acquirer, .index = index}] = {};
+        }
+        device.tables.load(Tables::allAcquirers, "TABLES0001", std::move(records));
+        return device;
+    }
+
+    void play(PinPad::Options options = {}) {
+        pinPad_.emplace(std::move(options));
+        pinPad_->start();
+        host_.emplace(pinPad_->path());
+    }
+    void play(Device device) { play(PinPad::Options{.device = std::move(device)}); }
+
+    void exchange(const std::string& sent, const std::string& due) {
+        host_->send(sent);
+        expect(due);
+    }
+    void expect(const std::string& due) { EXPECT_EQ(host_->receive(due.size()), due); }
+
+    // In packets: what stands around them is tested elsewhere.
+    void call(const std::string& request, const std::string& response) {
+        SCOPED_TRACE(request);
+        exchange(frame(request), ack + frame(response));
+    }
+
+    // What the cardholder does while the command waits; the notices that the host is told come before the answer.
+    void call_while(const Gestures& gestures, const std::string& request, const std::string& response,
+                    const std::vector<std::string>& notices = {}) {
+        SCOPED_TRACE(request);
+        if (!gestures.events().empty()) { pinPad_->when(request.substr(0, 3), gestures); }
+        std::string due = ack;
+        for (const std::string& notice : notices) { due += frame(fmt::format("NTM000{:03}{}", notice.size(), notice)); }
+        exchange(frame(request), due + frame(response));
+    }
+
+    // A command that goes on waiting behind this notice.
+    void begin(const Gestures& gestures, const std::string& request, const std::string& notice) {
+        pinPad_->when(request.substr(0, 3), gestures);
+        exchange(frame(request), ack + frame(notice));
+    }
+
+    // For answers that nobody can spell, because something random is in them.
+    std::string ask(const std::string& request) {
+        host_->send(frame(request));
+        EXPECT_EQ(host_->receive(2), ack + "\x16");
+        std::string packet;
+        for (std::string byte = host_->receive(1); byte != "\x17"; byte = host_->receive(1)) {
+            if (byte.empty()) { return packet; }
+            if (byte == "\x13") { byte = static_cast<char>(host_->receive(1)[0] - 0x20); }
+            packet += byte;
+        }
+        EXPECT_EQ(host_->receive(2).size(), 2U);
+        return packet;
+    }
+
+    // Requests that are all answered so, and what is found in each.
+    void refuse(const std::string& response, Kind kind,
+                const std::vector<std::pair<std::string, std::string>>& requests) {
+        std::vector<Finding> due = pinPad_->findings();
+        for (const auto& [request, finding] : requests) {
+            call(request, response);
+            due.push_back({kind, finding});
+            ASSERT_EQ(pinPad_->findings(), due);
+        }
+    }
+
+    // The answer to CAN comes next only if nothing else was sent that no test expected.
+    void TearDown() override {
+        if (pinPad_) { exchange(can, eot); }
+    }
+
+    // Ends the PIN pad and returns what became of it.
+    Device retire() {
+        pinPad_->stop();
+        Device device = pinPad_->device();
+        pinPad_.reset();
+        return device;
+    }
+
+    void expect_findings(const std::vector<Finding>& due) { EXPECT_EQ(pinPad_->findings(), due); }
+
+    std::optional<PinPad> pinPad_;
+    std::optional<Host> host_;
+};
+
+}  // namespace quorvel::sim
+
+#endif
