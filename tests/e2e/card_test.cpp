@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <string>
-#include <vector>
 
 #include "simulator/cards/cards.h"
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "tests/support/wire.h"
-#include "wire/hex.h"
 
 namespace {
 
@@ -33,11 +31,6 @@ std::string text(const uint8_t (&bytes)[Size]) {
     return {bytes, bytes + Size};
 }
 
-std::string from_digits(const std::string& digits) {
-    const Bytes bytes = from_hex(digits);
-    return {bytes.begin(), bytes.end()};
-}
-
 class CardSale : public EndToEnd {
 protected:
     void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, false), ABECS_RSP_STAT_ST_OK); }
@@ -46,18 +39,6 @@ protected:
         EXPECT_EQ(call(abecs_cmd_tli, 0, "TABLES0001"), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(call(abecs_cmd_tlr, "01010301AB01010302AB01010303AB"), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(call(abecs_cmd_tle), ABECS_RSP_STAT_ST_OK);
-    }
-
-    // Asks for the answer until it comes; what was told in between is kept.
-    template <typename Out>
-    int32_t finish(int32_t (*response)(AbecsComm*, Out*, char*), Out* out) {
-        char note[33] = "";
-        int32_t status = call(response, out, note);
-        while (status == ABECS_RSP_STAT_ST_NOTIFICATION) {
-            notes_.emplace_back(note);
-            status = call(response, out, note);
-        }
-        return status;
     }
 
     int32_t get_card(const Gestures& gestures, const char* version = "TABLES0001") {
@@ -101,7 +82,6 @@ protected:
     AbecsCmdGcrResponse card_{};
     AbecsCmdGocResponse chip_{};
     AbecsCmdFncResponse outcome_{};
-    std::vector<std::string> notes_;
 };
 
 TEST_F(CardSale, ReadsAStripe) {
@@ -240,19 +220,19 @@ TEST_F(ParameterSale, SpeaksToTheChip) {
     pinPad_.insert(card("visa-chip"));
     AbecsCmdChpParam request{ABECS_CMD_CHP_SLOT_0, ABECS_CMD_CHP_OPER_1, "", ABECS_CMD_CHP_PIN_FMT_2, "PIN"};
     char out[515] = "";
-    const auto speak = [&](AbecsCmdChpOper_E operation, const char* command, const Gestures& gestures) {
+    for (const auto& [operation, command, due] : {
+             std::tuple(ABECS_CMD_CHP_OPER_1, "", "3B6500002063CB6800"),
+             {ABECS_CMD_CHP_OPER_2, "00A4040007A0000000031010",
+              "6F198407A0000000031010A50E500C56495341204352454449544F9000"},
+             {ABECS_CMD_CHP_OPER_3, "00200080", "6D00"},
+             {ABECS_CMD_CHP_OPER_0, "", ""},
+         }) {
         request.oper = operation;
-        std::ranges::fill(request.chpCmd, '\0');
-        std::string(command).copy(request.chpCmd, sizeof request.chpCmd - 1);
-        begin("CHP", gestures, abecs_cmd_chp, &request);
+        request.chpCmd[std::string(command).copy(request.chpCmd, sizeof request.chpCmd - 1)] = '\0';
+        begin("CHP", operation == ABECS_CMD_CHP_OPER_3 ? Gestures().type("1234") : Gestures(), abecs_cmd_chp, &request);
         EXPECT_EQ(finish(abecs_cmd_chp_response, &out[0]), ABECS_RSP_STAT_ST_OK);
-        return std::string(out);
-    };
-    EXPECT_EQ(speak(ABECS_CMD_CHP_OPER_1, "", {}), "3B6500002063CB6800");
-    EXPECT_EQ(speak(ABECS_CMD_CHP_OPER_2, "00A4040007A0000000031010", {}),
-              "6F198407A0000000031010A50E500C56495341204352454449544F9000");
-    EXPECT_EQ(speak(ABECS_CMD_CHP_OPER_3, "00200080", Gestures().type("1234")), "6D00");
-    EXPECT_EQ(speak(ABECS_CMD_CHP_OPER_0, "", {}), "");
+        EXPECT_STREQ(out, due);
+    }
     retire();
 }
 

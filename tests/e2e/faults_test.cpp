@@ -17,6 +17,8 @@ using namespace std::chrono_literals;
 // What an application sees of a line, or a PIN pad, that does not do as it should.
 class Faults : public EndToEnd {
 protected:
+    // The session key decides what damage makes of what it enciphers.
+    Faults() : EndToEnd({.sessionKey = SessionKey{}}) {}
     using EndToEnd::EndToEnd;
 
     // A command that must succeed, whatever went wrong before it.
@@ -46,36 +48,30 @@ protected:
 };
 
 TEST_F(Faults, OfOneCommandAreErrorsThatCanHeals) {
-    expect_error({.kind = "garbage"}, KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x55)");
-    expect_error({.kind = "lost-ack"}, KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x16)");
-    expect_error({.kind = "nak", .times = 3}, KOR_RESULT_PROTOCOL_ERROR, "Packet was rejected");
-    expect_error({.kind = "wrong-id"}, KOR_RESULT_PROTOCOL_ERROR, "(GIN) Invalid RSP_ID: XXX)");
-    retire();
-}
-
-TEST_F(Faults, OfThreeFramesInARowAreNoResponse) {
+    constexpr int16_t kError = KOR_RESULT_PROTOCOL_ERROR;
+    expect_error({.kind = "garbage"}, kError, "Protocol error (expected SYN, read 0x55)");
+    expect_error({.kind = "lost-ack"}, kError, "Protocol error (unknown packet response: 0x16)");
+    expect_error({.kind = "nak", .times = 3}, kError, "Packet was rejected");
+    expect_error({.kind = "wrong-id"}, kError, "(GIN) Invalid RSP_ID: XXX)");
     expect_error({.kind = "bad-crc", .times = 3}, KOR_RESULT_TIMEOUT_ERROR, "No response in 3 attempts");
+    EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK);
+    expect_error({.kind = "bad-cryptogram"}, kError,
+                 "Malformed encrypted response (caused by Encrypted packet is not complete)");
     retire();
 }
 
-TEST_F(Faults, OfAFrameAreMadeUpForByItsRepetition) {
-    for (const Fault& fault :
-         {Fault{.kind = "bad-crc", .times = 2}, Fault{.kind = "truncated"}, Fault{.kind = "nak", .times = 2}}) {
-        SCOPED_TRACE(fault.kind);
-        pinPad_.inject(fault);
-        expect_answer();
-    }
-    retire();
-}
-
-TEST_F(Faults, OfPaceAreBorne) {
-    for (const Fault& fault : {Fault{.kind = "delay", .time = 300ms}, Fault{.kind = "slow-bytes", .time = 5ms},
-                               Fault{.kind = "split", .time = 300ms}}) {
+TEST_F(Faults, OfAFrameOrOfPaceAreBorne) {
+    for (const auto& [fault, least] : {std::pair(Fault{.kind = "bad-crc", .times = 2}, 0ms),
+                                       {{.kind = "truncated"}, 0ms},
+                                       {{.kind = "nak", .times = 2}, 0ms},
+                                       {{.kind = "delay", .time = 300ms}, 250ms},
+                                       {{.kind = "slow-bytes", .time = 5ms}, 250ms},
+                                       {{.kind = "split", .time = 300ms}, 250ms}}) {
         SCOPED_TRACE(fault.kind);
         pinPad_.inject(fault);
         const support::Elapsed elapsed;
         expect_answer();
-        EXPECT_TRUE(elapsed.between(250ms, 5s));
+        EXPECT_TRUE(elapsed.between(least, 5s));
     }
     retire();
 }
@@ -128,25 +124,6 @@ TEST_F(Unplugged, IsAnErrorUntilTheLinkIsOpenedAgain) {
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link_));
     EXPECT_NO_RAISE(link_ = abecs_comm_open(path.c_str()));
     expect_answer();
-    retire();
-}
-
-SessionKey counting_key() {
-    SessionKey key{};
-    for (size_t i = 0; i < key.size(); ++i) key.at(i) = static_cast<uint8_t>(i);
-    return key;
-}
-
-// The key decides what the damage makes of the content.
-class SessionFaults : public Faults {
-protected:
-    SessionFaults() : Faults(PinPad::Options{.sessionKey = counting_key()}) {}
-};
-
-TEST_F(SessionFaults, OfACryptogramAreAMalformedResponse) {
-    EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK);
-    expect_error({.kind = "bad-cryptogram"}, KOR_RESULT_PROTOCOL_ERROR,
-                 "Malformed encrypted response (caused by Encrypted packet is not complete)");
     retire();
 }
 

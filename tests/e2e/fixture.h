@@ -5,12 +5,21 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "quorvel/quorvel.h"
 #include "simulator/pin_pad.h"
 #include "tests/support/raised.h"
+#include "wire/hex.h"
+
+// What stands in hexadecimal there.
+inline std::string from_digits(std::string_view digits) {
+    const quorvel::sim::Bytes bytes = quorvel::sim::from_hex(digits);
+    return {bytes.begin(), bytes.end()};
+}
 
 // The library and a virtual PIN pad at the other end of its link.
 class EndToEnd : public testing::Test {
@@ -38,6 +47,18 @@ protected:
         EXPECT_NO_RAISE(static_cast<void>(command(link_, arguments...)));
     }
 
+    // Asks for the answer to it until it comes; what was told in between is kept.
+    template <typename Out>
+    int32_t finish(int32_t (*response)(AbecsComm*, Out*, char*), Out* out) {
+        char note[33] = "";
+        int32_t status = call(response, out, note);
+        while (status == ABECS_RSP_STAT_ST_NOTIFICATION) {
+            notes_.emplace_back(note);
+            status = call(response, out, note);
+        }
+        return status;
+    }
+
     // What became of the PIN pad, which has found nothing to complain about.
     const quorvel::sim::Device& retire() {
         pinPad_.stop();
@@ -47,6 +68,7 @@ protected:
 
     quorvel::sim::PinPad pinPad_;
     AbecsComm* link_ = nullptr;
+    std::vector<std::string> notes_;
 };
 
 #endif

@@ -11,6 +11,7 @@ namespace {
 
 using namespace quorvel::sim;
 using namespace support::literals;
+using namespace std::string_literals;
 
 const Card kCard{.pan = "4111111111111111",
                  .track1 = "B4111111111111111^DOE/JOHN^301210100000000000",
@@ -24,6 +25,7 @@ const std::string kTrack1Blocks = kCard.track1 + "   ";
 const std::string kTrack2Blocks = kTrack2 + "FFFFFFFFFFFFFF"_hex;
 const std::string kTrack3Blocks = kTrack3 + "FFFF"_hex;
 const std::string kPanBlock = "4111111111111111"_hex;
+const std::string kVector = "A1B2C3D4E5F60718"_hex;
 
 const uint8_t* bytes(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); }
 
@@ -46,6 +48,23 @@ protected:
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_reset(builder_));
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_tracks(builder_, tracks));
     }
+    void set(const char* tracks, AbecsSpeMthdDat_E method, const std::string& vector) {
+        set(tracks);
+        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_mthd_dat(builder_, method));
+        if (!vector.empty()) { EXPECT_NO_RAISE(abecs_cmd_gtk_builder_iv_cbc(builder_, bytes(vector))); }
+    }
+    void ask() { EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK); }
+
+    // All four, deciphered; the first digits come in clear.
+    void expect_items(const std::string& key, const std::string& vector = "", size_t open = 0) {
+        const auto opened = [&](const std::string& value, size_t count) {
+            return value.substr(0, count) + tdes_decipher(key, value.substr(count), vector);
+        };
+        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_track1), open), kCard.pan.substr(0, open) + kTrack1Blocks);
+        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_track2), open / 2), kPanBlock.substr(0, open / 2) + kTrack2Blocks);
+        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_track3), open / 2), kPanBlock.substr(0, open / 2) + kTrack3Blocks);
+        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_enc_pan), 0), kPanBlock);
+    }
 
     template <typename Out>
     std::string item(Out* (*read)(const AbecsRspParamMap*, Out*)) {
@@ -61,22 +80,20 @@ protected:
 
 TEST_F(Gtk, BringsTheTracksInClear) {
     set("1110");
-    EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK);
+    ask();
     EXPECT_EQ(item(abecs_cmd_gtk_response_track1), kCard.track1);
     EXPECT_EQ(item(abecs_cmd_gtk_response_track2), kTrack2);
     EXPECT_EQ(item(abecs_cmd_gtk_response_track3), kTrack3);
     EXPECT_EQ(item(abecs_cmd_gtk_response_enc_pan), "");
     EXPECT_EQ(item(abecs_cmd_gtk_response_trk2_ksn), "");
     set("0100");
-    EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK);
+    ask();
     EXPECT_EQ(item(abecs_cmd_gtk_response_track1), "");
     retire();
 }
 
+// The same ciphers as EBX has them.
 TEST_F(Gtk, EnciphersUnderAWorkingKey) {
-    const std::string vector = "A1B2C3D4E5F60718"_hex;
-    const std::string des = "1122334455667788 1122334455667788"_hex;
-    const std::string tdes = "1122334455667788 9900AABBCCDDEEFF"_hex;
     const AbecsCmdGtkWkEnc wkDes{8, {0xB4, 0xCC, 0x3F, 0xD9, 0xD8, 0xD9, 0x52, 0x14}};
     AbecsCmdGtkWkEnc wkTdes{16, {}};
     std::memcpy(wkTdes.data, "3EB3B72576BBBE83 4F0B96AAA5A8B548"_hex.data(), sizeof wkTdes.data);
@@ -87,57 +104,37 @@ TEST_F(Gtk, EnciphersUnderAWorkingKey) {
         std::string vector;
         int32_t openDigits;
     } rows[] = {
-        {ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB, wkDes, des, "", 0},
-        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, wkDes, des, vector, 2},
-        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, wkTdes, tdes, "", 6},
-        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC, wkTdes, tdes, vector, 8},
+        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, wkDes, "1122334455667788 1122334455667788"_hex, kVector, 2},
+        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, wkTdes, "1122334455667788 9900AABBCCDDEEFF"_hex, "", 8},
     };
     for (const auto& row : rows) {
-        set("1111");
-        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_mthd_dat(builder_, row.method));
+        set("1111", row.method, row.vector);
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_wk_enc(builder_, &row.workingKey));
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_opn_dig(builder_, row.openDigits));
-        if (!row.vector.empty()) { EXPECT_NO_RAISE(abecs_cmd_gtk_builder_iv_cbc(builder_, bytes(row.vector))); }
-        EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK);
-        const auto opened = [&](const std::string& value, size_t open) {
-            return value.substr(0, open) + tdes_decipher(row.key, value.substr(open), row.vector);
-        };
-        const auto open = static_cast<size_t>(row.openDigits);
-        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_track1), open), kCard.pan.substr(0, open) + kTrack1Blocks);
-        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_track2), open / 2), kPanBlock.substr(0, open / 2) + kTrack2Blocks);
-        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_track3), open / 2), kPanBlock.substr(0, open / 2) + kTrack3Blocks);
-        EXPECT_EQ(opened(item(abecs_cmd_gtk_response_enc_pan), 0), kPanBlock);
+        ask();
+        expect_items(row.key, row.vector, static_cast<size_t>(row.openDigits));
     }
     retire();
 }
 
 // The keys are the published ones for data of the first transactions.
 TEST_F(Gtk, EnciphersEachItemAsATransactionOfDukpt) {
-    const std::string first = "448D3F076D830403 6A55A3D7E0055A78"_hex;
-    const std::string second = "F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex;
-    const std::string vector = "A1B2C3D4E5F60718"_hex;
-    const auto ask = [&](const char* tracks, AbecsSpeMthdDat_E method) {
-        set(tracks);
-        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_mthd_dat(builder_, method));
-        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
-        if (method == ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC) {
-            EXPECT_NO_RAISE(abecs_cmd_gtk_builder_iv_cbc(builder_, bytes(vector)));
-        }
-        EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK);
-    };
-    ask("0100", ABECS_SPE_MTHD_DAT_DUKPT_DAT1_ECB);
-    EXPECT_EQ(tdes_decipher("E806579543A7C401 E806579543A7C401"_hex, item(abecs_cmd_gtk_response_track2)),
-              kTrack2Blocks);
-    EXPECT_EQ(item(abecs_cmd_gtk_response_trk2_ksn), "FFFF9876543210E00001"_hex);
-    ask("1000", ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB);
-    EXPECT_EQ(tdes_decipher(first, item(abecs_cmd_gtk_response_track1)), kTrack1Blocks);
+    set("1000", ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, "");
+    EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
+    ask();
+    EXPECT_EQ(tdes_decipher("448D3F076D830403 6A55A3D7E0055A78"_hex, item(abecs_cmd_gtk_response_track1)),
+              kTrack1Blocks);
     EXPECT_EQ(item(abecs_cmd_gtk_response_trk1_ksn), "FFFF9876543210E00001"_hex);
-    ask("0011", ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC);
-    EXPECT_EQ(tdes_decipher(second, item(abecs_cmd_gtk_response_track3), vector), kTrack3Blocks);
-    EXPECT_EQ(item(abecs_cmd_gtk_response_trk3_ksn), "FFFF9876543210E00002"_hex);
+    set("0111", ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, kVector);
+    EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
+    ask();
+    EXPECT_EQ(tdes_decipher("F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex, item(abecs_cmd_gtk_response_track2), kVector),
+              kTrack2Blocks);
+    EXPECT_EQ(item(abecs_cmd_gtk_response_trk2_ksn), "FFFF9876543210E00002"_hex);
+    EXPECT_EQ(item(abecs_cmd_gtk_response_trk3_ksn), "FFFF9876543210E00003"_hex);
     EXPECT_EQ(item(abecs_cmd_gtk_response_enc_pan).size(), 8U);
-    EXPECT_EQ(item(abecs_cmd_gtk_response_enc_pan_ksn), "FFFF9876543210E00003"_hex);
+    EXPECT_EQ(item(abecs_cmd_gtk_response_enc_pan_ksn), "FFFF9876543210E00004"_hex);
     retire();
 }
 
@@ -145,21 +142,15 @@ TEST_F(Gtk, EnciphersUnderARandomKeyThatComesUnderTheHosts) {
     const HostKey host(2048);
     const std::string modulus = host.modulus();
     const AbecsCmdGtkPbkExp exponent{3, {1, 0, 1}};
-    for (const AbecsSpeMthdDat_E method : {ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB, ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC}) {
-        const bool chained = method == ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC;
-        const std::string vector = chained ? "A1B2C3D4E5F60718"_hex : "";
-        set("1111");
-        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_mthd_dat(builder_, method));
+    for (const auto& [method, vector] :
+         {std::pair(ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB, ""s), {ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC, kVector}}) {
+        set("1111", method, vector);
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_pbk_mod(builder_, bytes(modulus)));
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_pbk_exp(builder_, &exponent));
-        if (chained) { EXPECT_NO_RAISE(abecs_cmd_gtk_builder_iv_cbc(builder_, bytes(vector))); }
-        EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK);
+        ask();
         const std::string key = host.open_padded(item(abecs_cmd_gtk_response_enc_krand));
         ASSERT_EQ(key.size(), 16U);
-        EXPECT_EQ(tdes_decipher(key, item(abecs_cmd_gtk_response_track1), vector), kTrack1Blocks);
-        EXPECT_EQ(tdes_decipher(key, item(abecs_cmd_gtk_response_track2), vector), kTrack2Blocks);
-        EXPECT_EQ(tdes_decipher(key, item(abecs_cmd_gtk_response_track3), vector), kTrack3Blocks);
-        EXPECT_EQ(tdes_decipher(key, item(abecs_cmd_gtk_response_enc_pan), vector), kPanBlock);
+        expect_items(key, vector);
     }
     retire();
 }

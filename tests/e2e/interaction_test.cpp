@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <string>
-#include <vector>
 
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "tests/support/wire.h"
-#include "wire/hex.h"
 
 namespace {
 
@@ -97,8 +94,7 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
         AbecsCmdGpnRspData out{};
         begin("GPN", Gestures().type(row.pin), abecs_cmd_gpn, &request);
         EXPECT_EQ(call(abecs_cmd_gpn_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-        const Bytes block = from_hex(out.pinBlk);
-        EXPECT_EQ(tdes_decipher(row.key, {reinterpret_cast<const char*>(block.data()), block.size()}), row.block);
+        EXPECT_EQ(tdes_decipher(row.key, from_digits(out.pinBlk)), row.block);
         EXPECT_STREQ(out.ksn, row.ksn);
     }
     retire();
@@ -107,25 +103,26 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
 TEST_F(Interaction, IsCancelledAtAnyTime) {
     const AbecsCmdGpnCmdData request = pin_request(ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4012345678909");
     const char options[][25] = {"TEA"};
+    const auto expect_idle = [&] {
+        EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+        EXPECT_EQ(pinPad_.screen().text, "IDLE");
+    };
     pinPad_.insert(kCard);
     EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);
     begin("RMC", Gestures().press(Key::enter), abecs_cmd_rmc, "TAKE YOUR CARD");
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    expect_idle();
     pinPad_.remove();
-    begin("GKY", Gestures().press(digit('1')), abecs_cmd_gky);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
     begin("MNU", Gestures().press(Key::down), abecs_cmd_mnu, 9, nullptr, options, 1);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    expect_idle();
     begin("CEX", Gestures().tap(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    expect_idle();
     begin("CKE", Gestures().tap(kCard), abecs_cmd_cke, true, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_2,
           ABECS_CMD_CKE_CTLS_CHECK_TYPE_0);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    expect_idle();
     begin("GPN", Gestures().press(digit('1')), abecs_cmd_gpn, &request);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
+    expect_idle();
     begin("GCD", Gestures().press(digit('1')), abecs_cmd_gcd, 1, 1, 9, 9);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
-    EXPECT_EQ(pinPad_.screen().text, "IDLE");
+    expect_idle();
     EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
     retire();
 }

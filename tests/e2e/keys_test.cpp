@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <string>
 #include <tuple>
 
 #include "abecs/comm/comm.h"
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
 #include "tests/support/wire.h"
-#include "wire/hex.h"
 
 namespace {
 
@@ -27,11 +25,6 @@ AbecsMk master(AbecsMkType_E type) {
     AbecsMk mk{type, 0, {}};
     std::copy(kMasterKey.begin(), kMasterKey.end(), mk.key);
     return mk;
-}
-
-std::string bytes_of(const char* digits) {
-    const Bytes bytes = from_hex(digits);
-    return {bytes.begin(), bytes.end()};
 }
 
 std::string digits_of(const std::string& bytes) { return to_hex(to_bytes(bytes)); }
@@ -58,7 +51,7 @@ protected:
         AbecsCmdGpnRspData out{};
         begin("GPN", Gestures().type("12345"), abecs_cmd_gpn, &request);
         EXPECT_EQ(call(abecs_cmd_gpn_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-        return {tdes_decipher(key, bytes_of(out.pinBlk)), out.ksn};
+        return {tdes_decipher(key, from_digits(out.pinBlk)), out.ksn};
     }
 
     std::string serial_number() {
@@ -81,7 +74,7 @@ TEST_P(Keys, EnbEnciphersABlockUnderTheWorkingKey) {
     const std::pair<AbecsMkType_E, const std::string&> rows[] = {{ABECS_MK_TYPE_DES, kDes},
                                                                  {ABECS_MK_TYPE_TDES, kTdes}};
     for (const auto& [type, key] : rows) {
-        EXPECT_EQ(tdes_decipher(key, bytes_of(enb(type, "0123456789abcdef").c_str())), "0123456789ABCDEF"_hex);
+        EXPECT_EQ(tdes_decipher(key, from_digits(enb(type, "0123456789abcdef"))), "0123456789ABCDEF"_hex);
         // A block that begins like the filling of its field comes without what is taken for that.
         const std::string clear = digits_of(tdes_decipher(key, "30 30 46 DF 67 41 E1 E2"_hex));
         EXPECT_EQ(enb(type, clear.c_str()), "46DF6741E1E2");
@@ -160,7 +153,7 @@ protected:
         EXPECT_EQ(key.type, type_);
         char data[17] = "";
         EXPECT_NO_RAISE(abecs_cmd_enb_encode_data("0123456789ABCDEF", &key, data));
-        EXPECT_EQ(tdes_decipher(kTdes, bytes_of(enb(ABECS_MK_TYPE_TDES, data).c_str())), "0123456789ABCDEF"_hex);
+        EXPECT_EQ(tdes_decipher(kTdes, from_digits(enb(ABECS_MK_TYPE_TDES, data))), "0123456789ABCDEF"_hex);
         const std::string pan = abecs_pan_encrypt("4111111111111111", &key);
         EXPECT_NE(pan, "4111111111111111");
         EXPECT_EQ(pin_block(pan, "042666B49184CF5C 68DE9628D0397B36"_hex).first, "0512254EEEEEEEEE"_hex);
