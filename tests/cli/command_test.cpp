@@ -20,7 +20,7 @@ void expect_lines(const Ended& ended, const Words& lines) {
         EXPECT_NE(("\n" + ended.out).find("\n" + line + "\n"), std::string::npos) << line << "\n" << ended.out;
 }
 
-class CommandTest : public PinPadToolTest {};
+using CommandTest = PinPadToolTest;
 
 TEST_F(CommandTest, InfoTellsWhatThePinPadIs) {
     expect_lines(run({"info"}), {"Manufacturer         QUORVEL", "Text display         4 lines of 16 columns",
@@ -109,7 +109,7 @@ std::string record(int index) { return "400103" + std::to_string(100 + index).su
 TEST_F(CommandTest, TablesAreLoadedInBatches) {
     std::string file = "# comment\nversion 2026010100\n\n";
     for (int i = 0; i < 5; ++i) file += record(i) + (i == 4 ? "\r\n" : "\n");
-    const std::string path = write("demo.tables", file);
+    const std::string path = folder_.file("demo.tables", file);
     expect_lines(run({"tables", "load", path}), {"Acquirer        0", "Version         2026010100", "Records         5",
                                                  "Version before  none", "Loaded          yes"});
     const Words due{"CAN", "OPN", "GTS", "TLI", "TLR", "TLR", "TLR", "TLE", "CLO"};
@@ -124,7 +124,7 @@ TEST_F(CommandTest, TablesAreLoadedInBatches) {
 
 TEST_F(CommandTest, MediaFilesComeAndGo) {
     const std::string image = "image " + std::string(2500, '\xFE');
-    const std::string path = write("logo.png", image);
+    const std::string path = folder_.file("logo.png", image);
     const Json put = run_json({"media", "put", path});
     EXPECT_EQ(put["result"]["name"], "LOGO");
     EXPECT_EQ(put["result"]["size"], 2506);

@@ -11,14 +11,15 @@ namespace {
 class DecodeTest : public ToolTest {
 protected:
     // From, what, the status's name and the contents of each line.
-    static std::string rows(const Json& object) {
+    [[nodiscard]] std::string rows(Arguments arguments) const {
+        arguments.insert(arguments.begin(), "decode");
         std::string text;
+        const Json object = run_json(arguments);
         for (const Json& frame : object["result"]["frames"]) {
-            const Json& status = frame["status"];
+            const Json& contents = frame["contents"];
             text += frame["from"].get<std::string>() + "/" + frame["what"].get<std::string>() + "/"
-                    + (status.is_object() ? status["name"].get<std::string>() : "") + "/"
-                    + (frame["contents"].is_string() ? frame["contents"].get<std::string>() : frame["contents"].dump())
-                    + "\n";
+                    + (frame["status"].is_object() ? frame["status"]["name"].get<std::string>() : "") + "/"
+                    + (contents.is_string() ? contents.get<std::string>() : contents.dump()) + "\n";
         }
         return text;
     }
@@ -31,8 +32,7 @@ TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
     } cases[]{
         {"06", "PIN pad/ACK//\n"},
         {"18", "host/CAN//\n"},
-        // "GIN" 002 "00", and its frame.
-        {"47494E3030323030", "host/GIN device information//{\"GIN_ACQIDX\":\"00\"}\n"},
+        // "GIN" 002 "00" in its frame.
         {"16 47:49:4e 30 30 32 30 30 17 ee ca", "host/GIN device information//{\"GIN_ACQIDX\":\"00\"}\n"},
         // "CLO" 000, "GKY" 004 and "NTM" 000 032.
         {"434C4F303030", "PIN pad/CLO close the session/ST_OK/\n"},
@@ -46,27 +46,24 @@ TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
          "8003",
          "host/GIX device information//{\"SPE_IDLIST\":\"80018003\"}\n"},
     };
-    for (const auto& each : cases) EXPECT_EQ(rows(run_json({"decode", each.hex})), each.words) << each.hex;
+    for (const auto& each : cases) { EXPECT_EQ(rows({each.hex}), each.words) << each.hex; }
+    for (const char* damaged : {"16434C4F170000", "16434C4F"}) {
+        EXPECT_NE(rows({damaged}).find("damaged frame"), std::string::npos);
+    }
 }
 
 TEST_F(DecodeTest, ReadsACapture) {
-    const std::string traced = write("traced", "> 47 4B 59\n  GKY wait for a key\n< 06\n< 474B59303133\n");
-    EXPECT_EQ(rows(run_json({"decode", "--file", traced})),
+    const std::string traced = folder_.file("traced", "> 47 4B 59\n  GKY wait for a key\n< 06\n< 474B59303133\n");
+    EXPECT_EQ(rows({"--file", traced}),
               "host/GKY wait for a key//\nPIN pad/ACK//\nPIN pad/GKY wait for a key/ST_CANCEL/\n");
-    const std::string plain = write("plain", "474B59\n\n474B59303133\n");
-    EXPECT_EQ(rows(run_json({"decode", "--file", plain})),
-              "host/GKY wait for a key//\nPIN pad/GKY wait for a key/ST_CANCEL/\n");
-    EXPECT_NE(run({"decode", "--file", write("words", "hello\n")}).err.find("Line 1"), std::string::npos);
-}
-
-TEST_F(DecodeTest, TellsAFrameThatIsDamagedOrNotWhole) {
-    EXPECT_NE(rows(run_json({"decode", "16434C4F170000"})).find("damaged frame: bad CRC"), std::string::npos);
-    EXPECT_NE(rows(run_json({"decode", "16434C4F"})).find("damaged frame"), std::string::npos);
+    const std::string plain = folder_.file("plain", "474B59\n\n474B59303133\n");
+    EXPECT_EQ(rows({"--file", plain}), "host/GKY wait for a key//\nPIN pad/GKY wait for a key/ST_CANCEL/\n");
+    EXPECT_NE(run({"decode", "--file", folder_.file("words", "hello\n")}).err.find("Line 1"), std::string::npos);
 }
 
 // As a shell would complete them.
 TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
-    const std::string script = write("completion", run({"completion", "bash"}).out);
+    const std::string script = folder_.file("completion", run({"completion", "bash"}).out);
     const struct {
         const char* words;
         int at;
@@ -78,9 +75,9 @@ TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
         {"quorvel --port /dev/ttyS0 sale --sec", 4, "--secure"},
     };
     for (const auto& each : cases) {
-        const std::string test =
-            write("test", ". " + script + "\nCOMP_WORDS=(" + each.words + ")\nCOMP_CWORD=" + std::to_string(each.at)
-                              + "\n_quorvel\n[ \"${COMPREPLY[*]}\" = '" + each.due + "' ]\n");
+        const std::string test = folder_.file(
+            "test", ". " + script + "\nCOMP_WORDS=(" + each.words + ")\nCOMP_CWORD=" + std::to_string(each.at)
+                        + "\n_quorvel\n[ \"${COMPREPLY[*]}\" = '" + each.due + "' ]\n");
         EXPECT_EQ(std::system(("bash " + test).c_str()), 0) << each.words;
     }
     EXPECT_EQ(run({"completion", "zsh"}).out.substr(0, 17), "#compdef quorvel\n");

@@ -28,65 +28,40 @@ void expect_failure(const Json& object, int exit, const std::string& check, cons
     EXPECT_NE(remedies.back().value("remedy", "").find(remedy), std::string::npos) << remedies;
 }
 
-// A line at whose other end nobody is.
-class DeadLine {
-public:
-    DeadLine() {
-        std::array<char, 64> name{};
-        termios raw{};
-        cfmakeraw(&raw);
-        EXPECT_EQ(openpty(&master_, &slave_, name.data(), &raw, nullptr), 0);
-        path_ = name.data();
-    }
-    ~DeadLine() {
-        close(slave_);
-        close(master_);
-    }
-    DeadLine(const DeadLine&) = delete;
-    DeadLine& operator=(const DeadLine&) = delete;
-
-    [[nodiscard]] const std::string& path() const { return path_; }
-
-private:
-    int master_ = -1;
-    int slave_ = -1;
-    std::string path_;
-};
-
 using DoctorTest = ToolTest;
 
-TEST_F(DoctorTest, AsksForAPort) {
+TEST_F(DoctorTest, FindsThatThereIsNoPort) {
+    const std::string file = folder_.file("file");
     expect_failure(run_json({"doctor"}), 2, "port named", "no port is named", "QUORVEL_PORT");
-}
-
-TEST_F(DoctorTest, MissesThePort) {
     expect_failure(run_json({"doctor", "--port", "/dev/nothing"}), 3, "port exists", "there is no /dev/nothing",
                    "quorvel ports");
-}
-
-TEST_F(DoctorTest, FindsThatAFileIsNoPort) {
-    const std::string path = write("file", "");
-    expect_failure(run_json({"doctor", "--port", path}), 3, "port opens", "tcgetattr() error: 25",
+    expect_failure(run_json({"doctor", "--port", file}), 3, "port opens", "tcgetattr() error: 25",
                    "It is no serial port");
 }
 
 TEST_F(DoctorTest, FindsThePortForbidden) {
     if (geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to root";
-    const std::string path = write("forbidden", "");
+    const std::string path = folder_.file("forbidden", "");
     ASSERT_EQ(chmod(path.c_str(), 0), 0);
     expect_failure(run_json({"doctor", "--port", path}), 3, "port opens", "Permission denied", "usermod -aG");
 }
 
 // The library gives the PIN pad six seconds. Who else has the port open is this process.
 TEST_F(DoctorTest, FindsThatNobodyAnswersAndWhoElseHasThePort) {
-    const DeadLine line;
-    const Json object = run_json({"doctor", "--port", line.path()});
+    std::array<char, 64> name{};
+    termios raw{};
+    cfmakeraw(&raw);
+    int master = -1;
+    int slave = -1;
+    ASSERT_EQ(openpty(&master, &slave, name.data(), &raw, nullptr), 0);
+    const Json object = run_json({"doctor", "--port", name.data()});
     expect_failure(object, 4, "answer", "sending CAN", "Check that the PIN pad is on");
     const std::string holder = "process " + std::to_string(getpid());
     EXPECT_NE(object["result"]["checks"].dump().find(holder), std::string::npos) << object;
+    for (const int end : {master, slave}) { close(end); }
 }
 
-class HealthyDoctorTest : public PinPadToolTest {};
+using HealthyDoctorTest = PinPadToolTest;
 
 TEST_F(HealthyDoctorTest, IsContentWithAPinPadThatAnswers) {
     const Json object = run_json({"doctor"});

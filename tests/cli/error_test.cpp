@@ -8,18 +8,18 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 using ErrorTest = ToolTest;
 
-// What is said contains this; nothing of it goes where results go.
-struct Refused {
-    std::vector<std::string> arguments;
-    int exit;
-    std::string said;
-};
-
 TEST_F(ErrorTest, SaysWhatIsWrongAndEndsWithACodeForIt) {
-    const std::string missing = (folder_ / "missing").string();
-    const Refused cases[]{
+    const std::string missing = folder_ / "missing";
+    // What is said contains this; nothing of it goes where results go.
+    const struct {
+        Arguments arguments;
+        int exit;
+        std::string said;
+    } cases[]{
         {{}, 2, "A subcommand is required"},
         {{"dance"}, 2, "There is no command or option 'dance' here."},
         {{"info", "--loud"}, 2, "'--loud'"},
@@ -42,7 +42,7 @@ TEST_F(ErrorTest, SaysWhatIsWrongAndEndsWithACodeForIt) {
         {{"media", "put", missing}, 2, "tells no format"},
         {{"decode", "4"}, 2, "not in hexadecimal"},
     };
-    for (const Refused& refused : cases) {
+    for (const auto& refused : cases) {
         const Ended human = run(refused.arguments);
         EXPECT_EQ(human.exit, refused.exit) << refused.said;
         EXPECT_NE(human.err.find(refused.said), std::string::npos) << human.err;
@@ -64,52 +64,49 @@ TEST_F(ErrorTest, WhatIsPrivateInTheCommandLineIsNotRepeated) {
     }
 }
 
-TEST_F(ErrorTest, ATableFileIsRefusedWithTheLine) {
+TEST_F(ErrorTest, AFileIsRefusedWithTheLine) {
     const struct {
+        bool configuration;
         std::string contents;
         std::string said;
     } cases[]{
-        {"version 1\n009103AB\n", ":2: the record says that it has 9 characters, but it has 8"},
-        {"version 1\n0081\n", ":2: a record has at least 8 characters"},
-        {"version 1\n008x03AB\n", ":2: a record begins with its length"},
-        {"version 1\n\n008103AB\n008103AB\n", ":4: the same table, acquirer and index as in line 3"},
-        {"version 12345678901\n", ":1: a version has 1 to 10 characters"},
-        {"acquirer 100\n", ":1: an acquirer is a number from 0 to 99"},
-        {"008103AB\n", ":1: there is no line `version`"},
-        {"version 1\n998103AB" + std::string(990, 'x') + "\n", ":2: a record has at most 997 characters"},
+        {false, "version 1\n009103AB\n", ":2: the record says that it has 9 characters, but it has 8"},
+        {false, "version 1\n0081\n", ":2: a record has at least 8 characters"},
+        {false, "version 1\n008x03AB\n", ":2: a record begins with its length"},
+        {false, "version 1\n\n008103AB\n008103AB\n", ":4: the same table, acquirer and index as in line 3"},
+        {false, "version 12345678901\n", ":1: a version has 1 to 10 characters"},
+        {false, "acquirer 100\n", ":1: an acquirer is a number from 0 to 99"},
+        {false, "008103AB\n", ":1: there is no line `version`"},
+        {false, "version 1\n998103AB" + std::string(990, 'x') + "\n", ":2: a record has at most 997 characters"},
+        {true, "port = 7\n", ":1: 'port' must be a text"},
+        {true, "secure = true\nsecrets = 1\n", ":2: there is no key 'secrets'"},
+        {true, "port = \n", ":1: "},
     };
     for (const auto& each : cases) {
-        const Ended ended = run({"tables", "load", write("wrong.tables", each.contents), "--port", "/nowhere"});
+        const std::string file = folder_.file("wrong", each.contents);
+        const Ended ended = run(each.configuration ? Arguments{"info", "--config", file}
+                                                   : Arguments{"tables", "load", file, "--port", "/nowhere"});
         EXPECT_EQ(ended.exit, 2);
-        EXPECT_NE(ended.err.find("wrong.tables" + each.said), std::string::npos) << ended.err;
-    }
-}
-
-TEST_F(ErrorTest, AConfigurationFileIsRefusedWithTheLine) {
-    const struct {
-        std::string contents;
-        std::string said;
-    } cases[]{
-        {"port = 7\n", ":1: 'port' must be a text"},
-        {"secure = true\nsecrets = 1\n", ":2: there is no key 'secrets'"},
-        {"port = \n", ":1: "},
-    };
-    for (const auto& each : cases) {
-        const Ended ended = run({"info", "--config", write("wrong.toml", each.contents)});
-        EXPECT_EQ(ended.exit, 2);
-        EXPECT_NE(ended.err.find("wrong.toml" + each.said), std::string::npos) << ended.err;
+        EXPECT_NE(ended.err.find("wrong" + each.said), std::string::npos) << ended.err;
     }
 }
 
 // Each names another port, which is not there: the message tells whose word counts.
 TEST_F(ErrorTest, ThePortIsNamedByOptionThenEnvironmentThenFile) {
-    write(".config/quorvel/config.toml", "port = \"/of/file\"\n");
-    EXPECT_NE(run({"info"}).err.find("No such port: /of/file"), std::string::npos);
-    EXPECT_NE(run({"info"}, {"QUORVEL_PORT=/of/environment"}).err.find("/of/environment"), std::string::npos);
-    EXPECT_NE(run({"info", "--port", "/of/option"}, {"QUORVEL_PORT=/of/environment"}).err.find("/of/option"),
-              std::string::npos);
-    const std::string other = write("other.toml", "port = \"/of/other\"\n");
-    EXPECT_NE(run({"info", "--config", other}).err.find("/of/other"), std::string::npos);
+    std::filesystem::create_directories(folder_ / ".config/quorvel");
+    folder_.file(".config/quorvel/config.toml", "port = '/of/file'\n");
+    const std::string other = folder_.file("other.toml", "port = '/of/other'\n");
+    const std::string variable = "QUORVEL_PORT=/of/environment";
+    const std::tuple<Arguments, Arguments, const char*> cases[]{
+        {{"info"}, {}, "/of/file"},
+        {{"info"}, {variable}, "/of/environment"},
+        {{"info", "--port", "/of/option"}, {variable}, "/of/option"},
+        {{"info", "--config", other}, {}, "/of/other"},
+    };
+    for (const auto& [arguments, environment, due] : cases) {
+        const std::string said = run(arguments, environment).err;
+        EXPECT_NE(said.find("No such port: "s + due), std::string::npos) << said;
+    }
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ TEST_F(InterruptTest, LeavesThePinPadIdle) {
     } cases[]{{{"card"}, "GCX", SIGINT, 130}, {{"key"}, "GKY", SIGTERM, 143}};
     for (const auto& each : cases) {
         const size_t before = sent().size();
-        Tool tool(with_port(each.arguments), folder_);
+        Tool tool(with_port(each.arguments), folder_ / "");
         await_command(each.waitsFor);
         // Twice, as whoever signals a process and its group does.
         for (int i = 0; i < 2; ++i) tool.signal(each.signal);

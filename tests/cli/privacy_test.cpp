@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <regex>
 #include <string>
@@ -43,57 +44,50 @@ protected:
     }
 };
 
-struct Case {
-    std::vector<std::string> arguments;
-    const char* waits;
-    Gestures gestures;
-    int exit = 0;
-};
-
-const sim::Card& card() { return sim::Cards::standard().at("visa-chip"); }
-
-// Every command of the tool, with a cardholder who swipes, inserts and types where one can.
-std::vector<Case> every_command(const std::string& image, const std::string& port) {
-    sim::Card stripe = card();
+// With a cardholder who swipes, inserts and types where one can.
+TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
+    const sim::Card& card = sim::Cards::standard().at("visa-chip");
+    sim::Card stripe = card;
     stripe.serviceCode = "101";
-    const std::string tables = QUORVEL_TABLES;
-    return {
-        {{"ports"}, "", {}},
-        {{"doctor"}, "", {}},
-        {{"info"}, "", {}},
-        {{"gix"}, "", {}},
-        {{"display", "HELLO"}, "", {}},
+    const struct {
+        Arguments arguments;
+        const char* waits = "";
+        Gestures gestures = {};
+        int exit = 0;
+    } cases[]{
+        {{"ports"}},
+        {{"doctor"}},
+        {{"info"}},
+        {{"gix"}},
+        {{"display", "HELLO"}},
         {{"menu", "TEA"}, "MNU", Gestures().choose(1)},
         {{"key"}, "GKY", Gestures().press(sim::Key::enter)},
         {{"event"}, "CEX", Gestures().swipe(stripe)},
-        {{"tables", "load", tables}, "", {}},
-        {{"tables", "version"}, "", {}},
+        {{"tables", "load", QUORVEL_TABLES}},
+        {{"tables", "version"}},
         {{"card"}, "GCX", Gestures().swipe(stripe)},
-        {{"sale", "--amount", "1", "--keep-card"}, "GCX", Gestures().insert(card())},
+        {{"sale", "--amount", "1", "--keep-card"}, "GCX", Gestures().insert(card)},
         {{"pin", "--pan", pan}, "GPN", Gestures().type("1234")},
         {{"pin", "--pan", pan, "--method", "mk-tdes", "--working-key", workingKey}, "GPN", Gestures().type("1234")},
-        {{"media", "put", image}, "", {}},
-        {{"media", "list"}, "", {}},
-        {{"media", "show", "logo"}, "", {}},
-        {{"media", "delete", "logo"}, "", {}},
-        {{"keys"}, "", {}},
-        {{"completion", "bash"}, "", {}},
-        {{"info", "--port", port + "x"}, "", {}, 3},
+        {{"media", "put", folder_.file("logo.png", "image")}},
+        {{"media", "list"}},
+        {{"media", "show", "logo"}},
+        {{"media", "delete", "logo"}},
+        {{"keys"}},
+        {{"completion", "bash"}},
+        {{"info", "--port", pinPad_.path() + "x"}, "", {}, 3},
     };
-}
-
-TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
-    for (const Case& each : every_command(write("logo.png", "image"), pinPad_.path())) {
-        if (*each.waits != '\0') pinPad_.when(each.waits, each.gestures);
-        if (each.arguments.front() == "sale") pinPad_.when("GOX", Gestures().type("1234"));
+    for (const auto& each : cases) {
+        const std::string& command = each.arguments.front();
+        if (*each.waits != '\0') { pinPad_.when(each.waits, each.gestures); }
+        if (command == "sale") { pinPad_.when("GOX", Gestures().type("1234")); }
         Arguments arguments = each.arguments;
         arguments.emplace_back("--trace");
-        if (GetParam()) arguments.emplace_back("--json");
+        if (GetParam()) { arguments.emplace_back("--json"); }
         const Ended ended = run(arguments);
-        EXPECT_EQ(ended.exit, each.exit) << arguments.front() << ended.err;
-        const std::string all = ended.out + ended.err;
-        expect_private(all);
-        EXPECT_FALSE(each.arguments.front() == "pin" && holds_block(all)) << all;
+        EXPECT_EQ(ended.exit, each.exit) << command << ended.err;
+        expect_private(ended.out + ended.err);
+        EXPECT_FALSE(command == "pin" && holds_block(ended.out + ended.err)) << ended.out << ended.err;
         pinPad_.remove();
     }
     expect_no_findings();
@@ -103,32 +97,24 @@ INSTANTIATE_TEST_SUITE_P(WithAndWithoutJson, PrivacyTest, testing::Bool());
 
 std::string frame(const std::string& packet) { return sim::to_hex(sim::encode({.data = sim::to_bytes(packet)})); }
 
-// A parameter of that id, which is given in hexadecimal.
-std::string param(const std::string& id, const std::string& value) {
-    const sim::Bytes head = sim::from_hex(id);
-    std::string bytes(head.begin(), head.end());
-    bytes += static_cast<char>(value.size() >> 8);
-    bytes += static_cast<char>(value.size() & 0xFF);
-    return bytes + value;
-}
-
 std::string bytes(const std::string& hex) {
     const sim::Bytes all = sim::from_hex(hex);
     return {all.begin(), all.end()};
 }
 
-std::string response(const std::string& id, const std::string& params) {
-    return id + "000" + std::to_string(1000 + params.size()).substr(1) + params;
+// An answer with one parameter, whose id is given in hexadecimal.
+std::string response(const std::string& id, const std::string& param, const std::string& value) {
+    return fmt::format("{}000{:03}{}{:c}{:c}{}", id, 4 + value.size(), bytes(param), 0, value.size(), value);
 }
 
 // A PIN pad that masks nothing is no excuse, and neither is a tag or an id that nobody knows.
 TEST_P(PrivacyTest, WhatIsDecodedIsAsPrivate) {
     const std::string track = pan + "=" + discretionary;
     const std::string cases[]{
-        response("GCX", param("8052", pan)),
-        response("GCX", param("8054", bytes("5A08" + pan + "5711" + pan + "D301220100000000FFFF"))),
-        response("GCX", param("80FF", pan)),
-        response("GOX", param("8057", bytes(pan))),
+        response("GCX", "8052", pan),
+        response("GCX", "8054", bytes("5A08" + pan + "5711" + pan + "D301220100000000FFFF")),
+        response("GCX", "80FF", pan),
+        response("GOX", "8057", bytes(pan)),
         "GCR000100" + track + std::string(66, ' '),
         "XYZ000017" + pan + " ",
         "GPN030" + pan + std::string(14, ' '),

@@ -3,9 +3,7 @@
 #include "tests/cli/tool.h"
 
 #include <cstdlib>
-#include <fstream>
 
-namespace fs = std::filesystem;
 namespace sim = quorvel::sim;
 
 namespace {
@@ -15,8 +13,8 @@ std::vector<std::string> with_name(std::vector<std::string> arguments) {
     return arguments;
 }
 
-std::vector<std::string> with_home(std::vector<std::string> environment, const fs::path& home) {
-    environment.push_back("HOME=" + home.string());
+std::vector<std::string> with_home(std::vector<std::string> environment, const std::string& home) {
+    environment.push_back("HOME=" + home);
     for (const char* kept : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
         if (const char* value = std::getenv(kept)) environment.push_back(std::string(kept) + "=" + value);
     }
@@ -25,7 +23,7 @@ std::vector<std::string> with_home(std::vector<std::string> environment, const f
 
 }  // namespace
 
-Tool::Tool(std::vector<std::string> arguments, const fs::path& home, std::vector<std::string> environment)
+Tool::Tool(std::vector<std::string> arguments, const std::string& home, std::vector<std::string> environment)
     : Child(with_name(std::move(arguments)), with_home(std::move(environment), home)) {}
 
 Ended Tool::wait() {
@@ -33,15 +31,8 @@ Ended Tool::wait() {
     return {.exit = exit, .out = output(), .err = errors()};
 }
 
-ToolTest::ToolTest() {
-    std::string name = (fs::temp_directory_path() / "quorvel-cli-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-}
-
-ToolTest::~ToolTest() { fs::remove_all(folder_); }
-
 Ended ToolTest::run(Arguments arguments, std::vector<std::string> environment) const {
-    return Tool(std::move(arguments), folder_, std::move(environment)).wait();
+    return Tool(std::move(arguments), folder_ / "", std::move(environment)).wait();
 }
 
 ToolTest::Json ToolTest::run_json(Arguments arguments) const {
@@ -54,13 +45,6 @@ ToolTest::Json ToolTest::run_json(Arguments arguments) const {
     EXPECT_EQ(object.value("exit", -1), ended.exit);
     EXPECT_EQ(object.value("ok", false), ended.exit == 0) << ended.out;
     return object;
-}
-
-std::string ToolTest::write(const std::string& name, const std::string& contents) const {
-    const fs::path path = folder_ / name;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << contents;
-    return path.string();
 }
 
 ToolTest::Arguments PinPadToolTest::with_port(Arguments arguments) const {

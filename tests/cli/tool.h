@@ -3,13 +3,13 @@
 #ifndef QUORVEL_TESTS_CLI_TOOL_H
 #define QUORVEL_TESTS_CLI_TOOL_H
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "simulator/pin_pad.h"
+#include "tests/core/temp_dir.h"
 #include "tests/support/child.h"
 
 // What a run of quorvel came to.
@@ -23,8 +23,7 @@ struct Ended {
 class Tool : public support::Child {
 public:
     // A `home` that has no configuration leaves none.
-    Tool(std::vector<std::string> arguments, const std::filesystem::path& home,
-         std::vector<std::string> environment = {});
+    Tool(std::vector<std::string> arguments, const std::string& home, std::vector<std::string> environment = {});
 
     Ended wait();
 };
@@ -35,15 +34,11 @@ protected:
     using Arguments = std::vector<std::string>;
     using Json = nlohmann::json;
 
-    ToolTest();
-    ~ToolTest() override;
-
     Ended run(Arguments arguments, std::vector<std::string> environment = {}) const;
     // The same with --json.
     Json run_json(Arguments arguments) const;
-    std::string write(const std::string& name, const std::string& contents) const;
 
-    std::filesystem::path folder_;
+    TempDir folder_;
 };
 
 // Runs against a virtual PIN pad.
