@@ -5,8 +5,11 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 
+#include "simulator/cards/emv.h"
+#include "simulator/cards/risk.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim {
@@ -83,17 +86,15 @@ TEST(Cards, AreReadWhole) {
     EXPECT_EQ(to_hex(application.aid) + application.label + application.record, "A000000003DEBITZ9");
     EXPECT_EQ(std::pair(application.type, application.acquirer), std::pair(2U, 99U));
     EXPECT_EQ(application.objects, (DataObjects{{0x9F07, {0xFF, 0x00}}}));
-    EXPECT_EQ(card.chip->verification, Verification::offlinePin);
-    EXPECT_EQ(card.chip->pin, "987654");
-    EXPECT_EQ(card.chip->pinTries, 1);
-    EXPECT_EQ(std::pair(card.chip->first, card.chip->second), std::pair(Chip::First::online, Chip::Second::declined));
-    EXPECT_EQ(card.chip->fault, Status::cardblocked);
-    EXPECT_EQ(to_hex(card.chip->atr), "3B00");
-    EXPECT_EQ(to_hex(card.chip->script.at(from_hex("00B2010C"))), "70009000");
-    EXPECT_EQ(to_hex(card.chip->script.at(from_hex("00A40400A000000003"))), "6F108405A000000003A507500544454249549000");
-    EXPECT_TRUE(card.contactless->stripeData);
-    EXPECT_EQ(card.contactless->verification, Verification::signature);
-    EXPECT_EQ(card.contactless->fault, Status::ctlsifchg);
+    const Chip& chip = *card.chip;
+    EXPECT_EQ(std::tuple(chip.verification, chip.pin, chip.pinTries, chip.first, chip.second, chip.fault),
+              std::tuple(Verification::offlinePin, "987654", 1, Chip::First::online, Chip::Second::declined,
+                         Status::cardblocked));
+    EXPECT_EQ(to_hex(chip.atr) + to_hex(chip.script.at(from_hex("00B2010C"))), "3B0070009000");
+    EXPECT_EQ(to_hex(chip.script.at(from_hex("00A40400A000000003"))), "6F108405A000000003A507500544454249549000");
+    const Contactless& antenna = *card.contactless;
+    EXPECT_EQ(std::tuple(antenna.stripeData, antenna.verification, antenna.fault),
+              std::tuple(true, Verification::signature, Status::ctlsifchg));
     EXPECT_EQ(card.objects(), (DataObjects{{0x57, from_hex("41D30F")},
                                            {0x5A, from_hex("4111111111111111")},
                                            {0x82, from_hex("3800")},
@@ -138,6 +139,66 @@ TEST(Cards, ErrorsNameTheKeyAndTheLine) {
         }
     }
     EXPECT_THROW(static_cast<void>(Cards::from_file("/nowhere/cards.toml")), std::runtime_error);
+}
+
+// At the threshold the share begins to grow from 10, at the floor limit it would be 90.
+constexpr Risk biased{
+    .managed = true, .floorLimit = 5000, .targetPercentage = 10, .threshold = 1000, .maxPercentage = 90};
+
+TEST(Risk, MoreOfLargerAmountsGoOnline) {
+    for (const auto& [amount, share] : {std::pair(0U, 10U), {1000, 10}, {3000, 50}, {4999, 89}}) {
+        Risk risk = biased;
+        risk.amount = amount;
+        EXPECT_TRUE(selected_at_random(risk, share)) << amount;
+        EXPECT_FALSE(selected_at_random(risk, share + 1)) << amount;
+    }
+    Risk flat = biased;
+    flat.amount = flat.threshold = flat.floorLimit;
+    EXPECT_TRUE(selected_at_random(flat, 10));
+    EXPECT_FALSE(selected_at_random(flat, 11));
+}
+
+TEST(Risk, FirstDecision) {
+    using enum Decision;
+    using First = Chip::First;
+    constexpr unsigned late = 99;
+    const Risk small{.amount = 100};
+    const Risk managed{.managed = true, .amount = 4999, .floorLimit = 5000};
+    const Risk large{.managed = true, .amount = 5000, .floorLimit = 5000};
+    const Risk offline{.canGoOnline = false, .managed = true, .amount = 5000, .floorLimit = 5000};
+    for (const auto& [risk, verified, wish, draw, decision, results] : {
+             std::tuple(managed, Verified{}, First::asAsked, late, approved, ""),
+             {offline, {}, First::asAsked, late, declined, "0000008000"},
+             {biased, {}, First::asAsked, 10, online, "0000001000"},
+             {biased, {}, First::asAsked, 11, approved, ""},
+             {small, {.pinOnline = true}, First::asAsked, late, online, "0000040000"},
+             {small, {.pinOffline = true, .pinErrors = 2}, First::asAsked, late, approved, ""},
+             {small, {.failed = true, .pinBlocked = true}, First::online, late, declined, "0000A00000"},
+             {small, {}, First::online, late, online, ""},
+             {Risk{.canGoOnline = false}, {}, First::online, late, declined, ""},
+             {large, {}, First::declined, late, declined, "0000008000"},
+         }) {
+        DataObjects objects;
+        EXPECT_EQ(first_decision(risk, verified, wish, draw, objects), decision) << results;
+        EXPECT_EQ(to_hex(objects[tag::terminalResults]), results);
+    }
+}
+
+TEST(Risk, FinalDecision) {
+    using enum FinalDecision;
+    using Second = Chip::Second;
+    for (const auto& [issuer, wish, decision] : {
+             std::tuple(Issuer::approved, Second::asAsked, approved),
+             {Issuer::approved, Second::approved, approved},
+             {Issuer::approved, Second::declined, declinedByCard},
+             {Issuer::declined, Second::asAsked, declinedByIssuer},
+             {Issuer::declined, Second::approved, declinedByIssuer},
+             {Issuer::unreachable, Second::asAsked, declinedByCard},
+             {Issuer::unreachable, Second::approved, approved},
+             {Issuer::unreachable, Second::declined, declinedByCard},
+         }) {
+        EXPECT_EQ(final_decision(issuer, wish), decision);
+    }
 }
 
 }  // namespace

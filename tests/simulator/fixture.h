@@ -105,12 +105,12 @@ protected:
         return packet;
     }
 
-    // Requests that are all answered so, and what is found in each.
-    void refuse(const std::string& response, Kind kind,
+    // Requests that are all answered with the status, and what is found in each. Behind ERR, what is no command.
+    void refuse(const std::string& status, Kind kind,
                 const std::vector<std::pair<std::string, std::string>>& requests) {
         std::vector<Finding> due = pinPad_->findings();
         for (const auto& [request, finding] : requests) {
-            call(request, response);
+            call(request, status.starts_with("ERR") ? status : request.substr(0, 3) + status);
             due.push_back({kind, finding});
             ASSERT_EQ(pinPad_->findings(), due);
         }

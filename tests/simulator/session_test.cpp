@@ -126,7 +126,7 @@ TEST_F(SessionTest, EndsWithACloseThatIsAnsweredPlainly) {
 
 TEST_F(SessionTest, IsRefusedForAPublicKeyOutOfShape) {
     play();
-    refuse("OPN011", Kind::layout,
+    refuse("011", Kind::layout,
            {{"OPN5231256" + modulus + "3010001", "OPN: OPN_OPMODE: 1 instead of 0"},
             {"OPN5230255" + modulus + "3010001", "OPN: OPN_MODLEN: 255 instead of 256"},
             {"OPN5230256" + modulus + "1303003", "OPN: OPN_EXPLEN: 1 instead of 3"},
