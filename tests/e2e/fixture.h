@@ -21,6 +21,8 @@ inline std::string from_digits(std::string_view digits) {
     return {bytes.begin(), bytes.end()};
 }
 
+inline const uint8_t* bytes(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); }
+
 // The library and a virtual PIN pad at the other end of its link.
 class EndToEnd : public testing::Test {
 protected:

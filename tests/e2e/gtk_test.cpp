@@ -27,8 +27,6 @@ const std::string kTrack3Blocks = kTrack3 + "FFFF"_hex;
 const std::string kPanBlock = "4111111111111111"_hex;
 const std::string kVector = "A1B2C3D4E5F60718"_hex;
 
-const uint8_t* bytes(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); }
-
 // The PIN pad tells of nobody's card before it has read one.
 class Gtk : public EndToEnd {
 protected:

@@ -101,20 +101,17 @@ TEST_P(Keys, EbxEnciphersDataByEachMethod) {
         {ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, "", "448D3F076D830403 6A55A3D7E0055A78"_hex, false, "FFFF9876543210E00001"},
         {ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, "", "F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex, true, "FFFF9876543210E00002"},
     };
-    const auto* from = reinterpret_cast<const uint8_t*>(data.data());
     const auto text = [](const AbecsRspParamMap* map, uint16_t id) {
         const AbecsRspParamValue* value = abecs_rsp_param_map_get(map, id);
         return value != nullptr ? std::string(value->data, value->data + value->size) : "";
     };
     AbecsRspParamMap* answer = abecs_rsp_param_map_new();
     for (const auto& row : rows) {
-        AbecsCmdEbxBuilder* builder = abecs_cmd_ebx_builder_new(from, data.size(), row.method, 0);
+        AbecsCmdEbxBuilder* builder = abecs_cmd_ebx_builder_new(bytes(data), data.size(), row.method, 0);
         if (!row.workingKey.empty()) {
-            const auto* key = reinterpret_cast<const uint8_t*>(row.workingKey.data());
-            EXPECT_NO_RAISE(abecs_cmd_ebx_builder_wkenc(builder, key, row.workingKey.size()));
+            EXPECT_NO_RAISE(abecs_cmd_ebx_builder_wkenc(builder, bytes(row.workingKey), row.workingKey.size()));
         }
-        const auto* iv = reinterpret_cast<const uint8_t*>(vector.data());
-        if (row.chained) { EXPECT_NO_RAISE(abecs_cmd_ebx_builder_ivcbc(builder, iv)); }
+        if (row.chained) { EXPECT_NO_RAISE(abecs_cmd_ebx_builder_ivcbc(builder, bytes(vector))); }
         EXPECT_EQ(call(abecs_cmd_ebx, builder, answer), ABECS_RSP_STAT_ST_OK);
         abecs_cmd_ebx_builder_delete(&builder);
         EXPECT_EQ(tdes_decipher(row.key, text(answer, ABECS_RSP_DATID_PP_DATAOUT), row.chained ? vector : ""), data)
@@ -174,19 +171,22 @@ protected:
         return out;
     }
 
+    template <typename Read>
+    static void expect_tracks(const Read& read, const Card& card) {
+        EXPECT_EQ(read.track1, card.track1);
+        EXPECT_EQ(read.track2, card.track2);
+        EXPECT_EQ(read.track3, card.track3);
+    }
+
     void expect_clear_tracks(const std::string& pan) {
         const Card card = card_of(pan);
         AbecsCmdCkeOut out{};
         begin("CKE", Gestures().swipe(card), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
               ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
         EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-        EXPECT_EQ(out.track1, card.track1);
-        EXPECT_EQ(out.track2, card.track2);
-        EXPECT_EQ(out.track3, card.track3);
+        expect_tracks(out, card);
         const AbecsCmdGcrResponse read = swiped(card);
-        EXPECT_EQ(read.track1, card.track1);
-        EXPECT_EQ(read.track2, card.track2);
-        EXPECT_EQ(read.track3, card.track3);
+        expect_tracks(read, card);
         EXPECT_EQ(read.pan, pan);
     }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "simulator/scenario/performance.h"
@@ -76,16 +75,16 @@ TEST(ScenarioFile, SaysWhatIsWrongAndWhere) {
 
 TEST(ScenarioFile, IsAsTheGuideHasIt) {
     std::ifstream file(QUORVEL_DOCS "/writing-a-scenario.md");
-    std::ostringstream guide;
-    guide << file.rdbuf();
-    const std::string text = guide.str();
-    const std::string open = "```toml\n";
+    std::string block;
+    bool inside = false;
     int count = 0;
-    for (size_t at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
-        const size_t start = at + open.size();
-        const std::string block = text.substr(start, text.find("```", start) - start);
-        EXPECT_EQ(fault_of((block.find("title = ") == std::string::npos ? "title = 'S'\n" : "") + block), "") << block;
-        ++count;
+    for (std::string line; std::getline(file, line);) {
+        if (inside && line != "```") { block += line + "\n"; }
+        if (inside && line == "```") {
+            EXPECT_EQ(fault_of(block.find("title = ") == std::string::npos ? "title = 'S'\n" + block : block), "");
+            ++count;
+        }
+        if (line.starts_with("```")) { inside = line == "```toml", block.clear(); }
     }
     EXPECT_GT(count, 3);
 }
@@ -125,39 +124,34 @@ TEST(Judge, LetsPassWhatIsExpected) {
 
 TEST(Judge, TellsWhatCameInstead) {
     const std::string go = "[[expect]]\ncommand = 'GKY'\n[[expect]]\ncommand = ['GIN', 'GIX']\nstatus = 'OK'\n";
-    struct Case {
-        std::string text;
-        std::vector<Answered> commands;
-        Complaints due;
-    };
-    const std::vector<Case> cases{
-        {go, {{"GKY", 0}, {"GIN", 13}}, {"s.toml:4: GIN was answered with 013 CANCEL, not with 000 OK"}},
-        {go, {{"GKY", 0}, {"GIX", {}}}, {"s.toml:4: GIX was answered with nothing, not with 000 OK"}},
+    const std::tuple<std::string, std::vector<Answered>, std::string> cases[]{
+        {go, {{"GKY", 0}, {"GIN", 13}}, "s.toml:4: GIN was answered with 013 CANCEL, not with 000 OK"},
+        {go, {{"GKY", 0}, {"GIX", {}}}, "s.toml:4: GIX was answered with nothing, not with 000 OK"},
         {go,
          {{"GIN", 0}, {"GKY", 0}, {"DSP", 0}, {"CLO", 0}},
-         {"s.toml:4: expected once: GIN or GIX, answered with 000 OK; it came never, and DSP, CLO instead"}},
-        {go, {}, {"s.toml:2: expected once: GKY; it came never, and nothing instead"}},
+         "s.toml:4: expected once: GIN or GIX, answered with 000 OK; it came never, and DSP, CLO instead"},
+        {go, {}, "s.toml:2: expected once: GKY; it came never, and nothing instead"},
         {"[[expect]]\ncommand = 'GKY'\ntimes = 3",
          {{"GKY", 0}},
-         {"s.toml:2: expected 3 times: GKY; it came once, and nothing instead"}},
+         "s.toml:2: expected 3 times: GKY; it came once, and nothing instead"},
         {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_ACQREF'",
          {{amount + "10000", 0}},
-         {"s.toml:2: GCX came without SPE_ACQREF, as GCX read a card: SPE_AMOUNT: 5 bytes withheld"}},
+         "s.toml:2: GCX came without SPE_ACQREF, as GCX read a card: SPE_AMOUNT: 5 bytes withheld"},
         {"[[expect]]\ncommand = 'GIN'\nwithout = 'GIN_ACQIDX=\"00\"'",
          {{"GIN00200", 0}},
-         {"s.toml:2: GIN came with GIN_ACQIDX=\"00\""}},
+         "s.toml:2: GIN came with GIN_ACQIDX=\"00\""},
         {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'",
          {{amount + "20000", 0}},
-         {"s.toml:2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""}},
+         "s.toml:2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""},
         {"[[expect]]\ncommand = 'DSP'\nanywhere = true\nstatus = 'OK'",
          {{"DSP", 11}, {"GIN", 0}},
-         {"s.toml:2: expected at least once: DSP, answered with 000 OK; it came never; the last DSP was answered with "
-          "011 INVPARM, not with 000 OK"}},
+         "s.toml:2: expected at least once: DSP, answered with 000 OK; it came never; the last DSP was answered with "
+         "011 INVPARM, not with 000 OK"},
         {"[[expect]]\ncommand = 'CLO'\nanywhere = true\ntimes = 0",
          {{"CLO", 0}, {"CLO", 0}},
-         {"s.toml:2: expected never: CLO; it came 2 times"}},
+         "s.toml:2: expected never: CLO; it came 2 times"},
     };
-    for (const auto& [text, commands, due] : cases) EXPECT_EQ(judged(text, commands), due) << text;
+    for (const auto& [text, commands, due] : cases) { EXPECT_EQ(judged(text, commands), Complaints{due}) << text; }
     EXPECT_EQ(judged("[[finding]]\ntext = 'late'", {}, {{Finding::Kind::layout, "GIN: short"}}),
               (Complaints{"unexpected finding (layout): GIN: short",
                           "s.toml:2: expected the finding \"late\"; it never came"}));
@@ -167,14 +161,8 @@ TEST(Judge, TellsWhatCameInstead) {
 TEST(Judge, ComparesValues) {
     const std::string dsp = "DSP032PAY 10,00, SPE_AMOUNT=\"1\"" + std::string(7, ' ');
     const std::string request = "GCX028" + "000C 0001 3C 0004 0003 9F025A 0013 000C"_hex + "000000001000";
-    struct Case {
-        const char* command;
-        const std::string& request;
-        const char* expected;
-        bool met;
-    };
     for (const auto& [command, sent, expected, met] : {
-             Case{"DSP", dsp, "DSP_MSG=\"PAY 10,00, SPE_AMOUNT=\"1\"\"", true},
+             std::tuple("DSP", dsp, "DSP_MSG=\"PAY 10,00, SPE_AMOUNT=\"1\"\"", true),
              {"DSP", dsp, "DSP_MSG=\"PAY 10,00\"", false},
              {"DSP", dsp, "DSP_MSG~\"10,00, \"", true},
              {"DSP", dsp, "DSP_MSG~\"10.00\"", false},
@@ -208,10 +196,6 @@ protected:
         return complaints;
     }
 
-    void ask(const std::string& request, const std::string& response) {
-        exchange(frame(request), ack + frame(response));
-    }
-
     std::optional<Performance> performance_;
 };
 
@@ -221,17 +205,17 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
         "{ notify = 'SOON' },\n{ pause = 1 },\n{ press = 'f1' },\n{ fault = 'status', status = 40 },\n"
         "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n]\n"
         "[device]\nserial_number = 'MINE'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
-    ask("GKY", "NTM000004SOON");
+    call("GKY", "NTM000004SOON");
     expect(frame("GKY040"));
-    ask("GKY", "GKY005");
-    ask("RMC032" + std::string(32, 'X'), "RMC000");
-    ask("GTS00203", "GTS0000100123456789");
+    call("GKY", "GKY005");
+    call("RMC032" + std::string(32, 'X'), "RMC000");
+    call("GTS00203", "GTS0000100123456789");
     EXPECT_EQ(complaints(), Complaints{});
 }
 
 TEST_F(PerformanceTest, TellsWhereTheScriptGotStuck) {
     perform("script = [\n{ wait = 'GKY' },\n{ press = 'f1' },\n{ wait = ['GCR', 'GCX'] },\n{ remove = true },\n]\n");
-    ask("GKY", "GKY004");
+    call("GKY", "GKY004");
     exchange(frame("CKE003100"), ack);
     EXPECT_EQ(complaints(),
               Complaints{"s.toml:5: the script did not get past wait = [\"GCR\",\"GCX\"]; CKE waited instead"});
@@ -242,7 +226,7 @@ TEST_F(PerformanceTest, CountsWhatTheHostWasToldAndWhatItGaveUp) {
         "script = [{ fault = 'status', status = 40, command = 'GIN' }]\n"
         "[[expect]]\ncommand = 'GIN'\nstatus = 'INTERR'\n[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n"
         "[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n");
-    ask("GIN00200", "GIN040");
+    call("GIN00200", "GIN040");
     exchange(frame("GKY"), ack);
     exchange(can, eot);
     exchange(frame("GKY"), ack);
