@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
-# attempt.sh <root> <compiler> [<flag> ...]: what may be written and what does not compile: a try block that is never run; a
+# misuse.sh <root> <compiler> [<flag> ...]: what may be written and what does not compile: a try block that is never run; a
 # function reference that outlives its lambda, or a request that was given a name; a parameter written in another form.
 set -euo pipefail
 cd "$1"
