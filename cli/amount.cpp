@@ -18,7 +18,7 @@ uint64_t parse_amount(const std::string& text) {
     const std::string digits = whole + fraction;
     const bool numeric = std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
     if (!numeric || whole.empty() || fraction.size() != decimals || digits.size() > most) {
-        throw Error(Exit::usage, fmt::format("'{}' is no amount.", text), "Write it like 12.34 or 12.");
+        throw Error(Exit::kUsage, fmt::format("'{}' is no amount.", text), "Write it like 12.34 or 12.");
     }
     return std::stoull(digits);
 }

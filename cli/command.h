@@ -26,7 +26,7 @@ struct Context {
 // How a command ends that does not throw. A report with nothing in it prints nothing for people.
 struct Outcome {
     Group report = {};
-    Exit exit = Exit::ok;
+    Exit exit = Exit::kOk;
     // In place of the report, for what is no result but a text of its own.
     std::string raw = {};
 };

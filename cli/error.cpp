@@ -27,6 +27,7 @@ LibraryError::LibraryError(int16_t code, std::string_view message)
     : Error(explain_error(code).exit, detail_of(message), std::string(explain_error(code).remedy)), code_(code) {}
 
 StatusError::StatusError(std::string_view command, int32_t status)
-    : Error(Exit::refused, status_text(command, status), std::string(explain_status(status).remedy)), status_(status) {}
+    : Error(Exit::kRefused, status_text(command, status), std::string(explain_status(status).remedy)),
+      status_(status) {}
 
 }  // namespace quorvel::cli

@@ -12,15 +12,15 @@ namespace quorvel::cli {
 
 // What the program ends with; quorvel(1) documents them.
 enum class Exit : int {
-    ok = 0,
-    refused = 1,   // the PIN pad answered with another status than OK
-    usage = 2,     // the command line, the configuration or an input file is wrong
-    port = 3,      // the port cannot be opened
-    link = 4,      // the PIN pad does not answer, or not as it should
-    declined = 5,  // the sale was not approved
-    internal = 70,
-    interrupted = 130,
-    terminated = 143,
+    kOk = 0,
+    kRefused = 1,   // the PIN pad answered with another status than OK
+    kUsage = 2,     // the command line, the configuration or an input file is wrong
+    kPort = 3,      // the port cannot be opened
+    kLink = 4,      // the PIN pad does not answer, or not as it should
+    kDeclined = 5,  // the sale was not approved
+    kInternal = 70,
+    kInterrupted = 130,
+    kTerminated = 143,
 };
 
 // What went wrong and, where there is something to do about it, what.

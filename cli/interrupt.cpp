@@ -51,7 +51,7 @@ void watch() {
 bool requested() noexcept { return received != 0; }
 
 void check() {
-    if (requested()) throw Interrupted(received == SIGTERM ? Exit::terminated : Exit::interrupted);
+    if (requested()) throw Interrupted(received == SIGTERM ? Exit::kTerminated : Exit::kInterrupted);
 }
 
 }  // namespace quorvel::cli::interrupt

@@ -43,19 +43,19 @@ const std::map<std::string, uint16_t>& names() {
 // Who reads the card may see what is on it, the number masked.
 Value value_of(const wire::Item& item) {
     const std::string digits = wire::to_hex(item.value);
-    if (item.privacy == wire::Privacy::withheld) {
+    if (item.privacy == wire::Privacy::kWithheld) {
         return Secret{is_printable(item.value) ? trimmed(item.value) : digits};
     }
     switch (item.type) {
-        case wire::Type::number:
+        case wire::Type::kNumber:
             return wire::number_of(item.value);
-        case wire::Type::pan:
+        case wire::Type::kPan:
             return Pan{trimmed(item.value)};
-        case wire::Type::packedPan:
+        case wire::Type::kPackedPan:
             return Pan{digits.substr(0, digits.find_last_not_of('F') + 1)};
-        case wire::Type::objects:
+        case wire::Type::kObjects:
             return emv_fields(item.parts);
-        case wire::Type::bytes:
+        case wire::Type::kBytes:
             return digits;
         default:
             return trimmed(item.value);

@@ -18,7 +18,7 @@ std::string required_port(const Settings& settings) {
     if (!settings.port.empty()) return settings.port;
     std::string found;
     for (const PortInfo& port : list_ports()) found += fmt::format(" {}", port.path);
-    throw Error(Exit::usage, "No port is named.",
+    throw Error(Exit::kUsage, "No port is named.",
                 fmt::format("Name it with --port, QUORVEL_PORT or in {}. Ports here:{}.\n"
                             "  No PIN pad at hand? `quorvel-sim` is a virtual one and prints its port.",
                             default_config().string(), found.empty() ? " none" : found));
@@ -34,7 +34,7 @@ Link::Link(const Settings& settings, Output& output) : output_(output) {
         probe_port(port);
         try {
             tap_ = std::make_unique<Tap>(port, output);
-        } catch (const std::system_error& error) { throw Error(Exit::port, error.what()); }
+        } catch (const std::system_error& error) { throw Error(Exit::kPort, error.what()); }
         path = tap_->path();
     }
     pinPad_ = call([&] { return abecs_comm_open(path.c_str()); });

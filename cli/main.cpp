@@ -89,8 +89,8 @@ Exit run(const Ready& command, Globals& globals, Output& output, const CLI::App&
         output.failure(error);
         return error.exit();
     } catch (const std::exception& error) {
-        output.failure(Error(Exit::internal, error.what()));
-        return Exit::internal;
+        output.failure(Error(Exit::kInternal, error.what()));
+        return Exit::kInternal;
     }
 }
 
@@ -107,8 +107,8 @@ std::string text_of(const CLI::App& app, const CLI::ParseError& error) {
 Exit refuse(const CLI::App& app, const CLI::ParseError& error, bool json) {
     if (error.get_exit_code() == 0) return static_cast<Exit>(app.exit(error));
     Output({.json = json})
-        .failure(Error(Exit::usage, text_of(app, error), "See `quorvel --help` and `quorvel COMMAND --help`."));
-    return Exit::usage;
+        .failure(Error(Exit::kUsage, text_of(app, error), "See `quorvel --help` and `quorvel COMMAND --help`."));
+    return Exit::kUsage;
 }
 
 bool asks_for_json(int argc, char** argv) {
@@ -141,6 +141,6 @@ int main(int argc, char** argv) {
         return static_cast<int>(quorvel::cli::run(argc, argv));
     } catch (const std::exception& error) {
         fmt::print(stderr, "quorvel: {}\n", error.what());
-        return static_cast<int>(quorvel::cli::Exit::internal);
+        return static_cast<int>(quorvel::cli::Exit::kInternal);
     }
 }

@@ -140,7 +140,7 @@ Output::Json Output::json_of(const Table& table) const {
 Output::Json Output::envelope(Exit exit) const {
     return Json{{"quorvel", formatVersion},
                 {"command", style_.command},
-                {"ok", exit == Exit::ok},
+                {"ok", exit == Exit::kOk},
                 {"exit", static_cast<int>(exit)}};
 }
 

@@ -23,7 +23,7 @@ std::optional<std::string> environment(const char* name) {
 
 // An error in a configuration file, with its place in the file.
 Error fault(const fs::path& file, const toml::source_region& place, std::string_view text) {
-    return {Exit::usage, fmt::format("{}:{}: {}", file.string(), place.begin.line, text),
+    return {Exit::kUsage, fmt::format("{}:{}: {}", file.string(), place.begin.line, text),
             "The keys are described in quorvel(1), under CONFIGURATION."};
 }
 
@@ -39,7 +39,7 @@ void apply(Settings& settings, const fs::path& file, const toml::key& key, const
         const auto port = value_of<std::string>(file, key, node, "a text");
         if (!settings.port.empty()) return;
         settings.port = port;
-        settings.portFrom = Origin::file;
+        settings.portFrom = Origin::kFile;
     } else if (key == "secure") {
         settings.secure |= value_of<bool>(file, key, node, "true or false");
     } else if (key == "tables") {
@@ -61,13 +61,13 @@ void apply(Settings& settings, const fs::path& file) {
 
 std::string_view origin_name(Origin origin) noexcept {
     switch (origin) {
-        case Origin::option:
+        case Origin::kOption:
             return "the option --port";
-        case Origin::environment:
+        case Origin::kEnvironment:
             return "the environment variable QUORVEL_PORT";
-        case Origin::file:
+        case Origin::kFile:
             return "the configuration file";
-        case Origin::nowhere:
+        case Origin::kNowhere:
             break;
     }
     return "nowhere";
@@ -81,17 +81,17 @@ fs::path default_config() {
 
 void complete(Settings& settings, const std::optional<std::string>& config) {
     if (!settings.port.empty()) {
-        settings.portFrom = Origin::option;
+        settings.portFrom = Origin::kOption;
     } else if (const auto port = environment("QUORVEL_PORT")) {
         settings.port = *port;
-        settings.portFrom = Origin::environment;
+        settings.portFrom = Origin::kEnvironment;
     }
     const fs::path file = config ? fs::path(*config) : default_config();
     std::error_code unreadable;
     if (fs::exists(file, unreadable)) {
         apply(settings, file);
     } else if (config) {
-        throw Error(Exit::usage, fmt::format("There is no configuration file {}.", *config));
+        throw Error(Exit::kUsage, fmt::format("There is no configuration file {}.", *config));
     }
 }
 

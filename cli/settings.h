@@ -11,12 +11,12 @@
 namespace quorvel::cli {
 
 // Where the port was named.
-enum class Origin { nowhere, option, environment, file };
+enum class Origin { kNowhere, kOption, kEnvironment, kFile };
 
 // What holds for every command.
 struct Settings {
     std::string port = {};
-    Origin portFrom = Origin::nowhere;
+    Origin portFrom = Origin::kNowhere;
     bool secure = false;
     bool trace = false;
     // For `sale` and `tables load`, when they name none; relative to the configuration file.

@@ -34,20 +34,20 @@ public:
 
     TableFile load() {
         std::ifstream in(path_);
-        if (!in) throw Error(Exit::usage, fmt::format("{} cannot be read.", path_));
+        if (!in) throw Error(Exit::kUsage, fmt::format("{} cannot be read.", path_));
         for (std::string line; std::getline(in, line);) {
             ++number_;
             if (line.ends_with('\r')) line.pop_back();
             take(line);
         }
-        if (in.bad()) throw Error(Exit::usage, fmt::format("{} cannot be read to its end.", path_));
+        if (in.bad()) throw Error(Exit::kUsage, fmt::format("{} cannot be read to its end.", path_));
         if (file_.version.empty()) fail("there is no line `version`");
         return std::move(file_);
     }
 
 private:
     [[noreturn]] void fail(std::string_view text) const {
-        throw Error(Exit::usage, fmt::format("{}:{}: {}", path_, number_, text),
+        throw Error(Exit::kUsage, fmt::format("{}:{}: {}", path_, number_, text),
                     "quorvel-tables(5) describes the file.");
     }
 

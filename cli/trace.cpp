@@ -48,7 +48,7 @@ public:
 
 private:
     void tell(const std::optional<wire::Reception>& reception) {
-        if (reception) output_.trace(sender_ == wire::Sender::host ? '>' : '<', words(sender_, *reception));
+        if (reception) output_.trace(sender_ == wire::Sender::kHost ? '>' : '<', words(sender_, *reception));
     }
 
     [[nodiscard]] bool forward(std::span<const uint8_t> bytes) const {
@@ -96,8 +96,8 @@ Tap::~Tap() {
 }
 
 void Tap::relay(Output& output) const {
-    Direction out(master_.get(), port_.get(), wire::Sender::host, output);
-    Direction in(port_.get(), master_.get(), wire::Sender::pinPad, output);
+    Direction out(master_.get(), port_.get(), wire::Sender::kHost, output);
+    Direction in(port_.get(), master_.get(), wire::Sender::kPinPad, output);
     for (;;) {
         std::array<pollfd, 3> polled{pollfd{stop_.get(), POLLIN, 0}, pollfd{master_.get(), POLLIN, 0},
                                      pollfd{port_.get(), POLLIN, 0}};

@@ -81,22 +81,23 @@ void read_card(Link& link, const CardRequest& request, Items& card) {
 }
 
 CardType card_type(const Items& card) {
-    constexpr std::array types{CardType::stripe, CardType::chip, CardType::contactlessStripe, CardType::contactless};
+    constexpr std::array types{CardType::kStripe, CardType::kChip, CardType::kContactlessStripe,
+                               CardType::kContactless};
     const auto* found = std::ranges::find(types, card.number(ABECS_RSP_DATID_PP_CARDTYPE).value_or(-1),
                                           [](CardType type) { return static_cast<int>(type); });
-    if (found == types.end()) throw Error(Exit::link, "The PIN pad does not tell what kind of card it has read.");
+    if (found == types.end()) throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
     return *found;
 }
 
 std::string card_type_words(CardType type) {
     switch (type) {
-        case CardType::chip:
+        case CardType::kChip:
             return "chip";
-        case CardType::contactlessStripe:
+        case CardType::kContactlessStripe:
             return "contactless, stripe data";
-        case CardType::contactless:
+        case CardType::kContactless:
             return "contactless";
-        case CardType::stripe:
+        case CardType::kStripe:
             break;
     }
     return "magnetic stripe";

@@ -28,12 +28,12 @@ struct CardRequest {
 void read_card(Link& link, const CardRequest& request, Items& card);
 
 // PP_CARDTYPE.
-enum class CardType { stripe = 0, chip = 3, contactlessStripe = 5, contactless = 6 };
+enum class CardType { kStripe = 0, kChip = 3, kContactlessStripe = 5, kContactless = 6 };
 
 // Throws Error for a type that is none of them.
 [[nodiscard]] CardType card_type(const Items& card);
 [[nodiscard]] std::string card_type_words(CardType type);
-[[nodiscard]] inline bool runs_emv(CardType type) { return type == CardType::chip || type == CardType::contactless; }
+[[nodiscard]] inline bool runs_emv(CardType type) { return type == CardType::kChip || type == CardType::kContactless; }
 
 // What can be told of a card that was read.
 [[nodiscard]] Group card_group(const Items& card);

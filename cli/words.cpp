@@ -40,7 +40,7 @@ Value name_of(const wire::Packet& packet) {
 
 Group packet_words(wire::Sender sender, std::span<const uint8_t> packet) {
     const wire::Packet apart = wire::take_apart(sender, packet);
-    if (sender == wire::Sender::pinPad && !apart.status) {
+    if (sender == wire::Sender::kPinPad && !apart.status) {
         return {{"What", "no response"}, {"Contents", Secret{std::string(packet.begin(), packet.end())}}};
     }
     Group words{{"What", name_of(apart)}};
@@ -51,7 +51,7 @@ Group packet_words(wire::Sender sender, std::span<const uint8_t> packet) {
 
 Group words(wire::Sender sender, const wire::Reception& reception) {
     const wire::Frame& frame = reception.frame;
-    if (reception.kind != wire::Reception::Kind::frame || frame.encrypted) {
+    if (reception.kind != wire::Reception::Kind::kFrame || frame.encrypted) {
         return {{"What", wire::reception_words(reception)}};
     }
     return packet_words(sender, frame.data);

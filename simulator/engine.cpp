@@ -54,13 +54,13 @@ void Engine::receive(ByteView bytes) {
 void Engine::give_up() { handle(decoder_.give_up()); }
 
 void Engine::handle(const Reception& reception) {
-    if (reception.kind == Reception::Kind::frame) return accept(reception);
-    journal_.record(Traffic{Sender::host, reception.wire, reception_words(reception), is_private(reception)});
+    if (reception.kind == Reception::Kind::kFrame) return accept(reception);
+    journal_.record(Traffic{Sender::kHost, reception.wire, reception_words(reception), is_private(reception)});
     switch (reception.kind) {
-        case Reception::Kind::damaged:
+        case Reception::Kind::kDamaged:
             return refuse(reception.fault);
-        case Reception::Kind::interrupted:
-            return find(Finding::Kind::framing, reception.fault);
+        case Reception::Kind::kInterrupted:
+            return find(Finding::Kind::kFraming, reception.fault);
         default:
             return handle_byte(reception.byte);
     }
@@ -73,7 +73,7 @@ void Engine::handle_byte(uint8_t byte) {
         case control::nak:
             return resend();
         default:
-            find(Finding::Kind::framing, control_words(byte) + " outside a frame");
+            find(Finding::Kind::kFraming, control_words(byte) + " outside a frame");
     }
 }
 
@@ -87,10 +87,10 @@ void Engine::cancel() {
 
 void Engine::accept(const Reception& reception) {
     const Request request = open(reception);
-    journal_.record(Traffic{Sender::host, reception.wire, request.words, is_private(reception)});
+    journal_.record(Traffic{Sender::kHost, reception.wire, request.words, is_private(reception)});
     if (!transmitter_.acknowledge(id_of(request.packet))) return;
     if (pending_) {
-        find(Finding::Kind::sequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
+        find(Finding::Kind::kSequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
     }
     end_exchange(std::nullopt);
     lastResponse_.reset();
@@ -98,13 +98,13 @@ void Engine::accept(const Reception& reception) {
 }
 
 void Engine::refuse(const std::string& fault) {
-    find(Finding::Kind::framing, fault);
+    find(Finding::Kind::kFraming, fault);
     transmitter_.send_byte(control::nak);
 }
 
 void Engine::resend() {
-    if (!lastResponse_) return find(Finding::Kind::sequence, "NAK without a response before it");
-    if (resends_ == maxResends) return find(Finding::Kind::sequence, "NAK after the last repetition");
+    if (!lastResponse_) return find(Finding::Kind::kSequence, "NAK without a response before it");
+    if (resends_ == maxResends) return find(Finding::Kind::kSequence, "NAK after the last repetition");
     ++resends_;
     transmitter_.abandon();
     static_cast<void>(transmitter_.send(*lastResponse_, channel_));
@@ -120,17 +120,18 @@ Engine::Request Engine::open(const Reception& reception) const {
     };
     if (!frame.encrypted) {
         if (!channel_.active() || id_of(frame.data) == openId) return request;
-        return refuse(Finding::Kind::sequence, "a plain command inside an encrypted session", Status::errpktsec);
+        return refuse(Finding::Kind::kSequence, "a plain command inside an encrypted session", Status::kErrpktsec);
     }
     if (!channel_.active()) {
-        return refuse(Finding::Kind::sequence, "an encrypted frame without a session", Status::nosec);
+        return refuse(Finding::Kind::kSequence, "an encrypted frame without a session", Status::kNosec);
     }
     try {
         request.packet = channel_.unseal(frame.data);
     } catch (const SealError& error) {
-        return refuse(Finding::Kind::layout, fmt::format("an encrypted frame: {}", error.what()), Status::errpktsec);
+        return refuse(Finding::Kind::kLayout, fmt::format("an encrypted frame: {}", error.what()), Status::kErrpktsec);
     }
-    if (id_of(request.packet) == openId) return refuse(Finding::Kind::sequence, "an enciphered OPN", Status::errpktsec);
+    if (id_of(request.packet) == openId)
+        return refuse(Finding::Kind::kSequence, "an enciphered OPN", Status::kErrpktsec);
     request.sealed = true;
     request.words = enciphered_words(request_words(request.packet));
     return request;
@@ -141,18 +142,18 @@ void Engine::obey(const Request& request) {
     if (request.refused) return refuse(*request.refused, request.status, request);
     const ByteView packet = request.packet;
     if (packet.size() < idWidth) {
-        return refuse({Finding::Kind::layout, "a frame without a command"}, Status::invcall, request);
+        return refuse({Finding::Kind::kLayout, "a frame without a command"}, Status::kInvcall, request);
     }
     const std::string id = id_of(packet);
     const Command* command = find_command(id);
     if (command == nullptr) {
-        return refuse({Finding::Kind::unsupported, fmt::format("there is no command {:?}", id)}, Status::invcall,
+        return refuse({Finding::Kind::kUnsupported, fmt::format("there is no command {:?}", id)}, Status::kInvcall,
                       request);
     }
     Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(idWidth))};
     const Screen::Content before = screen_.content();
     Outcome outcome = run(*command, call);
-    const bool ends = command->session == Command::Session::ends;
+    const bool ends = command->session == Command::Session::kEnds;
     if (ends) end_session();
     if (const auto* answer = std::get_if<Answer>(&outcome)) {
         return respond(id, id, *answer, request.sealed && !ends);
@@ -196,7 +197,7 @@ std::optional<Engine::Clock::time_point> Engine::deadline() const {
 
 void Engine::poll(Clock::time_point now) {
     for (const Event& event : cardholder_.take()) perform(event);
-    if (pending_ && now >= pending_->deadline) finish({.status = Status::timeout, .blocks = {}});
+    if (pending_ && now >= pending_->deadline) finish({.status = Status::kTimeout, .blocks = {}});
 }
 
 // A card goes in and out of the reader whether or not a command waits for it.

@@ -69,7 +69,7 @@ private:
         bool sealed = false;
         std::string words;
         std::optional<Finding> refused = {};
-        Status status = Status::ok;
+        Status status = Status::kOk;
     };
 
     struct Pending {

@@ -66,7 +66,7 @@ struct Settings {
 };
 
 const std::map<std::string, sim::Scenario::End> ends{
-    {"close", sim::Scenario::End::close}, {"done", sim::Scenario::End::done}, {"stop", sim::Scenario::End::stop}};
+    {"close", sim::Scenario::End::kClose}, {"done", sim::Scenario::End::kDone}, {"stop", sim::Scenario::End::kStop}};
 
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {

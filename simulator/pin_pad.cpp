@@ -60,7 +60,7 @@ void PinPad::run() {
     while (!stopping_) {
         if (companion_ != nullptr) companion_->work(*this, Clock::now());
         const bool room = heard_.size() < maxHeard;
-        if (line_.wait(patience(), room) == Line::Event::readable) heard_.push(line_.read(), {}, Clock::now());
+        if (line_.wait(patience(), room) == Line::Event::kReadable) heard_.push(line_.read(), {}, Clock::now());
         // What was done before the host spoke is not for the command that comes.
         engine_.poll(Clock::now());
         hear();
@@ -156,7 +156,7 @@ void PinPad::start() {
     thread_ = std::thread([this] {
         try {
             run();
-        } catch (const std::exception& error) { journal_.record(Finding{Finding::Kind::internal, error.what()}); }
+        } catch (const std::exception& error) { journal_.record(Finding{Finding::Kind::kInternal, error.what()}); }
     });
 }
 
@@ -167,7 +167,7 @@ void PinPad::stop() {
 
 void PinPad::send(ByteView bytes) {
     if (!line_.is_open() || line_.write(bytes) || stopping_) return;
-    journal_.record(Finding{Finding::Kind::sequence, "nobody reads the line: bytes were lost"});
+    journal_.record(Finding{Finding::Kind::kSequence, "nobody reads the line: bytes were lost"});
 }
 
 }  // namespace quorvel::sim

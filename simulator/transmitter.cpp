@@ -34,7 +34,7 @@ Transmitter::Transmitter(std::chrono::nanoseconds perByte, FaultPlan& faults, Jo
 void Transmitter::send_byte(uint8_t byte) { put({byte}, control_words(byte)); }
 
 bool Transmitter::acknowledge(std::string_view command) {
-    const auto fault = faults_.strike({.kind = Message::Kind::acknowledgement, .command = std::string(command)});
+    const auto fault = faults_.strike({.kind = Message::Kind::kAcknowledgement, .command = std::string(command)});
     Bytes wire{control::ack};
     apply(kind_of(fault), &FaultKind::wire, wire);
     const bool accepted = wire != Bytes{control::nak};
@@ -55,7 +55,7 @@ int Transmitter::send(const Message& message, const SecureChannel& channel) {
     // In words, what was meant: of what a fault has made of it they might tell more than they should.
     const std::string words = response_words(message.packet);
     put(std::move(wire), message.sealed ? enciphered_words(words) : words, fault,
-        !message.sealed && !is_open(Sender::pinPad, message.packet));
+        !message.sealed && !is_open(Sender::kPinPad, message.packet));
     if (kind != nullptr && kind->hangsUp) line_.hangUp(fault->time);
     return status;
 }
@@ -77,7 +77,7 @@ void Transmitter::put(Bytes wire, std::string words, const std::optional<Fault>&
         words += fmt::format(" (fault: {})", fault->kind);
     }
     bytes_.push(wire, pace, Clock::now());
-    journal_.record(Traffic{Sender::pinPad, std::move(wire), std::move(words), withheld});
+    journal_.record(Traffic{Sender::kPinPad, std::move(wire), std::move(words), withheld});
     flush();
 }
 

@@ -6,18 +6,18 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr auto shown = Privacy::shown;
+constexpr auto shown = Privacy::kShown;
 using Size = Field::Size;
 
-constexpr Field block{"", {}, Size::length};
+constexpr Field block{"", {}, Size::kLength};
 
-constexpr Field digits(std::string_view name, size_t width) { return {name, {Type::digits, width, shown}}; }
-constexpr Field text(std::string_view name, size_t width) { return {name, {Type::text, width, shown}}; }
-constexpr Field hex(std::string_view name, size_t width) { return {name, {Type::hex, width, shown}}; }
-constexpr Field withheld(std::string_view name, size_t width) { return {name, {Type::text, width}}; }
-constexpr Field optional(Field field) { return {field.name, field.content, Size::optional}; }
-constexpr Field counted(Field field) { return {field.name, field.content, Size::counted}; }
-constexpr Field rest(Field field) { return {field.name, field.content, Size::rest}; }
+constexpr Field digits(std::string_view name, size_t width) { return {name, {Type::kDigits, width, shown}}; }
+constexpr Field text(std::string_view name, size_t width) { return {name, {Type::kText, width, shown}}; }
+constexpr Field hex(std::string_view name, size_t width) { return {name, {Type::kHex, width, shown}}; }
+constexpr Field withheld(std::string_view name, size_t width) { return {name, {Type::kText, width}}; }
+constexpr Field optional(Field field) { return {field.name, field.content, Size::kOptional}; }
+constexpr Field counted(Field field) { return {field.name, field.content, Size::kCounted}; }
+constexpr Field rest(Field field) { return {field.name, field.content, Size::kRest}; }
 
 constexpr std::array chpRequest{block, digits("CHP_SLOT", 1), digits("CHP_OPER", 1)};
 constexpr std::array ckeRequest{block, digits("CKE_KEY", 1), digits("CKE_MAG", 1), digits("CKE_ICC", 1),
@@ -152,7 +152,7 @@ constexpr std::array layouts{
 std::span<const Field> fields_of(std::string_view id, Sender sender) noexcept {
     const auto* layout = std::ranges::find(layouts, id, &Layout::id);
     if (layout == layouts.end()) return {};
-    return sender == Sender::host ? layout->request : layout->response;
+    return sender == Sender::kHost ? layout->request : layout->response;
 }
 
 }  // namespace quorvel::wire

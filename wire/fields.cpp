@@ -62,7 +62,7 @@ uint64_t Reader::n(std::string_view field, size_t digits, Range range) {
 std::string Reader::text(std::string_view field, size_t width, uint8_t highest, Cr cr) {
     const ByteView taken = take(field, width);
     for (const uint8_t c : taken) {
-        const bool valid = c == carriageReturn ? cr == Cr::allowed : c >= lowestCharacter && c <= highest;
+        const bool valid = c == carriageReturn ? cr == Cr::kAllowed : c >= lowestCharacter && c <= highest;
         if (!valid) refuse(field, fmt::format("0x{:02X} is not allowed", c));
     }
     std::string text(taken.begin(), taken.end());

@@ -23,7 +23,7 @@ inline constexpr size_t paramHead = 4;
 // A request that breaks its layout. The text names the field and what is wrong with it; the status answers it.
 class LayoutError : public std::runtime_error {
 public:
-    explicit LayoutError(const std::string& text, Status status = Status::invparm)
+    explicit LayoutError(const std::string& text, Status status = Status::kInvparm)
         : std::runtime_error(text), status_(status) {}
 
     [[nodiscard]] Status status() const noexcept { return status_; }
@@ -39,7 +39,7 @@ struct Param {
     bool operator==(const Param&) const = default;
 };
 
-enum class Cr { refused, allowed };
+enum class Cr { kRefused, kAllowed };
 
 // Of values that a field may have, both included.
 struct Range {
@@ -59,8 +59,8 @@ public:
     [[nodiscard]] uint64_t n(std::string_view field, size_t digits);
     uint64_t n(std::string_view field, size_t digits, Range range);
     // Texts come back without their trailing spaces.
-    [[nodiscard]] std::string a(std::string_view field, size_t width, Cr cr = Cr::refused);
-    [[nodiscard]] std::string s(std::string_view field, size_t width, Cr cr = Cr::refused);
+    [[nodiscard]] std::string a(std::string_view field, size_t width, Cr cr = Cr::kRefused);
+    [[nodiscard]] std::string s(std::string_view field, size_t width, Cr cr = Cr::kRefused);
     // Padding is data here: whoever knows the value's length takes its last bytes.
     [[nodiscard]] Bytes h(std::string_view field, size_t digits);
     [[nodiscard]] uint32_t x(std::string_view field, size_t width);

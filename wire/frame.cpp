@@ -44,18 +44,18 @@ Bytes encode(const Frame& frame) {
 std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
     wire_.push_back(byte);
     switch (state_) {
-        case State::outside:
-            if (byte != control::syn) return finish(Reception::Kind::byte, byte);
-            state_ = State::first;
+        case State::kOutside:
+            if (byte != control::syn) return finish(Reception::Kind::kByte, byte);
+            state_ = State::kFirst;
             return std::nullopt;
-        case State::first:
-            state_ = State::data;
+        case State::kFirst:
+            state_ = State::kData;
             frame_.encrypted = byte == control::dc2;
             return frame_.encrypted ? std::nullopt : in_data(byte);
-        case State::data:
+        case State::kData:
             return in_data(byte);
-        case State::escaped:
-            state_ = State::data;
+        case State::kEscaped:
+            state_ = State::kData;
             if (needs_escape(byte)) {
                 // The escape stands alone: what follows keeps its meaning, so that the frame still ends.
                 blame("DC3 before a control byte");
@@ -63,11 +63,11 @@ std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
             }
             unescape(byte);
             return std::nullopt;
-        case State::crc_high:
+        case State::kCrc_high:
             crc_ = static_cast<uint16_t>(byte << 8);
-            state_ = State::crc_low;
+            state_ = State::kCrc_low;
             return std::nullopt;
-        case State::crc_low:
+        case State::kCrc_low:
             crc_ = static_cast<uint16_t>(crc_ | byte);
             return check();
     }
@@ -76,7 +76,7 @@ std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
 
 Reception FrameDecoder::give_up() {
     blame("the frame does not go on");
-    return finish(Reception::Kind::damaged);
+    return finish(Reception::Kind::kDamaged);
 }
 
 std::optional<Reception> FrameDecoder::in_data(uint8_t byte) {
@@ -84,10 +84,10 @@ std::optional<Reception> FrameDecoder::in_data(uint8_t byte) {
         case control::syn:
             return restart();
         case control::etb:
-            state_ = State::crc_high;
+            state_ = State::kCrc_high;
             break;
         case control::dc3:
-            state_ = State::escaped;
+            state_ = State::kEscaped;
             break;
         default:
             store(byte);
@@ -99,9 +99,9 @@ std::optional<Reception> FrameDecoder::in_data(uint8_t byte) {
 std::optional<Reception> FrameDecoder::restart() {
     wire_.pop_back();
     blame("SYN inside a frame");
-    Reception cutOff = finish(Reception::Kind::interrupted);
+    Reception cutOff = finish(Reception::Kind::kInterrupted);
     wire_.push_back(control::syn);
-    state_ = State::first;
+    state_ = State::kFirst;
     return cutOff;
 }
 
@@ -123,11 +123,11 @@ void FrameDecoder::blame(std::string fault) {
 Reception FrameDecoder::check() {
     const uint16_t due = frame_crc(frame_);
     if (crc_ != due) blame(fmt::format("bad CRC: 0x{:04X} received, 0x{:04X} due", crc_, due));
-    return finish(fault_.empty() ? Reception::Kind::frame : Reception::Kind::damaged);
+    return finish(fault_.empty() ? Reception::Kind::kFrame : Reception::Kind::kDamaged);
 }
 
 Reception FrameDecoder::finish(Reception::Kind kind, uint8_t byte) {
-    state_ = State::outside;
+    state_ = State::kOutside;
     return {.kind = kind,
             .frame = std::exchange(frame_, {}),
             .byte = byte,

@@ -38,13 +38,13 @@ struct Frame {
 // One thing that the host sent.
 struct Reception {
     enum class Kind {
-        frame,        // a good frame
-        damaged,      // a whole frame that must be refused
-        interrupted,  // the beginning of a frame that another one cut off
-        byte,         // one byte outside frames
+        kFrame,        // a good frame
+        kDamaged,      // a whole frame that must be refused
+        kInterrupted,  // the beginning of a frame that another one cut off
+        kByte,         // one byte outside frames
     };
 
-    Kind kind = Kind::byte;
+    Kind kind = Kind::kByte;
     Frame frame;
     uint8_t byte = 0;
     std::string fault;  // what is wrong with a damaged or interrupted frame
@@ -57,13 +57,13 @@ public:
     // What this byte completes, if anything.
     [[nodiscard]] std::optional<Reception> feed(uint8_t byte);
 
-    [[nodiscard]] bool in_frame() const noexcept { return state_ != State::outside; }
+    [[nodiscard]] bool in_frame() const noexcept { return state_ != State::kOutside; }
 
     // Ends a frame that does not go on.
     [[nodiscard]] Reception give_up();
 
 private:
-    enum class State { outside, first, data, escaped, crc_high, crc_low };
+    enum class State { kOutside, kFirst, kData, kEscaped, kCrc_high, kCrc_low };
 
     std::optional<Reception> in_data(uint8_t byte);
     std::optional<Reception> restart();
@@ -73,7 +73,7 @@ private:
     Reception check();
     Reception finish(Reception::Kind kind, uint8_t byte = 0);
 
-    State state_ = State::outside;
+    State state_ = State::kOutside;
     Frame frame_;
     std::string fault_;
     uint16_t crc_ = 0;

@@ -20,11 +20,11 @@ bool fits(const Content& content, ByteView value) {
     const size_t width = content.width;
     if (width != 0 && value.size() > width) return false;
     switch (content.type) {
-        case Type::digits:
+        case Type::kDigits:
             return (width == 0 || value.size() == width) && std::ranges::all_of(value, is_digit);
-        case Type::text:
+        case Type::kText:
             return std::ranges::all_of(value, is_text);
-        case Type::hex:
+        case Type::kHex:
             return std::ranges::all_of(value, is_hex);
         default:
             return true;
@@ -37,7 +37,7 @@ void take_apart(Item& item) {
         for (const auto& [tag, value] : decode_list(item.value)) item.parts.push_back(data_object(tag, value));
     } catch (const LayoutError&) {
         item.parts.clear();
-        item.privacy = Privacy::withheld;
+        item.privacy = Privacy::kWithheld;
     }
 }
 
@@ -45,13 +45,13 @@ void take_apart(Item& item) {
 
 Item item(std::string name, uint32_t id, ByteView value, const Content& content) {
     Item item{std::move(name), id, Bytes(value.begin(), value.end()), content.type, content.privacy};
-    if (!fits(content, value)) item.privacy = Privacy::withheld;
-    if (item.type == Type::objects && item.privacy != Privacy::withheld) take_apart(item);
+    if (!fits(content, value)) item.privacy = Privacy::kWithheld;
+    if (item.type == Type::kObjects && item.privacy != Privacy::kWithheld) take_apart(item);
     return item;
 }
 
 bool is_open(const Item& item) noexcept {
-    return item.privacy == Privacy::shown && std::ranges::all_of(item.parts, is_open);
+    return item.privacy == Privacy::kShown && std::ranges::all_of(item.parts, is_open);
 }
 
 uint64_t number_of(ByteView value) noexcept {

@@ -14,29 +14,29 @@ namespace quorvel::wire {
 
 // What the bytes of a value are.
 enum class Type {
-    bytes,
-    digits,
-    text,
-    hex,     // digits that stand for bytes
-    number,  // the most significant byte first
-    pan,
-    packedPan,  // two digits a byte, filled up with F
-    objects,    // data objects, each with its tag
+    kBytes,
+    kDigits,
+    kText,
+    kHex,     // digits that stand for bytes
+    kNumber,  // the most significant byte first
+    kPan,
+    kPackedPan,  // two digits a byte, filled up with F
+    kObjects,    // data objects, each with its tag
 };
 
 // Who may see a value. The tables withhold whatever does not say otherwise, and what no table has is withheld too.
 enum class Privacy {
-    withheld,  // keys, PIN blocks, tracks, typed numbers, and all that might be one
-    card,      // the card's number, holder and expiry: for the one who reads the card, the number masked
-    shown,
+    kWithheld,  // keys, PIN blocks, tracks, typed numbers, and all that might be one
+    kCard,      // the card's number, holder and expiry: for the one who reads the card, the number masked
+    kShown,
 };
 
 // A row's part on its value.
 struct Content {
-    Type type = Type::bytes;
+    Type type = Type::kBytes;
     // The size of digits, the most for anything else; 0 for any.
     size_t width = 0;
-    Privacy privacy = Privacy::withheld;
+    Privacy privacy = Privacy::kWithheld;
 };
 
 // A value out of a packet. One that is not as its row says is withheld.
@@ -46,8 +46,8 @@ struct Item {
     // A parameter's id or a data object's tag.
     uint32_t id = 0;
     Bytes value;
-    Type type = Type::bytes;
-    Privacy privacy = Privacy::withheld;
+    Type type = Type::kBytes;
+    Privacy privacy = Privacy::kWithheld;
     // What data objects consist of.
     std::vector<Item> parts = {};
 };

@@ -29,10 +29,10 @@ public:
     explicit Fields(ByteView bytes) : reader_("", bytes) {}
 
     void take(const Field& field) {
-        if (field.size == Size::length) return claim();
-        if (field.size == Size::optional && reader_.left() == 0) return;
+        if (field.size == Size::kLength) return claim();
+        if (field.size == Size::kOptional && reader_.left() == 0) return;
         const Bytes value = reader_.b(field.name, size_of(field));
-        const bool exact = field.size == Size::fixed || field.size == Size::optional;
+        const bool exact = field.size == Size::kFixed || field.size == Size::kOptional;
         Item taken = item(std::string(field.name), 0, value, exact ? field.content : any_size(field.content));
         if (taken.privacy != field.content.privacy) throw LayoutError(std::string(field.name));
         items_.push_back(std::move(taken));
@@ -56,9 +56,9 @@ private:
     [[nodiscard]] size_t size_of(const Field& field) const {
         const size_t width = field.content.width;
         switch (field.size) {
-            case Size::counted:
+            case Size::kCounted:
                 return width * Reader("", items_.back().value).n(field.name, items_.back().value.size());
-            case Size::rest:
+            case Size::kRest:
                 return std::max(width, reader_.left());
             default:
                 return width;
@@ -78,7 +78,7 @@ Items fields_in(std::string_view id, Sender sender, ByteView bytes) {
 Items items_in(const Packet& packet, Sender sender, ByteView bytes) {
     if (bytes.empty() || packet.command == nullptr) return unknown(bytes);
     try {
-        const bool params = packet.command->form == Command::Form::params;
+        const bool params = packet.command->form == Command::Form::kParams;
         return params ? params_in(bytes) : fields_in(packet.id, sender, bytes);
     } catch (const LayoutError&) { return unknown(bytes); }
 }
@@ -96,7 +96,7 @@ Packet take_apart(Sender sender, ByteView packet) {
     Packet apart{.id = {head.begin(), head.end()}};
     apart.command = find_command(apart.id);
     ByteView rest = packet.subspan(head.size());
-    if (sender == Sender::pinPad) {
+    if (sender == Sender::kPinPad) {
         if (!rest.empty()) apart.status = status_in(packet);
         if (!apart.status) {
             apart.items = unknown(rest);

@@ -10,7 +10,7 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr auto shown = Privacy::shown;
+constexpr auto shown = Privacy::kShown;
 
 struct Row {
     Tag tag;
@@ -18,27 +18,27 @@ struct Row {
     Content content;
 };
 
-constexpr Row open(Tag tag, std::string_view name, Type type = Type::bytes) { return {tag, name, {type, 0, shown}}; }
+constexpr Row open(Tag tag, std::string_view name, Type type = Type::kBytes) { return {tag, name, {type, 0, shown}}; }
 
 constexpr std::array rows{
     open(0x42, "Issuer identification number"),
     open(0x4F, "Application identifier"),
-    open(0x50, "Application label", Type::text),
+    open(0x50, "Application label", Type::kText),
     Row{0x57, "Track 2 equivalent", {}},
-    Row{0x5A, "Card number", {Type::packedPan, 0, Privacy::card}},
+    Row{0x5A, "Card number", {Type::kPackedPan, 0, Privacy::kCard}},
     open(0x71, "Issuer script 1"),
     open(0x72, "Issuer script 2"),
     open(0x82, "Application interchange profile"),
     open(0x84, "Dedicated file name"),
-    open(0x8A, "Authorisation response code", Type::text),
+    open(0x8A, "Authorisation response code", Type::kText),
     open(0x8E, "Cardholder verification list"),
     open(0x91, "Issuer authentication data"),
     open(0x95, "Terminal verification results"),
     open(0x9A, "Transaction date"),
     open(0x9B, "Transaction status information"),
     open(0x9C, "Transaction type"),
-    Row{0x5F20, "Cardholder name", {Type::text, 0, Privacy::card}},
-    Row{0x5F24, "Expiration date", {Type::bytes, 0, Privacy::card}},
+    Row{0x5F20, "Cardholder name", {Type::kText, 0, Privacy::kCard}},
+    Row{0x5F24, "Expiration date", {Type::kBytes, 0, Privacy::kCard}},
     open(0x5F25, "Effective date"),
     open(0x5F28, "Issuer country"),
     open(0x5F2A, "Transaction currency"),
@@ -52,9 +52,9 @@ constexpr std::array rows{
     open(0x9F0E, "Issuer action code, denial"),
     open(0x9F0F, "Issuer action code, online"),
     open(0x9F10, "Issuer application data"),
-    open(0x9F12, "Preferred name", Type::text),
+    open(0x9F12, "Preferred name", Type::kText),
     open(0x9F1A, "Terminal country"),
-    open(0x9F1E, "Terminal serial number", Type::text),
+    open(0x9F1E, "Terminal serial number", Type::kText),
     open(0x9F21, "Transaction time"),
     open(0x9F26, "Application cryptogram"),
     open(0x9F27, "Cryptogram information"),

@@ -31,12 +31,12 @@ std::string value_words(const Item& item) {
     const ByteView shown = value.first(std::min(value.size(), shownBytes));
     const std::string more = shown.size() < value.size() ? fmt::format("... ({} bytes)", value.size()) : "";
     switch (item.type) {
-        case Type::number:
+        case Type::kNumber:
             return fmt::format("{}", number_of(value));
-        case Type::objects:
+        case Type::kObjects:
             return fmt::format("{{{}}}", list(item.parts));
-        case Type::bytes:
-        case Type::packedPan:
+        case Type::kBytes:
+        case Type::kPackedPan:
             return to_hex(shown) + more;
         default:
             return text_or_hex(shown) + more;
@@ -48,16 +48,16 @@ std::string items_words(const std::vector<Item>& items) { return items.empty() ?
 }  // namespace
 
 std::string words_for(const Item& item) {
-    if (item.privacy == Privacy::shown) return fmt::format("{}={}", item.name, value_words(item));
+    if (item.privacy == Privacy::kShown) return fmt::format("{}={}", item.name, value_words(item));
     return fmt::format("{}{}{} bytes withheld", item.name, item.name.empty() ? "" : ": ", item.value.size());
 }
 
 std::string whole_words_for(const Item& item) {
-    return fmt::format("{}={}", item.name, item.type == Type::objects ? to_hex(item.value) : value_words(item));
+    return fmt::format("{}={}", item.name, item.type == Type::kObjects ? to_hex(item.value) : value_words(item));
 }
 
 std::string request_words(ByteView packet) {
-    const Packet apart = take_apart(Sender::host, packet);
+    const Packet apart = take_apart(Sender::kHost, packet);
     if (!looks_like_id(apart.id)) return fmt::format("{} bytes withheld", packet.size());
     const std::string name = apart.command != nullptr ? fmt::format("{} {}", apart.id, apart.command->title)
                                                       : fmt::format("\"{}\"", apart.id);
@@ -65,7 +65,7 @@ std::string request_words(ByteView packet) {
 }
 
 std::string response_words(ByteView packet) {
-    const Packet apart = take_apart(Sender::pinPad, packet);
+    const Packet apart = take_apart(Sender::kPinPad, packet);
     if (!apart.status || !looks_like_id(apart.id)) return fmt::format("no response: {} bytes withheld", packet.size());
     return fmt::format("{} {:03} {}{}", apart.id, *apart.status, status_name(*apart.status), items_words(apart.items));
 }
@@ -87,13 +87,13 @@ std::string control_words(uint8_t byte) {
 
 std::string reception_words(const Reception& reception) {
     switch (reception.kind) {
-        case Reception::Kind::byte:
+        case Reception::Kind::kByte:
             return control_words(reception.byte);
-        case Reception::Kind::damaged:
+        case Reception::Kind::kDamaged:
             return "damaged frame: " + reception.fault;
-        case Reception::Kind::interrupted:
+        case Reception::Kind::kInterrupted:
             return "interrupted frame: " + reception.fault;
-        case Reception::Kind::frame:
+        case Reception::Kind::kFrame:
             break;
     }
     const Frame& frame = reception.frame;

@@ -49,12 +49,13 @@ std::optional<Bytes> parse_hex(std::string_view text) {
 Sender guess(std::span<const uint8_t> packet) {
     constexpr size_t head = 6;
     const std::string_view text(reinterpret_cast<const char*>(packet.data()), packet.size());
-    if (packet.size() < head || text.substr(3, 3) == "000") return packet.size() < head ? Sender::host : Sender::pinPad;
-    return packet.size() == head ? Sender::pinPad : Sender::host;
+    if (packet.size() < head || text.substr(3, 3) == "000")
+        return packet.size() < head ? Sender::kHost : Sender::kPinPad;
+    return packet.size() == head ? Sender::kPinPad : Sender::kHost;
 }
 
 void add(Table& table, Sender sender, const Group& words) {
-    std::vector<Value> row{sender == Sender::host ? "host" : "PIN pad", "", "", ""};
+    std::vector<Value> row{sender == Sender::kHost ? "host" : "PIN pad", "", "", ""};
     for (const Field& field : words) {
         const size_t column = field.label == "What" ? 1 : field.label == "Status" ? 2 : 3;
         row[column] = field.value;
@@ -73,8 +74,9 @@ void decode(Table& table, const Line& line) {
     }
     wire::FrameDecoder decoder;
     const auto tell = [&](const wire::Reception& reception) {
-        const bool acknowledges = reception.kind == wire::Reception::Kind::byte && reception.byte != wire::control::can;
-        const Sender guessed = acknowledges ? Sender::pinPad : guess(reception.frame.data);
+        const bool acknowledges =
+            reception.kind == wire::Reception::Kind::kByte && reception.byte != wire::control::can;
+        const Sender guessed = acknowledges ? Sender::kPinPad : guess(reception.frame.data);
         const Sender sender = line.sender.value_or(guessed);
         add(table, sender, words(sender, reception));
     };
@@ -86,7 +88,7 @@ void decode(Table& table, const Line& line) {
 
 std::optional<Sender> sender_of(std::string_view name) {
     if (name.empty()) return std::nullopt;
-    return name == "host" ? Sender::host : Sender::pinPad;
+    return name == "host" ? Sender::kHost : Sender::kPinPad;
 }
 
 // Of a capture those lines count that begin with an arrow; without any arrow, every line.
@@ -99,11 +101,11 @@ std::vector<Line> capture(std::istream& in, std::optional<Sender> sender) {
     for (size_t i = 0; i < texts.size(); ++i) {
         if (arrows ? !has_arrow(texts[i]) : texts[i].find_first_not_of(" \t\r") == std::string::npos) continue;
         const auto bytes = parse_hex(std::string_view(texts[i]).substr(arrows ? 1 : 0));
-        if (!bytes) throw Error(Exit::usage, fmt::format("Line {} of the capture is not in hexadecimal.", i + 1));
+        if (!bytes) throw Error(Exit::kUsage, fmt::format("Line {} of the capture is not in hexadecimal.", i + 1));
         if (!arrows) {
             lines.push_back({sender, *bytes});
         } else {
-            lines.push_back({texts[i].front() == '>' ? Sender::host : Sender::pinPad, *bytes});
+            lines.push_back({texts[i].front() == '>' ? Sender::kHost : Sender::kPinPad, *bytes});
         }
     }
     return lines;
@@ -115,12 +117,12 @@ std::vector<Line> lines(const DecodeOptions& options) {
         std::string all;
         for (const std::string& part : options.hex) all += part;
         const auto bytes = parse_hex(all);
-        if (!bytes) throw Error(Exit::usage, "This is not in hexadecimal, two digits a byte.");
+        if (!bytes) throw Error(Exit::kUsage, "This is not in hexadecimal, two digits a byte.");
         return {{sender, *bytes}};
     }
     if (options.file.empty() || options.file == "-") return capture(std::cin, sender);
     std::ifstream in(options.file);
-    if (!in) throw Error(Exit::usage, fmt::format("{} cannot be read.", options.file));
+    if (!in) throw Error(Exit::kUsage, fmt::format("{} cannot be read.", options.file));
     return capture(in, sender);
 }
 

@@ -53,7 +53,7 @@ Outcome run_menu(Context& context, const MenuOptions& menu) {
     for (size_t i = 0; i < menu.options.size(); ++i) {
         const std::string& option = menu.options[i];
         if (option.empty() || option.size() >= sizeof slots[i]) {
-            throw Error(Exit::usage, fmt::format("'{}' is no option: it takes 1 to 24 characters.", option));
+            throw Error(Exit::kUsage, fmt::format("'{}' is no option: it takes 1 to 24 characters.", option));
         }
         std::memcpy(slots[i], option.c_str(), option.size() + 1);
     }
@@ -112,7 +112,7 @@ std::string event_options(const std::vector<std::string>& kinds) {
     const auto has = [&](const char* kind) { return kinds.empty() || std::ranges::find(kinds, kind) != kinds.end(); };
     const bool removal = std::ranges::find(kinds, "removal") != kinds.end();
     if (removal && !kinds.empty() && std::ranges::find(kinds, "chip") != kinds.end()) {
-        throw Error(Exit::usage, "The PIN pad waits for a chip card to come or to go, not for both.");
+        throw Error(Exit::kUsage, "The PIN pad waits for a chip card to come or to go, not for both.");
     }
     return fmt::format("{:d}{:d}{}{:d}00", has("key"), has("stripe"), removal ? 1 : has("chip") ? 2 : 0, has("tap"));
 }

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] Outcome outcome(Exit exit) const {
         Group report{{"Checks", checks_}};
         if (!remedies_.rows.empty()) report.push_back({"What to do", remedies_, "remedies"});
-        report.push_back({"Verdict", exit == Exit::ok ? "The PIN pad is ready." : "The PIN pad cannot be used yet."});
+        report.push_back({"Verdict", exit == Exit::kOk ? "The PIN pad is ready." : "The PIN pad cannot be used yet."});
         return {report, exit};
     }
 
@@ -108,7 +108,7 @@ Outcome check_sessions(Context& context, Findings& findings) {
     } catch (const Error& error) {
         findings.remark("encrypted session", error.what(), "The PIN pad may be too old for it: leave out --secure.");
     }
-    return findings.outcome(Exit::ok);
+    return findings.outcome(Exit::kOk);
 }
 
 Outcome run_doctor(Context& context) {
@@ -116,7 +116,7 @@ Outcome run_doctor(Context& context) {
     const std::string& port = context.settings.port;
     if (port.empty()) {
         return findings.failed(
-            Exit::usage, "port named", "no port is named",
+            Exit::kUsage, "port named", "no port is named",
             fmt::format("See them with `quorvel ports`; name one with --port, QUORVEL_PORT or in {}.",
                         default_config().string()));
     }
@@ -125,7 +125,7 @@ Outcome run_doctor(Context& context) {
     std::error_code unseen;
     if (!std::filesystem::exists(port, unseen)) {
         return findings.failed(
-            Exit::port, "port exists", fmt::format("there is no {}", port),
+            Exit::kPort, "port exists", fmt::format("there is no {}", port),
             "Plug the PIN pad in and see its port with `quorvel ports`; without one, start the virtual "
             "PIN pad: quorvel-sim");
     }
@@ -134,7 +134,7 @@ Outcome run_doctor(Context& context) {
         probe_port(port);
     } catch (const LibraryError& error) {
         const Failure failure = opening_failure(port, error, holders);
-        return findings.failed(Exit::port, "port opens", failure.found, failure.remedy);
+        return findings.failed(Exit::kPort, "port opens", failure.found, failure.remedy);
     }
     findings.ok("port opens", "it exists and may be opened");
 

@@ -81,7 +81,7 @@ Outcome run_gix(Context& context, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const auto id = item_id(name);
         if (!id)
-            throw Error(Exit::usage, fmt::format("There is no item '{}'.", name), "See the names with `quorvel gix`.");
+            throw Error(Exit::kUsage, fmt::format("There is no item '{}'.", name), "See the names with `quorvel gix`.");
         ids.push_back(*id);
     }
     Link link(context.settings, context.output);

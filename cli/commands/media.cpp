@@ -40,7 +40,7 @@ struct PutOptions {
 std::string media_name(const PutOptions& options) {
     std::string name = options.name.empty() ? fs::path(options.file).stem().string() : options.name;
     if (name.empty() || name.size() > nameWidth) {
-        throw Error(Exit::usage, fmt::format("'{}' has no 1 to 8 characters.", name),
+        throw Error(Exit::kUsage, fmt::format("'{}' has no 1 to 8 characters.", name),
                     "Give the file a name with --name.");
     }
     std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
@@ -52,7 +52,7 @@ uint8_t media_type(const PutOptions& options) {
         options.type.empty() ? lower(fs::path(options.file).extension().string()) : "." + lower(options.type);
     const auto found = types.find(suffix);
     if (found == types.end()) {
-        throw Error(Exit::usage, fmt::format("'{}' tells no format.", suffix), "Name it: --type png, jpg or gif");
+        throw Error(Exit::kUsage, fmt::format("'{}' tells no format.", suffix), "Name it: --type png, jpg or gif");
     }
     return found->second;
 }
@@ -60,8 +60,8 @@ uint8_t media_type(const PutOptions& options) {
 std::vector<uint8_t> contents(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (!in || in.bad()) throw Error(Exit::usage, fmt::format("{} cannot be read.", path));
-    if (bytes.empty()) throw Error(Exit::usage, fmt::format("{} is empty.", path));
+    if (!in || in.bad()) throw Error(Exit::kUsage, fmt::format("{} cannot be read.", path));
+    if (bytes.empty()) throw Error(Exit::kUsage, fmt::format("{} is empty.", path));
     return bytes;
 }
 

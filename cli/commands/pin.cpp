@@ -35,13 +35,13 @@ struct PinOptions {
 template <size_t size>
 void copy(char (&to)[size], const std::string& from, const char* what) {
     if (from.size() >= size) {
-        throw Error(Exit::usage, fmt::format("The {} is too long: at most {} characters.", what, size - 1));
+        throw Error(Exit::kUsage, fmt::format("The {} is too long: at most {} characters.", what, size - 1));
     }
     std::memcpy(to, from.c_str(), from.size() + 1);
 }
 
 void require(bool holds, const char* text) {
-    if (!holds) throw Error(Exit::usage, text);
+    if (!holds) throw Error(Exit::kUsage, text);
 }
 
 AbecsCmdGpnCmdData request(const PinOptions& options) {

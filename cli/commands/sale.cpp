@@ -18,28 +18,28 @@ namespace quorvel::cli::setup {
 namespace {
 
 // What the acquirer that is played here does.
-enum class Host { approves, declines, unreachable };
+enum class Host { kApproves, kDeclines, kUnreachable };
 
 const std::map<std::string, Host> hosts{
-    {"approves", Host::approves}, {"declines", Host::declines}, {"unreachable", Host::unreachable}};
+    {"approves", Host::kApproves}, {"declines", Host::kDeclines}, {"unreachable", Host::kUnreachable}};
 
 struct SaleOptions {
     std::string amount;
     uint16_t currency = 986;
     std::string floorLimit = "0.00";
     std::string tables;
-    Host host = Host::approves;
+    Host host = Host::kApproves;
     uint8_t pinKey = 0;
     uint8_t timeout = 60;
     bool keepCard = false;
 };
 
 // The first digit of PP_GOXRES.
-enum class Decision { approved, declined, online };
+enum class Decision { kApproved, kDeclined, kOnline };
 
 // PP_GOXRES, a digit for each.
 struct GoResult {
-    Decision decision = Decision::declined;
+    Decision decision = Decision::kDeclined;
     bool signature = false;
     bool pinOffline = false;
     bool pinBlocked = false;
@@ -47,7 +47,7 @@ struct GoResult {
 
     static GoResult of(const std::string& digits) {
         const bool known = digits.size() >= 6 && digits[0] >= '0' && digits[0] <= '2';
-        if (!known) throw Error(Exit::link, "The PIN pad does not tell what the card has decided.");
+        if (!known) throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided.");
         return {static_cast<Decision>(digits[0] - '0'), digits[1] != '0', digits[2] != '0', digits[4] != '0',
                 digits[5] != '0'};
     }
@@ -69,7 +69,7 @@ public:
           amount_(parse_amount(options.amount)),
           floorLimit_(parse_amount(options.floorLimit)),
           tables_(options.tables.empty() ? context.settings.tables : options.tables) {
-        if (floorLimit_ > UINT32_MAX) throw Error(Exit::usage, "The floor limit is too high.");
+        if (floorLimit_ > UINT32_MAX) throw Error(Exit::kUsage, "The floor limit is too high.");
         if (!tables_.empty()) file_ = TableFile::read(tables_);
         link_.emplace(context.settings, context.output);
     }
@@ -85,7 +85,7 @@ public:
         Group report{
             {"Outcome", outcome}, {"Amount", amount_words(amount_)}, {"Steps", steps_}, {"Card", card_group(card_)}};
         for (Field& field : details_) report.push_back(std::move(field));
-        return {std::move(report), approved ? Exit::ok : Exit::declined};
+        return {std::move(report), approved ? Exit::kOk : Exit::kDeclined};
     }
 
 private:
@@ -115,7 +115,7 @@ private:
         const std::string record = card_.raw(ABECS_RSP_DATID_PP_AIDTABINFO);
         const bool known = record.size() >= 2 && std::isdigit(static_cast<unsigned char>(record[0])) != 0
                            && std::isdigit(static_cast<unsigned char>(record[1])) != 0;
-        if (!known) throw Error(Exit::link, "The PIN pad does not tell which table record the card has selected.");
+        if (!known) throw Error(Exit::kLink, "The PIN pad does not tell which table record the card has selected.");
         return static_cast<uint8_t>(std::stoi(record.substr(0, 2)));
     }
 
@@ -135,29 +135,29 @@ private:
         decision.add(details_, "Key serial number", ABECS_RSP_DATID_PP_KSN);
         decision.add(details_, "Card to acquirer", ABECS_RSP_DATID_PP_EMVDATA);
         switch (result.decision) {
-            case Decision::approved:
+            case Decision::kApproved:
                 step("GOX", "The card decides", "approved without the acquirer");
                 return true;
-            case Decision::declined:
+            case Decision::kDeclined:
                 step("GOX", "The card decides", "declined without the acquirer");
                 return false;
-            case Decision::online:
+            case Decision::kOnline:
                 break;
         }
         step("GOX", "The card decides", "the acquirer must be asked");
         const bool approved = ask_acquirer("the card's cryptogram");
-        return type_ == CardType::chip ? finish() : approved;
+        return type_ == CardType::kChip ? finish() : approved;
     }
 
     [[nodiscard]] std::optional<std::string> response_code() const {
-        if (options_.host == Host::unreachable) return std::nullopt;
-        return options_.host == Host::approves ? "00" : "05";
+        if (options_.host == Host::kUnreachable) return std::nullopt;
+        return options_.host == Host::kApproves ? "00" : "05";
     }
 
     // Nobody is asked: this is where an application would send its own message.
     bool ask_acquirer(const char* with) {
         const auto code = response_code();
-        const bool approved = options_.host == Host::approves;
+        const bool approved = options_.host == Host::kApproves;
         step("-", "Ask the acquirer (played here)",
              code ? fmt::format("gets {}, {} with code {}", with, approved ? "approves" : "declines", *code)
                   : "cannot be reached");
@@ -170,7 +170,7 @@ private:
         decision.add(details_, "Card at the end", ABECS_RSP_DATID_PP_EMVDATA);
         decision.add(details_, "Issuer script results", ABECS_RSP_DATID_PP_ISRESULTS);
         const auto result = decision.number(ABECS_RSP_DATID_PP_FCXRES);
-        if (!result) throw Error(Exit::link, "The PIN pad does not tell what the card has decided in the end.");
+        if (!result) throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided in the end.");
         step("FCX", "Tell the card, which has the last word",
              *result == 0   ? "approved"
              : *result == 1 ? "declined by the card"
@@ -179,7 +179,7 @@ private:
     }
 
     void give_back(const char* outcome) {
-        if (type_ != CardType::chip || options_.keepCard) return;
+        if (type_ != CardType::kChip || options_.keepCard) return;
         output_.notice("Remove the card.");
         const std::string message = fmt::format("{:<16}REMOVE THE CARD", outcome);
         const int32_t status =
@@ -196,7 +196,7 @@ private:
     std::optional<TableFile> file_;
     std::optional<Link> link_;
     Items card_;
-    CardType type_ = CardType::stripe;
+    CardType type_ = CardType::kStripe;
     Group details_;
     Table steps_{{"No", "Command", "Step", "Result"}};
 };

@@ -19,7 +19,7 @@ struct LoadOptions {
 
 Outcome run_load(Context& context, const LoadOptions& options) {
     const std::string& path = options.file.empty() ? context.settings.tables : options.file;
-    if (path.empty()) throw Error(Exit::usage, "No file is named.", "Name it, or give `tables` in the configuration.");
+    if (path.empty()) throw Error(Exit::kUsage, "No file is named.", "Name it, or give `tables` in the configuration.");
     const TableFile file = TableFile::read(path);
     Link link(context.settings, context.output);
     Group report{{"Acquirer", file.acquirer}, {"Version", file.version}, {"Records", file.records}};

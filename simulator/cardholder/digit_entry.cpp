@@ -18,16 +18,16 @@ std::optional<DigitEntry::Result> DigitEntry::on(const Event& event) {
 }
 
 std::optional<DigitEntry::Result> DigitEntry::press(Key key) {
-    if (key == Key::cancel) return Result{.status = Status::cancel};
-    if (key == Key::enter && digits_.size() >= fewest_) return Result{.digits = digits_};
-    if (key == Key::clear) digits_.clear();
+    if (key == Key::kCancel) return Result{.status = Status::kCancel};
+    if (key == Key::kEnter && digits_.size() >= fewest_) return Result{.digits = digits_};
+    if (key == Key::kClear) digits_.clear();
     if (is_digit(key) && digits_.size() < most_) digits_.push_back(static_cast<char>(key));
     show();
     return std::nullopt;
 }
 
 void DigitEntry::show() const {
-    screen_->show({.text = message_, .typed = echo_ == Echo::digits ? digits_ : std::string(digits_.size(), '*')});
+    screen_->show({.text = message_, .typed = echo_ == Echo::kDigits ? digits_ : std::string(digits_.size(), '*')});
 }
 
 }  // namespace quorvel::sim

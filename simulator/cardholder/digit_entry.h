@@ -17,11 +17,11 @@ namespace quorvel::sim {
 class DigitEntry {
 public:
     // What the screen shows of the digits: each of them, or only how many there are.
-    enum class Echo { digits, count };
+    enum class Echo { kDigits, kCount };
 
     struct Result {
         // Anything but OK is the command's answer.
-        Status status = Status::ok;
+        Status status = Status::kOk;
         std::string digits = {};
     };
 

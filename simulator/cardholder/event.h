@@ -15,20 +15,20 @@ namespace quorvel::sim {
 
 // Keys that have a code of the protocol's have it as their value; digits have their character.
 enum class Key {
-    enter = 0,
-    up = 2,
-    down = 3,
-    f1 = 4,
-    f2 = 5,
-    f3 = 6,
-    f4 = 7,
-    clear = 8,
-    cancel = 13,
-    digit0 = '0',
-    digit9 = '9',
+    kEnter = 0,
+    kUp = 2,
+    kDown = 3,
+    kF1 = 4,
+    kF2 = 5,
+    kF3 = 6,
+    kF4 = 7,
+    kClear = 8,
+    kCancel = 13,
+    kDigit0 = '0',
+    kDigit9 = '9',
 };
 
-[[nodiscard]] constexpr bool is_digit(Key key) noexcept { return key >= Key::digit0 && key <= Key::digit9; }
+[[nodiscard]] constexpr bool is_digit(Key key) noexcept { return key >= Key::kDigit0 && key <= Key::kDigit9; }
 [[nodiscard]] constexpr Key digit(char character) noexcept { return static_cast<Key>(character); }
 
 struct KeyPressed {
@@ -51,7 +51,7 @@ struct Notice {
 
 using Event = std::variant<KeyPressed, CardSwiped, CardInserted, CardRemoved, CardTapped, Notice>;
 
-// What a cardholder does, one thing after the other: Gestures().insert(card).press(Key::enter).
+// What a cardholder does, one thing after the other: Gestures().insert(card).press(Key::kEnter).
 class Gestures {
 public:
     Gestures& press(Key key) { return add(KeyPressed{key}); }
@@ -64,13 +64,13 @@ public:
     // Digits, then enter.
     Gestures& type(std::string_view digits) {
         for (const char character : digits) press(digit(character));
-        return press(Key::enter);
+        return press(Key::kEnter);
     }
 
     // Goes down to an option of a menu, counted from 1.
     Gestures& choose(int option) {
-        for (int i = 1; i < option; ++i) press(Key::down);
-        return press(Key::enter);
+        for (int i = 1; i < option; ++i) press(Key::kDown);
+        return press(Key::kEnter);
     }
 
     [[nodiscard]] const std::vector<Event>& events() const noexcept { return events_; }

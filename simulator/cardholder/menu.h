@@ -17,7 +17,7 @@ namespace quorvel::sim {
 class Menu {
 public:
     struct Result {
-        Status status = Status::ok;
+        Status status = Status::kOk;
         // Counted from 1.
         size_t option = 0;
     };

@@ -29,9 +29,9 @@ struct Application {
 struct Contactless {
     // Whether the card tells no more than its tracks.
     bool stripeData = false;
-    Verification verification = Verification::none;
+    Verification verification = Verification::kNone;
     // What reading it comes to, other than OK.
-    Status fault = Status::ok;
+    Status fault = Status::kOk;
 };
 
 // A card that the cardholder has in the hand.

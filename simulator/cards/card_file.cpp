@@ -18,35 +18,36 @@ namespace {
 template <typename Value, size_t Count>
 using Choices = std::array<std::pair<std::string_view, Value>, Count>;
 
-constexpr Choices<Verification, 4> verifications{{{"none", Verification::none},
-                                                  {"signature", Verification::signature},
-                                                  {"offline-pin", Verification::offlinePin},
-                                                  {"online-pin", Verification::onlinePin}}};
+constexpr Choices<Verification, 4> verifications{{{"none", Verification::kNone},
+                                                  {"signature", Verification::kSignature},
+                                                  {"offline-pin", Verification::kOfflinePin},
+                                                  {"online-pin", Verification::kOnlinePin}}};
 
 constexpr Choices<Chip::First, 3> firstDecisions{
-    {{"as-asked", Chip::First::asAsked}, {"online", Chip::First::online}, {"declined", Chip::First::declined}}};
+    {{"as-asked", Chip::First::kAsAsked}, {"online", Chip::First::kOnline}, {"declined", Chip::First::kDeclined}}};
 
-constexpr Choices<Chip::Second, 3> secondDecisions{
-    {{"as-asked", Chip::Second::asAsked}, {"approved", Chip::Second::approved}, {"declined", Chip::Second::declined}}};
+constexpr Choices<Chip::Second, 3> secondDecisions{{{"as-asked", Chip::Second::kAsAsked},
+                                                    {"approved", Chip::Second::kApproved},
+                                                    {"declined", Chip::Second::kDeclined}}};
 
-constexpr Choices<Status, 9> chipFaults{{{"none", Status::ok},
-                                         {"mute", Status::dumbcard},
-                                         {"unreadable", Status::errcard},
-                                         {"invalidated", Status::cardinvalidat},
-                                         {"problems", Status::cardproblems},
-                                         {"invalid-data", Status::cardinvdata},
-                                         {"not-accepted", Status::cardappnaut},
-                                         {"fallback", Status::errfallback},
-                                         {"blocked", Status::cardblocked}}};
+constexpr Choices<Status, 9> chipFaults{{{"none", Status::kOk},
+                                         {"mute", Status::kDumbcard},
+                                         {"unreadable", Status::kErrcard},
+                                         {"invalidated", Status::kCardinvalidat},
+                                         {"problems", Status::kCardproblems},
+                                         {"invalid-data", Status::kCardinvdata},
+                                         {"not-accepted", Status::kCardappnaut},
+                                         {"fallback", Status::kErrfallback},
+                                         {"blocked", Status::kCardblocked}}};
 
-constexpr Choices<Status, 8> contactlessFaults{{{"none", Status::ok},
-                                                {"multiple", Status::ctlsmultiple},
-                                                {"unreadable", Status::ctlscommerr},
-                                                {"invalidated", Status::ctlsinvalidat},
-                                                {"problems", Status::ctlsproblems},
-                                                {"not-accepted", Status::ctlsappnaut},
-                                                {"confirm-on-device", Status::ctlsextcvm},
-                                                {"use-chip", Status::ctlsifchg}}};
+constexpr Choices<Status, 8> contactlessFaults{{{"none", Status::kOk},
+                                                {"multiple", Status::kCtlsmultiple},
+                                                {"unreadable", Status::kCtlscommerr},
+                                                {"invalidated", Status::kCtlsinvalidat},
+                                                {"problems", Status::kCtlsproblems},
+                                                {"not-accepted", Status::kCtlsappnaut},
+                                                {"confirm-on-device", Status::kCtlsextcvm},
+                                                {"use-chip", Status::kCtlsifchg}}};
 
 constexpr std::string_view decimalDigits = "0123456789";
 
@@ -130,7 +131,7 @@ Chip chip(TomlTable table) {
     require_digits(table, "pin", chip.pin);
     chip.pinTries = static_cast<int>(table.number("tries", 0, 9, 3));
     chip.verification = table.choice("verification", verifications);
-    if (chip.verification == Verification::offlinePin && chip.pin.empty()) table.refuse("pin", "is missing");
+    if (chip.verification == Verification::kOfflinePin && chip.pin.empty()) table.refuse("pin", "is missing");
     chip.first = table.choice("first", firstDecisions);
     chip.second = table.choice("second", secondDecisions);
     chip.fault = table.choice("fault", chipFaults);
@@ -142,7 +143,7 @@ Contactless contactless(TomlTable table) {
     Contactless contactless;
     contactless.stripeData = table.choice("mode", Choices<bool, 2>{{{"emv", false}, {"stripe", true}}});
     contactless.verification = table.choice("verification", verifications);
-    if (contactless.verification == Verification::offlinePin) table.refuse("verification", "it would need the chip");
+    if (contactless.verification == Verification::kOfflinePin) table.refuse("verification", "it would need the chip");
     contactless.fault = table.choice("fault", contactlessFaults);
     table.end();
     return contactless;

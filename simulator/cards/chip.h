@@ -14,7 +14,7 @@
 namespace quorvel::sim {
 
 // How the card wants to know that the cardholder is its owner.
-enum class Verification { none, signature, offlinePin, onlinePin };
+enum class Verification { kNone, kSignature, kOfflinePin, kOnlinePin };
 
 // The chip of a card, or a security module. It answers from a script.
 struct Chip {
@@ -28,13 +28,13 @@ struct Chip {
     int pinTries = 3;
     bool powered = false;
     // The rules of the payment applications.
-    Verification verification = Verification::none;
+    Verification verification = Verification::kNone;
     // What the chip wants of the first decision, when it may be otherwise than the PIN pad says.
-    enum class First { asAsked, online, declined } first = First::asAsked;
+    enum class First { kAsAsked, kOnline, kDeclined } first = First::kAsAsked;
     // And once the issuer has answered or could not be reached.
-    enum class Second { asAsked, approved, declined } second = Second::asAsked;
+    enum class Second { kAsAsked, kApproved, kDeclined } second = Second::kAsAsked;
     // What reading it comes to, other than OK: DUMBCARD for a chip that is mute.
-    Status fault = Status::ok;
+    Status fault = Status::kOk;
 
     // Data and status word. What is not in the script is an instruction that the chip does not have.
     [[nodiscard]] Bytes exchange(ByteView header, ByteView data);

@@ -37,7 +37,7 @@ void set(DataObjects& objects, TerminalResult result);
 // What a terminal of this kind tells of itself.
 [[nodiscard]] DataObjects terminal_objects();
 
-enum class Cryptogram : uint8_t { declined = 0x00, approved = 0x40, online = 0x80 };
+enum class Cryptogram : uint8_t { kDeclined = 0x00, kApproved = 0x40, kOnline = 0x80 };
 
 // As the chip answers GENERATE AC: the kind, and a cryptogram over the transaction's data under a key for tests.
 void generate(DataObjects& objects, Cryptogram kind);

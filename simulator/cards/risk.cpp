@@ -43,22 +43,22 @@ Decision first_decision(const Risk& risk, const Verified& verified, Chip::First 
                         DataObjects& objects) {
     mark(risk, verified, objects);
     const bool needsIssuer = amount_goes_online(risk, draw, objects) || risk.onExceptionList || verified.pinOnline
-                             || wish == Chip::First::online;
-    if (verified.failed || wish == Chip::First::declined) return Decision::declined;
-    if (!needsIssuer) return Decision::approved;
-    return risk.canGoOnline ? Decision::online : Decision::declined;
+                             || wish == Chip::First::kOnline;
+    if (verified.failed || wish == Chip::First::kDeclined) return Decision::kDeclined;
+    if (!needsIssuer) return Decision::kApproved;
+    return risk.canGoOnline ? Decision::kOnline : Decision::kDeclined;
 }
 
 FinalDecision final_decision(Issuer issuer, Chip::Second wish) {
     switch (issuer) {
-        case Issuer::declined:
-            return FinalDecision::declinedByIssuer;
-        case Issuer::approved:
-            return wish == Chip::Second::declined ? FinalDecision::declinedByCard : FinalDecision::approved;
-        case Issuer::unreachable:
+        case Issuer::kDeclined:
+            return FinalDecision::kDeclinedByIssuer;
+        case Issuer::kApproved:
+            return wish == Chip::Second::kDeclined ? FinalDecision::kDeclinedByCard : FinalDecision::kApproved;
+        case Issuer::kUnreachable:
             break;
     }
-    return wish == Chip::Second::approved ? FinalDecision::approved : FinalDecision::declinedByCard;
+    return wish == Chip::Second::kApproved ? FinalDecision::kApproved : FinalDecision::kDeclinedByCard;
 }
 
 }  // namespace quorvel::sim

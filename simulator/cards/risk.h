@@ -11,7 +11,7 @@
 namespace quorvel::sim {
 
 // Has the protocol's numbers.
-enum class Decision { approved = 0, declined = 1, online = 2 };
+enum class Decision { kApproved = 0, kDeclined = 1, kOnline = 2 };
 
 // What the host says about the first decision. Percentages of the random selection are of 99.
 struct Risk {
@@ -45,10 +45,10 @@ struct Verified {
                                       DataObjects& objects);
 
 // What the issuer said, if it could be asked.
-enum class Issuer { approved, declined, unreachable };
+enum class Issuer { kApproved, kDeclined, kUnreachable };
 
 // After the issuer; has the protocol's numbers.
-enum class FinalDecision { approved = 0, declinedByCard = 1, declinedByIssuer = 2 };
+enum class FinalDecision { kApproved = 0, kDeclinedByCard = 1, kDeclinedByIssuer = 2 };
 
 [[nodiscard]] FinalDecision final_decision(Issuer issuer, Chip::Second wish);
 

@@ -19,15 +19,15 @@ namespace {
 constexpr size_t counterSize = 2;
 
 // After these the stripe may stand in for the chip.
-constexpr std::array allowFallback{Status::dumbcard, Status::errcard, Status::errfallback};
+constexpr std::array allowFallback{Status::kDumbcard, Status::kErrcard, Status::kErrfallback};
 
 // The answers to a card without the application that was asked for.
 struct Absence {
     Status notThere;
-    Status noTable = Status::taberr;
+    Status noTable = Status::kTaberr;
 };
-constexpr Absence chipAbsence{Status::cardappnav};
-constexpr Absence contactlessAbsence{Status::ctlsappnav};
+constexpr Absence chipAbsence{Status::kCardappnav};
+constexpr Absence contactlessAbsence{Status::kCtlsappnav};
 
 class CardReading {
 public:
@@ -55,8 +55,8 @@ public:
 
     std::optional<Answer> on(const Event& event) {
         if (menu_) return choose(event);
-        if (const auto* pressed = std::get_if<KeyPressed>(&event); pressed != nullptr && pressed->key == Key::cancel) {
-            return Answer{.status = Status::cancel};
+        if (const auto* pressed = std::get_if<KeyPressed>(&event); pressed != nullptr && pressed->key == Key::kCancel) {
+            return Answer{.status = Status::kCancel};
         }
         if (const auto* swiped = std::get_if<CardSwiped>(&event)) return swipe(swiped->card);
         if (std::holds_alternative<CardInserted>(event)) return insert();
@@ -71,21 +71,21 @@ private:
     }
 
     std::optional<Answer> swipe(const Card& card) {
-        if (!card.has_stripe()) return Answer{.status = Status::mcdataerr};
-        const ChipReading last = std::exchange(device_.lastChipReading, ChipReading::good);
-        if (card.prefers_chip() && last == ChipReading::good) {
+        if (!card.has_stripe()) return Answer{.status = Status::kMcdataerr};
+        const ChipReading last = std::exchange(device_.lastChipReading, ChipReading::kGood);
+        if (card.prefers_chip() && last == ChipReading::kGood) {
             screen_.show({.text = "INSERT THE CHIP"});
             tell("INSERT THE CHIP");
             return std::nullopt;
         }
         device_.lastCard = card;
-        return answer_({.type = CardType::stripe, .lastChip = last, .card = card});
+        return answer_({.type = CardType::kStripe, .lastChip = last, .card = card});
     }
 
     std::optional<Answer> insert() {
         const Card& card = *device_.chip;
-        const Status fault = card.chip ? card.chip->fault : Status::dumbcard;
-        if (fault != Status::ok) return chip_failed(fault);
+        const Status fault = card.chip ? card.chip->fault : Status::kDumbcard;
+        if (fault != Status::kOk) return chip_failed(fault);
         const auto found = applications(card, chipAbsence);
         if (const auto* status = std::get_if<Status>(&found)) return chip_failed(*status);
         candidates_ = std::get<std::vector<Application>>(found);
@@ -99,36 +99,37 @@ private:
 
     Answer chip_failed(Status status) {
         if (std::ranges::find(allowFallback, status) != allowFallback.end()) {
-            device_.lastChipReading = ChipReading::failed;
-        } else if (status == Status::cardappnav) {
-            device_.lastChipReading = ChipReading::notSupported;
+            device_.lastChipReading = ChipReading::kFailed;
+        } else if (status == Status::kCardappnav) {
+            device_.lastChipReading = ChipReading::kNotSupported;
         }
         return {.status = status};
     }
 
     std::optional<Answer> choose(const Event& event) {
         const bool left = std::holds_alternative<CardRemoved>(event) || std::holds_alternative<CardInserted>(event);
-        if (left) return Answer{.status = Status::nocard};
+        if (left) return Answer{.status = Status::kNocard};
         const auto result = menu_->on(event);
         if (!result) return std::nullopt;
-        if (result->status != Status::ok) return Answer{.status = result->status};
+        if (result->status != Status::kOk) return Answer{.status = result->status};
         return take_chip(candidates_[result->option - 1]);
     }
 
     Answer take_chip(const Application& application) {
         device_.chip->chip->powered = true;
-        device_.lastChipReading = ChipReading::good;
-        return take(CardType::chip, Transaction::Interface::chip, *device_.chip, application);
+        device_.lastChipReading = ChipReading::kGood;
+        return take(CardType::kChip, Transaction::Interface::kChip, *device_.chip, application);
     }
 
     // Nobody can be asked while the card is held to the reader: the one that the card prefers is taken.
     std::optional<Answer> tap(const Card& card) {
         if (!request_.contactless || !card.contactless) return std::nullopt;
-        if (card.contactless->fault != Status::ok) return Answer{.status = card.contactless->fault};
+        if (card.contactless->fault != Status::kOk) return Answer{.status = card.contactless->fault};
         const auto found = applications(card, contactlessAbsence);
         if (const auto* status = std::get_if<Status>(&found)) return Answer{.status = *status};
-        const CardType type = card.contactless->stripeData ? CardType::contactlessStripe : CardType::contactless;
-        return take(type, Transaction::Interface::contactless, card, std::get<std::vector<Application>>(found).front());
+        const CardType type = card.contactless->stripeData ? CardType::kContactlessStripe : CardType::kContactless;
+        return take(type, Transaction::Interface::kContactless, card,
+                    std::get<std::vector<Application>>(found).front());
     }
 
     // Those that the host accepts and the tables know.

@@ -14,11 +14,11 @@
 namespace quorvel::sim::commands {
 
 // Has the protocol's numbers.
-enum class CardType { stripe = 0, chip = 3, contactlessStripe = 5, contactless = 6 };
+enum class CardType { kStripe = 0, kChip = 3, kContactlessStripe = 5, kContactless = 6 };
 
 struct CardRead {
-    CardType type = CardType::stripe;
-    ChipReading lastChip = ChipReading::good;
+    CardType type = CardType::kStripe;
+    ChipReading lastChip = ChipReading::kGood;
     Card card;
     // None for a stripe.
     std::optional<Application> application = {};

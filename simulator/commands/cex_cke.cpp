@@ -15,27 +15,27 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-enum class Chip { ignored, removal, insertion };
+enum class Chip { kIgnored, kRemoval, kInsertion };
 
 // What ends the wait.
 struct Awaited {
     bool keys = false;
     bool stripe = false;
-    Chip chip = Chip::ignored;
+    Chip chip = Chip::kIgnored;
     bool contactless = false;
 
     [[nodiscard]] bool operator()(const KeyPressed& pressed) const { return keys && !is_digit(pressed.key); }
     [[nodiscard]] bool operator()(const CardSwiped&) const { return stripe; }
-    [[nodiscard]] bool operator()(const CardInserted&) const { return chip == Chip::insertion; }
-    [[nodiscard]] bool operator()(const CardRemoved&) const { return chip == Chip::removal; }
+    [[nodiscard]] bool operator()(const CardInserted&) const { return chip == Chip::kInsertion; }
+    [[nodiscard]] bool operator()(const CardRemoved&) const { return chip == Chip::kRemoval; }
     [[nodiscard]] bool operator()(const CardTapped&) const { return contactless; }
     [[nodiscard]] bool operator()(const Notice&) const { return false; }
 };
 
 // The chip reader's state counts, not only its change.
 std::optional<Event> already(const Device& device, const Awaited& awaited) {
-    if (awaited.chip == Chip::insertion && device.chip) return CardInserted{*device.chip};
-    if (awaited.chip == Chip::removal && !device.chip) return CardRemoved{};
+    if (awaited.chip == Chip::kInsertion && device.chip) return CardInserted{*device.chip};
+    if (awaited.chip == Chip::kRemoval && !device.chip) return CardRemoved{};
     return std::nullopt;
 }
 

@@ -18,11 +18,11 @@ namespace {
 constexpr size_t headerSize = 4;
 constexpr size_t fewestPinDigits = 4;
 
-enum class Operation { off = 0, on = 1, exchange = 2, verify = 3 };
+enum class Operation { kOff = 0, kOn = 1, kExchange = 2, kVerify = 3 };
 
 struct ChpRequest {
     int slot = 0;
-    Operation operation = Operation::off;
+    Operation operation = Operation::kOff;
     Bytes command;
     char format = '2';
     std::string message;
@@ -44,10 +44,10 @@ ChpRequest chp_request(Call& call) {
     ChpRequest request;
     request.slot = static_cast<int>(fields.n("CHP_SLOT", 1));
     request.operation = static_cast<Operation>(fields.n("CHP_OPER", 1, {0, 3}));
-    const bool commands = request.operation >= Operation::exchange;
+    const bool commands = request.operation >= Operation::kExchange;
     const size_t size = fields.n("CHP_CMDLEN", 3, {0, commands ? maxCommand : 0});
     request.command = fields.h("CHP_CMD", 2 * size);
-    if (request.operation == Operation::verify) read_pin_fields(fields, request);
+    if (request.operation == Operation::kVerify) read_pin_fields(fields, request);
     fields.end();
     return request;
 }
@@ -56,7 +56,7 @@ ChpRequest chp_request(Call& call) {
 Answer output(ByteView data) { return Answer::of(Writer().n(data.size(), 3).h(data, 2 * data.size())); }
 
 Outcome power_on(Chip& chip) {
-    if (chip.fault != Status::ok) return Answer{.status = chip.fault};
+    if (chip.fault != Status::kOk) return Answer{.status = chip.fault};
     chip.powered = true;
     return output(chip.atr);
 }
@@ -84,12 +84,12 @@ Bytes pin_data(char format, const std::string& pin) {
 
 // The PIN goes to the chip and nowhere else.
 Outcome verify(Call& call, const ChpRequest& request) {
-    DigitEntry entry(call.screen, request.message, fewestPinDigits, maxPinDigits, DigitEntry::Echo::count);
+    DigitEntry entry(call.screen, request.message, fewestPinDigits, maxPinDigits, DigitEntry::Echo::kCount);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
-        if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::nocard};
+        if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::kNocard};
         const auto typed = entry.on(event);
         if (!typed) return std::nullopt;
-        if (typed->status != Status::ok) return Answer{.status = typed->status};
+        if (typed->status != Status::kOk) return Answer{.status = typed->status};
         return output(
             chip_in(device, request.slot)->exchange(request.command, pin_data(request.format, typed->digits)));
     }};
@@ -101,13 +101,13 @@ Outcome chp(Call& call) {
     const ChpRequest request = chp_request(call);
     Chip* const chip = chip_in(call.device, request.slot);
     if (chip == nullptr) return Answer{.status = absence(request.slot)};
-    if (request.operation == Operation::on) return power_on(*chip);
-    if (request.operation == Operation::off) {
+    if (request.operation == Operation::kOn) return power_on(*chip);
+    if (request.operation == Operation::kOff) {
         chip->powered = false;
         return Answer{.blocks = {Bytes()}};
     }
     if (!chip->powered) return out_of_sequence(call, "CHP: a command to a chip without power");
-    if (request.operation == Operation::exchange) return send_command(*chip, request.command);
+    if (request.operation == Operation::kExchange) return send_command(*chip, request.command);
     return verify(call, request);
 }
 

@@ -31,7 +31,7 @@ Answer clx(Call& call) {
                 break;
             case spe::dspMsg:
                 if (value.left() > maxDisplay) throw LayoutError("SPE_DSPMSG: more than 128 characters");
-                content.text = value.s("text", value.left(), Cr::allowed);
+                content.text = value.s("text", value.left(), Cr::kAllowed);
                 break;
             default:
                 throw out_of_place("CLX", param.id);
@@ -39,7 +39,7 @@ Answer clx(Call& call) {
         value.end();
     }
     if (!content.media.empty() && !call.device.media.has(content.media)) {
-        return {.status = Status::mfnfound, .blocks = {}};
+        return {.status = Status::kMfnfound, .blocks = {}};
     }
     call.screen.show(std::move(content));
     return {};

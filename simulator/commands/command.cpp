@@ -21,8 +21,8 @@ constexpr std::array table{
     Command{"CEX", commands::cex},
     Command{"CHP", commands::chp},
     Command{"CKE", commands::cke},
-    Command{"CLO", commands::clo, Session::ends},
-    Command{"CLX", commands::clx, Session::ends},
+    Command{"CLO", commands::clo, Session::kEnds},
+    Command{"CLX", commands::clx, Session::kEnds},
     Command{"CNG", commands::cng},
     Command{"DEX", commands::dex},
     Command{"DMF", commands::dmf},
@@ -69,11 +69,11 @@ Answer failure(const Command& command, Journal& journal) {
     try {
         throw;
     } catch (const LayoutError& error) {
-        journal.record(Finding{Finding::Kind::layout, error.what()});
+        journal.record(Finding{Finding::Kind::kLayout, error.what()});
         return {.status = error.status(), .blocks = {}};
     } catch (const std::exception& error) {
-        journal.record(Finding{Finding::Kind::internal, fmt::format("{}: {}", command.id, error.what())});
-        return {.status = Status::interr, .blocks = {}};
+        journal.record(Finding{Finding::Kind::kInternal, fmt::format("{}: {}", command.id, error.what())});
+        return {.status = Status::kInterr, .blocks = {}};
     }
 }
 
@@ -89,7 +89,7 @@ Answer Answer::of(std::span<const Param> params) {
     const bool fit = blocks.size() <= maxBlocks && std::ranges::all_of(blocks, [](const Writer& block) {
                          return block.bytes().size() <= maxBlock;
                      });
-    if (!fit) return {.status = Status::rspovrfl, .blocks = {}};
+    if (!fit) return {.status = Status::kRspovrfl, .blocks = {}};
     Answer answer;
     for (const Writer& block : blocks) answer.blocks.push_back(block.bytes());
     return answer;

@@ -38,7 +38,7 @@ struct Call {
 
 // What a command is answered with: a status, and with status OK up to two blocks.
 struct Answer {
-    Status status = Status::ok;
+    Status status = Status::kOk;
     std::vector<Bytes> blocks = {};
 
     [[nodiscard]] static Answer of(const Writer& fields) { return {.blocks = {fields.bytes()}}; }
@@ -63,11 +63,11 @@ using Handler = std::variant<Answer (*)(Call&), Outcome (*)(Call&)>;
 
 // What this PIN pad does about a command.
 struct Command {
-    enum class Session { stays, ends };
+    enum class Session { kStays, kEnds };
 
     std::string_view id;
     Handler handle;
-    Session session = Session::stays;
+    Session session = Session::kStays;
 };
 
 // Runs the handler. What it throws is found and becomes the answer.

@@ -19,11 +19,11 @@ using enum KeySource;
 using enum KeyStrength;
 
 constexpr std::array methods{
-    DataMethod{0, workingKey, des, false},   DataMethod{1, workingKey, des, true},
-    DataMethod{10, workingKey, tdes, false}, DataMethod{11, workingKey, tdes, true},
-    DataMethod{30, dukptKey, des, false},    DataMethod{50, dukptKey, tdes, false},
-    DataMethod{51, dukptKey, tdes, true},    DataMethod{90, randomKey, tdes, false},
-    DataMethod{91, randomKey, tdes, true},
+    DataMethod{0, kWorkingKey, kDes, false},   DataMethod{1, kWorkingKey, kDes, true},
+    DataMethod{10, kWorkingKey, kTdes, false}, DataMethod{11, kWorkingKey, kTdes, true},
+    DataMethod{30, kDukptKey, kDes, false},    DataMethod{50, kDukptKey, kTdes, false},
+    DataMethod{51, kDukptKey, kTdes, true},    DataMethod{90, kRandomKey, kTdes, false},
+    DataMethod{91, kRandomKey, kTdes, true},
 };
 
 constexpr std::array ids{spe::mthdDat, spe::keyIdx, spe::wkEnc, spe::ivCbc, spe::pbkMod, spe::pbkExp};
@@ -32,7 +32,7 @@ constexpr size_t modulusSize = 256;
 constexpr size_t maxExponent = 3;
 constexpr uint8_t highBit = 0x80;
 
-constexpr size_t key_size(KeyStrength strength) { return strength == des ? blockSize : 2 * blockSize; }
+constexpr size_t key_size(KeyStrength strength) { return strength == kDes ? blockSize : 2 * blockSize; }
 
 uint64_t number(uint16_t id, const Bytes& value) {
     Reader reader(param_name(id), value);
@@ -67,12 +67,12 @@ bool DataCipher::needs(uint16_t id) const {
         case spe::mthdDat:
             return true;
         case spe::keyIdx:
-            return method_->source != randomKey;
+            return method_->source != kRandomKey;
         case spe::wkEnc:
-            return method_->source == workingKey;
+            return method_->source == kWorkingKey;
         case spe::pbkMod:
         case spe::pbkExp:
-            return method_->source == randomKey;
+            return method_->source == kRandomKey;
         default:
             return false;
     }
@@ -90,7 +90,7 @@ void DataCipher::settle() {
     for (const uint16_t id : ids) {
         if (given_.contains(id) && !fits(id)) throw out_of_place(command_, id);
         if (!given_.contains(id) && needs(id)) {
-            throw LayoutError(fmt::format("{}: {} is missing", command_, param_name(id)), Status::mandat);
+            throw LayoutError(fmt::format("{}: {} is missing", command_, param_name(id)), Status::kMandat);
         }
     }
     if (method_ == nullptr) return;
@@ -98,7 +98,7 @@ void DataCipher::settle() {
     require_size(spe::ivCbc, blockSize, blockSize);
     require_size(spe::pbkMod, modulusSize, modulusSize);
     require_size(spe::pbkExp, 1, maxExponent);
-    if (method_->source != randomKey) {
+    if (method_->source != kRandomKey) {
         keyIndex_ = static_cast<int>(number(spe::keyIdx, given_.at(spe::keyIdx)));
         return;
     }
@@ -107,12 +107,12 @@ void DataCipher::settle() {
 }
 
 std::optional<Enciphered> DataCipher::key(KeyStore& keys) const {
-    if (method_->source == randomKey) return Enciphered{randomKey_};
-    if (method_->source == workingKey) {
-        const auto key = keys.working(method_->strength, KeyUse::data, keyIndex_, given_.at(spe::wkEnc));
+    if (method_->source == kRandomKey) return Enciphered{randomKey_};
+    if (method_->source == kWorkingKey) {
+        const auto key = keys.working(method_->strength, KeyUse::kData, keyIndex_, given_.at(spe::wkEnc));
         return key ? std::optional(Enciphered{*key}) : std::nullopt;
     }
-    const auto key = keys.next_dukpt(method_->strength, KeyUse::data, keyIndex_);
+    const auto key = keys.next_dukpt(method_->strength, KeyUse::kData, keyIndex_);
     if (!key) return std::nullopt;
     return Enciphered{key->key, Bytes(key->ksn.begin(), key->ksn.end())};
 }

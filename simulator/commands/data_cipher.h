@@ -14,13 +14,13 @@
 
 namespace quorvel::sim {
 
-enum class KeySource { workingKey, dukptKey, randomKey };
+enum class KeySource { kWorkingKey, kDukptKey, kRandomKey };
 
 // What a value of SPE_MTHDDAT stands for.
 struct DataMethod {
     uint64_t number = 0;
-    KeySource source = KeySource::workingKey;
-    KeyStrength strength = KeyStrength::des;
+    KeySource source = KeySource::kWorkingKey;
+    KeyStrength strength = KeyStrength::kDes;
     bool chained = false;
 };
 

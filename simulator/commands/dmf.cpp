@@ -16,7 +16,7 @@ Answer dmf(Call& call) {
     const std::vector<std::string> names = params.all(spe::mfName, media_name_in_s);
     Media& media = call.device.media;
     if (!std::ranges::all_of(names, [&](const std::string& name) { return media.has(name); })) {
-        return {.status = Status::mfnfound, .blocks = {}};
+        return {.status = Status::kMfnfound, .blocks = {}};
     }
     for (const std::string& name : names) media.remove(name);
     return {};

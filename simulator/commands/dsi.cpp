@@ -12,7 +12,7 @@ namespace quorvel::sim::commands {
 Answer dsi(Call& call) {
     const Params params("DSI", call.request, {Params::once(spe::mfName)});
     std::string name = params.get(spe::mfName, media_name);
-    if (!call.device.media.has(name)) return {.status = Status::mfnfound, .blocks = {}};
+    if (!call.device.media.has(name)) return {.status = Status::kMfnfound, .blocks = {}};
     call.screen.show({.media = std::move(name)});
     return {};
 }

@@ -31,7 +31,7 @@ Answer dex(Call& call) {
     Reader fields = call.request.block("CMD_LEN1");
     call.request.end();
     const size_t length = fields.n("DEX_MSGLEN", 3, {0, maxLongMessage});
-    Screen::Content content{.text = fields.s("DEX_MSG", length, Cr::allowed)};
+    Screen::Content content{.text = fields.s("DEX_MSG", length, Cr::kAllowed)};
     fields.end();
     call.screen.show(std::move(content));
     return {};

@@ -20,8 +20,8 @@ Answer under_master_key(Device& device, Reader fields) {
     const auto index = static_cast<int>(fields.n("DWK_MKIDX", 2));
     const Bytes enciphered = fields.h("DWK_WKENC", 2 * keySize);
     fields.end();
-    auto key = device.keys.working(des ? KeyStrength::des : KeyStrength::tdes, KeyUse::data, index, enciphered);
-    if (!key) return {.status = Status::errkey, .blocks = {}};
+    auto key = device.keys.working(des ? KeyStrength::kDes : KeyStrength::kTdes, KeyUse::kData, index, enciphered);
+    if (!key) return {.status = Status::kErrkey, .blocks = {}};
     if (des) key->resize(blockSize);
     device.drop_pan_key();
     device.panKey = std::move(key);

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t maxData = 256;
 
 LayoutError missing(std::string_view what) {
-    return LayoutError(fmt::format("EBX: {} is missing", what), Status::mandat);
+    return LayoutError(fmt::format("EBX: {} is missing", what), Status::kMandat);
 }
 
 void require_whole_blocks(const std::optional<Bytes>& data) {
@@ -27,7 +27,7 @@ void require_whole_blocks(const std::optional<Bytes>& data) {
 
 void require_key_of_its_own(const DataMethod* method) {
     if (method == nullptr) throw missing("SPE_MTHDDAT");
-    if (method->source == KeySource::randomKey) {
+    if (method->source == KeySource::kRandomKey) {
         throw LayoutError(fmt::format("EBX: SPE_MTHDDAT {} has no place in it", method->number));
     }
 }
@@ -46,7 +46,7 @@ Answer ebx(Call& call) {
     require_key_of_its_own(cipher.method());
     require_whole_blocks(data);
     const auto enciphered = cipher.encipher(call.device.keys, *data);
-    if (!enciphered) return {.status = Status::errkey, .blocks = {}};
+    if (!enciphered) return {.status = Status::kErrkey, .blocks = {}};
     std::vector<Param> answer{{pp::dataOut, enciphered->bytes}};
     if (enciphered->ksn) answer.push_back({pp::ksn, *enciphered->ksn});
     return Answer::of(answer);

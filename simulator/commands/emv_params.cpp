@@ -36,7 +36,7 @@ std::vector<Tag> tag_list(Reader& value) {
 
 std::string message(Reader& value) {
     limit(value, "SPE_DSPMSG", maxMessage);
-    return value.s("text", value.left(), Cr::allowed);
+    return value.s("text", value.left(), Cr::kAllowed);
 }
 
 unsigned two_digits(Reader& value) { return static_cast<unsigned>(value.n("digits", 2)); }
@@ -57,7 +57,7 @@ Answer with_emv_data(std::vector<Param> params, const DataObjects& objects,
                      const std::optional<std::vector<Tag>>& tags) {
     if (tags) {
         Bytes found = encode(objects, *tags);
-        if (found.size() > maxEmvData) return {.status = Status::rspovrfl};
+        if (found.size() > maxEmvData) return {.status = Status::kRspovrfl};
         params.push_back({pp::emvData, std::move(found)});
     }
     return Answer::of(params);

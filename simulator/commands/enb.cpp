@@ -12,7 +12,7 @@ namespace {
 constexpr size_t wkEncDigits = 32;
 
 struct Request {
-    KeyStrength strength = KeyStrength::des;
+    KeyStrength strength = KeyStrength::kDes;
     int index = 0;
     Bytes workingKey;
     Bytes data;
@@ -28,10 +28,10 @@ Bytes des_key(const Bytes& field) {
 
 Request read(Reader fields) {
     Request request;
-    request.strength = fields.n("ENB_METHOD", 1, {0, 1}) == 0 ? KeyStrength::des : KeyStrength::tdes;
+    request.strength = fields.n("ENB_METHOD", 1, {0, 1}) == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     request.index = static_cast<int>(fields.n("ENB_KEYIDX", 2));
     request.workingKey = fields.h("ENB_WKENC", wkEncDigits);
-    if (request.strength == KeyStrength::des) request.workingKey = des_key(request.workingKey);
+    if (request.strength == KeyStrength::kDes) request.workingKey = des_key(request.workingKey);
     request.data = fields.h("ENB_DATA", 2 * blockSize);
     fields.end();
     return request;
@@ -44,8 +44,8 @@ Answer enb(Call& call) {
     const Reader fields = call.request.block("CMD_LEN1");
     call.request.end();
     const Request request = read(fields);
-    const auto key = call.device.keys.working(request.strength, KeyUse::data, request.index, request.workingKey);
-    if (!key) return {.status = Status::errkey, .blocks = {}};
+    const auto key = call.device.keys.working(request.strength, KeyUse::kData, request.index, request.workingKey);
+    if (!key) return {.status = Status::kErrkey, .blocks = {}};
     const auto& panKey = call.device.panKey;
     const Bytes clear = panKey ? encipher(*panKey, request.data) : request.data;
     return Answer::of(Writer().h(encipher(*key, clear), 2 * blockSize));

@@ -26,7 +26,7 @@ FinishRequest finish_request(const Params& params) {
     FinishRequest request;
     request.responseCode = params.find(spe::arc, [](Reader& value) { return response_code(value, "SPE_ARC"); });
     const bool answered = params.get(spe::fcxOpt, issuer_answered);
-    if (answered && !request.responseCode) throw LayoutError("FCX: no SPE_ARC", Status::mandat);
+    if (answered && !request.responseCode) throw LayoutError("FCX: no SPE_ARC", Status::kMandat);
     if (!answered && request.responseCode) throw out_of_place("FCX", spe::arc);
     const auto data =
         params.find(spe::emvData, [](Reader& value) { return decode_list(value.b("objects", value.left())); });
@@ -44,7 +44,7 @@ Answer fcx(Call& call) {
     const FinishRequest request = finish_request(params);
     const auto tags = params.find(spe::tagList, tag_list);
     static_cast<void>(params.timeout());
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::online, "FCX")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FCX")) return *unfit;
     const Finished finished = finish_chip(call.device, request);
     std::vector<Param> answer;
     answer.push_back({pp::fcxRes, Writer().n(static_cast<unsigned>(finished.decision), 3).bytes()});

@@ -19,9 +19,9 @@ constexpr size_t headerSize = 4;
 constexpr std::array<std::string_view, 3> approvals{"00", "10", "11"};
 
 Issuer issuer(const FinishRequest& request) {
-    if (!request.responseCode) return Issuer::unreachable;
+    if (!request.responseCode) return Issuer::kUnreachable;
     const bool approved = std::ranges::find(approvals, *request.responseCode) != approvals.end();
-    return approved ? Issuer::approved : Issuer::declined;
+    return approved ? Issuer::kApproved : Issuer::kDeclined;
 }
 
 // An issuer's command has its data behind a length.
@@ -81,17 +81,17 @@ std::string response_code(Reader& fields, std::string_view field) {
 
 Finished finish_chip(Device& device, const FinishRequest& request) {
     Transaction& transaction = *device.transaction;
-    const bool isChip = transaction.interface == Transaction::Interface::chip;
+    const bool isChip = transaction.interface == Transaction::Interface::kChip;
     Chip* const chip = isChip ? &*device.chip->chip : nullptr;
     DataObjects& objects = transaction.objects;
     Finished finished;
     finished.scriptResults = run_scripts(chip, request, objects);
-    finished.decision = final_decision(issuer(request), chip != nullptr ? chip->second : Chip::Second::asAsked);
-    const bool approved = finished.decision == FinalDecision::approved;
+    finished.decision = final_decision(issuer(request), chip != nullptr ? chip->second : Chip::Second::kAsAsked);
+    const bool approved = finished.decision == FinalDecision::kApproved;
     objects[tag::responseCode] = to_bytes(request.responseCode.value_or(approved ? "Y3" : "Z3"));
     if (!finished.scriptResults.empty()) objects[tag::scriptResults] = finished.scriptResults;
-    generate(objects, approved ? Cryptogram::approved : Cryptogram::declined);
-    transaction.stage = Transaction::Stage::finished;
+    generate(objects, approved ? Cryptogram::kApproved : Cryptogram::kDeclined);
+    transaction.stage = Transaction::Stage::kFinished;
     finished.objects = objects;
     return finished;
 }

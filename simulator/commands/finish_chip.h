@@ -21,7 +21,7 @@ struct FinishRequest {
 };
 
 struct Finished {
-    FinalDecision decision = FinalDecision::declinedByCard;
+    FinalDecision decision = FinalDecision::kDeclinedByCard;
     // Five bytes for each script: how it went, and its identifier.
     Bytes scriptResults = {};
     DataObjects objects = {};

@@ -51,11 +51,11 @@ Answer fnc(Call& call) {
     const FinishRequest request = finish_request(fields);
     const std::vector<Tag> wanted = tags(call.request.block("CMD_LEN2"));
     call.request.end();
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::online, "FNC")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FNC")) return *unfit;
     const Finished finished = finish_chip(call.device, request);
     const Bytes found = encode(finished.objects, wanted);
     const Bytes& results = finished.scriptResults;
-    if (found.size() > maxEmvData || results.size() > maxScriptResults) return {.status = Status::rspovrfl};
+    if (found.size() > maxEmvData || results.size() > maxScriptResults) return {.status = Status::kRspovrfl};
     Writer answer;
     answer.n(static_cast<unsigned>(finished.decision), 1).n(found.size(), 3).h(found, 2 * found.size());
     return Answer::of(answer.n(results.size(), 2).h(results, 2 * results.size()).n(0, 3));

@@ -27,11 +27,11 @@ Outcome gcd(Call& call) {
     const uint64_t fewest = params.get(spe::minDig, [](Reader& r) { return r.x("digits", 1, {0, maxDigits}); });
     const uint64_t most = params.get(spe::maxDig, [&](Reader& r) { return r.x("digits", 1, {fewest, maxDigits}); });
     const auto limit = params.timeout();
-    DigitEntry entry(call.screen, prompt(message), fewest, most, DigitEntry::Echo::digits);
+    DigitEntry entry(call.screen, prompt(message), fewest, most, DigitEntry::Echo::kDigits);
     return Wait{[entry](const Event& event) mutable -> std::optional<Answer> {
                     const auto result = entry.on(event);
                     if (!result) return std::nullopt;
-                    if (result->status != Status::ok) return Answer{.status = result->status};
+                    if (result->status != Status::kOk) return Answer{.status = result->status};
                     const Param value{pp::value, to_bytes(result->digits)};
                     return Answer::of(std::span(&value, 1));
                 },

@@ -64,9 +64,10 @@ GcrRequest gcr_request(Reader& request) {
 
 // Whether there are tables at all shows when a card's record is looked for.
 Status tables_status(const Tables& tables, const GcrRequest& request) {
-    if (request.version.empty()) return Status::ok;
-    if (tables.records().empty()) return Status::taberr;
-    return tables.version(static_cast<int>(request.card.acquirer)) == request.version ? Status::ok : Status::tabverdif;
+    if (request.version.empty()) return Status::kOk;
+    if (tables.records().empty()) return Status::kTaberr;
+    return tables.version(static_cast<int>(request.card.acquirer)) == request.version ? Status::kOk
+                                                                                      : Status::kTabverdif;
 }
 
 // For two acquirers, each with a layout of its own.
@@ -145,7 +146,7 @@ Outcome gcr(Call& call) {
     const GcrRequest request = gcr_request(call.request);
     call.device.cardRequest = request.card;
     const Status status = tables_status(call.device.tables, request);
-    if (status != Status::ok) return Answer{.status = status};
+    if (status != Status::kOk) return Answer{.status = status};
     return read_for_gcr(call, request.card);
 }
 

@@ -96,7 +96,7 @@ Answer gcx_answer(const CardRead& read, const PanMask& mask, const std::optional
     add_number(params, pp::iccStat, static_cast<unsigned>(read.lastChip), 1);
     add_card(params, read.card, mask);
     if (read.application) add_application(params, *read.application, read.card);
-    if (read.type == CardType::contactless || read.type == CardType::contactlessStripe) {
+    if (read.type == CardType::kContactless || read.type == CardType::kContactlessStripe) {
         add_number(params, pp::devType, cardDevice, 2);
     }
     return with_emv_data(std::move(params), read.objects, tags);

@@ -13,9 +13,9 @@ Answer gdu(Call& call) {
     const uint64_t method = fields.n("GDU_METHOD", 1, {desMethod, tdesMethod});
     const auto index = static_cast<int>(fields.n("GDU_IDX", 2));
     fields.end();
-    const KeyStrength strength = method == desMethod ? KeyStrength::des : KeyStrength::tdes;
-    const auto ksn = call.device.keys.ksn(strength, KeyUse::pin, index);
-    if (!ksn) return {.status = Status::errkey, .blocks = {}};
+    const KeyStrength strength = method == desMethod ? KeyStrength::kDes : KeyStrength::kTdes;
+    const auto ksn = call.device.keys.ksn(strength, KeyUse::kPin, index);
+    if (!ksn) return {.status = Status::kErrkey, .blocks = {}};
     return Answer::of(Writer().h(*ksn, 2 * ksn->size()));
 }
 

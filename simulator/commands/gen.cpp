@@ -28,11 +28,11 @@ Answer output(const Writer& fields) { return output(fields.bytes().size(), field
 Outcome key_query(Call& call, Reader fields) {
     static constexpr uint64_t firstDukpt = 2;
     const uint64_t type = fields.n("GEN02K3_KEYTYPE", 1, {0, 3});
-    const KeyUse use = fields.n("GEN02K3_KEYUSE", 1, {0, 1}) == 0 ? KeyUse::pin : KeyUse::data;
+    const KeyUse use = fields.n("GEN02K3_KEYUSE", 1, {0, 1}) == 0 ? KeyUse::kPin : KeyUse::kData;
     const size_t first = fields.n("GEN02K3_IDXINI", 2);
     const size_t last = fields.n("GEN02K3_IDXEND", 2, {first, 99});
     fields.end();
-    const KeyStrength strength = type % 2 == 0 ? KeyStrength::des : KeyStrength::tdes;
+    const KeyStrength strength = type % 2 == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     const KeyStore& keys = call.device.keys;
     const std::string map = type < firstDukpt ? keys.master_map(strength, use) : keys.dukpt_map(strength, use);
     return output(Writer().a(std::string_view(map).substr(first, last - first + 1), last - first + 1));
@@ -49,10 +49,10 @@ constexpr size_t maxTagOutput = 256;
 Outcome read_tags(Call& call, Reader fields) {
     const std::vector<Tag> tags = tags_in(fields);
     const auto& card = call.device.lastCard;
-    if (!card || !card->chip) return refused(Status::nocard);
+    if (!card || !card->chip) return refused(Status::kNocard);
     const auto& transaction = call.device.transaction;
     const Bytes found = encode(transaction ? transaction->objects : card->objects(), tags);
-    if (found.size() > maxTagOutput) return refused(Status::rspovrfl);
+    if (found.size() > maxTagOutput) return refused(Status::kRspovrfl);
     return output(Writer().h(found, 2 * found.size()));
 }
 
@@ -68,14 +68,14 @@ Outcome encipher_data(Call& call, Reader fields) {
     const Bytes input = fields.h("GEN0303_INPUT", fields.left());
     const auto& panKey = call.device.panKey;
     const Bytes clear = panKey ? encipher(*panKey, input) : input;
-    const auto key = call.device.keys.next_dukpt(KeyStrength::tdes, KeyUse::data, index);
-    if (!key) return refused(Status::errkey);
+    const auto key = call.device.keys.next_dukpt(KeyStrength::kTdes, KeyUse::kData, index);
+    if (!key) return refused(Status::kErrkey);
     return output(Writer().h(key->ksn, 2 * key->ksn.size()).h(encipher(key->key, clear), 2 * clear.size()));
 }
 
 int slot_in(Reader& fields) { return static_cast<int>(fields.n("GEN_SLOT", 1, {0, highestSlot})); }
 
-enum class Power { on = 1, reset = 2, off = 3, query = 4 };
+enum class Power { kOn = 1, kReset = 2, kOff = 3, kQuery = 4 };
 
 // Answers whether there is a chip, whether it has power, and with power what it answered to the reset.
 Outcome power(Call& call, Reader fields) {
@@ -84,17 +84,17 @@ Outcome power(Call& call, Reader fields) {
     const int slot = slot_in(fields);
     fields.end();
     Chip* const chip = chip_in(call.device, slot);
-    if (chip == nullptr && operation != Power::query) return refused(absence(slot));
-    if (chip != nullptr && operation != Power::query) chip->powered = operation != Power::off;
+    if (chip == nullptr && operation != Power::kQuery) return refused(absence(slot));
+    if (chip != nullptr && operation != Power::kQuery) chip->powered = operation != Power::kOff;
     const bool powered = chip != nullptr && chip->powered;
     const Bytes atr = powered ? chip->atr : Bytes();
     return output(Writer().n(chip != nullptr ? 1 : 0, 1).n(powered ? 1 : 0, 1).n(atr.size(), 2).h(atr, 2 * maxAtr));
 }
 
-enum class Exchange { done = 0, noPower = 1 };
+enum class Exchange { kDone = 0, kNoPower = 1 };
 
 struct ApduResponse {
-    Exchange status = Exchange::noPower;
+    Exchange status = Exchange::kNoPower;
     Bytes statusWord{0, 0};
     Bytes data = {};
 };
@@ -103,7 +103,7 @@ ApduResponse exchange(Chip& chip, ByteView header, ByteView data) {
     if (!chip.powered) return {};
     const Bytes response = chip.exchange(header, data);
     const auto dataEnd = response.end() - 2;
-    return {Exchange::done, {dataEnd, response.end()}, {response.begin(), dataEnd}};
+    return {Exchange::kDone, {dataEnd, response.end()}, {response.begin(), dataEnd}};
 }
 
 // As a chip does it: less room than there are data gets none of them, but their number.
@@ -173,11 +173,11 @@ Answer show_pin(Device& device, const PinRequest& request, const std::string& pi
 Outcome verify_pin(Call& call, Reader fields) {
     const PinRequest request = read_pin_request(fields);
     if (chip_in(call.device, request.slot) == nullptr) return refused(absence(request.slot));
-    DigitEntry entry(call.screen, request.message, request.fewest, request.most, DigitEntry::Echo::count);
+    DigitEntry entry(call.screen, request.message, request.fewest, request.most, DigitEntry::Echo::kCount);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
         const auto result = entry.on(event);
         if (!result) return std::nullopt;
-        return result->status == Status::ok ? show_pin(device, request, result->digits) : refused(result->status);
+        return result->status == Status::kOk ? show_pin(device, request, result->digits) : refused(result->status);
     }};
 }
 
@@ -189,9 +189,9 @@ Outcome read_slot_tags(Call& call, Reader fields) {
     }
     const std::vector<Tag> tags = tags_in(fields);
     const auto& card = call.device.chip;
-    if (!card || !card->chip) return refused(Status::nocard);
+    if (!card || !card->chip) return refused(Status::kNocard);
     const Bytes found = encode(card->objects(), tags);
-    if (found.size() > maxTagOutput) return refused(Status::rspovrfl);
+    if (found.size() > maxTagOutput) return refused(Status::kRspovrfl);
     return output(found.size(), Writer().h(found, 2 * found.size()));
 }
 
@@ -220,8 +220,8 @@ Outcome gen(Call& call) {
     const auto* found = std::ranges::find_if(
         subCommands, [&](const SubCommand& known) { return known.group == group && known.id == id; });
     if (found != subCommands.end()) return found->handle(call, fields);
-    call.journal.record(Finding{Finding::Kind::unsupported, fmt::format("GEN: there is no {}/{}", group, id)});
-    return refused(Status::invcall);
+    call.journal.record(Finding{Finding::Kind::kUnsupported, fmt::format("GEN: there is no {}/{}", group, id)});
+    return refused(Status::kInvcall);
 }
 
 }  // namespace quorvel::sim::commands

@@ -53,13 +53,13 @@ constexpr std::array items{
     Item{0x8020, identity<&Identity::textSize>},
     Item{0x8021, identity<&Identity::graphicSize>},
     Item{0x8022, identity<&Identity::mediaSupport>},
-    Item{0x8030, masters<des, pin>},
-    Item{0x8031, masters<des, data>},
-    Item{0x8032, masters<tdes, pin>},
-    Item{0x8033, masters<tdes, data>},
-    Item{0x8034, dukpts<des, pin>},
-    Item{0x8035, dukpts<tdes, pin>},
-    Item{0x8036, dukpts<tdes, data>},
+    Item{0x8030, masters<kDes, kPin>},
+    Item{0x8031, masters<kDes, kData>},
+    Item{0x8032, masters<kTdes, kPin>},
+    Item{0x8033, masters<kTdes, kData>},
+    Item{0x8034, dukpts<kDes, kPin>},
+    Item{0x8035, dukpts<kTdes, kPin>},
+    Item{0x8036, dukpts<kTdes, kData>},
 };
 static_assert(std::ranges::is_sorted(items, {}, &Item::id));
 
@@ -72,11 +72,11 @@ std::optional<Bytes> ksn(const KeyStore& keys, KeyStrength strength, KeyUse use,
 std::optional<Bytes> family_item(const Device& device, int family, int index) {
     switch (family) {
         case pp::ksnDesPin:
-            return ksn(device.keys, des, pin, index);
+            return ksn(device.keys, kDes, kPin, index);
         case pp::ksnTdesPin:
-            return ksn(device.keys, tdes, pin, index);
+            return ksn(device.keys, kTdes, kPin, index);
         case pp::ksnTdesData:
-            return ksn(device.keys, tdes, data, index);
+            return ksn(device.keys, kTdes, kData, index);
         case pp::tabVer:
             break;
         default:
@@ -121,7 +121,8 @@ Answer gix(Call& call) {
     std::vector<Param> found;
     for (const uint16_t id : ids) {
         if (!exists(id)) {
-            call.journal.record(Finding{Finding::Kind::unsupported, fmt::format("GIX: there is no item 0x{:04X}", id)});
+            call.journal.record(
+                Finding{Finding::Kind::kUnsupported, fmt::format("GIX: there is no item 0x{:04X}", id)});
         } else if (std::optional<Bytes> value = item(call.device, id)) {
             found.push_back({id, *std::move(value)});
         }

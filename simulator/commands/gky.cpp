@@ -11,7 +11,7 @@ namespace quorvel::sim::commands {
 namespace {
 
 // Those whose code is also a status.
-constexpr std::array statusKeys{Key::enter, Key::f1, Key::f2, Key::f3, Key::f4, Key::clear, Key::cancel};
+constexpr std::array statusKeys{Key::kEnter, Key::kF1, Key::kF2, Key::kF3, Key::kF4, Key::kClear, Key::kCancel};
 
 }  // namespace
 

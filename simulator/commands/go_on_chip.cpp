@@ -35,14 +35,14 @@ Bytes verification_results(const Verified& verified) {
 
 Cryptogram cryptogram(Decision decision) {
     switch (decision) {
-        case Decision::approved:
-            return Cryptogram::approved;
-        case Decision::online:
-            return Cryptogram::online;
-        case Decision::declined:
+        case Decision::kApproved:
+            return Cryptogram::kApproved;
+        case Decision::kOnline:
+            return Cryptogram::kOnline;
+        case Decision::kDeclined:
             break;
     }
-    return Cryptogram::declined;
+    return Cryptogram::kDeclined;
 }
 
 class GoOnChip {
@@ -59,15 +59,15 @@ public:
     // Unless a PIN has to be waited for.
     std::optional<Answer> begin() {
         switch (verification()) {
-            case Verification::none:
+            case Verification::kNone:
                 return decide();
-            case Verification::signature:
+            case Verification::kSignature:
                 verified_.signature = true;
                 return decide();
-            case Verification::offlinePin:
+            case Verification::kOfflinePin:
                 if (chip().pinTries == 0) return pin_blocked();
                 break;
-            case Verification::onlinePin:
+            case Verification::kOnlinePin:
                 break;
         }
         ask();
@@ -75,16 +75,16 @@ public:
     }
 
     std::optional<Answer> on(const Event& event) {
-        if (transaction().interrupted) return Answer{.status = Status::nocard};
+        if (transaction().interrupted) return Answer{.status = Status::kNocard};
         const auto typed = entry_->on(event);
         if (!typed) return std::nullopt;
-        if (typed->status != Status::ok) return Answer{.status = typed->status};
-        return verification() == Verification::onlinePin ? take_online(typed->digits) : verify_offline(typed->digits);
+        if (typed->status != Status::kOk) return Answer{.status = typed->status};
+        return verification() == Verification::kOnlinePin ? take_online(typed->digits) : verify_offline(typed->digits);
     }
 
 private:
     [[nodiscard]] Transaction& transaction() const { return *device_.transaction; }
-    [[nodiscard]] bool is_chip() const { return transaction().interface == Transaction::Interface::chip; }
+    [[nodiscard]] bool is_chip() const { return transaction().interface == Transaction::Interface::kChip; }
     [[nodiscard]] Chip& chip() const { return *device_.chip->chip; }
 
     [[nodiscard]] Verification verification() const {
@@ -94,12 +94,12 @@ private:
     void ask() {
         const std::string& message = request_.message;
         entry_.emplace(screen_, message.empty() ? "ENTER THE PIN" : message, fewestPinDigits, maxPinDigits,
-                       DigitEntry::Echo::count);
+                       DigitEntry::Echo::kCount);
     }
 
     Answer take_online(const std::string& pin) {
         pin_ = encipher_pin(device_.keys, request_.key, transaction().card.pan, pin);
-        if (!pin_) return {.status = Status::errkey};
+        if (!pin_) return {.status = Status::kErrkey};
         verified_.pinOnline = true;
         return decide();
     }
@@ -125,13 +125,14 @@ private:
     Answer decide() {
         DataObjects& objects = transaction().objects;
         objects[tag::verificationResults] = verification_results(verified_);
-        const Chip::First wish = is_chip() ? chip().first : Chip::First::asAsked;
+        const Chip::First wish = is_chip() ? chip().first : Chip::First::kAsAsked;
         const Decision decision = first_decision(request_.risk, verified_, wish, draw(), objects);
-        if (decision != Decision::online) {
-            objects[tag::responseCode] = to_bytes(decision == Decision::approved ? "Y1" : "Z1");
+        if (decision != Decision::kOnline) {
+            objects[tag::responseCode] = to_bytes(decision == Decision::kApproved ? "Y1" : "Z1");
         }
         generate(objects, cryptogram(decision));
-        transaction().stage = decision == Decision::online ? Transaction::Stage::online : Transaction::Stage::finished;
+        transaction().stage =
+            decision == Decision::kOnline ? Transaction::Stage::kOnline : Transaction::Stage::kFinished;
         return answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects});
     }
 
@@ -153,7 +154,7 @@ std::optional<Answer> unfit_transaction(Call& call, Transaction::Stage stage, st
     if (transaction->stage != stage) {
         return out_of_sequence(call, fmt::format("{} at the wrong stage of the transaction", command));
     }
-    if (transaction->interrupted) return Answer{.status = Status::nocard};
+    if (transaction->interrupted) return Answer{.status = Status::kNocard};
     return std::nullopt;
 }
 

@@ -25,7 +25,7 @@ struct GoRequest {
 };
 
 struct Gone {
-    Decision decision = Decision::declined;
+    Decision decision = Decision::kDeclined;
     Verified verified;
     // Of the online PIN.
     std::optional<PinBlock> pin = {};

@@ -115,7 +115,7 @@ void write_pin(Writer& fields, const std::optional<PinBlock>& pin) {
 Answer goc_answer(const Gone& gone, std::vector<Tag> tags, const std::vector<Tag>& pinTags) {
     if (gone.pin) tags.insert(tags.end(), pinTags.begin(), pinTags.end());
     const Bytes found = encode(gone.objects, tags);
-    if (found.size() > maxEmvData) return {.status = Status::rspovrfl};
+    if (found.size() > maxEmvData) return {.status = Status::kRspovrfl};
     const Verified& verified = gone.verified;
     Writer fields;
     fields.n(static_cast<unsigned>(gone.decision), 1).n(verified.signature ? 1 : 0, 1);
@@ -130,7 +130,7 @@ Answer goc_answer(const Gone& gone, std::vector<Tag> tags, const std::vector<Tag
 Outcome goc(Call& call) {
     const auto& transaction = call.device.transaction;
     const GocRequest request = goc_request(call.request, transaction ? transaction->application.acquirer : 0);
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::selected, "GOC")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOC")) return *unfit;
     return go_on_chip(
         call, request.go, std::nullopt,
         [tags = request.tags, pinTags = request.pinTags](const Gone& gone) { return goc_answer(gone, tags, pinTags); });

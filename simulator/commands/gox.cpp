@@ -25,7 +25,7 @@ PinKey pin_key(const Params& params) {
     const size_t size = sizes.at(static_cast<size_t>(key.method));
     const auto workingKey = params.find(spe::wkEnc, [](Reader& value) { return value.b("key", value.left()); });
     if (workingKey && size == 0) throw out_of_place("GOX", spe::wkEnc);
-    if (!workingKey && size != 0) throw LayoutError("GOX: no SPE_WKENC", Status::mandat);
+    if (!workingKey && size != 0) throw LayoutError("GOX: no SPE_WKENC", Status::kMandat);
     if (workingKey && workingKey->size() != size) {
         throw LayoutError(fmt::format("SPE_WKENC: {} bytes instead of {}", workingKey->size(), size));
     }
@@ -99,7 +99,7 @@ Outcome gox(Call& call) {
     static_cast<void>(params.get(spe::acqRef, two_digits));
     const auto tags = params.find(spe::tagList, tag_list);
     const auto limit = params.timeout();
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::selected, "GOX")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOX")) return *unfit;
     const auto amount = request.objects.find(tag::amount);
     request.risk.amount = from_bcd(amount != request.objects.end() ? amount->second : known_amount(call.device));
     const int method = request.key.method;

@@ -94,7 +94,7 @@ public:
     std::optional<Answer> on(const Event& event) {
         const auto result = entry_.on(event);
         if (!result) return std::nullopt;
-        if (result->status != Status::ok) return Answer{.status = result->status};
+        if (result->status != Status::kOk) return Answer{.status = result->status};
         if (at_ == 0) pin_ = result->digits;
         at_ = result->digits == pin_ ? at_ + 1 : 0;
         if (at_ == request_.prompts.size()) return finish();
@@ -105,12 +105,12 @@ public:
 private:
     [[nodiscard]] DigitEntry ask() const {
         const Prompt& prompt = request_.prompts[at_];
-        return {screen_, prompt.message, prompt.fewest, prompt.most, DigitEntry::Echo::count};
+        return {screen_, prompt.message, prompt.fewest, prompt.most, DigitEntry::Echo::kCount};
     }
 
     [[nodiscard]] Answer finish() const {
         const auto block = encipher_pin(device_.keys, request_.key, request_.pan, pin_);
-        if (!block) return {.status = Status::errkey};
+        if (!block) return {.status = Status::kErrkey};
         return Answer::of(Writer().h(block->block, 2 * block->block.size()).h(block->ksn, 2 * block->ksn.size()));
     }
 
@@ -128,7 +128,7 @@ Outcome gpn(Call& call) {
     PinRequest request = pin_request(call);
     // Hosts may ask for it, but no cardholder could ever enter it.
     if (std::ranges::any_of(request.prompts, [](const Prompt& prompt) { return prompt.fewest > maxPinDigits; })) {
-        return Answer{.status = Status::invparm};
+        return Answer{.status = Status::kInvparm};
     }
     const auto capture = std::make_shared<Capture>(call.device, call.screen, std::move(request));
     return Wait{[capture](const Event& event) { return capture->on(event); }};

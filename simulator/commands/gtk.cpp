@@ -20,7 +20,7 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-enum class Form { characters, packed };
+enum class Form { kCharacters, kPacked };
 
 struct Item {
     std::string Card::*text;
@@ -32,10 +32,10 @@ struct Item {
 
 // One for each digit of SPE_TRACKS.
 constexpr std::array items{
-    Item{&Card::track1, pp::track1, pp::trk1Ksn, Form::characters, true},
-    Item{&Card::track2, pp::track2, pp::trk2Ksn, Form::packed, true},
-    Item{&Card::track3, pp::track3, pp::trk3Ksn, Form::packed, true},
-    Item{&Card::pan, pp::encPan, pp::encPanKsn, Form::packed, false},
+    Item{&Card::track1, pp::track1, pp::trk1Ksn, Form::kCharacters, true},
+    Item{&Card::track2, pp::track2, pp::trk2Ksn, Form::kPacked, true},
+    Item{&Card::track3, pp::track3, pp::trk3Ksn, Form::kPacked, true},
+    Item{&Card::pan, pp::encPan, pp::encPanKsn, Form::kPacked, false},
 };
 
 struct Request {
@@ -55,10 +55,10 @@ Bytes packed(std::string_view text) {
     return bytes;
 }
 
-Bytes in_form(Form form, std::string_view text) { return form == Form::packed ? packed(text) : to_bytes(text); }
+Bytes in_form(Form form, std::string_view text) { return form == Form::kPacked ? packed(text) : to_bytes(text); }
 
 Bytes whole_blocks(Form form, Bytes bytes) {
-    bytes.resize((bytes.size() + blockSize - 1) / blockSize * blockSize, form == Form::packed ? 0xFF : ' ');
+    bytes.resize((bytes.size() + blockSize - 1) / blockSize * blockSize, form == Form::kPacked ? 0xFF : ' ');
     return bytes;
 }
 
@@ -95,9 +95,9 @@ Request read(Reader& reader) {
     }
     request.cipher.settle();
     request.openDigits = openDigits.value_or(0);
-    if (request.wanted.empty()) throw LayoutError("GTK: SPE_TRACKS is missing", Status::mandat);
+    if (request.wanted.empty()) throw LayoutError("GTK: SPE_TRACKS is missing", Status::kMandat);
     if (request.wanted.back() == '1' && request.cipher.method() == nullptr) {
-        throw LayoutError("GTK: SPE_MTHDDAT is missing for the card number", Status::mandat);
+        throw LayoutError("GTK: SPE_MTHDDAT is missing for the card number", Status::kMandat);
     }
     return request;
 }
@@ -125,16 +125,16 @@ bool add_item(std::vector<Param>& answer, const Item& item, const Card& card, co
 Answer gtk(Call& call) {
     const Request request = read(call.request);
     const auto& card = call.device.lastCard;
-    if (!card) return {.status = Status::nocard, .blocks = {}};
+    if (!card) return {.status = Status::kNocard, .blocks = {}};
     std::vector<Param> answer;
     for (size_t i = 0; i < items.size(); ++i) {
         if (request.wanted[i] != '1' || (*card.*items[i].text).empty()) continue;
         if (!add_item(answer, items[i], *card, request, call.device.keys)) {
-            return {.status = Status::errkey, .blocks = {}};
+            return {.status = Status::kErrkey, .blocks = {}};
         }
     }
     const DataMethod* method = request.cipher.method();
-    if (method != nullptr && method->source == KeySource::randomKey) {
+    if (method != nullptr && method->source == KeySource::kRandomKey) {
         answer.push_back({pp::encKRand, request.cipher.enciphered_random_key()});
     }
     return Answer::of(answer);

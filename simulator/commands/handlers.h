@@ -54,8 +54,8 @@ Answer tlr(Call& call);
 
 // Answers a command that another one had to come before.
 inline Answer out_of_sequence(Call& call, std::string fault) {
-    call.journal.record(Finding{Finding::Kind::sequence, std::move(fault)});
-    return {.status = Status::invcall, .blocks = {}};
+    call.journal.record(Finding{Finding::Kind::kSequence, std::move(fault)});
+    return {.status = Status::kInvcall, .blocks = {}};
 }
 
 }  // namespace quorvel::sim::commands

@@ -37,8 +37,8 @@ Answer mli(Call& call) {
     file.name = std::move(name);
     if (!is_supported(call.device.identity, file.type)) {
         call.journal.record(
-            Finding{Finding::Kind::unsupported, fmt::format("MLI: there are no files of type {}", file.type)});
-        return {.status = Status::mferrfmt, .blocks = {}};
+            Finding{Finding::Kind::kUnsupported, fmt::format("MLI: there are no files of type {}", file.type)});
+        return {.status = Status::kMferrfmt, .blocks = {}};
     }
     call.device.media.begin(std::move(file));
     return {};

@@ -22,14 +22,14 @@ Outcome mnu(Call& call) {
     const Params params(
         "MNU", call.request,
         {Params::at_most_once(spe::timeout), Params::at_most_once(spe::dspMsg), {spe::mnuOpt, 1, maxOptions}});
-    const auto title = params.find(spe::dspMsg, [](Reader& r) { return r.s("text", titleWidth, Cr::allowed); });
+    const auto title = params.find(spe::dspMsg, [](Reader& r) { return r.s("text", titleWidth, Cr::kAllowed); });
     auto options = params.all(spe::mnuOpt, [](Reader& r) { return r.s("text", optionWidth); });
     const auto limit = params.timeout();
     Menu menu(call.screen, title.value_or(""), std::move(options));
     return Wait{[menu](const Event& event) mutable -> std::optional<Answer> {
                     const auto result = menu.on(event);
                     if (!result) return std::nullopt;
-                    if (result->status != Status::ok) return Answer{.status = result->status};
+                    if (result->status != Status::kOk) return Answer{.status = result->status};
                     const Param value{pp::value, Writer().n(result->option, 2).bytes()};
                     return Answer::of(std::span(&value, 1));
                 },

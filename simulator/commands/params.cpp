@@ -18,7 +18,7 @@ Params::Params(std::string_view command, Reader& request, std::initializer_list<
     }
     for (const Rule& rule : rules) {
         if (static_cast<size_t>(std::ranges::count(params_, rule.id, &Param::id)) >= rule.fewest) continue;
-        throw LayoutError(fmt::format("{}: no {}", command, param_name(rule.id)), Status::mandat);
+        throw LayoutError(fmt::format("{}: no {}", command, param_name(rule.id)), Status::kMandat);
     }
 }
 

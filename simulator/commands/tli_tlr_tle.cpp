@@ -31,7 +31,7 @@ Tables::Records read_records(Reader& fields, size_t count) try {
     for (size_t number = 1; number <= count; ++number) read_record(fields, number, batch);
     fields.end();
     return batch;
-} catch (const LayoutError& error) { throw LayoutError(error.what(), Status::taberr); }
+} catch (const LayoutError& error) { throw LayoutError(error.what(), Status::kTaberr); }
 
 }  // namespace
 

@@ -29,9 +29,9 @@ struct NamedKey {
 };
 
 constexpr std::array keys{
-    NamedKey{"enter", Key::enter}, NamedKey{"clear", Key::clear}, NamedKey{"cancel", Key::cancel},
-    NamedKey{"up", Key::up},       NamedKey{"down", Key::down},   NamedKey{"f1", Key::f1},
-    NamedKey{"f2", Key::f2},       NamedKey{"f3", Key::f3},       NamedKey{"f4", Key::f4},
+    NamedKey{"enter", Key::kEnter}, NamedKey{"clear", Key::kClear}, NamedKey{"cancel", Key::kCancel},
+    NamedKey{"up", Key::kUp},       NamedKey{"down", Key::kDown},   NamedKey{"f1", Key::kF1},
+    NamedKey{"f2", Key::kF2},       NamedKey{"f3", Key::kF3},       NamedKey{"f4", Key::kF4},
 };
 
 Key key_of(const std::string& name) {
@@ -136,7 +136,7 @@ json to_json(const Fault& fault) {
     json object{{"fault", fault.kind}};
     if (!fault.command.empty()) object["command"] = fault.command;
     if (fault.time != std::chrono::milliseconds::zero()) object["ms"] = fault.time.count();
-    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::status) object["status"] = fault.status;
+    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::kStatus) object["status"] = fault.status;
     if (fault.every != 1) object["every"] = fault.every;
     if (fault.chance < 1) object["chance"] = fault.chance;
     if (fault.times) object["times"] = *fault.times;
@@ -219,7 +219,7 @@ json traffic(Control& control, Arguments& arguments) {
     const std::vector<Traffic> all = control.pin_pad().traffic();
     json list = json::array();
     for (size_t i = all.size() - std::min(all.size(), last); i < all.size(); ++i) {
-        list.push_back({{"from", all[i].sender == Sender::host ? "host" : "pin-pad"},
+        list.push_back({{"from", all[i].sender == Sender::kHost ? "host" : "pin-pad"},
                         {"bytes", wire_text(all[i])},
                         {"words", utf8(all[i].words)}});
     }

@@ -28,7 +28,7 @@ void Device::insert(Card card) {
 
 void Device::remove_card() {
     if (chip && chip->chip) pinTries[chip->pan] = chip->chip->pinTries;
-    if (transaction && transaction->interface == Transaction::Interface::chip) transaction->interrupted = true;
+    if (transaction && transaction->interface == Transaction::Interface::kChip) transaction->interrupted = true;
     chip.reset();
 }
 

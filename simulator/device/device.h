@@ -84,7 +84,7 @@ struct Device {
     uint64_t transactions = 0;
     // What GCR asked for last, so that it can go on after tables were loaded.
     std::optional<CardRequest> cardRequest;
-    ChipReading lastChipReading = ChipReading::good;
+    ChipReading lastChipReading = ChipReading::kGood;
     // What is left of each chip that has been in the reader, by card number: it stays so when the card comes again.
     std::map<std::string, int> pinTries;
     // Security modules in the slots from 1 on.

@@ -30,7 +30,7 @@ void Media::add(ByteView block) {
     const Announcement& due = load_->announcement;
     const size_t size = load_->bytes.size() + block.size();
     if (size > due.size) {
-        throw LayoutError(fmt::format("MLR: {} bytes of {}, which has {}", size, due.name, due.size), Status::mferr);
+        throw LayoutError(fmt::format("MLR: {} bytes of {}, which has {}", size, due.name, due.size), Status::kMferr);
     }
     append(load_->bytes, block);
 }
@@ -39,11 +39,11 @@ void Media::end() {
     const auto [due, bytes] = *std::exchange(load_, std::nullopt);
     if (bytes.size() != due.size) {
         throw LayoutError(fmt::format("MLE: {} bytes of {}, which has {}", bytes.size(), due.name, due.size),
-                          Status::mferr);
+                          Status::kMferr);
     }
     if (const uint16_t crc = crc16(bytes); crc != due.crc) {
         throw LayoutError(fmt::format("MLE: {} has the CRC 0x{:04X}, 0x{:04X} was announced", due.name, crc, due.crc),
-                          Status::mferr);
+                          Status::kMferr);
     }
     store(due.name, {due.type, bytes});
 }

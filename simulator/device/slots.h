@@ -15,7 +15,7 @@ namespace quorvel::sim {
     return found != device.modules.end() ? &found->second : nullptr;
 }
 
-[[nodiscard]] inline Status absence(int slot) { return slot == 0 ? Status::nocard : Status::nosam; }
+[[nodiscard]] inline Status absence(int slot) { return slot == 0 ? Status::kNocard : Status::kNosam; }
 
 }  // namespace quorvel::sim
 

@@ -36,12 +36,12 @@ void Tables::add(Records batch) {
         if (load_->acquirer != allAcquirers && key.acquirer != load_->acquirer) {
             throw LayoutError(
                 fmt::format("TLR: a record of acquirer {:02} in a load for {:02}", key.acquirer, load_->acquirer),
-                Status::taberr);
+                Status::kTaberr);
         }
         if (load_->records.contains(key)) {
             throw LayoutError(
                 fmt::format("TLR: record {}{:02}{} is in the load already", key.table, key.acquirer, key.index),
-                Status::taberr);
+                Status::kTaberr);
         }
     }
     load_->records.merge(batch);

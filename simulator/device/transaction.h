@@ -33,22 +33,22 @@ struct CardRequest {
 };
 
 // What the last chip that was read came to. After the others a stripe does that tells to use the chip.
-enum class ChipReading { good = 0, failed = 1, notSupported = 2 };
+enum class ChipReading { kGood = 0, kFailed = 1, kNotSupported = 2 };
 
 // Begins with a card whose chip or antenna was read. The next one takes its place.
 struct Transaction {
-    enum class Interface { chip, contactless };
+    enum class Interface { kChip, kContactless };
     enum class Stage {
-        selected,  // an application, and nothing decided
-        online,    // the issuer is asked
-        finished,
+        kSelected,  // an application, and nothing decided
+        kOnline,    // the issuer is asked
+        kFinished,
     };
 
-    Interface interface = Interface::chip;
+    Interface interface = Interface::kChip;
     Card card;
     Application application;
     DataObjects objects;
-    Stage stage = Stage::selected;
+    Stage stage = Stage::kSelected;
     // The chip has left the reader, even if it came back.
     bool interrupted = false;
 };

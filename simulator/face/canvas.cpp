@@ -44,7 +44,7 @@ char32_t next(std::string_view& text) {
 size_t fitting(std::u32string_view text, size_t width, Break where) {
     if (text.size() <= width) return text.size();
     const size_t blank = text.substr(0, width).rfind(U' ');
-    const bool atBlank = where == Break::behindBlanks && blank != std::u32string_view::npos && blank >= width / 2;
+    const bool atBlank = where == Break::kBehindBlanks && blank != std::u32string_view::npos && blank >= width / 2;
     return atBlank ? blank + 1 : width;
 }
 
@@ -78,20 +78,20 @@ void Canvas::box(const Area& area, std::u32string_view heading) {
     const size_t bottom = area.row + area.size.rows - 1;
     const size_t right = area.column + area.size.columns - 1;
     for (size_t column = area.column; column <= right; ++column) {
-        put(area.row, column, U'─', Style::frame);
-        put(bottom, column, U'─', Style::frame);
+        put(area.row, column, U'─', Style::kFrame);
+        put(bottom, column, U'─', Style::kFrame);
     }
     for (size_t row = area.row; row <= bottom; ++row) {
-        put(row, area.column, U'│', Style::frame);
-        put(row, right, U'│', Style::frame);
+        put(row, area.column, U'│', Style::kFrame);
+        put(row, right, U'│', Style::kFrame);
     }
-    put(area.row, area.column, U'┌', Style::frame);
-    put(area.row, right, U'┐', Style::frame);
-    put(bottom, area.column, U'└', Style::frame);
-    put(bottom, right, U'┘', Style::frame);
+    put(area.row, area.column, U'┌', Style::kFrame);
+    put(area.row, right, U'┐', Style::kFrame);
+    put(bottom, area.column, U'└', Style::kFrame);
+    put(bottom, right, U'┘', Style::kFrame);
     if (area.size.columns < 5) return;
     write(area.row, area.column + 2, area.size.columns - 4, std::u32string(U" ").append(heading) + U' ',
-          Style::heading);
+          Style::kHeading);
 }
 
 std::u32string from_utf8(std::string_view text) {

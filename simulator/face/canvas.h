@@ -11,8 +11,20 @@
 namespace quorvel::sim {
 
 // What a cell is for. How that looks is the terminal's business.
-enum class Style { plain, frame, heading, bar, remark, display, displayChosen, chosen, host, pinPad, finding };
-inline constexpr size_t styleCount = static_cast<size_t>(Style::finding) + 1;
+enum class Style {
+    kPlain,
+    kFrame,
+    kHeading,
+    kBar,
+    kRemark,
+    kDisplay,
+    kDisplayChosen,
+    kChosen,
+    kHost,
+    kPinPad,
+    kFinding
+};
+inline constexpr size_t styleCount = static_cast<size_t>(Style::kFinding) + 1;
 
 struct Size {
     size_t rows = 0;
@@ -35,7 +47,7 @@ class Canvas {
 public:
     struct Cell {
         char32_t character = U' ';
-        Style style = Style::plain;
+        Style style = Style::kPlain;
     };
 
     explicit Canvas(Size size) : size_(size), cells_(size.rows * size.columns) {}
@@ -60,7 +72,7 @@ private:
 // What PIN pads have as text, a character a byte.
 [[nodiscard]] std::u32string from_latin1(std::string_view text);
 
-enum class Break { anywhere, behindBlanks };
+enum class Break { kAnywhere, kBehindBlanks };
 
 // Lines of at most `width` characters; those behind the first begin with `indent` blanks. What has no blank where a
 // line should end breaks anywhere.

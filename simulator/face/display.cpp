@@ -16,7 +16,7 @@ std::vector<DisplayLine> text_lines(std::string_view text, size_t columns) {
     std::vector<DisplayLine> lines;
     while (!text.empty()) {
         const size_t end = std::min(text.find(lineEnd), text.size());
-        for (std::u32string& line : wrapped(from_latin1(text.substr(0, end)), columns, 0, Break::anywhere)) {
+        for (std::u32string& line : wrapped(from_latin1(text.substr(0, end)), columns, 0, Break::kAnywhere)) {
             lines.push_back({std::move(line)});
         }
         text.remove_prefix(std::min(end + 1, text.size()));

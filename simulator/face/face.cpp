@@ -55,23 +55,23 @@ void Face::perform(const Deed& deed) {
 
 void Face::move(Move move) {
     switch (move) {
-        case Move::nextCard:
+        case Move::kNextCard:
             return take(taken_ + 1);
-        case Move::previousCard:
+        case Move::kPreviousCard:
             return take(taken_ + cards_.size() - 1);
-        case Move::swipe:
+        case Move::kSwipe:
             return use(stripeReader);
-        case Move::insertOrTakeOut:
+        case Move::kInsertOrTakeOut:
             return insert_or_take_out();
-        case Move::tap:
+        case Move::kTap:
             return use(antenna);
-        case Move::earlier:
+        case Move::kEarlier:
             return scroll(-page);
-        case Move::later:
+        case Move::kLater:
             return scroll(page);
-        case Move::newest:
+        case Move::kNewest:
             return end_.reset();
-        case Move::leave:
+        case Move::kLeave:
             over_ = true;
     }
 }

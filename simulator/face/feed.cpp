@@ -29,11 +29,11 @@ void listen_too(std::function<void(Arguments...)>& listener, More more) {
 }
 
 Feed::Entry entry_of(const Traffic& traffic) {
-    return {traffic.sender == Sender::host ? Feed::Entry::Kind::host : Feed::Entry::Kind::pinPad, traffic.words};
+    return {traffic.sender == Sender::kHost ? Feed::Entry::Kind::kHost : Feed::Entry::Kind::kPinPad, traffic.words};
 }
 
 Feed::Entry entry_of(const Finding& finding) {
-    return {Feed::Entry::Kind::finding, fmt::format("{}: {}", kind_name(finding.kind), finding.text)};
+    return {Feed::Entry::Kind::kFinding, fmt::format("{}: {}", kind_name(finding.kind), finding.text)};
 }
 
 }  // namespace
@@ -48,7 +48,7 @@ void Feed::listen(PinPad::Options& options) {
 void Feed::add(Entry entry) {
     {
         const std::lock_guard lock(mutex_);
-        if (entry.kind == Entry::Kind::finding) {
+        if (entry.kind == Entry::Kind::kFinding) {
             keep(findings_, entry.text, keptFindings);
             ++findingCount_;
         }

@@ -18,9 +18,9 @@ namespace quorvel::sim {
 class Feed {
 public:
     struct Entry {
-        enum class Kind { host, pinPad, finding };
+        enum class Kind { kHost, kPinPad, kFinding };
 
-        Kind kind = Kind::host;
+        Kind kind = Kind::kHost;
         std::string text;
 
         bool operator==(const Entry&) const = default;

@@ -27,17 +27,17 @@ constexpr size_t mostBlanks = 3;
 
 void bar(Canvas& canvas, const View& view) {
     const size_t columns = canvas.size().columns;
-    canvas.fill({0, 0, {1, columns}}, Style::bar);
-    canvas.write(0, 1, columns - 1, from_utf8(fmt::format("quorvel-sim  {}", view.port)), Style::bar);
+    canvas.fill({0, 0, {1, columns}}, Style::kBar);
+    canvas.write(0, 1, columns - 1, from_utf8(fmt::format("quorvel-sim  {}", view.port)), Style::kBar);
     if (view.remark.empty()) return;
     const std::u32string remark = U' ' + from_utf8(view.remark) + U' ';
-    canvas.write(0, columns - std::min(columns, remark.size()), columns, remark, Style::remark);
+    canvas.write(0, columns - std::min(columns, remark.size()), columns, remark, Style::kRemark);
 }
 
 void display(Canvas& canvas, const View& view, size_t row, size_t column) {
-    canvas.fill({row, column, view.textSize}, Style::display);
+    canvas.fill({row, column, view.textSize}, Style::kDisplay);
     for (const DisplayLine& line : display_lines(view.screen, view.textSize)) {
-        const Style style = line.chosen ? Style::displayChosen : Style::display;
+        const Style style = line.chosen ? Style::kDisplayChosen : Style::kDisplay;
         if (line.chosen) canvas.fill({row, column, {1, view.textSize.columns}}, style);
         canvas.write(row++, column, view.textSize.columns, line.text, style);
     }
@@ -52,8 +52,8 @@ void pin_pad(Canvas& canvas, const View& view, const Area& area) {
     const size_t row = inner.row + view.textSize.rows + 1;
     const std::string waiting = view.waiting.empty() ? "idle" : view.waiting;
     canvas.write(row, inner.column + 1, inner.size.columns - 2, from_utf8(waiting),
-                 view.waiting.empty() ? Style::plain : Style::chosen);
-    canvas.write(row + 1, inner.column + 1, inner.size.columns - 2, from_utf8(session(view)), Style::plain);
+                 view.waiting.empty() ? Style::kPlain : Style::kChosen);
+    canvas.write(row + 1, inner.column + 1, inner.size.columns - 2, from_utf8(session(view)), Style::kPlain);
 }
 
 std::vector<Binding> captions() {
@@ -76,9 +76,9 @@ void keys(Canvas& canvas, const Area& area) {
     for (const Binding& binding : captions()) {
         const size_t row = inner.row + at % rows;
         const size_t column = inner.column + 1 + at / rows * keyColumns;
-        canvas.write(row, column, captionColumns, from_utf8(binding.caption), Style::heading);
+        canvas.write(row, column, captionColumns, from_utf8(binding.caption), Style::kHeading);
         canvas.write(row, column + captionColumns, keyColumns - captionColumns, from_utf8(binding.meaning),
-                     Style::plain);
+                     Style::kPlain);
         ++at;
     }
 }
@@ -91,7 +91,7 @@ std::string slots(const View::Card& card) {
 void card_line(Canvas& canvas, const View& view, size_t index, const Area& line) {
     const View::Card& card = view.cards[index];
     const bool taken = index == view.taken;
-    const Style style = taken ? Style::chosen : Style::plain;
+    const Style style = taken ? Style::kChosen : Style::kPlain;
     canvas.fill(line, style);
     canvas.write(line.row, line.column, 1, taken ? U">" : U" ", style);
     canvas.write(line.row, line.column + 2, line.size.columns - slotColumns - 3, from_utf8(card.name), style);
@@ -104,7 +104,7 @@ void cards(Canvas& canvas, const View& view, const Area& area) {
     if (inner.size.rows == 0) return;
     canvas.write(inner.row, inner.column + 1, inner.size.columns - 1,
                  from_utf8(fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted)),
-                 view.inserted.empty() ? Style::plain : Style::heading);
+                 view.inserted.empty() ? Style::kPlain : Style::kHeading);
     const size_t count = std::min(inner.size.rows - 1, view.cards.size());
     // The card in the hand stays in the middle as long as there are cards on both sides of it.
     const size_t first = std::min(view.taken - std::min(view.taken, count / 2), view.cards.size() - count);
@@ -120,14 +120,14 @@ struct Mark {
 
 Mark mark(Feed::Entry::Kind kind) {
     switch (kind) {
-        case Feed::Entry::Kind::host:
-            return {U"> ", Style::host};
-        case Feed::Entry::Kind::pinPad:
-            return {U"< ", Style::pinPad};
-        case Feed::Entry::Kind::finding:
+        case Feed::Entry::Kind::kHost:
+            return {U"> ", Style::kHost};
+        case Feed::Entry::Kind::kPinPad:
+            return {U"< ", Style::kPinPad};
+        case Feed::Entry::Kind::kFinding:
             break;
     }
-    return {U"! ", Style::finding};
+    return {U"! ", Style::kFinding};
 }
 
 std::u32string squeezed(const std::u32string& text) {
@@ -149,7 +149,7 @@ void trace(Canvas& canvas, const View& view, const Area& area) {
     for (auto entry = view.trace.rbegin(); entry != view.trace.rend() && left > 0; ++entry) {
         const Mark sign = mark(entry->kind);
         const auto lines = wrapped(std::u32string(sign.text) + squeezed(from_utf8(entry->text)), inner.size.columns,
-                                   traceIndent, Break::behindBlanks);
+                                   traceIndent, Break::kBehindBlanks);
         for (auto line = lines.rbegin(); line != lines.rend() && left > 0; ++line) {
             canvas.write(inner.row + --left, inner.column, inner.size.columns, *line, sign.style);
         }
@@ -168,7 +168,7 @@ void findings(Canvas& canvas, const View& view, const Area& area) {
     const size_t count = std::min(view.findings.size(), inner.size.rows);
     for (size_t i = 0; i < count; ++i) {
         const std::string& text = view.findings[view.findings.size() - count + i];
-        canvas.write(inner.row + i, inner.column + 1, inner.size.columns - 2, from_utf8(text), Style::finding);
+        canvas.write(inner.row + i, inner.column + 1, inner.size.columns - 2, from_utf8(text), Style::kFinding);
     }
 }
 
@@ -196,7 +196,7 @@ void paint_narrow(Canvas& canvas, const View& view) {
     for (const std::string& text : {fmt::format("{}, {}", view.waiting.empty() ? "idle" : view.waiting, session(view)),
                                     fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted),
                                     "card: " + card, fmt::format("findings: {}", view.findingCount)}) {
-        canvas.write(row++, 0, columns, from_utf8(text), Style::plain);
+        canvas.write(row++, 0, columns, from_utf8(text), Style::kPlain);
     }
     if (row + 2 < rows) trace(canvas, view, {row, 0, {rows - row, columns}});
 }

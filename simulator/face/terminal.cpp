@@ -35,17 +35,17 @@ struct Colours {
 };
 
 constexpr std::array colours{
-    Colours{Style::plain, usual, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::frame, COLOR_BLUE, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::heading, usual, usual, A_BOLD, A_BOLD},
-    Colours{Style::bar, COLOR_WHITE, COLOR_BLUE, A_BOLD, A_REVERSE},
-    Colours{Style::remark, COLOR_BLACK, COLOR_YELLOW, A_NORMAL, A_BOLD},
-    Colours{Style::display, COLOR_BLACK, COLOR_GREEN, A_NORMAL, A_REVERSE},
-    Colours{Style::displayChosen, COLOR_GREEN, COLOR_BLACK, A_BOLD, A_BOLD},
-    Colours{Style::chosen, COLOR_CYAN, usual, A_BOLD, A_BOLD},
-    Colours{Style::host, usual, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::pinPad, COLOR_GREEN, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::finding, COLOR_RED, usual, A_BOLD, A_BOLD},
+    Colours{Style::kPlain, usual, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::kFrame, COLOR_BLUE, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::kHeading, usual, usual, A_BOLD, A_BOLD},
+    Colours{Style::kBar, COLOR_WHITE, COLOR_BLUE, A_BOLD, A_REVERSE},
+    Colours{Style::kRemark, COLOR_BLACK, COLOR_YELLOW, A_NORMAL, A_BOLD},
+    Colours{Style::kDisplay, COLOR_BLACK, COLOR_GREEN, A_NORMAL, A_REVERSE},
+    Colours{Style::kDisplayChosen, COLOR_GREEN, COLOR_BLACK, A_BOLD, A_BOLD},
+    Colours{Style::kChosen, COLOR_CYAN, usual, A_BOLD, A_BOLD},
+    Colours{Style::kHost, usual, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::kPinPad, COLOR_GREEN, usual, A_NORMAL, A_NORMAL},
+    Colours{Style::kFinding, COLOR_RED, usual, A_BOLD, A_BOLD},
 };
 static_assert(colours.size() == styleCount);
 

@@ -32,7 +32,7 @@ void take_status(Bytes& packet, int status) {
 void claim_too_much(Bytes& packet, int) {
     const std::string id(packet.begin(), packet.begin() + idWidth);
     const wire::Command* command = wire::find_command(id);
-    const bool params = command != nullptr && command->form == wire::Command::Form::params;
+    const bool params = command != nullptr && command->form == wire::Command::Form::kParams;
     if (params && packet.size() >= dataStart + paramHead) {
         std::fill_n(packet.begin() + dataStart + 2, 2, uint8_t{0xFF});
     } else {
@@ -60,21 +60,22 @@ using Target = FaultKind::Target;
 constexpr std::array kinds{
     FaultKind{.name = "no-answer", .wire = vanish},
     FaultKind{
-        .name = "delay", .detail = Detail::time, .pace = [](Pace& pace, milliseconds time) { pace.before = time; }},
+        .name = "delay", .detail = Detail::kTime, .pace = [](Pace& pace, milliseconds time) { pace.before = time; }},
     FaultKind{.name = "slow-bytes",
-              .detail = Detail::time,
+              .detail = Detail::kTime,
               .pace = [](Pace& pace, milliseconds time) { pace.between = time; }},
-    FaultKind{.name = "split", .detail = Detail::time, .pace = [](Pace& pace, milliseconds time) { pace.amid = time; }},
+    FaultKind{
+        .name = "split", .detail = Detail::kTime, .pace = [](Pace& pace, milliseconds time) { pace.amid = time; }},
     FaultKind{.name = "garbage", .wire = precede_with_garbage},
     FaultKind{.name = "bad-crc", .wire = spoil_crc},
     FaultKind{.name = "truncated", .wire = break_off},
     FaultKind{.name = "wrong-id", .packet = take_another_id},
-    FaultKind{.name = "status", .detail = Detail::status, .packet = take_status},
-    FaultKind{.name = "too-long", .target = Target::data, .packet = claim_too_much},
-    FaultKind{.name = "bad-cryptogram", .target = Target::sealed, .content = damage},
-    FaultKind{.name = "nak", .target = Target::acknowledgement, .wire = refuse},
-    FaultKind{.name = "lost-ack", .target = Target::acknowledgement, .wire = vanish},
-    FaultKind{.name = "hang-up", .detail = Detail::time, .wire = vanish, .hangsUp = true},
+    FaultKind{.name = "status", .detail = Detail::kStatus, .packet = take_status},
+    FaultKind{.name = "too-long", .target = Target::kData, .packet = claim_too_much},
+    FaultKind{.name = "bad-cryptogram", .target = Target::kSealed, .content = damage},
+    FaultKind{.name = "nak", .target = Target::kAcknowledgement, .wire = refuse},
+    FaultKind{.name = "lost-ack", .target = Target::kAcknowledgement, .wire = vanish},
+    FaultKind{.name = "hang-up", .detail = Detail::kTime, .wire = vanish, .hangsUp = true},
 };
 
 void require(bool holds, std::string_view what) {
@@ -94,26 +95,26 @@ void check(const Fault& fault) {
     const FaultKind* kind = find_fault_kind(fault.kind);
     require(kind != nullptr, fmt::format("there is no fault \"{}\"", fault.kind));
     require(fault.command.empty() || fault.command.size() == idWidth, "a command's id has three characters");
-    const bool timed = kind->detail == Detail::time;
+    const bool timed = kind->detail == Detail::kTime;
     require(timed ? fault.time > milliseconds::zero() : fault.time == milliseconds::zero(),
             fmt::format("\"{}\" {}", fault.kind, timed ? "needs a time" : "takes no time"));
     require(fault.status >= 0 && fault.status <= highestStatus, "a status is from 0 to 999");
-    require(fault.status == 0 || kind->detail == Detail::status, fmt::format("\"{}\" takes no status", fault.kind));
+    require(fault.status == 0 || kind->detail == Detail::kStatus, fmt::format("\"{}\" takes no status", fault.kind));
     require(fault.every > 0, "every 0th occasion is none");
     require(fault.chance > 0 && fault.chance <= 1, "a chance is above 0 and at most 1");
     require(fault.times != 0U, "0 times is never");
 }
 
 bool concerns(const FaultKind& kind, const Message& message) noexcept {
-    const bool response = message.kind == Message::Kind::response;
+    const bool response = message.kind == Message::Kind::kResponse;
     switch (kind.target) {
-        case Target::acknowledgement:
+        case Target::kAcknowledgement:
             return !response;
-        case Target::response:
+        case Target::kResponse:
             return response;
-        case Target::data:
+        case Target::kData:
             return response && message.packet.size() >= dataStart;
-        case Target::sealed:
+        case Target::kSealed:
             return response && message.sealed;
     }
     return false;

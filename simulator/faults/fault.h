@@ -19,13 +19,13 @@ namespace quorvel::sim {
 // A way in which what the PIN pad sends goes wrong.
 struct FaultKind {
     // What a kind strikes: the ACK of a command, its responses, those of them that carry data, the enciphered ones.
-    enum class Target { acknowledgement, response, data, sealed };
+    enum class Target { kAcknowledgement, kResponse, kData, kSealed };
     // What must be told of a fault of this kind.
-    enum class Detail { none, time, status };
+    enum class Detail { kNone, kTime, kStatus };
 
     std::string_view name;
-    Target target = Target::response;
-    Detail detail = Detail::none;
+    Target target = Target::kResponse;
+    Detail detail = Detail::kNone;
     // What it makes of the response's packet, of the frame's content, of the bytes on the line and of their pace; those
     // that leave something alone have no function for it.
     void (*packet)(Bytes& packet, int status) = nullptr;

@@ -16,8 +16,8 @@ namespace quorvel::sim {
 namespace {
 
 constexpr std::array<std::pair<std::string_view, KeyStrength>, 2> strengths{
-    {{"des", KeyStrength::des}, {"tdes", KeyStrength::tdes}}};
-constexpr std::array<std::pair<std::string_view, KeyUse>, 2> uses{{{"pin", KeyUse::pin}, {"data", KeyUse::data}}};
+    {{"des", KeyStrength::kDes}, {"tdes", KeyStrength::kTdes}}};
+constexpr std::array<std::pair<std::string_view, KeyUse>, 2> uses{{{"pin", KeyUse::kPin}, {"data", KeyUse::kData}}};
 
 constexpr int64_t lastIndex = 99;
 
@@ -56,7 +56,7 @@ void add_dukpt(KeyStore& store, TomlTable& table) {
     Bytes key = table.required_hex(name);
     table.blame(name, [&] {
         if (derived) key = dukpt::initial_key(key, ksn);
-        if (derived && at.strength == KeyStrength::des) key.resize(blockSize);
+        if (derived && at.strength == KeyStrength::kDes) key.resize(blockSize);
         store.set_dukpt(at.strength, at.use, at.index, std::move(key), ksn);
     });
 }

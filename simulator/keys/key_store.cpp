@@ -19,7 +19,7 @@ constexpr std::string_view keyA = "0123456789ABCDEFFEDCBA9876543210";
 constexpr std::string_view keyB = "FEDCBA98765432100123456789ABCDEF";
 constexpr Ksn firstKsn{0xFF, 0xFF, 0x98, 0x76, 0x54, 0x32, 0x10, 0xE0, 0x00, 0x00};
 
-constexpr size_t key_size(KeyStrength strength) { return (strength == KeyStrength::des ? 1 : 2) * blockSize; }
+constexpr size_t key_size(KeyStrength strength) { return (strength == KeyStrength::kDes ? 1 : 2) * blockSize; }
 
 void require_room(KeyStrength strength, int index, const Bytes& key) {
     if (index < 0 || index >= slotCount) throw std::invalid_argument(fmt::format("index {}", index));
@@ -71,7 +71,7 @@ std::optional<DukptKey> KeyStore::next_dukpt(KeyStrength strength, KeyUse use, i
     if (!ksn) return std::nullopt;
     stored.ksn = *ksn;
     const Bytes key = dukpt::transaction_key(stored.key, *ksn);
-    return DukptKey{use == KeyUse::pin ? dukpt::pin_key(key) : dukpt::data_key(key), *ksn};
+    return DukptKey{use == KeyUse::kPin ? dukpt::pin_key(key) : dukpt::data_key(key), *ksn};
 }
 
 std::optional<Ksn> KeyStore::ksn(KeyStrength strength, KeyUse use, int index) const {
@@ -91,11 +91,11 @@ std::string KeyStore::dukpt_map(KeyStrength strength, KeyUse use) const { return
 
 KeyStore KeyStore::standard() {
     KeyStore store;
-    for (const KeyStrength strength : {KeyStrength::des, KeyStrength::tdes}) {
+    for (const KeyStrength strength : {KeyStrength::kDes, KeyStrength::kTdes}) {
         const size_t size = key_size(strength);
         Bytes initialKey = dukpt::initial_key(from_hex(keyA), firstKsn);
         initialKey.resize(size);
-        for (const KeyUse use : {KeyUse::pin, KeyUse::data}) {
+        for (const KeyUse use : {KeyUse::kPin, KeyUse::kData}) {
             store.set_master(strength, use, 0, from_hex(keyA.substr(0, 2 * size)));
             store.set_master(strength, use, 1, from_hex(keyB.substr(0, 2 * size)));
             store.set_dukpt(strength, use, 0, initialKey, firstKsn);

@@ -16,8 +16,8 @@ namespace quorvel::sim {
 
 class TomlTable;
 
-enum class KeyStrength { des, tdes };
-enum class KeyUse { pin, data };
+enum class KeyStrength { kDes, kTdes };
+enum class KeyUse { kPin, kData };
 
 // What one DUKPT transaction works with: 8 bytes of key for DES, 16 for triple DES, already the variant for its use.
 struct DukptKey {

@@ -37,14 +37,14 @@ Bytes pin_block(std::string_view pin, std::string_view pan) {
 
 std::optional<PinBlock> encipher_pin(KeyStore& keys, const PinKey& key, std::string_view pan, std::string_view pin) {
     static constexpr int firstDukpt = 2;
-    const KeyStrength strength = key.method % 2 == 0 ? KeyStrength::des : KeyStrength::tdes;
+    const KeyStrength strength = key.method % 2 == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     const Bytes block = pin_block(pin, pan);
     if (key.method >= firstDukpt) {
-        const auto transaction = keys.next_dukpt(strength, KeyUse::pin, key.index);
+        const auto transaction = keys.next_dukpt(strength, KeyUse::kPin, key.index);
         if (!transaction) return std::nullopt;
         return PinBlock{encipher(transaction->key, block), transaction->ksn};
     }
-    const auto working = keys.working(strength, KeyUse::pin, key.index, key.workingKey);
+    const auto working = keys.working(strength, KeyUse::kPin, key.index, key.workingKey);
     if (!working) return std::nullopt;
     return PinBlock{encipher(*working, block)};
 }

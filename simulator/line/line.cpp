@@ -51,13 +51,13 @@ Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool want
     };
     const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
     if (ready < 0 && errno != EINTR) fail_call("poll");
-    if (ready == 0) return Event::timedOut;
+    if (ready == 0) return Event::kTimedOut;
     if (ready > 0 && polled[2].revents != 0) see_departures();
     if (ready < 0 || polled[1].revents != 0) {
         wakeUp_.clear();
-        return Event::woken;
+        return Event::kWoken;
     }
-    return polled[0].revents != 0 ? Event::readable : Event::woken;
+    return polled[0].revents != 0 ? Event::kReadable : Event::kWoken;
 }
 
 // What they say is known: somebody has closed the device.

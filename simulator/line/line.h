@@ -17,7 +17,7 @@ namespace quorvel::sim {
 // Clients may come and go, and so may the line, as one does that is unplugged.
 class Line {
 public:
-    enum class Event { readable, woken, timedOut };
+    enum class Event { kReadable, kWoken, kTimedOut };
 
     // `watched` lets has_departed() tell when somebody has closed the device. Throws std::system_error.
     explicit Line(bool watched = false);

@@ -11,9 +11,9 @@ namespace quorvel::sim {
 
 // What the PIN pad sends about a command: the ACK when it came, then its notifications and its response.
 struct Message {
-    enum class Kind { acknowledgement, response };
+    enum class Kind { kAcknowledgement, kResponse };
 
-    Kind kind = Kind::response;
+    Kind kind = Kind::kResponse;
     // The command's id; NTM for a notification.
     std::string command;
     // Of a response, in clear.

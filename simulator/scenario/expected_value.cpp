@@ -21,11 +21,11 @@ using How = ExpectedValue::How;
 
 // None when requests of that command have nothing of the name.
 std::optional<Type> type_in(std::string_view command, std::string_view name) {
-    if (wire::find_command(command)->form == wire::Command::Form::params) {
+    if (wire::find_command(command)->form == wire::Command::Form::kParams) {
         const auto id = find_param(name);
         return id ? std::optional(param_content(*id).type) : std::nullopt;
     }
-    for (const Field& field : fields_of(command, Sender::host)) {
+    for (const Field& field : fields_of(command, Sender::kHost)) {
         if (!name.empty() && field.name == name) return field.content.type;
     }
     return std::nullopt;
@@ -49,10 +49,10 @@ Bytes number_in(std::string_view text) {
 }
 
 Bytes value_in(std::string_view text, Type type) {
-    if (type == Type::number) return number_in(text);
+    if (type == Type::kNumber) return number_in(text);
     if (text.size() >= 2 && text.front() == '"' && text.back() == '"') return to_bytes(text.substr(1, text.size() - 2));
     if (text.empty()) throw std::invalid_argument("no value");
-    if (type == Type::bytes || type == Type::objects) return from_hex(text);
+    if (type == Type::kBytes || type == Type::kObjects) return from_hex(text);
     throw std::invalid_argument(fmt::format("{} is no text between quotation marks", text));
 }
 
@@ -62,8 +62,8 @@ ByteView without_padding(ByteView text) {
 }
 
 bool is_equal(const Item& item, ByteView value) {
-    if (item.type == Type::number) return number_of(item.value) == number_of(value);
-    const bool padded = item.type == Type::text;
+    if (item.type == Type::kNumber) return number_of(item.value) == number_of(value);
+    const bool padded = item.type == Type::kText;
     return std::ranges::equal(padded ? without_padding(item.value) : ByteView(item.value),
                               padded ? without_padding(value) : value);
 }
@@ -76,9 +76,9 @@ ExpectedValue ExpectedValue::parse(std::string_view words, const std::vector<std
     ExpectedValue expected{.words = std::string(words), .name = std::string(name)};
     const Type type = type_of(name, commands);
     if (end == std::string_view::npos) return expected;
-    expected.how = words[end] == '=' ? How::equal : How::containing;
+    expected.how = words[end] == '=' ? How::kEqual : How::kContaining;
     expected.value = value_in(words.substr(end + 1), type);
-    if (expected.how == How::containing && type == Type::number) {
+    if (expected.how == How::kContaining && type == Type::kNumber) {
         throw std::invalid_argument(fmt::format("{} is a number, which contains nothing", name));
     }
     return expected;
@@ -87,8 +87,8 @@ ExpectedValue ExpectedValue::parse(std::string_view words, const std::vector<std
 bool ExpectedValue::is_among(const std::vector<Item>& items) const {
     return std::ranges::any_of(items, [this](const Item& item) {
         if (item.name != name) return false;
-        if (how == How::equal) return is_equal(item, value);
-        return how == How::present || !std::ranges::search(item.value, value).empty() || value.empty();
+        if (how == How::kEqual) return is_equal(item, value);
+        return how == How::kPresent || !std::ranges::search(item.value, value).empty() || value.empty();
     });
 }
 

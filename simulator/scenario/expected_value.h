@@ -14,12 +14,12 @@ namespace quorvel::sim {
 
 // A parameter or a field that a request has, whatever its value, or with a certain one.
 struct ExpectedValue {
-    enum class How { present, equal, containing };
+    enum class How { kPresent, kEqual, kContaining };
 
     // As the file has it: SPE_AMOUNT="000000001000", DSP_MSG~"AMOUNT", SPE_TIMEOUT=60, SPE_TAGLIST=9F029F03 or a name.
     std::string words;
     std::string name;
-    How how = How::present;
+    How how = How::kPresent;
     Bytes value = {};
 
     // For requests of these commands. Throws std::invalid_argument.

@@ -29,7 +29,7 @@ std::string counterpart(const std::vector<Item>& items, const ExpectedValue& exp
 
 // How the exchange is not what was expected; empty when it is.
 std::string difference(const Expectation& expected, const Exchange& exchange) {
-    const std::vector<Item> items = take_apart(Sender::host, exchange.request).items;
+    const std::vector<Item> items = take_apart(Sender::kHost, exchange.request).items;
     for (const ExpectedValue& value : expected.with) {
         if (value.is_among(items)) continue;
         const std::string instead = counterpart(items, value);

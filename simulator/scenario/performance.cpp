@@ -34,9 +34,9 @@ void Performance::exchanged(PinPad&, const Exchange& exchange) {
 }
 
 void Performance::left(PinPad& pinPad) {
-    if (end_ == Scenario::End::stop) return;
+    if (end_ == Scenario::End::kStop) return;
     const bool done = (player_.is_done() && judge_.is_content()) || judge_.has_decided();
-    if (done || end_ == Scenario::End::close) pinPad.request_stop();
+    if (done || end_ == Scenario::End::kClose) pinPad.request_stop();
 }
 
 void Performance::work(PinPad& pinPad, Clock::time_point now) { player_.go_on(pinPad, now); }

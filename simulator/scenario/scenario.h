@@ -68,16 +68,16 @@ struct ExpectedFinding {
 struct Scenario {
     // When the PIN pad stops by itself, if it does.
     enum class End {
-        close,  // when the host closes the line
-        done,   // when it does and nothing is left to do or to expect, or something can be met no more
-        stop,   // never
+        kClose,  // when the host closes the line
+        kDone,   // when it does and nothing is left to do or to expect, or something can be met no more
+        kStop,   // never
     };
 
     // What messages call it.
     std::string file = "scenario";
     std::string title;
     std::string description;
-    End end = End::close;
+    End end = End::kClose;
 
     Device device;
     std::chrono::milliseconds second{1000};

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 using End = Scenario::End;
 constexpr std::array<std::pair<std::string_view, End>, 3> ends{
-    {{"close", End::close}, {"done", End::done}, {"stop", End::stop}}};
+    {{"close", End::kClose}, {"done", End::kDone}, {"stop", End::kStop}}};
 
 struct IdentityField {
     std::string_view name;

@@ -6,15 +6,15 @@ namespace quorvel::sim {
 
 std::string_view kind_name(Finding::Kind kind) noexcept {
     switch (kind) {
-        case Finding::Kind::framing:
+        case Finding::Kind::kFraming:
             return "framing";
-        case Finding::Kind::layout:
+        case Finding::Kind::kLayout:
             return "layout";
-        case Finding::Kind::sequence:
+        case Finding::Kind::kSequence:
             return "sequence";
-        case Finding::Kind::unsupported:
+        case Finding::Kind::kUnsupported:
             return "unsupported";
-        case Finding::Kind::internal:
+        case Finding::Kind::kInternal:
             return "internal";
     }
     return "";

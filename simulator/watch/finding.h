@@ -11,14 +11,14 @@ namespace quorvel::sim {
 // Something that the host did wrong, or that the virtual PIN pad could not do.
 struct Finding {
     enum class Kind {
-        framing,      // bytes or frames that the link does not know
-        layout,       // a command whose fields are not as they must be
-        sequence,     // a command or an answer at the wrong time
-        unsupported,  // a command or an item that this PIN pad does not have
-        internal,     // the virtual PIN pad's own failure
+        kFraming,      // bytes or frames that the link does not know
+        kLayout,       // a command whose fields are not as they must be
+        kSequence,     // a command or an answer at the wrong time
+        kUnsupported,  // a command or an item that this PIN pad does not have
+        kInternal,     // the virtual PIN pad's own failure
     };
 
-    Kind kind = Kind::internal;
+    Kind kind = Kind::kInternal;
     std::string text;
 
     bool operator==(const Finding&) const = default;

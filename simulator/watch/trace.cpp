@@ -16,19 +16,19 @@ std::string hex(ByteView bytes) { return fmt::format("{:02X}", fmt::join(bytes, 
 std::string enciphered_words(std::string_view words) { return fmt::format("enciphered {}", words); }
 
 bool is_private(const Reception& reception) {
-    if (reception.kind == Reception::Kind::byte || reception.frame.encrypted) return false;
-    return !is_open(Sender::host, reception.frame.data);
+    if (reception.kind == Reception::Kind::kByte || reception.frame.encrypted) return false;
+    return !is_open(Sender::kHost, reception.frame.data);
 }
 
 std::string wire_text(const Traffic& traffic) {
     if (!traffic.withheld) return hex(traffic.wire);
-    const size_t open = 1 + idWidth + (traffic.sender == Sender::pinPad ? statusWidth : 0);
+    const size_t open = 1 + idWidth + (traffic.sender == Sender::kPinPad ? statusWidth : 0);
     const ByteView shown = ByteView(traffic.wire).first(std::min(open, traffic.wire.size()));
     return fmt::format("{} ... ({} bytes)", hex(shown), traffic.wire.size());
 }
 
 std::string to_text(const Traffic& traffic) {
-    return fmt::format("{} {}\n  {}\n", traffic.sender == Sender::host ? ">" : "<", wire_text(traffic), traffic.words);
+    return fmt::format("{} {}\n  {}\n", traffic.sender == Sender::kHost ? ">" : "<", wire_text(traffic), traffic.words);
 }
 
 }  // namespace quorvel::sim

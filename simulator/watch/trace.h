@@ -13,7 +13,7 @@ namespace quorvel::sim {
 
 // One frame or control byte that crossed the line.
 struct Traffic {
-    Sender sender = Sender::host;
+    Sender sender = Sender::kHost;
     Bytes wire;
     std::string words;
     // Whether the bytes hold something that the words withhold.

@@ -49,7 +49,7 @@ TEST_F(CommandTest, DisplayLeavesItsTextWhenTheSessionIsOver) {
 TEST_F(CommandTest, MenuTellsTheChoice) {
     pinPad_.when("MNU", Gestures().choose(2));
     expect_lines(run({"menu", "TEA", "COFFEE", "--title", "DRINK"}), {"Choice  2", "Option  COFFEE"});
-    pinPad_.when("MNU", Gestures().press(Key::cancel));
+    pinPad_.when("MNU", Gestures().press(Key::kCancel));
     const Json object = run_json({"menu", "TEA"});
     EXPECT_EQ(object["exit"], 1);
     EXPECT_EQ(object["error"]["status"]["name"], "ST_CANCEL");
@@ -58,12 +58,12 @@ TEST_F(CommandTest, MenuTellsTheChoice) {
 
 TEST_F(CommandTest, KeyNamesTheKey) {
     const std::pair<Key, const char*> keys[]{
-        {Key::enter, "ENTER"}, {Key::f3, "F3"}, {Key::clear, "CLEAR"}, {Key::cancel, "CANCEL"}};
+        {Key::kEnter, "ENTER"}, {Key::kF3, "F3"}, {Key::kClear, "CLEAR"}, {Key::kCancel, "CANCEL"}};
     for (const auto& [key, name] : keys) {
         pinPad_.when("GKY", Gestures().press(key));
         EXPECT_EQ(run_json({"key"})["result"]["key"], name);
     }
-    pinPad_.when("GKY", Gestures().notify("STILL THERE?").press(Key::f1));
+    pinPad_.when("GKY", Gestures().notify("STILL THERE?").press(Key::kF1));
     const Ended human = run({"key"});
     EXPECT_EQ(human.out, "Key  F1\n");
     EXPECT_NE(human.err.find("PIN pad: STILL THERE?\n"), std::string::npos);
@@ -71,9 +71,9 @@ TEST_F(CommandTest, KeyNamesTheKey) {
 }
 
 TEST_F(CommandTest, EventTellsWhatCameFirst) {
-    pinPad_.when("CEX", Gestures().press(Key::f2));
+    pinPad_.when("CEX", Gestures().press(Key::kF2));
     expect_lines(run({"event"}), {"Event    PRESSED_KEY_F2", "Meaning  a key was pressed"});
-    pinPad_.when("CEX", Gestures().press(Key::f2).insert({.pan = "4111111111111111"}));
+    pinPad_.when("CEX", Gestures().press(Key::kF2).insert({.pan = "4111111111111111"}));
     EXPECT_EQ(run_json({"event", "chip"})["result"]["event"], "ICC_INSERTED");
     EXPECT_EQ(run({"event", "--timeout", "1", "stripe"}).exit, 1);
     expect_no_findings();

@@ -61,7 +61,7 @@ TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
         {{"gix"}},
         {{"display", "HELLO"}},
         {{"menu", "TEA"}, "MNU", Gestures().choose(1)},
-        {{"key"}, "GKY", Gestures().press(sim::Key::enter)},
+        {{"key"}, "GKY", Gestures().press(sim::Key::kEnter)},
         {{"event"}, "CEX", Gestures().swipe(stripe)},
         {{"tables", "load", QUORVEL_TABLES}},
         {{"tables", "version"}},

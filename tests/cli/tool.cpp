@@ -55,7 +55,7 @@ ToolTest::Arguments PinPadToolTest::with_port(Arguments arguments) const {
 std::vector<std::string> PinPadToolTest::sent() {
     std::vector<std::string> ids;
     for (const sim::Traffic& traffic : pinPad_.traffic()) {
-        if (traffic.sender == sim::Sender::host) ids.push_back(traffic.words.substr(0, 3));
+        if (traffic.sender == sim::Sender::kHost) ids.push_back(traffic.words.substr(0, 3));
     }
     return ids;
 }

@@ -40,7 +40,7 @@ protected:
     // Sends GKY, and presses a key once the PIN pad waits for one.
     void press_under(const Fault& fault) {
         pinPad_.inject(fault);
-        pinPad_.when("GKY", Gestures().press(Key::f1));
+        pinPad_.when("GKY", Gestures().press(Key::kF1));
         EXPECT_NO_RAISE(abecs_cmd_gky(link_));
     }
 
@@ -117,7 +117,7 @@ private:
 TEST_F(Unplugged, IsAnErrorUntilTheLinkIsOpenedAgain) {
     EXPECT_NO_RAISE(abecs_cmd_gky(link_));
     pinPad_.inject({.kind = "hang-up", .time = 1ms});
-    pinPad_.press(Key::f1);
+    pinPad_.press(Key::kF1);
     const std::string path = returned_.get();
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", abecs_cmd_gky_response(link_, nullptr));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 5", abecs_comm_send_can(link_));
@@ -136,7 +136,7 @@ TEST_F(Paced, TakesTheTimeOfTheLine) {
     const support::Elapsed elapsed;
     for (int i = 0; i < 4; ++i) expect_answer();
     EXPECT_TRUE(elapsed.between(4 * 69 * 10 * 1000ms / 19200, 5s));
-    pinPad_.when("GKY", Gestures().press(Key::f1));
+    pinPad_.when("GKY", Gestures().press(Key::kF1));
     EXPECT_NO_RAISE(abecs_cmd_gky(link_));
     EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_F1);
     retire();

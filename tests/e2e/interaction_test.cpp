@@ -33,7 +33,7 @@ TEST_F(Interaction, IsPolledToItsEnd) {
     char note[33] = "";
     EXPECT_NO_RAISE(abecs_cmd_gky(link_));
     EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_PROCESSING);
-    pinPad_.act(Gestures().notify("STILL THERE?").press(Key::f2));
+    pinPad_.act(Gestures().notify("STILL THERE?").press(Key::kF2));
     EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_NOTIFICATION);
     EXPECT_STREQ(note, "STILL THERE?");
     EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_F2);
@@ -109,10 +109,10 @@ TEST_F(Interaction, IsCancelledAtAnyTime) {
     };
     pinPad_.insert(kCard);
     EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);
-    begin("RMC", Gestures().press(Key::enter), abecs_cmd_rmc, "TAKE YOUR CARD");
+    begin("RMC", Gestures().press(Key::kEnter), abecs_cmd_rmc, "TAKE YOUR CARD");
     expect_idle();
     pinPad_.remove();
-    begin("MNU", Gestures().press(Key::down), abecs_cmd_mnu, 9, nullptr, options, 1);
+    begin("MNU", Gestures().press(Key::kDown), abecs_cmd_mnu, 9, nullptr, options, 1);
     expect_idle();
     begin("CEX", Gestures().tap(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
     expect_idle();

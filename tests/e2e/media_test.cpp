@@ -23,7 +23,7 @@ protected:
     }
 
     [[nodiscard]] std::ptrdiff_t frames() const {
-        return std::ranges::count(pinPad_.traffic(), Sender::host, &Traffic::sender);
+        return std::ranges::count(pinPad_.traffic(), Sender::kHost, &Traffic::sender);
     }
 
     TempDir directory_;

@@ -67,7 +67,7 @@ TEST_F(CardReadingTest, OfSeveralApplicationsTheHostOrTheCardholderChooses) {
     call_while(inserted("visa-multiple").choose(2), gcx(""), debitAnswer, asked);
     call(gcx(debitOnly), debitAnswer);
     call(gcx("0012 0008"_hex + "01010303"), debitAnswer);
-    call_while(Gestures().press(Key::cancel), gcx(""), "GCX013", asked);
+    call_while(Gestures().press(Key::kCancel), gcx(""), "GCX013", asked);
     begin(Gestures().notify("SHOWN"), gcx(""), "NTM000022CHOOSE THE APPLICATION");
     expect(frame("NTM000005SHOWN"));
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "CHOOSE", .menu = {"CREDITO", "DEBITO"}, .selected = 1}));
@@ -85,9 +85,9 @@ Card faulty(Status chip, Status contactless) {
 
 TEST_F(CardReadingTest, RefusesWhatCannotBeUsed) {
     play(loaded_device());
-    const Card blocked = faulty(Status::cardblocked, Status::ctlsifchg);
+    const Card blocked = faulty(Status::kCardblocked, Status::kCtlsifchg);
     for (const auto& [gestures, parameters, response] : {
-             std::tuple(Gestures().press(Key::f1).press(Key::cancel), ""s, "GCX013"),
+             std::tuple(Gestures().press(Key::kF1).press(Key::kCancel), ""s, "GCX013"),
              {Gestures(), "000C 0001 01"_hex, "GCX012"},
              {inserted("mute-chip"), "", "GCX060"},
              {Gestures().insert({.pan = "4111111111111111"}), "", "GCX060"},
@@ -98,8 +98,8 @@ TEST_F(CardReadingTest, RefusesWhatCannotBeUsed) {
              {Gestures().tap(card("visa-contactless")), debitOnly, "GCX084"},
              {inserted("visa-chip"), "0010 0002"_hex + "04", "GCX070"},
              {inserted("visa-chip"), "0012 0008"_hex + "03020401", "GCX070"},
-             {Gestures().tap(card("visa-contactless")).press(Key::cancel), "0017 0005"_hex + "01111", "GCX013"},
-             {Gestures().tap(card("visa-chip")).press(Key::cancel), "", "GCX013"},
+             {Gestures().tap(card("visa-contactless")).press(Key::kCancel), "0017 0005"_hex + "01111", "GCX013"},
+             {Gestures().tap(card("visa-chip")).press(Key::kCancel), "", "GCX013"},
          }) {
         call_while(gestures, gcx(parameters), response);
         pinPad_->remove();
@@ -119,21 +119,21 @@ TEST_F(CardReadingTest, TakesTheStripeOfAChipCardOnlyAfterItsChip) {
                + "301231";
     };
     const std::vector<std::string> told{"INSERT THE CHIP"};
-    call_while(Gestures().swipe(visa).press(Key::cancel), gcx(""), "GCX013", told);
+    call_while(Gestures().swipe(visa).press(Key::kCancel), gcx(""), "GCX013", told);
     call_while(inserted("mute-chip"), gcx(""), "GCX060");
     pinPad_->remove();
     call_while(Gestures().swipe(visa), gcx(""), swiped("1"));
     call_while(inserted("visa-chip"), gcx(debitOnly), "GCX070");
     pinPad_->remove();
     call_while(Gestures().swipe(visa), gcx(""), swiped("2"));
-    call_while(Gestures().swipe(visa).press(Key::cancel), gcx(""), "GCX013", told);
+    call_while(Gestures().swipe(visa).press(Key::kCancel), gcx(""), "GCX013", told);
     expect_findings({});
 }
 
 TEST_F(CardReadingTest, RefusesRequestsThatBreakTheirLayout) {
     play(loaded_device());
     const std::string when = "000000001234240229235958          ";
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GCR0400099" + when + "002", "GCR: GCR_CTLSON: 2 is not from 0 to 1"},
             {"GCR0410099" + when + "000", "GCR: 1 bytes too many"},
             {"GCR0440001" + when + "010101", "GCR: GCR_AIDLIST: beside an application type"},
@@ -144,7 +144,7 @@ TEST_F(CardReadingTest, RefusesRequestsThatBreakTheirLayout) {
             {gcx("0013 000C"_hex + "000000001234" + "0013 000C"_hex + "000000001234"),
              "GCX: SPE_AMOUNT 0x0013 has no place in it"},
             {gcx("001B 0081"_hex + std::string(129, 'M')), "SPE_DSPMSG: 129 bytes, at most 128"}});
-    refuse("019", Kind::layout, {{"GCX010" + dateAndTime.substr(0, 10), "GCX: no SPE_TRNTIME"}});
+    refuse("019", Kind::kLayout, {{"GCX010" + dateAndTime.substr(0, 10), "GCX: no SPE_TRNTIME"}});
 }
 
 }  // namespace

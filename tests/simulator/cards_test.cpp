@@ -88,13 +88,13 @@ TEST(Cards, AreReadWhole) {
     EXPECT_EQ(application.objects, (DataObjects{{0x9F07, {0xFF, 0x00}}}));
     const Chip& chip = *card.chip;
     EXPECT_EQ(std::tuple(chip.verification, chip.pin, chip.pinTries, chip.first, chip.second, chip.fault),
-              std::tuple(Verification::offlinePin, "987654", 1, Chip::First::online, Chip::Second::declined,
-                         Status::cardblocked));
+              std::tuple(Verification::kOfflinePin, "987654", 1, Chip::First::kOnline, Chip::Second::kDeclined,
+                         Status::kCardblocked));
     EXPECT_EQ(to_hex(chip.atr) + to_hex(chip.script.at(from_hex("00B2010C"))), "3B0070009000");
     EXPECT_EQ(to_hex(chip.script.at(from_hex("00A40400A000000003"))), "6F108405A000000003A507500544454249549000");
     const Contactless& antenna = *card.contactless;
     EXPECT_EQ(std::tuple(antenna.stripeData, antenna.verification, antenna.fault),
-              std::tuple(true, Verification::signature, Status::ctlsifchg));
+              std::tuple(true, Verification::kSignature, Status::kCtlsifchg));
     EXPECT_EQ(card.objects(), (DataObjects{{0x57, from_hex("41D30F")},
                                            {0x5A, from_hex("4111111111111111")},
                                            {0x82, from_hex("3800")},
@@ -167,16 +167,16 @@ TEST(Risk, FirstDecision) {
     const Risk large{.managed = true, .amount = 5000, .floorLimit = 5000};
     const Risk offline{.canGoOnline = false, .managed = true, .amount = 5000, .floorLimit = 5000};
     for (const auto& [risk, verified, wish, draw, decision, results] : {
-             std::tuple(managed, Verified{}, First::asAsked, late, approved, ""),
-             {offline, {}, First::asAsked, late, declined, "0000008000"},
-             {biased, {}, First::asAsked, 10, online, "0000001000"},
-             {biased, {}, First::asAsked, 11, approved, ""},
-             {small, {.pinOnline = true}, First::asAsked, late, online, "0000040000"},
-             {small, {.pinOffline = true, .pinErrors = 2}, First::asAsked, late, approved, ""},
-             {small, {.failed = true, .pinBlocked = true}, First::online, late, declined, "0000A00000"},
-             {small, {}, First::online, late, online, ""},
-             {Risk{.canGoOnline = false}, {}, First::online, late, declined, ""},
-             {large, {}, First::declined, late, declined, "0000008000"},
+             std::tuple(managed, Verified{}, First::kAsAsked, late, kApproved, ""),
+             {offline, {}, First::kAsAsked, late, kDeclined, "0000008000"},
+             {biased, {}, First::kAsAsked, 10, kOnline, "0000001000"},
+             {biased, {}, First::kAsAsked, 11, kApproved, ""},
+             {small, {.pinOnline = true}, First::kAsAsked, late, kOnline, "0000040000"},
+             {small, {.pinOffline = true, .pinErrors = 2}, First::kAsAsked, late, kApproved, ""},
+             {small, {.failed = true, .pinBlocked = true}, First::kOnline, late, kDeclined, "0000A00000"},
+             {small, {}, First::kOnline, late, kOnline, ""},
+             {Risk{.canGoOnline = false}, {}, First::kOnline, late, kDeclined, ""},
+             {large, {}, First::kDeclined, late, kDeclined, "0000008000"},
          }) {
         DataObjects objects;
         EXPECT_EQ(first_decision(risk, verified, wish, draw, objects), decision) << results;
@@ -188,14 +188,14 @@ TEST(Risk, FinalDecision) {
     using enum FinalDecision;
     using Second = Chip::Second;
     for (const auto& [issuer, wish, decision] : {
-             std::tuple(Issuer::approved, Second::asAsked, approved),
-             {Issuer::approved, Second::approved, approved},
-             {Issuer::approved, Second::declined, declinedByCard},
-             {Issuer::declined, Second::asAsked, declinedByIssuer},
-             {Issuer::declined, Second::approved, declinedByIssuer},
-             {Issuer::unreachable, Second::asAsked, declinedByCard},
-             {Issuer::unreachable, Second::approved, approved},
-             {Issuer::unreachable, Second::declined, declinedByCard},
+             std::tuple(Issuer::kApproved, Second::kAsAsked, kApproved),
+             {Issuer::kApproved, Second::kApproved, kApproved},
+             {Issuer::kApproved, Second::kDeclined, kDeclinedByCard},
+             {Issuer::kDeclined, Second::kAsAsked, kDeclinedByIssuer},
+             {Issuer::kDeclined, Second::kApproved, kDeclinedByIssuer},
+             {Issuer::kUnreachable, Second::kAsAsked, kDeclinedByCard},
+             {Issuer::kUnreachable, Second::kApproved, kApproved},
+             {Issuer::kUnreachable, Second::kDeclined, kDeclinedByCard},
          }) {
         EXPECT_EQ(final_decision(issuer, wish), decision);
     }

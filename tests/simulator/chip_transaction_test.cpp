@@ -133,7 +133,7 @@ TEST_F(ChipTransactionTest, EachStepNeedsTheOneBefore) {
     const std::string fcx = "FCX008" + "0019 0004"_hex + "2000";
     const std::string ged = "GED005" + "0004 0001 82"_hex;
     read(Gestures().swipe(card("visa-magnetic")));
-    refuse("010", Kind::sequence,
+    refuse("010", Kind::kSequence,
            {{goc({}), "GOC without a chip that was read"},
             {gox, "GOX without a chip that was read"},
             {fnc, "FNC without a chip that was read"},
@@ -141,32 +141,32 @@ TEST_F(ChipTransactionTest, EachStepNeedsTheOneBefore) {
             {ged, "GED without a chip that was read"},
             {"CNG00503820138", "CNG without a chip that was read"}});
     read(inserted("visa-signature"));
-    refuse("010", Kind::sequence, {{fnc, "FNC at the wrong stage of the transaction"}});
+    refuse("010", Kind::kSequence, {{fnc, "FNC at the wrong stage of the transaction"}});
     call(goc({}), went("010000", "0000000000"_hex));
-    refuse("010", Kind::sequence,
+    refuse("010", Kind::kSequence,
            {{fcx, "FCX at the wrong stage of the transaction"}, {gox, "GOX at the wrong stage of the transaction"}});
     pinPad_->remove();
     go_online();
-    refuse("010", Kind::sequence, {{goc({}), "GOC at the wrong stage of the transaction"}});
+    refuse("010", Kind::kSequence, {{goc({}), "GOC at the wrong stage of the transaction"}});
     call(fnc, "FNC000009100000000");
-    refuse("010", Kind::sequence, {{fnc, "FNC at the wrong stage of the transaction"}});
+    refuse("010", Kind::kSequence, {{fnc, "FNC at the wrong stage of the transaction"}});
 }
 
 TEST_F(ChipTransactionTest, RefusesRequestsThatBreakTheirLayout) {
     read(inserted("visa-signature"));
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{goc({.declared = "085"}), "GOC: CMD_LEN1: 85 instead of 86"},
             {goc({.flags = "210"}), "GOC: GOC_EXCLIST: 2 is not from 0 to 1"},
             {goc({.flags = "011"}), "GOC: GOC_RESERVED: 1 instead of 0"},
             {goc({.declared = "089", .acquirer = "03001"}), "GOC: GOC_ACQPRLEN: 3 instead of 0"},
             {goc({.tags = "00500195003000000"}), "GOC: 3 bytes too many"}});
     const std::string gox = "0010 0002"_hex + "03" + "0009 0002"_hex + "00" + "0002 0001"_hex;
-    refuse("019", Kind::layout,
+    refuse("019", Kind::kLayout,
            {{"GOX012" + gox.substr(0, 12), "GOX: no SPE_MTHDPIN"},
             {"GOX017" + gox + "0", "GOX: no SPE_WKENC"},
             {"FCX008" + "0019 0004"_hex + "1000", "FCX: no SPE_ARC"},
             {"GED", "GED: no SPE_TAGLIST"}});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GOX017" + gox + "4", "SPE_MTHDPIN: method: 4 is not from 0 to 3"},
             {"GOX029" + gox + "1" + "000A 0008 0011223344556677"_hex, "SPE_WKENC: 8 bytes instead of 16"},
             {"GOX029" + gox + "2" + "000A 0008 0011223344556677"_hex, "GOX: SPE_WKENC 0x000A has no place in it"},

@@ -28,7 +28,7 @@ TEST_F(ChpTest, PowersAChipAndSpeaksToIt) {
     call("CHP00500000", "CHP000000");
     call("CHP00531000", "CHP0000210093B6500002063CB6800");
     call("CHP0133200480CA9F17", "CHP0000150069F1701039000");
-    refuse("010", Kind::sequence, {{"CHP0130200400B2010C", "CHP: a command to a chip without power"}});
+    refuse("010", Kind::kSequence, {{"CHP0130200400B2010C", "CHP: a command to a chip without power"}});
 }
 
 TEST_F(ChpTest, HandsThePinToTheChip) {
@@ -45,7 +45,7 @@ TEST_F(ChpTest, HandsThePinToTheChip) {
          }) {
         call_while(Gestures().type(pin), verify(format), "CHP000007002"s + response);
     }
-    call_while(Gestures().press(Key::cancel), verify("2"), "CHP013");
+    call_while(Gestures().press(Key::kCancel), verify("2"), "CHP013");
     call_while(Gestures().press(digit('1')).remove(), verify("2"), "CHP043");
     expect_findings({});
 }
@@ -58,7 +58,7 @@ TEST_F(ChpTest, NeedsAChipThatAnswers) {
     call("CHP00501000", "CHP043");
     expect_findings({});
     const std::string message(32, ' ');
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"CHP00504000", "CHP: CHP_OPER: 4 is not from 0 to 3"},
             {"CHP0130100400B2010C", "CHP: CHP_CMDLEN: 4 instead of 0"},
             {"CHP0480300500200080002" + message, "CHP: CHP_CMDLEN: no header of four bytes"},

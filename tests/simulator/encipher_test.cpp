@@ -23,7 +23,7 @@ TEST_F(EncipherTest, EnbNeedsItsKeyAndItsLayout) {
     call("ENB0510003030303030303030B4CC3FD9D8D952144111111111111111", "ENB0000167CC310657070D8A3");
     call("ENB051199ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB042");
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"ENB051200ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB: ENB_METHOD: 2 is not from 0 to 1"}});
 }
 
@@ -40,7 +40,7 @@ TEST_F(EncipherTest, EbxChainsFromZerosAndCountsItsKeyByItself) {
     call("GDU003300", "GDU000020FFFF9876543210E00000");
     call("GDU003399", "GDU042");
     expect_findings({});
-    refuse("011", Kind::layout, {{"GDU003100", "GDU: GDU_METHOD: 1 is not from 2 to 3"}});
+    refuse("011", Kind::kLayout, {{"GDU003100", "GDU: GDU_METHOD: 1 is not from 2 to 3"}});
 }
 
 TEST_F(EncipherTest, EbxTakesExactlyWhatItsMethodNeeds) {
@@ -48,12 +48,12 @@ TEST_F(EncipherTest, EbxTakesExactlyWhatItsMethodNeeds) {
     const std::string data = "000F 0008 0011223344556677"_hex;
     const std::string des = "000A 0008 B4CC3FD9D8D95214"_hex;
     const std::string vector = "001D 0008 A1B2C3D4E5F60718"_hex;
-    refuse("019", Kind::layout,
+    refuse("019", Kind::kLayout,
            {{"EBX012" + data, "EBX: SPE_MTHDDAT is missing"},
             {"EBX012" + method + "50" + index, "EBX: SPE_DATAIN is missing"},
             {"EBX018" + data + method + "50", "EBX: SPE_KEYIDX is missing"},
             {"EBX024" + data + method + "11" + index, "EBX: SPE_WKENC is missing"}});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"EBX036" + data + method + "10" + index + des, "SPE_WKENC: 8 bytes"},
             {"EBX036" + data + method + "50" + index + des, "EBX: SPE_WKENC 0x000A has no place in it"},
             {"EBX036" + data + method + "50" + index + vector, "EBX: SPE_IVCBC 0x001D has no place in it"},
@@ -74,12 +74,12 @@ TEST_F(EncipherTest, GtkTakesExactlyWhatItsMethodNeeds) {
     call("GTK008" + tracks, "GTK000");
     call("GTK020" + track2AndPan + index + method + "50", "GTK042");
     expect_findings({});
-    refuse("019", Kind::layout,
+    refuse("019", Kind::kLayout,
            {{"GTK", "GTK: SPE_TRACKS is missing"},
             {"GTK008" + track2AndPan, "GTK: SPE_MTHDDAT is missing for the card number"},
             {"GTK020" + tracks + method + "11" + index, "GTK: SPE_WKENC is missing"},
             {"GTK274" + tracks + method + "90" + modulus, "GTK: SPE_PBKEXP is missing"}});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GTK008" + "0007 0004"_hex + "1120", "SPE_TRACKS: digits other than 0 and 1"},
             {"GTK013" + tracks + "0008 0001"_hex + "3", "SPE_OPNDIG: an odd number"},
             {"GTK014" + tracks + index, "GTK: SPE_KEYIDX 0x0009 has no place in it"},
@@ -102,7 +102,7 @@ TEST_F(EncipherTest, DwkTakesAKeyUnderAMasterKey) {
     call(enb + "4111111111111111", "ENB00001646DF6741E1E2B68C");
     call(tdes, "DWK000");
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"DWK0363100BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_MODE: 3 is not from 1 to 2"},
             {"DWK0361200BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_METHOD: 2 is not from 0 to 1"},
             {"DWK2632" + std::string(256, '7') + "010001", "DWK: DWK_MOD: less than 1024 bits"}});

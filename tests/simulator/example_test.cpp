@@ -67,7 +67,7 @@ TEST_F(Example, FindPinPadSaysWhyAPortIsNoneAndStopsAtTheOneThatIs) {
 }
 
 TEST_F(Example, WaitForKeyTellsTheKeyOrGivesUpInTime) {
-    pinPad_.when("GKY", Gestures().notify("ANY KEY").press(Key::f2));
+    pinPad_.when("GKY", Gestures().notify("ANY KEY").press(Key::kF2));
     expect_example("wait_for_key" + port_ + " 60", EXIT_SUCCESS, "the PIN pad says: ANY KEY\nABECS_RSP_STAT_ST_F2\n");
     expect_example("wait_for_key" + port_ + " 0", EXIT_SUCCESS, "ABECS_RSP_STAT_ST_TIMEOUT\n");
 }
@@ -107,7 +107,7 @@ TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
          "card 411111******1111\nthe PIN pad says: ENTER THE PIN\nthe acquirer answers: 00\nAPPROVED\n", EXIT_SUCCESS},
         {"visa-signature", {}, "1234 none", "card 424242******4242\nthe acquirer answers: nothing\nNOT APPROVED\n"},
         {"declining-chip", {}, "1234", "card 400000******0069\nthe acquirer answers: 00\n" + reversed},
-        {"mastercard-chip", Gestures().press(Key::cancel), "1234",
+        {"mastercard-chip", Gestures().press(Key::kCancel), "1234",
          "card 510510******5100\nthe PIN pad says: ENTER THE PIN\n"
          "GOX was answered with ABECS_RSP_STAT_ST_CANCEL\nNOT APPROVED\n"},
     };

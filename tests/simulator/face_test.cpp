@@ -37,16 +37,16 @@ void expect_parts(const Canvas& canvas, const std::vector<std::string>& parts) {
 TEST(FaceKeys, MeanOneThingEachAndStandInTheGuide) {
     const std::vector<std::pair<int, std::optional<Deed>>> cases{
         {'7', digit('7')},
-        {'\n', Key::enter},
-        {'\r', Key::enter},
-        {0x7F, Key::clear},
-        {0x1B, Key::cancel},
-        {KEY_F(4), Key::f4},
-        {'D', Key::f4},
-        {KEY_DOWN, Key::down},
-        {'i', Move::insertOrTakeOut},
-        {'Q', Move::leave},
-        {KEY_LEFT, Move::previousCard},
+        {'\n', Key::kEnter},
+        {'\r', Key::kEnter},
+        {0x7F, Key::kClear},
+        {0x1B, Key::kCancel},
+        {KEY_F(4), Key::kF4},
+        {'D', Key::kF4},
+        {KEY_DOWN, Key::kDown},
+        {'i', Move::kInsertOrTakeOut},
+        {'Q', Move::kLeave},
+        {KEY_LEFT, Move::kPreviousCard},
         {'x', std::nullopt},
         {KEY_F(5), std::nullopt},
     };
@@ -91,8 +91,8 @@ View busy_view() {
     view.inserted = "inserted-card";
     for (int i = 0; i < 40; ++i) view.cards.push_back({"card-" + std::to_string(i), true, i == 30, false});
     view.taken = 30;
-    view.trace = {{Feed::Entry::Kind::host, "DSP: \"A" + std::string(40, ' ') + "Z\""},
-                  {Feed::Entry::Kind::finding, "layout: DSP: one byte too many"}};
+    view.trace = {{Feed::Entry::Kind::kHost, "DSP: \"A" + std::string(40, ' ') + "Z\""},
+                  {Feed::Entry::Kind::kFinding, "layout: DSP: one byte too many"}};
     view.findings = {"layout: DSP: one byte too many"};
     view.findingCount = 17;
     return view;
@@ -104,7 +104,7 @@ TEST(FacePicture, HasAllOnAUsualTerminalAndBreaksTheTraceBetweenWordsWhereItCan)
                                          "plain session", "reader: inserted-card", "> card-30                s i -",
                                          "  card-31                s - -", "Enter ENTER", "i     insert, take out",
                                          "> DSP: \"A # Z\"", "! layout: DSP: one byte too many", "Findings: 17"});
-    view.trace = {{Feed::Entry::Kind::host, std::string(40, 'a') + " bbbbbb " + std::string(60, 'c')}};
+    view.trace = {{Feed::Entry::Kind::kHost, std::string(40, 'a') + " bbbbbb " + std::string(60, 'c')}};
     expect_parts(paint(view, {24, 80}),
                  {"|> " + std::string(40, 'a') + "    |", "|  bbbbbb " + std::string(37, 'c') + "|"});
 }
@@ -146,26 +146,26 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
         face.perform(move);
         EXPECT_EQ(face.view(9).remark, due);
     };
-    expect_remark(Move::insertOrTakeOut, "a-stripe has no chip");
+    expect_remark(Move::kInsertOrTakeOut, "a-stripe has no chip");
     exchange(frame("CKE0040020"), ack);
-    face.perform(Move::previousCard);
-    expect_remark(Move::swipe, "b-chip has no stripe");
+    face.perform(Move::kPreviousCard);
+    expect_remark(Move::kSwipe, "b-chip has no stripe");
     // The feed tells of every change, so none is missed.
     pollfd changes{feed_.wake_up().get(), POLLIN, 0};
     while (face.view(1).waiting.empty() && poll(&changes, 1, 20000) == 1) { feed_.wake_up().clear(); }
     EXPECT_EQ(face.view(9).waiting, "CKE wait for an event");
-    face.perform(Move::insertOrTakeOut);
+    face.perform(Move::kInsertOrTakeOut);
     expect(frame("CKE00000221"));
     EXPECT_EQ(face.view(9).inserted, "b-chip");
     EXPECT_EQ(face.view(9).waiting, "");
     exchange(frame("CKE0040010"), ack);
-    face.perform(Move::insertOrTakeOut);
+    face.perform(Move::kInsertOrTakeOut);
     expect(frame("CKE00000220"));
     EXPECT_EQ(face.view(9).inserted, "");
     exchange(frame("CKE0040100"), ack);
-    expect_remark(Move::tap, "b-chip has no antenna");
-    face.perform(Move::nextCard);
-    face.perform(Move::swipe);
+    expect_remark(Move::kTap, "b-chip has no antenna");
+    face.perform(Move::kNextCard);
+    face.perform(Move::kSwipe);
     expect(frame("CKE000225100" + field("", 76) + "21" + field("4012888888881881=3012", 37) + "000" + field("", 104)));
     expect_findings({});
 }
@@ -174,11 +174,11 @@ TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {
     Face face(*pinPad_, cards_, feed_);
     const auto newest = [&] { return face.view(3).trace.back().text; };
     const auto add = [&](int from, int to) {
-        for (int i = from; i < to; ++i) feed_.add({Feed::Entry::Kind::finding, std::to_string(i)});
+        for (int i = from; i < to; ++i) feed_.add({Feed::Entry::Kind::kFinding, std::to_string(i)});
     };
     add(0, 12);
     EXPECT_EQ(newest(), "11");
-    face.perform(Move::earlier);
+    face.perform(Move::kEarlier);
     EXPECT_EQ(newest(), "6");
     add(12, 20);
     EXPECT_EQ(newest(), "6");
@@ -187,7 +187,7 @@ TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {
     add(20, 5000);
     EXPECT_EQ(newest(), "3000");
     EXPECT_EQ(face.view(3).findingCount, 5000U);
-    face.perform(Move::newest);
+    face.perform(Move::kNewest);
     EXPECT_EQ(newest(), "4999");
 }
 

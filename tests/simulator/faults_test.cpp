@@ -62,7 +62,7 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
     play({.faults = {{.kind = "nak", .command = "GKY", .times = 2},
                      {.kind = "wrong-id", .command = "OPN", .every = 2, .times = 2},
                      {.kind = "no-answer", .command = "NTM"}}});
-    pinPad_->when("GKY", Gestures().notify("NOT HEARD").press(Key::f1));
+    pinPad_->when("GKY", Gestures().notify("NOT HEARD").press(Key::kF1));
     for (const char* due : {"OPN000", "XXX000", "OPN000", "XXX000", "OPN000", "OPN000"}) call("OPN", due);
     for (int i = 0; i < 2; ++i) exchange(frame("GKY"), nak);
     call("GKY", "GKY004");
@@ -133,7 +133,7 @@ TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     for (std::string byte = host_->receive(1); byte != eot && byte != ""; byte = host_->receive(1)) ++more;
     EXPECT_LT(more, 80U);
     exchange(nak + can, eot);
-    expect_findings({{Kind::sequence, "NAK without a response before it"}});
+    expect_findings({{Kind::kSequence, "NAK without a response before it"}});
 }
 
 }  // namespace

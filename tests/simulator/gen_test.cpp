@@ -33,8 +33,8 @@ TEST_F(GenTest, TellsWhereKeysAreEnciphersAndReadsTags) {
     call("GEN0070300202", "GEN000003000");
     call("GEN0100400504000", "GEN000003000");
     expect_findings({});
-    refuse("010", Kind::unsupported, {{"GEN01302008K4000000", "GEN: there is no 02/K4"}});
-    refuse("011", Kind::layout,
+    refuse("010", Kind::kUnsupported, {{"GEN01302008K4000000", "GEN: there is no 02/K4"}});
+    refuse("011", Kind::kLayout,
            {{"GEN01302008K3000504", "GEN: GEN02K3_IDXEND: 4 is not from 5 to 99"},
             {"GEN01302008K3400000", "GEN: GEN02K3_KEYTYPE: 4 is not from 0 to 3"},
             {"GEN01302008K3020000", "GEN: GEN02K3_KEYUSE: 2 is not from 0 to 1"},
@@ -62,7 +62,7 @@ TEST_F(GenTest, PowersChipsAndExchangesApdus) {
     call(verify + "251234FFFFFFFFFF000", "GEN000011008063C2000");
     call("GEN0220401702800880000000000", "GEN051");
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GEN009040040100", "GEN: GEN0401_OPER: 0 is not from 1 to 4"},
             {"GEN009040040119", "GEN: GEN_SLOT: 9 is not from 0 to 8"},
             {"GEN0220401702000880000256000", "GEN: GEN0402_LC: 256 is not from 0 to 255"},
@@ -75,12 +75,12 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
     };
     typed(Gestures().type("1234"), "GEN00000800510000");
     call("GEN009040040110", "GEN000079076" + atr);
-    typed(Gestures().press(digit('9')).press(Key::clear).type("1234"), "GEN00000800509000");
-    typed(Gestures().press(digit('1')).press(Key::cancel), "GEN013");
+    typed(Gestures().press(digit('9')).press(Key::kClear).type("1234"), "GEN00000800509000");
+    typed(Gestures().press(digit('1')).press(Key::kCancel), "GEN013");
     typed(Gestures().remove().type("1234"), "GEN043");
     call("GEN053040480300020008029999" + field("", 32), "GEN043");
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GEN0530404803000200080G0412" + field("", 32), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
             {"GEN053040480300020008020504" + field("", 32), "GEN: GEN0403_PINMAX: 4 is not from 5 to 99"}});
     for (const Traffic& traffic : pinPad_->traffic()) { EXPECT_EQ(traffic.words.find("1234"), std::string::npos); }
@@ -88,16 +88,16 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
 
 TEST(DigitEntry, ShowsHowManyDigitsThereAre) {
     Screen screen;
-    DigitEntry entry(screen, "PIN", 4, 5, DigitEntry::Echo::count);
+    DigitEntry entry(screen, "PIN", 4, 5, DigitEntry::Echo::kCount);
     std::string shown = screen.content().typed;
     for (const Key key :
-         {digit('1'), Key::clear, digit('1'), digit('2'), digit('3'), digit('4'), digit('5'), digit('6'), Key::up}) {
+         {digit('1'), Key::kClear, digit('1'), digit('2'), digit('3'), digit('4'), digit('5'), digit('6'), Key::kUp}) {
         EXPECT_FALSE(entry.on(KeyPressed{key}));
         shown += "," + screen.content().typed;
     }
     EXPECT_EQ(shown, ",*,,*,**,***,****,*****,*****,*****");
     EXPECT_EQ(screen.content().text, "PIN");
-    EXPECT_EQ(entry.on(KeyPressed{Key::enter}).value().digits, "12345");
+    EXPECT_EQ(entry.on(KeyPressed{Key::kEnter}).value().digits, "12345");
 }
 
 }  // namespace

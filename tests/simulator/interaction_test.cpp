@@ -23,7 +23,7 @@ TEST_F(InteractionTest, ShowsMessages) {
     call("DEX003000", "DEX000");
     EXPECT_EQ(pinPad_->screen(), Screen::Content{});
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"DSP032\r" + field("", 31), "DSP: DSP_MSG: 0x0D is not allowed"},
             {"DEX164161" + field("", 161), "DEX: DEX_MSGLEN: 161 is not from 0 to 160"},
             {"DEX006002ABC", "DEX: 1 bytes too many"}});
@@ -36,10 +36,10 @@ TEST_F(InteractionTest, OffersAMenu) {
     const auto chosen = [](const std::string& option) { return "MNU000006" + "804D 0002"_hex + option; };
     play();
     call_while(Gestures().choose(9), mnu, chosen("03"));
-    call_while(Gestures().press(Key::down).press(Key::up).press(Key::up).press(Key::enter), mnu, chosen("01"));
+    call_while(Gestures().press(Key::kDown).press(Key::kUp).press(Key::kUp).press(Key::kEnter), mnu, chosen("01"));
     call_while(Gestures().press(digit('0')).press(digit('4')).press(digit('3')), mnu, chosen("03"));
-    call_while(Gestures().press(Key::f1).press(Key::cancel), mnu, "MNU013");
-    begin(Gestures().press(Key::down).notify("MOVED"), mnu, "NTM000005MOVED");
+    call_while(Gestures().press(Key::kF1).press(Key::kCancel), mnu, "MNU013");
+    begin(Gestures().press(Key::kDown).notify("MOVED"), mnu, "NTM000005MOVED");
     EXPECT_EQ(pinPad_->screen(),
               (Screen::Content{.text = "CHOOSE\rONE", .menu = {"TEA", "COFFEE", "WATER"}, .selected = 2}));
     exchange(can, eot);
@@ -47,10 +47,10 @@ TEST_F(InteractionTest, OffersAMenu) {
     expect_findings({});
     std::string tooMany = "MNU588";
     for (int i = 0; i < 21; ++i) { tooMany += tea; }
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"MNU038" + "000C 0001 01 000C 0001 01"_hex + tea, "MNU: SPE_TIMEOUT 0x000C has no place in it"},
             {tooMany, "MNU: SPE_MNUOPT 0x0020 has no place in it"}});
-    refuse("019", Kind::layout, {{"MNU005" + "000C 0001 01"_hex, "MNU: no SPE_MNUOPT"}});
+    refuse("019", Kind::kLayout, {{"MNU005" + "000C 0001 01"_hex, "MNU: no SPE_MNUOPT"}});
 }
 
 TEST_F(InteractionTest, AsksForANumber) {
@@ -58,18 +58,18 @@ TEST_F(InteractionTest, AsksForANumber) {
     play();
     call_while(Gestures().type("1").type("2"), gcd, "GCD000006" + "804D 0002"_hex + "12");
     call_while(Gestures().type("98765"), gcd, "GCD000007" + "804D 0003"_hex + "987");
-    call_while(Gestures().press(digit('9')).press(Key::clear).type("12"), gcd, "GCD000006" + "804D 0002"_hex + "12");
-    call_while(Gestures().press(Key::cancel), gcd, "GCD013");
+    call_while(Gestures().press(digit('9')).press(Key::kClear).type("12"), gcd, "GCD000006" + "804D 0002"_hex + "12");
+    call_while(Gestures().press(Key::kCancel), gcd, "GCD013");
     begin(Gestures().press(digit('1')).notify("TYPED"), gcd, "NTM000005TYPED");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "NUMBER 0007", .typed = "1"}));
     exchange(can, eot);
-    call_while(Gestures().press(Key::enter), "GCD016" + "000B 0002 0007 000D 0001 00 000E 0001 00"_hex,
+    call_while(Gestures().press(Key::kEnter), "GCD016" + "000B 0002 0007 000D 0001 00 000E 0001 00"_hex,
                "GCD000004" + "804D 0000"_hex);
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GCD016" + "000B 0002 0007 000D 0001 21 000E 0001 21"_hex, "SPE_MINDIG: digits: 33 is not from 0 to 32"},
             {"GCD016" + "000B 0002 0007 000D 0001 05 000E 0001 04"_hex, "SPE_MAXDIG: digits: 4 is not from 5 to 32"}});
-    refuse("019", Kind::layout, {{"GCD011" + "000B 0002 0007 000D 0001 00"_hex, "GCD: no SPE_MAXDIG"}});
+    refuse("019", Kind::kLayout, {{"GCD011" + "000B 0002 0007 000D 0001 00"_hex, "GCD: no SPE_MAXDIG"}});
 }
 
 struct Happening {
@@ -81,8 +81,8 @@ struct Happening {
 TEST_F(InteractionTest, TellsCexWhatHappened) {
     const std::string track1 = "B37** ****** **005^DOE/JOHN^3012";
     const std::vector<Happening> cases{
-        {"100000", Gestures().swipe(amex).press(digit('1')).press(Key::down), "006" + "8040 0002"_hex + "03"},
-        {"010000", Gestures().press(Key::enter).tap(amex).swipe({.pan = "1", .track2 = "1=2"}),
+        {"100000", Gestures().swipe(amex).press(digit('1')).press(Key::kDown), "006" + "8040 0002"_hex + "03"},
+        {"010000", Gestures().press(Key::kEnter).tap(amex).swipe({.pan = "1", .track2 = "1=2"}),
          "013" + "8040 0002"_hex + "90" + "8042 0003"_hex + "1=2"},
         {"110100", Gestures().swipe(amex),
          "092" + "8040 0002"_hex + "90" + "8041 0020"_hex + track1 + "8042 0017"_hex + "37**********005=3012101"
@@ -98,7 +98,7 @@ TEST_F(InteractionTest, TellsCexWhatHappened) {
         call_while(gestures, "CEX018" + "0006 0006"_hex + options + "0023 0004"_hex + "0203", "CEX000" + answer);
     }
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"CEX010" + "0006 0006"_hex + "200000", "SPE_CEXOPT: keys: 2 is not from 0 to 1"},
             {"CEX010" + "0006 0006"_hex + "003000", "SPE_CEXOPT: chip: 3 is not from 0 to 2"},
             {"CEX010" + "0006 0006"_hex + "100001", "SPE_CEXOPT: reserved: 1 instead of 0"},
@@ -116,13 +116,13 @@ TEST(PanMask, KeepsTheEndsOfACardNumberOnly) {
 
 TEST_F(InteractionTest, TellsCkeWhatHappened) {
     play();
-    call_while(Gestures().press(digit('1')).press(Key::clear), "CKE003100", "CKE000003008");
+    call_while(Gestures().press(digit('1')).press(Key::kClear), "CKE003100", "CKE000003008");
     call_while(Gestures().insert(amex), "CKE0040020", "CKE00000221");
     call("CKE003002", "CKE00000221");
     call_while(Gestures().remove(), "CKE003001", "CKE00000220");
     call_while(Gestures().swipe(amex).tap(amex), "CKE0040001", "CKE00000231");
     expect_findings({});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"CKE003200", "CKE: CKE_KEY: 2 is not from 0 to 1"},
             {"CKE003003", "CKE: CKE_ICC: 3 is not from 0 to 2"},
             {"CKE0040002", "CKE: CKE_CTLS: 2 is not from 0 to 1"},
@@ -155,7 +155,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
     // Twice the same PIN: whoever differs begins anew.
     call_while(Gestures().type("1234").type("1235").type("1234").type("1234"),
                gpn("200", blank, pan, {"0412PIN", "0412AGAIN"}), "GPN000036AE03BBC9A095DEFEFFFF9876543210E00001");
-    call_while(Gestures().press(digit('1')).press(Key::cancel), gpn("300", blank, pan, {"0412PIN"}), "GPN013");
+    call_while(Gestures().press(digit('1')).press(Key::kCancel), gpn("300", blank, pan, {"0412PIN"}), "GPN013");
     call_while(Gestures().type("1234"), gpn("399", blank, pan, {"0412PIN"}), "GPN042");
     call(gpn("300", blank, pan, {"0412PIN", "1399AGAIN"}), "GPN011");
     begin(Gestures().type("12345").press(digit('1')).notify("TYPED"),
@@ -164,7 +164,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
     exchange(can, eot);
     expect_findings({});
     for (const Traffic& traffic : pinPad_->traffic()) EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos);
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{gpn("400", blank, pan, {"0412PIN"}), "GPN: GPN_METHOD: 4 is not from 0 to 3"},
             {gpn("200", std::string(32, '0'), pan, {"0412PIN"}), "GPN: GPN_WKENC: longer than method 2 has it"},
             {gpn("000", "B4CC3FD9D8D95214B4CC3FD9D8D95214", pan, {"0412PIN"}),
@@ -180,17 +180,17 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
 TEST_F(InteractionTest, LastsUntilThePersonActs) {
     play();
     call("RMC032" + field("TAKE YOUR CARD", 32), "RMC000");
-    for (const Key key : {Key::f1, Key::cancel}) {
+    for (const Key key : {Key::kF1, Key::kCancel}) {
         exchange(frame("GKY"), ack);
         pinPad_->swipe({.pan = "4111111111111111"});
         pinPad_->press(digit('5'));
         pinPad_->press(key);
-        expect(frame(key == Key::f1 ? "GKY004" : "GKY013"));
+        expect(frame(key == Key::kF1 ? "GKY004" : "GKY013"));
     }
     // Nobody waits for it: the next command does not get it.
-    pinPad_->press(Key::enter);
-    pinPad_->when("GKY", Gestures().press(Key::f2));
-    pinPad_->when("GKY", Gestures().press(Key::f3));
+    pinPad_->press(Key::kEnter);
+    pinPad_->when("GKY", Gestures().press(Key::kF2));
+    pinPad_->when("GKY", Gestures().press(Key::kF3));
     call("GKY", "GKY005");
     call("GKY", "GKY006");
     expect_findings({});
@@ -200,8 +200,8 @@ TEST_F(InteractionTest, EndsWithTheNextCommandWhichIsAFault) {
     play();
     exchange(frame("GKY"), ack);
     call("GIN00203", "GIN000042APP00301000001A00B00001.00 260101000101T03");
-    pinPad_->press(Key::enter);
-    expect_findings({{Kind::sequence, "a command came while GKY waited"}});
+    pinPad_->press(Key::kEnter);
+    expect_findings({{Kind::kSequence, "a command came while GKY waited"}});
 }
 
 TEST_F(InteractionTest, EndsWithItsTime) {
@@ -212,7 +212,7 @@ TEST_F(InteractionTest, EndsWithItsTime) {
     play({.second = std::chrono::hours(1)});
     call("CEX015" + "0006 0006"_hex + "100000" + "000C 0001 00"_hex, "CEX012");
     // What the person does at once is still in time.
-    pinPad_->when("CEX", Gestures().press(Key::f1));
+    pinPad_->when("CEX", Gestures().press(Key::kF1));
     call("CEX015" + "0006 0006"_hex + "100000" + "000C 0001 00"_hex, "CEX000006" + "8040 0002"_hex + "04");
     expect_findings({});
 }
@@ -225,10 +225,10 @@ TEST_F(InteractionTest, TellsTheHostInBetweenPlainlyAndEnciphered) {
     pinPad_->act(Gestures().notify("TEXT"));
     expect(frame("NTM000004TEXT"));
     exchange(nak, frame("NTM000004TEXT"));
-    pinPad_->press(Key::f1);
+    pinPad_->press(Key::kF1);
     expect(frame("GKY004"));
     ask("OPN5230256" + std::string(512, 'F') + "3010001");
-    pinPad_->when("GKY", Gestures().notify("TEXT").press(Key::f1));
+    pinPad_->when("GKY", Gestures().notify("TEXT").press(Key::kF1));
     exchange(support::encrypted_frame("85F4FF83818B561EC3ED87569A03F9EB"_hex),
              ack + support::encrypted_frame("E0DBD8966C7D9C2D7DF939A5665CE1A05F51D24C7ACAC73B0919EDFB9C3B4AA5"_hex)
                  + support::encrypted_frame("DDEB3B9C6650FC6FEAA5009894571462"_hex));

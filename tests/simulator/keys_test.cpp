@@ -77,17 +77,17 @@ TEST(KeyStore, CountsEachKeyOnUntilItIsSpent) {
         initial_key = "6AC292FAA1315B4D858AB3A3D7D5933A"
         ksn = "FFFF9876543210FFF000"
     )");
-    const auto desPin = keys.next_dukpt(des, pin, 5);
+    const auto desPin = keys.next_dukpt(kDes, kPin, 5);
     ASSERT_TRUE(desPin);
     EXPECT_EQ(to_hex(desPin->key), "1A3CD4AB030F02BB");
     EXPECT_EQ(to_hex(desPin->ksn), "FFFF9876543210E00002");
-    EXPECT_EQ(keys.ksn(des, pin, 5), desPin->ksn);
+    EXPECT_EQ(keys.ksn(kDes, kPin, 5), desPin->ksn);
     // Ten more transactions lie between the last two counters with nine and ten ones.
     int transactions = 0;
-    while (keys.next_dukpt(tdes, data, 6)) { ++transactions; }
+    while (keys.next_dukpt(kTdes, kData, 6)) { ++transactions; }
     EXPECT_EQ(transactions, 12);
-    EXPECT_EQ(keys.ksn(tdes, data, 6), ksn_of("FFFF9876543210FFF800"));
-    EXPECT_FALSE(keys.next_dukpt(tdes, pin, 6));
+    EXPECT_EQ(keys.ksn(kTdes, kData, 6), ksn_of("FFFF9876543210FFF800"));
+    EXPECT_FALSE(keys.next_dukpt(kTdes, kPin, 6));
 }
 
 TEST(KeyStore, SaysWhatIsWrongWithAFile) {

@@ -44,12 +44,12 @@ TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
     Device device;
     device.media.store("LOGO", {2, {'x'}});
     play(device);
-    refuse("010", Kind::sequence,
+    refuse("010", Kind::kSequence,
            {{"MLR005" + "000F 0001"_hex + "1", "MLR: no load was begun"}, {"MLE", "MLE: no load was begun"}});
-    refuse("101", Kind::unsupported,
+    refuse("101", Kind::kUnsupported,
            {{mli(logo, "00000001 0000 00 000000"_hex), "MLI: there are no files of type 0"},
             {mli(logo, "00000001 0000 04 000000"_hex), "MLI: there are no files of type 4"}});
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{mli(logo, "00000001 0000 01 000001"_hex), "SPE_MFINFO: reserved: 1 instead of 0"},
             {mli("LOGo    ", one), "SPE_MFNAME: a small letter"},
             {mli("        ", one), "SPE_MFNAME: no name"},
@@ -58,15 +58,15 @@ TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
             {"DSI013" + "001E 0009"_hex + "LOGO     ", "SPE_MFNAME: 1 bytes too many"},
             {"DSI005" + "000F 0001"_hex + "1", "DSI: SPE_DATAIN 0x000F has no place in it"},
             {"LMF000", "LMF: 3 bytes too many"}});
-    refuse("019", Kind::layout, {{"MLI012" + nameHead + logo, "MLI: no SPE_MFINFO"}, {"DMF", "DMF: no SPE_MFNAME"}});
+    refuse("019", Kind::kLayout, {{"MLI012" + nameHead + logo, "MLI: no SPE_MFINFO"}, {"DMF", "DMF: no SPE_MFNAME"}});
     call(mli(logo, "00000002 31C3 01 000000"_hex), "MLI000");
     call("MLR006" + "000F 0002"_hex + "12", "MLR000");
-    refuse("102", Kind::layout, {{"MLR005" + "000F 0001"_hex + "3", "MLR: 3 bytes of LOGO, which has 2"}});
-    refuse("011", Kind::layout, {{"MLR004" + "000F 0000"_hex, "MLR: no data"}});
-    refuse("102", Kind::layout, {{"MLE", "MLE: LOGO has the CRC 0x20B5, 0x31C3 was announced"}});
-    refuse("010", Kind::sequence, {{"MLE", "MLE: no load was begun"}});
+    refuse("102", Kind::kLayout, {{"MLR005" + "000F 0001"_hex + "3", "MLR: 3 bytes of LOGO, which has 2"}});
+    refuse("011", Kind::kLayout, {{"MLR004" + "000F 0000"_hex, "MLR: no data"}});
+    refuse("102", Kind::kLayout, {{"MLE", "MLE: LOGO has the CRC 0x20B5, 0x31C3 was announced"}});
+    refuse("010", Kind::kSequence, {{"MLE", "MLE: no load was begun"}});
     call(mli(logo, one), "MLI000");
-    refuse("102", Kind::layout, {{"MLE", "MLE: 0 bytes of LOGO, which has 1"}});
+    refuse("102", Kind::kLayout, {{"MLE", "MLE: 0 bytes of LOGO, which has 1"}});
     EXPECT_EQ(retire().media.files(), device.media.files());
 }
 

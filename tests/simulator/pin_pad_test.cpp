@@ -13,47 +13,47 @@ TEST_F(PinPadTest, RefusesADamagedFrameAndTakesItsRepetition) {
     play();
     exchange("\x16OPN\x17\xA8\xA8", nak);
     exchange(opn, ack + opnDone);
-    expect_findings({{Kind::framing, "bad CRC: 0xA8A8 received, 0xA8A9 due"}});
+    expect_findings({{Kind::kFraming, "bad CRC: 0xA8A8 received, 0xA8A9 due"}});
 }
 
 TEST_F(PinPadTest, RefusesAFrameThatDoesNotGoOn) {
     play({.frameTimeout = std::chrono::milliseconds(30)});
     exchange("\x16OPN", nak);
     exchange(can, eot);
-    expect_findings({{Kind::framing, "the frame does not go on"}});
+    expect_findings({{Kind::kFraming, "the frame does not go on"}});
 }
 
 TEST_F(PinPadTest, RepeatsItsResponseThreeTimesUntilCan) {
-    const Finding nothing{Kind::sequence, "NAK without a response before it"};
+    const Finding nothing{Kind::kSequence, "NAK without a response before it"};
     play();
     exchange(nak + can, eot);
     exchange(opn, ack + opnDone);
     for (int i = 0; i < 3; ++i) { exchange(nak, opnDone); }
     exchange(nak + can, eot);
     exchange(nak + can, eot);
-    expect_findings({nothing, {Kind::sequence, "NAK after the last repetition"}, nothing});
+    expect_findings({nothing, {Kind::kSequence, "NAK after the last repetition"}, nothing});
 }
 
 TEST_F(PinPadTest, FindsBytesThatHaveNoMeaning) {
     play();
     exchange("\x06" + can + "A" + can, eot + eot);
     exchange("\x16OP" + opn, ack + opnDone);
-    expect_findings({{Kind::framing, "ACK outside a frame"},
-                     {Kind::framing, "stray byte 0x41 outside a frame"},
-                     {Kind::framing, "SYN inside a frame"}});
+    expect_findings({{Kind::kFraming, "ACK outside a frame"},
+                     {Kind::kFraming, "stray byte 0x41 outside a frame"},
+                     {Kind::kFraming, "SYN inside a frame"}});
 }
 
 TEST_F(PinPadTest, RefusesWhatIsNoCommand) {
     play();
-    refuse("ERR010", Kind::unsupported,
+    refuse("ERR010", Kind::kUnsupported,
            {{"XYZ", "there is no command \"XYZ\""},
             {"gin00200", "there is no command \"gin\""},
             {"\xFF\xFE"
              "A",
              R"(there is no command "\xff\xfeA")"}});
-    refuse("ERR010", Kind::layout, {{"GI", "a frame without a command"}, {"", "a frame without a command"}});
+    refuse("ERR010", Kind::kLayout, {{"GI", "a frame without a command"}, {"", "a frame without a command"}});
     exchange("\x16\x12" + "0123456789abcdef\x17\xB9\x4C"s, ack + frame("ERR003"));
-    EXPECT_EQ(pinPad_->findings().back(), (Finding{Kind::sequence, "an encrypted frame without a session"}));
+    EXPECT_EQ(pinPad_->findings().back(), (Finding{Kind::kSequence, "an encrypted frame without a session"}));
 }
 
 TEST_F(PinPadTest, AnswersGinWithTheLayoutOfTheIndex) {
@@ -69,7 +69,7 @@ TEST_F(PinPadTest, AnswersGinWithTheLayoutOfTheIndex) {
 TEST_F(PinPadTest, AnswersGixWithWhatItHas) {
     play();
     pinPad_->insert(card("visa-chip"));
-    refuse("000", Kind::unsupported, {{"GIX008" + "0001 0004 1234 9163"_hex, "GIX: there is no item 0x1234"}});
+    refuse("000", Kind::kUnsupported, {{"GIX008" + "0001 0004 1234 9163"_hex, "GIX: there is no item 0x1234"}});
     // All that it has when nothing is named.
     const std::string all = ask("GIX");
     EXPECT_EQ(all.size(), 964U);
@@ -103,7 +103,7 @@ TEST_F(PinPadTest, AnswersInASecondBlockWhatOneDoesNotHold) {
 TEST_F(PinPadTest, AnswersABrokenLayoutWithInvparm) {
     const std::string serial = "0001 0002 8001"_hex;
     play();
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"GIN", "GIN: CMD_LEN1: 3 bytes due, 0 left"},
             {"GIN00200X", "GIN: 1 bytes too many"},
             {"GIN003000", "GIN: 1 bytes too many"},
@@ -126,7 +126,7 @@ TEST_F(PinPadTest, OwnsUpWhenItsDataDoNotFit) {
     Device device;
     device.identity.specVersion = "2.12a";
     play(device);
-    refuse("040", Kind::internal, {{"GIN00200", "GIN: '2.12a' of 5 characters for a field of 4"}});
+    refuse("040", Kind::kInternal, {{"GIN00200", "GIN: '2.12a' of 5 characters for a field of 4"}});
 }
 
 TEST_F(PinPadTest, StaysWhenAClientGoes) {
@@ -155,7 +155,7 @@ TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
     exchange(frame("DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C"), ack + frame("DWK000"));
     std::vector<std::string> words;
     for (const Traffic& traffic : pinPad_->traffic()) {
-        words.push_back((traffic.sender == Sender::host ? "> " : "< ") + traffic.words);
+        words.push_back((traffic.sender == Sender::kHost ? "> " : "< ") + traffic.words);
     }
     const std::vector<std::string> due{
         "> GIX device information: SPE_IDLIST=8001910091638062",

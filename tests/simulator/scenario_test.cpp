@@ -118,7 +118,7 @@ TEST(Judge, LetsPassWhatIsExpected) {
         "[[finding]]\ntext = 'came while'\n";
     EXPECT_EQ(
         judged(sale, {{"OPN", 0}, {amount + "10000", 0}, {"DSP", 0}, {"GKY", {}}, {"DSP", 0}, {"GKY", {}}, {"CLO", 0}},
-               {{Finding::Kind::sequence, "a command came while GKY waited"}}),
+               {{Finding::Kind::kSequence, "a command came while GKY waited"}}),
         Complaints{});
 }
 
@@ -152,7 +152,7 @@ TEST(Judge, TellsWhatCameInstead) {
          "s.toml:2: expected never: CLO; it came 2 times"},
     };
     for (const auto& [text, commands, due] : cases) { EXPECT_EQ(judged(text, commands), Complaints{due}) << text; }
-    EXPECT_EQ(judged("[[finding]]\ntext = 'late'", {}, {{Finding::Kind::layout, "GIN: short"}}),
+    EXPECT_EQ(judged("[[finding]]\ntext = 'late'", {}, {{Finding::Kind::kLayout, "GIN: short"}}),
               (Complaints{"unexpected finding (layout): GIN: short",
                           "s.toml:2: expected the finding \"late\"; it never came"}));
 }

@@ -47,7 +47,7 @@ protected:
     const std::string gin_ = "161263C0C4B71B719740552D8D75454C59E01708B1";
     const std::string xyz_ = "161204A0FF0251D9DA58D7D3504E9088CD621785D4";
     const std::string noCommand_ = "161260822365E74C1F13339B4AAD4A98444FBE17DA92";
-    const Finding noSession_{Kind::sequence, "an encrypted frame without a session"};
+    const Finding noSession_{Kind::kSequence, "an encrypted frame without a session"};
 };
 
 TEST(SecureChannel, DrawsAKeyEachTimeAndKeepsLeadingZerosOfTheCryptogram) {
@@ -84,7 +84,7 @@ TEST_F(SessionTest, TravelsEncipheredAndShowsItsKeyNowhere) {
     EXPECT_EQ(words[11], "enciphered ERR 010 INVCALL");
     std::erase(all, ' ');
     EXPECT_EQ(all.find(keyText), std::string::npos);
-    expect_findings({{Kind::unsupported, "there is no command \"XYZ\""}});
+    expect_findings({{Kind::kUnsupported, "there is no command \"XYZ\""}});
 }
 
 TEST_F(SessionTest, RefusesFramesThatAreNotSealedAsTheyMustBe) {
@@ -99,10 +99,11 @@ TEST_F(SessionTest, RefusesFramesThatAreNotSealedAsTheyMustBe) {
     };
     open();
     for (const auto& [sent, finding] : cases) {
-        expect_error(sent, "ERR009", {Kind::layout, "an encrypted frame: " + finding});
+        expect_error(sent, "ERR009", {Kind::kLayout, "an encrypted frame: " + finding});
     }
-    expect_error("16121C674E5AA0F28AA10FB7D8DAD8A62CD717291D", "ERR009", {Kind::sequence, "an enciphered OPN"});
-    expect_error("1647494E303032303417220E", "ERR009", {Kind::sequence, "a plain command inside an encrypted session"});
+    expect_error("16121C674E5AA0F28AA10FB7D8DAD8A62CD717291D", "ERR009", {Kind::kSequence, "an enciphered OPN"});
+    expect_error("1647494E303032303417220E", "ERR009",
+                 {Kind::kSequence, "a plain command inside an encrypted session"});
     // It goes on all the same, also when it is opened plainly.
     call("OPN", "OPN000");
     converse(xyz_, noCommand_);
@@ -126,7 +127,7 @@ TEST_F(SessionTest, EndsWithACloseThatIsAnsweredPlainly) {
 
 TEST_F(SessionTest, IsRefusedForAPublicKeyOutOfShape) {
     play();
-    refuse("011", Kind::layout,
+    refuse("011", Kind::kLayout,
            {{"OPN5231256" + modulus + "3010001", "OPN: OPN_OPMODE: 1 instead of 0"},
             {"OPN5230255" + modulus + "3010001", "OPN: OPN_MODLEN: 255 instead of 256"},
             {"OPN5230256" + modulus + "1303003", "OPN: OPN_EXPLEN: 1 instead of 3"},

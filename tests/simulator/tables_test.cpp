@@ -31,11 +31,11 @@ TEST_F(TablesTest, ALoadCountsFromItsEnd) {
 
 TEST_F(TablesTest, RefusesWhatIsOutOfPlaceOrShape) {
     play();
-    refuse("010", Kind::sequence, {{"TLR00200", "TLR: no load was begun"}, {"TLE", "TLE: no load was begun"}});
-    refuse("011", Kind::layout, {{"GTS003003", "GTS: 1 bytes too many"}});
+    refuse("010", Kind::kSequence, {{"TLR00200", "TLR: no load was begun"}, {"TLE", "TLE: no load was begun"}});
+    refuse("011", Kind::kLayout, {{"GTS003003", "GTS: 1 bytes too many"}});
     call("TLI01203V1        ", "TLI000");
     call("TLR0100100810301", "TLR000");
-    refuse("021", Kind::layout,
+    refuse("021", Kind::kLayout,
            {{"TLR0100100710302", "TLR: record 1: length: 7 is not from 8 to 999"},
             {"TLR018020081030200910303", "TLR: record 2: body: 1 bytes due, 0 left"},
             {"TLR0100200810302", "TLR: record 2: length: 3 bytes due, 0 left"},
@@ -44,7 +44,7 @@ TEST_F(TablesTest, RefusesWhatIsOutOfPlaceOrShape) {
             {"TLR019020081030200910302x", "TLR: record 2: another one has its key"},
             {"TLR018020081030200810301", "TLR: record 10301 is in the load already"},
             {"TLR018020081030200810402", "TLR: a record of acquirer 04 in a load for 03"}});
-    refuse("011", Kind::layout, {{"TLE000", "TLE: 3 bytes too many"}});
+    refuse("011", Kind::kLayout, {{"TLE000", "TLE: 3 bytes too many"}});
     call("TLE", "TLE000");
     EXPECT_EQ(retire().tables.records(), (Tables::Records{{{1, 3, "01"}, {}}}));
 }

@@ -20,7 +20,7 @@ TEST(Reader, TellsWhatIsWrongWithWhichField) {
         {"1", [](Reader& r) { static_cast<void>(r.n("F", 2)); }, "F: 2 bytes due, 1 left"},
         {"A\x7F", [](Reader& r) { static_cast<void>(r.a("F", 2)); }, "F: 0x7F is not allowed"},
         {"A\r", [](Reader& r) { static_cast<void>(r.s("F", 2)); }, "F: 0x0D is not allowed"},
-        {"A\n", [](Reader& r) { static_cast<void>(r.s("F", 2, Cr::allowed)); }, "F: 0x0A is not allowed"},
+        {"A\n", [](Reader& r) { static_cast<void>(r.s("F", 2, Cr::kAllowed)); }, "F: 0x0A is not allowed"},
         {"aB", [](Reader& r) { static_cast<void>(r.h("F", 2)); }, "F: 0x61 is no hexadecimal digit"},
         {"ABC", [](Reader& r) { static_cast<void>(r.h("F", 3)); }, "F: an odd number of hexadecimal digits"},
         {"\x01", [](Reader& r) { static_cast<void>(r.x("F", 2)); }, "F: 2 bytes due, 1 left"},
@@ -44,7 +44,7 @@ TEST(Reader, ReadsEachKindOfField) {
     Reader reader("CMD", bytes);
     EXPECT_EQ(reader.n("N", 4), 420U);
     EXPECT_EQ(reader.a("A", 4), "AB");
-    EXPECT_EQ(reader.s("S", 3, Cr::allowed), "\xC9\r");
+    EXPECT_EQ(reader.s("S", 3, Cr::kAllowed), "\xC9\r");
     EXPECT_EQ(reader.b("B", 4), to_bytes("30ab"));
     EXPECT_EQ(reader.h("H", 4), to_bytes("0A"));
     EXPECT_EQ(reader.x("X", 2), 0x1234U);

@@ -42,7 +42,7 @@ TEST(Frame, IsEncodedAndDecodedByteForByte) {
         EXPECT_EQ(encode(frame), to_bytes(wire));
         const auto receptions = decode(wire);
         ASSERT_EQ(receptions.size(), 1U);
-        EXPECT_EQ(receptions[0].kind, Kind::frame) << receptions[0].fault;
+        EXPECT_EQ(receptions[0].kind, Kind::kFrame) << receptions[0].fault;
         EXPECT_EQ(receptions[0].frame, frame);
         EXPECT_EQ(receptions[0].wire, to_bytes(wire));
     }
@@ -62,7 +62,7 @@ TEST(Frame, ThatIsDamagedTellsWhatIsWrong) {
          }) {
         const auto receptions = decode(wire);
         ASSERT_EQ(receptions.size(), 1U);
-        EXPECT_EQ(receptions[0].kind, Kind::damaged);
+        EXPECT_EQ(receptions[0].kind, Kind::kDamaged);
         EXPECT_EQ(receptions[0].fault, fault);
     }
 }
@@ -71,9 +71,9 @@ TEST(Frame, ThatAnotherOneCutsOffDoesNotSpoilIt) {
     for (const char* beginning : {"\x16", "\x16\x12", "\x16OP", "\x16OP\x13"}) {
         const auto receptions = decode(beginning + "\x16OPN000\x17\x77\x5E"s);
         ASSERT_EQ(receptions.size(), 2U);
-        EXPECT_EQ(receptions[0].kind, Kind::interrupted);
+        EXPECT_EQ(receptions[0].kind, Kind::kInterrupted);
         EXPECT_EQ(receptions[0].wire, to_bytes(beginning));
-        EXPECT_EQ(receptions[1].kind, Kind::frame) << receptions[1].fault;
+        EXPECT_EQ(receptions[1].kind, Kind::kFrame) << receptions[1].fault;
         EXPECT_EQ(receptions[1].frame.data, to_bytes("OPN000"));
     }
 }
@@ -83,7 +83,7 @@ TEST(Frame, LeavesBytesOutsideItAlone) {
     ASSERT_EQ(receptions.size(), 4U);
     EXPECT_EQ(receptions[0].byte, 0x18);
     EXPECT_EQ(receptions[1].byte, 0x15);
-    EXPECT_EQ(receptions[2].kind, Kind::frame);
+    EXPECT_EQ(receptions[2].kind, Kind::kFrame);
     EXPECT_EQ(receptions[3].byte, 0x17);
 }
 

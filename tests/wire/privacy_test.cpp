@@ -18,7 +18,7 @@ namespace {
 const std::string pan = "4111111111111111";
 
 std::string words(Sender sender, const std::string& packet) {
-    return sender == Sender::host ? request_words(to_bytes(packet)) : response_words(to_bytes(packet));
+    return sender == Sender::kHost ? request_words(to_bytes(packet)) : response_words(to_bytes(packet));
 }
 
 TEST(Privacy, IsKeptFieldByField) {
@@ -27,36 +27,36 @@ TEST(Privacy, IsKeptFieldByField) {
         std::string packet;
         std::string words;
     } cases[]{
-        {Sender::host, "GIN00200", "GIN device information: GIN_ACQIDX=\"00\""},
-        {Sender::host, "GCX028" + "0013 000C"_hex + "000000001000" + "0022 0003"_hex + "986" + "000C 0001 3C"_hex,
+        {Sender::kHost, "GIN00200", "GIN device information: GIN_ACQIDX=\"00\""},
+        {Sender::kHost, "GCX028" + "0013 000C"_hex + "000000001000" + "0022 0003"_hex + "986" + "000C 0001 3C"_hex,
          "GCX read a card: SPE_AMOUNT=\"000000001000\", SPE_TRNCURR=\"986\", SPE_TIMEOUT=60"},
-        {Sender::pinPad,
+        {Sender::kPinPad,
          "GCX000043" + "804F 0002"_hex + "03" + "8052 0010"_hex + pan + "8055 0003"_hex + "A/B" + "805D 0006"_hex
              + "301231",
          "GCX 000 OK: PP_CARDTYPE=\"03\", PP_PAN: 16 bytes withheld, PP_CHNAME: 3 bytes withheld, "
          "PP_CARDEXP: 6 bytes withheld"},
-        {Sender::pinPad, "GED000023" + "8054 0013 9F02020100 5A084111111111111111 DF01015A"_hex,
+        {Sender::kPinPad, "GED000023" + "8054 0013 9F02020100 5A084111111111111111 DF01015A"_hex,
          "GED 000 OK: PP_EMVDATA={9F02=0100, 5A: 8 bytes withheld, DF01: 1 bytes withheld}"},
-        {Sender::host, "DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C",
+        {Sender::kHost, "DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C",
          "DWK load a PAN working key: DWK_MODE=\"1\", 35 bytes withheld"},
-        {Sender::pinPad, "GPN0000361B9C1845EB993A7AFFFF9876543210E00001",
+        {Sender::kPinPad, "GPN0000361B9C1845EB993A7AFFFF9876543210E00001",
          "GPN 000 OK: GPN_PINBLK: 16 bytes withheld, GPN_KSN=\"FFFF9876543210E00001\""},
-        {Sender::host, "CNG00503820138", "CNG change EMV data: 11 bytes withheld"},
-        {Sender::pinPad, "NTM000032" + std::string(32, 'X'), "NTM 000 OK: NTM_MSG=\"" + std::string(32, 'X') + "\""},
+        {Sender::kHost, "CNG00503820138", "CNG change EMV data: 11 bytes withheld"},
+        {Sender::kPinPad, "NTM000032" + std::string(32, 'X'), "NTM 000 OK: NTM_MSG=\"" + std::string(32, 'X') + "\""},
         // What breaks its layout.
-        {Sender::host, "GCX020" + "0013 0010"_hex + pan, "GCX read a card: SPE_AMOUNT: 16 bytes withheld"},
-        {Sender::pinPad, "GCX000014" + "8054 000A 5A20"_hex + pan.substr(8),
+        {Sender::kHost, "GCX020" + "0013 0010"_hex + pan, "GCX read a card: SPE_AMOUNT: 16 bytes withheld"},
+        {Sender::kPinPad, "GCX000014" + "8054 000A 5A20"_hex + pan.substr(8),
          "GCX 000 OK: PP_EMVDATA: 10 bytes withheld"},
-        {Sender::host, "GCX999" + pan, "GCX read a card: 19 bytes withheld"},
-        {Sender::host, "GIN018" + pan + "00", "GIN device information: GIN_ACQIDX=\"41\", 16 bytes withheld"},
-        {Sender::host, "GIN0034X1", "GIN device information: 6 bytes withheld"},
-        {Sender::host, "DSP099" + pan, "DSP show a message: 19 bytes withheld"},
-        {Sender::pinPad, "GCR000100" + pan + std::string(84, ' '), "GCR 000 OK: 103 bytes withheld"},
-        {Sender::pinPad, "41111111", "no response: 8 bytes withheld"},
-        {Sender::host, pan, "16 bytes withheld"},
+        {Sender::kHost, "GCX999" + pan, "GCX read a card: 19 bytes withheld"},
+        {Sender::kHost, "GIN018" + pan + "00", "GIN device information: GIN_ACQIDX=\"41\", 16 bytes withheld"},
+        {Sender::kHost, "GIN0034X1", "GIN device information: 6 bytes withheld"},
+        {Sender::kHost, "DSP099" + pan, "DSP show a message: 19 bytes withheld"},
+        {Sender::kPinPad, "GCR000100" + pan + std::string(84, ' '), "GCR 000 OK: 103 bytes withheld"},
+        {Sender::kPinPad, "41111111", "no response: 8 bytes withheld"},
+        {Sender::kHost, pan, "16 bytes withheld"},
         // What no table has.
-        {Sender::host, "XYZ016" + pan, "\"XYZ\": 19 bytes withheld"},
-        {Sender::pinPad, "GIX000020" + "80FF 0010"_hex + pan, "GIX 000 OK: 0x80FF: 16 bytes withheld"},
+        {Sender::kHost, "XYZ016" + pan, "\"XYZ\": 19 bytes withheld"},
+        {Sender::kPinPad, "GIX000020" + "80FF 0010"_hex + pan, "GIX 000 OK: 0x80FF: 16 bytes withheld"},
     };
     for (const auto& [sender, packet, due] : cases) {
         EXPECT_EQ(words(sender, packet), due);
@@ -65,40 +65,40 @@ TEST(Privacy, IsKeptFieldByField) {
 }
 
 bool all_withheld(const std::vector<Item>& items) {
-    return std::ranges::all_of(items, [](const Item& item) { return item.privacy == Privacy::withheld; });
+    return std::ranges::all_of(items, [](const Item& item) { return item.privacy == Privacy::kWithheld; });
 }
 
 TEST(Privacy, WithholdsEachCommandParameterAndTagThatIsInNoTable) {
     for (uint32_t id = 0; id <= UINT16_MAX; ++id) {
         const auto param = static_cast<uint16_t>(id);
         if (!param_name(param).starts_with("0x")) continue;
-        EXPECT_EQ(param_item(param, to_bytes("1")).privacy, Privacy::withheld) << id;
+        EXPECT_EQ(param_item(param, to_bytes("1")).privacy, Privacy::kWithheld) << id;
         if (!tag_name(id).empty()) continue;
-        EXPECT_EQ(data_object(id, to_bytes("1")).privacy, Privacy::withheld) << id;
+        EXPECT_EQ(data_object(id, to_bytes("1")).privacy, Privacy::kWithheld) << id;
     }
     for (const Command& command : allCommands) {
-        if (command.form == Command::Form::params) continue;
+        if (command.form == Command::Form::kParams) continue;
         const std::string id(command.id);
-        if (fields_of(id, Sender::host).empty()) {
-            EXPECT_TRUE(all_withheld(take_apart(Sender::host, to_bytes(id + "016" + pan)).items)) << id;
+        if (fields_of(id, Sender::kHost).empty()) {
+            EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes(id + "016" + pan)).items)) << id;
         }
-        if (fields_of(id, Sender::pinPad).empty()) {
-            EXPECT_TRUE(all_withheld(take_apart(Sender::pinPad, to_bytes(id + "000016" + pan)).items)) << id;
+        if (fields_of(id, Sender::kPinPad).empty()) {
+            EXPECT_TRUE(all_withheld(take_apart(Sender::kPinPad, to_bytes(id + "000016" + pan)).items)) << id;
         }
     }
-    EXPECT_TRUE(all_withheld(take_apart(Sender::host, to_bytes("NEW016" + pan)).items));
+    EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes("NEW016" + pan)).items));
 }
 
 TEST(Privacy, WithholdsTracksKeysPinsAndWhatIsTyped) {
     for (const uint16_t id : {spe::wkEnc, spe::dataIn, pp::trk1Inc, pp::trk2Inc, pp::trk3Inc, pp::track1, pp::track2,
                               pp::track3, pp::encPan, pp::value, pp::dataOut, pp::pinBlk, pp::encKRand}) {
-        EXPECT_EQ(param_item(id, to_bytes("1")).privacy, Privacy::withheld) << param_name(id);
+        EXPECT_EQ(param_item(id, to_bytes("1")).privacy, Privacy::kWithheld) << param_name(id);
     }
     for (const Tag tag : {0x57U, 0x56U, 0x9F6BU, 0x9F20U, 0x9F1FU}) {
-        EXPECT_EQ(data_object(tag, to_bytes("1")).privacy, Privacy::withheld) << tag;
+        EXPECT_EQ(data_object(tag, to_bytes("1")).privacy, Privacy::kWithheld) << tag;
     }
-    EXPECT_EQ(param_item(pp::pan, to_bytes(pan)).privacy, Privacy::card);
-    EXPECT_EQ(data_object(0x5A, to_bytes("1")).privacy, Privacy::card);
+    EXPECT_EQ(param_item(pp::pan, to_bytes(pan)).privacy, Privacy::kCard);
+    EXPECT_EQ(data_object(0x5A, to_bytes("1")).privacy, Privacy::kCard);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "abecs/cmd/exchange.h"
 
 #include <chrono>
+#include <utility>
 
 #include "tests/abecs/cmd/commands.h"
 
@@ -15,23 +16,23 @@ using abecs::Response;
 
 constexpr abecs::Command kAbc{.id = "ABC"};
 
-class Frame : public testing::Test {
+class Exchange : public testing::Test {
 protected:
-    Outcome called(const Request& request) {
-        return outcome_of([&] { return abecs::call(link_.comm, kAbc, request, Response::status()); });
+    Outcome called(Request request) {
+        return outcome_of([&] { return abecs::call(link_.comm, kAbc, std::move(request), Response::status()); });
     }
 
     Link link_;
     const Raised unknown_ = error(kProtocol, "Protocol error (unknown packet response: 0x4)");
 };
 
-TEST_F(Frame, NothingIsLockedWhenSendingFails) {
+TEST_F(Exchange, NothingIsLockedWhenSendingFails) {
     link_.peer.expect(support::frame("ABC")).send("04"_hex);
     EXPECT_EQ(outcome_of([&] { return abecs::send(link_.comm, kAbc, Request::bare()); }), unknown_);
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link_.comm), "");
 }
 
-TEST_F(Frame, PollsParameters) {
+TEST_F(Exchange, PollsParameters) {
     const ParamMap map;
     map.put(1);
     const auto poll = [&] { return abecs::poll(link_.comm, kAbc, Response::into(map.get()), nullptr); };
@@ -46,7 +47,7 @@ TEST_F(Frame, PollsParameters) {
     EXPECT_EQ(abecs_rsp_param_map_get(map.get(), 0x804D)->data[2], '\0') << "a zero stands behind the value";
 }
 
-TEST_F(Frame, ABuilderCanBeSentAgain) {
+TEST_F(Exchange, ABuilderCanBeSentAgain) {
     AbecsCmdBuilder* builder = abecs_cmd_builder_new();
     AbecsParam* param = abecs_param_new();
     abecs_param_set_id(param, 6);
@@ -61,7 +62,7 @@ TEST_F(Frame, ABuilderCanBeSentAgain) {
     abecs_cmd_builder_delete(&builder);
 }
 
-TEST_F(Frame, ARequestThatFailsSendsNothing) {
+TEST_F(Exchange, ARequestThatFailsSendsNothing) {
     const auto write = [](AbecsPacket* packet) { abecs_packet_write_field_n(packet, 100, 2); };
     EXPECT_EQ(called(Request::fields(write)), error(kArgument, "Number length (3) is greater than field length (2)"));
     link_.peer.expect_silence(50ms).settle();
