@@ -12,31 +12,9 @@ using namespace support::literals;
 
 const Card kCard{.pan = "4111111111111111", .track2 = "4111111111111111=30121010000000000", .chip = Chip::standard()};
 
-Device device_with_module() {
-    Device device = Device::standard();
-    device.modules[2] = Chip{.atr = from_hex("3B0011"), .script = {}};
-    return device;
-}
-
 class Gen : public EndToEnd {
 protected:
-    Gen() : EndToEnd({.device = device_with_module()}) {}
     void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK); }
-
-    int32_t power(uint8_t slot) {
-        const AbecsCmdGen0401CmdData request{ABECS_CMD_GEN_04_01_OPER_1, slot};
-        return call(abecs_cmd_gen_04_01, &request, &slot_);
-    }
-
-    // What the chip says of the PIN.
-    std::string verify(const char* pin) {
-        const AbecsCmdGen0403CmdData request{0, "00200080", '2', 4, 12, "YOUR PIN"};
-        AbecsCmdGen0403RspData verdict{};
-        pinPad_.when("GEN", Gestures().type(pin));
-        EXPECT_NO_RAISE(abecs_cmd_gen_04_03(link_, &request));
-        EXPECT_EQ(call(abecs_cmd_gen_04_03_response, &verdict, nullptr), ABECS_RSP_STAT_ST_OK);
-        return verdict.sw;
-    }
 
     // What the PIN pad made of the data, deciphered.
     std::string enciphered(const AbecsCmdGen0303Data& input, const std::string& key, const char* ksn) {
@@ -48,7 +26,6 @@ protected:
         return tdes_decipher(key, from_digits(out.data));
     }
 
-    AbecsCmdGen0401RspData slot_{};
     AbecsCmdGenTagsOut tags_{};
 };
 
@@ -79,25 +56,6 @@ TEST_F(Gen, ReadsTheDataObjectsOfTheCardReadLastAndOfTheCardThatIsThere) {
     EXPECT_EQ(call(abecs_cmd_gen_04_04, "9f029f17", &tags_), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(tags_.len, 4);
     EXPECT_STREQ(tags_.data, "9F170103");
-    retire();
-}
-
-TEST_F(Gen, TalksToTheChipsInTheSlots) {
-    EXPECT_EQ(power(0), ABECS_RSP_STAT_ST_NOCARD);
-    EXPECT_EQ(power(3), ABECS_RSP_STAT_ST_NOSAM);
-    EXPECT_EQ(power(2), ABECS_RSP_STAT_ST_OK);
-    EXPECT_STREQ(slot_.atr, "3B0");
-    pinPad_.insert(kCard);
-    EXPECT_EQ(power(0), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(slot_.status1, 1);
-    EXPECT_EQ(slot_.status2, 1U);
-    const AbecsCmdGen0402CmdData select{0, "00A40400", 7, "A0000000031010", 256};
-    AbecsCmdGen0402RspData apdu{};
-    EXPECT_EQ(call(abecs_cmd_gen_04_02, &select, &apdu), ABECS_RSP_STAT_ST_OK);
-    EXPECT_STREQ(apdu.sw, "9000");
-    EXPECT_STREQ(apdu.apduData, "6F0E8407A0000000031010A50350015A");
-    EXPECT_EQ(verify("1111"), "63C2");
-    EXPECT_EQ(verify("1234"), "9000");
     retire();
 }
 

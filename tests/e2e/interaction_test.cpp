@@ -29,18 +29,6 @@ protected:
     void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK); }
 };
 
-TEST_F(Interaction, IsPolledToItsEnd) {
-    char note[33] = "";
-    EXPECT_NO_RAISE(abecs_cmd_gky(link_));
-    EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_PROCESSING);
-    pinPad_.act(Gestures().notify("STILL THERE?").press(Key::kF2));
-    EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_NOTIFICATION);
-    EXPECT_STREQ(note, "STILL THERE?");
-    EXPECT_EQ(call(abecs_cmd_gky_response, note), ABECS_RSP_STAT_ST_F2);
-    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
-    retire();
-}
-
 TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
     const char options[][25] = {"TEA", "COFFEE"};
     uint32_t option = 0;
