@@ -12,11 +12,11 @@ namespace kor {
 // `discard`, and null is returned.
 template <typename Object, typename Complete>
 [[nodiscard]] Object* construct(void (*discard)(Object**), Complete&& complete) {
-    Object* object = nullptr;
+    auto* object = static_cast<Object*>(kor_heap_alloc(sizeof(Object), 0));
+    if (object == nullptr) { return nullptr; }
+    *object = Object{};
     bool done = false;
     attempt([&] {
-        object = static_cast<Object*>(kor_heap_alloc(sizeof(Object), 0));
-        *object = Object{};
         complete(object);
         done = true;
     })

@@ -60,9 +60,13 @@ void abecs_cmd_chp(AbecsComm* pinpad, const AbecsCmdChpParam* param) {
     }
     const size_t length = command_length(*param);
     if (refuse_if(length % 2 != 0 || (takes_pin(param->oper) && length != kPinCommandLength),
-                  "Length of 'param->chpCmd' is invalid: %zu", length)
-        || refuse_if(takes_pin(param->oper) && !is_pin_format(param->pinFmt), "Invalid enumerator for %s: %d",
-                     "AbecsCmdChpPinFmt_E", param->pinFmt)) {
+                  "Length of 'param->chpCmd' is invalid: %zu", length)) {
+        return;
+    }
+    // The other operations leave it unset.
+    if (takes_pin(param->oper)
+        && refuse_if(!is_pin_format(param->pinFmt), "Invalid enumerator for %s: %d", "AbecsCmdChpPinFmt_E",
+                     param->pinFmt)) {
         return;
     }
     send(pinpad, kChp, Request::fields([&](AbecsPacket* packet) { write_request(packet, *param); }));

@@ -16,7 +16,7 @@ namespace {
 
 constexpr Command kDmf{.id = "DMF"};
 
-// False when an item was refused. None can be an item of a list.
+// None can be an item of a list.
 bool refuse_names(const KorList* files) {
     for (const auto* node = kor_string_list_first(files); node != nullptr; node = kor_string_list_next(node)) {
         const char* name = kor_string_list_item(node);

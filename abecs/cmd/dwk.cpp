@@ -22,7 +22,7 @@ using namespace kor;
 namespace {
 
 constexpr Command kDwk{.id = "DWK"};
-constexpr size_t kKeyWidth = 2 * sizeof(AbecsWkPan::key);
+static_assert(kKeyWidth == 2 * sizeof(AbecsWkPan::key));
 
 enum class Variant : uint8_t { kMasterKey = 1, kRsa = 2 };
 constexpr size_t kMasterKeyLength = 1 + 1 + 2 + kKeyWidth;

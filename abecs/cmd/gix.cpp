@@ -45,7 +45,7 @@ constexpr bool any_holds(std::span<const Range> ranges, int32_t id) {
     return std::ranges::any_of(ranges, [id](const Range& range) { return range.holds(id); });
 }
 
-// False when an id was refused. An id of a numbered family ends the check: what follows it is taken as it stands.
+// An id of a numbered family ends the check: what follows it is taken as it stands.
 bool refuse_ids(std::span<const int32_t> ids) {
     for (size_t i = 0; i < ids.size(); ++i) {
         if (any_holds(kFamilies, ids[i])) { return false; }

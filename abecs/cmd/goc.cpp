@@ -105,9 +105,10 @@ bool refuse_data(uint8_t gcrAcqIdx, const AbecsCmdGocData& data) {
            || refuse_if(data.keyidx > kMaxIndex, "invalid value for gocData->keyidx: %d", data.keyidx)
            || refuse_if(data.tpbrs > kMaxIndex, "invalid value for gocData->tpbrs: %d", data.tpbrs)
            || refuse_if(data.mtpbrs > kMaxIndex, "invalid value for gocData->mtpbrs: %d", data.mtpbrs)
-           || refuse_if(gcrAcqIdx == 1 && data.acqpr.acqpr01.transactionType > kMaxIndex,
-                        "invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: %d)",
-                        data.acqpr.acqpr01.transactionType)
+           || (gcrAcqIdx == 1
+               && refuse_if(data.acqpr.acqpr01.transactionType > kMaxIndex,
+                            "invalid value for gocData->acqpr.acqpr01.transactionType (max: 99, requested: %d)",
+                            data.acqpr.acqpr01.transactionType))
            || refuse_if(data.tags1len > kMaxTags, "invalid value for gocData->tags1len: %d", data.tags1len)
            || refuse_if(data.tags2len > kMaxTags, "invalid value for gocData->tags2len: %d", data.tags2len);
 }

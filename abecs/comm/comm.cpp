@@ -163,8 +163,6 @@ void abecs_comm_set_key(AbecsComm* pinpad, const uint8_t* key) {
     std::memcpy(pinpad->key.data(), key, pinpad->key.size());
 }
 
-// Without a record it is the session key whose bytes go, while its flag stays: a session that is still open goes on
-// under a key of zeros. The PAN key stays in the handle until it is closed.
 void abecs::copy_pan_key(const AbecsComm* link, AbecsWkPan& out) {
     out.type = link->wkPanType;
     std::memcpy(out.key, link->wkPanKey.data(), sizeof out.key);
@@ -172,6 +170,8 @@ void abecs::copy_pan_key(const AbecsComm* link, AbecsWkPan& out) {
 
 void abecs::expect_protected_pan(AbecsComm* link) { link->panProtected = true; }
 
+// Without a record it is the session key whose bytes go, while its flag stays: a session that is still open goes on
+// under a key of zeros. The PAN key stays in the handle until it is closed.
 void abecs_comm_set_wk_pan(AbecsComm* pinpad, const AbecsWkPan* wkPan) {
     if (refuse_null(pinpad, "pinpad is NULL")) { return; }
     pinpad->panProtected = wkPan != nullptr;

@@ -31,10 +31,10 @@ void write_text(KorBuffer* buffer, const char* data, size_t fieldLen, Charset ch
     if (refuse_null(data, "'data' is NULL")) { return; }
     size_t length = 0;
     for (; data[length] != '\0'; ++length) {
-        if (refuse_if(length == fieldLen, "Field does not have enough room for data")
-            || refuse_if(!charset.contains(data[length]), "Invalid character (0x%02X) at position %zu",
-                         codec::shown(data[length]), length)) {
-            return;
+        if (refuse_if(length == fieldLen, "Field does not have enough room for data")) { return; }
+        if (!charset.contains(data[length])) {
+            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid character (0x%02X) at position %zu",
+                         codec::shown(data[length]), length);
         }
         if (!codec::append(buffer, &data[length], 1)) { return; }
     }

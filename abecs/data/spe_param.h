@@ -19,7 +19,7 @@ enum class SpeForm : uint8_t {
     kDigits,  // a number in `width` digits
     kBinary,  // a number in `width` bytes, most significant first
     kBytes,   // `width` bytes as they are
-    kText,    // at most `width` characters
+    kText,    // `width` characters, or fewer where its command allows it
 };
 
 struct SpeParam {

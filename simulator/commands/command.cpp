@@ -60,7 +60,11 @@ constexpr std::array table{
 };
 static_assert(std::ranges::adjacent_find(table, std::ranges::greater_equal{}, &Command::id) == table.end(),
               "sorted and unique");
-static_assert(std::ranges::all_of(table, [](const Command& each) { return wire::find_command(each.id) != nullptr; }),
+static_assert(std::ranges::all_of(table,
+                                  [](const Command& each) {
+                                      return std::ranges::find(wire::allCommands, each.id, &wire::Command::id)
+                                             != wire::allCommands.end();
+                                  }),
               "known by name");
 
 constexpr size_t maxBlocks = 2;

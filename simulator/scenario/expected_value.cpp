@@ -88,7 +88,9 @@ bool ExpectedValue::is_among(const std::vector<Item>& items) const {
     return std::ranges::any_of(items, [this](const Item& item) {
         if (item.name != name) return false;
         if (how == How::kEqual) return is_equal(item, value);
-        return how == How::kPresent || !std::ranges::search(item.value, value).empty() || value.empty();
+        return how == How::kPresent
+               || std::search(item.value.begin(), item.value.end(), value.begin(), value.end()) != item.value.end()
+               || value.empty();
     });
 }
 
