@@ -92,7 +92,7 @@ void kor_buffer_delete(KorBuffer** buffer) {
 
 void kor_buffer_set_storage(KorBuffer* buffer, void* storage, uint32_t sizeStorage, bool full) {
     if (refuse_null(buffer, "buffer is NULL")
-        || refuse_if(storage == nullptr && sizeStorage != 0, "storage is NULL and sizeStorage != 0")
+        || refuse_missing(storage, sizeStorage, "storage is NULL and sizeStorage != 0")
         || refuse_if(storage != nullptr && sizeStorage == 0, "storage is not NULL but sizeStorage == 0")) {
         return;
     }

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_CORE_CHECK_H
 #define QUORVEL_CORE_CHECK_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "core/raise.h"
@@ -20,6 +21,12 @@ template <typename Pointee>
 [[nodiscard]] bool refuse_null(Pointee* pointer, const char* text) {
     if (pointer == nullptr) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
     return pointer == nullptr;
+}
+
+// Of bytes that may be none at all: a pointer that is null although they are counted.
+[[nodiscard]] inline bool refuse_missing(const void* bytes, size_t count, const char* text) {
+    if (bytes == nullptr && count != 0) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
+    return bytes == nullptr && count != 0;
 }
 
 [[nodiscard, gnu::format(printf, 2, 3)]] bool refuse_if(bool wrong, const char* detail, ...);

@@ -10,7 +10,7 @@
 using namespace kor;
 
 void* kor_collection_copy(const void* data, size_t size) {
-    if (refuse_if(data == nullptr && size != 0, "data is NULL and size != 0")) { return nullptr; }
+    if (refuse_missing(data, size, "data is NULL and size != 0")) { return nullptr; }
     if (data == nullptr) { return nullptr; }
     void* copy = kor_heap_alloc(size, 0);
     return copy != nullptr ? std::memcpy(copy, data, size) : nullptr;

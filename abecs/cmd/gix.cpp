@@ -63,7 +63,7 @@ bool refuse_ids(std::span<const int32_t> ids) {
 int32_t abecs_cmd_gix(AbecsComm* pinpad, const int32_t* idList, size_t idListSize, AbecsRspParamMap* out) {
     if (refuse_null(pinpad, "'pinpad' is NULL")
         || refuse_if(idListSize > kMaxIds, "'idListSize' (%zu) exceeds maximum allowed (64)", idListSize)
-        || refuse_if(idList == nullptr && idListSize != 0, "'idList' is NULL")) {
+        || refuse_missing(idList, idListSize, "'idList' is NULL")) {
         return kRaised;
     }
     const std::span ids(idList, idListSize);

@@ -115,10 +115,8 @@ void abecs_comm_check_busy(const AbecsComm* pinpad) { refuse_busy(pinpad); }
 
 void abecs_comm_lock(AbecsComm* pinpad, const char* cmdId) {
     if (refuse_busy(pinpad)) { return; }
-    if (refuse_if(cmdId == nullptr || *cmdId == '\0', "NULL/empty 'cmdId'")
-        || refuse_if(std::strlen(cmdId) > kMaxBlkWaitId, "'cmdId' is too long: %s", cmdId)) {
-        return;
-    }
+    if (cmdId == nullptr || *cmdId == '\0') { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "NULL/empty 'cmdId'"); }
+    if (refuse_if(std::strlen(cmdId) > kMaxBlkWaitId, "'cmdId' is too long: %s", cmdId)) { return; }
     kor_string_copy(pinpad->blkWaitId, cmdId);
 }
 

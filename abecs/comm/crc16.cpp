@@ -11,6 +11,6 @@ using namespace abecs;
 using namespace kor;
 
 void abecs_crc16(const void* data, size_t length, uint16_t* crc) {
-    if (refuse_if(data == nullptr && length != 0, "'data' is NULL") || refuse_null(crc, "'crc' is NULL")) { return; }
+    if (refuse_missing(data, length, "'data' is NULL") || refuse_null(crc, "'crc' is NULL")) { return; }
     for (const uint8_t byte : std::span(static_cast<const uint8_t*>(data), length)) { *crc = crc16_update(*crc, byte); }
 }

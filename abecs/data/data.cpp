@@ -95,7 +95,7 @@ uint32_t abecs_data_read_field_x(KorBuffer* buffer, size_t fieldLen) {
 }
 
 void abecs_data_write_field_b(KorBuffer* buffer, const void* data, size_t dataLen) {
-    if (refuse_if(data == nullptr && dataLen != 0, "'data' is NULL")) { return; }
+    if (refuse_missing(data, dataLen, "'data' is NULL")) { return; }
     kor_buffer_write(buffer, data, dataLen);
 }
 
@@ -109,7 +109,7 @@ size_t abecs_data_read_field_b(KorBuffer* buffer, void* to, size_t sizeTo, size_
 }
 
 void abecs_data_check_n_string(const char* text, const char* argName, size_t maxLen, size_t minLen) {
-    if (refuse_if(text == nullptr, "'%s' is NULL", argName)) { return; }
+    if (text == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'%s' is NULL", argName); }
     const size_t length = std::strlen(text);
     if (refuse_if(length > maxLen, "'%s' is too long (maximum: %zu, requested: %zu)", argName, maxLen, length)
         || refuse_if(length < minLen, "'%s' is too short (minimum: %zu, requested: %zu)", argName, minLen, length)) {
@@ -152,7 +152,7 @@ void abecs_data_validate_time(const AbecsTime* time) {
 }
 
 char* abecs_data_to_hex(const uint8_t* data, size_t szData, char* to, size_t sizeTo) {
-    if (refuse_if(data == nullptr && szData != 0, "'data' is NULL")
+    if (refuse_missing(data, szData, "'data' is NULL")
         || refuse_if(data != nullptr && szData == 0, "'szData' is zero")) {
         return to;
     }
@@ -175,7 +175,7 @@ uint8_t* abecs_data_from_hex(const char* hex, uint8_t* out, size_t sizeOut) {
 }
 
 uint8_t* abecs_data_from_hex2(const char* hex, size_t szHex, uint8_t* out, size_t sizeOut) {
-    if (refuse_if(hex == nullptr && szHex != 0, "'hex' is NULL")
+    if (refuse_missing(hex, szHex, "'hex' is NULL")
         || refuse_if(hex != nullptr && *hex != '\0' && szHex == 0, "'szHex' is zero")) {
         return out;
     }

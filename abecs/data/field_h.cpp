@@ -84,7 +84,7 @@ void abecs_data_write_field_h(KorBuffer* buffer, const char* data, size_t fieldL
 
 void abecs_data_write_field_h_cdata(KorBuffer* buffer, const char* data, size_t dataLen, size_t fieldLen) {
     if (refuse_if(fieldLen % 2 != 0, "fieldLen (%zu) is not even", fieldLen)
-        || refuse_if(data == nullptr && dataLen != 0, "'data' is NULL")) {
+        || refuse_missing(data, dataLen, "'data' is NULL")) {
         return;
     }
     const auto length = check_pairs(data, dataLen, fieldLen);
@@ -117,7 +117,7 @@ char* abecs_data_read_field_h(KorBuffer* buffer, char* to, size_t sizeTo, size_t
 void abecs_data_write_field_h_raw(KorBuffer* buffer, const uint8_t* data, size_t dataLen, size_t fieldLen) {
     if (refuse_if(fieldLen % 2 != 0, "fieldLen (%zu) must be even", fieldLen)
         || refuse_if(fieldLen / 2 < dataLen, "fieldLen < (dataLen * 2) ==> (%zu < (%zu * 2))", fieldLen, dataLen)
-        || refuse_if(data == nullptr && dataLen != 0, "'data' is NULL")) {
+        || refuse_missing(data, dataLen, "'data' is NULL")) {
         return;
     }
     if (!codec::append_repeated(buffer, kPadding, fieldLen / 2 - dataLen)) { return; }
