@@ -102,8 +102,8 @@ TEST_F(Gtk, EnciphersUnderAWorkingKey) {
         std::string vector;
         int32_t openDigits;
     } rows[] = {
-        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, wkDes, "1122334455667788 1122334455667788"_hex, kVector, 2},
-        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, wkTdes, "1122334455667788 9900AABBCCDDEEFF"_hex, "", 8},
+        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, wkDes, "1122334455667788 1122334455667788"_hex, kVector, 8},
+        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, wkTdes, "1122334455667788 9900AABBCCDDEEFF"_hex, "", 0},
     };
     for (const auto& row : rows) {
         set("1111", row.method, row.vector);
