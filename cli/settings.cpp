@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "cli/settings.h"
 
+#include <array>
 #include <cstdlib>
 #include <fmt/format.h>
 #include <toml++/toml.h>
@@ -57,21 +58,13 @@ void apply(Settings& settings, const fs::path& file) {
     for (const auto& [key, node] : parsed) apply(settings, file, key, node);
 }
 
+// In the order of the enumeration.
+constexpr std::array<std::string_view, 4> originNames{
+    "nowhere", "the option --port", "the environment variable QUORVEL_PORT", "the configuration file"};
+
 }  // namespace
 
-std::string_view origin_name(Origin origin) noexcept {
-    switch (origin) {
-        case Origin::kOption:
-            return "the option --port";
-        case Origin::kEnvironment:
-            return "the environment variable QUORVEL_PORT";
-        case Origin::kFile:
-            return "the configuration file";
-        case Origin::kNowhere:
-            break;
-    }
-    return "nowhere";
-}
+std::string_view origin_name(Origin origin) noexcept { return originNames[static_cast<size_t>(origin)]; }
 
 fs::path default_config() {
     if (const auto folder = environment("XDG_CONFIG_HOME")) return fs::path(*folder) / "quorvel" / "config.toml";

@@ -55,6 +55,13 @@ void require_ok(const char* id, int32_t status) {
     if (status != ABECS_RSP_STAT_ST_OK) throw StatusError(id, status);
 }
 
+constexpr auto cardTypes = std::to_array<std::pair<CardType, std::string_view>>({
+    {CardType::kStripe, "magnetic stripe"},
+    {CardType::kChip, "chip"},
+    {CardType::kContactlessStripe, "contactless, stripe data"},
+    {CardType::kContactless, "contactless"},
+});
+
 }  // namespace
 
 void read_card(Link& link, const CardRequest& request, Items& card) {
@@ -81,26 +88,14 @@ void read_card(Link& link, const CardRequest& request, Items& card) {
 }
 
 CardType card_type(const Items& card) {
-    constexpr std::array types{CardType::kStripe, CardType::kChip, CardType::kContactlessStripe,
-                               CardType::kContactless};
-    const auto* found = std::ranges::find(types, card.number(ABECS_RSP_DATID_PP_CARDTYPE).value_or(-1),
-                                          [](CardType type) { return static_cast<int>(type); });
-    if (found == types.end()) throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
-    return *found;
+    const auto* found = std::ranges::find(cardTypes, card.number(ABECS_RSP_DATID_PP_CARDTYPE).value_or(-1),
+                                          [](const auto& each) { return static_cast<int>(each.first); });
+    if (found == cardTypes.end()) throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
+    return found->first;
 }
 
 std::string card_type_words(CardType type) {
-    switch (type) {
-        case CardType::kChip:
-            return "chip";
-        case CardType::kContactlessStripe:
-            return "contactless, stripe data";
-        case CardType::kContactless:
-            return "contactless";
-        case CardType::kStripe:
-            break;
-    }
-    return "magnetic stripe";
+    return std::string(std::ranges::find(cardTypes, type, [](const auto& each) { return each.first; })->second);
 }
 
 Group card_group(const Items& card) {

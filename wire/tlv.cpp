@@ -11,10 +11,9 @@ namespace quorvel::wire {
 namespace {
 
 constexpr uint8_t longTag = 0x1F;
+// More bytes follow: of a tag another one, of a length as many as the other bits say.
 constexpr uint8_t more = 0x80;
-constexpr size_t shortLength = 0x7F;
-constexpr uint8_t lengthInOneByte = 0x81;
-constexpr uint8_t lengthInTwoBytes = 0x82;
+constexpr uint32_t mostLengthBytes = 2;
 
 void append_tag(Bytes& to, Tag tag) {
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -23,12 +22,9 @@ void append_tag(Bytes& to, Tag tag) {
 }
 
 void append_length(Bytes& to, size_t length) {
-    if (length > UINT8_MAX) {
-        to.push_back(lengthInTwoBytes);
-        to.push_back(static_cast<uint8_t>(length >> 8));
-    } else if (length > shortLength) {
-        to.push_back(lengthInOneByte);
-    }
+    const bool two = length > UINT8_MAX;
+    if (length >= more) to.push_back(two ? more | 2U : more | 1U);
+    if (two) to.push_back(static_cast<uint8_t>(length >> 8));
     to.push_back(static_cast<uint8_t>(length));
 }
 
@@ -44,9 +40,10 @@ Tag next_tag(Reader& reader) {
 
 size_t next_length(Reader& reader) {
     const uint32_t first = reader.x("length", 1);
-    if (first <= shortLength) return first;
-    if (first != lengthInOneByte && first != lengthInTwoBytes) throw LayoutError("tags: a length of too many bytes");
-    return reader.x("length", first - lengthInOneByte + 1);
+    if (first < more) return first;
+    const uint32_t bytes = first - more;
+    if (bytes == 0 || bytes > mostLengthBytes) throw LayoutError("tags: a length of too many bytes");
+    return reader.x("length", bytes);
 }
 
 }  // namespace

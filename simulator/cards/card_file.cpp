@@ -195,16 +195,8 @@ Cards Cards::from_table(TomlTable table) {
     return cards;
 }
 
-Cards Cards::from_toml(std::string_view text) {
-    const toml::table document = parse_toml(text);
-    return from_table(TomlTable(document));
-}
+Cards Cards::from_toml(std::string_view text) { return from_document<Cards>(text); }
 
-Cards Cards::from_file(const std::string& path) {
-    const std::string text = text_of_file(path);
-    try {
-        return from_toml(text);
-    } catch (const std::runtime_error& error) { throw std::runtime_error(fmt::format("{}: {}", path, error.what())); }
-}
+Cards Cards::from_file(const std::string& path) { return from_document_file<Cards>(path); }
 
 }  // namespace quorvel::sim

@@ -4,13 +4,13 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "simulator/cardholder/menu.h"
 #include "simulator/cards/emv.h"
+#include "simulator/commands/dialog.h"
 
 namespace quorvel::sim::commands {
 
@@ -29,14 +29,9 @@ struct Absence {
 constexpr Absence chipAbsence{Status::kCardappnav};
 constexpr Absence contactlessAbsence{Status::kCtlsappnav};
 
-class CardReading {
+class CardReading : public Dialog<CardRequest, CardAnswer> {
 public:
-    CardReading(Call& call, CardRequest request, CardAnswer answer)
-        : device_(call.device),
-          screen_(call.screen),
-          notify_(call.notify),
-          request_(std::move(request)),
-          answer_(std::move(answer)) {}
+    using Dialog::Dialog;
 
     // Before the wait: what the chip in the reader comes to at once.
     std::optional<Answer> begin() {
@@ -159,11 +154,6 @@ private:
         return answer_({.type = type, .card = card, .application = application, .objects = std::move(objects)});
     }
 
-    Device& device_;
-    Screen& screen_;
-    const std::function<void(std::string_view)>& notify_;
-    CardRequest request_;
-    CardAnswer answer_;
     std::vector<Application> candidates_;
     std::optional<Menu> menu_;
     bool waiting_ = false;
@@ -174,9 +164,7 @@ private:
 
 Outcome read_card(Call& call, CardRequest request, std::optional<std::chrono::seconds> limit, CardAnswer answer) {
     call.device.transaction.reset();
-    const auto reading = std::make_shared<CardReading>(call, std::move(request), std::move(answer));
-    if (const auto atOnce = reading->begin()) return *atOnce;
-    return Wait{[reading](const Event& event) { return reading->on(event); }, limit, reading->wait()};
+    return hold<CardReading>(limit, call, std::move(request), std::move(answer));
 }
 
 }  // namespace quorvel::sim::commands

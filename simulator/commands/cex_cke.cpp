@@ -127,17 +127,14 @@ struct CkeAnswer {
 }  // namespace
 
 Outcome cex(Call& call) {
-    const Params params(
-        "CEX", call.request,
-        {Params::once(spe::cexOpt), Params::at_most_once(spe::timeout), Params::at_most_once(spe::panMask)});
+    const Params params("CEX", call.request, {spe::cexOpt}, {spe::timeout, spe::panMask});
     const Awaited awaited = params.get(spe::cexOpt, cex_options);
     const PanMask mask = params.pan_mask().value_or(PanMask{});
     return await(call.device, awaited, params.timeout(), CexAnswer{mask});
 }
 
 Outcome cke(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     Awaited awaited;
     awaited.keys = fields.n("CKE_KEY", 1, {0, 1}) == 1;
     awaited.stripe = fields.n("CKE_MAG", 1, {0, 1}) == 1;

@@ -39,8 +39,7 @@ void read_pin_fields(Reader& fields, ChpRequest& request) {
 
 ChpRequest chp_request(Call& call) {
     static constexpr size_t maxCommand = 260;
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     ChpRequest request;
     request.slot = static_cast<int>(fields.n("CHP_SLOT", 1));
     request.operation = static_cast<Operation>(fields.n("CHP_OPER", 1, {0, 3}));

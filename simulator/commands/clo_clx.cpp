@@ -13,8 +13,7 @@ constexpr size_t maxDisplay = 128;
 }  // namespace
 
 Answer clo(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     Screen::Content content{.text = fields.s("CLO_MSG", messageWidth)};
     fields.end();
     call.screen.show(std::move(content));

@@ -111,6 +111,12 @@ std::optional<Answer> resume(const Command& command, const Wait& wait, const Eve
     } catch (...) { return failure(command, journal); }
 }
 
+Reader only_block(Call& call) {
+    Reader fields = call.request.block("CMD_LEN1");
+    call.request.end();
+    return fields;
+}
+
 LayoutError out_of_place(std::string_view command, uint16_t param) {
     return LayoutError(fmt::format("{}: {} 0x{:04X} has no place in it", command, param_name(param), param));
 }

@@ -76,6 +76,9 @@ struct Command {
 [[nodiscard]] std::optional<Answer> resume(const Command& command, const Wait& wait, const Event& event,
                                            Journal& journal);
 
+// What the request's block holds, which is its only one.
+[[nodiscard]] Reader only_block(Call& call);
+
 // What to throw for a parameter that the command does not take, or not again.
 [[nodiscard]] LayoutError out_of_place(std::string_view command, uint16_t param);
 

@@ -10,7 +10,7 @@
 namespace quorvel::sim::commands {
 
 Answer dsi(Call& call) {
-    const Params params("DSI", call.request, {Params::once(spe::mfName)});
+    const Params params("DSI", call.request, {spe::mfName});
     std::string name = params.get(spe::mfName, media_name);
     if (!call.device.media.has(name)) return {.status = Status::kMfnfound, .blocks = {}};
     call.screen.show({.media = std::move(name)});

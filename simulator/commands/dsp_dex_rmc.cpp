@@ -13,8 +13,7 @@ constexpr size_t messageWidth = 32;
 constexpr size_t maxLongMessage = 160;
 
 Screen::Content message(Call& call, std::string_view field) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     Screen::Content content{.text = fields.s(field, messageWidth)};
     fields.end();
     return content;
@@ -28,8 +27,7 @@ Answer dsp(Call& call) {
 }
 
 Answer dex(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     const size_t length = fields.n("DEX_MSGLEN", 3, {0, maxLongMessage});
     Screen::Content content{.text = fields.s("DEX_MSG", length, Cr::kAllowed)};
     fields.end();

@@ -54,8 +54,7 @@ Answer under_public_key(Device& device, Reader fields) {
 }  // namespace
 
 Answer dwk(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     const bool master = fields.n("DWK_MODE", 1, {1, 2}) == 1;
     return master ? under_master_key(call.device, fields) : under_public_key(call.device, fields);
 }

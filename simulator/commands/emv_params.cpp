@@ -5,16 +5,14 @@
 #include <fmt/format.h>
 
 #include "simulator/cards/emv.h"
+#include "simulator/commands/widths.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t amountDigits = 12;
 constexpr size_t maxMessage = 128;
-constexpr size_t maxTagList = 128;
-constexpr size_t maxEmvData = 512;
 
 void limit(const Reader& value, std::string_view name, size_t most) {
     if (value.left() > most) throw LayoutError(fmt::format("{}: {} bytes, at most {}", name, value.left(), most));

@@ -41,8 +41,7 @@ Request read(Reader fields) {
 
 // Once a PAN working key is loaded the host sends the data deciphered under it: that comes off first.
 Answer enb(Call& call) {
-    const Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    const Reader fields = only_block(call);
     const Request request = read(fields);
     const auto key = call.device.keys.working(request.strength, KeyUse::kData, request.index, request.workingKey);
     if (!key) return {.status = Status::kErrkey, .blocks = {}};

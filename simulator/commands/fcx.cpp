@@ -38,9 +38,7 @@ FinishRequest finish_request(const Params& params) {
 
 // Nobody is waited for: a time-out has nothing to limit.
 Answer fcx(Call& call) {
-    const Params params("FCX", call.request,
-                        {Params::once(spe::fcxOpt), Params::at_most_once(spe::arc), Params::at_most_once(spe::emvData),
-                         Params::at_most_once(spe::tagList), Params::at_most_once(spe::timeout)});
+    const Params params("FCX", call.request, {spe::fcxOpt}, {spe::arc, spe::emvData, spe::tagList, spe::timeout});
     const FinishRequest request = finish_request(params);
     const auto tags = params.find(spe::tagList, tag_list);
     static_cast<void>(params.timeout());

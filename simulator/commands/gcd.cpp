@@ -20,9 +20,7 @@ std::string prompt(uint64_t index) { return fmt::format("NUMBER {:04X}", index);
 }  // namespace
 
 Outcome gcd(Call& call) {
-    const Params params("GCD", call.request,
-                        {Params::once(spe::msgIdx), Params::once(spe::minDig), Params::once(spe::maxDig),
-                         Params::at_most_once(spe::timeout)});
+    const Params params("GCD", call.request, {spe::msgIdx, spe::minDig, spe::maxDig}, {spe::timeout});
     const uint64_t message = params.get(spe::msgIdx, [](Reader& r) { return r.x("index", 2); });
     const uint64_t fewest = params.get(spe::minDig, [](Reader& r) { return r.x("digits", 1, {0, maxDigits}); });
     const uint64_t most = params.get(spe::maxDig, [&](Reader& r) { return r.x("digits", 1, {fewest, maxDigits}); });

@@ -9,6 +9,7 @@
 #include "simulator/cards/emv.h"
 #include "simulator/commands/card_reading.h"
 #include "simulator/commands/handlers.h"
+#include "simulator/commands/widths.h"
 #include "simulator/keys/pan_cipher.h"
 #include "wire/hex.h"
 
@@ -17,9 +18,6 @@ namespace quorvel::sim::commands {
 namespace {
 
 constexpr unsigned anyType = 99;
-constexpr size_t amountDigits = 12;
-constexpr size_t versionWidth = 10;
-constexpr size_t recordIndexWidth = 2;
 constexpr size_t maxYear = 99;
 
 struct GcrRequest {
@@ -56,7 +54,7 @@ GcrRequest gcr_request(Reader& request) {
     read.card.objects[tag::amount] = bcd(fields.n("GCR_AMOUNT", amountDigits), amountDigits / 2);
     read.card.objects[tag::date] = three_numbers(fields, "GCR_DATE", {{{0, maxYear}, {1, 12}, {1, 31}}});
     read.card.objects[tag::time] = three_numbers(fields, "GCR_TIME", {{{0, 23}, {0, 59}, {0, 59}}});
-    read.version = fields.a("GCR_TABVER", versionWidth);
+    read.version = fields.a("GCR_TABVER", tableVersionWidth);
     read_records(fields, read.card);
     fields.end();
     return read;

@@ -12,6 +12,7 @@
 #include "simulator/commands/emv_params.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/commands/params.h"
+#include "simulator/commands/widths.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
@@ -21,7 +22,6 @@ namespace {
 constexpr size_t dateDigits = 6;
 constexpr size_t maxTypes = 10;
 constexpr size_t maxRecords = 128;
-constexpr size_t recordIndexWidth = 2;
 
 Bytes digits(Reader& value) { return bcd(value.n("digits", dateDigits), dateDigits / 2); }
 
@@ -106,12 +106,9 @@ Answer gcx_answer(const CardRead& read, const PanMask& mask, const std::optional
 
 Outcome gcx(Call& call) {
     const Params params(
-        "GCX", call.request,
-        {Params::once(spe::trnDate), Params::once(spe::trnTime), Params::at_most_once(spe::trnType),
-         Params::at_most_once(spe::acqRef), Params::at_most_once(spe::appType), Params::at_most_once(spe::aidList),
-         Params::at_most_once(spe::amount), Params::at_most_once(spe::cashback), Params::at_most_once(spe::trnCurr),
-         Params::at_most_once(spe::gcxOpt), Params::at_most_once(spe::panMask), Params::at_most_once(spe::emvData),
-         Params::at_most_once(spe::tagList), Params::at_most_once(spe::timeout), Params::at_most_once(spe::dspMsg)});
+        "GCX", call.request, {spe::trnDate, spe::trnTime},
+        {spe::trnType, spe::acqRef, spe::appType, spe::aidList, spe::amount, spe::cashback, spe::trnCurr, spe::gcxOpt,
+         spe::panMask, spe::emvData, spe::tagList, spe::timeout, spe::dspMsg});
     const CardRequest request = card_request(params);
     const PanMask mask = params.pan_mask().value_or(PanMask{});
     const auto tags = params.find(spe::tagList, tag_list);

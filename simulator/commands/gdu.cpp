@@ -8,8 +8,7 @@ namespace quorvel::sim::commands {
 Answer gdu(Call& call) {
     static constexpr uint64_t desMethod = 2;
     static constexpr uint64_t tdesMethod = 3;
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     const uint64_t method = fields.n("GDU_METHOD", 1, {desMethod, tdesMethod});
     const auto index = static_cast<int>(fields.n("GDU_IDX", 2));
     fields.end();

@@ -211,8 +211,7 @@ constexpr std::array subCommands{
 }  // namespace
 
 Outcome gen(Call& call) {
-    Reader envelope = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader envelope = only_block(call);
     const std::string group = envelope.a("GEN_GROUP", 2);
     Reader fields = envelope.block("GEN_LEN");
     envelope.end();

@@ -47,8 +47,7 @@ Writer acquirer(const AcquirerInfo& info) {
 }  // namespace
 
 Answer gin(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     const auto index = static_cast<int>(fields.n("GIN_ACQIDX", 2));
     fields.end();
     switch (index) {

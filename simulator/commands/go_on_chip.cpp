@@ -3,12 +3,12 @@
 #include "simulator/commands/go_on_chip.h"
 
 #include <fmt/format.h>
-#include <memory>
 #include <openssl/rand.h>
 #include <utility>
 
 #include "simulator/cardholder/digit_entry.h"
 #include "simulator/cards/emv.h"
+#include "simulator/commands/dialog.h"
 #include "simulator/commands/handlers.h"
 #include "wire/hex.h"
 
@@ -45,14 +45,9 @@ Cryptogram cryptogram(Decision decision) {
     return Cryptogram::kDeclined;
 }
 
-class GoOnChip {
+class GoOnChip : public Dialog<GoRequest, GoAnswer> {
 public:
-    GoOnChip(Call& call, GoRequest request, GoAnswer answer)
-        : device_(call.device),
-          screen_(call.screen),
-          notify_(call.notify),
-          request_(std::move(request)),
-          answer_(std::move(answer)) {
+    GoOnChip(Call& call, GoRequest request, GoAnswer answer) : Dialog(call, std::move(request), std::move(answer)) {
         for (auto& [tag, value] : request_.objects) transaction().objects.insert_or_assign(tag, std::move(value));
     }
 
@@ -73,6 +68,8 @@ public:
         ask();
         return std::nullopt;
     }
+
+    static std::string wait() { return "ENTER THE PIN"; }
 
     std::optional<Answer> on(const Event& event) {
         if (transaction().interrupted) return Answer{.status = Status::kNocard};
@@ -136,11 +133,6 @@ private:
         return answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects});
     }
 
-    Device& device_;
-    Screen& screen_;
-    const std::function<void(std::string_view)>& notify_;
-    GoRequest request_;
-    GoAnswer answer_;
     std::optional<DigitEntry> entry_;
     Verified verified_;
     std::optional<PinBlock> pin_;
@@ -159,9 +151,7 @@ std::optional<Answer> unfit_transaction(Call& call, Transaction::Stage stage, st
 }
 
 Outcome go_on_chip(Call& call, GoRequest request, std::optional<std::chrono::seconds> limit, GoAnswer answer) {
-    const auto going = std::make_shared<GoOnChip>(call, std::move(request), std::move(answer));
-    if (const auto atOnce = going->begin()) return *atOnce;
-    return Wait{[going](const Event& event) { return going->on(event); }, limit, "ENTER THE PIN"};
+    return hold<GoOnChip>(limit, call, std::move(request), std::move(answer));
 }
 
 }  // namespace quorvel::sim::commands

@@ -9,16 +9,14 @@
 #include "simulator/cards/emv.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
+#include "simulator/commands/widths.h"
 #include "wire/hex.h"
 
 namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t amountDigits = 12;
 constexpr size_t limitDigits = 8;
-constexpr size_t maxTags = 128;
-constexpr size_t maxEmvData = 512;
 
 struct GocRequest {
     GoRequest go;
@@ -77,7 +75,7 @@ size_t read_acquirer_fields(Reader& fields, unsigned acquirer, DataObjects& obje
 
 std::vector<Tag> read_tags(Reader& request, std::string_view block, std::string_view field) {
     Reader fields = request.block(block);
-    const size_t count = fields.n(field, 3, {0, maxTags});
+    const size_t count = fields.n(field, 3, {0, maxTagList});
     const Bytes tags = fields.h(field, 2 * count);
     fields.end();
     return split_tags(tags);

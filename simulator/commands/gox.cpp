@@ -84,13 +84,9 @@ Bytes known_amount(const Device& device) {
 }  // namespace
 
 Outcome gox(Call& call) {
-    const Params params(
-        "GOX", call.request,
-        {Params::once(spe::acqRef), Params::once(spe::mthdPin), Params::once(spe::keyIdx),
-         Params::at_most_once(spe::wkEnc), Params::at_most_once(spe::trnType), Params::at_most_once(spe::amount),
-         Params::at_most_once(spe::cashback), Params::at_most_once(spe::trnCurr), Params::at_most_once(spe::goxOpt),
-         Params::at_most_once(spe::dspMsg), Params::at_most_once(spe::trmPar), Params::at_most_once(spe::emvData),
-         Params::at_most_once(spe::tagList), Params::at_most_once(spe::timeout)});
+    const Params params("GOX", call.request, {spe::acqRef, spe::mthdPin, spe::keyIdx},
+                        {spe::wkEnc, spe::trnType, spe::amount, spe::cashback, spe::trnCurr, spe::goxOpt, spe::dspMsg,
+                         spe::trmPar, spe::emvData, spe::tagList, spe::timeout});
     GoRequest request;
     request.key = pin_key(params);
     request.risk = risk(params);

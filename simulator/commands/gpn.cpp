@@ -71,8 +71,7 @@ Prompt prompt(Reader& fields) {
 }
 
 PinRequest pin_request(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     PinRequest request;
     request.key.method = static_cast<int>(fields.n("GPN_METHOD", 1, {0, 3}));
     request.key.index = static_cast<int>(fields.n("GPN_KEYIDX", 2));

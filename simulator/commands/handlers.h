@@ -3,7 +3,9 @@
 #ifndef QUORVEL_SIMULATOR_COMMANDS_HANDLERS_H
 #define QUORVEL_SIMULATOR_COMMANDS_HANDLERS_H
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "simulator/commands/command.h"
@@ -56,6 +58,20 @@ Answer tlr(Call& call);
 inline Answer out_of_sequence(Call& call, std::string fault) {
     call.journal.record(Finding{Finding::Kind::kSequence, std::move(fault)});
     return {.status = Status::kInvcall, .blocks = {}};
+}
+
+// What is loaded step by step: tables or a file.
+template <typename Load>
+[[nodiscard]] std::optional<Answer> unless_begun(Call& call, const Load& load, std::string_view command) {
+    if (load.loading()) return std::nullopt;
+    return out_of_sequence(call, std::string(command) + ": no load was begun");
+}
+template <typename Load>
+Answer end_load(Call& call, Load& load, std::string_view command) {
+    if (auto unfit = unless_begun(call, load, command)) return *std::move(unfit);
+    call.request.end();
+    load.end();
+    return {};
 }
 
 }  // namespace quorvel::sim::commands

@@ -31,7 +31,7 @@ bool is_supported(const Identity& identity, uint8_t type) {
 }  // namespace
 
 Answer mli(Call& call) {
-    const Params params("MLI", call.request, {Params::once(spe::mfName), Params::once(spe::mfInfo)});
+    const Params params("MLI", call.request, {spe::mfName, spe::mfInfo});
     std::string name = params.get(spe::mfName, media_name);
     Media::Announcement file = params.get(spe::mfInfo, announcement);
     file.name = std::move(name);
@@ -45,19 +45,14 @@ Answer mli(Call& call) {
 }
 
 Answer mlr(Call& call) {
-    if (!call.device.media.loading()) return out_of_sequence(call, "MLR: no load was begun");
-    const Params params("MLR", call.request, {Params::once(spe::dataIn)});
+    if (auto unfit = unless_begun(call, call.device.media, "MLR")) return *std::move(unfit);
+    const Params params("MLR", call.request, {spe::dataIn});
     const Bytes block = params.get(spe::dataIn, [](Reader& data) { return data.b("data", data.left()); });
     if (block.empty()) throw LayoutError("MLR: no data");
     call.device.media.add(block);
     return {};
 }
 
-Answer mle(Call& call) {
-    if (!call.device.media.loading()) return out_of_sequence(call, "MLE: no load was begun");
-    call.request.end();
-    call.device.media.end();
-    return {};
-}
+Answer mle(Call& call) { return end_load(call, call.device.media, "MLE"); }
 
 }  // namespace quorvel::sim::commands

@@ -19,9 +19,7 @@ constexpr size_t maxOptions = 20;
 }  // namespace
 
 Outcome mnu(Call& call) {
-    const Params params(
-        "MNU", call.request,
-        {Params::at_most_once(spe::timeout), Params::at_most_once(spe::dspMsg), {spe::mnuOpt, 1, maxOptions}});
+    const Params params("MNU", call.request, {}, {spe::timeout, spe::dspMsg}, {{spe::mnuOpt, 1, maxOptions}});
     const auto title = params.find(spe::dspMsg, [](Reader& r) { return r.s("text", titleWidth, Cr::kAllowed); });
     auto options = params.all(spe::mnuOpt, [](Reader& r) { return r.s("text", optionWidth); });
     const auto limit = params.timeout();

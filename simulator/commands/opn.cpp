@@ -29,8 +29,7 @@ RsaPublicKey public_key(Reader fields) {
 // With data it asks for an encrypted session. Without, one that is open goes on.
 Answer opn(Call& call) {
     if (call.request.left() == 0) return {};
-    const Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    const Reader fields = only_block(call);
     return Answer::of(Writer().n(modulusSize, 3).h(call.channel.open(public_key(fields)), 2 * modulusSize));
 }
 

@@ -26,12 +26,11 @@ public:
         size_t fewest;
         size_t most;
     };
+    using Ids = std::initializer_list<uint16_t>;
 
-    static constexpr Rule once(uint16_t id) { return {id, 1, 1}; }
-    static constexpr Rule at_most_once(uint16_t id) { return {id, 0, 1}; }
-
-    // Throws LayoutError for a parameter without a rule, for one too many and for one that is missing.
-    Params(std::string_view command, Reader& request, std::initializer_list<Rule> rules);
+    // Throws LayoutError for a parameter that is not among these, for one too many and for one that is missing.
+    Params(std::string_view command, Reader& request, Ids once, Ids atMostOnce = {},
+           std::initializer_list<Rule> others = {});
 
     // What `read` makes of the whole of each parameter of that id, in their order.
     template <typename Read>

@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "simulator/commands/handlers.h"
+#include "simulator/commands/widths.h"
 
 namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t versionWidth = 10;
 // Length, TAB_ID, TAB_ACQ and TAB_RECIDX.
 constexpr size_t recordHead = 3 + 1 + 2 + 2;
 
@@ -36,29 +36,22 @@ Tables::Records read_records(Reader& fields, size_t count) try {
 }  // namespace
 
 Answer tli(Call& call) {
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    Reader fields = only_block(call);
     const auto acquirer = static_cast<int>(fields.n("TLI_ACQIDX", 2));
-    std::string version = fields.a("TLI_TABVER", versionWidth);
+    std::string version = fields.a("TLI_TABVER", tableVersionWidth);
     fields.end();
     call.device.tables.begin(acquirer, std::move(version));
     return {};
 }
 
 Answer tlr(Call& call) {
-    if (!call.device.tables.loading()) return out_of_sequence(call, "TLR: no load was begun");
-    Reader fields = call.request.block("CMD_LEN1");
-    call.request.end();
+    if (auto unfit = unless_begun(call, call.device.tables, "TLR")) return *std::move(unfit);
+    Reader fields = only_block(call);
     const size_t count = fields.n("TLR_NREC", 2);
     call.device.tables.add(read_records(fields, count));
     return {};
 }
 
-Answer tle(Call& call) {
-    if (!call.device.tables.loading()) return out_of_sequence(call, "TLE: no load was begun");
-    call.request.end();
-    call.device.tables.end();
-    return {};
-}
+Answer tle(Call& call) { return end_load(call, call.device.tables, "TLE"); }
 
 }  // namespace quorvel::sim::commands

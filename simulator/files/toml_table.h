@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <toml++/toml.h>
@@ -78,6 +79,26 @@ private:
 // Both throw std::runtime_error: with the line of what is no TOML, and with the path of what cannot be read.
 [[nodiscard]] toml::table parse_toml(std::string_view text);
 [[nodiscard]] std::string text_of_file(const std::string& path);
+
+// Calls `read`, and names the file in what it complains of.
+template <typename Read>
+[[nodiscard]] auto blaming_file(const std::string& file, Read read) {
+    try {
+        return read();
+    } catch (const std::runtime_error& error) { throw std::runtime_error(file + ": " + error.what()); }
+}
+
+// What `Whole::from_table` makes of a document, and of a file that holds one.
+template <typename Whole>
+[[nodiscard]] Whole from_document(std::string_view text) {
+    const toml::table document = parse_toml(text);
+    return Whole::from_table(TomlTable(document));
+}
+template <typename Whole>
+[[nodiscard]] Whole from_document_file(const std::string& path) {
+    const std::string text = text_of_file(path);
+    return blaming_file(path, [&] { return from_document<Whole>(text); });
+}
 
 }  // namespace quorvel::sim
 

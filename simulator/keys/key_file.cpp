@@ -78,16 +78,8 @@ KeyStore KeyStore::from_table(TomlTable keys) {
     return store;
 }
 
-KeyStore KeyStore::from_toml(std::string_view text) {
-    const toml::table document = parse_toml(text);
-    return from_table(TomlTable(document));
-}
+KeyStore KeyStore::from_toml(std::string_view text) { return from_document<KeyStore>(text); }
 
-KeyStore KeyStore::from_file(const std::string& path) {
-    const std::string text = text_of_file(path);
-    try {
-        return from_toml(text);
-    } catch (const std::runtime_error& error) { throw std::runtime_error(fmt::format("{}: {}", path, error.what())); }
-}
+KeyStore KeyStore::from_file(const std::string& path) { return from_document_file<KeyStore>(path); }
 
 }  // namespace quorvel::sim

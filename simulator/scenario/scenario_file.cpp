@@ -162,11 +162,9 @@ Scenario read(std::string_view text, const fs::path& folder) {
 }
 
 Scenario read_of(const std::string& file, std::string_view text, const fs::path& folder) {
-    try {
-        Scenario scenario = read(text, folder);
-        scenario.file = file;
-        return scenario;
-    } catch (const std::runtime_error& error) { throw std::runtime_error(fmt::format("{}: {}", file, error.what())); }
+    Scenario scenario = blaming_file(file, [&] { return read(text, folder); });
+    scenario.file = file;
+    return scenario;
 }
 
 }  // namespace

@@ -95,14 +95,9 @@ TEST(Cards, AreReadWhole) {
     const Contactless& antenna = *card.contactless;
     EXPECT_EQ(std::tuple(antenna.stripeData, antenna.verification, antenna.fault),
               std::tuple(true, Verification::kSignature, Status::kCtlsifchg));
-    EXPECT_EQ(card.objects(), (DataObjects{{0x57, from_hex("41D30F")},
-                                           {0x5A, from_hex("4111111111111111")},
-                                           {0x82, from_hex("3800")},
-                                           {0x5F20, to_bytes("A/B")},
-                                           {0x5F24, from_hex("301231")},
-                                           {0x5F28, from_hex("0076")},
-                                           {0x5F30, from_hex("0206")},
-                                           {0x5F34, from_hex("07")}}));
+    EXPECT_EQ(
+        card.objects(),
+        decode(from_hex("570341D30F5A084111111111111111820238005F2003412F425F24033012315F280200765F300202065F340107")));
     EXPECT_FALSE(cards.at("b").chip || cards.at("b").contactless || cards.at("b").has_stripe());
     EXPECT_EQ(cards.at("b").objects().at(0x5A), from_hex("41"));
 }

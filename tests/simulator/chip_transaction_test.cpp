@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-
 #include "tests/simulator/fixture.h"
 
 // PIN blocks are of the openssl program, under the working key 11223344556677889900AABBCCDDEEFF or by DUKPT.

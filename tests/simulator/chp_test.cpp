@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-
 #include "tests/simulator/fixture.h"
 
 namespace quorvel::sim {
 
 namespace {
-
-const std::string select = "00A4040007A000000004101000";
-const std::string selected = "6F178407A0000000041010A50C500A4D4153544552434152449000";
 
 class ChpTest : public PinPadTest {
 protected:
@@ -21,6 +17,8 @@ protected:
 };
 
 TEST_F(ChpTest, PowersAChipAndSpeaksToIt) {
+    const std::string select = "00A4040007A000000004101000";
+    const std::string selected = "6F178407A0000000041010A50C500A4D4153544552434152449000";
     call("CHP00501000", "CHP0000210093B6500002063CB6800");
     call("CHP03102013" + select, "CHP000057027" + selected);
     call("CHP0110200300B201", "CHP0000070026700");

@@ -2,13 +2,10 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <chrono>
-#include <ctime>
-#include <future>
 #include <stdexcept>
 
 #include "simulator/faults/fault_plan.h"
 #include "tests/simulator/fixture.h"
-#include "tests/support/elapsed.h"
 
 using namespace std::chrono_literals;
 

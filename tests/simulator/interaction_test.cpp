@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-
 #include "simulator/cards/pan_mask.h"
 #include "tests/simulator/fixture.h"
 #include "wire/hex.h"

@@ -52,23 +52,25 @@ TEST(ScenarioFile, SaysWhatIsWrongAndWhere) {
         {expect("command = 'GCX'\nstatus = 'FINE'"), "line 4: expect.status: there is no status \"FINE\""},
         {expect("command = 'GCX'\ntimes = 0"), "line 4: expect.times: 0 is not from 1 to 1000000"},
         {expect("command = 'GCX'\nwith = 1"), "line 4: expect.with: no list of texts"},
-        {expect("command = 'GCX'\nwith = 'SPE_AMONT'"), "line 4: expect.with: there is no \"SPE_AMONT\" in GCX"},
         {expect("command = ['GIN', 'GCX']\nwith = ['GIN_ACQIDX', 'DSP_MSG']"),
          "line 4: expect.with: there is no \"DSP_MSG\" in GIN or GCX"},
-        {expect("command = 'GCX'\nwith = 'SPE_AMOUNT=10'"),
-         "line 4: expect.with: 10 is no text between quotation marks"},
-        {expect("command = 'GCX'\nwith = 'SPE_AMOUNT=\"10'"),
-         "line 4: expect.with: \"10 is no text between quotation marks"},
         {expect("command = 'GCX'\nwithout = 'SPE_ACQREF='"), "line 4: expect.without: no value"},
-        {expect("command = 'GCX'\nwith = 'SPE_TIMEOUT=\"60\"'"), "line 4: expect.with: \"60\" is no number"},
-        {expect("command = 'GCX'\nwith = 'SPE_TIMEOUT~60'"),
-         "line 4: expect.with: SPE_TIMEOUT is a number, which contains nothing"},
         {expect("command = 'GIX'\nwith = 'SPE_IDLIST=800'"),
          "line 4: expect.with: an odd number of hexadecimal digits"},
         {"title =", "line 1: "},
     };
     for (const auto& [text, due] : cases) {
         EXPECT_EQ(fault_of(text).substr(0, due.size() + 8), "s.toml: " + due) << text;
+    }
+    for (const auto& [with, due] : {
+             std::pair("SPE_AMONT", "there is no \"SPE_AMONT\" in GCX"),
+             {"SPE_AMOUNT=10", "10 is no text between quotation marks"},
+             {"SPE_AMOUNT=\"10", "\"10 is no text between quotation marks"},
+             {"SPE_TIMEOUT=\"60\"", "\"60\" is no number"},
+             {"SPE_TIMEOUT~60", "SPE_TIMEOUT is a number, which contains nothing"},
+         }) {
+        const std::string fault = fault_of(expect("command = 'GCX'\nwith = '"s + with + "'"));
+        EXPECT_EQ(fault, "s.toml: line 4: expect.with: "s + due);
     }
     EXPECT_THROW(static_cast<void>(Scenario::find("chip-online")), std::runtime_error);
 }
@@ -88,6 +90,8 @@ TEST(ScenarioFile, IsAsTheGuideHasIt) {
     }
     EXPECT_GT(count, 3);
 }
+
+std::string want(const std::string& command) { return "[[expect]]\ncommand = " + command; }
 
 struct Answered {
     std::string request;
@@ -125,33 +129,31 @@ TEST(Judge, LetsPassWhatIsExpected) {
 TEST(Judge, TellsWhatCameInstead) {
     const std::string go = "[[expect]]\ncommand = 'GKY'\n[[expect]]\ncommand = ['GIN', 'GIX']\nstatus = 'OK'\n";
     const std::tuple<std::string, std::vector<Answered>, std::string> cases[]{
-        {go, {{"GKY", 0}, {"GIN", 13}}, "s.toml:4: GIN was answered with 013 CANCEL, not with 000 OK"},
-        {go, {{"GKY", 0}, {"GIX", {}}}, "s.toml:4: GIX was answered with nothing, not with 000 OK"},
+        {go, {{"GKY", 0}, {"GIN", 13}}, ":4: GIN was answered with 013 CANCEL, not with 000 OK"},
+        {go, {{"GKY", 0}, {"GIX", {}}}, ":4: GIX was answered with nothing, not with 000 OK"},
         {go,
          {{"GIN", 0}, {"GKY", 0}, {"DSP", 0}, {"CLO", 0}},
-         "s.toml:4: expected once: GIN or GIX, answered with 000 OK; it came never, and DSP, CLO instead"},
-        {go, {}, "s.toml:2: expected once: GKY; it came never, and nothing instead"},
-        {"[[expect]]\ncommand = 'GKY'\ntimes = 3",
-         {{"GKY", 0}},
-         "s.toml:2: expected 3 times: GKY; it came once, and nothing instead"},
-        {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_ACQREF'",
+         ":4: expected once: GIN or GIX, answered with 000 OK; it came never, and DSP, CLO instead"},
+        {go, {}, ":2: expected once: GKY; it came never, and nothing instead"},
+        {want("'GKY'\ntimes = 3"), {{"GKY", 0}}, ":2: expected 3 times: GKY; it came once, and nothing instead"},
+        {want("'GCX'\nwith = 'SPE_ACQREF'"),
          {{amount + "10000", 0}},
-         "s.toml:2: GCX came without SPE_ACQREF, as GCX read a card: SPE_AMOUNT: 5 bytes withheld"},
-        {"[[expect]]\ncommand = 'GIN'\nwithout = 'GIN_ACQIDX=\"00\"'",
-         {{"GIN00200", 0}},
-         "s.toml:2: GIN came with GIN_ACQIDX=\"00\""},
-        {"[[expect]]\ncommand = 'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'",
+         ":2: GCX came without SPE_ACQREF, as GCX read a card: SPE_AMOUNT: 5 bytes withheld"},
+        {want("'GIN'\nwithout = 'GIN_ACQIDX=\"00\"'"), {{"GIN00200", 0}}, ":2: GIN came with GIN_ACQIDX=\"00\""},
+        {want("'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'"),
          {{amount + "20000", 0}},
-         "s.toml:2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""},
-        {"[[expect]]\ncommand = 'DSP'\nanywhere = true\nstatus = 'OK'",
+         ":2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""},
+        {want("'DSP'\nanywhere = true\nstatus = 'OK'"),
          {{"DSP", 11}, {"GIN", 0}},
-         "s.toml:2: expected at least once: DSP, answered with 000 OK; it came never; the last DSP was answered with "
+         ":2: expected at least once: DSP, answered with 000 OK; it came never; the last DSP was answered with "
          "011 INVPARM, not with 000 OK"},
-        {"[[expect]]\ncommand = 'CLO'\nanywhere = true\ntimes = 0",
+        {want("'CLO'\nanywhere = true\ntimes = 0"),
          {{"CLO", 0}, {"CLO", 0}},
-         "s.toml:2: expected never: CLO; it came 2 times"},
+         ":2: expected never: CLO; it came 2 times"},
     };
-    for (const auto& [text, commands, due] : cases) { EXPECT_EQ(judged(text, commands), Complaints{due}) << text; }
+    for (const auto& [text, commands, due] : cases) {
+        EXPECT_EQ(judged(text, commands), Complaints{"s.toml" + due}) << text;
+    }
     EXPECT_EQ(judged("[[finding]]\ntext = 'late'", {}, {{Finding::Kind::kLayout, "GIN: short"}}),
               (Complaints{"unexpected finding (layout): GIN: short",
                           "s.toml:2: expected the finding \"late\"; it never came"}));

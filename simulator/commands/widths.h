@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_SIMULATOR_COMMANDS_WIDTHS_H
+#define QUORVEL_SIMULATOR_COMMANDS_WIDTHS_H
+
+#include <cstddef>
+
+// The widths of what several commands carry.
+namespace quorvel::sim::commands {
+
+inline constexpr size_t amountDigits = 12;
+inline constexpr size_t tableVersionWidth = 10;
+inline constexpr size_t recordIndexWidth = 2;
+inline constexpr size_t maxTagList = 128;
+inline constexpr size_t maxEmvData = 512;
+
+}  // namespace quorvel::sim::commands
+
+#endif
