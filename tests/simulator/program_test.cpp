@@ -94,7 +94,8 @@ TEST_F(ProgramTest, IsControlledThroughASocketAndTellsWhereItReturns) {
     program.ready();
     ControlClient client(socket);
     EXPECT_EQ(client.ask(R"({"do":"hang-up","ms":1})"), R"({"ok":true})");
-    EXPECT_EQ(fs::read_symlink(link_), program.ready());
+    const std::string returned = program.ready();
+    EXPECT_EQ(fs::read_symlink(link_), returned);
     expect_alive(link_);
     EXPECT_EQ(client.ask(R"({"do":"stop"})"), R"({"ok":true})");
     EXPECT_EQ(program.wait(), 0);
