@@ -8,7 +8,7 @@ namespace quorvel::cli {
 
 namespace {
 
-constexpr std::array table{
+constexpr std::array kTable{
     Command{"ports", "List the serial ports", setup::ports},
     Command{"doctor", "Find out why the PIN pad does not answer", setup::doctor},
     Command{"info", "Tell what the PIN pad is", setup::info},
@@ -33,7 +33,7 @@ constexpr std::array table{
 
 }  // namespace
 
-std::span<const Command> commands() noexcept { return table; }
+std::span<const Command> commands() noexcept { return kTable; }
 
 std::string_view group_summary(std::string_view group) noexcept {
     return group == "tables" ? "Acquirer tables" : "Media files of the display";

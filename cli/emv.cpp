@@ -52,7 +52,7 @@ struct ResultBit {
     std::string_view meaning;
 };
 
-constexpr std::array resultBits{
+constexpr std::array kResultBits{
     ResultBit{0, 0x80, "no offline data authentication"},
     ResultBit{0, 0x40, "static data authentication failed"},
     ResultBit{0, 0x20, "chip data missing"},
@@ -83,7 +83,7 @@ constexpr std::array resultBits{
 
 std::string results_meaning(wire::ByteView value) {
     std::string text;
-    for (const ResultBit& each : resultBits) {
+    for (const ResultBit& each : kResultBits) {
         if (each.byte >= value.size() || (value[each.byte] & each.bit) == 0) continue;
         text += (text.empty() ? "" : ", ") + std::string(each.meaning);
     }
@@ -94,11 +94,11 @@ std::string results_meaning(wire::ByteView value) {
 std::string meaning_of(const wire::Item& object) {
     if (object.value.empty()) return "";
     switch (object.id) {
-        case wire::tag::terminalResults:
+        case wire::tag::kTerminalResults:
             return results_meaning(object.value);
-        case wire::tag::cryptogramInformation:
+        case wire::tag::kCryptogramInformation:
             return std::string(cryptogram_meaning(object.value.front()));
-        case wire::tag::verificationResults:
+        case wire::tag::kVerificationResults:
             return std::string(verification_meaning(object.value.front()));
         default:
             return "";

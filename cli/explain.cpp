@@ -12,12 +12,12 @@ namespace quorvel::cli {
 
 namespace {
 
-constexpr std::string_view retry = "Try again.";
-constexpr std::string_view chipCare =
+constexpr std::string_view kRetry = "Try again.";
+constexpr std::string_view kChipCare =
     "Insert the card again, chip first, and leave it there; if that fails, try another.";
-constexpr std::string_view tapCare = "Hold the card still on the reader, or insert it.";
-constexpr std::string_view loadTables = "Load tables that fit the card and the acquirer: quorvel tables load FILE";
-constexpr std::string_view loadKey = "See which keys are there with `quorvel keys`, and name one that is.";
+constexpr std::string_view kTapCare = "Hold the card still on the reader, or insert it.";
+constexpr std::string_view kLoadTables = "Load tables that fit the card and the acquirer: quorvel tables load FILE";
+constexpr std::string_view kLoadKey = "See which keys are there with `quorvel keys`, and name one that is.";
 
 struct Row {
     wire::Status status;
@@ -25,7 +25,7 @@ struct Row {
     std::string_view remedy = {};
 };
 
-constexpr std::array statuses{
+constexpr std::array kStatuses{
     Row{wire::Status::kOk, "done"},
     Row{wire::Status::kNosec, "the command must not travel in clear", "Use an encrypted session: --secure"},
     Row{wire::Status::kF1, "the key F1 was pressed"},
@@ -33,68 +33,68 @@ constexpr std::array statuses{
     Row{wire::Status::kF3, "the key F3 was pressed"},
     Row{wire::Status::kF4, "the key F4 was pressed"},
     Row{wire::Status::kBacksp, "the key CLEAR was pressed"},
-    Row{wire::Status::kErrpktsec, "the PIN pad cannot decipher what it was sent", retry},
+    Row{wire::Status::kErrpktsec, "the PIN pad cannot decipher what it was sent", kRetry},
     Row{wire::Status::kInvcall, "the PIN pad does not take this command, or not now",
         "See with `quorvel info` what the PIN pad can do; it may be too old for this command."},
     Row{wire::Status::kInvparm, "the PIN pad does not take one of the values", "Check the options of the command."},
     Row{wire::Status::kTimeout, "nobody acted in time", "Be at the PIN pad, or wait longer with --timeout."},
     Row{wire::Status::kCancel, "the cardholder pressed CANCEL"},
     Row{wire::Status::kMandat, "a value that the PIN pad needs is missing", "Check the options of the command."},
-    Row{wire::Status::kTabverdif, "the PIN pad has other tables than were expected", loadTables},
+    Row{wire::Status::kTabverdif, "the PIN pad has other tables than were expected", kLoadTables},
     Row{wire::Status::kTaberr, "the tables lack what is needed, or are refused",
         "Load tables that fit the card: quorvel tables load FILE; quorvel-tables(5) describes the file."},
     Row{wire::Status::kInterr, "the PIN pad has failed by itself", "Try again; if it stays, restart the PIN pad."},
     Row{wire::Status::kMcdataerr, "the stripe could not be read", "Swipe the card again, steadily."},
-    Row{wire::Status::kErrkey, "there is no such key in the PIN pad", loadKey},
+    Row{wire::Status::kErrkey, "there is no such key in the PIN pad", kLoadKey},
     Row{wire::Status::kNocard, "there is no card", "Insert the card and leave it there."},
     Row{wire::Status::kPinbusy, "a PIN was entered only just now", "Wait half a minute: PINs are only so often taken."},
     Row{wire::Status::kRspovrfl, "the answer is too long for the protocol", "Ask for less at once."},
-    Row{wire::Status::kErrcrypt, "enciphering has failed in the PIN pad", retry},
+    Row{wire::Status::kErrcrypt, "enciphering has failed in the PIN pad", kRetry},
     Row{wire::Status::kNosam, "there is no security module in that slot"},
-    Row{wire::Status::kDumbcard, "the chip does not answer", chipCare},
-    Row{wire::Status::kErrcard, "speaking to the chip has failed", chipCare},
+    Row{wire::Status::kDumbcard, "the chip does not answer", kChipCare},
+    Row{wire::Status::kErrcard, "speaking to the chip has failed", kChipCare},
     Row{wire::Status::kCardinvalidat, "the card is invalidated", "The card cannot be used; take another."},
     Row{wire::Status::kCardproblems, "the card's data contradict each other", "Take another card."},
     Row{wire::Status::kCardinvdata, "the card's data are not as they should be", "Take another card."},
-    Row{wire::Status::kCardappnav, "the card has no application that the tables know", loadTables},
+    Row{wire::Status::kCardappnav, "the card has no application that the tables know", kLoadTables},
     Row{wire::Status::kCardappnaut, "the card's application may not be used here", "Take another card."},
     Row{wire::Status::kErrfallback, "the chip has failed and the stripe may be used", "Swipe the card."},
     Row{wire::Status::kInvamount, "the amount is not allowed", "Try another amount."},
     Row{wire::Status::kErrmaxaid, "the card has more applications than the PIN pad can hold", "Take another card."},
     Row{wire::Status::kCardblocked, "the card is blocked", "The card cannot be used; take another."},
     Row{wire::Status::kCtlsmultiple, "there is more than one card on the reader", "Hold out one card only."},
-    Row{wire::Status::kCtlscommerr, "speaking to the contactless card has failed", tapCare},
+    Row{wire::Status::kCtlscommerr, "speaking to the contactless card has failed", kTapCare},
     Row{wire::Status::kCtlsinvalidat, "the contactless card is invalidated", "Take another card."},
     Row{wire::Status::kCtlsproblems, "the contactless card's data contradict each other", "Insert the card."},
-    Row{wire::Status::kCtlsappnav, "the contactless card has no application that the tables know", loadTables},
+    Row{wire::Status::kCtlsappnav, "the contactless card has no application that the tables know", kLoadTables},
     Row{wire::Status::kCtlsappnaut, "the contactless card's application may not be used here", "Insert the card."},
     Row{wire::Status::kCtlsextcvm, "the cardholder must confirm on the own device", "Look at the phone, tap again."},
     Row{wire::Status::kCtlsifchg, "the card wants to be inserted or swiped", "Insert or swipe the card."},
     Row{wire::Status::kMfnfound, "there is no such media file", "See the names with `quorvel media list`."},
     Row{wire::Status::kMferrfmt, "the PIN pad does not take media files of this format",
         "See with `quorvel info` which formats it takes."},
-    Row{wire::Status::kMferr, "loading the media file has failed", retry},
+    Row{wire::Status::kMferr, "loading the media file has failed", kRetry},
 };
-static_assert(std::ranges::is_sorted(statuses, {}, &Row::status));
+static_assert(std::ranges::is_sorted(kStatuses, {}, &Row::status));
 
 // What only the library says.
-constexpr std::array ownStatuses{
+constexpr std::array kOwnStatuses{
     StatusMeaning{-2, "NOTIFICATION", "the PIN pad tells something meanwhile", ""},
     StatusMeaning{-1, "PROCESSING", "the PIN pad is still at it", ""},
 };
 
-constexpr std::string_view whichPort =
+constexpr std::string_view kWhichPort =
     "See what is there with `quorvel ports`, and check the port with `quorvel doctor`.";
-constexpr std::string_view isItOn =
+constexpr std::string_view kIsItOn =
     "Check that the PIN pad is on, connected to this port and used by no other program: quorvel doctor";
-constexpr std::string_view report = "This is a fault of quorvel: please report it.";
+constexpr std::string_view kReport = "This is a fault of quorvel: please report it.";
 
-constexpr std::array errors{
+constexpr std::array kErrors{
     ErrorMeaning{KOR_RESULT_ILLEGAL_ARGUMENT, Exit::kUsage, ""},
     ErrorMeaning{KOR_RESULT_INDEX_OUT_OF_BOUNDS, Exit::kUsage, ""},
-    ErrorMeaning{KOR_RESULT_IO_ERROR, Exit::kLink, isItOn},
-    ErrorMeaning{KOR_RESULT_TIMEOUT_ERROR, Exit::kLink, isItOn},
-    ErrorMeaning{KOR_RESULT_FILE_NOT_FOUND, Exit::kPort, whichPort},
+    ErrorMeaning{KOR_RESULT_IO_ERROR, Exit::kLink, kIsItOn},
+    ErrorMeaning{KOR_RESULT_TIMEOUT_ERROR, Exit::kLink, kIsItOn},
+    ErrorMeaning{KOR_RESULT_FILE_NOT_FOUND, Exit::kPort, kWhichPort},
     ErrorMeaning{KOR_RESULT_DEVICE_BUSY, Exit::kPort, "Another program uses the port; `quorvel doctor` tells which."},
     ErrorMeaning{KOR_RESULT_PERMISSION_DENIED, Exit::kPort,
                  "You may not open the port; `quorvel doctor` tells what to do about it."},
@@ -105,18 +105,18 @@ constexpr std::array errors{
 }  // namespace
 
 StatusMeaning explain_status(int32_t code) noexcept {
-    const auto* found = std::ranges::lower_bound(statuses, static_cast<wire::Status>(code), {}, &Row::status);
-    if (found != statuses.end() && static_cast<int32_t>(found->status) == code) {
+    const auto* found = std::ranges::lower_bound(kStatuses, static_cast<wire::Status>(code), {}, &Row::status);
+    if (found != kStatuses.end() && static_cast<int32_t>(found->status) == code) {
         return {code, wire::status_name(code), found->meaning, found->remedy};
     }
-    const auto* own = std::ranges::find(ownStatuses, code, &StatusMeaning::code);
-    if (own != ownStatuses.end()) return *own;
+    const auto* own = std::ranges::find(kOwnStatuses, code, &StatusMeaning::code);
+    if (own != kOwnStatuses.end()) return *own;
     return {code, "UNKNOWN", "no status that the protocol has", ""};
 }
 
 ErrorMeaning explain_error(int16_t code) noexcept {
-    const auto* found = std::ranges::find(errors, code, &ErrorMeaning::code);
-    return found != errors.end() ? *found : ErrorMeaning{code, Exit::kInternal, report};
+    const auto* found = std::ranges::find(kErrors, code, &ErrorMeaning::code);
+    return found != kErrors.end() ? *found : ErrorMeaning{code, Exit::kInternal, kReport};
 }
 
 }  // namespace quorvel::cli

@@ -25,8 +25,8 @@ std::sig_atomic_t now() {
 
 // Whoever sends a signal to a process and to its group, as timeout(1) does, means it once.
 void end_if_meant_again(int signal) {
-    constexpr std::sig_atomic_t patience = 2;
-    if (now() - receivedAt < patience) return;
+    constexpr std::sig_atomic_t kPatience = 2;
+    if (now() - receivedAt < kPatience) return;
     std::signal(signal, SIG_DFL);
     static_cast<void>(raise(signal));
 }
@@ -36,8 +36,8 @@ void remember(int signal) {
     received = signal;
     receivedAt = now();
     // Waiting for the PIN pad ends within two seconds; until then the user should know that the key was heard.
-    constexpr std::string_view heard = "\nStopping...\n";
-    if (isatty(STDERR_FILENO) == 1) static_cast<void>(!write(STDERR_FILENO, heard.data(), heard.size()));
+    constexpr std::string_view kHeard = "\nStopping...\n";
+    if (isatty(STDERR_FILENO) == 1) static_cast<void>(!write(STDERR_FILENO, kHeard.data(), kHeard.size()));
 }
 
 }  // namespace

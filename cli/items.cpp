@@ -28,14 +28,14 @@ bool is_printable(std::span<const uint8_t> bytes) {
 
 // Whatever the value is, its name is one that the library knows.
 const std::map<std::string, uint16_t>& names() {
-    static const auto all = [] {
+    static const auto kAll = [] {
         std::map<std::string, uint16_t> known;
         for (uint16_t id = ABECS_RSP_DATID_PP_SERNUM; id <= ABECS_RSP_DATID_PP_TABVER99; ++id) {
             if (std::string name = item_name(id); !name.starts_with("0x")) known.emplace(std::move(name), id);
         }
         return known;
     }();
-    return all;
+    return kAll;
 }
 
 }  // namespace
@@ -64,10 +64,10 @@ Value value_of(const wire::Item& item) {
 
 // A family's name is a text that the next call overwrites, so it is copied at once.
 std::string item_name(uint16_t id) {
-    constexpr std::string_view prefix = "ABECS_RSP_DATID_";
+    constexpr std::string_view kPrefix = "ABECS_RSP_DATID_";
     try {
         const std::string name = call([id] { return abecs_rsp_dat_id_to_string(static_cast<AbecsRspDatId_E>(id)); });
-        return name.starts_with(prefix) ? name.substr(prefix.size()) : name;
+        return name.starts_with(kPrefix) ? name.substr(kPrefix.size()) : name;
     } catch (const LibraryError&) { return fmt::format("0x{:04X}", id); }
 }
 

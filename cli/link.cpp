@@ -12,7 +12,7 @@ namespace quorvel::cli {
 
 namespace {
 
-constexpr size_t shortMessage = 32;
+constexpr size_t kShortMessage = 32;
 
 std::string required_port(const Settings& settings) {
     if (!settings.port.empty()) return settings.port;
@@ -68,7 +68,7 @@ void Link::close_session() {
     const char* text = lastText_.c_str();
     const char* image = lastImage_.empty() ? nullptr : lastImage_.c_str();
     const bool simple =
-        image == nullptr && lastText_.size() <= shortMessage && lastText_.find('\r') == std::string::npos;
+        image == nullptr && lastText_.size() <= kShortMessage && lastText_.find('\r') == std::string::npos;
     const int32_t status =
         call([&] { return simple ? abecs_cmd_clo(pinPad_, text) : abecs_cmd_clx(pinPad_, text, image); });
     require_ok(simple ? "CLO" : "CLX", status);

@@ -16,8 +16,8 @@ namespace quorvel::cli {
 
 namespace {
 
-constexpr int formatVersion = 1;
-constexpr size_t step = 2;
+constexpr int kFormatVersion = 1;
+constexpr size_t kStep = 2;
 
 template <typename... Cases>
 struct Overloaded : Cases... {
@@ -69,14 +69,14 @@ void write_line(std::FILE* to, std::string_view text) {
 
 // Short numbers would show too much with ten digits in clear.
 std::string Output::shown(const Pan& pan) const {
-    constexpr size_t leading = 6;
-    constexpr size_t trailing = 4;
-    constexpr size_t shortest = 13;
+    constexpr size_t kLeading = 6;
+    constexpr size_t kTrailing = 4;
+    constexpr size_t kShortest = 13;
     const std::string& digits = pan.digits;
     if (style_.reveal) return printable(digits);
-    if (digits.size() < shortest) return std::string(digits.size(), '*');
-    return printable(digits.substr(0, leading)) + std::string(digits.size() - leading - trailing, '*')
-           + printable(digits.substr(digits.size() - trailing));
+    if (digits.size() < kShortest) return std::string(digits.size(), '*');
+    return printable(digits.substr(0, kLeading)) + std::string(digits.size() - kLeading - kTrailing, '*')
+           + printable(digits.substr(digits.size() - kTrailing));
 }
 
 std::string Output::shown(const Secret& secret) const {
@@ -138,7 +138,7 @@ Output::Json Output::json_of(const Table& table) const {
 }
 
 Output::Json Output::envelope(Exit exit) const {
-    return Json{{"quorvel", formatVersion},
+    return Json{{"quorvel", kFormatVersion},
                 {"command", style_.command},
                 {"ok", exit == Exit::kOk},
                 {"exit", static_cast<int>(exit)}};
@@ -157,9 +157,9 @@ void Output::print(const Group& group, size_t indent, std::string& to) const {
         }
         to += fmt::format("{}{}\n", margin, field.label);
         if (const auto* inner = std::get_if<Group>(&field.value.data)) {
-            print(*inner, indent + step, to);
+            print(*inner, indent + kStep, to);
         } else {
-            print(std::get<Table>(field.value.data), indent + step, to);
+            print(std::get<Table>(field.value.data), indent + kStep, to);
         }
     }
 }
@@ -187,10 +187,10 @@ void Output::notice(std::string_view text) const {
 }
 
 void Output::progress(std::string_view label, uint64_t done, uint64_t total) const {
-    constexpr uint64_t cells = 30;
+    constexpr uint64_t kCells = 30;
     if (style_.json || isatty(STDERR_FILENO) != 1) return;
-    const uint64_t filled = total == 0 ? cells : done * cells / total;
-    fmt::print(stderr, "\r{} [{:<{}}] {:>3}%{}", label, std::string(filled, '#'), cells,
+    const uint64_t filled = total == 0 ? kCells : done * kCells / total;
+    fmt::print(stderr, "\r{} [{:<{}}] {:>3}%{}", label, std::string(filled, '#'), kCells,
                total == 0 ? 100 : done * 100 / total, done == total ? "\n" : "");
     std::fflush(stderr);
 }

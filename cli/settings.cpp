@@ -59,12 +59,12 @@ void apply(Settings& settings, const fs::path& file) {
 }
 
 // In the order of the enumeration.
-constexpr std::array<std::string_view, 4> originNames{
+constexpr std::array<std::string_view, 4> kOriginNames{
     "nowhere", "the option --port", "the environment variable QUORVEL_PORT", "the configuration file"};
 
 }  // namespace
 
-std::string_view origin_name(Origin origin) noexcept { return originNames[static_cast<size_t>(origin)]; }
+std::string_view origin_name(Origin origin) noexcept { return kOriginNames[static_cast<size_t>(origin)]; }
 
 fs::path default_config() {
     if (const auto folder = environment("XDG_CONFIG_HOME")) return fs::path(*folder) / "quorvel" / "config.toml";

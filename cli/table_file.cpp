@@ -15,10 +15,10 @@ namespace quorvel::cli {
 
 namespace {
 
-constexpr size_t headWidth = 8;
-constexpr size_t batchWidth = 997;
-constexpr size_t batchRecords = 99;
-constexpr size_t versionWidth = 10;
+constexpr size_t kHeadWidth = 8;
+constexpr size_t kBatchWidth = 997;
+constexpr size_t kBatchRecords = 99;
+constexpr size_t kVersionWidth = 10;
 
 std::optional<int> digits(std::string_view text) {
     int value = 0;
@@ -55,7 +55,7 @@ private:
         if (line.empty() || line.front() == '#') return;
         if (line.starts_with("version ")) {
             file_.version = line.substr(line.find(' ') + 1);
-            if (file_.version.empty() || file_.version.size() > versionWidth) fail("a version has 1 to 10 characters");
+            if (file_.version.empty() || file_.version.size() > kVersionWidth) fail("a version has 1 to 10 characters");
         } else if (line.starts_with("acquirer ")) {
             const auto acquirer = digits(line.substr(line.find(' ') + 1));
             if (!acquirer || *acquirer > 99) fail("an acquirer is a number from 0 to 99");
@@ -66,7 +66,7 @@ private:
     }
 
     void record(std::string_view line) {
-        if (line.size() < headWidth) fail(fmt::format("a record has at least {} characters", headWidth));
+        if (line.size() < kHeadWidth) fail(fmt::format("a record has at least {} characters", kHeadWidth));
         const auto length = digits(line.substr(0, 3));
         if (!length || !digits(line.substr(3, 3))) {
             fail("a record begins with its length (3 digits), its table (1), its acquirer (2) and its index (2)");
@@ -75,15 +75,15 @@ private:
             fail(fmt::format("the record says that it has {} characters, but it has {}", *length, line.size()));
         }
         // It may be longer than a batch can be, though no batch holds it then.
-        if (line.size() > batchWidth) fail(fmt::format("a record has at most {} characters", batchWidth));
+        if (line.size() > kBatchWidth) fail(fmt::format("a record has at most {} characters", kBatchWidth));
         const auto [first, added] = lines_.emplace(line.substr(3, 5), number_);
         if (!added) fail(fmt::format("the same table, acquirer and index as in line {}", first->second));
         add(line);
     }
 
     void add(std::string_view line) {
-        const bool full = inLast_ == batchRecords
-                          || (!file_.batches.empty() && file_.batches.back().size() + line.size() > batchWidth);
+        const bool full = inLast_ == kBatchRecords
+                          || (!file_.batches.empty() && file_.batches.back().size() + line.size() > kBatchWidth);
         if (file_.batches.empty() || full) {
             file_.batches.emplace_back();
             inLast_ = 0;

@@ -36,13 +36,13 @@ AbecsTagList tag_list(const std::array<uint8_t, size>& tags) {
 
 // What an acquirer wants to see; never the card number nor the track. 5F24, 84, 82, 95, 9A, 9C, 5F2A, 5F34, 9F02, 9F03,
 // 9F10, 9F1A, 9F26, 9F27, 9F33, 9F34, 9F35, 9F36, 9F37.
-constexpr std::array<uint8_t, 33> authorisationTags{0x5F, 0x24, 0x84, 0x82, 0x95, 0x9A, 0x9C, 0x5F, 0x2A, 0x5F, 0x34,
-                                                    0x9F, 0x02, 0x9F, 0x03, 0x9F, 0x10, 0x9F, 0x1A, 0x9F, 0x26, 0x9F,
-                                                    0x27, 0x9F, 0x33, 0x9F, 0x34, 0x9F, 0x35, 0x9F, 0x36, 0x9F, 0x37};
+constexpr std::array<uint8_t, 33> kAuthorisationTags{0x5F, 0x24, 0x84, 0x82, 0x95, 0x9A, 0x9C, 0x5F, 0x2A, 0x5F, 0x34,
+                                                     0x9F, 0x02, 0x9F, 0x03, 0x9F, 0x10, 0x9F, 0x1A, 0x9F, 0x26, 0x9F,
+                                                     0x27, 0x9F, 0x33, 0x9F, 0x34, 0x9F, 0x35, 0x9F, 0x36, 0x9F, 0x37};
 // 8A, 95, 9B, 9F26, 9F27.
-constexpr std::array<uint8_t, 7> finalTags{0x8A, 0x95, 0x9B, 0x9F, 0x26, 0x9F, 0x27};
+constexpr std::array<uint8_t, 7> kFinalTags{0x8A, 0x95, 0x9B, 0x9F, 0x26, 0x9F, 0x27};
 // 4F, 50.
-constexpr std::array<uint8_t, 2> applicationTags{0x4F, 0x50};
+constexpr std::array<uint8_t, 2> kApplicationTags{0x4F, 0x50};
 
 // Floor limit, target percentage, threshold and maximum percentage of the random selection, which is not used.
 std::array<uint8_t, 10> risk_parameters(uint32_t floorLimit) {
@@ -55,7 +55,7 @@ void require_ok(const char* id, int32_t status) {
     if (status != ABECS_RSP_STAT_ST_OK) throw StatusError(id, status);
 }
 
-constexpr auto cardTypes = std::to_array<std::pair<CardType, std::string_view>>({
+constexpr auto kCardTypes = std::to_array<std::pair<CardType, std::string_view>>({
     {CardType::kStripe, "magnetic stripe"},
     {CardType::kChip, "chip"},
     {CardType::kContactlessStripe, "contactless, stripe data"},
@@ -70,7 +70,7 @@ void read_card(Link& link, const CardRequest& request, Items& card) {
     const std::string time = fmt::format("{:%H%M%S}", now);
     const Builder<AbecsCmdGcxBuilder, abecs_cmd_gcx_builder_delete> builder(
         call([&] { return abecs_cmd_gcx_builder_new(date.c_str(), time.c_str()); }));
-    const AbecsTagList tags = tag_list(applicationTags);
+    const AbecsTagList tags = tag_list(kApplicationTags);
     call([&] {
         abecs_cmd_gcx_builder_trntype(builder.get(), 0);
         if (request.acquirer) abecs_cmd_gcx_builder_acqref(builder.get(), *request.acquirer);
@@ -88,14 +88,14 @@ void read_card(Link& link, const CardRequest& request, Items& card) {
 }
 
 CardType card_type(const Items& card) {
-    const auto* found = std::ranges::find(cardTypes, card.number(ABECS_RSP_DATID_PP_CARDTYPE).value_or(-1),
+    const auto* found = std::ranges::find(kCardTypes, card.number(ABECS_RSP_DATID_PP_CARDTYPE).value_or(-1),
                                           [](const auto& each) { return static_cast<int>(each.first); });
-    if (found == cardTypes.end()) throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
+    if (found == kCardTypes.end()) throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
     return found->first;
 }
 
 std::string card_type_words(CardType type) {
-    return std::string(std::ranges::find(cardTypes, type, [](const auto& each) { return each.first; })->second);
+    return std::string(std::ranges::find(kCardTypes, type, [](const auto& each) { return each.first; })->second);
 }
 
 Group card_group(const Items& card) {
@@ -117,7 +117,7 @@ Group card_group(const Items& card) {
 void go_on_chip(Link& link, const GoRequest& request, Items& decision) {
     const Builder<AbecsCmdGoxBuilder, abecs_cmd_gox_builder_delete> builder(
         call([&] { return abecs_cmd_gox_builder_new(request.acquirer, request.pinMethod, request.pinKey); }));
-    const AbecsTagList tags = tag_list(authorisationTags);
+    const AbecsTagList tags = tag_list(kAuthorisationTags);
     const auto risk = risk_parameters(request.floorLimit);
     call([&] {
         abecs_cmd_gox_builder_trntype(builder.get(), 0);
@@ -136,7 +136,7 @@ void finish_chip(Link& link, const std::optional<std::string>& responseCode, Ite
     const char* options = responseCode ? "0000" : "2000";
     const Builder<AbecsCmdFcxBuilder, abecs_cmd_fcx_builder_delete> builder(
         call([&] { return abecs_cmd_fcx_builder_new(options); }));
-    const AbecsTagList tags = tag_list(finalTags);
+    const AbecsTagList tags = tag_list(kFinalTags);
     call([&] {
         if (responseCode) abecs_cmd_fcx_builder_arc(builder.get(), responseCode->c_str());
         abecs_cmd_fcx_builder_taglist(builder.get(), &tags);

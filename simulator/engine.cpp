@@ -12,17 +12,17 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr int maxResends = 3;
+constexpr int kMaxResends = 3;
 
 // What answers a command that is refused as a whole.
-constexpr std::string_view errorId = "ERR";
-constexpr std::string_view notificationId = "NTM";
+constexpr std::string_view kErrorId = "ERR";
+constexpr std::string_view kNotificationId = "NTM";
 // The only command that is plain inside an encrypted session too.
-constexpr std::string_view openId = "OPN";
+constexpr std::string_view kOpenId = "OPN";
 
 // The command's id, or as much of it as there is.
 std::string id_of(ByteView packet) {
-    const ByteView id = packet.first(std::min(packet.size(), idWidth));
+    const ByteView id = packet.first(std::min(packet.size(), kIdWidth));
     return {id.begin(), id.end()};
 }
 
@@ -68,9 +68,9 @@ void Engine::handle(const Reception& reception) {
 
 void Engine::handle_byte(uint8_t byte) {
     switch (byte) {
-        case control::can:
+        case control::kCan:
             return cancel();
-        case control::nak:
+        case control::kNak:
             return resend();
         default:
             find(Finding::Kind::kFraming, control_words(byte) + " outside a frame");
@@ -82,7 +82,7 @@ void Engine::cancel() {
     end_exchange(std::nullopt);
     lastResponse_.reset();
     transmitter_.abandon();
-    transmitter_.send_byte(control::eot);
+    transmitter_.send_byte(control::kEot);
 }
 
 void Engine::accept(const Reception& reception) {
@@ -99,12 +99,12 @@ void Engine::accept(const Reception& reception) {
 
 void Engine::refuse(const std::string& fault) {
     find(Finding::Kind::kFraming, fault);
-    transmitter_.send_byte(control::nak);
+    transmitter_.send_byte(control::kNak);
 }
 
 void Engine::resend() {
     if (!lastResponse_) return find(Finding::Kind::kSequence, "NAK without a response before it");
-    if (resends_ == maxResends) return find(Finding::Kind::kSequence, "NAK after the last repetition");
+    if (resends_ == kMaxResends) return find(Finding::Kind::kSequence, "NAK after the last repetition");
     ++resends_;
     transmitter_.abandon();
     static_cast<void>(transmitter_.send(*lastResponse_, channel_));
@@ -119,7 +119,7 @@ Engine::Request Engine::open(const Reception& reception) const {
         return request;
     };
     if (!frame.encrypted) {
-        if (!channel_.active() || id_of(frame.data) == openId) return request;
+        if (!channel_.active() || id_of(frame.data) == kOpenId) return request;
         return refuse(Finding::Kind::kSequence, "a plain command inside an encrypted session", Status::kErrpktsec);
     }
     if (!channel_.active()) {
@@ -130,7 +130,7 @@ Engine::Request Engine::open(const Reception& reception) const {
     } catch (const SealError& error) {
         return refuse(Finding::Kind::kLayout, fmt::format("an encrypted frame: {}", error.what()), Status::kErrpktsec);
     }
-    if (id_of(request.packet) == openId)
+    if (id_of(request.packet) == kOpenId)
         return refuse(Finding::Kind::kSequence, "an enciphered OPN", Status::kErrpktsec);
     request.sealed = true;
     request.words = enciphered_words(request_words(request.packet));
@@ -141,7 +141,7 @@ void Engine::obey(const Request& request) {
     exchange_ = Exchange{.command = id_of(request.packet), .request = request.packet};
     if (request.refused) return refuse(*request.refused, request.status, request);
     const ByteView packet = request.packet;
-    if (packet.size() < idWidth) {
+    if (packet.size() < kIdWidth) {
         return refuse({Finding::Kind::kLayout, "a frame without a command"}, Status::kInvcall, request);
     }
     const std::string id = id_of(packet);
@@ -150,7 +150,7 @@ void Engine::obey(const Request& request) {
         return refuse({Finding::Kind::kUnsupported, fmt::format("there is no command {:?}", id)}, Status::kInvcall,
                       request);
     }
-    Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(idWidth))};
+    Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(kIdWidth))};
     const Screen::Content before = screen_.content();
     Outcome outcome = run(*command, call);
     const bool ends = command->session == Command::Session::kEnds;
@@ -164,7 +164,7 @@ void Engine::obey(const Request& request) {
 // Plain where the request was not read: whoever sends what cannot be deciphered may have another key.
 void Engine::refuse(Finding finding, Status status, const Request& request) {
     journal_.record(std::move(finding));
-    respond(id_of(request.packet), errorId, {.status = status, .blocks = {}}, request.sealed);
+    respond(id_of(request.packet), kErrorId, {.status = status, .blocks = {}}, request.sealed);
 }
 
 // The host has dropped its keys as soon as the command was acknowledged, whatever the answer says.
@@ -214,7 +214,7 @@ void Engine::notify(std::string_view text) {
     if (!pending_) return;
     Writer block;
     block.s(text, text.size());
-    respond(notificationId, notificationId, Answer::of(block), pending_->sealed);
+    respond(kNotificationId, kNotificationId, Answer::of(block), pending_->sealed);
 }
 
 Engine::Pending Engine::stop_waiting() {
@@ -234,7 +234,7 @@ void Engine::respond(std::string_view command, std::string_view as, const Answer
     resends_ = 0;
     post_state();
     const int status = transmitter_.send(*lastResponse_, channel_);
-    if (command != notificationId) end_exchange(status);
+    if (command != kNotificationId) end_exchange(status);
 }
 
 void Engine::end_exchange(std::optional<int> status) {

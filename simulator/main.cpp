@@ -47,10 +47,10 @@ private:
 
 void print_error(const std::string& text) { fmt::print(stderr, "{}", text); }
 
-constexpr int kept = 0;
-constexpr int broken = 1;
+constexpr int kKept = 0;
+constexpr int kBroken = 1;
 // What it was asked to do cannot be done.
-constexpr int unable = 2;
+constexpr int kUnable = 2;
 
 struct Settings {
     std::string link;
@@ -65,7 +65,7 @@ struct Settings {
     bool listScenarios = false;
 };
 
-const std::map<std::string, sim::Scenario::End> ends{
+const std::map<std::string, sim::Scenario::End> kEnds{
     {"close", sim::Scenario::End::kClose}, {"done", sim::Scenario::End::kDone}, {"stop", sim::Scenario::End::kStop}};
 
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
@@ -125,7 +125,7 @@ int list_scenarios() {
     for (const auto& [name, text] : sim::shipped_scenarios()) {
         fmt::print("{:24} {}\n", name, sim::Scenario::from_toml(std::string(name), text).title);
     }
-    return kept;
+    return kKept;
 }
 
 int play(const Settings& settings) {
@@ -146,7 +146,7 @@ int play(const Settings& settings) {
         announce();
         pinPad.run();
     }
-    return !performance || report(*performance, pinPad) ? kept : broken;
+    return !performance || report(*performance, pinPad) ? kKept : kBroken;
 }
 
 }  // namespace
@@ -164,7 +164,7 @@ int main(int argc, char** argv) {
         ->type_name("NAME|FILE");
     app.add_option("--ends", settings.ends, "When a scenario ends, in place of what it says itself")
         ->type_name("close|done|stop")
-        ->transform(CLI::CheckedTransformer(ends))
+        ->transform(CLI::CheckedTransformer(kEnds))
         ->needs("--scenario");
     app.add_flag("--list-scenarios", settings.listScenarios, "Name the scenarios that come with the program");
     app.add_option("--speed", settings.speed, "Take the time of a line of so many bits per second")
@@ -183,13 +183,13 @@ int main(int argc, char** argv) {
         "the command line or a file is wrong, or there is no line.");
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kept : unable; }
+    } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
 
     try {
         if (settings.listScenarios) return list_scenarios();
         return play(settings);
     } catch (const std::exception& error) {
         print_error(fmt::format("quorvel-sim: {}\n", error.what()));
-        return unable;
+        return kUnable;
     }
 }

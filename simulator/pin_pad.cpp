@@ -12,12 +12,12 @@ namespace quorvel::sim {
 namespace {
 
 // What has come and is not yet heard; more stays where it is, so that whoever sends without end has to wait.
-constexpr size_t maxHeard = 4096;
-constexpr unsigned bitsPerByte = 10;
+constexpr size_t kMaxHeard = 4096;
+constexpr unsigned kBitsPerByte = 10;
 
 std::chrono::nanoseconds byte_time(unsigned speed) {
     return speed == 0 ? std::chrono::nanoseconds::zero()
-                      : std::chrono::nanoseconds(std::chrono::seconds(bitsPerByte)) / speed;
+                      : std::chrono::nanoseconds(std::chrono::seconds(kBitsPerByte)) / speed;
 }
 
 }  // namespace
@@ -59,7 +59,7 @@ PinPad::~PinPad() { stop(); }
 void PinPad::run() {
     while (!stopping_) {
         if (companion_ != nullptr) companion_->work(*this, Clock::now());
-        const bool room = heard_.size() < maxHeard;
+        const bool room = heard_.size() < kMaxHeard;
         if (line_.wait(patience(), room) == Line::Event::kReadable) heard_.push(line_.read(), {}, Clock::now());
         // What was done before the host spoke is not for the command that comes.
         engine_.poll(Clock::now());

@@ -21,7 +21,7 @@ void apply(const FaultKind* kind, void (*FaultKind::*stage)(Arguments...), Value
 
 // RSP_STAT, behind RSP_ID.
 int status_of(ByteView packet) {
-    return static_cast<int>(Reader("response", packet.subspan(idWidth)).n("RSP_STAT", statusWidth));
+    return static_cast<int>(Reader("response", packet.subspan(kIdWidth)).n("RSP_STAT", kStatusWidth));
 }
 
 const FaultKind* kind_of(const std::optional<Fault>& fault) { return fault ? find_fault_kind(fault->kind) : nullptr; }
@@ -35,10 +35,10 @@ void Transmitter::send_byte(uint8_t byte) { put({byte}, control_words(byte)); }
 
 bool Transmitter::acknowledge(std::string_view command) {
     const auto fault = faults_.strike({.kind = Message::Kind::kAcknowledgement, .command = std::string(command)});
-    Bytes wire{control::ack};
+    Bytes wire{control::kAck};
     apply(kind_of(fault), &FaultKind::wire, wire);
-    const bool accepted = wire != Bytes{control::nak};
-    put(std::move(wire), control_words(control::ack), fault);
+    const bool accepted = wire != Bytes{control::kNak};
+    put(std::move(wire), control_words(control::kAck), fault);
     return accepted;
 }
 

@@ -14,8 +14,8 @@ namespace quorvel::wire {
 
 enum class Sender { kHost, kPinPad };
 
-inline constexpr size_t idWidth = 3;
-inline constexpr size_t statusWidth = 3;
+inline constexpr size_t kIdWidth = 3;
+inline constexpr size_t kStatusWidth = 3;
 
 struct Command {
     // What its packets hold behind the id and the status: fields in a fixed order, or parameters.
@@ -26,7 +26,7 @@ struct Command {
     Form form = Form::kFields;
 };
 
-inline constexpr std::array allCommands{
+inline constexpr std::array kAllCommands{
     Command{"CEX", "wait for an event", Command::Form::kParams},
     Command{"CHP", "access to a chip"},
     Command{"CKE", "wait for an event"},
@@ -71,17 +71,18 @@ inline constexpr std::array allCommands{
     Command{"TLI", "begin the load of tables"},
     Command{"TLR", "records of tables"},
 };
-static_assert(std::ranges::adjacent_find(allCommands, std::ranges::greater_equal{}, &Command::id) == allCommands.end(),
+static_assert(std::ranges::adjacent_find(kAllCommands, std::ranges::greater_equal{}, &Command::id)
+                  == kAllCommands.end(),
               "sorted and unique");
 
 [[nodiscard]] constexpr const Command* find_command(std::string_view id) noexcept {
-    const auto* found = std::ranges::lower_bound(allCommands, id, {}, &Command::id);
-    return found != allCommands.end() && found->id == id ? found : nullptr;
+    const auto* found = std::ranges::lower_bound(kAllCommands, id, {}, &Command::id);
+    return found != kAllCommands.end() && found->id == id ? found : nullptr;
 }
 
 // Whether it may be the id of a command that is not known. Anything else may be the middle of anything.
 [[nodiscard]] constexpr bool looks_like_id(std::string_view id) noexcept {
-    return id.size() == idWidth && std::ranges::all_of(id, [](char c) { return c >= 'A' && c <= 'Z'; });
+    return id.size() == kIdWidth && std::ranges::all_of(id, [](char c) { return c >= 'A' && c <= 'Z'; });
 }
 
 // A field of a command's, in a request or a response.

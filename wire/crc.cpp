@@ -8,19 +8,19 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr uint16_t polynomial = 0x1021;
+constexpr uint16_t kPolynomial = 0x1021;
 
 constexpr uint16_t remainder_of(uint8_t byte) {
     unsigned value = static_cast<unsigned>(byte) << 8;
     for (int bit = 0; bit < 8; ++bit) {
         const bool carry = (value & 0x8000U) != 0;
         value = (value << 1) & 0xFFFFU;
-        if (carry) value ^= polynomial;
+        if (carry) value ^= kPolynomial;
     }
     return static_cast<uint16_t>(value);
 }
 
-constexpr auto remainders = [] {
+constexpr auto kRemainders = [] {
     std::array<uint16_t, 256> table{};
     for (size_t i = 0; i < table.size(); ++i) table[i] = remainder_of(static_cast<uint8_t>(i));
     return table;
@@ -28,7 +28,7 @@ constexpr auto remainders = [] {
 
 constexpr uint16_t step(uint16_t crc, uint8_t byte) {
     const auto index = static_cast<uint8_t>((crc >> 8) ^ byte);
-    return static_cast<uint16_t>(static_cast<uint16_t>(crc << 8) ^ remainders[index]);
+    return static_cast<uint16_t>(static_cast<uint16_t>(crc << 8) ^ kRemainders[index]);
 }
 
 constexpr uint16_t check_value() {

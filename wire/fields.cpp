@@ -9,10 +9,10 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr uint8_t carriageReturn = '\r';
-constexpr uint8_t lowestCharacter = 0x20;
-constexpr uint8_t highestA = 0x7E;
-constexpr uint8_t highestS = 0xFF;
+constexpr uint8_t kCarriageReturn = '\r';
+constexpr uint8_t kLowestCharacter = 0x20;
+constexpr uint8_t kHighestA = 0x7E;
+constexpr uint8_t kHighestS = 0xFF;
 
 constexpr bool is_digit(uint8_t c) { return c >= '0' && c <= '9'; }
 
@@ -62,7 +62,7 @@ uint64_t Reader::n(std::string_view field, size_t digits, Range range) {
 std::string Reader::text(std::string_view field, size_t width, uint8_t highest, Cr cr) {
     const ByteView taken = take(field, width);
     for (const uint8_t c : taken) {
-        const bool valid = c == carriageReturn ? cr == Cr::kAllowed : c >= lowestCharacter && c <= highest;
+        const bool valid = c == kCarriageReturn ? cr == Cr::kAllowed : c >= kLowestCharacter && c <= highest;
         if (!valid) refuse(field, fmt::format("0x{:02X} is not allowed", c));
     }
     std::string text(taken.begin(), taken.end());
@@ -70,9 +70,9 @@ std::string Reader::text(std::string_view field, size_t width, uint8_t highest, 
     return text;
 }
 
-std::string Reader::a(std::string_view field, size_t width, Cr cr) { return text(field, width, highestA, cr); }
+std::string Reader::a(std::string_view field, size_t width, Cr cr) { return text(field, width, kHighestA, cr); }
 
-std::string Reader::s(std::string_view field, size_t width, Cr cr) { return text(field, width, highestS, cr); }
+std::string Reader::s(std::string_view field, size_t width, Cr cr) { return text(field, width, kHighestS, cr); }
 
 Bytes Reader::h(std::string_view field, size_t digits) {
     const ByteView taken = take(field, digits);
@@ -116,9 +116,9 @@ Param Reader::param() {
 }
 
 std::vector<Param> Reader::params() {
-    static constexpr std::string_view fields[]{"CMD_LEN1", "CMD_LEN2"};
+    static constexpr std::string_view kFields[]{"CMD_LEN1", "CMD_LEN2"};
     std::vector<Param> params;
-    for (const std::string_view field : fields) {
+    for (const std::string_view field : kFields) {
         if (left() == 0) break;
         Reader inside = block(field);
         if (inside.left() == 0) refuse(field, "a block without parameters");

@@ -16,9 +16,9 @@
 namespace quorvel::wire {
 
 // What a block's three digits of length can count.
-inline constexpr size_t maxBlock = 999;
+inline constexpr size_t kMaxBlock = 999;
 // A parameter's id and length, two bytes each.
-inline constexpr size_t paramHead = 4;
+inline constexpr size_t kParamHead = 4;
 
 // A request that breaks its layout. The text names the field and what is wrong with it; the status answers it.
 class LayoutError : public std::runtime_error {

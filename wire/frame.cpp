@@ -11,30 +11,30 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr uint8_t escapeShift = 0x20;
+constexpr uint8_t kEscapeShift = 0x20;
 
 constexpr bool needs_escape(uint8_t byte) {
-    return byte == control::dc3 || byte == control::syn || byte == control::etb;
+    return byte == control::kDc3 || byte == control::kSyn || byte == control::kEtb;
 }
 
 // Covers the data as it was before stuffing and the ETB behind it, in an encrypted frame the DC2 before it too.
 uint16_t frame_crc(const Frame& frame) {
-    static constexpr uint8_t before[]{control::dc2};
-    static constexpr uint8_t after[]{control::etb};
-    const uint16_t crc = frame.encrypted ? crc16(before) : uint16_t{0};
-    return crc16(after, crc16(frame.data, crc));
+    static constexpr uint8_t kBefore[]{control::kDc2};
+    static constexpr uint8_t kAfter[]{control::kEtb};
+    const uint16_t crc = frame.encrypted ? crc16(kBefore) : uint16_t{0};
+    return crc16(kAfter, crc16(frame.data, crc));
 }
 
 }  // namespace
 
 Bytes encode(const Frame& frame) {
-    Bytes wire{control::syn};
-    if (frame.encrypted) wire.push_back(control::dc2);
+    Bytes wire{control::kSyn};
+    if (frame.encrypted) wire.push_back(control::kDc2);
     for (const uint8_t byte : frame.data) {
-        if (needs_escape(byte)) wire.push_back(control::dc3);
-        wire.push_back(needs_escape(byte) ? static_cast<uint8_t>(byte + escapeShift) : byte);
+        if (needs_escape(byte)) wire.push_back(control::kDc3);
+        wire.push_back(needs_escape(byte) ? static_cast<uint8_t>(byte + kEscapeShift) : byte);
     }
-    wire.push_back(control::etb);
+    wire.push_back(control::kEtb);
     const uint16_t crc = frame_crc(frame);
     wire.push_back(static_cast<uint8_t>(crc >> 8));
     wire.push_back(static_cast<uint8_t>(crc & 0xFF));
@@ -45,12 +45,12 @@ std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
     wire_.push_back(byte);
     switch (state_) {
         case State::kOutside:
-            if (byte != control::syn) return finish(Reception::Kind::kByte, byte);
+            if (byte != control::kSyn) return finish(Reception::Kind::kByte, byte);
             state_ = State::kFirst;
             return std::nullopt;
         case State::kFirst:
             state_ = State::kData;
-            frame_.encrypted = byte == control::dc2;
+            frame_.encrypted = byte == control::kDc2;
             return frame_.encrypted ? std::nullopt : in_data(byte);
         case State::kData:
             return in_data(byte);
@@ -81,12 +81,12 @@ Reception FrameDecoder::give_up() {
 
 std::optional<Reception> FrameDecoder::in_data(uint8_t byte) {
     switch (byte) {
-        case control::syn:
+        case control::kSyn:
             return restart();
-        case control::etb:
+        case control::kEtb:
             state_ = State::kCrc_high;
             break;
-        case control::dc3:
+        case control::kDc3:
             state_ = State::kEscaped;
             break;
         default:
@@ -100,18 +100,18 @@ std::optional<Reception> FrameDecoder::restart() {
     wire_.pop_back();
     blame("SYN inside a frame");
     Reception cutOff = finish(Reception::Kind::kInterrupted);
-    wire_.push_back(control::syn);
+    wire_.push_back(control::kSyn);
     state_ = State::kFirst;
     return cutOff;
 }
 
 void FrameDecoder::store(uint8_t byte) {
-    if (frame_.data.size() == maxFrameData) return blame(fmt::format("more than {} data bytes", maxFrameData));
+    if (frame_.data.size() == kMaxFrameData) return blame(fmt::format("more than {} data bytes", kMaxFrameData));
     frame_.data.push_back(byte);
 }
 
 void FrameDecoder::unescape(uint8_t byte) {
-    const auto plain = static_cast<uint8_t>(byte - escapeShift);
+    const auto plain = static_cast<uint8_t>(byte - kEscapeShift);
     if (!needs_escape(plain)) blame(fmt::format("0x{:02X} escaped without need", plain));
     store(plain);
 }

@@ -85,14 +85,14 @@ Items items_in(const Packet& packet, Sender sender, ByteView bytes) {
 
 std::optional<int> status_in(ByteView packet) {
     try {
-        return static_cast<int>(Reader("", packet.subspan(idWidth)).n("RSP_STAT", statusWidth));
+        return static_cast<int>(Reader("", packet.subspan(kIdWidth)).n("RSP_STAT", kStatusWidth));
     } catch (const LayoutError&) { return std::nullopt; }
 }
 
 }  // namespace
 
 Packet take_apart(Sender sender, ByteView packet) {
-    const ByteView head = packet.first(std::min(packet.size(), idWidth));
+    const ByteView head = packet.first(std::min(packet.size(), kIdWidth));
     Packet apart{.id = {head.begin(), head.end()}};
     apart.command = find_command(apart.id);
     ByteView rest = packet.subspan(head.size());
@@ -102,7 +102,7 @@ Packet take_apart(Sender sender, ByteView packet) {
             apart.items = unknown(rest);
             return apart;
         }
-        rest = rest.subspan(statusWidth);
+        rest = rest.subspan(kStatusWidth);
     }
     apart.items = items_in(apart, sender, rest);
     return apart;

@@ -14,7 +14,7 @@ struct Name {
     std::string_view name;
 };
 
-constexpr std::array names{
+constexpr std::array kNames{
     Name{Status::kOk, "OK"},
     Name{Status::kNosec, "NOSEC"},
     Name{Status::kF1, "F1"},
@@ -61,13 +61,13 @@ constexpr std::array names{
     Name{Status::kMferrfmt, "MFERRFMT"},
     Name{Status::kMferr, "MFERR"},
 };
-static_assert(std::ranges::is_sorted(names, {}, &Name::status));
+static_assert(std::ranges::is_sorted(kNames, {}, &Name::status));
 
 }  // namespace
 
 std::string_view status_name(int status) noexcept {
-    const auto* found = std::ranges::find(names, static_cast<Status>(status), &Name::status);
-    return found != names.end() ? found->name : std::string_view{};
+    const auto* found = std::ranges::find(kNames, static_cast<Status>(status), &Name::status);
+    return found != kNames.end() ? found->name : std::string_view{};
 }
 
 }  // namespace quorvel::wire

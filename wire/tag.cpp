@@ -10,7 +10,7 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr auto shown = Privacy::kShown;
+constexpr auto kShown = Privacy::kShown;
 
 struct Row {
     Tag tag;
@@ -18,9 +18,9 @@ struct Row {
     Content content;
 };
 
-constexpr Row open(Tag tag, std::string_view name, Type type = Type::kBytes) { return {tag, name, {type, 0, shown}}; }
+constexpr Row open(Tag tag, std::string_view name, Type type = Type::kBytes) { return {tag, name, {type, 0, kShown}}; }
 
-constexpr std::array rows{
+constexpr std::array kRows{
     open(0x42, "Issuer identification number"),
     open(0x4F, "Application identifier"),
     open(0x50, "Application label", Type::kText),
@@ -68,12 +68,12 @@ constexpr std::array rows{
     open(0x9F53, "Transaction category"),
     open(0x9F5B, "Issuer script results"),
 };
-static_assert(std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, &Row::tag) == rows.end(),
+static_assert(std::ranges::adjacent_find(kRows, std::ranges::greater_equal{}, &Row::tag) == kRows.end(),
               "sorted and unique");
 
 const Row* find(Tag tag) noexcept {
-    const auto* found = std::ranges::lower_bound(rows, tag, {}, &Row::tag);
-    return found != rows.end() && found->tag == tag ? found : nullptr;
+    const auto* found = std::ranges::lower_bound(kRows, tag, {}, &Row::tag);
+    return found != kRows.end() && found->tag == tag ? found : nullptr;
 }
 
 }  // namespace

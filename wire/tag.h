@@ -12,28 +12,28 @@ namespace quorvel::wire {
 
 // The data objects that the programs here read or set themselves.
 namespace tag {
-inline constexpr Tag aid = 0x4F;
-inline constexpr Tag label = 0x50;
-inline constexpr Tag currency = 0x5F2A;
-inline constexpr Tag fileName = 0x84;
-inline constexpr Tag command = 0x86;
-inline constexpr Tag responseCode = 0x8A;
-inline constexpr Tag terminalResults = 0x95;
-inline constexpr Tag date = 0x9A;
-inline constexpr Tag type = 0x9C;
-inline constexpr Tag amount = 0x9F02;
-inline constexpr Tag cashback = 0x9F03;
-inline constexpr Tag scriptId = 0x9F18;
-inline constexpr Tag time = 0x9F21;
-inline constexpr Tag cryptogram = 0x9F26;
-inline constexpr Tag cryptogramInformation = 0x9F27;
-inline constexpr Tag verificationResults = 0x9F34;
-inline constexpr Tag counter = 0x9F36;
-inline constexpr Tag unpredictableNumber = 0x9F37;
-inline constexpr Tag scriptResults = 0x9F5B;
+inline constexpr Tag kAid = 0x4F;
+inline constexpr Tag kLabel = 0x50;
+inline constexpr Tag kCurrency = 0x5F2A;
+inline constexpr Tag kFileName = 0x84;
+inline constexpr Tag kCommand = 0x86;
+inline constexpr Tag kResponseCode = 0x8A;
+inline constexpr Tag kTerminalResults = 0x95;
+inline constexpr Tag kDate = 0x9A;
+inline constexpr Tag kType = 0x9C;
+inline constexpr Tag kAmount = 0x9F02;
+inline constexpr Tag kCashback = 0x9F03;
+inline constexpr Tag kScriptId = 0x9F18;
+inline constexpr Tag kTime = 0x9F21;
+inline constexpr Tag kCryptogram = 0x9F26;
+inline constexpr Tag kCryptogramInformation = 0x9F27;
+inline constexpr Tag kVerificationResults = 0x9F34;
+inline constexpr Tag kCounter = 0x9F36;
+inline constexpr Tag kUnpredictableNumber = 0x9F37;
+inline constexpr Tag kScriptResults = 0x9F5B;
 // Issuer scripts, for before and after the second decision.
-inline constexpr Tag earlyScript = 0x71;
-inline constexpr Tag lateScript = 0x72;
+inline constexpr Tag kEarlyScript = 0x71;
+inline constexpr Tag kLateScript = 0x72;
 }  // namespace tag
 
 // "Application label"; empty for a tag that is not known.

@@ -10,10 +10,10 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr uint8_t longTag = 0x1F;
+constexpr uint8_t kLongTag = 0x1F;
 // More bytes follow: of a tag another one, of a length as many as the other bits say.
-constexpr uint8_t more = 0x80;
-constexpr uint32_t mostLengthBytes = 2;
+constexpr uint8_t kMore = 0x80;
+constexpr uint32_t kMostLengthBytes = 2;
 
 void append_tag(Bytes& to, Tag tag) {
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -23,26 +23,26 @@ void append_tag(Bytes& to, Tag tag) {
 
 void append_length(Bytes& to, size_t length) {
     const bool two = length > UINT8_MAX;
-    if (length >= more) to.push_back(two ? more | 2U : more | 1U);
+    if (length >= kMore) to.push_back(two ? kMore | 2U : kMore | 1U);
     if (two) to.push_back(static_cast<uint8_t>(length >> 8));
     to.push_back(static_cast<uint8_t>(length));
 }
 
 Tag next_tag(Reader& reader) {
     Tag tag = reader.x("tag", 1);
-    if ((tag & longTag) != longTag) return tag;
+    if ((tag & kLongTag) != kLongTag) return tag;
     do {
         if (tag > UINT32_MAX >> 8) throw LayoutError("tags: a tag of more than four bytes");
         tag = tag << 8 | reader.x("tag", 1);
-    } while ((tag & more) != 0);
+    } while ((tag & kMore) != 0);
     return tag;
 }
 
 size_t next_length(Reader& reader) {
     const uint32_t first = reader.x("length", 1);
-    if (first < more) return first;
-    const uint32_t bytes = first - more;
-    if (bytes == 0 || bytes > mostLengthBytes) throw LayoutError("tags: a length of too many bytes");
+    if (first < kMore) return first;
+    const uint32_t bytes = first - kMore;
+    if (bytes == 0 || bytes > kMostLengthBytes) throw LayoutError("tags: a length of too many bytes");
     return reader.x("length", bytes);
 }
 

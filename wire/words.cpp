@@ -13,7 +13,7 @@ namespace quorvel::wire {
 
 namespace {
 
-constexpr size_t shownBytes = 100;
+constexpr size_t kShownBytes = 100;
 
 std::string text_or_hex(ByteView bytes) {
     const bool printable = std::ranges::all_of(bytes, [](uint8_t c) { return c >= 0x20 && c <= 0x7E; });
@@ -28,7 +28,7 @@ std::string list(const std::vector<Item>& items) {
 
 std::string value_words(const Item& item) {
     const ByteView value = item.value;
-    const ByteView shown = value.first(std::min(value.size(), shownBytes));
+    const ByteView shown = value.first(std::min(value.size(), kShownBytes));
     const std::string more = shown.size() < value.size() ? fmt::format("... ({} bytes)", value.size()) : "";
     switch (item.type) {
         case Type::kNumber:
@@ -72,13 +72,13 @@ std::string response_words(ByteView packet) {
 
 std::string control_words(uint8_t byte) {
     switch (byte) {
-        case control::eot:
+        case control::kEot:
             return "EOT";
-        case control::ack:
+        case control::kAck:
             return "ACK";
-        case control::nak:
+        case control::kNak:
             return "NAK";
-        case control::can:
+        case control::kCan:
             return "CAN";
         default:
             return fmt::format("stray byte 0x{:02X}", byte);

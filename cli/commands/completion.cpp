@@ -43,7 +43,7 @@ std::string paths(const CLI::App& app, const std::string& path) {
     return text;
 }
 
-constexpr std::string_view bash = R"(# bash completion of quorvel
+constexpr std::string_view kBash = R"(# bash completion of quorvel
 _quorvel() {{
     local current=${{COMP_WORDS[COMP_CWORD]}} path='' word next words
     for word in "${{COMP_WORDS[@]:1:COMP_CWORD-1}}"; do
@@ -59,14 +59,14 @@ complete -o filenames -F _quorvel quorvel
 )";
 
 // zsh runs the other one.
-constexpr std::string_view zsh = R"(#compdef quorvel
+constexpr std::string_view kZsh = R"(#compdef quorvel
 autoload -U +X bashcompinit && bashcompinit
 )";
 
 Outcome run_completion(const Context& context, const std::string& shell) {
     const std::string script =
-        fmt::format(bash, fmt::arg("paths", paths(context.app, "")), fmt::arg("cases", cases(context.app, "")));
-    return {.raw = shell == "zsh" ? std::string(zsh) + script : script};
+        fmt::format(kBash, fmt::arg("paths", paths(context.app, "")), fmt::arg("cases", cases(context.app, "")));
+    return {.raw = shell == "zsh" ? std::string(kZsh) + script : script};
 }
 
 }  // namespace

@@ -47,11 +47,11 @@ std::optional<Bytes> parse_hex(std::string_view text) {
 // A request counts its blocks from the fourth byte on, where a response has its status: three digits in either case.
 // A first block is never empty, and a response without OK has no blocks.
 Sender guess(std::span<const uint8_t> packet) {
-    constexpr size_t head = 6;
+    constexpr size_t kHead = 6;
     const std::string_view text(reinterpret_cast<const char*>(packet.data()), packet.size());
-    if (packet.size() < head || text.substr(3, 3) == "000")
-        return packet.size() < head ? Sender::kHost : Sender::kPinPad;
-    return packet.size() == head ? Sender::kPinPad : Sender::kHost;
+    if (packet.size() < kHead || text.substr(3, 3) == "000")
+        return packet.size() < kHead ? Sender::kHost : Sender::kPinPad;
+    return packet.size() == kHead ? Sender::kPinPad : Sender::kHost;
 }
 
 void add(Table& table, Sender sender, const Group& words) {
@@ -75,7 +75,7 @@ void decode(Table& table, const Line& line) {
     wire::FrameDecoder decoder;
     const auto tell = [&](const wire::Reception& reception) {
         const bool acknowledges =
-            reception.kind == wire::Reception::Kind::kByte && reception.byte != wire::control::can;
+            reception.kind == wire::Reception::Kind::kByte && reception.byte != wire::control::kCan;
         const Sender guessed = acknowledges ? Sender::kPinPad : guess(reception.frame.data);
         const Sender sender = line.sender.value_or(guessed);
         add(table, sender, words(sender, reception));

@@ -16,8 +16,8 @@ namespace quorvel::cli::setup {
 
 namespace {
 
-constexpr size_t shortMessage = 32;
-constexpr size_t longMessage = 128;
+constexpr size_t kShortMessage = 32;
+constexpr size_t kLongMessage = 128;
 
 // What the shell hands over as "\n" is a line break for the PIN pad.
 std::string with_breaks(std::string text) {
@@ -30,7 +30,7 @@ std::string with_breaks(std::string text) {
 Outcome run_display(Context& context, const std::string& given) {
     const std::string text = with_breaks(given);
     Link link(context.settings, context.output);
-    if (text.size() <= shortMessage && text.find('\r') == std::string::npos) {
+    if (text.size() <= kShortMessage && text.find('\r') == std::string::npos) {
         link.ask("DSP", [&] { return abecs_cmd_dsp(link.get(), text.c_str()); });
     } else {
         link.ask("DEX", [&] { return abecs_cmd_dex(link.get(), text.c_str()); });
@@ -147,12 +147,12 @@ std::string event_name(AbecsPpEvent_E event) {
 
 Outcome run_event(Context& context, const EventOptions& options) {
     const std::string wanted = event_options(options.kinds);
-    constexpr std::array<uint8_t, 2> mask{6, 4};
+    constexpr std::array<uint8_t, 2> kMask{6, 4};
     Link link(context.settings, context.output);
     Items items;
     context.output.notice("Waiting for an event at the PIN pad.");
     const int32_t status =
-        link.wait([&] { abecs_cmd_cex(link.get(), wanted.c_str(), &options.timeout, mask.data()); },
+        link.wait([&] { abecs_cmd_cex(link.get(), wanted.c_str(), &options.timeout, kMask.data()); },
                   [&](char* notification) { return abecs_cmd_cex_response(link.get(), items.get(), notification); });
     if (status != ABECS_RSP_STAT_ST_OK) throw StatusError("CEX", status);
     const AbecsPpEvent_E event = call([&] { return abecs_cmd_cex_response_get_event(items.get()); });
@@ -171,7 +171,7 @@ Run display(CLI::App& app) {
     app.add_option("text", *text, "What to show; \\n begins a new line")
         ->required()
         ->check(CLI::Validator(
-            [](std::string& given) { return given.size() > longMessage ? "at most 128 characters" : ""; }, ""));
+            [](std::string& given) { return given.size() > kLongMessage ? "at most 128 characters" : ""; }, ""));
     return [text](Context& context) { return run_display(context, *text); };
 }
 

@@ -17,7 +17,7 @@ struct Wanted {
     const char* label;
 };
 
-constexpr Wanted wanted[]{
+constexpr Wanted kWanted[]{
     {ABECS_CMD_GIX_ID_PP_MNNAME, "Manufacturer"},         {ABECS_CMD_GIX_ID_PP_MODEL, "Model"},
     {ABECS_CMD_GIX_ID_PP_SERNUM, "Serial number"},        {ABECS_CMD_GIX_ID_PP_PARTNBR, "Part number"},
     {ABECS_CMD_GIX_ID_PP_SPECVER, "Protocol version"},    {ABECS_CMD_GIX_ID_PP_SOVER, "OS version"},
@@ -38,10 +38,10 @@ std::string graphic_size(const std::string& digits) {
 
 // One digit for each format.
 std::string media_formats(const std::string& digits) {
-    constexpr const char* formats[]{"PNG", "JPG", "GIF"};
+    constexpr const char* kFormats[]{"PNG", "JPG", "GIF"};
     std::string text;
-    for (size_t i = 0; i < std::size(formats) && i < digits.size(); ++i) {
-        if (digits[i] == '1') text += fmt::format("{}{}", text.empty() ? "" : ", ", formats[i]);
+    for (size_t i = 0; i < std::size(kFormats) && i < digits.size(); ++i) {
+        if (digits[i] == '1') text += fmt::format("{}{}", text.empty() ? "" : ", ", kFormats[i]);
     }
     return text.empty() ? "none" : text;
 }
@@ -65,12 +65,12 @@ void ask(Link& link, const std::vector<int32_t>& ids, Items& items) {
 Outcome run_info(Context& context) {
     Link link(context.settings, context.output);
     std::vector<int32_t> ids{ABECS_CMD_GIX_ID_PP_DSPTXTSZ, ABECS_CMD_GIX_ID_PP_DSPGRSZ, ABECS_CMD_GIX_ID_PP_MFSUP};
-    for (const Wanted& item : wanted) ids.push_back(item.id);
+    for (const Wanted& item : kWanted) ids.push_back(item.id);
     Items items;
     ask(link, ids, items);
     link.close();
     Group report;
-    for (const Wanted& item : wanted) items.add(report, item.label, static_cast<uint16_t>(item.id));
+    for (const Wanted& item : kWanted) items.add(report, item.label, static_cast<uint16_t>(item.id));
     add_sizes(report, items);
     report.push_back({"Library version", kor_version_project()});
     return {report};

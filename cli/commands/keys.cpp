@@ -21,7 +21,7 @@ struct Family {
     const char* use;
 };
 
-constexpr std::array families{
+constexpr std::array kFamilies{
     Family{ABECS_CMD_GIX_ID_PP_MKDESP, "master", "DES", "PIN"},
     Family{ABECS_CMD_GIX_ID_PP_MKDESD, "master", "DES", "data"},
     Family{ABECS_CMD_GIX_ID_PP_MKTDESP, "master", "triple DES", "PIN"},
@@ -66,11 +66,11 @@ Value ksn(Link& link, const Family& family, size_t slot) {
 Outcome run_keys(Context& context) {
     Link link(context.settings, context.output);
     std::vector<int32_t> ids;
-    for (const Family& family : families) ids.push_back(family.map);
+    for (const Family& family : kFamilies) ids.push_back(family.map);
     Items items;
     link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });
     Table table{{"Kind", "Cipher", "Use", "Index", "Key serial number"}};
-    for (const Family& family : families) {
+    for (const Family& family : kFamilies) {
         const std::string slots = items.raw(static_cast<uint16_t>(family.map));
         for (size_t slot = 0; slot < slots.size(); ++slot) {
             if (slots[slot] != '1') continue;

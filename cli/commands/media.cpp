@@ -21,10 +21,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr size_t nameWidth = 8;
-constexpr size_t blockSize = 995;
+constexpr size_t kNameWidth = 8;
+constexpr size_t kBlockSize = 995;
 
-const std::map<std::string, uint8_t> types{{".png", 1}, {".jpg", 2}, {".jpeg", 2}, {".gif", 3}};
+const std::map<std::string, uint8_t> kTypes{{".png", 1}, {".jpg", 2}, {".jpeg", 2}, {".gif", 3}};
 
 std::string lower(std::string text) {
     std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -39,7 +39,7 @@ struct PutOptions {
 
 std::string media_name(const PutOptions& options) {
     std::string name = options.name.empty() ? fs::path(options.file).stem().string() : options.name;
-    if (name.empty() || name.size() > nameWidth) {
+    if (name.empty() || name.size() > kNameWidth) {
         throw Error(Exit::kUsage, fmt::format("'{}' has no 1 to 8 characters.", name),
                     "Give the file a name with --name.");
     }
@@ -50,8 +50,8 @@ std::string media_name(const PutOptions& options) {
 uint8_t media_type(const PutOptions& options) {
     const std::string suffix =
         options.type.empty() ? lower(fs::path(options.file).extension().string()) : "." + lower(options.type);
-    const auto found = types.find(suffix);
-    if (found == types.end()) {
+    const auto found = kTypes.find(suffix);
+    if (found == kTypes.end()) {
         throw Error(Exit::kUsage, fmt::format("'{}' tells no format.", suffix), "Name it: --type png, jpg or gif");
     }
     return found->second;
@@ -76,7 +76,7 @@ Outcome run_put(Context& context, const PutOptions& options) {
     link.ask("MLI", [&] { return abecs_cmd_mli(link.get(), name.c_str(), size, crc, type); });
     for (size_t sent = 0; sent < bytes.size();) {
         context.output.progress(name, sent, bytes.size());
-        const size_t count = std::min(blockSize, bytes.size() - sent);
+        const size_t count = std::min(kBlockSize, bytes.size() - sent);
         link.ask("MLR", [&] { return abecs_cmd_mlr(link.get(), bytes.data() + sent, count); });
         sent += count;
     }

@@ -14,7 +14,7 @@ namespace quorvel::cli::setup {
 
 namespace {
 
-const std::map<std::string, AbecsCmdGpnMethod_E> methods{
+const std::map<std::string, AbecsCmdGpnMethod_E> kMethods{
     {"mk-des", ABECS_CMD_GPN_METHOD_MK_WK_DES},
     {"mk-tdes", ABECS_CMD_GPN_METHOD_MK_WK_TDES},
     {"dukpt-des", ABECS_CMD_GPN_METHOD_DUKPT_DES},
@@ -88,7 +88,7 @@ Outcome run_pin(Context& context, const PinOptions& options) {
 Run pin(CLI::App& app) {
     const auto options = std::make_shared<PinOptions>();
     app.add_option("--method", options->method, "How it is enciphered: mk-des, mk-tdes, dukpt-des or dukpt-tdes")
-        ->transform(CLI::CheckedTransformer(methods).description(""))
+        ->transform(CLI::CheckedTransformer(kMethods).description(""))
         ->type_name("METHOD")
         ->default_str("dukpt-tdes");
     add_number(app, "--key", options->key, "Index of the key in the PIN pad", "INDEX", 0, 99);

@@ -20,7 +20,7 @@ namespace {
 // What the acquirer that is played here does.
 enum class Host { kApproves, kDeclines, kUnreachable };
 
-const std::map<std::string, Host> hosts{
+const std::map<std::string, Host> kHosts{
     {"approves", Host::kApproves}, {"declines", Host::kDeclines}, {"unreachable", Host::kUnreachable}};
 
 struct SaleOptions {
@@ -213,7 +213,7 @@ Run sale(CLI::App& app) {
     app.add_option("--tables", options->tables, "Load this file first if the PIN pad has another version")
         ->type_name("FILE");
     app.add_option("--host", options->host, "What the acquirer that is played does: approves, declines or unreachable")
-        ->transform(CLI::CheckedTransformer(hosts).description(""))
+        ->transform(CLI::CheckedTransformer(kHosts).description(""))
         ->type_name("ANSWER")
         ->default_str("approves");
     add_number(app, "--pin-key", options->pinKey, "Index of the triple DES DUKPT key for the PIN", "INDEX", 0, 99);

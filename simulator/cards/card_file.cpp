@@ -18,46 +18,46 @@ namespace {
 template <typename Value, size_t Count>
 using Choices = std::array<std::pair<std::string_view, Value>, Count>;
 
-constexpr Choices<Verification, 4> verifications{{{"none", Verification::kNone},
-                                                  {"signature", Verification::kSignature},
-                                                  {"offline-pin", Verification::kOfflinePin},
-                                                  {"online-pin", Verification::kOnlinePin}}};
+constexpr Choices<Verification, 4> kVerifications{{{"none", Verification::kNone},
+                                                   {"signature", Verification::kSignature},
+                                                   {"offline-pin", Verification::kOfflinePin},
+                                                   {"online-pin", Verification::kOnlinePin}}};
 
-constexpr Choices<Chip::First, 3> firstDecisions{
+constexpr Choices<Chip::First, 3> kFirstDecisions{
     {{"as-asked", Chip::First::kAsAsked}, {"online", Chip::First::kOnline}, {"declined", Chip::First::kDeclined}}};
 
-constexpr Choices<Chip::Second, 3> secondDecisions{{{"as-asked", Chip::Second::kAsAsked},
-                                                    {"approved", Chip::Second::kApproved},
-                                                    {"declined", Chip::Second::kDeclined}}};
+constexpr Choices<Chip::Second, 3> kSecondDecisions{{{"as-asked", Chip::Second::kAsAsked},
+                                                     {"approved", Chip::Second::kApproved},
+                                                     {"declined", Chip::Second::kDeclined}}};
 
-constexpr Choices<Status, 9> chipFaults{{{"none", Status::kOk},
-                                         {"mute", Status::kDumbcard},
-                                         {"unreadable", Status::kErrcard},
-                                         {"invalidated", Status::kCardinvalidat},
-                                         {"problems", Status::kCardproblems},
-                                         {"invalid-data", Status::kCardinvdata},
-                                         {"not-accepted", Status::kCardappnaut},
-                                         {"fallback", Status::kErrfallback},
-                                         {"blocked", Status::kCardblocked}}};
+constexpr Choices<Status, 9> kChipFaults{{{"none", Status::kOk},
+                                          {"mute", Status::kDumbcard},
+                                          {"unreadable", Status::kErrcard},
+                                          {"invalidated", Status::kCardinvalidat},
+                                          {"problems", Status::kCardproblems},
+                                          {"invalid-data", Status::kCardinvdata},
+                                          {"not-accepted", Status::kCardappnaut},
+                                          {"fallback", Status::kErrfallback},
+                                          {"blocked", Status::kCardblocked}}};
 
-constexpr Choices<Status, 8> contactlessFaults{{{"none", Status::kOk},
-                                                {"multiple", Status::kCtlsmultiple},
-                                                {"unreadable", Status::kCtlscommerr},
-                                                {"invalidated", Status::kCtlsinvalidat},
-                                                {"problems", Status::kCtlsproblems},
-                                                {"not-accepted", Status::kCtlsappnaut},
-                                                {"confirm-on-device", Status::kCtlsextcvm},
-                                                {"use-chip", Status::kCtlsifchg}}};
+constexpr Choices<Status, 8> kContactlessFaults{{{"none", Status::kOk},
+                                                 {"multiple", Status::kCtlsmultiple},
+                                                 {"unreadable", Status::kCtlscommerr},
+                                                 {"invalidated", Status::kCtlsinvalidat},
+                                                 {"problems", Status::kCtlsproblems},
+                                                 {"not-accepted", Status::kCtlsappnaut},
+                                                 {"confirm-on-device", Status::kCtlsextcvm},
+                                                 {"use-chip", Status::kCtlsifchg}}};
 
-constexpr std::string_view decimalDigits = "0123456789";
+constexpr std::string_view kDecimalDigits = "0123456789";
 
 // The widths of a PIN pad's answers: nothing of a card may be longer.
-constexpr size_t maxPan = 19;
-constexpr size_t maxTrack1 = 76;
-constexpr size_t maxTrack2 = 37;
-constexpr size_t maxTrack3 = 104;
-constexpr size_t maxName = 26;
-constexpr size_t maxLabel = 16;
+constexpr size_t kMaxPan = 19;
+constexpr size_t kMaxTrack1 = 76;
+constexpr size_t kMaxTrack2 = 37;
+constexpr size_t kMaxTrack3 = 104;
+constexpr size_t kMaxName = 26;
+constexpr size_t kMaxLabel = 16;
 
 std::string at_most(TomlTable& table, std::string_view key, size_t length) {
     std::string text = table.text(key);
@@ -66,7 +66,7 @@ std::string at_most(TomlTable& table, std::string_view key, size_t length) {
 }
 
 void require_digits(const TomlTable& table, std::string_view key, std::string_view digits) {
-    if (digits.find_first_not_of(decimalDigits) != std::string_view::npos) table.refuse(key, "not only digits");
+    if (digits.find_first_not_of(kDecimalDigits) != std::string_view::npos) table.refuse(key, "not only digits");
 }
 
 // Either none or exactly so many.
@@ -92,8 +92,8 @@ DataObjects tags(TomlTable& table) {
 
 // CLA, INS, P1 and P2 stand before the data; two bytes of status behind the response.
 std::map<Bytes, Bytes> script(TomlTable& table) {
-    static constexpr size_t header = 4;
-    static constexpr size_t statusWord = 2;
+    static constexpr size_t kHeader = 4;
+    static constexpr size_t kStatusWord = 2;
     std::map<Bytes, Bytes> script;
     auto list = table.table("script");
     if (!list) return script;
@@ -101,21 +101,21 @@ std::map<Bytes, Bytes> script(TomlTable& table) {
         Bytes command;
         list->blame(key, [&] { command = from_hex(key); });
         Bytes response = list->hex(key);
-        if (command.size() < header || response.size() < statusWord) list->refuse(key, "no command and response");
+        if (command.size() < kHeader || response.size() < kStatusWord) list->refuse(key, "no command and response");
         script[std::move(command)] = std::move(response);
     }
     return script;
 }
 
 Application application(TomlTable table) {
-    static constexpr size_t recordIndex = 2;
+    static constexpr size_t kRecordIndex = 2;
     Application application;
     application.aid = table.required_hex("aid");
-    application.label = at_most(table, "label", maxLabel);
+    application.label = at_most(table, "label", kMaxLabel);
     application.type = static_cast<unsigned>(table.number("type", 1, 98, 1));
     application.acquirer = static_cast<unsigned>(table.number("acquirer", 1, 99, std::nullopt));
     application.record = table.required_text("record");
-    if (application.record.size() != recordIndex) table.refuse("record", "not of two characters");
+    if (application.record.size() != kRecordIndex) table.refuse("record", "not of two characters");
     application.objects = tags(table);
     table.end();
     return application;
@@ -127,14 +127,14 @@ Chip chip(TomlTable table) {
     if (chip.atr.empty()) chip.atr = Chip::standard().atr;
     chip.script = script(table);
     chip.objects = tags(table);
-    chip.pin = at_most(table, "pin", maxPinDigits);
+    chip.pin = at_most(table, "pin", kMaxPinDigits);
     require_digits(table, "pin", chip.pin);
     chip.pinTries = static_cast<int>(table.number("tries", 0, 9, 3));
-    chip.verification = table.choice("verification", verifications);
+    chip.verification = table.choice("verification", kVerifications);
     if (chip.verification == Verification::kOfflinePin && chip.pin.empty()) table.refuse("pin", "is missing");
-    chip.first = table.choice("first", firstDecisions);
-    chip.second = table.choice("second", secondDecisions);
-    chip.fault = table.choice("fault", chipFaults);
+    chip.first = table.choice("first", kFirstDecisions);
+    chip.second = table.choice("second", kSecondDecisions);
+    chip.fault = table.choice("fault", kChipFaults);
     table.end();
     return chip;
 }
@@ -142,9 +142,9 @@ Chip chip(TomlTable table) {
 Contactless contactless(TomlTable table) {
     Contactless contactless;
     contactless.stripeData = table.choice("mode", Choices<bool, 2>{{{"emv", false}, {"stripe", true}}});
-    contactless.verification = table.choice("verification", verifications);
+    contactless.verification = table.choice("verification", kVerifications);
     if (contactless.verification == Verification::kOfflinePin) table.refuse("verification", "it would need the chip");
-    contactless.fault = table.choice("fault", contactlessFaults);
+    contactless.fault = table.choice("fault", kContactlessFaults);
     table.end();
     return contactless;
 }
@@ -164,16 +164,16 @@ Card card(TomlTable table) {
     Card card;
     card.pan = table.required_text("pan");
     require_digits(table, "pan", card.pan);
-    if (card.pan.empty() || card.pan.size() > maxPan) table.refuse("pan", "no card number");
-    card.track1 = at_most(table, "track1", maxTrack1);
-    card.track2 = at_most(table, "track2", maxTrack2);
-    card.track3 = at_most(table, "track3", maxTrack3);
+    if (card.pan.empty() || card.pan.size() > kMaxPan) table.refuse("pan", "no card number");
+    card.track1 = at_most(table, "track1", kMaxTrack1);
+    card.track2 = at_most(table, "track2", kMaxTrack2);
+    card.track3 = at_most(table, "track3", kMaxTrack3);
     for (const std::string_view key : {"track2", "track3"}) {
         const std::string track = table.text(key);
         if (track.find_first_not_of("0123456789=") != std::string::npos) table.refuse(key, "not only digits and =");
     }
     card.expiry = digits(table, "expiry", 6);
-    card.name = at_most(table, "name", maxName);
+    card.name = at_most(table, "name", kMaxName);
     card.serviceCode = digits(table, "service_code", 3);
     card.issuerCountry = static_cast<unsigned>(table.number("country", 0, 999, 0));
     card.panSequence = static_cast<unsigned>(table.number("sequence", 0, 99, 0));

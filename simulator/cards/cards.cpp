@@ -9,7 +9,7 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr std::string_view standardText =
+constexpr std::string_view kStandardText =
 #include "cards.toml.inc"
     ;
 
@@ -32,8 +32,8 @@ void Cards::add(const Cards& more) {
 }
 
 const Cards& Cards::standard() {
-    static const Cards cards = from_toml(standardText);
-    return cards;
+    static const Cards kCards = from_toml(kStandardText);
+    return kCards;
 }
 
 }  // namespace quorvel::sim

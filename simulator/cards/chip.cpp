@@ -11,31 +11,31 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr uint8_t verifyInstruction = 0x20;
-constexpr size_t pinBlockDigits = 16;
+constexpr uint8_t kVerifyInstruction = 0x20;
+constexpr size_t kPinBlockDigits = 16;
 
-const Bytes done{0x90, 0x00};
-const Bytes blocked{0x69, 0x83};
-const Bytes unknownInstruction{0x6D, 0x00};
+const Bytes kDone{0x90, 0x00};
+const Bytes kBlocked{0x69, 0x83};
+const Bytes kUnknownInstruction{0x6D, 0x00};
 
 }  // namespace
 
 Bytes Chip::exchange(ByteView header, ByteView data) {
-    if (header[1] == verifyInstruction && !pin.empty()) return verify(data);
+    if (header[1] == kVerifyInstruction && !pin.empty()) return verify(data);
     Bytes command(header.begin(), header.end());
     append(command, data);
     const auto found = script.find(command);
-    return found != script.end() ? found->second : unknownInstruction;
+    return found != script.end() ? found->second : kUnknownInstruction;
 }
 
-bool Chip::accepts_pin(const std::string& typed) { return verify(plain_pin_block('2', typed)) == done; }
+bool Chip::accepts_pin(const std::string& typed) { return verify(plain_pin_block('2', typed)) == kDone; }
 
 Bytes Chip::verify(ByteView block) {
-    static constexpr int allTries = 3;
-    if (pinTries == 0) return blocked;
+    static constexpr int kAllTries = 3;
+    if (pinTries == 0) return kBlocked;
     if (std::ranges::equal(block, plain_pin_block('2', pin))) {
-        pinTries = allTries;
-        return done;
+        pinTries = kAllTries;
+        return kDone;
     }
     --pinTries;
     return {0x63, static_cast<uint8_t>(0xC0 + pinTries)};
@@ -43,7 +43,7 @@ Bytes Chip::verify(ByteView block) {
 
 Bytes plain_pin_block(char format, const std::string& pin) {
     std::string digits = fmt::format("{}{:X}{}", format, pin.size(), pin);
-    digits.resize(pinBlockDigits, 'F');
+    digits.resize(kPinBlockDigits, 'F');
     return from_hex(digits);
 }
 

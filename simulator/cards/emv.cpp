@@ -12,21 +12,21 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t terminalResultsSize = 5;
-constexpr std::string_view testKey = "0123456789ABCDEFFEDCBA9876543210";
+constexpr size_t kTerminalResultsSize = 5;
+constexpr std::string_view kTestKey = "0123456789ABCDEFFEDCBA9876543210";
 
 // What enters a cryptogram, as far as it is there.
-constexpr Tag covered[]{tag::amount,
-                        tag::cashback,
-                        0x9F1A,
-                        tag::terminalResults,
-                        tag::currency,
-                        tag::date,
-                        tag::type,
-                        tag::unpredictableNumber,
-                        0x82,
-                        tag::counter,
-                        tag::cryptogramInformation};
+constexpr Tag kCovered[]{tag::kAmount,
+                         tag::kCashback,
+                         0x9F1A,
+                         tag::kTerminalResults,
+                         tag::kCurrency,
+                         tag::kDate,
+                         tag::kType,
+                         tag::kUnpredictableNumber,
+                         0x82,
+                         tag::kCounter,
+                         tag::kCryptogramInformation};
 
 Bytes unpredictable_number() {
     Bytes number(4);
@@ -37,8 +37,8 @@ Bytes unpredictable_number() {
 }  // namespace
 
 void set(DataObjects& objects, TerminalResult result) {
-    Bytes& results = objects[tag::terminalResults];
-    results.resize(terminalResultsSize);
+    Bytes& results = objects[tag::kTerminalResults];
+    results.resize(kTerminalResultsSize);
     results[result.byte - 1] |= result.mask;
 }
 
@@ -55,7 +55,7 @@ uint64_t from_bcd(ByteView digits) {
 
 DataObjects terminal_objects() {
     return {
-        {tag::terminalResults, Bytes(terminalResultsSize)},
+        {tag::kTerminalResults, Bytes(kTerminalResultsSize)},
         {0x9B, from_hex("E800")},
         {0x9F09, from_hex("008C")},
         {0x9F1A, from_hex("0076")},
@@ -66,16 +66,16 @@ DataObjects terminal_objects() {
 }
 
 void generate(DataObjects& objects, Cryptogram kind) {
-    objects[tag::unpredictableNumber] = unpredictable_number();
-    objects[tag::cryptogramInformation] = {static_cast<uint8_t>(kind)};
+    objects[tag::kUnpredictableNumber] = unpredictable_number();
+    objects[tag::kCryptogramInformation] = {static_cast<uint8_t>(kind)};
     Bytes data;
-    for (const Tag each : covered) {
+    for (const Tag each : kCovered) {
         if (const auto found = objects.find(each); found != objects.end()) append(data, found->second);
     }
     data.push_back(0x80);
-    data.resize((data.size() + blockSize - 1) / blockSize * blockSize);
-    const Bytes chained = encipher(from_hex(testKey), data, Bytes(blockSize));
-    objects[tag::cryptogram] = Bytes(chained.end() - blockSize, chained.end());
+    data.resize((data.size() + kBlockSize - 1) / kBlockSize * kBlockSize);
+    const Bytes chained = encipher(from_hex(kTestKey), data, Bytes(kBlockSize));
+    objects[tag::kCryptogram] = Bytes(chained.end() - kBlockSize, chained.end());
 }
 
 }  // namespace quorvel::sim

@@ -18,14 +18,14 @@ struct TerminalResult {
 };
 
 namespace terminal_result {
-inline constexpr TerminalResult exceptionList{1, 0x10};
-inline constexpr TerminalResult verificationFailed{3, 0x80};
-inline constexpr TerminalResult pinTriesExceeded{3, 0x20};
-inline constexpr TerminalResult onlinePinEntered{3, 0x04};
-inline constexpr TerminalResult floorLimitExceeded{4, 0x80};
-inline constexpr TerminalResult selectedAtRandom{4, 0x10};
-inline constexpr TerminalResult earlyScriptFailed{5, 0x20};
-inline constexpr TerminalResult lateScriptFailed{5, 0x10};
+inline constexpr TerminalResult kExceptionList{1, 0x10};
+inline constexpr TerminalResult kVerificationFailed{3, 0x80};
+inline constexpr TerminalResult kPinTriesExceeded{3, 0x20};
+inline constexpr TerminalResult kOnlinePinEntered{3, 0x04};
+inline constexpr TerminalResult kFloorLimitExceeded{4, 0x80};
+inline constexpr TerminalResult kSelectedAtRandom{4, 0x10};
+inline constexpr TerminalResult kEarlyScriptFailed{5, 0x20};
+inline constexpr TerminalResult kLateScriptFailed{5, 0x10};
 }  // namespace terminal_result
 
 void set(DataObjects& objects, TerminalResult result);

@@ -12,19 +12,19 @@ namespace {
 bool amount_goes_online(const Risk& risk, unsigned draw, DataObjects& objects) {
     if (!risk.managed) return false;
     if (risk.amount >= risk.floorLimit) {
-        set(objects, terminal_result::floorLimitExceeded);
+        set(objects, terminal_result::kFloorLimitExceeded);
         return true;
     }
     if (!selected_at_random(risk, draw)) return false;
-    set(objects, terminal_result::selectedAtRandom);
+    set(objects, terminal_result::kSelectedAtRandom);
     return true;
 }
 
 void mark(const Risk& risk, const Verified& verified, DataObjects& objects) {
-    if (risk.onExceptionList) set(objects, terminal_result::exceptionList);
-    if (verified.failed) set(objects, terminal_result::verificationFailed);
-    if (verified.pinBlocked) set(objects, terminal_result::pinTriesExceeded);
-    if (verified.pinOnline) set(objects, terminal_result::onlinePinEntered);
+    if (risk.onExceptionList) set(objects, terminal_result::kExceptionList);
+    if (verified.failed) set(objects, terminal_result::kVerificationFailed);
+    if (verified.pinBlocked) set(objects, terminal_result::kPinTriesExceeded);
+    if (verified.pinOnline) set(objects, terminal_result::kOnlinePinEntered);
 }
 
 }  // namespace

@@ -16,18 +16,18 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t counterSize = 2;
+constexpr size_t kCounterSize = 2;
 
 // After these the stripe may stand in for the chip.
-constexpr std::array allowFallback{Status::kDumbcard, Status::kErrcard, Status::kErrfallback};
+constexpr std::array kAllowFallback{Status::kDumbcard, Status::kErrcard, Status::kErrfallback};
 
 // The answers to a card without the application that was asked for.
 struct Absence {
     Status notThere;
     Status noTable = Status::kTaberr;
 };
-constexpr Absence chipAbsence{Status::kCardappnav};
-constexpr Absence contactlessAbsence{Status::kCtlsappnav};
+constexpr Absence kChipAbsence{Status::kCardappnav};
+constexpr Absence kContactlessAbsence{Status::kCtlsappnav};
 
 class CardReading : public Dialog<CardRequest, CardAnswer> {
 public:
@@ -81,7 +81,7 @@ private:
         const Card& card = *device_.chip;
         const Status fault = card.chip ? card.chip->fault : Status::kDumbcard;
         if (fault != Status::kOk) return chip_failed(fault);
-        const auto found = applications(card, chipAbsence);
+        const auto found = applications(card, kChipAbsence);
         if (const auto* status = std::get_if<Status>(&found)) return chip_failed(*status);
         candidates_ = std::get<std::vector<Application>>(found);
         if (candidates_.size() == 1) return take_chip(candidates_.front());
@@ -93,7 +93,7 @@ private:
     }
 
     Answer chip_failed(Status status) {
-        if (std::ranges::find(allowFallback, status) != allowFallback.end()) {
+        if (std::ranges::find(kAllowFallback, status) != kAllowFallback.end()) {
             device_.lastChipReading = ChipReading::kFailed;
         } else if (status == Status::kCardappnav) {
             device_.lastChipReading = ChipReading::kNotSupported;
@@ -120,7 +120,7 @@ private:
     std::optional<Answer> tap(const Card& card) {
         if (!request_.contactless || !card.contactless) return std::nullopt;
         if (card.contactless->fault != Status::kOk) return Answer{.status = card.contactless->fault};
-        const auto found = applications(card, contactlessAbsence);
+        const auto found = applications(card, kContactlessAbsence);
         if (const auto* status = std::get_if<Status>(&found)) return Answer{.status = *status};
         const CardType type = card.contactless->stripeData ? CardType::kContactlessStripe : CardType::kContactless;
         return take(type, Transaction::Interface::kContactless, card,
@@ -142,9 +142,9 @@ private:
 
     Answer take(CardType type, Transaction::Interface interface, const Card& card, const Application& application) {
         DataObjects objects = request_.objects;
-        objects[tag::aid] = objects[tag::fileName] = application.aid;
-        objects[tag::label] = to_bytes(application.label);
-        objects[tag::counter] = bcd(++device_.transactions, counterSize);
+        objects[tag::kAid] = objects[tag::kFileName] = application.aid;
+        objects[tag::kLabel] = to_bytes(application.label);
+        objects[tag::kCounter] = bcd(++device_.transactions, kCounterSize);
         objects.merge(DataObjects(application.objects));
         objects.merge(card.objects());
         objects.merge(terminal_objects());

@@ -52,33 +52,33 @@ Outcome await(Device& device, const Awaited& awaited, std::optional<std::chrono:
 }
 
 // Two digits; the key's code for a key.
-constexpr unsigned stripeEvent = 90;
-constexpr unsigned removalEvent = 91;
-constexpr unsigned insertionEvent = 92;
-constexpr unsigned tapEvent = 94;
+constexpr unsigned kStripeEvent = 90;
+constexpr unsigned kRemovalEvent = 91;
+constexpr unsigned kInsertionEvent = 92;
+constexpr unsigned kTapEvent = 94;
 
 struct CexAnswer {
     PanMask mask;
 
     Answer operator()(const KeyPressed& pressed) const { return event(static_cast<unsigned>(pressed.key)); }
-    Answer operator()(const CardInserted&) const { return event(insertionEvent); }
-    Answer operator()(const CardRemoved&) const { return event(removalEvent); }
-    Answer operator()(const CardTapped&) const { return event(tapEvent); }
+    Answer operator()(const CardInserted&) const { return event(kInsertionEvent); }
+    Answer operator()(const CardRemoved&) const { return event(kRemovalEvent); }
+    Answer operator()(const CardTapped&) const { return event(kTapEvent); }
     Answer operator()(const Notice&) const { return {}; }
 
     Answer operator()(const CardSwiped& swiped) const {
         const Card& card = swiped.card;
         std::vector<Param> params;
-        for (const auto& [id, track] : {std::pair(pp::trk1Inc, &card.track1), std::pair(pp::trk2Inc, &card.track2),
-                                        std::pair(pp::trk3Inc, &card.track3)}) {
+        for (const auto& [id, track] : {std::pair(pp::kTrk1Inc, &card.track1), std::pair(pp::kTrk2Inc, &card.track2),
+                                        std::pair(pp::kTrk3Inc, &card.track3)}) {
             if (!track->empty()) params.push_back({id, to_bytes(masked(*track, card.pan.size(), mask))});
         }
-        return event(stripeEvent, std::move(params));
+        return event(kStripeEvent, std::move(params));
     }
 
 private:
     static Answer event(unsigned code, std::vector<Param> more = {}) {
-        more.insert(more.begin(), {pp::event, Writer().n(code, 2).bytes()});
+        more.insert(more.begin(), {pp::kEvent, Writer().n(code, 2).bytes()});
         return Answer::of(more);
     }
 };
@@ -94,20 +94,20 @@ Awaited cex_options(Reader& options) {
     return awaited;
 }
 
-constexpr unsigned ckeKey = 0;
-constexpr unsigned ckeStripe = 1;
-constexpr unsigned ckeChip = 2;
-constexpr unsigned ckeContactless = 3;
+constexpr unsigned kCkeKey = 0;
+constexpr unsigned kCkeStripe = 1;
+constexpr unsigned kCkeChip = 2;
+constexpr unsigned kCkeContactless = 3;
 
 struct CkeAnswer {
     const Device* device;
 
     Answer operator()(const KeyPressed& pressed) const {
-        return Answer::of(Writer().n(ckeKey, 1).n(static_cast<unsigned>(pressed.key), 2));
+        return Answer::of(Writer().n(kCkeKey, 1).n(static_cast<unsigned>(pressed.key), 2));
     }
-    Answer operator()(const CardInserted&) const { return Answer::of(Writer().n(ckeChip, 1).n(1, 1)); }
-    Answer operator()(const CardRemoved&) const { return Answer::of(Writer().n(ckeChip, 1).n(0, 1)); }
-    Answer operator()(const CardTapped&) const { return Answer::of(Writer().n(ckeContactless, 1).n(1, 1)); }
+    Answer operator()(const CardInserted&) const { return Answer::of(Writer().n(kCkeChip, 1).n(1, 1)); }
+    Answer operator()(const CardRemoved&) const { return Answer::of(Writer().n(kCkeChip, 1).n(0, 1)); }
+    Answer operator()(const CardTapped&) const { return Answer::of(Writer().n(kCkeContactless, 1).n(1, 1)); }
     Answer operator()(const Notice&) const { return {}; }
 
     // Enciphered tracks take more room, and the length of track 3 makes way for it.
@@ -118,7 +118,7 @@ struct CkeAnswer {
         const std::string track2 = track(swiped.card.track2);
         const std::string track3 = track(swiped.card.track3);
         Writer fields;
-        fields.n(ckeStripe, 1).n(track1.size(), 2).a(track1, 76).n(track2.size(), 2).a(track2, key ? 40 : 37);
+        fields.n(kCkeStripe, 1).n(track1.size(), 2).a(track1, 76).n(track2.size(), 2).a(track2, key ? 40 : 37);
         if (!key) fields.n(track3.size(), 3);
         return Answer::of(fields.a(track3, 104));
     }
@@ -127,8 +127,8 @@ struct CkeAnswer {
 }  // namespace
 
 Outcome cex(Call& call) {
-    const Params params("CEX", call.request, {spe::cexOpt}, {spe::timeout, spe::panMask});
-    const Awaited awaited = params.get(spe::cexOpt, cex_options);
+    const Params params("CEX", call.request, {spe::kCexOpt}, {spe::kTimeout, spe::kPanMask});
+    const Awaited awaited = params.get(spe::kCexOpt, cex_options);
     const PanMask mask = params.pan_mask().value_or(PanMask{});
     return await(call.device, awaited, params.timeout(), CexAnswer{mask});
 }

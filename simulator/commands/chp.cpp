@@ -15,8 +15,8 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t headerSize = 4;
-constexpr size_t fewestPinDigits = 4;
+constexpr size_t kHeaderSize = 4;
+constexpr size_t kFewestPinDigits = 4;
 
 enum class Operation { kOff = 0, kOn = 1, kExchange = 2, kVerify = 3 };
 
@@ -29,22 +29,22 @@ struct ChpRequest {
 };
 
 void read_pin_fields(Reader& fields, ChpRequest& request) {
-    static constexpr size_t messageWidth = 32;
-    static constexpr std::string_view formats = "0129";
-    if (request.command.size() != headerSize) throw LayoutError("CHP: CHP_CMDLEN: no header of four bytes");
+    static constexpr size_t kMessageWidth = 32;
+    static constexpr std::string_view kFormats = "0129";
+    if (request.command.size() != kHeaderSize) throw LayoutError("CHP: CHP_CMDLEN: no header of four bytes");
     request.format = static_cast<char>(fields.b("CHP_PINFMT", 1).front());
-    if (formats.find(request.format) == std::string_view::npos) throw LayoutError("CHP: CHP_PINFMT: no such format");
-    request.message = fields.s("CHP_MSG", messageWidth);
+    if (kFormats.find(request.format) == std::string_view::npos) throw LayoutError("CHP: CHP_PINFMT: no such format");
+    request.message = fields.s("CHP_MSG", kMessageWidth);
 }
 
 ChpRequest chp_request(Call& call) {
-    static constexpr size_t maxCommand = 260;
+    static constexpr size_t kMaxCommand = 260;
     Reader fields = only_block(call);
     ChpRequest request;
     request.slot = static_cast<int>(fields.n("CHP_SLOT", 1));
     request.operation = static_cast<Operation>(fields.n("CHP_OPER", 1, {0, 3}));
     const bool commands = request.operation >= Operation::kExchange;
-    const size_t size = fields.n("CHP_CMDLEN", 3, {0, commands ? maxCommand : 0});
+    const size_t size = fields.n("CHP_CMDLEN", 3, {0, commands ? kMaxCommand : 0});
     request.command = fields.h("CHP_CMD", 2 * size);
     if (request.operation == Operation::kVerify) read_pin_fields(fields, request);
     fields.end();
@@ -62,28 +62,28 @@ Outcome power_on(Chip& chip) {
 
 // Behind the header stand the length of the data and the data, and the length that is expected, each if any.
 Answer send_command(Chip& chip, ByteView command) {
-    if (command.size() < headerSize) return output(from_hex("6700"));
-    const ByteView body = command.subspan(headerSize);
+    if (command.size() < kHeaderSize) return output(from_hex("6700"));
+    const ByteView body = command.subspan(kHeaderSize);
     const size_t length = body.size() > 1 ? body.front() : 0;
     if (body.size() > 1 && (length == 0 || body.size() < length + 1 || body.size() > length + 2)) {
         return output(from_hex("6700"));
     }
-    return output(chip.exchange(command.first(headerSize), length == 0 ? ByteView() : body.subspan(1, length)));
+    return output(chip.exchange(command.first(kHeaderSize), length == 0 ? ByteView() : body.subspan(1, length)));
 }
 
 // The last format has the digits alone.
 Bytes pin_data(char format, const std::string& pin) {
-    static constexpr char digitsAlone = '9';
-    static constexpr size_t digits = 16;
-    if (format != digitsAlone) return plain_pin_block(format, pin);
+    static constexpr char kDigitsAlone = '9';
+    static constexpr size_t kDigits = 16;
+    if (format != kDigitsAlone) return plain_pin_block(format, pin);
     std::string data = pin;
-    data.resize(digits, 'F');
+    data.resize(kDigits, 'F');
     return from_hex(data);
 }
 
 // The PIN goes to the chip and nowhere else.
 Outcome verify(Call& call, const ChpRequest& request) {
-    DigitEntry entry(call.screen, request.message, fewestPinDigits, maxPinDigits, DigitEntry::Echo::kCount);
+    DigitEntry entry(call.screen, request.message, kFewestPinDigits, kMaxPinDigits, DigitEntry::Echo::kCount);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
         if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::kNocard};
         const auto typed = entry.on(event);

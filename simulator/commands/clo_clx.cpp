@@ -7,14 +7,14 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t messageWidth = 32;
-constexpr size_t maxDisplay = 128;
+constexpr size_t kMessageWidth = 32;
+constexpr size_t kMaxDisplay = 128;
 
 }  // namespace
 
 Answer clo(Call& call) {
     Reader fields = only_block(call);
-    Screen::Content content{.text = fields.s("CLO_MSG", messageWidth)};
+    Screen::Content content{.text = fields.s("CLO_MSG", kMessageWidth)};
     fields.end();
     call.screen.show(std::move(content));
     return {};
@@ -25,11 +25,11 @@ Answer clx(Call& call) {
     for (const Param& param : call.request.params()) {
         Reader value(param_name(param.id), param.data);
         switch (param.id) {
-            case spe::mfName:
+            case spe::kMfName:
                 content.media = media_name_in_s(value);
                 break;
-            case spe::dspMsg:
-                if (value.left() > maxDisplay) throw LayoutError("SPE_DSPMSG: more than 128 characters");
+            case spe::kDspMsg:
+                if (value.left() > kMaxDisplay) throw LayoutError("SPE_DSPMSG: more than 128 characters");
                 content.text = value.s("text", value.left(), Cr::kAllowed);
                 break;
             default:

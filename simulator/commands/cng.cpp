@@ -11,11 +11,11 @@ namespace {
 
 // The lengths count bytes, which travel as two digits each.
 Bytes changed_objects(Reader& request) {
-    static constexpr size_t countWidth = 2;
+    static constexpr size_t kCountWidth = 2;
     const size_t declared = request.n("CMD_LEN1", 3);
-    const size_t size = request.n("CNG_EMVDATLEN", countWidth);
-    if (declared != size + countWidth) {
-        throw LayoutError(fmt::format("CNG: CMD_LEN1: {} instead of {}", declared, size + countWidth));
+    const size_t size = request.n("CNG_EMVDATLEN", kCountWidth);
+    if (declared != size + kCountWidth) {
+        throw LayoutError(fmt::format("CNG: CMD_LEN1: {} instead of {}", declared, size + kCountWidth));
     }
     Bytes objects = request.h("CNG_EMVDAT", 2 * size);
     request.end();

@@ -17,7 +17,7 @@ namespace {
 
 using Session = Command::Session;
 
-constexpr std::array table{
+constexpr std::array kTable{
     Command{"CEX", commands::cex},
     Command{"CHP", commands::chp},
     Command{"CKE", commands::cke},
@@ -58,16 +58,16 @@ constexpr std::array table{
     Command{"TLI", commands::tli},
     Command{"TLR", commands::tlr},
 };
-static_assert(std::ranges::adjacent_find(table, std::ranges::greater_equal{}, &Command::id) == table.end(),
+static_assert(std::ranges::adjacent_find(kTable, std::ranges::greater_equal{}, &Command::id) == kTable.end(),
               "sorted and unique");
-static_assert(std::ranges::all_of(table,
+static_assert(std::ranges::all_of(kTable,
                                   [](const Command& each) {
-                                      return std::ranges::find(wire::allCommands, each.id, &wire::Command::id)
-                                             != wire::allCommands.end();
+                                      return std::ranges::find(wire::kAllCommands, each.id, &wire::Command::id)
+                                             != wire::kAllCommands.end();
                                   }),
               "known by name");
 
-constexpr size_t maxBlocks = 2;
+constexpr size_t kMaxBlocks = 2;
 
 Answer failure(const Command& command, Journal& journal) {
     try {
@@ -87,11 +87,11 @@ Answer Answer::of(std::span<const Param> params) {
     if (params.empty()) return {};
     std::vector<Writer> blocks(1);
     for (const Param& param : params) {
-        if (blocks.back().bytes().size() + paramHead + param.data.size() > maxBlock) blocks.emplace_back();
+        if (blocks.back().bytes().size() + kParamHead + param.data.size() > kMaxBlock) blocks.emplace_back();
         blocks.back().param(param);
     }
-    const bool fit = blocks.size() <= maxBlocks && std::ranges::all_of(blocks, [](const Writer& block) {
-                         return block.bytes().size() <= maxBlock;
+    const bool fit = blocks.size() <= kMaxBlocks && std::ranges::all_of(blocks, [](const Writer& block) {
+                         return block.bytes().size() <= kMaxBlock;
                      });
     if (!fit) return {.status = Status::kRspovrfl, .blocks = {}};
     Answer answer;
@@ -122,8 +122,8 @@ LayoutError out_of_place(std::string_view command, uint16_t param) {
 }
 
 const Command* find_command(std::string_view id) noexcept {
-    const auto* found = std::ranges::lower_bound(table, id, {}, &Command::id);
-    return found != table.end() && found->id == id ? found : nullptr;
+    const auto* found = std::ranges::lower_bound(kTable, id, {}, &Command::id);
+    return found != kTable.end() && found->id == id ? found : nullptr;
 }
 
 Bytes response_packet(std::string_view id, const Answer& answer) {

@@ -12,8 +12,8 @@ namespace quorvel::sim::commands {
 
 // Deletes none of them when one is not there.
 Answer dmf(Call& call) {
-    const Params params("DMF", call.request, {}, {}, {{spe::mfName, 1, SIZE_MAX}});
-    const std::vector<std::string> names = params.all(spe::mfName, media_name_in_s);
+    const Params params("DMF", call.request, {}, {}, {{spe::kMfName, 1, SIZE_MAX}});
+    const std::vector<std::string> names = params.all(spe::kMfName, media_name_in_s);
     Media& media = call.device.media;
     if (!std::ranges::all_of(names, [&](const std::string& name) { return media.has(name); })) {
         return {.status = Status::kMfnfound, .blocks = {}};

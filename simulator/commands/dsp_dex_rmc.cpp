@@ -9,12 +9,12 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t messageWidth = 32;
-constexpr size_t maxLongMessage = 160;
+constexpr size_t kMessageWidth = 32;
+constexpr size_t kMaxLongMessage = 160;
 
 Screen::Content message(Call& call, std::string_view field) {
     Reader fields = only_block(call);
-    Screen::Content content{.text = fields.s(field, messageWidth)};
+    Screen::Content content{.text = fields.s(field, kMessageWidth)};
     fields.end();
     return content;
 }
@@ -28,7 +28,7 @@ Answer dsp(Call& call) {
 
 Answer dex(Call& call) {
     Reader fields = only_block(call);
-    const size_t length = fields.n("DEX_MSGLEN", 3, {0, maxLongMessage});
+    const size_t length = fields.n("DEX_MSGLEN", 3, {0, kMaxLongMessage});
     Screen::Content content{.text = fields.s("DEX_MSG", length, Cr::kAllowed)};
     fields.end();
     call.screen.show(std::move(content));

@@ -9,20 +9,20 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t keySize = 2 * blockSize;
-constexpr size_t modulusSize = 128;
-constexpr size_t exponentSize = 3;
-constexpr uint8_t highBit = 0x80;
+constexpr size_t kKeySize = 2 * kBlockSize;
+constexpr size_t kModulusSize = 128;
+constexpr size_t kExponentSize = 3;
+constexpr uint8_t kHighBit = 0x80;
 
 // Under a master key; that of DES makes a key for DES, the first half of what it deciphers.
 Answer under_master_key(Device& device, Reader fields) {
     const bool des = fields.n("DWK_METHOD", 1, {0, 1}) == 0;
     const auto index = static_cast<int>(fields.n("DWK_MKIDX", 2));
-    const Bytes enciphered = fields.h("DWK_WKENC", 2 * keySize);
+    const Bytes enciphered = fields.h("DWK_WKENC", 2 * kKeySize);
     fields.end();
     auto key = device.keys.working(des ? KeyStrength::kDes : KeyStrength::kTdes, KeyUse::kData, index, enciphered);
     if (!key) return {.status = Status::kErrkey, .blocks = {}};
-    if (des) key->resize(blockSize);
+    if (des) key->resize(kBlockSize);
     device.drop_pan_key();
     device.panKey = std::move(key);
     return {};
@@ -30,25 +30,30 @@ Answer under_master_key(Device& device, Reader fields) {
 
 // The host takes the filling for nothing, so it may be anything.
 Bytes key_block(ByteView key) {
-    static constexpr size_t fillingBefore = 9;
-    static constexpr size_t fillingBehind = 84;
+    static constexpr size_t kFillingBefore = 9;
+    static constexpr size_t kFillingBehind = 84;
     Writer block;
-    block.a("T", 1).n(1, 1).b(random_bytes(fillingBefore)).h(key, 2 * keySize).b(random_bytes(fillingBehind)).a("X", 1);
+    block.a("T", 1)
+        .n(1, 1)
+        .b(random_bytes(kFillingBefore))
+        .h(key, 2 * kKeySize)
+        .b(random_bytes(kFillingBehind))
+        .a("X", 1);
     return block.bytes();
 }
 
 // Under the host's public key.
 Answer under_public_key(Device& device, Reader fields) {
     RsaPublicKey host;
-    host.modulus = fields.h("DWK_MOD", 2 * modulusSize);
-    host.exponent = fields.h("DWK_EXP", 2 * exponentSize);
+    host.modulus = fields.h("DWK_MOD", 2 * kModulusSize);
+    host.exponent = fields.h("DWK_EXP", 2 * kExponentSize);
     fields.end();
-    if (host.modulus.front() < highBit) throw LayoutError("DWK: DWK_MOD: less than 1024 bits");
-    Bytes key = random_bytes(keySize);
+    if (host.modulus.front() < kHighBit) throw LayoutError("DWK: DWK_MOD: less than 1024 bits");
+    Bytes key = random_bytes(kKeySize);
     const Bytes cryptogram = rsa_raw(host, key_block(key));
     device.drop_pan_key();
     device.panKey = std::move(key);
-    return Answer::of(Writer().h(cryptogram, 2 * modulusSize));
+    return Answer::of(Writer().h(cryptogram, 2 * kModulusSize));
 }
 
 }  // namespace

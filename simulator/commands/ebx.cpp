@@ -12,7 +12,7 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t maxData = 256;
+constexpr size_t kMaxData = 256;
 
 LayoutError missing(std::string_view what) {
     return LayoutError(fmt::format("EBX: {} is missing", what), Status::kMandat);
@@ -20,7 +20,7 @@ LayoutError missing(std::string_view what) {
 
 void require_whole_blocks(const std::optional<Bytes>& data) {
     if (!data) throw missing("SPE_DATAIN");
-    if (data->empty() || data->size() > maxData || data->size() % blockSize != 0) {
+    if (data->empty() || data->size() > kMaxData || data->size() % kBlockSize != 0) {
         throw LayoutError(fmt::format("SPE_DATAIN: {} bytes", data->size()));
     }
 }
@@ -39,7 +39,7 @@ Answer ebx(Call& call) {
     std::optional<Bytes> data;
     for (const Param& param : call.request.params()) {
         if (cipher.take(param)) continue;
-        if (param.id != spe::dataIn || data) throw out_of_place("EBX", param.id);
+        if (param.id != spe::kDataIn || data) throw out_of_place("EBX", param.id);
         data = param.data;
     }
     cipher.settle();
@@ -47,8 +47,8 @@ Answer ebx(Call& call) {
     require_whole_blocks(data);
     const auto enciphered = cipher.encipher(call.device.keys, *data);
     if (!enciphered) return {.status = Status::kErrkey, .blocks = {}};
-    std::vector<Param> answer{{pp::dataOut, enciphered->bytes}};
-    if (enciphered->ksn) answer.push_back({pp::ksn, *enciphered->ksn});
+    std::vector<Param> answer{{pp::kDataOut, enciphered->bytes}};
+    if (enciphered->ksn) answer.push_back({pp::kKsn, *enciphered->ksn});
     return Answer::of(answer);
 }
 

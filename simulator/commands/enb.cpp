@@ -9,7 +9,7 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t wkEncDigits = 32;
+constexpr size_t kWkEncDigits = 32;
 
 struct Request {
     KeyStrength strength = KeyStrength::kDes;
@@ -20,9 +20,9 @@ struct Request {
 
 // A field for 16 bytes holds either a pair of which DES uses the first half, or 8 bytes behind padding.
 Bytes des_key(const Bytes& field) {
-    const ByteView first = ByteView(field).first(blockSize);
+    const ByteView first = ByteView(field).first(kBlockSize);
     const bool padded = std::ranges::all_of(first, [](uint8_t byte) { return byte == '0'; });
-    const ByteView key = padded ? ByteView(field).last(blockSize) : first;
+    const ByteView key = padded ? ByteView(field).last(kBlockSize) : first;
     return {key.begin(), key.end()};
 }
 
@@ -30,9 +30,9 @@ Request read(Reader fields) {
     Request request;
     request.strength = fields.n("ENB_METHOD", 1, {0, 1}) == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     request.index = static_cast<int>(fields.n("ENB_KEYIDX", 2));
-    request.workingKey = fields.h("ENB_WKENC", wkEncDigits);
+    request.workingKey = fields.h("ENB_WKENC", kWkEncDigits);
     if (request.strength == KeyStrength::kDes) request.workingKey = des_key(request.workingKey);
-    request.data = fields.h("ENB_DATA", 2 * blockSize);
+    request.data = fields.h("ENB_DATA", 2 * kBlockSize);
     fields.end();
     return request;
 }
@@ -47,7 +47,7 @@ Answer enb(Call& call) {
     if (!key) return {.status = Status::kErrkey, .blocks = {}};
     const auto& panKey = call.device.panKey;
     const Bytes clear = panKey ? encipher(*panKey, request.data) : request.data;
-    return Answer::of(Writer().h(encipher(*key, clear), 2 * blockSize));
+    return Answer::of(Writer().h(encipher(*key, clear), 2 * kBlockSize));
 }
 
 }  // namespace quorvel::sim::commands

@@ -16,20 +16,20 @@ namespace {
 
 // The first digit tells whether the issuer answered; the others stand for nothing.
 bool issuer_answered(Reader& value) {
-    static constexpr uint64_t highestAnswer = 1;
-    const bool answered = value.n("answer", 1) <= highestAnswer;
+    static constexpr uint64_t kHighestAnswer = 1;
+    const bool answered = value.n("answer", 1) <= kHighestAnswer;
     static_cast<void>(value.n("others", 3));
     return answered;
 }
 
 FinishRequest finish_request(const Params& params) {
     FinishRequest request;
-    request.responseCode = params.find(spe::arc, [](Reader& value) { return response_code(value, "SPE_ARC"); });
-    const bool answered = params.get(spe::fcxOpt, issuer_answered);
+    request.responseCode = params.find(spe::kArc, [](Reader& value) { return response_code(value, "SPE_ARC"); });
+    const bool answered = params.get(spe::kFcxOpt, issuer_answered);
     if (answered && !request.responseCode) throw LayoutError("FCX: no SPE_ARC", Status::kMandat);
-    if (!answered && request.responseCode) throw out_of_place("FCX", spe::arc);
+    if (!answered && request.responseCode) throw out_of_place("FCX", spe::kArc);
     const auto data =
-        params.find(spe::emvData, [](Reader& value) { return decode_list(value.b("objects", value.left())); });
+        params.find(spe::kEmvData, [](Reader& value) { return decode_list(value.b("objects", value.left())); });
     if (data) request.issuerData = *data;
     return request;
 }
@@ -38,15 +38,15 @@ FinishRequest finish_request(const Params& params) {
 
 // Nobody is waited for: a time-out has nothing to limit.
 Answer fcx(Call& call) {
-    const Params params("FCX", call.request, {spe::fcxOpt}, {spe::arc, spe::emvData, spe::tagList, spe::timeout});
+    const Params params("FCX", call.request, {spe::kFcxOpt}, {spe::kArc, spe::kEmvData, spe::kTagList, spe::kTimeout});
     const FinishRequest request = finish_request(params);
-    const auto tags = params.find(spe::tagList, tag_list);
+    const auto tags = params.find(spe::kTagList, tag_list);
     static_cast<void>(params.timeout());
     if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FCX")) return *unfit;
     const Finished finished = finish_chip(call.device, request);
     std::vector<Param> answer;
-    answer.push_back({pp::fcxRes, Writer().n(static_cast<unsigned>(finished.decision), 3).bytes()});
-    if (!finished.scriptResults.empty()) answer.push_back({pp::isResults, finished.scriptResults});
+    answer.push_back({pp::kFcxRes, Writer().n(static_cast<unsigned>(finished.decision), 3).bytes()});
+    if (!finished.scriptResults.empty()) answer.push_back({pp::kIsResults, finished.scriptResults});
     return with_emv_data(std::move(answer), finished.objects, tags);
 }
 

@@ -10,14 +10,14 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t maxEmvData = 256;
-constexpr size_t maxScriptResults = 50;
+constexpr size_t kMaxEmvData = 256;
+constexpr size_t kMaxScriptResults = 50;
 
 // 0 for an answer of the issuer, 1 and 9 for none.
 bool issuer_answered(Reader& fields) {
-    static constexpr uint64_t highestFailure = 9;
+    static constexpr uint64_t kHighestFailure = 9;
     const uint64_t status = fields.n("FNC_COMMST", 1);
-    if (status > 1 && status != highestFailure) throw LayoutError("FNC: FNC_COMMST: no such status");
+    if (status > 1 && status != kHighestFailure) throw LayoutError("FNC: FNC_COMMST: no such status");
     return status == 0;
 }
 
@@ -55,7 +55,7 @@ Answer fnc(Call& call) {
     const Finished finished = finish_chip(call.device, request);
     const Bytes found = encode(finished.objects, wanted);
     const Bytes& results = finished.scriptResults;
-    if (found.size() > maxEmvData || results.size() > maxScriptResults) return {.status = Status::kRspovrfl};
+    if (found.size() > kMaxEmvData || results.size() > kMaxScriptResults) return {.status = Status::kRspovrfl};
     Writer answer;
     answer.n(static_cast<unsigned>(finished.decision), 1).n(found.size(), 3).h(found, 2 * found.size());
     return Answer::of(answer.n(results.size(), 2).h(results, 2 * results.size()).n(0, 3));

@@ -17,8 +17,8 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr unsigned anyType = 99;
-constexpr size_t maxYear = 99;
+constexpr unsigned kAnyType = 99;
+constexpr size_t kMaxYear = 99;
 
 struct GcrRequest {
     CardRequest card;
@@ -35,7 +35,7 @@ Bytes three_numbers(Reader& fields, std::string_view field, std::array<Range, 3>
 void read_records(Reader& fields, CardRequest& request) {
     for (uint64_t count = fields.n("GCR_QTDAID", 2); count > 0; --count) {
         const auto acquirer = static_cast<unsigned>(fields.n("GCR_AIDLIST", 2));
-        request.records.emplace(acquirer, fields.a("GCR_AIDLIST", recordIndexWidth));
+        request.records.emplace(acquirer, fields.a("GCR_AIDLIST", kRecordIndexWidth));
     }
     if (!request.records.empty() && !request.types.empty()) {
         throw LayoutError("GCR: GCR_AIDLIST: beside an application type");
@@ -50,11 +50,11 @@ GcrRequest gcr_request(Reader& request) {
     request.end();
     read.card.acquirer = static_cast<unsigned>(fields.n("GCR_ACQIDXREQ", 2));
     const auto type = static_cast<unsigned>(fields.n("GCR_APPTYPREQ", 2));
-    if (type != 0 && type != anyType) read.card.types.insert(type);
-    read.card.objects[tag::amount] = bcd(fields.n("GCR_AMOUNT", amountDigits), amountDigits / 2);
-    read.card.objects[tag::date] = three_numbers(fields, "GCR_DATE", {{{0, maxYear}, {1, 12}, {1, 31}}});
-    read.card.objects[tag::time] = three_numbers(fields, "GCR_TIME", {{{0, 23}, {0, 59}, {0, 59}}});
-    read.version = fields.a("GCR_TABVER", tableVersionWidth);
+    if (type != 0 && type != kAnyType) read.card.types.insert(type);
+    read.card.objects[tag::kAmount] = bcd(fields.n("GCR_AMOUNT", kAmountDigits), kAmountDigits / 2);
+    read.card.objects[tag::kDate] = three_numbers(fields, "GCR_DATE", {{{0, kMaxYear}, {1, 12}, {1, 31}}});
+    read.card.objects[tag::kTime] = three_numbers(fields, "GCR_TIME", {{{0, 23}, {0, 59}, {0, 59}}});
+    read.version = fields.a("GCR_TABVER", kTableVersionWidth);
     read_records(fields, read.card);
     fields.end();
     return read;
@@ -70,19 +70,19 @@ Status tables_status(const Tables& tables, const GcrRequest& request) {
 
 // For two acquirers, each with a layout of its own.
 Writer acquirer_fields(const CardRead& read) {
-    static constexpr unsigned firstAcquirer = 1;
-    static constexpr unsigned secondAcquirer = 2;
-    static constexpr size_t dataDigits = 32;
-    static constexpr size_t textWidth = 16;
-    static constexpr size_t shortDataDigits = 10;
+    static constexpr unsigned kFirstAcquirer = 1;
+    static constexpr unsigned kSecondAcquirer = 2;
+    static constexpr size_t kDataDigits = 32;
+    static constexpr size_t kTextWidth = 16;
+    static constexpr size_t kShortDataDigits = 10;
     Writer fields;
     if (!read.application) return fields;
     const Bytes& aid = read.application->aid;
-    if (read.application->acquirer == firstAcquirer) {
-        fields.n(2 * aid.size(), 2).h(aid, dataDigits).a(read.application->label, textWidth).a("", textWidth);
+    if (read.application->acquirer == kFirstAcquirer) {
+        fields.n(2 * aid.size(), 2).h(aid, kDataDigits).a(read.application->label, kTextWidth).a("", kTextWidth);
     }
-    if (read.application->acquirer == secondAcquirer) {
-        fields.h(ByteView(aid).first(std::min(aid.size(), shortDataDigits / 2)), shortDataDigits);
+    if (read.application->acquirer == kSecondAcquirer) {
+        fields.h(ByteView(aid).first(std::min(aid.size(), kShortDataDigits / 2)), kShortDataDigits);
     }
     return fields;
 }
@@ -90,45 +90,45 @@ Writer acquirer_fields(const CardRead& read) {
 void write_application(Writer& fields, const std::optional<Application>& application) {
     const Application none{.aid = {}, .type = 0, .record = "00"};
     const Application& of = application.value_or(none);
-    fields.n(of.type, 2).n(of.acquirer, 2).a(of.record, recordIndexWidth);
+    fields.n(of.type, 2).n(of.acquirer, 2).a(of.record, kRecordIndexWidth);
 }
 
 // Enciphered tracks take more room, and the length of track 3 makes way for it.
 void write_tracks(Writer& fields, const Card& card, const std::optional<Bytes>& key) {
-    static constexpr size_t track1Width = 76;
-    static constexpr size_t track2Width = 37;
-    static constexpr size_t protectedTrack2Width = 40;
-    static constexpr size_t track3Width = 104;
-    static constexpr size_t panWidth = 19;
+    static constexpr size_t kTrack1Width = 76;
+    static constexpr size_t kTrack2Width = 37;
+    static constexpr size_t kProtectedTrack2Width = 40;
+    static constexpr size_t kTrack3Width = 104;
+    static constexpr size_t kPanWidth = 19;
     const auto text = [&](const std::string& clear) { return key ? protect_pan(clear, *key) : clear; };
     const std::string track1 = text(card.track1);
     const std::string track2 = text(card.track2);
     const std::string track3 = text(card.track3);
     const std::string pan = text(card.pan);
-    fields.n(track1.size(), 2).a(track1, track1Width);
-    fields.n(track2.size(), 2).a(track2, key ? protectedTrack2Width : track2Width);
+    fields.n(track1.size(), 2).a(track1, kTrack1Width);
+    fields.n(track2.size(), 2).a(track2, key ? kProtectedTrack2Width : kTrack2Width);
     if (!key) fields.n(track3.size(), 3);
-    fields.a(track3, track3Width).n(pan.size(), 2).a(pan, panWidth);
+    fields.a(track3, kTrack3Width).n(pan.size(), 2).a(pan, kPanWidth);
 }
 
 void write_holder(Writer& fields, const CardRead& read) {
-    static constexpr size_t labelWidth = 16;
-    static constexpr size_t nameWidth = 26;
+    static constexpr size_t kLabelWidth = 16;
+    static constexpr size_t kNameWidth = 26;
     const Card& card = read.card;
-    fields.n(card.panSequence, 2).a(read.application ? read.application->label : "", labelWidth);
-    fields.b(to_bytes(fmt::format("{:0>3}", card.serviceCode))).a(card.name, nameWidth);
+    fields.n(card.panSequence, 2).a(read.application ? read.application->label : "", kLabelWidth);
+    fields.b(to_bytes(fmt::format("{:0>3}", card.serviceCode))).a(card.name, kNameWidth);
     fields.b(to_bytes(fmt::format("{:0>6}", card.expiry)));
 }
 
 Answer gcr_answer(const CardRead& read, const std::optional<Bytes>& panKey) {
-    static constexpr size_t moreWidth = 29;
+    static constexpr size_t kMoreWidth = 29;
     Writer fields;
     fields.n(static_cast<unsigned>(read.type), 2).n(static_cast<unsigned>(read.lastChip), 1);
     write_application(fields, read.application);
     write_tracks(fields, read.card, panKey);
     write_holder(fields, read);
     const Bytes more = acquirer_fields(read).bytes();
-    return Answer::of(fields.a("", moreWidth).n(read.card.issuerCountry, 3).n(more.size(), 3).b(more));
+    return Answer::of(fields.a("", kMoreWidth).n(read.card.issuerCountry, 3).n(more.size(), 3).b(more));
 }
 
 Outcome read_for_gcr(Call& call, const CardRequest& request) {

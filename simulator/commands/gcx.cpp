@@ -19,15 +19,15 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t dateDigits = 6;
-constexpr size_t maxTypes = 10;
-constexpr size_t maxRecords = 128;
+constexpr size_t kDateDigits = 6;
+constexpr size_t kMaxTypes = 10;
+constexpr size_t kMaxRecords = 128;
 
-Bytes digits(Reader& value) { return bcd(value.n("digits", dateDigits), dateDigits / 2); }
+Bytes digits(Reader& value) { return bcd(value.n("digits", kDateDigits), kDateDigits / 2); }
 
 std::set<unsigned> types(Reader& value) {
     std::set<unsigned> types;
-    for (size_t count = 0; count == 0 || (value.left() != 0 && count < maxTypes); ++count) {
+    for (size_t count = 0; count == 0 || (value.left() != 0 && count < kMaxTypes); ++count) {
         types.insert(static_cast<unsigned>(value.n("type", 2, {1, 98})));
     }
     return types;
@@ -35,9 +35,9 @@ std::set<unsigned> types(Reader& value) {
 
 std::set<std::pair<unsigned, std::string>> records(Reader& value) {
     std::set<std::pair<unsigned, std::string>> records;
-    for (size_t count = 0; count == 0 || (value.left() != 0 && count < maxRecords); ++count) {
+    for (size_t count = 0; count == 0 || (value.left() != 0 && count < kMaxRecords); ++count) {
         const auto acquirer = static_cast<unsigned>(value.n("acquirer", 2));
-        records.emplace(acquirer, value.a("record", recordIndexWidth));
+        records.emplace(acquirer, value.a("record", kRecordIndexWidth));
     }
     return records;
 }
@@ -51,14 +51,14 @@ bool allows_contactless(Reader& value) {
 
 CardRequest card_request(const Params& params) {
     CardRequest request;
-    request.acquirer = params.find(spe::acqRef, two_digits).value_or(0);
-    request.types = params.find(spe::appType, types).value_or(request.types);
-    request.records = params.find(spe::aidList, records).value_or(request.records);
-    request.contactless = params.find(spe::gcxOpt, allows_contactless).value_or(true);
-    request.message = params.find(spe::dspMsg, message).value_or("");
+    request.acquirer = params.find(spe::kAcqRef, two_digits).value_or(0);
+    request.types = params.find(spe::kAppType, types).value_or(request.types);
+    request.records = params.find(spe::kAidList, records).value_or(request.records);
+    request.contactless = params.find(spe::kGcxOpt, allows_contactless).value_or(true);
+    request.message = params.find(spe::kDspMsg, message).value_or("");
     request.objects = transaction_objects(params);
-    request.objects[tag::date] = params.get(spe::trnDate, digits);
-    request.objects[tag::time] = params.get(spe::trnTime, digits);
+    request.objects[tag::kDate] = params.get(spe::kTrnDate, digits);
+    request.objects[tag::kTime] = params.get(spe::kTrnTime, digits);
     return request;
 }
 
@@ -73,31 +73,31 @@ void add_text(std::vector<Param>& params, uint16_t id, const std::string& text) 
 // Card number and tracks go out masked: GTK gives them whole, or enciphered.
 void add_card(std::vector<Param>& params, const Card& card, const PanMask& mask) {
     const auto open = [&](const std::string& text) { return masked(text, card.pan.size(), mask); };
-    add_text(params, pp::pan, open(card.pan));
-    add_text(params, pp::trk1Inc, open(card.track1));
-    add_text(params, pp::trk2Inc, open(card.track2));
-    add_text(params, pp::trk3Inc, open(card.track3));
-    add_text(params, pp::chName, card.name);
-    add_text(params, pp::cardExp, card.expiry);
+    add_text(params, pp::kPan, open(card.pan));
+    add_text(params, pp::kTrk1Inc, open(card.track1));
+    add_text(params, pp::kTrk2Inc, open(card.track2));
+    add_text(params, pp::kTrk3Inc, open(card.track3));
+    add_text(params, pp::kChName, card.name);
+    add_text(params, pp::kCardExp, card.expiry);
 }
 
 void add_application(std::vector<Param>& params, const Application& application, const Card& card) {
     params.push_back(
-        {pp::aidTabInfo, Writer().n(application.acquirer, 2).a(application.record, 2).n(application.type, 2).bytes()});
-    add_text(params, pp::label, application.label);
-    add_number(params, pp::panSeqNo, card.panSequence, 2);
-    add_number(params, pp::issCntry, card.issuerCountry, 3);
+        {pp::kAidTabInfo, Writer().n(application.acquirer, 2).a(application.record, 2).n(application.type, 2).bytes()});
+    add_text(params, pp::kLabel, application.label);
+    add_number(params, pp::kPanSeqNo, card.panSequence, 2);
+    add_number(params, pp::kIssCntry, card.issuerCountry, 3);
 }
 
 Answer gcx_answer(const CardRead& read, const PanMask& mask, const std::optional<std::vector<Tag>>& tags) {
-    static constexpr unsigned cardDevice = 0;
+    static constexpr unsigned kCardDevice = 0;
     std::vector<Param> params;
-    add_number(params, pp::cardType, static_cast<unsigned>(read.type), 2);
-    add_number(params, pp::iccStat, static_cast<unsigned>(read.lastChip), 1);
+    add_number(params, pp::kCardType, static_cast<unsigned>(read.type), 2);
+    add_number(params, pp::kIccStat, static_cast<unsigned>(read.lastChip), 1);
     add_card(params, read.card, mask);
     if (read.application) add_application(params, *read.application, read.card);
     if (read.type == CardType::kContactless || read.type == CardType::kContactlessStripe) {
-        add_number(params, pp::devType, cardDevice, 2);
+        add_number(params, pp::kDevType, kCardDevice, 2);
     }
     return with_emv_data(std::move(params), read.objects, tags);
 }
@@ -106,12 +106,12 @@ Answer gcx_answer(const CardRead& read, const PanMask& mask, const std::optional
 
 Outcome gcx(Call& call) {
     const Params params(
-        "GCX", call.request, {spe::trnDate, spe::trnTime},
-        {spe::trnType, spe::acqRef, spe::appType, spe::aidList, spe::amount, spe::cashback, spe::trnCurr, spe::gcxOpt,
-         spe::panMask, spe::emvData, spe::tagList, spe::timeout, spe::dspMsg});
+        "GCX", call.request, {spe::kTrnDate, spe::kTrnTime},
+        {spe::kTrnType, spe::kAcqRef, spe::kAppType, spe::kAidList, spe::kAmount, spe::kCashback, spe::kTrnCurr,
+         spe::kGcxOpt, spe::kPanMask, spe::kEmvData, spe::kTagList, spe::kTimeout, spe::kDspMsg});
     const CardRequest request = card_request(params);
     const PanMask mask = params.pan_mask().value_or(PanMask{});
-    const auto tags = params.find(spe::tagList, tag_list);
+    const auto tags = params.find(spe::kTagList, tag_list);
     return read_card(call, request, params.timeout(),
                      [mask, tags](const CardRead& read) { return gcx_answer(read, mask, tags); });
 }

@@ -9,8 +9,8 @@ namespace quorvel::sim::commands {
 
 // Of the transaction, whether or not its card is still there.
 Answer ged(Call& call) {
-    const Params params("GED", call.request, {spe::tagList});
-    const std::vector<Tag> tags = params.get(spe::tagList, tag_list);
+    const Params params("GED", call.request, {spe::kTagList});
+    const std::vector<Tag> tags = params.get(spe::kTagList, tag_list);
     const auto& transaction = call.device.transaction;
     if (!transaction) return out_of_sequence(call, "GED without a chip that was read");
     return with_emv_data({}, transaction->objects, tags);

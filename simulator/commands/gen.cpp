@@ -15,8 +15,8 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr int highestSlot = 8;
-constexpr std::string_view hexDigits = "0123456789ABCDEF";
+constexpr int kHighestSlot = 8;
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 Answer refused(Status status) { return {.status = status, .blocks = {}}; }
 
@@ -26,7 +26,7 @@ Answer output(const Writer& fields) { return output(fields.bytes().size(), field
 
 // For each index of a range whether there is a key.
 Outcome key_query(Call& call, Reader fields) {
-    static constexpr uint64_t firstDukpt = 2;
+    static constexpr uint64_t kFirstDukpt = 2;
     const uint64_t type = fields.n("GEN02K3_KEYTYPE", 1, {0, 3});
     const KeyUse use = fields.n("GEN02K3_KEYUSE", 1, {0, 1}) == 0 ? KeyUse::kPin : KeyUse::kData;
     const size_t first = fields.n("GEN02K3_IDXINI", 2);
@@ -34,7 +34,7 @@ Outcome key_query(Call& call, Reader fields) {
     fields.end();
     const KeyStrength strength = type % 2 == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     const KeyStore& keys = call.device.keys;
-    const std::string map = type < firstDukpt ? keys.master_map(strength, use) : keys.dukpt_map(strength, use);
+    const std::string map = type < kFirstDukpt ? keys.master_map(strength, use) : keys.dukpt_map(strength, use);
     return output(Writer().a(std::string_view(map).substr(first, last - first + 1), last - first + 1));
 }
 
@@ -43,7 +43,7 @@ std::vector<Tag> tags_in(Reader& fields) {
     return split_tags(list);
 }
 
-constexpr size_t maxTagOutput = 256;
+constexpr size_t kMaxTagOutput = 256;
 
 // Of the card that was read last, whether or not it is still there. The length counts digits.
 Outcome read_tags(Call& call, Reader fields) {
@@ -52,17 +52,17 @@ Outcome read_tags(Call& call, Reader fields) {
     if (!card || !card->chip) return refused(Status::kNocard);
     const auto& transaction = call.device.transaction;
     const Bytes found = encode(transaction ? transaction->objects : card->objects(), tags);
-    if (found.size() > maxTagOutput) return refused(Status::kRspovrfl);
+    if (found.size() > kMaxTagOutput) return refused(Status::kRspovrfl);
     return output(Writer().h(found, 2 * found.size()));
 }
 
 // Once a PAN working key is loaded the host sends the data deciphered under it: that comes off first.
 Outcome encipher_data(Call& call, Reader fields) {
-    static constexpr uint64_t dukptTdes = 3;
-    static constexpr size_t maxDigits = 256;
-    fields.n("GEN0303_METHOD", 1, {dukptTdes, dukptTdes});
+    static constexpr uint64_t kDukptTdes = 3;
+    static constexpr size_t kMaxDigits = 256;
+    fields.n("GEN0303_METHOD", 1, {kDukptTdes, kDukptTdes});
     const auto index = static_cast<int>(fields.n("GEN0303_IDX", 2));
-    if (fields.left() > maxDigits || fields.left() % (2 * blockSize) != 0) {
+    if (fields.left() > kMaxDigits || fields.left() % (2 * kBlockSize) != 0) {
         throw LayoutError(fmt::format("GEN: GEN0303_INPUT: {} digits", fields.left()));
     }
     const Bytes input = fields.h("GEN0303_INPUT", fields.left());
@@ -73,13 +73,13 @@ Outcome encipher_data(Call& call, Reader fields) {
     return output(Writer().h(key->ksn, 2 * key->ksn.size()).h(encipher(key->key, clear), 2 * clear.size()));
 }
 
-int slot_in(Reader& fields) { return static_cast<int>(fields.n("GEN_SLOT", 1, {0, highestSlot})); }
+int slot_in(Reader& fields) { return static_cast<int>(fields.n("GEN_SLOT", 1, {0, kHighestSlot})); }
 
 enum class Power { kOn = 1, kReset = 2, kOff = 3, kQuery = 4 };
 
 // Answers whether there is a chip, whether it has power, and with power what it answered to the reset.
 Outcome power(Call& call, Reader fields) {
-    static constexpr size_t maxAtr = 36;
+    static constexpr size_t kMaxAtr = 36;
     const auto operation = static_cast<Power>(fields.n("GEN0401_OPER", 1, {1, 4}));
     const int slot = slot_in(fields);
     fields.end();
@@ -88,7 +88,7 @@ Outcome power(Call& call, Reader fields) {
     if (chip != nullptr && operation != Power::kQuery) chip->powered = operation != Power::kOff;
     const bool powered = chip != nullptr && chip->powered;
     const Bytes atr = powered ? chip->atr : Bytes();
-    return output(Writer().n(chip != nullptr ? 1 : 0, 1).n(powered ? 1 : 0, 1).n(atr.size(), 2).h(atr, 2 * maxAtr));
+    return output(Writer().n(chip != nullptr ? 1 : 0, 1).n(powered ? 1 : 0, 1).n(atr.size(), 2).h(atr, 2 * kMaxAtr));
 }
 
 enum class Exchange { kDone = 0, kNoPower = 1 };
@@ -108,23 +108,23 @@ ApduResponse exchange(Chip& chip, ByteView header, ByteView data) {
 
 // As a chip does it: less room than there are data gets none of them, but their number.
 void limit(ApduResponse& response, size_t expected) {
-    static constexpr uint8_t wrongLength = 0x6C;
+    static constexpr uint8_t kWrongLength = 0x6C;
     if (expected == 0) response.data.clear();
     if (response.data.size() <= expected) return;
-    response.statusWord = {wrongLength, static_cast<uint8_t>(response.data.size())};
+    response.statusWord = {kWrongLength, static_cast<uint8_t>(response.data.size())};
     response.data.clear();
 }
 
-constexpr size_t headerDigits = 8;
+constexpr size_t kHeaderDigits = 8;
 
 Outcome exchange_apdu(Call& call, Reader fields) {
-    static constexpr size_t maxData = 255;
-    static constexpr size_t maxExpected = 256;
+    static constexpr size_t kMaxData = 255;
+    static constexpr size_t kMaxExpected = 256;
     const int slot = slot_in(fields);
-    const Bytes header = fields.h("GEN0402_HEADER", headerDigits);
-    const size_t length = fields.n("GEN0402_LC", 3, {0, maxData});
+    const Bytes header = fields.h("GEN0402_HEADER", kHeaderDigits);
+    const size_t length = fields.n("GEN0402_LC", 3, {0, kMaxData});
     const Bytes data = fields.h("GEN0402_DATA", 2 * length);
-    const size_t expected = fields.n("GEN0402_LE", 3, {0, maxExpected});
+    const size_t expected = fields.n("GEN0402_LE", 3, {0, kMaxExpected});
     fields.end();
     Chip* const chip = chip_in(call.device, slot);
     if (chip == nullptr) return refused(absence(slot));
@@ -147,17 +147,17 @@ struct PinRequest {
 };
 
 PinRequest read_pin_request(Reader& fields) {
-    static constexpr size_t messageWidth = 32;
+    static constexpr size_t kMessageWidth = 32;
     PinRequest request;
     request.slot = slot_in(fields);
-    request.header = fields.h("GEN0403_HEADER", headerDigits);
+    request.header = fields.h("GEN0403_HEADER", kHeaderDigits);
     request.format = static_cast<char>(fields.b("GEN0403_FORMAT", 1).front());
-    if (hexDigits.find(request.format) == std::string_view::npos) {
+    if (kHexDigits.find(request.format) == std::string_view::npos) {
         throw LayoutError("GEN: GEN0403_FORMAT: no hexadecimal digit");
     }
     request.fewest = fields.n("GEN0403_PINMIN", 2);
-    request.most = std::min<size_t>(fields.n("GEN0403_PINMAX", 2, {request.fewest, 99}), maxPinDigits);
-    request.message = fields.s("GEN0403_MSG", messageWidth);
+    request.most = std::min<size_t>(fields.n("GEN0403_PINMAX", 2, {request.fewest, 99}), kMaxPinDigits);
+    request.message = fields.s("GEN0403_MSG", kMessageWidth);
     fields.end();
     return request;
 }
@@ -191,7 +191,7 @@ Outcome read_slot_tags(Call& call, Reader fields) {
     const auto& card = call.device.chip;
     if (!card || !card->chip) return refused(Status::kNocard);
     const Bytes found = encode(card->objects(), tags);
-    if (found.size() > maxTagOutput) return refused(Status::kRspovrfl);
+    if (found.size() > kMaxTagOutput) return refused(Status::kRspovrfl);
     return output(found.size(), Writer().h(found, 2 * found.size()));
 }
 
@@ -201,7 +201,7 @@ struct SubCommand {
     Outcome (*handle)(Call& call, Reader fields);
 };
 
-constexpr std::array subCommands{
+constexpr std::array kSubCommands{
     SubCommand{"02", "K3", key_query},      SubCommand{"03", "02", read_tags},
     SubCommand{"03", "03", encipher_data},  SubCommand{"04", "01", power},
     SubCommand{"04", "02", exchange_apdu},  SubCommand{"04", "03", verify_pin},
@@ -217,8 +217,8 @@ Outcome gen(Call& call) {
     envelope.end();
     const std::string id = fields.a("GEN_SUBCMD", 2);
     const auto* found = std::ranges::find_if(
-        subCommands, [&](const SubCommand& known) { return known.group == group && known.id == id; });
-    if (found != subCommands.end()) return found->handle(call, fields);
+        kSubCommands, [&](const SubCommand& known) { return known.group == group && known.id == id; });
+    if (found != kSubCommands.end()) return found->handle(call, fields);
     call.journal.record(Finding{Finding::Kind::kUnsupported, fmt::format("GEN: there is no {}/{}", group, id)});
     return refused(Status::kInvcall);
 }

@@ -11,7 +11,7 @@ namespace quorvel::sim::commands {
 namespace {
 
 // Those whose code is also a status.
-constexpr std::array statusKeys{Key::kEnter, Key::kF1, Key::kF2, Key::kF3, Key::kF4, Key::kClear, Key::kCancel};
+constexpr std::array kStatusKeys{Key::kEnter, Key::kF1, Key::kF2, Key::kF3, Key::kF4, Key::kClear, Key::kCancel};
 
 }  // namespace
 
@@ -19,7 +19,8 @@ Outcome gky(Call& call) {
     call.request.end();
     return Wait{[](const Event& event) -> std::optional<Answer> {
         const auto* pressed = std::get_if<KeyPressed>(&event);
-        if (pressed == nullptr || std::ranges::find(statusKeys, pressed->key) == statusKeys.end()) return std::nullopt;
+        if (pressed == nullptr || std::ranges::find(kStatusKeys, pressed->key) == kStatusKeys.end())
+            return std::nullopt;
         return Answer{.status = static_cast<Status>(pressed->key)};
     }};
 }

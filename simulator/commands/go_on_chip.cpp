@@ -16,7 +16,7 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t fewestPinDigits = 4;
+constexpr size_t kFewestPinDigits = 4;
 
 // From 1 to 99, as the random selection draws it.
 unsigned draw() {
@@ -90,7 +90,7 @@ private:
 
     void ask() {
         const std::string& message = request_.message;
-        entry_.emplace(screen_, message.empty() ? "ENTER THE PIN" : message, fewestPinDigits, maxPinDigits,
+        entry_.emplace(screen_, message.empty() ? "ENTER THE PIN" : message, kFewestPinDigits, kMaxPinDigits,
                        DigitEntry::Echo::kCount);
     }
 
@@ -121,11 +121,11 @@ private:
 
     Answer decide() {
         DataObjects& objects = transaction().objects;
-        objects[tag::verificationResults] = verification_results(verified_);
+        objects[tag::kVerificationResults] = verification_results(verified_);
         const Chip::First wish = is_chip() ? chip().first : Chip::First::kAsAsked;
         const Decision decision = first_decision(request_.risk, verified_, wish, draw(), objects);
         if (decision != Decision::kOnline) {
-            objects[tag::responseCode] = to_bytes(decision == Decision::kApproved ? "Y1" : "Z1");
+            objects[tag::kResponseCode] = to_bytes(decision == Decision::kApproved ? "Y1" : "Z1");
         }
         generate(objects, cryptogram(decision));
         transaction().stage =

@@ -18,13 +18,15 @@ namespace {
 
 // A master key's method needs the working key, a DUKPT method has none.
 PinKey pin_key(const Params& params) {
-    static constexpr std::array<size_t, 4> sizes{8, 16, 0, 0};
+    static constexpr std::array<size_t, 4> kSizes{8, 16, 0, 0};
     PinKey key;
-    key.method = static_cast<int>(params.get(spe::mthdPin, [](Reader& value) { return value.n("method", 1, {0, 3}); }));
-    key.index = static_cast<int>(params.get(spe::keyIdx, two_digits));
-    const size_t size = sizes.at(static_cast<size_t>(key.method));
-    const auto workingKey = params.find(spe::wkEnc, [](Reader& value) { return value.b("key", value.left()); });
-    if (workingKey && size == 0) throw out_of_place("GOX", spe::wkEnc);
+    key.method = static_cast<int>(params.get(spe::kMthdPin, [](Reader& value) {
+        return value.n("method", 1, {0, 3});
+    }));
+    key.index = static_cast<int>(params.get(spe::kKeyIdx, two_digits));
+    const size_t size = kSizes.at(static_cast<size_t>(key.method));
+    const auto workingKey = params.find(spe::kWkEnc, [](Reader& value) { return value.b("key", value.left()); });
+    if (workingKey && size == 0) throw out_of_place("GOX", spe::kWkEnc);
     if (!workingKey && size != 0) throw LayoutError("GOX: no SPE_WKENC", Status::kMandat);
     if (workingKey && workingKey->size() != size) {
         throw LayoutError(fmt::format("SPE_WKENC: {} bytes instead of {}", workingKey->size(), size));
@@ -55,48 +57,48 @@ Risk risk(const Params& params) {
     const auto apply = [&](uint16_t id, void (*read)(Reader&, Risk&)) {
         static_cast<void>(params.find(id, [&](Reader& value) { return read(value, risk), true; }));
     };
-    apply(spe::goxOpt, read_options);
-    apply(spe::trmPar, read_terminal_parameters);
+    apply(spe::kGoxOpt, read_options);
+    apply(spe::kTrmPar, read_terminal_parameters);
     return risk;
 }
 
 Answer gox_answer(const Gone& gone, const std::optional<std::vector<Tag>>& tags, int method) {
-    static constexpr int firstDukpt = 2;
+    static constexpr int kFirstDukpt = 2;
     const Verified& verified = gone.verified;
     std::vector<Param> params;
     Writer result;
     result.n(static_cast<unsigned>(gone.decision), 1).n(verified.signature ? 1 : 0, 1);
     result.n(verified.pinOffline ? 1 : 0, 1).n(static_cast<unsigned>(verified.pinErrors), 1);
     result.n(verified.pinBlocked ? 1 : 0, 1).n(verified.pinOnline ? 1 : 0, 1);
-    params.push_back({pp::goxRes, result.bytes()});
-    if (gone.pin) params.push_back({pp::pinBlk, gone.pin->block});
-    if (gone.pin && method >= firstDukpt) params.push_back({pp::ksn, {gone.pin->ksn.begin(), gone.pin->ksn.end()}});
+    params.push_back({pp::kGoxRes, result.bytes()});
+    if (gone.pin) params.push_back({pp::kPinBlk, gone.pin->block});
+    if (gone.pin && method >= kFirstDukpt) params.push_back({pp::kKsn, {gone.pin->ksn.begin(), gone.pin->ksn.end()}});
     return with_emv_data(std::move(params), gone.objects, tags);
 }
 
 // What GCX was told, when GOX is not.
 Bytes known_amount(const Device& device) {
     const DataObjects& objects = device.transaction->objects;
-    const auto found = objects.find(tag::amount);
+    const auto found = objects.find(tag::kAmount);
     return found != objects.end() ? found->second : Bytes();
 }
 
 }  // namespace
 
 Outcome gox(Call& call) {
-    const Params params("GOX", call.request, {spe::acqRef, spe::mthdPin, spe::keyIdx},
-                        {spe::wkEnc, spe::trnType, spe::amount, spe::cashback, spe::trnCurr, spe::goxOpt, spe::dspMsg,
-                         spe::trmPar, spe::emvData, spe::tagList, spe::timeout});
+    const Params params("GOX", call.request, {spe::kAcqRef, spe::kMthdPin, spe::kKeyIdx},
+                        {spe::kWkEnc, spe::kTrnType, spe::kAmount, spe::kCashback, spe::kTrnCurr, spe::kGoxOpt,
+                         spe::kDspMsg, spe::kTrmPar, spe::kEmvData, spe::kTagList, spe::kTimeout});
     GoRequest request;
     request.key = pin_key(params);
     request.risk = risk(params);
-    request.message = params.find(spe::dspMsg, message).value_or("");
+    request.message = params.find(spe::kDspMsg, message).value_or("");
     request.objects = transaction_objects(params);
-    static_cast<void>(params.get(spe::acqRef, two_digits));
-    const auto tags = params.find(spe::tagList, tag_list);
+    static_cast<void>(params.get(spe::kAcqRef, two_digits));
+    const auto tags = params.find(spe::kTagList, tag_list);
     const auto limit = params.timeout();
     if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOX")) return *unfit;
-    const auto amount = request.objects.find(tag::amount);
+    const auto amount = request.objects.find(tag::kAmount);
     request.risk.amount = from_bcd(amount != request.objects.end() ? amount->second : known_amount(call.device));
     const int method = request.key.method;
     return go_on_chip(call, request, limit, [=](const Gone& gone) { return gox_answer(gone, tags, method); });

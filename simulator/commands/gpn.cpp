@@ -17,9 +17,9 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t messageWidth = 32;
-constexpr size_t panWidth = 19;
-constexpr uint64_t fewestPinDigits = 4;
+constexpr size_t kMessageWidth = 32;
+constexpr size_t kPanWidth = 19;
+constexpr uint64_t kFewestPinDigits = 4;
 
 struct Prompt {
     size_t fewest = 0;
@@ -35,12 +35,12 @@ struct PinRequest {
 
 // At the end of its field, behind the pairs that fill it up.
 Bytes working_key(Reader& fields, int method) {
-    static constexpr size_t fieldSize = 16;
-    static constexpr std::array<size_t, 4> sizes{8, 16, 0, 0};
-    static constexpr uint8_t filling = 0x30;
-    Bytes key = fields.h("GPN_WKENC", 2 * fieldSize);
-    const auto start = key.begin() + static_cast<std::ptrdiff_t>(fieldSize - sizes.at(static_cast<size_t>(method)));
-    if (std::any_of(key.begin(), start, [](uint8_t byte) { return byte != filling; })) {
+    static constexpr size_t kFieldSize = 16;
+    static constexpr std::array<size_t, 4> kSizes{8, 16, 0, 0};
+    static constexpr uint8_t kFilling = 0x30;
+    Bytes key = fields.h("GPN_WKENC", 2 * kFieldSize);
+    const auto start = key.begin() + static_cast<std::ptrdiff_t>(kFieldSize - kSizes.at(static_cast<size_t>(method)));
+    if (std::any_of(key.begin(), start, [](uint8_t byte) { return byte != kFilling; })) {
         throw LayoutError(fmt::format("GPN: GPN_WKENC: longer than method {} has it", method));
     }
     key.erase(key.begin(), start);
@@ -49,8 +49,8 @@ Bytes working_key(Reader& fields, int method) {
 
 // Once a PAN working key is loaded the host may send the card number under it.
 std::string card_number(Reader& fields, const std::optional<Bytes>& panKey) {
-    const size_t length = fields.n("GPN_PANLEN", 2, {0, panWidth});
-    std::string pan = fields.a("GPN_PAN", panWidth);
+    const size_t length = fields.n("GPN_PANLEN", 2, {0, kPanWidth});
+    std::string pan = fields.a("GPN_PAN", kPanWidth);
     if (pan.size() != length) {
         throw LayoutError(fmt::format("GPN: GPN_PANLEN: {} for {} characters", length, pan.size()));
     }
@@ -64,9 +64,9 @@ std::string card_number(Reader& fields, const std::optional<Bytes>& panKey) {
 // A PIN has at most 12 digits, however many the host would take.
 Prompt prompt(Reader& fields) {
     Prompt prompt;
-    prompt.fewest = fields.n("GPN_MIN", 2, {fewestPinDigits, 99});
-    prompt.most = std::min<size_t>(fields.n("GPN_MAX", 2, {prompt.fewest, 99}), maxPinDigits);
-    prompt.message = fields.s("GPN_MSG", messageWidth);
+    prompt.fewest = fields.n("GPN_MIN", 2, {kFewestPinDigits, 99});
+    prompt.most = std::min<size_t>(fields.n("GPN_MAX", 2, {prompt.fewest, 99}), kMaxPinDigits);
+    prompt.message = fields.s("GPN_MSG", kMessageWidth);
     return prompt;
 }
 
@@ -126,7 +126,7 @@ private:
 Outcome gpn(Call& call) {
     PinRequest request = pin_request(call);
     // Hosts may ask for it, but no cardholder could ever enter it.
-    if (std::ranges::any_of(request.prompts, [](const Prompt& prompt) { return prompt.fewest > maxPinDigits; })) {
+    if (std::ranges::any_of(request.prompts, [](const Prompt& prompt) { return prompt.fewest > kMaxPinDigits; })) {
         return Answer{.status = Status::kInvparm};
     }
     const auto capture = std::make_shared<Capture>(call.device, call.screen, std::move(request));

@@ -31,11 +31,11 @@ struct Item {
 };
 
 // One for each digit of SPE_TRACKS.
-constexpr std::array items{
-    Item{&Card::track1, pp::track1, pp::trk1Ksn, Form::kCharacters, true},
-    Item{&Card::track2, pp::track2, pp::trk2Ksn, Form::kPacked, true},
-    Item{&Card::track3, pp::track3, pp::trk3Ksn, Form::kPacked, true},
-    Item{&Card::pan, pp::encPan, pp::encPanKsn, Form::kPacked, false},
+constexpr std::array kItems{
+    Item{&Card::track1, pp::kTrack1, pp::kTrk1Ksn, Form::kCharacters, true},
+    Item{&Card::track2, pp::kTrack2, pp::kTrk2Ksn, Form::kPacked, true},
+    Item{&Card::track3, pp::kTrack3, pp::kTrk3Ksn, Form::kPacked, true},
+    Item{&Card::pan, pp::kEncPan, pp::kEncPanKsn, Form::kPacked, false},
 };
 
 struct Request {
@@ -58,15 +58,15 @@ Bytes packed(std::string_view text) {
 Bytes in_form(Form form, std::string_view text) { return form == Form::kPacked ? packed(text) : to_bytes(text); }
 
 Bytes whole_blocks(Form form, Bytes bytes) {
-    bytes.resize((bytes.size() + blockSize - 1) / blockSize * blockSize, form == Form::kPacked ? 0xFF : ' ');
+    bytes.resize((bytes.size() + kBlockSize - 1) / kBlockSize * kBlockSize, form == Form::kPacked ? 0xFF : ' ');
     return bytes;
 }
 
 std::string tracks(const Param& param) {
     Reader reader("SPE_TRACKS", param.data);
-    std::string digits = reader.a("digits", items.size());
+    std::string digits = reader.a("digits", kItems.size());
     reader.end();
-    if (digits.size() != items.size() || digits.find_first_not_of("01") != std::string::npos) {
+    if (digits.size() != kItems.size() || digits.find_first_not_of("01") != std::string::npos) {
         throw LayoutError("SPE_TRACKS: digits other than 0 and 1");
     }
     return digits;
@@ -85,9 +85,9 @@ Request read(Reader& reader) {
     std::optional<size_t> openDigits;
     for (const Param& param : reader.params()) {
         if (request.cipher.take(param)) continue;
-        if (param.id == spe::tracks && request.wanted.empty()) {
+        if (param.id == spe::kTracks && request.wanted.empty()) {
             request.wanted = tracks(param);
-        } else if (param.id == spe::opnDig && !openDigits) {
+        } else if (param.id == spe::kOpnDig && !openDigits) {
             openDigits = open_digits(param);
         } else {
             throw out_of_place("GTK", param.id);
@@ -127,15 +127,15 @@ Answer gtk(Call& call) {
     const auto& card = call.device.lastCard;
     if (!card) return {.status = Status::kNocard, .blocks = {}};
     std::vector<Param> answer;
-    for (size_t i = 0; i < items.size(); ++i) {
-        if (request.wanted[i] != '1' || (*card.*items[i].text).empty()) continue;
-        if (!add_item(answer, items[i], *card, request, call.device.keys)) {
+    for (size_t i = 0; i < kItems.size(); ++i) {
+        if (request.wanted[i] != '1' || (*card.*kItems[i].text).empty()) continue;
+        if (!add_item(answer, kItems[i], *card, request, call.device.keys)) {
             return {.status = Status::kErrkey, .blocks = {}};
         }
     }
     const DataMethod* method = request.cipher.method();
     if (method != nullptr && method->source == KeySource::kRandomKey) {
-        answer.push_back({pp::encKRand, request.cipher.enciphered_random_key()});
+        answer.push_back({pp::kEncKRand, request.cipher.enciphered_random_key()});
     }
     return Answer::of(answer);
 }

@@ -14,7 +14,7 @@ Answer gts(Call& call) {
     fields.end();
     const std::optional<std::string> version = call.device.tables.version(acquirer);
     if (!version) return {.status = Status::kTaberr, .blocks = {}};
-    return Answer::of(Writer().a(*version, tableVersionWidth));
+    return Answer::of(Writer().a(*version, kTableVersionWidth));
 }
 
 }  // namespace quorvel::sim::commands

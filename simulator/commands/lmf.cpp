@@ -11,7 +11,7 @@ Answer lmf(Call& call) {
     call.request.end();
     std::vector<Param> names;
     for (const auto& [name, file] : call.device.media.files()) {
-        names.push_back({pp::mfName, Writer().a(name, mediaNameWidth).bytes()});
+        names.push_back({pp::kMfName, Writer().a(name, kMediaNameWidth).bytes()});
     }
     return Answer::of(names);
 }

@@ -12,14 +12,14 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t reservedSize = 3;
+constexpr size_t kReservedSize = 3;
 
 Media::Announcement announcement(Reader& info) {
     Media::Announcement announcement;
     announcement.size = info.x("size", 4);
     announcement.crc = static_cast<uint16_t>(info.x("CRC", 2));
     announcement.type = static_cast<uint8_t>(info.x("type", 1));
-    info.x("reserved", reservedSize, {0, 0});
+    info.x("reserved", kReservedSize, {0, 0});
     return announcement;
 }
 
@@ -31,9 +31,9 @@ bool is_supported(const Identity& identity, uint8_t type) {
 }  // namespace
 
 Answer mli(Call& call) {
-    const Params params("MLI", call.request, {spe::mfName, spe::mfInfo});
-    std::string name = params.get(spe::mfName, media_name);
-    Media::Announcement file = params.get(spe::mfInfo, announcement);
+    const Params params("MLI", call.request, {spe::kMfName, spe::kMfInfo});
+    std::string name = params.get(spe::kMfName, media_name);
+    Media::Announcement file = params.get(spe::kMfInfo, announcement);
     file.name = std::move(name);
     if (!is_supported(call.device.identity, file.type)) {
         call.journal.record(
@@ -46,8 +46,8 @@ Answer mli(Call& call) {
 
 Answer mlr(Call& call) {
     if (auto unfit = unless_begun(call, call.device.media, "MLR")) return *std::move(unfit);
-    const Params params("MLR", call.request, {spe::dataIn});
-    const Bytes block = params.get(spe::dataIn, [](Reader& data) { return data.b("data", data.left()); });
+    const Params params("MLR", call.request, {spe::kDataIn});
+    const Bytes block = params.get(spe::kDataIn, [](Reader& data) { return data.b("data", data.left()); });
     if (block.empty()) throw LayoutError("MLR: no data");
     call.device.media.add(block);
     return {};

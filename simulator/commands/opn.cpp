@@ -6,16 +6,16 @@ namespace quorvel::sim::commands {
 
 namespace {
 
-constexpr size_t modulusSize = 256;
-constexpr size_t exponentSize = 3;
+constexpr size_t kModulusSize = 256;
+constexpr size_t kExponentSize = 3;
 
 RsaPublicKey public_key(Reader fields) {
     RsaPublicKey key;
     fields.n("OPN_OPMODE", 1, {0, 0});
-    fields.n("OPN_MODLEN", 3, {modulusSize, modulusSize});
-    key.modulus = fields.h("OPN_MOD", 2 * modulusSize);
-    fields.n("OPN_EXPLEN", 1, {exponentSize, exponentSize});
-    key.exponent = fields.h("OPN_EXP", 2 * exponentSize);
+    fields.n("OPN_MODLEN", 3, {kModulusSize, kModulusSize});
+    key.modulus = fields.h("OPN_MOD", 2 * kModulusSize);
+    fields.n("OPN_EXPLEN", 1, {kExponentSize, kExponentSize});
+    key.exponent = fields.h("OPN_EXP", 2 * kExponentSize);
     fields.end();
     if (key.modulus.front() < 0x80) throw LayoutError("OPN: OPN_MOD: less than 2048 bits");
     for (const Bytes* number : {&key.modulus, &key.exponent}) {
@@ -30,7 +30,7 @@ RsaPublicKey public_key(Reader fields) {
 Answer opn(Call& call) {
     if (call.request.left() == 0) return {};
     const Reader fields = only_block(call);
-    return Answer::of(Writer().n(modulusSize, 3).h(call.channel.open(public_key(fields)), 2 * modulusSize));
+    return Answer::of(Writer().n(kModulusSize, 3).h(call.channel.open(public_key(fields)), 2 * kModulusSize));
 }
 
 }  // namespace quorvel::sim::commands

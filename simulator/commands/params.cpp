@@ -27,11 +27,11 @@ Params::Params(std::string_view command, Reader& request, Ids once, Ids atMostOn
 }
 
 std::optional<std::chrono::seconds> Params::timeout() const {
-    return find(spe::timeout, [](Reader& value) { return std::chrono::seconds(value.x("seconds", 1)); });
+    return find(spe::kTimeout, [](Reader& value) { return std::chrono::seconds(value.x("seconds", 1)); });
 }
 
 std::optional<PanMask> Params::pan_mask() const {
-    return find(spe::panMask, [](Reader& value) {
+    return find(spe::kPanMask, [](Reader& value) {
         const size_t leading = value.n("leading", 2);
         return PanMask{leading, value.n("trailing", 2)};
     });

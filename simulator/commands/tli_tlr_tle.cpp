@@ -11,16 +11,16 @@ namespace quorvel::sim::commands {
 namespace {
 
 // Length, TAB_ID, TAB_ACQ and TAB_RECIDX.
-constexpr size_t recordHead = 3 + 1 + 2 + 2;
+constexpr size_t kRecordHead = 3 + 1 + 2 + 2;
 
 void read_record(Reader& fields, size_t number, Tables::Records& batch) {
     const auto field = [&](std::string_view name) { return fmt::format("record {}: {}", number, name); };
-    const size_t length = fields.n(field("length"), 3, {recordHead, maxBlock});
+    const size_t length = fields.n(field("length"), 3, {kRecordHead, kMaxBlock});
     Tables::Key key;
     key.table = static_cast<int>(fields.n(field("TAB_ID"), 1));
     key.acquirer = static_cast<int>(fields.n(field("TAB_ACQ"), 2));
     key.index = fields.a(field("TAB_RECIDX"), 2);
-    Bytes body = fields.b(field("body"), length - recordHead);
+    Bytes body = fields.b(field("body"), length - kRecordHead);
     if (!batch.try_emplace(std::move(key), std::move(body)).second) {
         throw LayoutError(fmt::format("TLR: record {}: another one has its key", number));
     }
@@ -38,7 +38,7 @@ Tables::Records read_records(Reader& fields, size_t count) try {
 Answer tli(Call& call) {
     Reader fields = only_block(call);
     const auto acquirer = static_cast<int>(fields.n("TLI_ACQIDX", 2));
-    std::string version = fields.a("TLI_TABVER", tableVersionWidth);
+    std::string version = fields.a("TLI_TABVER", kTableVersionWidth);
     fields.end();
     call.device.tables.begin(acquirer, std::move(version));
     return {};

@@ -8,11 +8,11 @@
 // The widths of what several commands carry.
 namespace quorvel::sim::commands {
 
-inline constexpr size_t amountDigits = 12;
-inline constexpr size_t tableVersionWidth = 10;
-inline constexpr size_t recordIndexWidth = 2;
-inline constexpr size_t maxTagList = 128;
-inline constexpr size_t maxEmvData = 512;
+inline constexpr size_t kAmountDigits = 12;
+inline constexpr size_t kTableVersionWidth = 10;
+inline constexpr size_t kRecordIndexWidth = 2;
+inline constexpr size_t kMaxTagList = 128;
+inline constexpr size_t kMaxEmvData = 512;
 
 }  // namespace quorvel::sim::commands
 

@@ -14,14 +14,14 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t longestLine = 65536;
+constexpr size_t kLongestLine = 65536;
 // Who does not read that much is not listened to either.
-constexpr size_t mostUnread = 65536;
+constexpr size_t kMostUnread = 65536;
 
 }  // namespace
 
 bool Client::wants_more() const noexcept {
-    return !ended_ && !await_ && out_.size() < mostUnread && in_.size() <= longestLine;
+    return !ended_ && !await_ && out_.size() < kMostUnread && in_.size() <= kLongestLine;
 }
 
 short Client::events() const noexcept {
@@ -44,7 +44,7 @@ void Client::read() {
 }
 
 void Client::work() {
-    while (out_.size() < mostUnread && step()) {}
+    while (out_.size() < kMostUnread && step()) {}
     write();
 }
 
@@ -64,9 +64,9 @@ bool Client::step() {
 // The last line needs no end. None when there is no whole one.
 std::optional<std::string> Client::next_line() {
     const size_t end = in_.find('\n');
-    if (end == std::string::npos && in_.size() > longestLine) {
+    if (end == std::string::npos && in_.size() > kLongestLine) {
         in_.clear();
-        if (!std::exchange(skipping_, true)) answer(refusal(fmt::format("more than {} bytes", longestLine)));
+        if (!std::exchange(skipping_, true)) answer(refusal(fmt::format("more than {} bytes", kLongestLine)));
         return std::nullopt;
     }
     if (end == std::string::npos && (!ended_ || in_.empty())) return std::nullopt;

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr size_t mostClients = 32;
+constexpr size_t kMostClients = 32;
 
 sockaddr_un address_of(const fs::path& path) {
     const std::string text = path.string();
@@ -90,7 +90,7 @@ ControlServer::~ControlServer() {
 void ControlServer::serve() {
     while (!stopping_) {
         std::vector<pollfd> polled{{wakeUp_.get(), POLLIN, 0}};
-        polled.push_back({clients_.size() < mostClients ? listener_.get() : -1, POLLIN, 0});
+        polled.push_back({clients_.size() < kMostClients ? listener_.get() : -1, POLLIN, 0});
         for (const Client& client : clients_) polled.push_back({client.socket(), client.events(), 0});
         if (::poll(polled.data(), polled.size(), patience()) < 0) continue;
         if (polled[0].revents != 0) wakeUp_.clear();

@@ -16,19 +16,19 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int64_t longestMs = 24 * 60 * 60 * 1000;
-constexpr int64_t defaultAwaitMs = 10000;
-constexpr int64_t mostTraffic = 1000;
-constexpr int64_t defaultTraffic = 20;
-constexpr size_t longestText = 32;
-constexpr size_t longestPlan = 100;
+constexpr int64_t kLongestMs = 24 * 60 * 60 * 1000;
+constexpr int64_t kDefaultAwaitMs = 10000;
+constexpr int64_t kMostTraffic = 1000;
+constexpr int64_t kDefaultTraffic = 20;
+constexpr size_t kLongestText = 32;
+constexpr size_t kLongestPlan = 100;
 
 struct NamedKey {
     std::string_view name;
     Key key;
 };
 
-constexpr std::array keys{
+constexpr std::array kKeys{
     NamedKey{"enter", Key::kEnter}, NamedKey{"clear", Key::kClear}, NamedKey{"cancel", Key::kCancel},
     NamedKey{"up", Key::kUp},       NamedKey{"down", Key::kDown},   NamedKey{"f1", Key::kF1},
     NamedKey{"f2", Key::kF2},       NamedKey{"f3", Key::kF3},       NamedKey{"f4", Key::kF4},
@@ -36,8 +36,8 @@ constexpr std::array keys{
 
 Key key_of(const std::string& name) {
     if (name.size() == 1 && is_digit(digit(name.front()))) return digit(name.front());
-    const auto* found = std::ranges::find(keys, name, &NamedKey::name);
-    if (found == keys.end()) throw RequestError(fmt::format("there is no key \"{}\"", name));
+    const auto* found = std::ranges::find(kKeys, name, &NamedKey::name);
+    if (found == kKeys.end()) throw RequestError(fmt::format("there is no key \"{}\"", name));
     return found->key;
 }
 
@@ -63,8 +63,8 @@ void press(Gestures& gestures, Arguments& arguments, const Cards&) { gestures.pr
 void type(Gestures& gestures, Arguments& arguments, const Cards&) {
     const std::string digits = arguments.text("digits");
     const auto fits = [](char character) { return is_digit(digit(character)); };
-    if (digits.size() > longestText || !std::ranges::all_of(digits, fits)) {
-        throw RequestError(fmt::format("\"digits\" is not up to {} digits", longestText));
+    if (digits.size() > kLongestText || !std::ranges::all_of(digits, fits)) {
+        throw RequestError(fmt::format("\"digits\" is not up to {} digits", kLongestText));
     }
     gestures.type(digits);
 }
@@ -83,8 +83,8 @@ void remove(Gestures& gestures, Arguments&, const Cards&) { gestures.remove(); }
 void notify(Gestures& gestures, Arguments& arguments, const Cards&) {
     const std::string text = arguments.text("text");
     const auto fits = [](char character) { return character >= ' ' && character <= '~'; };
-    if (text.empty() || text.size() > longestText || !std::ranges::all_of(text, fits)) {
-        throw RequestError(fmt::format("\"text\" is not 1 to {} characters of ASCII", longestText));
+    if (text.empty() || text.size() > kLongestText || !std::ranges::all_of(text, fits)) {
+        throw RequestError(fmt::format("\"text\" is not 1 to {} characters of ASCII", kLongestText));
     }
     gestures.notify(text);
 }
@@ -99,7 +99,7 @@ json when(Control& control, Arguments& arguments) {
     const std::string command = command_of(arguments);
     const json& acts = arguments.list("acts");
     arguments.end();
-    if (acts.size() > longestPlan) throw RequestError(fmt::format("more than {} acts", longestPlan));
+    if (acts.size() > kLongestPlan) throw RequestError(fmt::format("more than {} acts", kLongestPlan));
     Gestures gestures;
     for (const json& act : acts) {
         Arguments members(act);
@@ -114,7 +114,7 @@ json when(Control& control, Arguments& arguments) {
 }
 
 std::chrono::milliseconds milliseconds_of(Arguments& arguments, std::optional<int64_t> otherwise = {}) {
-    return std::chrono::milliseconds(arguments.number("ms", 0, longestMs, otherwise));
+    return std::chrono::milliseconds(arguments.number("ms", 0, kLongestMs, otherwise));
 }
 
 // Faults that come again and again have no end unless it is told.
@@ -171,7 +171,7 @@ Verb::Deed hang_up(Arguments& arguments) {
 
 Control::Await await(Control& control, Arguments& arguments) {
     const std::string command = arguments.has("command") ? command_of(arguments) : "";
-    const auto limit = milliseconds_of(arguments, defaultAwaitMs);
+    const auto limit = milliseconds_of(arguments, kDefaultAwaitMs);
     arguments.end();
     return {.command = command,
             .before = control.pin_pad().board().waits(command),
@@ -214,7 +214,7 @@ Verb::Deed clear_findings(Arguments& arguments) {
 }
 
 json traffic(Control& control, Arguments& arguments) {
-    const auto last = static_cast<size_t>(arguments.number("last", 1, mostTraffic, defaultTraffic));
+    const auto last = static_cast<size_t>(arguments.number("last", 1, kMostTraffic, kDefaultTraffic));
     arguments.end();
     const std::vector<Traffic> all = control.pin_pad().traffic();
     json list = json::array();
@@ -236,7 +236,7 @@ Verb::Deed stop(Arguments& arguments) {
     return [](PinPad& pinPad) { pinPad.request_stop(); };
 }
 
-constexpr std::array verbs{
+constexpr std::array kVerbs{
     Verb{"press", press, "key"},
     Verb{"type", type, "digits"},
     Verb{"choose", choose, "option"},
@@ -262,11 +262,11 @@ constexpr std::array verbs{
 
 }  // namespace
 
-std::span<const Verb> all_verbs() noexcept { return verbs; }
+std::span<const Verb> all_verbs() noexcept { return kVerbs; }
 
 const Verb& find_verb(std::string_view name) {
-    const auto* found = std::ranges::find(verbs, name, &Verb::name);
-    if (found == verbs.end()) throw RequestError(fmt::format("there is no \"{}\"", name));
+    const auto* found = std::ranges::find(kVerbs, name, &Verb::name);
+    if (found == kVerbs.end()) throw RequestError(fmt::format("there is no \"{}\"", name));
     return *found;
 }
 

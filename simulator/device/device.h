@@ -19,7 +19,7 @@
 
 namespace quorvel::sim {
 
-inline constexpr int indexCount = 100;
+inline constexpr int kIndexCount = 100;
 
 // What the PIN pad tells of itself, in the fields of GIN for index 0 and in the items of GIX.
 struct Identity {

@@ -48,8 +48,8 @@ void Media::end() {
     store(due.name, {due.type, bytes});
 }
 
-std::string media_name(Reader& value) { return valid(value.a("text", mediaNameWidth)); }
+std::string media_name(Reader& value) { return valid(value.a("text", kMediaNameWidth)); }
 
-std::string media_name_in_s(Reader& value) { return valid(value.s("text", mediaNameWidth)); }
+std::string media_name_in_s(Reader& value) { return valid(value.s("text", kMediaNameWidth)); }
 
 }  // namespace quorvel::sim

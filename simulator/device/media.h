@@ -13,7 +13,7 @@
 
 namespace quorvel::sim {
 
-inline constexpr size_t mediaNameWidth = 8;
+inline constexpr size_t kMediaNameWidth = 8;
 
 // The files that hosts have loaded. What stands inside them is not looked at.
 class Media {

@@ -13,12 +13,12 @@ namespace quorvel::sim {
 std::optional<std::string> Tables::version(int acquirer) const {
     if (versions_.empty()) return std::nullopt;
     const std::string& first = versions_.begin()->second;
-    if (acquirer == allAcquirers) {
+    if (acquirer == kAllAcquirers) {
         const bool common = std::ranges::all_of(versions_, [&](const auto& entry) { return entry.second == first; });
         return common ? std::optional(first) : std::nullopt;
     }
     auto found = versions_.find(acquirer);
-    if (found == versions_.end()) found = versions_.find(allAcquirers);
+    if (found == versions_.end()) found = versions_.find(kAllAcquirers);
     return found != versions_.end() ? std::optional(found->second) : std::nullopt;
 }
 
@@ -33,7 +33,7 @@ void Tables::begin(int acquirer, std::string version) {
 
 void Tables::add(Records batch) {
     for (const auto& [key, body] : batch) {
-        if (load_->acquirer != allAcquirers && key.acquirer != load_->acquirer) {
+        if (load_->acquirer != kAllAcquirers && key.acquirer != load_->acquirer) {
             throw LayoutError(
                 fmt::format("TLR: a record of acquirer {:02} in a load for {:02}", key.acquirer, load_->acquirer),
                 Status::kTaberr);
@@ -49,7 +49,7 @@ void Tables::add(Records batch) {
 
 void Tables::end() {
     Load load = *std::exchange(load_, std::nullopt);
-    if (load.acquirer == allAcquirers) {
+    if (load.acquirer == kAllAcquirers) {
         versions_.clear();
         records_.clear();
     }

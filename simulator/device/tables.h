@@ -17,7 +17,7 @@ namespace quorvel::sim {
 // record is not looked at.
 class Tables {
 public:
-    static constexpr int allAcquirers = 0;
+    static constexpr int kAllAcquirers = 0;
 
     struct Key {
         int table = 0;

@@ -9,13 +9,13 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr char32_t more = U'…';
-constexpr char32_t replacement = U'·';
+constexpr char32_t kMore = U'…';
+constexpr char32_t kReplacement = U'·';
 
 // Whatever a terminal might obey instead of showing it.
 bool is_control(char32_t character) { return character < 0x20 || (character >= 0x7F && character < 0xA0); }
 
-char32_t shown(char32_t character) { return is_control(character) ? replacement : character; }
+char32_t shown(char32_t character) { return is_control(character) ? kReplacement : character; }
 
 // How many bytes follow the first of a character; none for a byte that begins none.
 size_t continuation(uint8_t first) {
@@ -32,7 +32,7 @@ char32_t next(std::string_view& text) {
     if (first < 0x80 || count == 0 || text.size() <= count
         || !std::all_of(text.begin() + 1, text.begin() + 1 + static_cast<std::ptrdiff_t>(count), follows)) {
         text.remove_prefix(1);
-        return first < 0x80 ? first : replacement;
+        return first < 0x80 ? first : kReplacement;
     }
     char32_t character = first & (0x3FU >> count);
     for (size_t i = 1; i <= count; ++i) character = (character << 6U) | (static_cast<uint8_t>(text[i]) & 0x3FU);
@@ -62,7 +62,7 @@ void Canvas::put(size_t row, size_t column, char32_t character, Style style) {
 void Canvas::write(size_t row, size_t column, size_t width, std::u32string_view text, Style style) {
     const size_t count = std::min(text.size(), width);
     for (size_t i = 0; i < count; ++i) put(row, column + i, text[i], style);
-    if (text.size() > width && width > 0) put(row, column + width - 1, more, style);
+    if (text.size() > width && width > 0) put(row, column + width - 1, kMore, style);
 }
 
 void Canvas::fill(const Area& area, Style style) {

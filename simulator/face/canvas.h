@@ -24,7 +24,7 @@ enum class Style {
     kPinPad,
     kFinding
 };
-inline constexpr size_t styleCount = static_cast<size_t>(Style::kFinding) + 1;
+inline constexpr size_t kStyleCount = static_cast<size_t>(Style::kFinding) + 1;
 
 struct Size {
     size_t rows = 0;

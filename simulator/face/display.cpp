@@ -9,13 +9,13 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr char lineEnd = '\r';
+constexpr char kLineEnd = '\r';
 
 // Text that is too wide goes on in the next line: some commands send two full lines without an end between them.
 std::vector<DisplayLine> text_lines(std::string_view text, size_t columns) {
     std::vector<DisplayLine> lines;
     while (!text.empty()) {
-        const size_t end = std::min(text.find(lineEnd), text.size());
+        const size_t end = std::min(text.find(kLineEnd), text.size());
         for (std::u32string& line : wrapped(from_latin1(text.substr(0, end)), columns, 0, Break::kAnywhere)) {
             lines.push_back({std::move(line)});
         }

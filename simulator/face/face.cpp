@@ -13,8 +13,8 @@ namespace quorvel::sim {
 namespace {
 
 // By how many entries the trace is scrolled at once.
-constexpr int64_t page = 5;
-constexpr size_t shownFindings = 10;
+constexpr int64_t kPage = 5;
+constexpr size_t kShownFindings = 10;
 
 std::string waiting_words(const std::string& id) {
     const wire::Command* command = wire::find_command(id);
@@ -35,12 +35,12 @@ struct Face::Slot {
     std::string_view refused;
 };
 
-constexpr Face::Slot Face::stripeReader{[](const Card& card) { return card.has_stripe(); }, &PinPad::swipe, "swiped",
-                                        "has no stripe"};
-constexpr Face::Slot Face::chipReader{[](const Card& card) { return card.chip.has_value(); }, &PinPad::insert,
-                                      "inserted", "has no chip"};
-constexpr Face::Slot Face::antenna{[](const Card& card) { return card.contactless.has_value(); }, &PinPad::tap,
-                                   "tapped", "has no antenna"};
+constexpr Face::Slot Face::kStripeReader{[](const Card& card) { return card.has_stripe(); }, &PinPad::swipe, "swiped",
+                                         "has no stripe"};
+constexpr Face::Slot Face::kChipReader{[](const Card& card) { return card.chip.has_value(); }, &PinPad::insert,
+                                       "inserted", "has no chip"};
+constexpr Face::Slot Face::kAntenna{[](const Card& card) { return card.contactless.has_value(); }, &PinPad::tap,
+                                    "tapped", "has no antenna"};
 
 Face::Face(PinPad& pinPad, const Cards& cards, const Feed& feed)
     : pinPad_(pinPad), feed_(feed), textSize_(text_size(pinPad.device().identity.textSize)) {
@@ -60,15 +60,15 @@ void Face::move(Move move) {
         case Move::kPreviousCard:
             return take(taken_ + cards_.size() - 1);
         case Move::kSwipe:
-            return use(stripeReader);
+            return use(kStripeReader);
         case Move::kInsertOrTakeOut:
             return insert_or_take_out();
         case Move::kTap:
-            return use(antenna);
+            return use(kAntenna);
         case Move::kEarlier:
-            return scroll(-page);
+            return scroll(-kPage);
         case Move::kLater:
-            return scroll(page);
+            return scroll(kPage);
         case Move::kNewest:
             return end_.reset();
         case Move::kLeave:
@@ -81,7 +81,7 @@ void Face::take(size_t index) {
 }
 
 void Face::insert_or_take_out() {
-    if (!pinPad_.board().state().cardInserted) return use(chipReader);
+    if (!pinPad_.board().state().cardInserted) return use(kChipReader);
     remark_ = "card taken out";
     pinPad_.remove();
 }
@@ -122,7 +122,7 @@ View Face::view(size_t rows) const {
               .taken = taken_,
               .trace = feed_.before(end_.value_or(feed_.end()), rows),
               .scrolled = end_.has_value(),
-              .findings = feed_.findings(shownFindings),
+              .findings = feed_.findings(kShownFindings),
               .findingCount = feed_.finding_count()};
     for (const auto& [name, card] : cards_) view.cards.push_back(shown(name, card));
     return view;

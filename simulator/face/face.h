@@ -33,9 +33,9 @@ public:
 
 private:
     struct Slot;
-    static const Slot stripeReader;
-    static const Slot chipReader;
-    static const Slot antenna;
+    static const Slot kStripeReader;
+    static const Slot kChipReader;
+    static const Slot kAntenna;
 
     void move(Move move);
     void take(size_t index);

@@ -11,8 +11,8 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t keptEntries = 2000;
-constexpr size_t keptFindings = 100;
+constexpr size_t kKeptEntries = 2000;
+constexpr size_t kKeptFindings = 100;
 
 template <typename Item>
 void keep(std::deque<Item>& items, Item item, size_t most) {
@@ -49,10 +49,10 @@ void Feed::add(Entry entry) {
     {
         const std::lock_guard lock(mutex_);
         if (entry.kind == Entry::Kind::kFinding) {
-            keep(findings_, entry.text, keptFindings);
+            keep(findings_, entry.text, kKeptFindings);
             ++findingCount_;
         }
-        keep(entries_, std::move(entry), keptEntries);
+        keep(entries_, std::move(entry), kKeptEntries);
         ++end_;
     }
     wakeUp_.wake();

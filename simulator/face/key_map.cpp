@@ -12,11 +12,11 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr int escape = 0x1B;
-constexpr int rubOut = 0x7F;
+constexpr int kEscape = 0x1B;
+constexpr int kRubOut = 0x7F;
 
 // Terminals do not agree on what enter and backspace send, and some keep function keys for themselves.
-constexpr std::array bindings{
+constexpr std::array kBindings{
     Binding{'0', digit('0'), "0-9", "digits"},
     Binding{'1', digit('1')},
     Binding{'2', digit('2')},
@@ -31,10 +31,10 @@ constexpr std::array bindings{
     Binding{'\n', Key::kEnter},
     Binding{KEY_ENTER, Key::kEnter},
     Binding{KEY_BACKSPACE, Key::kClear, "Bksp", "CLEAR"},
-    Binding{rubOut, Key::kClear},
+    Binding{kRubOut, Key::kClear},
     Binding{'\b', Key::kClear},
     Binding{KEY_DC, Key::kClear},
-    Binding{escape, Key::kCancel, "Esc", "CANCEL"},
+    Binding{kEscape, Key::kCancel, "Esc", "CANCEL"},
     Binding{KEY_F(1), Key::kF1, "F1-F4", "F1-F4, also a-d"},
     Binding{KEY_F(2), Key::kF2},
     Binding{KEY_F(3), Key::kF3},
@@ -58,12 +58,12 @@ constexpr std::array bindings{
 
 }  // namespace
 
-std::span<const Binding> key_map() noexcept { return bindings; }
+std::span<const Binding> key_map() noexcept { return kBindings; }
 
 std::optional<Deed> deed_of(int code) noexcept {
     if (code >= 'A' && code <= 'Z') code += 'a' - 'A';
-    const auto* found = std::ranges::find(bindings, code, &Binding::code);
-    return found != bindings.end() ? std::optional(found->deed) : std::nullopt;
+    const auto* found = std::ranges::find(kBindings, code, &Binding::code);
+    return found != kBindings.end() ? std::optional(found->deed) : std::nullopt;
 }
 
 }  // namespace quorvel::sim

@@ -14,16 +14,16 @@ namespace quorvel::sim {
 namespace {
 
 // Under these the keys and the cards make room for the display and the trace.
-constexpr Size roomy{18, 72};
-constexpr size_t leftColumns = 32;
-constexpr size_t stateRows = 3;
-constexpr size_t captionColumns = 6;
-constexpr size_t keyColumns = 23;
-constexpr size_t slotColumns = 5;
-constexpr size_t shownFindings = 3;
-constexpr size_t traceIndent = 2;
+constexpr Size kRoomy{18, 72};
+constexpr size_t kLeftColumns = 32;
+constexpr size_t kStateRows = 3;
+constexpr size_t kCaptionColumns = 6;
+constexpr size_t kKeyColumns = 23;
+constexpr size_t kSlotColumns = 5;
+constexpr size_t kShownFindings = 3;
+constexpr size_t kTraceIndent = 2;
 // Fields are filled up with blanks; more of them than this tell nothing.
-constexpr size_t mostBlanks = 3;
+constexpr size_t kMostBlanks = 3;
 
 void bar(Canvas& canvas, const View& view) {
     const size_t columns = canvas.size().columns;
@@ -64,7 +64,7 @@ std::vector<Binding> captions() {
 }
 
 size_t key_rows(size_t columns) {
-    const size_t across = std::max<size_t>(columns / keyColumns, 1);
+    const size_t across = std::max<size_t>(columns / kKeyColumns, 1);
     return (captions().size() + across - 1) / across;
 }
 
@@ -75,9 +75,9 @@ void keys(Canvas& canvas, const Area& area) {
     size_t at = 0;
     for (const Binding& binding : captions()) {
         const size_t row = inner.row + at % rows;
-        const size_t column = inner.column + 1 + at / rows * keyColumns;
-        canvas.write(row, column, captionColumns, from_utf8(binding.caption), Style::kHeading);
-        canvas.write(row, column + captionColumns, keyColumns - captionColumns, from_utf8(binding.meaning),
+        const size_t column = inner.column + 1 + at / rows * kKeyColumns;
+        canvas.write(row, column, kCaptionColumns, from_utf8(binding.caption), Style::kHeading);
+        canvas.write(row, column + kCaptionColumns, kKeyColumns - kCaptionColumns, from_utf8(binding.meaning),
                      Style::kPlain);
         ++at;
     }
@@ -94,8 +94,8 @@ void card_line(Canvas& canvas, const View& view, size_t index, const Area& line)
     const Style style = taken ? Style::kChosen : Style::kPlain;
     canvas.fill(line, style);
     canvas.write(line.row, line.column, 1, taken ? U">" : U" ", style);
-    canvas.write(line.row, line.column + 2, line.size.columns - slotColumns - 3, from_utf8(card.name), style);
-    canvas.write(line.row, line.column + line.size.columns - slotColumns, slotColumns, from_utf8(slots(card)), style);
+    canvas.write(line.row, line.column + 2, line.size.columns - kSlotColumns - 3, from_utf8(card.name), style);
+    canvas.write(line.row, line.column + line.size.columns - kSlotColumns, kSlotColumns, from_utf8(slots(card)), style);
 }
 
 void cards(Canvas& canvas, const View& view, const Area& area) {
@@ -135,7 +135,7 @@ std::u32string squeezed(const std::u32string& text) {
     for (size_t at = 0; at < text.size();) {
         const size_t blanks = std::min(text.find_first_not_of(U' ', at), text.size()) - at;
         const size_t count = std::max<size_t>(blanks, 1);
-        result += blanks > mostBlanks ? U" … " : text.substr(at, count);
+        result += blanks > kMostBlanks ? U" … " : text.substr(at, count);
         at += count;
     }
     return result;
@@ -149,7 +149,7 @@ void trace(Canvas& canvas, const View& view, const Area& area) {
     for (auto entry = view.trace.rbegin(); entry != view.trace.rend() && left > 0; ++entry) {
         const Mark sign = mark(entry->kind);
         const auto lines = wrapped(std::u32string(sign.text) + squeezed(from_utf8(entry->text)), inner.size.columns,
-                                   traceIndent, Break::kBehindBlanks);
+                                   kTraceIndent, Break::kBehindBlanks);
         for (auto line = lines.rbegin(); line != lines.rend() && left > 0; ++line) {
             canvas.write(inner.row + --left, inner.column, inner.size.columns, *line, sign.style);
         }
@@ -157,7 +157,7 @@ void trace(Canvas& canvas, const View& view, const Area& area) {
 }
 
 size_t finding_rows(const View& view) {
-    const size_t count = std::min(view.findings.size(), shownFindings);
+    const size_t count = std::min(view.findings.size(), kShownFindings);
     return count == 0 ? 0 : count + 2;
 }
 
@@ -174,9 +174,9 @@ void findings(Canvas& canvas, const View& view, const Area& area) {
 
 void paint_roomy(Canvas& canvas, const View& view) {
     const auto [rows, columns] = canvas.size();
-    const size_t left = std::max(leftColumns, view.textSize.columns + 4);
+    const size_t left = std::max(kLeftColumns, view.textSize.columns + 4);
     const size_t right = columns - left;
-    const size_t top = std::max(view.textSize.rows + stateRows, key_rows(right - 2)) + 2;
+    const size_t top = std::max(view.textSize.rows + kStateRows, key_rows(right - 2)) + 2;
     const size_t bottom = rows - std::min(rows, top + 1);
     const size_t found = std::min(finding_rows(view), bottom / 2);
     pin_pad(canvas, view, {1, 0, {top, left}});
@@ -207,8 +207,8 @@ Canvas paint(const View& view, Size size) {
     Canvas canvas(size);
     if (size.rows == 0 || size.columns == 0) return canvas;
     bar(canvas, view);
-    const bool hasRoom =
-        size.rows >= roomy.rows + view.textSize.rows - 4 && size.columns >= roomy.columns + view.textSize.columns - 16;
+    const bool hasRoom = size.rows >= kRoomy.rows + view.textSize.rows - 4
+                         && size.columns >= kRoomy.columns + view.textSize.columns - 16;
     hasRoom ? paint_roomy(canvas, view) : paint_narrow(canvas, view);
     return canvas;
 }

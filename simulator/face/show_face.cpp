@@ -27,19 +27,19 @@ public:
     explicit NoticeSignals(const WakeUp& wakeUp) {
         ended = resized = false;
         woken = &wakeUp;
-        for (const int signal : ends) handle(signal, [](int) { notice(ended); });
+        for (const int signal : kEnds) handle(signal, [](int) { notice(ended); });
         handle(SIGWINCH, [](int) { notice(resized); });
     }
     // The program ends now, and a second signal must not keep it from leaving the terminal as it was.
     ~NoticeSignals() {
-        for (const int signal : ends) handle(signal, SIG_IGN);
+        for (const int signal : kEnds) handle(signal, SIG_IGN);
         handle(SIGWINCH, SIG_IGN);
     }
     NoticeSignals(const NoticeSignals&) = delete;
     NoticeSignals& operator=(const NoticeSignals&) = delete;
 
 private:
-    static constexpr std::array ends{SIGINT, SIGTERM, SIGHUP};
+    static constexpr std::array kEnds{SIGINT, SIGTERM, SIGHUP};
 
     static void notice(std::atomic<bool>& what) {
         what = true;

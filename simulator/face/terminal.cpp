@@ -20,10 +20,10 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr int escape = 0x1B;
+constexpr int kEscape = 0x1B;
 // How long the rest of a function key's sequence may take; a person who wants out does not wait for longer.
-constexpr int escapeDelayMs = 50;
-constexpr short usual = -1;
+constexpr int kEscapeDelayMs = 50;
+constexpr short kUsual = -1;
 
 struct Colours {
     Style style;
@@ -34,20 +34,20 @@ struct Colours {
     attr_t plain;
 };
 
-constexpr std::array colours{
-    Colours{Style::kPlain, usual, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::kFrame, COLOR_BLUE, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::kHeading, usual, usual, A_BOLD, A_BOLD},
+constexpr std::array kColours{
+    Colours{Style::kPlain, kUsual, kUsual, A_NORMAL, A_NORMAL},
+    Colours{Style::kFrame, COLOR_BLUE, kUsual, A_NORMAL, A_NORMAL},
+    Colours{Style::kHeading, kUsual, kUsual, A_BOLD, A_BOLD},
     Colours{Style::kBar, COLOR_WHITE, COLOR_BLUE, A_BOLD, A_REVERSE},
     Colours{Style::kRemark, COLOR_BLACK, COLOR_YELLOW, A_NORMAL, A_BOLD},
     Colours{Style::kDisplay, COLOR_BLACK, COLOR_GREEN, A_NORMAL, A_REVERSE},
     Colours{Style::kDisplayChosen, COLOR_GREEN, COLOR_BLACK, A_BOLD, A_BOLD},
-    Colours{Style::kChosen, COLOR_CYAN, usual, A_BOLD, A_BOLD},
-    Colours{Style::kHost, usual, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::kPinPad, COLOR_GREEN, usual, A_NORMAL, A_NORMAL},
-    Colours{Style::kFinding, COLOR_RED, usual, A_BOLD, A_BOLD},
+    Colours{Style::kChosen, COLOR_CYAN, kUsual, A_BOLD, A_BOLD},
+    Colours{Style::kHost, kUsual, kUsual, A_NORMAL, A_NORMAL},
+    Colours{Style::kPinPad, COLOR_GREEN, kUsual, A_NORMAL, A_NORMAL},
+    Colours{Style::kFinding, COLOR_RED, kUsual, A_BOLD, A_BOLD},
 };
-static_assert(colours.size() == styleCount);
+static_assert(kColours.size() == kStyleCount);
 
 // For terminals whose character set does not have it.
 char substitute(char32_t character) {
@@ -87,7 +87,7 @@ Terminal::Terminal() {
     if (!screen_) {
         throw std::runtime_error("the terminal cannot show a face: TERM names none that moves its cursor");
     }
-    ::set_escdelay(escapeDelayMs);
+    ::set_escdelay(kEscapeDelayMs);
     ::cbreak();
     ::noecho();
     ::nonl();
@@ -106,7 +106,7 @@ void Terminal::Restore::operator()(::screen* screen) const {
 void Terminal::choose_looks() {
     const bool coloured =
         ::has_colors() && std::getenv("NO_COLOR") == nullptr && ::start_color() == OK && ::use_default_colors() == OK;
-    for (const Colours& colour : colours) {
+    for (const Colours& colour : kColours) {
         const auto index = static_cast<size_t>(colour.style);
         const auto pair = static_cast<short>(index + 1);
         if (coloured) ::init_pair(pair, colour.foreground, colour.background);
@@ -144,10 +144,10 @@ void Terminal::draw(const Canvas& canvas) {
 std::optional<int> Terminal::key() {
     const int code = ::getch();
     if (code == ERR) return std::nullopt;
-    if (code != escape) return code;
+    if (code != kEscape) return code;
     bool alone = true;
     while (::getch() != ERR) alone = false;
-    return alone ? escape : static_cast<int>(KEY_CODE_YES);
+    return alone ? kEscape : static_cast<int>(KEY_CODE_YES);
 }
 
 }  // namespace quorvel::sim

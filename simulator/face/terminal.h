@@ -48,7 +48,7 @@ private:
 
     std::unique_ptr<FILE, Close> file_;
     std::unique_ptr<::screen, Restore> screen_;
-    std::array<Look, styleCount> looks_{};
+    std::array<Look, kStyleCount> looks_{};
 };
 
 }  // namespace quorvel::sim

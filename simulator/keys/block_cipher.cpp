@@ -11,7 +11,7 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t pairSize = 2 * blockSize;
+constexpr size_t kPairSize = 2 * kBlockSize;
 
 struct Release {
     void operator()(EVP_CIPHER_CTX* context) const noexcept { EVP_CIPHER_CTX_free(context); }
@@ -23,16 +23,16 @@ void require(bool done, const char* call) {
 
 // libcrypto keeps DES itself in a provider that not every machine loads; with twice the same key triple DES is DES.
 Bytes two_keys(ByteView key) {
-    if (key.size() != blockSize && key.size() != pairSize) {
+    if (key.size() != kBlockSize && key.size() != kPairSize) {
         throw std::invalid_argument(fmt::format("a key of {} bytes", key.size()));
     }
     Bytes pair(key.begin(), key.end());
-    if (pair.size() == blockSize) append(pair, key);
+    if (pair.size() == kBlockSize) append(pair, key);
     return pair;
 }
 
 Bytes run(const EVP_CIPHER* cipher, ByteView key, ByteView blocks, ByteView vector, bool forward) {
-    if (blocks.size() % blockSize != 0) throw std::invalid_argument(fmt::format("{} bytes to cipher", blocks.size()));
+    if (blocks.size() % kBlockSize != 0) throw std::invalid_argument(fmt::format("{} bytes to cipher", blocks.size()));
     const Bytes pair = two_keys(key);
     const std::unique_ptr<EVP_CIPHER_CTX, Release> context(EVP_CIPHER_CTX_new());
     const uint8_t* const start = vector.empty() ? nullptr : vector.data();
@@ -52,7 +52,7 @@ Bytes run(const EVP_CIPHER* cipher, ByteView key, ByteView blocks, ByteView vect
 Bytes encipher(ByteView key, ByteView blocks) { return run(EVP_des_ede_ecb(), key, blocks, {}, true); }
 
 Bytes encipher(ByteView key, ByteView blocks, ByteView vector) {
-    if (vector.size() != blockSize) throw std::invalid_argument(fmt::format("a vector of {} bytes", vector.size()));
+    if (vector.size() != kBlockSize) throw std::invalid_argument(fmt::format("a vector of {} bytes", vector.size()));
     return run(EVP_des_ede_cbc(), key, blocks, vector, true);
 }
 

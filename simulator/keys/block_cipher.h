@@ -10,7 +10,7 @@
 namespace quorvel::sim {
 
 // Of DES and triple DES.
-inline constexpr size_t blockSize = 8;
+inline constexpr size_t kBlockSize = 8;
 
 // A key of 8 bytes is one for DES, of 16 bytes for two-key triple DES; any other, or data that are no whole blocks,
 // throw std::invalid_argument. Without a vector each block by itself (ECB), with one chained (CBC).

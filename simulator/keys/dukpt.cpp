@@ -11,31 +11,31 @@ namespace quorvel::sim::dukpt {
 
 namespace {
 
-using Block = std::array<uint8_t, blockSize>;
+using Block = std::array<uint8_t, kBlockSize>;
 
-constexpr uint32_t counterBits = 21;
-constexpr uint32_t counterMask = (1U << counterBits) - 1;
-constexpr int maxOnes = 10;
+constexpr uint32_t kCounterBits = 21;
+constexpr uint32_t kCounterMask = (1U << kCounterBits) - 1;
+constexpr int kMaxOnes = 10;
 // The counter begins inside the eighth byte.
-constexpr uint8_t fixedInEighth = 0xE0;
+constexpr uint8_t kFixedInEighth = 0xE0;
 
-constexpr Block leftHalfMask{0xC0, 0xC0, 0xC0, 0xC0};
-constexpr Block pinMask{0, 0, 0, 0, 0, 0, 0, 0xFF};
-constexpr Block dataMask{0, 0, 0, 0, 0, 0xFF};
+constexpr Block kLeftHalfMask{0xC0, 0xC0, 0xC0, 0xC0};
+constexpr Block kPinMask{0, 0, 0, 0, 0, 0, 0, 0xFF};
+constexpr Block kDataMask{0, 0, 0, 0, 0, 0xFF};
 
 uint32_t counter(const Ksn& ksn) {
-    return ((static_cast<uint32_t>(ksn[7]) << 16) | (static_cast<uint32_t>(ksn[8]) << 8) | ksn[9]) & counterMask;
+    return ((static_cast<uint32_t>(ksn[7]) << 16) | (static_cast<uint32_t>(ksn[8]) << 8) | ksn[9]) & kCounterMask;
 }
 
 Ksn with_counter(Ksn ksn, uint32_t value) {
-    ksn[7] = static_cast<uint8_t>((ksn[7] & fixedInEighth) | (value >> 16));
+    ksn[7] = static_cast<uint8_t>((ksn[7] & kFixedInEighth) | (value >> 16));
     ksn[8] = static_cast<uint8_t>(value >> 8);
     ksn[9] = static_cast<uint8_t>(value);
     return ksn;
 }
 
-ByteView left(ByteView key) { return key.first(blockSize); }
-ByteView right(ByteView key) { return key.last(blockSize); }
+ByteView left(ByteView key) { return key.first(kBlockSize); }
+ByteView right(ByteView key) { return key.last(kBlockSize); }
 
 Bytes one_way(ByteView leftKey, ByteView rightKey, ByteView reg) {
     return masked(encipher(leftKey, masked(reg, rightKey)), rightKey);
@@ -44,8 +44,8 @@ Bytes one_way(ByteView leftKey, ByteView rightKey, ByteView reg) {
 // In the DES form both halves are the whole key, and there is nothing before the right half.
 Bytes descend(ByteView key, ByteView reg) {
     Bytes rightHalf = one_way(left(key), right(key), reg);
-    if (key.size() == blockSize) return rightHalf;
-    const Bytes maskedKey = masked(key, leftHalfMask);
+    if (key.size() == kBlockSize) return rightHalf;
+    const Bytes maskedKey = masked(key, kLeftHalfMask);
     Bytes next = one_way(left(maskedKey), right(maskedKey), reg);
     append(next, rightHalf);
     return next;
@@ -54,18 +54,18 @@ Bytes descend(ByteView key, ByteView reg) {
 }  // namespace
 
 Bytes initial_key(ByteView baseKey, const Ksn& ksn) {
-    if (baseKey.size() != 2 * blockSize) throw std::invalid_argument("a base derivation key that is not of 16 bytes");
+    if (baseKey.size() != 2 * kBlockSize) throw std::invalid_argument("a base derivation key that is not of 16 bytes");
     const Ksn start = with_counter(ksn, 0);
-    const ByteView device = ByteView(start).first(blockSize);
+    const ByteView device = ByteView(start).first(kBlockSize);
     Bytes key = encipher(baseKey, device);
-    append(key, encipher(masked(baseKey, leftHalfMask), device));
+    append(key, encipher(masked(baseKey, kLeftHalfMask), device));
     return key;
 }
 
 std::optional<Ksn> next(const Ksn& ksn) {
     uint32_t value = counter(ksn) + 1;
-    while (std::popcount(value) > maxOnes) value += value & -value;
-    if (value > counterMask) return std::nullopt;
+    while (std::popcount(value) > kMaxOnes) value += value & -value;
+    if (value > kCounterMask) return std::nullopt;
     return with_counter(ksn, value);
 }
 
@@ -73,20 +73,20 @@ std::optional<Ksn> next(const Ksn& ksn) {
 Bytes transaction_key(ByteView initialKey, const Ksn& ksn) {
     Bytes key(initialKey.begin(), initialKey.end());
     uint32_t reached = 0;
-    for (uint32_t bit = 1U << (counterBits - 1); bit != 0; bit >>= 1) {
+    for (uint32_t bit = 1U << (kCounterBits - 1); bit != 0; bit >>= 1) {
         if ((counter(ksn) & bit) == 0) continue;
         reached |= bit;
         const Ksn step = with_counter(ksn, reached);
-        key = descend(key, ByteView(step).last(blockSize));
+        key = descend(key, ByteView(step).last(kBlockSize));
     }
     return key;
 }
 
-Bytes pin_key(ByteView transactionKey) { return masked(transactionKey, pinMask); }
+Bytes pin_key(ByteView transactionKey) { return masked(transactionKey, kPinMask); }
 
 // Enciphered under itself, so that it tells nothing about the transaction's other keys.
 Bytes data_key(ByteView transactionKey) {
-    const Bytes variant = masked(transactionKey, dataMask);
+    const Bytes variant = masked(transactionKey, kDataMask);
     return encipher(variant, variant);
 }
 

@@ -15,11 +15,11 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, KeyStrength>, 2> strengths{
+constexpr std::array<std::pair<std::string_view, KeyStrength>, 2> kStrengths{
     {{"des", KeyStrength::kDes}, {"tdes", KeyStrength::kTdes}}};
-constexpr std::array<std::pair<std::string_view, KeyUse>, 2> uses{{{"pin", KeyUse::kPin}, {"data", KeyUse::kData}}};
+constexpr std::array<std::pair<std::string_view, KeyUse>, 2> kUses{{{"pin", KeyUse::kPin}, {"data", KeyUse::kData}}};
 
-constexpr int64_t lastIndex = 99;
+constexpr int64_t kLastIndex = 99;
 
 struct Place {
     KeyStrength strength;
@@ -29,8 +29,8 @@ struct Place {
 
 Place place(TomlTable& table) {
     for (const std::string_view key : {"strength", "use"}) static_cast<void>(table.required_text(key));
-    return {table.choice("strength", strengths), table.choice("use", uses),
-            static_cast<int>(table.number("index", 0, lastIndex, std::nullopt))};
+    return {table.choice("strength", kStrengths), table.choice("use", kUses),
+            static_cast<int>(table.number("index", 0, kLastIndex, std::nullopt))};
 }
 
 Ksn ksn_of(TomlTable& table) {
@@ -56,7 +56,7 @@ void add_dukpt(KeyStore& store, TomlTable& table) {
     Bytes key = table.required_hex(name);
     table.blame(name, [&] {
         if (derived) key = dukpt::initial_key(key, ksn);
-        if (derived && at.strength == KeyStrength::kDes) key.resize(blockSize);
+        if (derived && at.strength == KeyStrength::kDes) key.resize(kBlockSize);
         store.set_dukpt(at.strength, at.use, at.index, std::move(key), ksn);
     });
 }

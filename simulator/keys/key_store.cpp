@@ -13,16 +13,16 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr int slotCount = 100;
+constexpr int kSlotCount = 100;
 
-constexpr std::string_view keyA = "0123456789ABCDEFFEDCBA9876543210";
-constexpr std::string_view keyB = "FEDCBA98765432100123456789ABCDEF";
-constexpr Ksn firstKsn{0xFF, 0xFF, 0x98, 0x76, 0x54, 0x32, 0x10, 0xE0, 0x00, 0x00};
+constexpr std::string_view kKeyA = "0123456789ABCDEFFEDCBA9876543210";
+constexpr std::string_view kKeyB = "FEDCBA98765432100123456789ABCDEF";
+constexpr Ksn kFirstKsn{0xFF, 0xFF, 0x98, 0x76, 0x54, 0x32, 0x10, 0xE0, 0x00, 0x00};
 
-constexpr size_t key_size(KeyStrength strength) { return (strength == KeyStrength::kDes ? 1 : 2) * blockSize; }
+constexpr size_t key_size(KeyStrength strength) { return (strength == KeyStrength::kDes ? 1 : 2) * kBlockSize; }
 
 void require_room(KeyStrength strength, int index, const Bytes& key) {
-    if (index < 0 || index >= slotCount) throw std::invalid_argument(fmt::format("index {}", index));
+    if (index < 0 || index >= kSlotCount) throw std::invalid_argument(fmt::format("index {}", index));
     if (key.size() != key_size(strength)) {
         throw std::invalid_argument(fmt::format("a key of {} bytes instead of {}", key.size(), key_size(strength)));
     }
@@ -39,8 +39,8 @@ std::optional<Value> find(const std::map<std::tuple<KeyStrength, KeyUse, int>, V
 template <typename Value>
 std::string digits(const std::map<std::tuple<KeyStrength, KeyUse, int>, Value>& values, KeyStrength strength,
                    KeyUse use) {
-    std::string text(slotCount, '0');
-    for (int i = 0; i < slotCount; ++i) {
+    std::string text(kSlotCount, '0');
+    for (int i = 0; i < kSlotCount; ++i) {
         if (values.contains({strength, use, i})) text[static_cast<size_t>(i)] = '1';
     }
     return text;
@@ -93,12 +93,12 @@ KeyStore KeyStore::standard() {
     KeyStore store;
     for (const KeyStrength strength : {KeyStrength::kDes, KeyStrength::kTdes}) {
         const size_t size = key_size(strength);
-        Bytes initialKey = dukpt::initial_key(from_hex(keyA), firstKsn);
+        Bytes initialKey = dukpt::initial_key(from_hex(kKeyA), kFirstKsn);
         initialKey.resize(size);
         for (const KeyUse use : {KeyUse::kPin, KeyUse::kData}) {
-            store.set_master(strength, use, 0, from_hex(keyA.substr(0, 2 * size)));
-            store.set_master(strength, use, 1, from_hex(keyB.substr(0, 2 * size)));
-            store.set_dukpt(strength, use, 0, initialKey, firstKsn);
+            store.set_master(strength, use, 0, from_hex(kKeyA.substr(0, 2 * size)));
+            store.set_master(strength, use, 1, from_hex(kKeyB.substr(0, 2 * size)));
+            store.set_dukpt(strength, use, 0, initialKey, kFirstKsn);
         }
     }
     return store;

@@ -14,32 +14,32 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t minPinDigits = 4;
-constexpr size_t blockDigits = 2 * blockSize;
+constexpr size_t kMinPinDigits = 4;
+constexpr size_t kBlockDigits = 2 * kBlockSize;
 // The digits of the PAN that enter the block, without its check digit.
-constexpr size_t panDigits = 12;
+constexpr size_t kPanDigits = 12;
 
 std::string pan_field(std::string_view pan) {
     pan.remove_suffix(std::min<size_t>(pan.size(), 1));
-    return fmt::format("{:0>16}", pan.substr(pan.size() - std::min(pan.size(), panDigits)));
+    return fmt::format("{:0>16}", pan.substr(pan.size() - std::min(pan.size(), kPanDigits)));
 }
 
 }  // namespace
 
 Bytes pin_block(std::string_view pin, std::string_view pan) {
-    if (pin.size() < minPinDigits || pin.size() > maxPinDigits) {
+    if (pin.size() < kMinPinDigits || pin.size() > kMaxPinDigits) {
         throw std::invalid_argument(fmt::format("a PIN of {} digits", pin.size()));
     }
     std::string pinField = fmt::format("0{:X}{}", pin.size(), pin);
-    pinField.resize(blockDigits, 'F');
+    pinField.resize(kBlockDigits, 'F');
     return masked(from_hex(pinField), from_hex(pan_field(pan)));
 }
 
 std::optional<PinBlock> encipher_pin(KeyStore& keys, const PinKey& key, std::string_view pan, std::string_view pin) {
-    static constexpr int firstDukpt = 2;
+    static constexpr int kFirstDukpt = 2;
     const KeyStrength strength = key.method % 2 == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     const Bytes block = pin_block(pin, pan);
-    if (key.method >= firstDukpt) {
+    if (key.method >= kFirstDukpt) {
         const auto transaction = keys.next_dukpt(strength, KeyUse::kPin, key.index);
         if (!transaction) return std::nullopt;
         return PinBlock{encipher(transaction->key, block), transaction->ksn};

@@ -12,7 +12,7 @@
 namespace quorvel::sim {
 
 // Of a PIN in format 0.
-inline constexpr size_t maxPinDigits = 12;
+inline constexpr size_t kMaxPinDigits = 12;
 
 // ISO 9564 format 0. Without a PAN the PIN's own field alone. Throws std::invalid_argument for a PIN that is not of 4
 // to 12 digits.

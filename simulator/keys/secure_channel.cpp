@@ -18,9 +18,9 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t cipherBlock = 16;
+constexpr size_t kCipherBlock = 16;
 // DATALEN and DATACRC.
-constexpr size_t headSize = 2 + 2;
+constexpr size_t kHeadSize = 2 + 2;
 
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
 
@@ -35,12 +35,12 @@ void wipe(std::optional<SessionKey>& key) noexcept {
 
 // Every frame begins with the same initialisation vector, all zeros.
 Bytes aes_cbc(ByteView bytes, const SessionKey& key, bool encipher) {
-    static constexpr std::array<uint8_t, cipherBlock> vector{};
+    static constexpr std::array<uint8_t, kCipherBlock> kVector{};
     const CipherContext context(EVP_CIPHER_CTX_new(), EVP_CIPHER_CTX_free);
     Bytes result(bytes.size());
     int length = 0;
     require(
-        EVP_CipherInit_ex(context.get(), EVP_aes_128_cbc(), nullptr, key.data(), vector.data(), encipher ? 1 : 0) == 1,
+        EVP_CipherInit_ex(context.get(), EVP_aes_128_cbc(), nullptr, key.data(), kVector.data(), encipher ? 1 : 0) == 1,
         "EVP_CipherInit_ex");
     require(EVP_CIPHER_CTX_set_padding(context.get(), 0) == 1, "EVP_CIPHER_CTX_set_padding");
     require(EVP_CipherUpdate(context.get(), result.data(), &length, bytes.data(), static_cast<int>(bytes.size())) == 1,
@@ -49,7 +49,7 @@ Bytes aes_cbc(ByteView bytes, const SessionKey& key, bool encipher) {
 }
 
 // A length that is a multiple already gets a whole block more.
-size_t padding_of(size_t packetSize) { return cipherBlock - (headSize + packetSize) % cipherBlock; }
+size_t padding_of(size_t packetSize) { return kCipherBlock - (kHeadSize + packetSize) % kCipherBlock; }
 
 }  // namespace
 
@@ -75,7 +75,7 @@ Bytes SecureChannel::seal(ByteView packet) const {
 }
 
 Bytes SecureChannel::unseal(ByteView content) const {
-    if (content.empty() || content.size() % cipherBlock != 0) {
+    if (content.empty() || content.size() % kCipherBlock != 0) {
         throw SealError(fmt::format("{} bytes are no whole blocks", content.size()));
     }
     const Bytes plain = aes_cbc(content, key_.value(), false);

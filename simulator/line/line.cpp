@@ -16,7 +16,7 @@ namespace quorvel::sim {
 namespace {
 
 // How long a client may leave the line full before what it does not read is dropped.
-constexpr int patienceMs = 1000;
+constexpr int kPatienceMs = 1000;
 
 // Before any client sets the line up for itself it must neither echo nor translate.
 void make_raw(int slave) {
@@ -92,7 +92,7 @@ bool Line::write(ByteView bytes) {
 // Someone who wants to stop the PIN pad is not made to wait for a client that does not read.
 bool Line::await_room() const {
     std::array<pollfd, 2> polled{pollfd{terminal_->master.get(), POLLOUT, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
-    const int ready = ::poll(polled.data(), polled.size(), patienceMs);
+    const int ready = ::poll(polled.data(), polled.size(), kPatienceMs);
     if (ready < 0) return errno == EINTR;
     return ready > 0 && polled[1].revents == 0;
 }

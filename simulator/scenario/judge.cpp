@@ -13,7 +13,7 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t mostSince = 10;
+constexpr size_t kMostSince = 10;
 
 bool is_among(const std::string& id, const CommandIds& ids) { return std::ranges::find(ids, id) != ids.end(); }
 
@@ -94,7 +94,7 @@ void Judge::compare_next(const Exchange& exchange) {
     Count& count = ordered_[next_];
     const Expectation& expected = count.expected;
     if (!is_among(exchange.command, expected.commands)) {
-        if (since_.size() < mostSince) since_.push_back(exchange.command);
+        if (since_.size() < kMostSince) since_.push_back(exchange.command);
         return;
     }
     if (const std::string wrong = difference(expected, exchange); !wrong.empty()) {

@@ -11,13 +11,13 @@ namespace quorvel::sim {
 namespace {
 
 // Of a host that goes on for days only the first ones are told.
-constexpr size_t mostOthers = 10;
+constexpr size_t kMostOthers = 10;
 
 }  // namespace
 
 void Player::command_waits(const std::string& command) {
     waiting_ = command;
-    if (!is_done() && others_.size() < mostOthers) others_.push_back(command);
+    if (!is_done() && others_.size() < kMostOthers) others_.push_back(command);
 }
 
 void Player::go_on(PinPad& pinPad, Clock::time_point now) {

@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using End = Scenario::End;
-constexpr std::array<std::pair<std::string_view, End>, 3> ends{
+constexpr std::array<std::pair<std::string_view, End>, 3> kEnds{
     {{"close", End::kClose}, {"done", End::kDone}, {"stop", End::kStop}}};
 
 struct IdentityField {
@@ -29,7 +29,7 @@ struct IdentityField {
 };
 
 // The widths are those of the fields in which the PIN pad tells them.
-constexpr std::array identityFields{
+constexpr std::array kIdentityFields{
     IdentityField{"manufacturer", &Identity::manufacturer, 20},
     IdentityField{"model", &Identity::model, 19},
     IdentityField{"os_version", &Identity::osVersion, 20},
@@ -41,7 +41,7 @@ constexpr std::array identityFields{
 
 Identity identity(TomlTable table) {
     Identity identity;
-    for (const auto& [name, text, width] : identityFields) {
+    for (const auto& [name, text, width] : kIdentityFields) {
         if (!table.has(name)) continue;
         identity.*text = table.text(name);
         if ((identity.*text).size() > width) table.refuse(name, fmt::format("longer than {} characters", width));
@@ -63,18 +63,19 @@ KeyStore keys(TomlTable table, const fs::path& folder) {
 }
 
 void load_tables(Tables& tables, TomlTable table) {
-    static constexpr size_t versionWidth = 10;
-    static constexpr size_t indexWidth = 2;
-    const auto acquirer = static_cast<int>(table.number("acquirer", 0, 99, Tables::allAcquirers));
+    static constexpr size_t kVersionWidth = 10;
+    static constexpr size_t kIndexWidth = 2;
+    const auto acquirer = static_cast<int>(table.number("acquirer", 0, 99, Tables::kAllAcquirers));
     const std::string version = table.required_text("version");
-    if (version.size() > versionWidth) table.refuse("version", fmt::format("longer than {} characters", versionWidth));
+    if (version.size() > kVersionWidth)
+        table.refuse("version", fmt::format("longer than {} characters", kVersionWidth));
     Tables::Records records;
     for (TomlTable& record : table.tables("records")) {
         Tables::Key key;
         key.table = static_cast<int>(record.number("table", 0, 9, 1));
         key.acquirer = static_cast<int>(record.number("acquirer", 0, 99, std::nullopt));
         key.index = record.required_text("index");
-        if (key.index.size() != indexWidth) record.refuse("index", "not of two characters");
+        if (key.index.size() != kIndexWidth) record.refuse("index", "not of two characters");
         record.end();
         records[std::move(key)] = {};
     }
@@ -83,10 +84,10 @@ void load_tables(Tables& tables, TomlTable table) {
 }
 
 int status_of(TomlTable& table) {
-    static constexpr int highest = 999;
-    if (!table.node("status")->is_string()) return static_cast<int>(table.number("status", 0, highest, std::nullopt));
+    static constexpr int kHighest = 999;
+    if (!table.node("status")->is_string()) return static_cast<int>(table.number("status", 0, kHighest, std::nullopt));
     const std::string name = table.text("status");
-    for (int status = 0; status <= highest; ++status) {
+    for (int status = 0; status <= kHighest; ++status) {
         if (!name.empty() && status_name(status) == name) return status;
     }
     table.refuse("status", fmt::format("there is no status \"{}\"", name));
@@ -108,14 +109,14 @@ std::vector<ExpectedValue> expected_values(TomlTable& table, std::string_view ke
 }
 
 Expectation expectation(TomlTable table) {
-    static constexpr int64_t most = 1000000;
+    static constexpr int64_t kMost = 1000000;
     Expectation expected{.line = table.line(), .commands = command_ids(table, "command")};
     expected.with = expected_values(table, "with", expected.commands);
     expected.without = expected_values(table, "without", expected.commands);
     expected.status = expected_status(table);
     expected.anywhere = table.flag("anywhere");
     if (table.has("times")) {
-        expected.times = static_cast<unsigned>(table.number("times", expected.anywhere ? 0 : 1, most, std::nullopt));
+        expected.times = static_cast<unsigned>(table.number("times", expected.anywhere ? 0 : 1, kMost, std::nullopt));
     } else if (expected.anywhere) {
         expected.times.reset();
     }
@@ -154,7 +155,7 @@ Scenario read(std::string_view text, const fs::path& folder) {
     Scenario scenario;
     scenario.title = table.required_text("title");
     scenario.description = table.text("description");
-    scenario.end = table.choice("ends", ends);
+    scenario.end = table.choice("ends", kEnds);
     read_device(scenario, table, folder);
     read_play(scenario, table);
     table.end();

@@ -11,17 +11,17 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr ShippedScenario all[] = {
+constexpr ShippedScenario kAll[] = {
 #include "scenarios.inc"
 };
 
 }  // namespace
 
-std::vector<ShippedScenario> shipped_scenarios() { return {std::begin(all), std::end(all)}; }
+std::vector<ShippedScenario> shipped_scenarios() { return {std::begin(kAll), std::end(kAll)}; }
 
 Scenario Scenario::find(const std::string& nameOrPath) {
-    const auto* found = std::ranges::find(all, nameOrPath, &ShippedScenario::name);
-    if (found != std::end(all)) return from_toml(fmt::format("{}.toml", found->name), found->text);
+    const auto* found = std::ranges::find(kAll, nameOrPath, &ShippedScenario::name);
+    if (found != std::end(kAll)) return from_toml(fmt::format("{}.toml", found->name), found->text);
     if (std::filesystem::exists(nameOrPath)) return from_file(nameOrPath);
     throw std::runtime_error(
         fmt::format("there is no scenario \"{}\": no file, and none of those that --list-scenarios names", nameOrPath));

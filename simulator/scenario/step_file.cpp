@@ -17,8 +17,8 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::string_view planned = "when";
-constexpr int64_t longestPause = 24 * 60 * 60 * 1000;
+constexpr std::string_view kPlanned = "when";
+constexpr int64_t kLongestPause = 24 * 60 * 60 * 1000;
 
 json to_json(const toml::node& node) {
     if (const auto* text = node.as_string()) return text->get();
@@ -66,7 +66,7 @@ const Verb& verb_of(TomlTable& table) {
 json request_for(const Verb& verb, TomlTable& table) {
     json request{{"do", verb.name}};
     for (const std::string& key : table.keys()) {
-        if (key != verb.name && key != planned) request[key] = to_json(*table.node(key));
+        if (key != verb.name && key != kPlanned) request[key] = to_json(*table.node(key));
     }
     if (!verb.member.empty()) {
         request[std::string(verb.member)] = to_json(*table.node(verb.name));
@@ -90,12 +90,12 @@ Step::Deed gesture(Verb::Gesture add, Arguments& arguments, const Cards& cards, 
 Step::Deed deed(TomlTable& table, const Cards& cards) {
     const Verb& verb = verb_of(table);
     const json request = request_for(verb, table);
-    const CommandIds when = table.has(planned) ? command_ids(table, planned) : CommandIds();
+    const CommandIds when = table.has(kPlanned) ? command_ids(table, kPlanned) : CommandIds();
     try {
         Arguments arguments(request);
         static_cast<void>(arguments.text("do"));
         if (const auto* add = std::get_if<Verb::Gesture>(&verb.run)) return gesture(*add, arguments, cards, when);
-        if (!when.empty()) table.refuse(planned, fmt::format("{} is nothing that a cardholder does", verb.name));
+        if (!when.empty()) table.refuse(kPlanned, fmt::format("{} is nothing that a cardholder does", verb.name));
         return std::get<Verb::Plan>(verb.run)(arguments);
     } catch (const RequestError& error) { table.refuse(verb.name, error.what()); }
 }
@@ -126,7 +126,7 @@ Step read_step(TomlTable& table, const Cards& cards) {
     if (table.has("wait")) {
         step.what = Step::Wait{command_ids(table, "wait")};
     } else if (table.has("pause")) {
-        step.what = Step::Pause{std::chrono::milliseconds(table.number("pause", 0, longestPause, std::nullopt))};
+        step.what = Step::Pause{std::chrono::milliseconds(table.number("pause", 0, kLongestPause, std::nullopt))};
     } else {
         step.what = deed(table, cards);
     }

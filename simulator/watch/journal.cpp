@@ -8,12 +8,12 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr size_t kept = 10000;
+constexpr size_t kKept = 10000;
 
 template <typename Entry>
 void keep(std::deque<Entry>& entries, Entry entry) {
     entries.push_back(std::move(entry));
-    if (entries.size() > kept) entries.pop_front();
+    if (entries.size() > kKept) entries.pop_front();
 }
 
 }  // namespace

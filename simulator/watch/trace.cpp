@@ -22,7 +22,7 @@ bool is_private(const Reception& reception) {
 
 std::string wire_text(const Traffic& traffic) {
     if (!traffic.withheld) return hex(traffic.wire);
-    const size_t open = 1 + idWidth + (traffic.sender == Sender::kPinPad ? statusWidth : 0);
+    const size_t open = 1 + kIdWidth + (traffic.sender == Sender::kPinPad ? kStatusWidth : 0);
     const ByteView shown = ByteView(traffic.wire).first(std::min(open, traffic.wire.size()));
     return fmt::format("{} ... ({} bytes)", hex(shown), traffic.wire.size());
 }

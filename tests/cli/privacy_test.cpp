@@ -16,14 +16,14 @@ namespace {
 namespace sim = quorvel::sim;
 using sim::Gestures;
 
-const std::string pan = "4111111111111111";
-const std::string discretionary = "30122010000000000";
-const std::string workingKey = "00112233445566778899AABBCCDDEEFF";
+const std::string kPan = "4111111111111111";
+const std::string kDiscretionary = "30122010000000000";
+const std::string kWorkingKey = "00112233445566778899AABBCCDDEEFF";
 
 // Nobody foretells the value of a PIN block, but it has 16 hexadecimal digits.
 bool holds_block(const std::string& text) {
-    static const std::regex block("\\b[0-9A-Fa-f]{16}\\b");
-    return std::regex_search(text, block);
+    static const std::regex kBlock("\\b[0-9A-Fa-f]{16}\\b");
+    return std::regex_search(text, kBlock);
 }
 
 std::string digits_of(const std::string& text) {
@@ -37,7 +37,7 @@ class PrivacyTest : public PinPadToolTest, public testing::WithParamInterface<bo
 protected:
     // Neither the number nor the track, be it in clear or in hexadecimal.
     static void expect_private(const std::string& text) {
-        for (const std::string& secret : {pan, discretionary, workingKey, std::string("4111111111111111D3012")}) {
+        for (const std::string& secret : {kPan, kDiscretionary, kWorkingKey, std::string("4111111111111111D3012")}) {
             EXPECT_EQ(text.find(secret), std::string::npos) << text;
             EXPECT_EQ(text.find(digits_of(secret)), std::string::npos) << text;
         }
@@ -67,8 +67,8 @@ TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
         {{"tables", "version"}},
         {{"card"}, "GCX", Gestures().swipe(stripe)},
         {{"sale", "--amount", "1", "--keep-card"}, "GCX", Gestures().insert(card)},
-        {{"pin", "--pan", pan}, "GPN", Gestures().type("1234")},
-        {{"pin", "--pan", pan, "--method", "mk-tdes", "--working-key", workingKey}, "GPN", Gestures().type("1234")},
+        {{"pin", "--pan", kPan}, "GPN", Gestures().type("1234")},
+        {{"pin", "--pan", kPan, "--method", "mk-tdes", "--working-key", kWorkingKey}, "GPN", Gestures().type("1234")},
         {{"media", "put", folder_.file("logo.png", "image")}},
         {{"media", "list"}},
         {{"media", "show", "logo"}},
@@ -109,17 +109,17 @@ std::string response(const std::string& id, const std::string& param, const std:
 
 // A PIN pad that masks nothing is no excuse, and neither is a tag or an id that nobody knows.
 TEST_P(PrivacyTest, WhatIsDecodedIsAsPrivate) {
-    const std::string track = pan + "=" + discretionary;
+    const std::string track = kPan + "=" + kDiscretionary;
     const std::string cases[]{
-        response("GCX", "8052", pan),
-        response("GCX", "8054", bytes("5A08" + pan + "5711" + pan + "D301220100000000FFFF")),
-        response("GCX", "80FF", pan),
-        response("GOX", "8057", bytes(pan)),
+        response("GCX", "8052", kPan),
+        response("GCX", "8054", bytes("5A08" + kPan + "5711" + kPan + "D301220100000000FFFF")),
+        response("GCX", "80FF", kPan),
+        response("GOX", "8057", bytes(kPan)),
         "GCR000100" + track + std::string(66, ' '),
-        "XYZ000017" + pan + " ",
-        "GPN030" + pan + std::string(14, ' '),
-        pan,
-        "GCX000999" + pan,
+        "XYZ000017" + kPan + " ",
+        "GPN030" + kPan + std::string(14, ' '),
+        kPan,
+        "GCX000999" + kPan,
     };
     for (const std::string& packet : cases) {
         for (const std::string& hex : {frame(packet), digits_of(packet)}) {
@@ -131,8 +131,8 @@ TEST_P(PrivacyTest, WhatIsDecodedIsAsPrivate) {
             }
         }
         const std::string revealed = run({"decode", digits_of(packet), "--reveal"}).out;
-        EXPECT_TRUE(revealed.find(pan.substr(3)) != std::string::npos
-                    || revealed.find(digits_of(pan)) != std::string::npos)
+        EXPECT_TRUE(revealed.find(kPan.substr(3)) != std::string::npos
+                    || revealed.find(digits_of(kPan)) != std::string::npos)
             << revealed;
     }
 }

@@ -55,8 +55,8 @@ TEST_F(SaleTest, GoesFromTheTablesToTheRemovalOfTheCard) {
 
 // Who declines, who is not asked, and what the card says to that.
 TEST_F(SaleTest, TellsHowItEndedAndWhy) {
-    constexpr const char* byAcquirer = "declined by the acquirer";
-    constexpr const char* byCard = "declined by the card";
+    constexpr const char* kByAcquirer = "declined by the acquirer";
+    constexpr const char* kByCard = "declined by the card";
     const struct {
         const char* card;
         Arguments arguments;
@@ -64,9 +64,9 @@ TEST_F(SaleTest, TellsHowItEndedAndWhy) {
         std::string steps;
         const char* result;
     } cases[]{
-        {"visa-signature", {"--host", "declines"}, "signature", "TLI TLR TLE;GCX;GOX;-;FCX;", byAcquirer},
-        {"declining-chip", {}, "none asked for", "GTS;GCX;GOX;-;FCX;", byCard},
-        {"visa-signature", {"--host", "unreachable"}, "signature", "GTS;GCX;GOX;-;FCX;", byCard},
+        {"visa-signature", {"--host", "declines"}, "signature", "TLI TLR TLE;GCX;GOX;-;FCX;", kByAcquirer},
+        {"declining-chip", {}, "none asked for", "GTS;GCX;GOX;-;FCX;", kByCard},
+        {"visa-signature", {"--host", "unreachable"}, "signature", "GTS;GCX;GOX;-;FCX;", kByCard},
         {"visa-signature", {"--floor-limit", "12.35"}, "signature", "GTS;GCX;GOX;", "approved without the acquirer"},
     };
     for (const auto& each : cases) {

@@ -18,7 +18,7 @@ struct Case {
     const char* host = "approves";
 };
 
-const std::vector<Case> cases{
+const std::vector<Case> kCases{
     {"magnetic", 0},         {"chip-online-pin", 0},
     {"chip-offline-pin", 0}, {"contactless", 0},
     {"user-cancel", 1},      {"time-out", 1},
@@ -44,8 +44,8 @@ protected:
 };
 
 TEST_F(ScenariosTest, HoldForATill) {
-    EXPECT_EQ(cases.size(), shipped_scenarios().size());
-    for (const Case& each : cases) EXPECT_EQ(sell(each), "") << each.name;
+    EXPECT_EQ(kCases.size(), shipped_scenarios().size());
+    for (const Case& each : kCases) EXPECT_EQ(sell(each), "") << each.name;
 }
 
 TEST_F(ScenariosTest, FailForATillThatDoesOtherwise) {
@@ -59,7 +59,7 @@ TEST(Scenarios, AreForTillsWithCommandsOfFieldsToo) {
         const auto meant = [&](const char* id) { return std::ranges::count(ids, id) != 0; };
         return meant("GCR") == meant("GCX") && meant("GOC") == meant("GOX");
     };
-    for (const Case& each : cases) {
+    for (const Case& each : kCases) {
         const Scenario scenario = Scenario::find(each.name);
         for (const Expectation& expected : scenario.expectations) EXPECT_TRUE(both(expected.commands)) << each.name;
         for (const Step& step : scenario.script) {

@@ -67,13 +67,13 @@ FailingCipher::FailingCipher(const char* cipher, int setup, int block)
 }
 
 const Secret& number() {
-    static const Secret secret = of_digits("number", kNumber);
-    return secret;
+    static const Secret kSecret = of_digits("number", kNumber);
+    return kSecret;
 }
 
 const Secret& key() {
-    static const Secret secret = of_digits("key", kKey);
-    return secret;
+    static const Secret kSecret = of_digits("key", kKey);
+    return kSecret;
 }
 
 std::string from_digits(std::string_view digits) { return support::operator""_hex(digits.data(), digits.size()); }

@@ -12,10 +12,10 @@ std::string gcr(const std::string& acquirerAndType) {
     return "GCR040" + acquirerAndType + "000000001234240229235958          00";
 }
 
-const std::string dateAndTime = "0015 0006"_hex + "240229" + "0016 0006"_hex + "235958";
+const std::string kDateAndTime = "0015 0006"_hex + "240229" + "0016 0006"_hex + "235958";
 
 std::string gcx(const std::string& parameters) {
-    return "GCX" + std::to_string(1020 + parameters.size()).substr(1) + dateAndTime + parameters;
+    return "GCX" + std::to_string(1020 + parameters.size()).substr(1) + kDateAndTime + parameters;
 }
 
 using CardReadingTest = PinPadTest;
@@ -53,19 +53,19 @@ TEST_F(CardReadingTest, GcxMasksAndTellsWhatItIsAskedFor) {
     expect_findings({});
 }
 
-const std::string debitOnly = "0011 0004"_hex + "0203";
-const std::string debitAnswer = "GCX000135" + "804F 0002"_hex + "03" + "8050 0001"_hex + "0" + "8052 0010"_hex
-                                + "400000******0002" + "8042 0022"_hex + "400000******0002=30122010000000000"
-                                + "8055 0013"_hex + "CARDHOLDER/MULTIPLE" + "805D 0006"_hex + "301231" + "8051 0006"_hex
-                                + "030302" + "805B 0006"_hex + "DEBITO" + "8053 0002"_hex + "00" + "805C 0003"_hex
-                                + "076";
+const std::string kDebitOnly = "0011 0004"_hex + "0203";
+const std::string kDebitAnswer = "GCX000135" + "804F 0002"_hex + "03" + "8050 0001"_hex + "0" + "8052 0010"_hex
+                                 + "400000******0002" + "8042 0022"_hex + "400000******0002=30122010000000000"
+                                 + "8055 0013"_hex + "CARDHOLDER/MULTIPLE" + "805D 0006"_hex + "301231"
+                                 + "8051 0006"_hex + "030302" + "805B 0006"_hex + "DEBITO" + "8053 0002"_hex + "00"
+                                 + "805C 0003"_hex + "076";
 
 TEST_F(CardReadingTest, OfSeveralApplicationsTheHostOrTheCardholderChooses) {
     play(loaded_device());
     const std::vector<std::string> asked{"CHOOSE THE APPLICATION"};
-    call_while(inserted("visa-multiple").choose(2), gcx(""), debitAnswer, asked);
-    call(gcx(debitOnly), debitAnswer);
-    call(gcx("0012 0008"_hex + "01010303"), debitAnswer);
+    call_while(inserted("visa-multiple").choose(2), gcx(""), kDebitAnswer, asked);
+    call(gcx(kDebitOnly), kDebitAnswer);
+    call(gcx("0012 0008"_hex + "01010303"), kDebitAnswer);
     call_while(Gestures().press(Key::kCancel), gcx(""), "GCX013", asked);
     begin(Gestures().notify("SHOWN"), gcx(""), "NTM000022CHOOSE THE APPLICATION");
     expect(frame("NTM000005SHOWN"));
@@ -93,8 +93,8 @@ TEST_F(CardReadingTest, RefusesWhatCannotBeUsed) {
              {Gestures().insert(blocked), "", "GCX079"},
              {Gestures().tap(blocked), "", "GCX087"},
              {Gestures().swipe({.pan = "4111111111111111"}), "", "GCX041"},
-             {inserted("visa-chip"), debitOnly, "GCX070"},
-             {Gestures().tap(card("visa-contactless")), debitOnly, "GCX084"},
+             {inserted("visa-chip"), kDebitOnly, "GCX070"},
+             {Gestures().tap(card("visa-contactless")), kDebitOnly, "GCX084"},
              {inserted("visa-chip"), "0010 0002"_hex + "04", "GCX070"},
              {inserted("visa-chip"), "0012 0008"_hex + "03020401", "GCX070"},
              {Gestures().tap(card("visa-contactless")).press(Key::kCancel), "0017 0005"_hex + "01111", "GCX013"},
@@ -122,7 +122,7 @@ TEST_F(CardReadingTest, TakesTheStripeOfAChipCardOnlyAfterItsChip) {
     call_while(inserted("mute-chip"), gcx(""), "GCX060");
     pinPad_->remove();
     call_while(Gestures().swipe(visa), gcx(""), swiped("1"));
-    call_while(inserted("visa-chip"), gcx(debitOnly), "GCX070");
+    call_while(inserted("visa-chip"), gcx(kDebitOnly), "GCX070");
     pinPad_->remove();
     call_while(Gestures().swipe(visa), gcx(""), swiped("2"));
     call_while(Gestures().swipe(visa).press(Key::kCancel), gcx(""), "GCX013", told);
@@ -143,7 +143,7 @@ TEST_F(CardReadingTest, RefusesRequestsThatBreakTheirLayout) {
             {gcx("0013 000C"_hex + "000000001234" + "0013 000C"_hex + "000000001234"),
              "GCX: SPE_AMOUNT 0x0013 has no place in it"},
             {gcx("001B 0081"_hex + std::string(129, 'M')), "SPE_DSPMSG: 129 bytes, at most 128"}});
-    refuse("019", Kind::kLayout, {{"GCX010" + dateAndTime.substr(0, 10), "GCX: no SPE_TRNTIME"}});
+    refuse("019", Kind::kLayout, {{"GCX010" + kDateAndTime.substr(0, 10), "GCX: no SPE_TRNTIME"}});
 }
 
 }  // namespace

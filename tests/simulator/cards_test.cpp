@@ -92,8 +92,8 @@ TEST(Cards, AreReadWhole) {
                          Status::kCardblocked));
     EXPECT_EQ(to_hex(chip.atr) + to_hex(chip.script.at(from_hex("00B2010C"))), "3B0070009000");
     EXPECT_EQ(to_hex(chip.script.at(from_hex("00A40400A000000003"))), "6F108405A000000003A507500544454249549000");
-    const Contactless& antenna = *card.contactless;
-    EXPECT_EQ(std::tuple(antenna.stripeData, antenna.verification, antenna.fault),
+    const Contactless& kAntenna = *card.contactless;
+    EXPECT_EQ(std::tuple(kAntenna.stripeData, kAntenna.verification, kAntenna.fault),
               std::tuple(true, Verification::kSignature, Status::kCtlsifchg));
     EXPECT_EQ(
         card.objects(),
@@ -137,17 +137,17 @@ TEST(Cards, ErrorsNameTheKeyAndTheLine) {
 }
 
 // At the threshold the share begins to grow from 10, at the floor limit it would be 90.
-constexpr Risk biased{
+constexpr Risk kBiased{
     .managed = true, .floorLimit = 5000, .targetPercentage = 10, .threshold = 1000, .maxPercentage = 90};
 
 TEST(Risk, MoreOfLargerAmountsGoOnline) {
     for (const auto& [amount, share] : {std::pair(0U, 10U), {1000, 10}, {3000, 50}, {4999, 89}}) {
-        Risk risk = biased;
+        Risk risk = kBiased;
         risk.amount = amount;
         EXPECT_TRUE(selected_at_random(risk, share)) << amount;
         EXPECT_FALSE(selected_at_random(risk, share + 1)) << amount;
     }
-    Risk flat = biased;
+    Risk flat = kBiased;
     flat.amount = flat.threshold = flat.floorLimit;
     EXPECT_TRUE(selected_at_random(flat, 10));
     EXPECT_FALSE(selected_at_random(flat, 11));
@@ -156,26 +156,26 @@ TEST(Risk, MoreOfLargerAmountsGoOnline) {
 TEST(Risk, FirstDecision) {
     using enum Decision;
     using First = Chip::First;
-    constexpr unsigned late = 99;
+    constexpr unsigned kLate = 99;
     const Risk small{.amount = 100};
     const Risk managed{.managed = true, .amount = 4999, .floorLimit = 5000};
     const Risk large{.managed = true, .amount = 5000, .floorLimit = 5000};
     const Risk offline{.canGoOnline = false, .managed = true, .amount = 5000, .floorLimit = 5000};
     for (const auto& [risk, verified, wish, draw, decision, results] : {
-             std::tuple(managed, Verified{}, First::kAsAsked, late, kApproved, ""),
-             {offline, {}, First::kAsAsked, late, kDeclined, "0000008000"},
-             {biased, {}, First::kAsAsked, 10, kOnline, "0000001000"},
-             {biased, {}, First::kAsAsked, 11, kApproved, ""},
-             {small, {.pinOnline = true}, First::kAsAsked, late, kOnline, "0000040000"},
-             {small, {.pinOffline = true, .pinErrors = 2}, First::kAsAsked, late, kApproved, ""},
-             {small, {.failed = true, .pinBlocked = true}, First::kOnline, late, kDeclined, "0000A00000"},
-             {small, {}, First::kOnline, late, kOnline, ""},
-             {Risk{.canGoOnline = false}, {}, First::kOnline, late, kDeclined, ""},
-             {large, {}, First::kDeclined, late, kDeclined, "0000008000"},
+             std::tuple(managed, Verified{}, First::kAsAsked, kLate, kApproved, ""),
+             {offline, {}, First::kAsAsked, kLate, kDeclined, "0000008000"},
+             {kBiased, {}, First::kAsAsked, 10, kOnline, "0000001000"},
+             {kBiased, {}, First::kAsAsked, 11, kApproved, ""},
+             {small, {.pinOnline = true}, First::kAsAsked, kLate, kOnline, "0000040000"},
+             {small, {.pinOffline = true, .pinErrors = 2}, First::kAsAsked, kLate, kApproved, ""},
+             {small, {.failed = true, .pinBlocked = true}, First::kOnline, kLate, kDeclined, "0000A00000"},
+             {small, {}, First::kOnline, kLate, kOnline, ""},
+             {Risk{.canGoOnline = false}, {}, First::kOnline, kLate, kDeclined, ""},
+             {large, {}, First::kDeclined, kLate, kDeclined, "0000008000"},
          }) {
         DataObjects objects;
         EXPECT_EQ(first_decision(risk, verified, wish, draw, objects), decision) << results;
-        EXPECT_EQ(to_hex(objects[tag::terminalResults]), results);
+        EXPECT_EQ(to_hex(objects[tag::kTerminalResults]), results);
     }
 }
 

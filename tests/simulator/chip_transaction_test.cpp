@@ -7,9 +7,9 @@ namespace quorvel::sim {
 
 namespace {
 
-const std::vector<std::string> pinAsked{"ENTER THE PIN"};
-const std::string workingKey = "3EB3B72576BBBE834F0B96AAA5A8B548";
-const std::string anyAmountOnline = "100000000000000000000";
+const std::vector<std::string> kPinAsked{"ENTER THE PIN"};
+const std::string kWorkingKey = "3EB3B72576BBBE834F0B96AAA5A8B548";
+const std::string kAnyAmountOnline = "100000000000000000000";
 
 // The fields of GOC that differ from test to test.
 struct Goc {
@@ -56,7 +56,7 @@ TEST_F(ChipTransactionTest, GocDecides) {
     const std::string floorLimit = "0000008000"_hex;
     for (const auto& [name, request, flags, results] : {
              std::tuple("visa-signature", Goc{}, "010000", none),
-             {"visa-signature", {.risk = anyAmountOnline}, "210000", floorLimit},
+             {"visa-signature", {.risk = kAnyAmountOnline}, "210000", floorLimit},
              {"visa-signature", {.risk = "1000004D3000000000000"}, "010000", none},
              {"visa-signature", {.risk = "100001000990000100099"}, "210000", "0000001000"_hex},
              {"visa-signature", {.flags = "110"}, "210000", "1000000000"_hex},
@@ -73,9 +73,9 @@ TEST_F(ChipTransactionTest, GocDecides) {
 
 TEST_F(ChipTransactionTest, EndsWhenTheCardLeaves) {
     read(inserted("visa-chip"));
-    call_while(Gestures().press(digit('1')).remove(), goc({}), "GOC043", pinAsked);
+    call_while(Gestures().press(digit('1')).remove(), goc({}), "GOC043", kPinAsked);
     read(inserted("visa-chip"));
-    call_while(Gestures().press(digit('1')).insert(card("visa-magnetic")).type("1234"), goc({}), "GOC043", pinAsked);
+    call_while(Gestures().press(digit('1')).insert(card("visa-magnetic")).type("1234"), goc({}), "GOC043", kPinAsked);
     pinPad_->remove();
     read(inserted("visa-chip"));
     pinPad_->act(Gestures().remove().insert(card("visa-chip")));
@@ -91,10 +91,10 @@ TEST_F(ChipTransactionTest, GocNeedsTheKeyInOneOfItsForms) {
     for (const std::string key : {"3030303030303030B4CC3FD9D8D95214", "B4CC3FD9D8D952140000000000000000"}) {
         read(key.front() == '3' ? inserted("visa-chip") : Gestures());
         call_while(Gestures().type("1234"), goc({.key = "000" + key}),
-                   went("200001", "0000040000"_hex, "E47AA5F63DB0260B" + std::string(20, '0')), pinAsked);
+                   went("200001", "0000040000"_hex, "E47AA5F63DB0260B" + std::string(20, '0')), kPinAsked);
     }
     read({});
-    call_while(Gestures().type("1234"), goc({.key = "009" + workingKey}), "GOC042", pinAsked);
+    call_while(Gestures().type("1234"), goc({.key = "009" + kWorkingKey}), "GOC042", kPinAsked);
     expect_findings({});
 }
 

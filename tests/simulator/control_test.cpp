@@ -16,7 +16,7 @@ namespace {
 
 using nlohmann::json;
 
-const std::string done = R"({"ok":true})";
+const std::string kDone = R"({"ok":true})";
 
 std::string refused(const std::string& error) { return R"({"error":)" + json(error).dump() + R"(,"ok":false})"; }
 
@@ -57,8 +57,8 @@ TEST_F(ControlTest, HasExamplesInTheGuideThatHold) {
         if (!line.starts_with("< ")) { continue; }
         const std::string verb = json::parse(request).at("do");
         // What the host does before an example that would otherwise have nothing to tell of.
-        if (verb == "await" && !told.contains(verb)) { exchange(frame("GKY"), ack); }
-        if (verb == "findings") { exchange(frame("XYZ"), ack + frame("ERR010")); }
+        if (verb == "await" && !told.contains(verb)) { exchange(frame("GKY"), kAck); }
+        if (verb == "findings") { exchange(frame("XYZ"), kAck + frame("ERR010")); }
         // Too many to spell.
         json due =
             verb == "cards" ? json{{"ok", true}, {"cards", control_->cards().names()}} : json::parse(line.substr(2));
@@ -83,9 +83,9 @@ TEST_F(ControlTest, DoesWhatThePersonDoes) {
              {"GCD016" + "000B 0002 0007 000D 0001 02 000E 0001 03"_hex, R"("type","digits":"042")",
               "GCD000007" + "804D 0003"_hex + "042"},
          }) {
-        exchange(frame(request), ack);
-        expect_answers(
-            {{R"({"do":"await","command":")" + request.substr(0, 3) + "\"}", done}, {R"({"do":)"s + act + "}", done}});
+        exchange(frame(request), kAck);
+        expect_answers({{R"({"do":"await","command":")" + request.substr(0, 3) + "\"}", kDone},
+                        {R"({"do":)"s + act + "}", kDone}});
         expect(frame(response));
     }
     expect_findings({});
@@ -122,8 +122,8 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
         {R"({"do":"traffic","last":1001})", refused("\"last\" is not from 1 to 1000")},
     });
     // None of it has left a trace.
-    exchange(frame("GKY"), ack);
-    exchange(can, eot);
+    exchange(frame("GKY"), kAck);
+    exchange(kCan, kEot);
     EXPECT_EQ(pinPad_->faults(), std::vector<Fault>{});
     expect_findings({});
 }
@@ -131,8 +131,8 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
 TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
     client_->send("{\"do\":\"await\"}\n");
     pinPad_->insert(card("visa-chip"));
-    exchange(frame("GKY"), ack);
-    EXPECT_EQ(client_->line(), done);
+    exchange(frame("GKY"), kAck);
+    EXPECT_EQ(client_->line(), kDone);
     const json state{{"ok", true}, {"port", pinPad_->path()}, {"waiting", "GKY"}, {"session", "plain"}, {"card", true}};
     EXPECT_EQ(told("state"), state);
     ask("OPN5230256" + std::string(512, 'F') + "3010001");
@@ -140,18 +140,19 @@ TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
     EXPECT_EQ(told("state").at("session"), "encrypted");
     EXPECT_EQ(told("findings").at("findings"),
               json::parse(R"([{"kind":"sequence","text":"a command came while GKY waited"}])"));
-    expect_answers({{R"({"do":"clear-findings"})", done}, {R"({"do":"findings"})", R"({"findings":[],"ok":true})"}});
+    expect_answers({{R"({"do":"clear-findings"})", kDone}, {R"({"do":"findings"})", R"({"findings":[],"ok":true})"}});
 }
 
 TEST_F(ControlTest, NoticesACommandHoweverShortItWaits) {
     expect_answers(
-        {{R"({"do":"when","command":"GKY","acts":[{"do":"notify","text":"HELLO"},{"do":"press","key":"f1"}]})", done}});
+        {{R"({"do":"when","command":"GKY","acts":[{"do":"notify","text":"HELLO"},{"do":"press","key":"f1"}]})",
+          kDone}});
     ControlClient other(path_);
     client_->send("{\"do\":\"await\",\"command\":\"GKY\"}\n{\"do\":\"screen\"}\n");
     other.send("{\"do\":\"await\",\"command\":\"RMC\",\"ms\":1}\n");
     EXPECT_EQ(other.line(), refused("RMC did not wait in time"));
-    exchange(frame("GKY"), ack + frame("NTM000005HELLO") + frame("GKY004"));
-    EXPECT_EQ(client_->line(), done);
+    exchange(frame("GKY"), kAck + frame("NTM000005HELLO") + frame("GKY004"));
+    EXPECT_EQ(client_->line(), kDone);
     EXPECT_EQ(client_->line(), R"({"media":"","menu":[],"ok":true,"selected":0,"text":"","typed":""})");
 }
 
@@ -164,41 +165,41 @@ TEST_F(ControlTest, ServesSeveralClientsWhateverTheyDo) {
     ControlClient long_winded(path_);
     long_winded.send_what_goes(std::string(200000, 'x') + "\n" R"({"do":"remove"})" "\r\n\n");
     EXPECT_EQ(long_winded.line(), refused("more than 65536 bytes"));
-    EXPECT_EQ(long_winded.line(), done);
+    EXPECT_EQ(long_winded.line(), kDone);
     ControlClient half_closed(path_);
     half_closed.send("{\"do\":\"remove\"}\n{\"do\":\"await\",\"ms\":1}\n{\"do\":\"remove\"}");
     half_closed.shut_down_sending();
-    EXPECT_EQ(half_closed.line(), done);
+    EXPECT_EQ(half_closed.line(), kDone);
     EXPECT_EQ(half_closed.line(), refused("a command did not wait in time"));
-    EXPECT_EQ(half_closed.line(), done);
+    EXPECT_EQ(half_closed.line(), kDone);
     EXPECT_EQ(half_closed.line(), "");
     // Whose answers nobody reads is not listened to for ever.
     ControlClient deaf(path_);
     std::string flood;
     for (int i = 0; i < 100000; ++i) flood += "{\"do\":\"screen\"}\n";
     EXPECT_LT(deaf.send_what_goes(flood), flood.size());
-    expect_answers({{R"({"do":"remove"})", done}});
-    EXPECT_EQ(silent.ask(R"({"do":"remove"})"), done);
+    expect_answers({{R"({"do":"remove"})", kDone}});
+    EXPECT_EQ(silent.ask(R"({"do":"remove"})"), kDone);
 }
 
 TEST_F(ControlTest, DoesWhatAClientAsksThatGoesAtOnce) {
     { ControlClient(path_).send(R"({"do":"when","command":"GKY","acts":[{"do":"press","key":"f2"}]})"); }
     // Clients are served in the order of their coming.
-    EXPECT_EQ(ControlClient(path_).ask(R"({"do":"remove"})"), done);
+    EXPECT_EQ(ControlClient(path_).ask(R"({"do":"remove"})"), kDone);
     call("GKY", "GKY005");
 }
 
 TEST_F(ControlTest, InjectsFaults) {
     expect_answers({
-        {R"({"do":"fault","fault":"wrong-id","command":"OPN"})", done},
-        {R"({"do":"fault","fault":"status","status":42,"every":2})", done},
-        {R"({"do":"fault","fault":"delay","ms":1,"chance":0.5,"times":3})", done},
+        {R"({"do":"fault","fault":"wrong-id","command":"OPN"})", kDone},
+        {R"({"do":"fault","fault":"status","status":42,"every":2})", kDone},
+        {R"({"do":"fault","fault":"delay","ms":1,"chance":0.5,"times":3})", kDone},
         {R"({"do":"faults"})",
          R"({"faults":[{"command":"OPN","fault":"wrong-id","times":1},{"every":2,"fault":"status","status":42},)"
          R"({"chance":0.5,"fault":"delay","ms":1,"times":3}],"ok":true})"},
     });
     for (const char* due : {"XXX000", "OPN000", "OPN042", "OPN000", "OPN042"}) call("OPN", due);
-    expect_answers({{R"({"do":"clear-faults"})", done}, {R"({"do":"faults"})", R"({"faults":[],"ok":true})"}});
+    expect_answers({{R"({"do":"clear-faults"})", kDone}, {R"({"do":"faults"})", R"({"faults":[],"ok":true})"}});
     call("OPN", "OPN000");
     expect_answers({{R"({"do":"traffic","last":1})",
                      R"({"ok":true,"traffic":[{"bytes":"16 4F 50 4E 30 30 30 17 77 5E","from":"pin-pad",)"
@@ -228,7 +229,7 @@ TEST_F(ControlTest, IsForItsUserAloneAndTakesThePlaceOnlyOfASocketThatNobodyServ
     close(left);
     EXPECT_EQ(fault(stale), "");
     EXPECT_FALSE(std::filesystem::exists(stale));
-    expect_answers({{R"({"do":"remove"})", done}});
+    expect_answers({{R"({"do":"remove"})", kDone}});
 }
 
 }  // namespace

@@ -12,8 +12,8 @@ namespace quorvel::sim {
 
 namespace {
 
-const std::string method = "0003 0002"_hex;
-const std::string index = "0009 0002"_hex + "00";
+const std::string kMethod = "0003 0002"_hex;
+const std::string kIndex = "0009 0002"_hex + "00";
 
 using EncipherTest = PinPadTest;
 
@@ -30,9 +30,9 @@ TEST_F(EncipherTest, EnbNeedsItsKeyAndItsLayout) {
 TEST_F(EncipherTest, EbxChainsFromZerosAndCountsItsKeyByItself) {
     play();
     const std::string head = "000F 0010 00112233445566778899AABBCCDDEEFF 0003 0002"_hex;
-    call("EBX044" + head + "01" + index + "000A 0008 B4CC3FD9D8D95214"_hex,
+    call("EBX044" + head + "01" + kIndex + "000A 0008 B4CC3FD9D8D95214"_hex,
          "EBX000020" + "804E 0010 4F9C3608AC9449664690F05F74FCEECF"_hex);
-    call("EBX032" + head + "50" + index,
+    call("EBX032" + head + "50" + kIndex,
          "EBX000034" + "804E 0010 A8356B9FB799703294165C23E1ACCD22 804C 000A FFFF9876543210E00001"_hex);
     call("EBX032" + head + "50" + "0009 0002"_hex + "01", "EBX042");
     // The first query for PIN keys knows nothing of the data key's counter.
@@ -50,17 +50,17 @@ TEST_F(EncipherTest, EbxTakesExactlyWhatItsMethodNeeds) {
     const std::string vector = "001D 0008 A1B2C3D4E5F60718"_hex;
     refuse("019", Kind::kLayout,
            {{"EBX012" + data, "EBX: SPE_MTHDDAT is missing"},
-            {"EBX012" + method + "50" + index, "EBX: SPE_DATAIN is missing"},
-            {"EBX018" + data + method + "50", "EBX: SPE_KEYIDX is missing"},
-            {"EBX024" + data + method + "11" + index, "EBX: SPE_WKENC is missing"}});
+            {"EBX012" + kMethod + "50" + kIndex, "EBX: SPE_DATAIN is missing"},
+            {"EBX018" + data + kMethod + "50", "EBX: SPE_KEYIDX is missing"},
+            {"EBX024" + data + kMethod + "11" + kIndex, "EBX: SPE_WKENC is missing"}});
     refuse("011", Kind::kLayout,
-           {{"EBX036" + data + method + "10" + index + des, "SPE_WKENC: 8 bytes"},
-            {"EBX036" + data + method + "50" + index + des, "EBX: SPE_WKENC 0x000A has no place in it"},
-            {"EBX036" + data + method + "50" + index + vector, "EBX: SPE_IVCBC 0x001D has no place in it"},
-            {"EBX030" + data + method + "50" + index + index, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
-            {"EBX024" + data + method + "05" + index, "SPE_MTHDDAT: there is no method 05"},
-            {"EBX024" + data + method + "90" + index, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
-            {"EBX017" + "000F 0001 00"_hex + method + "50" + index, "SPE_DATAIN: 1 bytes"},
+           {{"EBX036" + data + kMethod + "10" + kIndex + des, "SPE_WKENC: 8 bytes"},
+            {"EBX036" + data + kMethod + "50" + kIndex + des, "EBX: SPE_WKENC 0x000A has no place in it"},
+            {"EBX036" + data + kMethod + "50" + kIndex + vector, "EBX: SPE_IVCBC 0x001D has no place in it"},
+            {"EBX030" + data + kMethod + "50" + kIndex + kIndex, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
+            {"EBX024" + data + kMethod + "05" + kIndex, "SPE_MTHDDAT: there is no method 05"},
+            {"EBX024" + data + kMethod + "90" + kIndex, "EBX: SPE_KEYIDX 0x0009 has no place in it"},
+            {"EBX017" + "000F 0001 00"_hex + kMethod + "50" + kIndex, "SPE_DATAIN: 1 bytes"},
             {"EBX009" + "0007 0005"_hex + "01110", "EBX: SPE_TRACKS 0x0007 has no place in it"}});
 }
 
@@ -72,19 +72,19 @@ TEST_F(EncipherTest, GtkTakesExactlyWhatItsMethodNeeds) {
     device.lastCard = Card{.pan = "4111111111111111"};
     play(device);
     call("GTK008" + tracks, "GTK000");
-    call("GTK020" + track2AndPan + index + method + "50", "GTK042");
+    call("GTK020" + track2AndPan + kIndex + kMethod + "50", "GTK042");
     expect_findings({});
     refuse("019", Kind::kLayout,
            {{"GTK", "GTK: SPE_TRACKS is missing"},
             {"GTK008" + track2AndPan, "GTK: SPE_MTHDDAT is missing for the card number"},
-            {"GTK020" + tracks + method + "11" + index, "GTK: SPE_WKENC is missing"},
-            {"GTK274" + tracks + method + "90" + modulus, "GTK: SPE_PBKEXP is missing"}});
+            {"GTK020" + tracks + kMethod + "11" + kIndex, "GTK: SPE_WKENC is missing"},
+            {"GTK274" + tracks + kMethod + "90" + modulus, "GTK: SPE_PBKEXP is missing"}});
     refuse("011", Kind::kLayout,
            {{"GTK008" + "0007 0004"_hex + "1120", "SPE_TRACKS: digits other than 0 and 1"},
             {"GTK013" + tracks + "0008 0001"_hex + "3", "SPE_OPNDIG: an odd number"},
-            {"GTK014" + tracks + index, "GTK: SPE_KEYIDX 0x0009 has no place in it"},
-            {"GTK020" + tracks + index + method + "90", "GTK: SPE_KEYIDX 0x0009 has no place in it"},
-            {"GTK024" + tracks + method + "90" + "0024 0002 FFFF 0025 0000"_hex, "SPE_PBKMOD: 2 bytes"},
+            {"GTK014" + tracks + kIndex, "GTK: SPE_KEYIDX 0x0009 has no place in it"},
+            {"GTK020" + tracks + kIndex + kMethod + "90", "GTK: SPE_KEYIDX 0x0009 has no place in it"},
+            {"GTK024" + tracks + kMethod + "90" + "0024 0002 FFFF 0025 0000"_hex, "SPE_PBKMOD: 2 bytes"},
             {"GTK016" + tracks + tracks, "GTK: SPE_TRACKS 0x0007 has no place in it"}});
 }
 

@@ -80,11 +80,11 @@ TEST(Steady, GoesOnWithOrWithoutOpeningTheLinkAnew) {
         support::Peer peer;
         const auto open = [&] { peer.accept_can().request("OPN").response("OPN000"); };
         open();
-        for (int i = 0; i < 3; ++i) { peer.expect(frame(show)).send(nak); }
+        for (int i = 0; i < 3; ++i) { peer.expect(frame(show)).send(kNak); }
         if (confirmed) {
             peer.accept_can();
         } else {
-            peer.expect(can).expect(can).expect(can);
+            peer.expect(kCan).expect(kCan).expect(kCan);
             open();
         }
         peer.request(show).response("DSP000");

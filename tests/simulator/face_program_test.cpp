@@ -124,9 +124,9 @@ TEST(FaceProgram, LetsAPersonPlayTheCardholderAndLeavesTheTerminalAsItWas) {
         Host host(ready.substr(6));
         host.send(frame("DSP032" + field("APROXIME", 32)));
         EXPECT_TRUE(program.await("APROXIME")) << program.seen();
-        EXPECT_EQ(host.receive(11), ack + frame("DSP000"));
+        EXPECT_EQ(host.receive(11), kAck + frame("DSP000"));
         host.send(frame("GKY"));
-        EXPECT_EQ(host.receive(1), ack);
+        EXPECT_EQ(host.receive(1), kAck);
         // A function key, whose sequence begins like the key that stands for "cancel".
         program.type("\x1BOR");
         EXPECT_EQ(host.receive(10), frame("GKY006"));

@@ -147,7 +147,7 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
         EXPECT_EQ(face.view(9).remark, due);
     };
     expect_remark(Move::kInsertOrTakeOut, "a-stripe has no chip");
-    exchange(frame("CKE0040020"), ack);
+    exchange(frame("CKE0040020"), kAck);
     face.perform(Move::kPreviousCard);
     expect_remark(Move::kSwipe, "b-chip has no stripe");
     // The feed tells of every change, so none is missed.
@@ -158,11 +158,11 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
     expect(frame("CKE00000221"));
     EXPECT_EQ(face.view(9).inserted, "b-chip");
     EXPECT_EQ(face.view(9).waiting, "");
-    exchange(frame("CKE0040010"), ack);
+    exchange(frame("CKE0040010"), kAck);
     face.perform(Move::kInsertOrTakeOut);
     expect(frame("CKE00000220"));
     EXPECT_EQ(face.view(9).inserted, "");
-    exchange(frame("CKE0040100"), ack);
+    exchange(frame("CKE0040100"), kAck);
     expect_remark(Move::kTap, "b-chip has no antenna");
     face.perform(Move::kNextCard);
     face.perform(Move::kSwipe);

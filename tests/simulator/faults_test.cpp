@@ -13,8 +13,8 @@ namespace quorvel::sim {
 
 namespace {
 
-const std::string opn = "\x16OPN\x17\xA8\xA9";
-const std::string opnDone = "\x16OPN000\x17\x77\x5E";
+const std::string kOpn = "\x16OPN\x17\xA8\xA9";
+const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
 
 class FaultsTest : public PinPadTest {
 protected:
@@ -23,35 +23,35 @@ protected:
         SCOPED_TRACE(fault.kind);
         pinPad_->inject(fault);
         exchange(frame(request), due);
-        exchange(can, eot);
+        exchange(kCan, kEot);
         EXPECT_EQ(pinPad_->faults(), std::vector<Fault>{});
     }
 };
 
 TEST_F(FaultsTest, StrikeWhatGoesOverTheLineOnce) {
     play();
-    strike({.kind = "no-answer"}, "OPN", ack);
-    strike({.kind = "garbage"}, "OPN", ack + "55 AA 55"_hex + opnDone);
-    strike({.kind = "bad-crc"}, "OPN", ack + "\x16OPN000\x17\x77\x5F");
-    strike({.kind = "truncated"}, "OPN", ack + "\x16OPN0");
-    strike({.kind = "wrong-id"}, "OPN", ack + frame("XXX000"));
-    strike({.kind = "status", .status = 42}, "GIN00204", ack + frame("GIN042"));
-    strike({.kind = "status"}, "GIN00204", ack + frame("GIN000"));
-    strike({.kind = "nak"}, "OPN", nak);
-    strike({.kind = "lost-ack"}, "OPN", opnDone);
-    strike({.kind = "too-long"}, "GIN00204", ack + frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
+    strike({.kind = "no-answer"}, "OPN", kAck);
+    strike({.kind = "garbage"}, "OPN", kAck + "55 AA 55"_hex + kOpnDone);
+    strike({.kind = "bad-crc"}, "OPN", kAck + "\x16OPN000\x17\x77\x5F");
+    strike({.kind = "truncated"}, "OPN", kAck + "\x16OPN0");
+    strike({.kind = "wrong-id"}, "OPN", kAck + frame("XXX000"));
+    strike({.kind = "status", .status = 42}, "GIN00204", kAck + frame("GIN042"));
+    strike({.kind = "status"}, "GIN00204", kAck + frame("GIN000"));
+    strike({.kind = "nak"}, "OPN", kNak);
+    strike({.kind = "lost-ack"}, "OPN", kOpnDone);
+    strike({.kind = "too-long"}, "GIN00204", kAck + frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
     strike({.kind = "too-long"}, "GIX006" + "0001 0002 8001"_hex,
-           ack + frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
-    exchange(opn, ack + opnDone);
+           kAck + frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
+    exchange(kOpn, kAck + kOpnDone);
     expect_findings({});
 }
 
 TEST_F(FaultsTest, LeaveTheResponseWholeForItsRepetition) {
     play({.faults = {{.kind = "no-answer"}, {.kind = "bad-crc"}, {.kind = "split", .time = 1h}}});
-    exchange(opn, ack);
-    exchange(nak, "\x16OPN000\x17\x77\x5F");
-    exchange(nak, "\x16OPN0");
-    exchange(nak, opnDone);
+    exchange(kOpn, kAck);
+    exchange(kNak, "\x16OPN000\x17\x77\x5F");
+    exchange(kNak, "\x16OPN0");
+    exchange(kNak, kOpnDone);
     expect_findings({});
 }
 
@@ -61,7 +61,7 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
                      {.kind = "no-answer", .command = "NTM"}}});
     pinPad_->when("GKY", Gestures().notify("NOT HEARD").press(Key::kF1));
     for (const char* due : {"OPN000", "XXX000", "OPN000", "XXX000", "OPN000", "OPN000"}) call("OPN", due);
-    for (int i = 0; i < 2; ++i) exchange(frame("GKY"), nak);
+    for (int i = 0; i < 2; ++i) exchange(frame("GKY"), kNak);
     call("GKY", "GKY004");
     pinPad_->inject({.kind = "wrong-id", .times = {}});
     for (int i = 0; i < 5; ++i) call("OPN", "XXX000");
@@ -72,8 +72,8 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
 
 TEST_F(FaultsTest, ShowInTheTraceAndKeepItsSecrets) {
     play({.faults = {{.kind = "bad-crc", .command = "OPN"}, {.kind = "garbage", .command = "GEN"}}});
-    exchange(opn, ack + "\x16OPN000\x17\x77\x5F");
-    exchange(frame("GEN01302008K3000608"), ack + "55 AA 55"_hex + frame("GEN000006003000"));
+    exchange(kOpn, kAck + "\x16OPN000\x17\x77\x5F");
+    exchange(frame("GEN01302008K3000608"), kAck + "55 AA 55"_hex + frame("GEN000006003000"));
     pinPad_->stop();
     EXPECT_EQ(to_text(pinPad_->traffic().at(2)), "< 16 4F 50 4E 30 30 30 17 77 5F\n  OPN 000 OK (fault: bad-crc)\n");
     EXPECT_EQ(to_text(pinPad_->traffic().at(5)).substr(0, 27), "< 55 AA 55 16 47 45 4E ... ");
@@ -124,12 +124,12 @@ using SpeedTest = PinPadTest;
 TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     play({.speed = 1200});
     host_->send("\x16GIN00200\x17\xEE\xCA");
-    EXPECT_EQ(host_->receive(2), ack + "\x16");
-    host_->send(can);
+    EXPECT_EQ(host_->receive(2), kAck + "\x16");
+    host_->send(kCan);
     size_t more = 0;
-    for (std::string byte = host_->receive(1); byte != eot && byte != ""; byte = host_->receive(1)) ++more;
+    for (std::string byte = host_->receive(1); byte != kEot && byte != ""; byte = host_->receive(1)) ++more;
     EXPECT_LT(more, 80U);
-    exchange(nak + can, eot);
+    exchange(kNak + kCan, kEot);
     expect_findings({{Kind::kSequence, "NAK without a response before it"}});
 }
 

@@ -25,10 +25,10 @@ inline void PrintTo(const Finding& finding, std::ostream* out) {
     *out << kind_name(finding.kind) << ": " << finding.text;
 }
 
-inline const std::string ack = "\x06";
-inline const std::string nak = "\x15";
-inline const std::string can = "\x18";
-inline const std::string eot = "\x04";
+inline const std::string kAck = "\x06";
+inline const std::string kNak = "\x15";
+inline const std::string kCan = "\x18";
+inline const std::string kEot = "\x04";
 
 inline Card card(std::string_view name) { return Cards::standard().at(name); }
 inline Gestures inserted(std::string_view name) { return Gestures().insert(card(name)); }
@@ -52,7 +52,7 @@ protected:
              {std::pair(1, "01"), {2, "01"}, {3, "01"}, {3, "02"}, {3, "03"}, {4, "01"}}) {
             records[{.table = 1, .acquirer = acquirer, .index = index}] = {};
         }
-        device.tables.load(Tables::allAcquirers, "TABLES0001", std::move(records));
+        device.tables.load(Tables::kAllAcquirers, "TABLES0001", std::move(records));
         return device;
     }
 
@@ -72,7 +72,7 @@ protected:
     // In packets: what stands around them is tested elsewhere.
     void call(const std::string& request, const std::string& response) {
         SCOPED_TRACE(request);
-        exchange(frame(request), ack + frame(response));
+        exchange(frame(request), kAck + frame(response));
     }
 
     // What the cardholder does while the command waits; the notices that the host is told come before the answer.
@@ -80,7 +80,7 @@ protected:
                     const std::vector<std::string>& notices = {}) {
         SCOPED_TRACE(request);
         if (!gestures.events().empty()) { pinPad_->when(request.substr(0, 3), gestures); }
-        std::string due = ack;
+        std::string due = kAck;
         for (const std::string& notice : notices) { due += frame(fmt::format("NTM000{:03}{}", notice.size(), notice)); }
         exchange(frame(request), due + frame(response));
     }
@@ -88,13 +88,13 @@ protected:
     // A command that goes on waiting behind this notice.
     void begin(const Gestures& gestures, const std::string& request, const std::string& notice) {
         pinPad_->when(request.substr(0, 3), gestures);
-        exchange(frame(request), ack + frame(notice));
+        exchange(frame(request), kAck + frame(notice));
     }
 
     // For answers that nobody can spell, because something random is in them.
     std::string ask(const std::string& request) {
         host_->send(frame(request));
-        EXPECT_EQ(host_->receive(2), ack + "\x16");
+        EXPECT_EQ(host_->receive(2), kAck + "\x16");
         std::string packet;
         for (std::string byte = host_->receive(1); byte != "\x17"; byte = host_->receive(1)) {
             if (byte.empty()) { return packet; }
@@ -118,7 +118,7 @@ protected:
 
     // The answer to CAN comes next only if nothing else was sent that no test expected.
     void TearDown() override {
-        if (pinPad_) { exchange(can, eot); }
+        if (pinPad_) { exchange(kCan, kEot); }
     }
 
     // Ends the PIN pad and returns what became of it.

@@ -14,7 +14,7 @@ std::string pads(size_t count) {
     return text;
 }
 
-const std::string atr = "1109" + pads(27) + "3B6500002063CB6800";
+const std::string kAtr = "1109" + pads(27) + "3B6500002063CB6800";
 
 class GenTest : public PinPadTest {
 protected:
@@ -49,9 +49,9 @@ TEST_F(GenTest, TellsWhereKeysAreEnciphersAndReadsTags) {
 TEST_F(GenTest, PowersChipsAndExchangesApdus) {
     const std::string select = "GEN0360403102000A40400007A0000000031010";
     const std::string verify = "GEN0380403302000200080008";
-    call("GEN009040040110", "GEN000079076" + atr);
-    call("GEN009040040140", "GEN000079076" + atr);
-    call("GEN009040040120", "GEN000079076" + atr);
+    call("GEN009040040110", "GEN000079076" + kAtr);
+    call("GEN009040040140", "GEN000079076" + kAtr);
+    call("GEN009040040120", "GEN000079076" + kAtr);
     call("GEN009040040143", "GEN0000790760000" + pads(36));
     call(select + "016", "GEN000043040090000166F0E8407A0000000031010A50350015A");
     call(select + "015", "GEN00001100806C10000");
@@ -74,7 +74,7 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
         call_while(gestures, "GEN053040480300020008020412" + field("ENTER PIN", 32), answer);
     };
     typed(Gestures().type("1234"), "GEN00000800510000");
-    call("GEN009040040110", "GEN000079076" + atr);
+    call("GEN009040040110", "GEN000079076" + kAtr);
     typed(Gestures().press(digit('9')).press(Key::kClear).type("1234"), "GEN00000800509000");
     typed(Gestures().press(digit('1')).press(Key::kCancel), "GEN013");
     typed(Gestures().remove().type("1234"), "GEN043");

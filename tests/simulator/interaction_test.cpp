@@ -8,10 +8,10 @@ namespace quorvel::sim {
 
 namespace {
 
-const Card amex{.pan = "378282246310005",
-                .track1 = "B3782 822463 10005^DOE/JOHN^3012",
-                .track2 = "378282246310005=3012101",
-                .track3 = "01378282246310005=1"};
+const Card kAmex{.pan = "378282246310005",
+                 .track1 = "B3782 822463 10005^DOE/JOHN^3012",
+                 .track2 = "378282246310005=3012101",
+                 .track3 = "01378282246310005=1"};
 
 using InteractionTest = PinPadTest;
 
@@ -41,7 +41,7 @@ TEST_F(InteractionTest, OffersAMenu) {
     begin(Gestures().press(Key::kDown).notify("MOVED"), mnu, "NTM000005MOVED");
     EXPECT_EQ(pinPad_->screen(),
               (Screen::Content{.text = "CHOOSE\rONE", .menu = {"TEA", "COFFEE", "WATER"}, .selected = 2}));
-    exchange(can, eot);
+    exchange(kCan, kEot);
     EXPECT_EQ(pinPad_->screen(), Screen::Content{});
     expect_findings({});
     std::string tooMany = "MNU588";
@@ -61,7 +61,7 @@ TEST_F(InteractionTest, AsksForANumber) {
     call_while(Gestures().press(Key::kCancel), gcd, "GCD013");
     begin(Gestures().press(digit('1')).notify("TYPED"), gcd, "NTM000005TYPED");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "NUMBER 0007", .typed = "1"}));
-    exchange(can, eot);
+    exchange(kCan, kEot);
     call_while(Gestures().press(Key::kEnter), "GCD016" + "000B 0002 0007 000D 0001 00 000E 0001 00"_hex,
                "GCD000004" + "804D 0000"_hex);
     expect_findings({});
@@ -80,17 +80,17 @@ struct Happening {
 TEST_F(InteractionTest, TellsCexWhatHappened) {
     const std::string track1 = "B37** ****** **005^DOE/JOHN^3012";
     const std::vector<Happening> cases{
-        {"100000", Gestures().swipe(amex).press(digit('1')).press(Key::kDown), "006" + "8040 0002"_hex + "03"},
-        {"010000", Gestures().press(Key::kEnter).tap(amex).swipe({.pan = "1", .track2 = "1=2"}),
+        {"100000", Gestures().swipe(kAmex).press(digit('1')).press(Key::kDown), "006" + "8040 0002"_hex + "03"},
+        {"010000", Gestures().press(Key::kEnter).tap(kAmex).swipe({.pan = "1", .track2 = "1=2"}),
          "013" + "8040 0002"_hex + "90" + "8042 0003"_hex + "1=2"},
-        {"110100", Gestures().swipe(amex),
+        {"110100", Gestures().swipe(kAmex),
          "092" + "8040 0002"_hex + "90" + "8041 0020"_hex + track1 + "8042 0017"_hex + "37**********005=3012101"
              + "8043 0013"_hex + "0137**********005=1"},
-        {"002000", Gestures().remove().insert(amex), "006" + "8040 0002"_hex + "92"},
+        {"002000", Gestures().remove().insert(kAmex), "006" + "8040 0002"_hex + "92"},
         // It is in the reader already.
         {"112100", {}, "006" + "8040 0002"_hex + "92"},
-        {"001000", Gestures().swipe(amex).insert(amex).remove(), "006" + "8040 0002"_hex + "91"},
-        {"000100", Gestures().swipe(amex).tap(amex), "006" + "8040 0002"_hex + "94"},
+        {"001000", Gestures().swipe(kAmex).insert(kAmex).remove(), "006" + "8040 0002"_hex + "91"},
+        {"000100", Gestures().swipe(kAmex).tap(kAmex), "006" + "8040 0002"_hex + "94"},
     };
     play();
     for (const auto& [options, gestures, answer] : cases) {
@@ -102,7 +102,7 @@ TEST_F(InteractionTest, TellsCexWhatHappened) {
             {"CEX010" + "0006 0006"_hex + "003000", "SPE_CEXOPT: chip: 3 is not from 0 to 2"},
             {"CEX010" + "0006 0006"_hex + "100001", "SPE_CEXOPT: reserved: 1 instead of 0"},
             {"CEX011" + "0006 0007"_hex + "1000000", "SPE_CEXOPT: 1 bytes too many"}});
-    EXPECT_EQ(retire().lastCard->pan, amex.pan);
+    EXPECT_EQ(retire().lastCard->pan, kAmex.pan);
 }
 
 TEST(PanMask, KeepsTheEndsOfACardNumberOnly) {
@@ -116,10 +116,10 @@ TEST(PanMask, KeepsTheEndsOfACardNumberOnly) {
 TEST_F(InteractionTest, TellsCkeWhatHappened) {
     play();
     call_while(Gestures().press(digit('1')).press(Key::kClear), "CKE003100", "CKE000003008");
-    call_while(Gestures().insert(amex), "CKE0040020", "CKE00000221");
+    call_while(Gestures().insert(kAmex), "CKE0040020", "CKE00000221");
     call("CKE003002", "CKE00000221");
     call_while(Gestures().remove(), "CKE003001", "CKE00000220");
-    call_while(Gestures().swipe(amex).tap(amex), "CKE0040001", "CKE00000231");
+    call_while(Gestures().swipe(kAmex).tap(kAmex), "CKE0040001", "CKE00000231");
     expect_findings({});
     refuse("011", Kind::kLayout,
            {{"CKE003200", "CKE: CKE_KEY: 2 is not from 0 to 1"},
@@ -135,7 +135,7 @@ TEST_F(InteractionTest, TellsCkeTracksUnderThePanKey) {
     play(device);
     const std::string track2 = "6118E09677FA9702=3012101";
     call_while(
-        Gestures().swipe({.pan = amex.pan, .track1 = amex.track1, .track2 = amex.track2}), "CKE003010",
+        Gestures().swipe({.pan = kAmex.pan, .track1 = kAmex.track1, .track2 = kAmex.track2}), "CKE003010",
         "CKE000225132" + field("B3170C73962C42EDC3^DOE/JOHN^3012", 76) + "24" + field(track2, 40) + field("", 104));
     expect_findings({});
 }
@@ -160,7 +160,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
     begin(Gestures().type("12345").press(digit('1')).notify("TYPED"),
           gpn("300", blank, "00" + field("", 19), {"0412PIN", "0412AGAIN"}), "NTM000005TYPED");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "AGAIN", .typed = "*"}));
-    exchange(can, eot);
+    exchange(kCan, kEot);
     expect_findings({});
     for (const Traffic& traffic : pinPad_->traffic()) EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos);
     refuse("011", Kind::kLayout,
@@ -180,7 +180,7 @@ TEST_F(InteractionTest, LastsUntilThePersonActs) {
     play();
     call("RMC032" + field("TAKE YOUR CARD", 32), "RMC000");
     for (const Key key : {Key::kF1, Key::kCancel}) {
-        exchange(frame("GKY"), ack);
+        exchange(frame("GKY"), kAck);
         pinPad_->swipe({.pan = "4111111111111111"});
         pinPad_->press(digit('5'));
         pinPad_->press(key);
@@ -197,7 +197,7 @@ TEST_F(InteractionTest, LastsUntilThePersonActs) {
 
 TEST_F(InteractionTest, EndsWithTheNextCommandWhichIsAFault) {
     play();
-    exchange(frame("GKY"), ack);
+    exchange(frame("GKY"), kAck);
     call("GIN00203", "GIN000042APP00301000001A00B00001.00 260101000101T03");
     pinPad_->press(Key::kEnter);
     expect_findings({{Kind::kSequence, "a command came while GKY waited"}});
@@ -220,16 +220,16 @@ TEST_F(InteractionTest, TellsTheHostInBetweenPlainlyAndEnciphered) {
     SessionKey key{};
     for (size_t i = 0; i < key.size(); ++i) key.at(i) = static_cast<uint8_t>(i);
     play({.sessionKey = key});
-    exchange(frame("GKY"), ack);
+    exchange(frame("GKY"), kAck);
     pinPad_->act(Gestures().notify("TEXT"));
     expect(frame("NTM000004TEXT"));
-    exchange(nak, frame("NTM000004TEXT"));
+    exchange(kNak, frame("NTM000004TEXT"));
     pinPad_->press(Key::kF1);
     expect(frame("GKY004"));
     ask("OPN5230256" + std::string(512, 'F') + "3010001");
     pinPad_->when("GKY", Gestures().notify("TEXT").press(Key::kF1));
     exchange(support::encrypted_frame("85F4FF83818B561EC3ED87569A03F9EB"_hex),
-             ack + support::encrypted_frame("E0DBD8966C7D9C2D7DF939A5665CE1A05F51D24C7ACAC73B0919EDFB9C3B4AA5"_hex)
+             kAck + support::encrypted_frame("E0DBD8966C7D9C2D7DF939A5665CE1A05F51D24C7ACAC73B0919EDFB9C3B4AA5"_hex)
                  + support::encrypted_frame("DDEB3B9C6650FC6FEAA5009894571462"_hex));
     expect_findings({});
 }

@@ -19,8 +19,8 @@ namespace {
 using enum KeyStrength;
 using enum KeyUse;
 
-const Bytes baseKey = from_hex("0123456789ABCDEFFEDCBA9876543210");
-const Bytes initialKey = from_hex("6AC292FAA1315B4D858AB3A3D7D5933A");
+const Bytes kBaseKey = from_hex("0123456789ABCDEFFEDCBA9876543210");
+const Bytes kInitialKey = from_hex("6AC292FAA1315B4D858AB3A3D7D5933A");
 
 Ksn ksn_of(const std::string& hex) {
     Ksn ksn{};
@@ -31,7 +31,7 @@ Ksn ksn_of(const std::string& hex) {
 // Those of triple DES are the published ones; those of DES and at the counter's end were worked out step by step with
 // the openssl program.
 TEST(Dukpt, DerivesTheKeysOfCountersWithSeveralOnes) {
-    EXPECT_EQ(dukpt::initial_key(baseKey, ksn_of("FFFF9876543210EFF800")), initialKey);
+    EXPECT_EQ(dukpt::initial_key(kBaseKey, ksn_of("FFFF9876543210EFF800")), kInitialKey);
     EXPECT_THROW(static_cast<void>(dukpt::initial_key(from_hex("6AC292FAA1315B4D"), Ksn{})), std::invalid_argument);
     for (const auto& [size, ksn, due] : {
              std::tuple(16, "FFFF9876543210E0000A", "6CF2500A22507C83C776CEADC1E330EB"),
@@ -39,7 +39,7 @@ TEST(Dukpt, DerivesTheKeysOfCountersWithSeveralOnes) {
              {8, "FFFF9876543210E00013", "932DA0370FDEACA8"},
              {8, "FFFF9876543210FFF800", "4DACBA8A219F01DA"},
          }) {
-        const Bytes initial(initialKey.begin(), initialKey.begin() + size);
+        const Bytes initial(kInitialKey.begin(), kInitialKey.begin() + size);
         EXPECT_EQ(to_hex(dukpt::pin_key(dukpt::transaction_key(initial, ksn_of(ksn)))), due);
     }
 }
@@ -123,10 +123,10 @@ TEST(PanCipher, EnciphersTheLastSixteenDigitsThatCanBeReadBack) {
          {"123456789012", "123456789012=3012", "%B4111111111111111^CARD/TEST^3012", "41111111111X1111", "=3012", ""}) {
         EXPECT_EQ(protect_pan(left, desKey), left);
     }
-    EXPECT_EQ(protect_pan("4012345678909", baseKey), "1C07A6B60270A018");
+    EXPECT_EQ(protect_pan("4012345678909", kBaseKey), "1C07A6B60270A018");
     // A host deciphers the digits before it sends them.
     EXPECT_EQ(expose_pan("2C53F02A871D1AF8", desKey), "4012345678909");
-    EXPECT_EQ(expose_pan("64B02AE35D82E5CE", baseKey), "4111111111111111");
+    EXPECT_EQ(expose_pan("64B02AE35D82E5CE", kBaseKey), "4111111111111111");
     for (const char* pan : {"4111111111111111", "123456789012", ""}) { EXPECT_EQ(expose_pan(pan, desKey), pan); }
 }
 

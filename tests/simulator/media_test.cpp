@@ -8,32 +8,32 @@ namespace quorvel::sim {
 
 namespace {
 
-const std::string nameHead = "001E 0008"_hex;
-const std::string infoHead = "001F 000A"_hex;
-const std::string listHead = "805E 0008"_hex;
+const std::string kNameHead = "001E 0008"_hex;
+const std::string kInfoHead = "001F 000A"_hex;
+const std::string kListHead = "805E 0008"_hex;
 
 // Both of MLI's parameters.
 std::string mli(const std::string& name, const std::string& info) {
-    return "MLI026" + nameHead + name + infoHead + info;
+    return "MLI026" + kNameHead + name + kInfoHead + info;
 }
 
 using MediaTest = PinPadTest;
 
 TEST_F(MediaTest, FilesAreThereOnceTheyAreWhole) {
-    const std::string dsi = "DSI012" + nameHead + "LOGO    ";
+    const std::string dsi = "DSI012" + kNameHead + "LOGO    ";
     Device device;
     device.media.store("OLD", {});
     play(device);
     // Announced the other way round.
-    call("MLI026" + infoHead + "00000005 546C 03 000000"_hex + nameHead + "LOGO    ", "MLI000");
+    call("MLI026" + kInfoHead + "00000005 546C 03 000000"_hex + kNameHead + "LOGO    ", "MLI000");
     call("MLR009" + "000F 0005"_hex + "12345", "MLR000");
     call(dsi, "DSI100");
     call("MLE", "MLE000");
     call(dsi, "DSI000");
-    call("CLX012" + nameHead + "NONE    ", "CLX100");
+    call("CLX012" + kNameHead + "NONE    ", "CLX100");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.media = "LOGO"}));
-    call("DMF024" + nameHead + "LOGO    " + nameHead + "NONE    ", "DMF100");
-    call("DMF036" + nameHead + "OLD     " + nameHead + "OLD     " + nameHead + "LOGO    ", "DMF000");
+    call("DMF024" + kNameHead + "LOGO    " + kNameHead + "NONE    ", "DMF100");
+    call("DMF036" + kNameHead + "OLD     " + kNameHead + "OLD     " + kNameHead + "LOGO    ", "DMF000");
     expect_findings({});
     EXPECT_EQ(retire().media.files(), Media::Files{});
 }
@@ -54,11 +54,11 @@ TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
             {mli("LOGo    ", one), "SPE_MFNAME: a small letter"},
             {mli("        ", one), "SPE_MFNAME: no name"},
             {mli("LOG\xC9    ", one), "SPE_MFNAME: text: 0xC9 is not allowed"},
-            {"MLI024" + nameHead + logo + nameHead + logo, "MLI: SPE_MFNAME 0x001E has no place in it"},
+            {"MLI024" + kNameHead + logo + kNameHead + logo, "MLI: SPE_MFNAME 0x001E has no place in it"},
             {"DSI013" + "001E 0009"_hex + "LOGO     ", "SPE_MFNAME: 1 bytes too many"},
             {"DSI005" + "000F 0001"_hex + "1", "DSI: SPE_DATAIN 0x000F has no place in it"},
             {"LMF000", "LMF: 3 bytes too many"}});
-    refuse("019", Kind::kLayout, {{"MLI012" + nameHead + logo, "MLI: no SPE_MFINFO"}, {"DMF", "DMF: no SPE_MFNAME"}});
+    refuse("019", Kind::kLayout, {{"MLI012" + kNameHead + logo, "MLI: no SPE_MFINFO"}, {"DMF", "DMF: no SPE_MFNAME"}});
     call(mli(logo, "00000002 31C3 01 000000"_hex), "MLI000");
     call("MLR006" + "000F 0002"_hex + "12", "MLR000");
     refuse("102", Kind::kLayout, {{"MLR005" + "000F 0001"_hex + "3", "MLR: 3 bytes of LOGO, which has 2"}});
@@ -79,7 +79,7 @@ TEST_F(MediaTest, ListsAsManyFilesAsTwoBlocksHold) {
             const std::string name = fmt::format("FILE{:04}", i);
             device.media.store(name, {});
             if (i == 83) answer += count == 84 ? "012" : "996";
-            answer += listHead + name;
+            answer += kListHead + name;
         }
         play(device);
         call("LMF", count > 166 ? "LMF045" : answer);

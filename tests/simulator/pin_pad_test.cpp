@@ -6,38 +6,38 @@ namespace quorvel::sim {
 
 namespace {
 
-const std::string opn = "\x16OPN\x17\xA8\xA9";
-const std::string opnDone = "\x16OPN000\x17\x77\x5E";
+const std::string kOpn = "\x16OPN\x17\xA8\xA9";
+const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
 
 TEST_F(PinPadTest, RefusesADamagedFrameAndTakesItsRepetition) {
     play();
-    exchange("\x16OPN\x17\xA8\xA8", nak);
-    exchange(opn, ack + opnDone);
+    exchange("\x16OPN\x17\xA8\xA8", kNak);
+    exchange(kOpn, kAck + kOpnDone);
     expect_findings({{Kind::kFraming, "bad CRC: 0xA8A8 received, 0xA8A9 due"}});
 }
 
 TEST_F(PinPadTest, RefusesAFrameThatDoesNotGoOn) {
     play({.frameTimeout = std::chrono::milliseconds(30)});
-    exchange("\x16OPN", nak);
-    exchange(can, eot);
+    exchange("\x16OPN", kNak);
+    exchange(kCan, kEot);
     expect_findings({{Kind::kFraming, "the frame does not go on"}});
 }
 
 TEST_F(PinPadTest, RepeatsItsResponseThreeTimesUntilCan) {
     const Finding nothing{Kind::kSequence, "NAK without a response before it"};
     play();
-    exchange(nak + can, eot);
-    exchange(opn, ack + opnDone);
-    for (int i = 0; i < 3; ++i) { exchange(nak, opnDone); }
-    exchange(nak + can, eot);
-    exchange(nak + can, eot);
+    exchange(kNak + kCan, kEot);
+    exchange(kOpn, kAck + kOpnDone);
+    for (int i = 0; i < 3; ++i) { exchange(kNak, kOpnDone); }
+    exchange(kNak + kCan, kEot);
+    exchange(kNak + kCan, kEot);
     expect_findings({nothing, {Kind::kSequence, "NAK after the last repetition"}, nothing});
 }
 
 TEST_F(PinPadTest, FindsBytesThatHaveNoMeaning) {
     play();
-    exchange("\x06" + can + "A" + can, eot + eot);
-    exchange("\x16OP" + opn, ack + opnDone);
+    exchange("\x06" + kCan + "A" + kCan, kEot + kEot);
+    exchange("\x16OP" + kOpn, kAck + kOpnDone);
     expect_findings({{Kind::kFraming, "ACK outside a frame"},
                      {Kind::kFraming, "stray byte 0x41 outside a frame"},
                      {Kind::kFraming, "SYN inside a frame"}});
@@ -52,7 +52,7 @@ TEST_F(PinPadTest, RefusesWhatIsNoCommand) {
              "A",
              R"(there is no command "\xff\xfeA")"}});
     refuse("ERR010", Kind::kLayout, {{"GI", "a frame without a command"}, {"", "a frame without a command"}});
-    exchange("\x16\x12" + "0123456789abcdef\x17\xB9\x4C"s, ack + frame("ERR003"));
+    exchange("\x16\x12" + "0123456789abcdef\x17\xB9\x4C"s, kAck + frame("ERR003"));
     EXPECT_EQ(pinPad_->findings().back(), (Finding{Kind::kSequence, "an encrypted frame without a session"}));
 }
 
@@ -131,10 +131,10 @@ TEST_F(PinPadTest, OwnsUpWhenItsDataDoNotFit) {
 
 TEST_F(PinPadTest, StaysWhenAClientGoes) {
     play();
-    exchange(opn, ack + opnDone);
+    exchange(kOpn, kAck + kOpnDone);
     host_->send("\x16OPN");
     host_.emplace(pinPad_->path());
-    exchange("\x17\xA8\xA9", ack + opnDone);
+    exchange("\x17\xA8\xA9", kAck + kOpnDone);
     expect_findings({});
 }
 
@@ -150,9 +150,9 @@ TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
     play();
     call("GIX012" + "0001 0008 8001 9100 9163 8062"_hex,
          "GIX000036" + "8001 000A"_hex + "QV00000001" + "9100 000A FFFF9876543210E00000 8062 0004 00040000"_hex);
-    exchange("\x16XYZ\x17\xB3\x06", nak);
-    exchange(can, eot);
-    exchange(frame("DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C"), ack + frame("DWK000"));
+    exchange("\x16XYZ\x17\xB3\x06", kNak);
+    exchange(kCan, kEot);
+    exchange(frame("DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C"), kAck + frame("DWK000"));
     std::vector<std::string> words;
     for (const Traffic& traffic : pinPad_->traffic()) {
         words.push_back((traffic.sender == Sender::kHost ? "> " : "< ") + traffic.words);

@@ -46,8 +46,8 @@ protected:
 
 void expect_alive(const std::string& port) {
     Host host(port);
-    host.send(can);
-    EXPECT_EQ(host.receive(1), eot);
+    host.send(kCan);
+    EXPECT_EQ(host.receive(1), kEot);
 }
 
 TEST_F(ProgramTest, KeepsALinkWhileItRunsAndTheLinkIsItsOwn) {
@@ -141,7 +141,7 @@ TEST_F(ProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
             Host host(port);
             for (const std::string& id : commands) {
                 host.send(frame(id + "032" + std::string(32, 'X')));
-                EXPECT_EQ(host.receive(11), ack + frame(id + "000"));
+                EXPECT_EQ(host.receive(11), kAck + frame(id + "000"));
             }
         }
         EXPECT_EQ(ends == "stop" ? program.end(SIGTERM) : program.wait(), complaint.empty() ? 0 : 1) << ends;

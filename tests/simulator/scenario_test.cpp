@@ -109,7 +109,7 @@ std::vector<std::string> judged(const std::string& text, const std::vector<Answe
 }
 
 // SPE_AMOUNT, but for its value.
-const std::string amount = "GCX009" + "0013 0005"_hex;
+const std::string kAmount = "GCX009" + "0013 0005"_hex;
 
 using Complaints = std::vector<std::string>;
 
@@ -121,7 +121,7 @@ TEST(Judge, LetsPassWhatIsExpected) {
         "[[expect]]\ncommand = 'GKY'\nanywhere = true\nstatus = 4\ntimes = 0\n"
         "[[finding]]\ntext = 'came while'\n";
     EXPECT_EQ(
-        judged(sale, {{"OPN", 0}, {amount + "10000", 0}, {"DSP", 0}, {"GKY", {}}, {"DSP", 0}, {"GKY", {}}, {"CLO", 0}},
+        judged(sale, {{"OPN", 0}, {kAmount + "10000", 0}, {"DSP", 0}, {"GKY", {}}, {"DSP", 0}, {"GKY", {}}, {"CLO", 0}},
                {{Finding::Kind::kSequence, "a command came while GKY waited"}}),
         Complaints{});
 }
@@ -137,11 +137,11 @@ TEST(Judge, TellsWhatCameInstead) {
         {go, {}, ":2: expected once: GKY; it came never, and nothing instead"},
         {want("'GKY'\ntimes = 3"), {{"GKY", 0}}, ":2: expected 3 times: GKY; it came once, and nothing instead"},
         {want("'GCX'\nwith = 'SPE_ACQREF'"),
-         {{amount + "10000", 0}},
+         {{kAmount + "10000", 0}},
          ":2: GCX came without SPE_ACQREF, as GCX read a card: SPE_AMOUNT: 5 bytes withheld"},
         {want("'GIN'\nwithout = 'GIN_ACQIDX=\"00\"'"), {{"GIN00200", 0}}, ":2: GIN came with GIN_ACQIDX=\"00\""},
         {want("'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'"),
-         {{amount + "20000", 0}},
+         {{kAmount + "20000", 0}},
          ":2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""},
         {want("'DSP'\nanywhere = true\nstatus = 'OK'"),
          {{"DSP", 11}, {"GIN", 0}},
@@ -190,7 +190,7 @@ protected:
     }
 
     Complaints complaints() {
-        exchange(can, eot);
+        exchange(kCan, kEot);
         pinPad_->stop();
         host_.reset();
         const Complaints complaints = performance_->complaints(pinPad_->findings());
@@ -218,7 +218,7 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
 TEST_F(PerformanceTest, TellsWhereTheScriptGotStuck) {
     perform("script = [\n{ wait = 'GKY' },\n{ press = 'f1' },\n{ wait = ['GCR', 'GCX'] },\n{ remove = true },\n]\n");
     call("GKY", "GKY004");
-    exchange(frame("CKE003100"), ack);
+    exchange(frame("CKE003100"), kAck);
     EXPECT_EQ(complaints(),
               Complaints{"s.toml:5: the script did not get past wait = [\"GCR\",\"GCX\"]; CKE waited instead"});
 }
@@ -229,9 +229,9 @@ TEST_F(PerformanceTest, CountsWhatTheHostWasToldAndWhatItGaveUp) {
         "[[expect]]\ncommand = 'GIN'\nstatus = 'INTERR'\n[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n"
         "[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n");
     call("GIN00200", "GIN040");
-    exchange(frame("GKY"), ack);
-    exchange(can, eot);
-    exchange(frame("GKY"), ack);
+    exchange(frame("GKY"), kAck);
+    exchange(kCan, kEot);
+    exchange(frame("GKY"), kAck);
     EXPECT_EQ(complaints(), Complaints{});
 }
 

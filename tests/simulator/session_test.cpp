@@ -14,7 +14,7 @@ namespace {
 
 // Whoever has no use for the session key needs no key pair.
 const std::string modulus(512, 'F');
-const std::string keyText = "000102030405060708090A0B0C0D0E0F";
+const std::string kKeyText = "000102030405060708090A0B0C0D0E0F";
 
 std::string wire(std::string_view hex) {
     const Bytes bytes = from_hex(hex);
@@ -23,7 +23,7 @@ std::string wire(std::string_view hex) {
 
 SessionKey key() {
     SessionKey key{};
-    std::ranges::copy(from_hex(keyText), key.begin());
+    std::ranges::copy(from_hex(kKeyText), key.begin());
     return key;
 }
 
@@ -35,11 +35,11 @@ protected:
     }
 
     // Frames in hexadecimal.
-    void converse(const std::string& sent, const std::string& due) { exchange(wire(sent), ack + wire(due)); }
+    void converse(const std::string& sent, const std::string& due) { exchange(wire(sent), kAck + wire(due)); }
 
     // What is refused plainly.
     void expect_error(const std::string& sent, const char* error, const Finding& finding) {
-        exchange(wire(sent), ack + frame(error));
+        exchange(wire(sent), kAck + frame(error));
         EXPECT_EQ(pinPad_->findings().back(), finding);
     }
 
@@ -83,7 +83,7 @@ TEST_F(SessionTest, TravelsEncipheredAndShowsItsKeyNowhere) {
     EXPECT_EQ(words[8], "enciphered GIX 000 OK: PP_SERNUM=\"QV00000001\"");
     EXPECT_EQ(words[11], "enciphered ERR 010 INVCALL");
     std::erase(all, ' ');
-    EXPECT_EQ(all.find(keyText), std::string::npos);
+    EXPECT_EQ(all.find(kKeyText), std::string::npos);
     expect_findings({{Kind::kUnsupported, "there is no command \"XYZ\""}});
 }
 
@@ -119,7 +119,7 @@ TEST_F(SessionTest, EndsWithACloseThatIsAnsweredPlainly) {
              {"16125E7BAC557602DF133792414254402F1809176CA0", "CLX011"},
          }) {
         open();
-        exchange(wire(close), ack + frame(answer));
+        exchange(wire(close), kAck + frame(answer));
         expect_error(gin_, "ERR003", noSession_);
         call("OPN", "OPN000");
     }

@@ -86,8 +86,8 @@ private:
         return out;
     }
     static BN_CTX* context() {
-        static const std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> only(BN_CTX_new(), BN_CTX_free);
-        return only.get();
+        static const std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> kOnly(BN_CTX_new(), BN_CTX_free);
+        return kOnly.get();
     }
 
     std::unique_ptr<BIGNUM, decltype(&BN_free)> number_{BN_new(), BN_free};

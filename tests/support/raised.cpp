@@ -31,12 +31,12 @@ std::ostream& operator<<(std::ostream& out, const Raised& raised) {
 }
 
 Raised error(int16_t code, const std::string& detail) {
-    static constexpr std::array names{
+    static constexpr std::array kNames{
         "OK",           "RUNTIME_ERROR",     "ILLEGAL_ARGUMENT", "ILLEGAL_STATE",  "INDEX_OUT_OF_BOUNDS",
         "MALLOC_ERROR", "IO_ERROR",          "TIMEOUT_ERROR",    "FILE_NOT_FOUND", "ENCODING_ERROR",
         "DEVICE_BUSY",  "PERMISSION_DENIED", "PROTOCOL_ERROR",   "CRYPT_ERROR",
     };
-    return {code, "[KOR_RESULT_" + std::string(names.at(static_cast<size_t>(code))) + "] " + detail};
+    return {code, "[KOR_RESULT_" + std::string(kNames.at(static_cast<size_t>(code))) + "] " + detail};
 }
 
 std::vector<Raised> errors(int16_t code, std::initializer_list<const char*> details) {

@@ -42,32 +42,32 @@ std::string framed(std::string_view head, std::string_view payload, uint16_t crc
 }
 
 unsigned digit(char c) {
-    static constexpr std::string_view digits = "0123456789ABCDEF";
-    const size_t value = digits.find(c);
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const size_t value = kDigits.find(c);
     if (value == std::string_view::npos) { throw std::invalid_argument("not an upper-case hex digit"); }
     return static_cast<unsigned>(value);
 }
 
 }  // namespace
 
-std::string literals::operator""_hex(const char* digits, size_t length) {
+std::string literals::operator""_hex(const char* kDigits, size_t length) {
     std::string out;
     for (size_t i = 0; i < length; i += 2) {
-        if (digits[i] == ' ') { ++i; }
+        if (kDigits[i] == ' ') { ++i; }
         if (i + 1 >= length) { throw std::invalid_argument("half a byte"); }
-        out += static_cast<char>(digit(digits[i]) << 4 | digit(digits[i + 1]));
+        out += static_cast<char>(digit(kDigits[i]) << 4 | digit(kDigits[i + 1]));
     }
     return out;
 }
 
 std::string to_hex(std::string_view bytes) {
-    static constexpr std::string_view digits = "0123456789ABCDEF";
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
     std::string out;
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
         if (!out.empty()) { out += ' '; }
-        out += digits[byte >> 4];
-        out += digits[byte & 0xF];
+        out += kDigits[byte >> 4];
+        out += kDigits[byte & 0xF];
     }
     return out;
 }

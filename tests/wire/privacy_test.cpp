@@ -15,7 +15,7 @@ namespace quorvel::wire {
 
 namespace {
 
-const std::string pan = "4111111111111111";
+const std::string kPan = "4111111111111111";
 
 std::string words(Sender sender, const std::string& packet) {
     return sender == Sender::kHost ? request_words(to_bytes(packet)) : response_words(to_bytes(packet));
@@ -31,7 +31,7 @@ TEST(Privacy, IsKeptFieldByField) {
         {Sender::kHost, "GCX028" + "0013 000C"_hex + "000000001000" + "0022 0003"_hex + "986" + "000C 0001 3C"_hex,
          "GCX read a card: SPE_AMOUNT=\"000000001000\", SPE_TRNCURR=\"986\", SPE_TIMEOUT=60"},
         {Sender::kPinPad,
-         "GCX000043" + "804F 0002"_hex + "03" + "8052 0010"_hex + pan + "8055 0003"_hex + "A/B" + "805D 0006"_hex
+         "GCX000043" + "804F 0002"_hex + "03" + "8052 0010"_hex + kPan + "8055 0003"_hex + "A/B" + "805D 0006"_hex
              + "301231",
          "GCX 000 OK: PP_CARDTYPE=\"03\", PP_PAN: 16 bytes withheld, PP_CHNAME: 3 bytes withheld, "
          "PP_CARDEXP: 6 bytes withheld"},
@@ -44,19 +44,19 @@ TEST(Privacy, IsKeptFieldByField) {
         {Sender::kHost, "CNG00503820138", "CNG change EMV data: 11 bytes withheld"},
         {Sender::kPinPad, "NTM000032" + std::string(32, 'X'), "NTM 000 OK: NTM_MSG=\"" + std::string(32, 'X') + "\""},
         // What breaks its layout.
-        {Sender::kHost, "GCX020" + "0013 0010"_hex + pan, "GCX read a card: SPE_AMOUNT: 16 bytes withheld"},
-        {Sender::kPinPad, "GCX000014" + "8054 000A 5A20"_hex + pan.substr(8),
+        {Sender::kHost, "GCX020" + "0013 0010"_hex + kPan, "GCX read a card: SPE_AMOUNT: 16 bytes withheld"},
+        {Sender::kPinPad, "GCX000014" + "8054 000A 5A20"_hex + kPan.substr(8),
          "GCX 000 OK: PP_EMVDATA: 10 bytes withheld"},
-        {Sender::kHost, "GCX999" + pan, "GCX read a card: 19 bytes withheld"},
-        {Sender::kHost, "GIN018" + pan + "00", "GIN device information: GIN_ACQIDX=\"41\", 16 bytes withheld"},
+        {Sender::kHost, "GCX999" + kPan, "GCX read a card: 19 bytes withheld"},
+        {Sender::kHost, "GIN018" + kPan + "00", "GIN device information: GIN_ACQIDX=\"41\", 16 bytes withheld"},
         {Sender::kHost, "GIN0034X1", "GIN device information: 6 bytes withheld"},
-        {Sender::kHost, "DSP099" + pan, "DSP show a message: 19 bytes withheld"},
-        {Sender::kPinPad, "GCR000100" + pan + std::string(84, ' '), "GCR 000 OK: 103 bytes withheld"},
+        {Sender::kHost, "DSP099" + kPan, "DSP show a message: 19 bytes withheld"},
+        {Sender::kPinPad, "GCR000100" + kPan + std::string(84, ' '), "GCR 000 OK: 103 bytes withheld"},
         {Sender::kPinPad, "41111111", "no response: 8 bytes withheld"},
-        {Sender::kHost, pan, "16 bytes withheld"},
+        {Sender::kHost, kPan, "16 bytes withheld"},
         // What no table has.
-        {Sender::kHost, "XYZ016" + pan, "\"XYZ\": 19 bytes withheld"},
-        {Sender::kPinPad, "GIX000020" + "80FF 0010"_hex + pan, "GIX 000 OK: 0x80FF: 16 bytes withheld"},
+        {Sender::kHost, "XYZ016" + kPan, "\"XYZ\": 19 bytes withheld"},
+        {Sender::kPinPad, "GIX000020" + "80FF 0010"_hex + kPan, "GIX 000 OK: 0x80FF: 16 bytes withheld"},
     };
     for (const auto& [sender, packet, due] : cases) {
         EXPECT_EQ(words(sender, packet), due);
@@ -76,28 +76,29 @@ TEST(Privacy, WithholdsEachCommandParameterAndTagThatIsInNoTable) {
         if (!tag_name(id).empty()) continue;
         EXPECT_EQ(data_object(id, to_bytes("1")).privacy, Privacy::kWithheld) << id;
     }
-    for (const Command& command : allCommands) {
+    for (const Command& command : kAllCommands) {
         if (command.form == Command::Form::kParams) continue;
         const std::string id(command.id);
         if (fields_of(id, Sender::kHost).empty()) {
-            EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes(id + "016" + pan)).items)) << id;
+            EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes(id + "016" + kPan)).items)) << id;
         }
         if (fields_of(id, Sender::kPinPad).empty()) {
-            EXPECT_TRUE(all_withheld(take_apart(Sender::kPinPad, to_bytes(id + "000016" + pan)).items)) << id;
+            EXPECT_TRUE(all_withheld(take_apart(Sender::kPinPad, to_bytes(id + "000016" + kPan)).items)) << id;
         }
     }
-    EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes("NEW016" + pan)).items));
+    EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes("NEW016" + kPan)).items));
 }
 
 TEST(Privacy, WithholdsTracksKeysPinsAndWhatIsTyped) {
-    for (const uint16_t id : {spe::wkEnc, spe::dataIn, pp::trk1Inc, pp::trk2Inc, pp::trk3Inc, pp::track1, pp::track2,
-                              pp::track3, pp::encPan, pp::value, pp::dataOut, pp::pinBlk, pp::encKRand}) {
+    for (const uint16_t id :
+         {spe::kWkEnc, spe::kDataIn, pp::kTrk1Inc, pp::kTrk2Inc, pp::kTrk3Inc, pp::kTrack1, pp::kTrack2, pp::kTrack3,
+          pp::kEncPan, pp::kValue, pp::kDataOut, pp::kPinBlk, pp::kEncKRand}) {
         EXPECT_EQ(param_item(id, to_bytes("1")).privacy, Privacy::kWithheld) << param_name(id);
     }
     for (const Tag tag : {0x57U, 0x56U, 0x9F6BU, 0x9F20U, 0x9F1FU}) {
         EXPECT_EQ(data_object(tag, to_bytes("1")).privacy, Privacy::kWithheld) << tag;
     }
-    EXPECT_EQ(param_item(pp::pan, to_bytes(pan)).privacy, Privacy::kCard);
+    EXPECT_EQ(param_item(pp::kPan, to_bytes(kPan)).privacy, Privacy::kCard);
     EXPECT_EQ(data_object(0x5A, to_bytes("1")).privacy, Privacy::kCard);
 }
 

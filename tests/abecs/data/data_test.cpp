@@ -54,10 +54,10 @@ TEST(CharacterClasses, AreThoseOfAsciiAndReportTheFirstOther) {
 }
 
 TEST(Dates, EveryMonthEndsWhereItShould) {
-    constexpr uint8_t lengths[]{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    constexpr uint8_t kLengths[]{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     for (uint8_t month = 1; month <= 12; ++month) {
         for (const uint8_t year : {uint8_t{0}, uint8_t{23}, uint8_t{24}, uint8_t{99}}) {
-            const auto last = static_cast<uint8_t>(lengths[month - 1] + (month == 2 && (year == 0 || year == 24)));
+            const auto last = static_cast<uint8_t>(kLengths[month - 1] + (month == 2 && (year == 0 || year == 24)));
             const AbecsDate good{year, month, last};
             EXPECT_NO_RAISE(abecs_data_validate_date(&good));
             const AbecsDate bad{year, month, static_cast<uint8_t>(last + 1)};
