@@ -84,7 +84,7 @@ constexpr std::array kResultBits{
 std::string results_meaning(wire::ByteView value) {
     std::string text;
     for (const ResultBit& each : kResultBits) {
-        if (each.byte >= value.size() || (value[each.byte] & each.bit) == 0) continue;
+        if (each.byte >= value.size() || (value[each.byte] & each.bit) == 0) { continue; }
         text += (text.empty() ? "" : ", ") + std::string(each.meaning);
     }
     return text.empty() ? "nothing to remark" : text;
@@ -92,7 +92,7 @@ std::string results_meaning(wire::ByteView value) {
 
 // What the bits of a value say; empty when they say nothing that has words.
 std::string meaning_of(const wire::Item& object) {
-    if (object.value.empty()) return "";
+    if (object.value.empty()) { return ""; }
     switch (object.id) {
         case wire::tag::kTerminalResults:
             return results_meaning(object.value);

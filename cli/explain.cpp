@@ -110,7 +110,7 @@ StatusMeaning explain_status(int32_t code) noexcept {
         return {code, wire::status_name(code), found->meaning, found->remedy};
     }
     const auto* own = std::ranges::find(kOwnStatuses, code, &StatusMeaning::code);
-    if (own != kOwnStatuses.end()) return *own;
+    if (own != kOwnStatuses.end()) { return *own; }
     return {code, "UNKNOWN", "no status that the protocol has", ""};
 }
 

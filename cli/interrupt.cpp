@@ -26,18 +26,18 @@ std::sig_atomic_t now() {
 // Whoever sends a signal to a process and to its group, as timeout(1) does, means it once.
 void end_if_meant_again(int signal) {
     constexpr std::sig_atomic_t kPatience = 2;
-    if (now() - receivedAt < kPatience) return;
+    if (now() - receivedAt < kPatience) { return; }
     std::signal(signal, SIG_DFL);
     static_cast<void>(raise(signal));
 }
 
 void remember(int signal) {
-    if (received != 0) return end_if_meant_again(signal);
+    if (received != 0) { return end_if_meant_again(signal); }
     received = signal;
     receivedAt = now();
     // Waiting for the PIN pad ends within two seconds; until then the user should know that the key was heard.
     constexpr std::string_view kHeard = "\nStopping...\n";
-    if (isatty(STDERR_FILENO) == 1) static_cast<void>(!write(STDERR_FILENO, kHeard.data(), kHeard.size()));
+    if (isatty(STDERR_FILENO) == 1) { static_cast<void>(!write(STDERR_FILENO, kHeard.data(), kHeard.size())); }
 }
 
 }  // namespace
@@ -45,13 +45,13 @@ void remember(int signal) {
 void watch() {
     struct sigaction action = {};
     action.sa_handler = remember;
-    for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM}) { sigaction(signal, &action, nullptr); }
 }
 
 bool requested() noexcept { return received != 0; }
 
 void check() {
-    if (requested()) throw Interrupted(received == SIGTERM ? Exit::kTerminated : Exit::kInterrupted);
+    if (requested()) { throw Interrupted(received == SIGTERM ? Exit::kTerminated : Exit::kInterrupted); }
 }
 
 }  // namespace quorvel::cli::interrupt

@@ -31,7 +31,7 @@ const std::map<std::string, uint16_t>& names() {
     static const auto kAll = [] {
         std::map<std::string, uint16_t> known;
         for (uint16_t id = ABECS_RSP_DATID_PP_SERNUM; id <= ABECS_RSP_DATID_PP_TABVER99; ++id) {
-            if (std::string name = item_name(id); !name.starts_with("0x")) known.emplace(std::move(name), id);
+            if (std::string name = item_name(id); !name.starts_with("0x")) { known.emplace(std::move(name), id); }
         }
         return known;
     }();
@@ -77,7 +77,7 @@ std::optional<uint16_t> item_id(std::string_view name) {
     if (upper.starts_with("0X")) {
         uint16_t id = 0;
         const auto [end, error] = std::from_chars(upper.data() + 2, upper.data() + upper.size(), id, 16);
-        if (error == std::errc() && end == upper.data() + upper.size()) return id;
+        if (error == std::errc() && end == upper.data() + upper.size()) { return id; }
         return std::nullopt;
     }
     const auto found = names().find(upper.starts_with("PP_") ? upper : "PP_" + upper);
@@ -99,13 +99,13 @@ std::optional<int> Items::number(uint16_t id) const {
     const std::string digits = raw(id);
     int value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+    if (error != std::errc() || end != digits.data() + digits.size()) { return std::nullopt; }
     return value;
 }
 
 Value Items::value(uint16_t id) const {
     const AbecsRspParamValue* found = stored(id);
-    if (found == nullptr) return "none";
+    if (found == nullptr) { return "none"; }
     return value_of(wire::param_item(id, {found->data, found->size}));
 }
 
@@ -120,10 +120,10 @@ std::vector<uint16_t> Items::ids() const {
 }
 
 void Items::add(Group& to, std::string label, uint16_t id) const {
-    if (!has(id)) return;
+    if (!has(id)) { return; }
     Value item = value(id);
     const auto* group = std::get_if<Group>(&item.data);
-    if (group == nullptr || !group->empty()) to.push_back({std::move(label), std::move(item)});
+    if (group == nullptr || !group->empty()) { to.push_back({std::move(label), std::move(item)}); }
 }
 
 }  // namespace quorvel::cli

@@ -14,8 +14,8 @@ void run(void (*body)(void*), void* context) {
     }
     KOR_CATCH(KOR_RESULT_OK) { kor_exception_get(&raised); }
     KOR_END_TRY;
-    if (raised.error != KOR_RESULT_OK) throw LibraryError(raised.error, raised.message);
-    if (!ended) throw LibraryError(KOR_RESULT_MALLOC_ERROR, "out of memory");
+    if (raised.error != KOR_RESULT_OK) { throw LibraryError(raised.error, raised.message); }
+    if (!ended) { throw LibraryError(KOR_RESULT_MALLOC_ERROR, "out of memory"); }
 }
 
 }  // namespace quorvel::cli::detail

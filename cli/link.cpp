@@ -15,9 +15,9 @@ namespace {
 constexpr size_t kShortMessage = 32;
 
 std::string required_port(const Settings& settings) {
-    if (!settings.port.empty()) return settings.port;
+    if (!settings.port.empty()) { return settings.port; }
     std::string found;
-    for (const PortInfo& port : list_ports()) found += fmt::format(" {}", port.path);
+    for (const PortInfo& port : list_ports()) { found += fmt::format(" {}", port.path); }
     throw Error(Exit::kUsage, "No port is named.",
                 fmt::format("Name it with --port, QUORVEL_PORT or in {}. Ports here:{}.\n"
                             "  No PIN pad at hand? `quorvel-sim` is a virtual one and prints its port.",
@@ -48,10 +48,12 @@ Link::Link(const Settings& settings, Output& output) : output_(output) {
 
 // Nothing may leave a destructor, and whatever brought us here matters more than how the end went.
 Link::~Link() {
-    if (pinPad_ == nullptr) return;
+    if (pinPad_ == nullptr) { return; }
     try {
-        if (*abecs_comm_get_blk_wait_id(pinPad_) != '\0') call([this] { abecs_comm_send_can(pinPad_); });
-        if (inSession_) close_session();
+        if (*abecs_comm_get_blk_wait_id(pinPad_) != '\0') {
+            call([this] { abecs_comm_send_can(pinPad_); });
+        }
+        if (inSession_) { close_session(); }
     } catch (const Error& error) { output_.notice(fmt::format("The PIN pad was not left idle: {}", error.what())); }
     try {
         call([this] { abecs_comm_close(&pinPad_); });
@@ -81,7 +83,7 @@ void Link::close() {
 }
 
 void Link::require_ok(std::string_view id, int32_t status) {
-    if (status != ABECS_RSP_STAT_ST_OK) throw StatusError(id, status);
+    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError(id, status); }
 }
 
 void Link::interrupt_point() { interrupt::check(); }

@@ -50,9 +50,10 @@ public:
         for (;;) {
             std::array<char, 33> notification{};
             const int32_t status = call([&] { return poll(notification.data()); });
-            if (status >= 0) return status;
-            if (status == ABECS_RSP_STAT_ST_NOTIFICATION)
+            if (status >= 0) { return status; }
+            if (status == ABECS_RSP_STAT_ST_NOTIFICATION) {
                 output_.notice(std::string("PIN pad: ") + notification.data());
+            }
             interrupt_point();
         }
     }

@@ -42,7 +42,7 @@ struct Ready {
 
 CLI::App* group_of(CLI::App& app, const std::string& name) {
     const auto known = app.get_subcommands([&](const CLI::App* each) { return each->get_name() == name; });
-    if (!known.empty()) return known.front();
+    if (!known.empty()) { return known.front(); }
     CLI::App* group = app.add_subcommand(name, std::string(group_summary(name)));
     group->require_subcommand(1)->fallthrough();
     return group;
@@ -68,7 +68,7 @@ std::vector<Ready> add_commands(CLI::App& app) {
 
 const Ready* chosen(const std::vector<Ready>& ready) {
     for (const Ready& each : ready) {
-        if (each.app->parsed()) return &each;
+        if (each.app->parsed()) { return &each; }
     }
     return nullptr;
 }
@@ -97,7 +97,7 @@ Exit run(const Ready& command, Globals& globals, Output& output, const CLI::App&
 // Names what is too much on the command line, unless it might be private: a card number, for one.
 std::string text_of(const CLI::App& app, const CLI::ParseError& error) {
     const std::vector<std::string> extras = app.remaining(true);
-    if (extras.empty()) return error.what();
+    if (extras.empty()) { return error.what(); }
     const std::string& first = extras.front();
     const bool named = std::ranges::none_of(first, [](unsigned char c) { return std::isdigit(c) != 0; });
     return named ? fmt::format("There is no command or option '{}' here.", first) : "An argument was not expected.";
@@ -105,7 +105,7 @@ std::string text_of(const CLI::App& app, const CLI::ParseError& error) {
 
 // A program that asked for JSON gets it also for a command line that cannot be parsed.
 Exit refuse(const CLI::App& app, const CLI::ParseError& error, bool json) {
-    if (error.get_exit_code() == 0) return static_cast<Exit>(app.exit(error));
+    if (error.get_exit_code() == 0) { return static_cast<Exit>(app.exit(error)); }
     Output({.json = json})
         .failure(Error(Exit::kUsage, text_of(app, error), "See `quorvel --help` and `quorvel COMMAND --help`."));
     return Exit::kUsage;
@@ -113,7 +113,7 @@ Exit refuse(const CLI::App& app, const CLI::ParseError& error, bool json) {
 
 bool asks_for_json(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        if (std::string_view(argv[i]) == "--json") return true;
+        if (std::string_view(argv[i]) == "--json") { return true; }
     }
     return false;
 }

@@ -34,7 +34,7 @@ std::string key_of(std::string_view label) {
         const size_t end = std::min(label.find_first_of(" -", begin), label.size());
         for (size_t i = begin; i < end; ++i) {
             const auto c = static_cast<unsigned char>(label[i]);
-            if (std::isalnum(c) == 0) continue;
+            if (std::isalnum(c) == 0) { continue; }
             const bool upper = !first && i == begin;
             key += static_cast<char>(upper ? std::toupper(c) : first ? std::tolower(c) : c);
         }
@@ -73,14 +73,14 @@ std::string Output::shown(const Pan& pan) const {
     constexpr size_t kTrailing = 4;
     constexpr size_t kShortest = 13;
     const std::string& digits = pan.digits;
-    if (style_.reveal) return printable(digits);
-    if (digits.size() < kShortest) return std::string(digits.size(), '*');
+    if (style_.reveal) { return printable(digits); }
+    if (digits.size() < kShortest) { return std::string(digits.size(), '*'); }
     return printable(digits.substr(0, kLeading)) + std::string(digits.size() - kLeading - kTrailing, '*')
            + printable(digits.substr(digits.size() - kTrailing));
 }
 
 std::string Output::shown(const Secret& secret) const {
-    if (style_.reveal) return printable(secret.text);
+    if (style_.reveal) { return printable(secret.text); }
     return secret.text.empty() ? "none" : "withheld";
 }
 
@@ -123,7 +123,7 @@ Output::Json Output::json_of(const Value& value) const {
 
 Output::Json Output::json_of(const Group& group) const {
     Json object = Json::object();
-    for (const Field& field : group) object[key_of(field)] = json_of(field.value);
+    for (const Field& field : group) { object[key_of(field)] = json_of(field.value); }
     return object;
 }
 
@@ -131,7 +131,7 @@ Output::Json Output::json_of(const Table& table) const {
     Json rows = Json::array();
     for (const auto& row : table.rows) {
         Json object = Json::object();
-        for (size_t i = 0; i < row.size(); ++i) object[key_of(table.columns[i])] = json_of(row[i]);
+        for (size_t i = 0; i < row.size(); ++i) { object[key_of(table.columns[i])] = json_of(row[i]); }
         rows.push_back(std::move(object));
     }
     return rows;
@@ -147,7 +147,7 @@ Output::Json Output::envelope(Exit exit) const {
 void Output::print(const Group& group, size_t indent, std::string& to) const {
     size_t width = 0;
     for (const Field& field : group) {
-        if (!is_nested(field.value)) width = std::max(width, field.label.size());
+        if (!is_nested(field.value)) { width = std::max(width, field.label.size()); }
     }
     for (const Field& field : group) {
         const std::string margin(indent, ' ');
@@ -168,27 +168,27 @@ void Output::print(const Table& table, size_t indent, std::string& to) const {
     std::vector<std::vector<std::string>> lines{table.columns};
     for (const auto& row : table.rows) {
         std::vector<std::string>& line = lines.emplace_back();
-        for (const Value& cell : row) line.push_back(text_of(cell));
+        for (const Value& cell : row) { line.push_back(text_of(cell)); }
     }
     std::vector<size_t> widths(table.columns.size());
     for (const auto& line : lines) {
-        for (size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
+        for (size_t i = 0; i < line.size(); ++i) { widths[i] = std::max(widths[i], line[i].size()); }
     }
     for (const auto& line : lines) {
         std::string text(indent, ' ');
-        for (size_t i = 0; i < line.size(); ++i) text += fmt::format("{:<{}}  ", line[i], widths[i]);
+        for (size_t i = 0; i < line.size(); ++i) { text += fmt::format("{:<{}}  ", line[i], widths[i]); }
         to += text.substr(0, text.find_last_not_of(' ') + 1) + "\n";
     }
-    if (table.rows.empty()) to += std::string(indent, ' ') + "(none)\n";
+    if (table.rows.empty()) { to += std::string(indent, ' ') + "(none)\n"; }
 }
 
 void Output::notice(std::string_view text) const {
-    if (!style_.json) write_line(stderr, printable(text));
+    if (!style_.json) { write_line(stderr, printable(text)); }
 }
 
 void Output::progress(std::string_view label, uint64_t done, uint64_t total) const {
     constexpr uint64_t kCells = 30;
-    if (style_.json || isatty(STDERR_FILENO) != 1) return;
+    if (style_.json || isatty(STDERR_FILENO) != 1) { return; }
     const uint64_t filled = total == 0 ? kCells : done * kCells / total;
     fmt::print(stderr, "\r{} [{:<{}}] {:>3}%{}", label, std::string(filled, '#'), kCells,
                total == 0 ? 100 : done * 100 / total, done == total ? "\n" : "");
@@ -202,7 +202,7 @@ void Output::trace(char arrow, const Group& words) {
         return;
     }
     std::string text;
-    for (const Field& field : words) text += (text.empty() ? "" : ": ") + text_of(field.value);
+    for (const Field& field : words) { text += (text.empty() ? "" : ": ") + text_of(field.value); }
     write_line(stderr, fmt::format("{} {}", arrow, text));
 }
 
@@ -210,7 +210,7 @@ void Output::result(const Group& report, Exit exit) const {
     if (style_.json) {
         Json object = envelope(exit);
         object["result"] = json_of(report);
-        if (!traced_.empty()) object["trace"] = traced_;
+        if (!traced_.empty()) { object["trace"] = traced_; }
         write_line(stdout, object.dump(2));
         return;
     }
@@ -222,20 +222,20 @@ void Output::result(const Group& report, Exit exit) const {
 void Output::failure(const Error& error) const {
     if (!style_.json) {
         write_line(stderr, "quorvel: " + printable(error.what()));
-        if (!error.remedy().empty()) write_line(stderr, "  " + error.remedy());
+        if (!error.remedy().empty()) { write_line(stderr, "  " + error.remedy()); }
         return;
     }
     Json object = envelope(error.exit());
     Json& described = object["error"];
     described["text"] = printable(error.what());
-    if (!error.remedy().empty()) described["remedy"] = printable(error.remedy());
+    if (!error.remedy().empty()) { described["remedy"] = printable(error.remedy()); }
     if (const auto* raised = dynamic_cast<const LibraryError*>(&error)) {
         described["raised"] = call([raised] { return kor_result_to_string(raised->code()); });
     }
     if (const auto* answered = dynamic_cast<const StatusError*>(&error)) {
         described["status"] = json_of(Value(Status{answered->status()}));
     }
-    if (!traced_.empty()) object["trace"] = traced_;
+    if (!traced_.empty()) { object["trace"] = traced_; }
     write_line(stdout, object.dump(2));
 }
 

@@ -31,7 +31,7 @@ std::string description(const std::string& path) {
     const fs::path port = fs::path("/sys/class/tty") / fs::path(path).filename() / "device";
     for (const char* up : {"..", "../..", "../../.."}) {
         const std::string product = first_line(port / up / "product");
-        if (product.empty()) continue;
+        if (product.empty()) { continue; }
         const std::string maker = first_line(port / up / "manufacturer");
         return maker.empty() ? product : fmt::format("{}, {}", product, maker);
     }
@@ -51,7 +51,7 @@ bool has_open(const fs::path& process, const fs::path& device) {
     std::error_code unseen;
     for (const fs::directory_entry& entry : fs::directory_iterator(process / "fd", unseen)) {
         std::error_code closed;
-        if (fs::read_symlink(entry.path(), closed) == device) return true;
+        if (fs::read_symlink(entry.path(), closed) == device) { return true; }
     }
     return false;
 }
@@ -62,12 +62,12 @@ std::vector<PortInfo> list_ports() {
     const Names names;
     call([&] { kor_serial_list_ports(names.get()); });
     std::vector<PortInfo> ports;
-    for (const std::string& path : names.all()) ports.push_back({path, description(path), "ready"});
+    for (const std::string& path : names.all()) { ports.push_back({path, description(path), "ready"}); }
     std::error_code unreadable;
     for (const fs::directory_entry& entry : fs::directory_iterator("/dev", unreadable)) {
         const std::string path = entry.path().string();
-        if (!is_usb_port(entry.path().filename().string())) continue;
-        if (std::ranges::find(ports, path, &PortInfo::path) != ports.end()) continue;
+        if (!is_usb_port(entry.path().filename().string())) { continue; }
+        if (std::ranges::find(ports, path, &PortInfo::path) != ports.end()) { continue; }
         ports.push_back({path, description(path), state_of(path)});
     }
     std::ranges::sort(ports, {}, &PortInfo::path);
@@ -89,8 +89,8 @@ std::vector<Holder> holders_of(const std::string& path) {
         const std::string name = entry.path().filename().string();
         int process = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-        if (error != std::errc() || end != name.data() + name.size() || process == getpid()) continue;
-        if (has_open(entry.path(), device)) holders.push_back({process, first_line(entry.path() / "comm")});
+        if (error != std::errc() || end != name.data() + name.size() || process == getpid()) { continue; }
+        if (has_open(entry.path(), device)) { holders.push_back({process, first_line(entry.path() / "comm")}); }
     }
     std::ranges::sort(holders, {}, &Holder::process);
     return holders;
@@ -98,7 +98,7 @@ std::vector<Holder> holders_of(const std::string& path) {
 
 Access access_of(const std::string& path) {
     struct stat info = {};
-    if (stat(path.c_str(), &info) != 0) return {};
+    if (stat(path.c_str(), &info) != 0) { return {}; }
     const passwd* owner = getpwuid(info.st_uid);
     const group* members = getgrgid(info.st_gid);
     return {owner != nullptr ? owner->pw_name : fmt::format("{}", info.st_uid),

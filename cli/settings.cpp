@@ -18,7 +18,7 @@ namespace {
 // None when the variable is not set, or empty.
 std::optional<std::string> environment(const char* name) {
     const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): no thread changes it
-    if (value == nullptr || *value == '\0') return std::nullopt;
+    if (value == nullptr || *value == '\0') { return std::nullopt; }
     return value;
 }
 
@@ -31,14 +31,14 @@ Error fault(const fs::path& file, const toml::source_region& place, std::string_
 template <typename Type>
 Type value_of(const fs::path& file, const toml::key& key, const toml::node& node, std::string_view kind) {
     const std::optional<Type> value = node.value_exact<Type>();
-    if (!value) throw fault(file, node.source(), fmt::format("'{}' must be {}", key.str(), kind));
+    if (!value) { throw fault(file, node.source(), fmt::format("'{}' must be {}", key.str(), kind)); }
     return *value;
 }
 
 void apply(Settings& settings, const fs::path& file, const toml::key& key, const toml::node& node) {
     if (key == "port") {
         const auto port = value_of<std::string>(file, key, node, "a text");
-        if (!settings.port.empty()) return;
+        if (!settings.port.empty()) { return; }
         settings.port = port;
         settings.portFrom = Origin::kFile;
     } else if (key == "secure") {
@@ -55,7 +55,7 @@ void apply(Settings& settings, const fs::path& file) {
     try {
         parsed = toml::parse_file(file.string());
     } catch (const toml::parse_error& error) { throw fault(file, error.source(), error.description()); }
-    for (const auto& [key, node] : parsed) apply(settings, file, key, node);
+    for (const auto& [key, node] : parsed) { apply(settings, file, key, node); }
 }
 
 // In the order of the enumeration.
@@ -67,8 +67,8 @@ constexpr std::array<std::string_view, 4> kOriginNames{
 std::string_view origin_name(Origin origin) noexcept { return kOriginNames[static_cast<size_t>(origin)]; }
 
 fs::path default_config() {
-    if (const auto folder = environment("XDG_CONFIG_HOME")) return fs::path(*folder) / "quorvel" / "config.toml";
-    if (const auto home = environment("HOME")) return fs::path(*home) / ".config" / "quorvel" / "config.toml";
+    if (const auto folder = environment("XDG_CONFIG_HOME")) { return fs::path(*folder) / "quorvel" / "config.toml"; }
+    if (const auto home = environment("HOME")) { return fs::path(*home) / ".config" / "quorvel" / "config.toml"; }
     return {};
 }
 

@@ -23,7 +23,7 @@ constexpr size_t kVersionWidth = 10;
 std::optional<int> digits(std::string_view text) {
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || text.empty() || value < 0) return std::nullopt;
+    if (error != std::errc() || end != text.data() + text.size() || text.empty() || value < 0) { return std::nullopt; }
     return value;
 }
 
@@ -34,14 +34,14 @@ public:
 
     TableFile load() {
         std::ifstream in(path_);
-        if (!in) throw Error(Exit::kUsage, fmt::format("{} cannot be read.", path_));
+        if (!in) { throw Error(Exit::kUsage, fmt::format("{} cannot be read.", path_)); }
         for (std::string line; std::getline(in, line);) {
             ++number_;
-            if (line.ends_with('\r')) line.pop_back();
+            if (line.ends_with('\r')) { line.pop_back(); }
             take(line);
         }
-        if (in.bad()) throw Error(Exit::kUsage, fmt::format("{} cannot be read to its end.", path_));
-        if (file_.version.empty()) fail("there is no line `version`");
+        if (in.bad()) { throw Error(Exit::kUsage, fmt::format("{} cannot be read to its end.", path_)); }
+        if (file_.version.empty()) { fail("there is no line `version`"); }
         return std::move(file_);
     }
 
@@ -52,13 +52,15 @@ private:
     }
 
     void take(std::string_view line) {
-        if (line.empty() || line.front() == '#') return;
+        if (line.empty() || line.front() == '#') { return; }
         if (line.starts_with("version ")) {
             file_.version = line.substr(line.find(' ') + 1);
-            if (file_.version.empty() || file_.version.size() > kVersionWidth) fail("a version has 1 to 10 characters");
+            if (file_.version.empty() || file_.version.size() > kVersionWidth) {
+                fail("a version has 1 to 10 characters");
+            }
         } else if (line.starts_with("acquirer ")) {
             const auto acquirer = digits(line.substr(line.find(' ') + 1));
-            if (!acquirer || *acquirer > 99) fail("an acquirer is a number from 0 to 99");
+            if (!acquirer || *acquirer > 99) { fail("an acquirer is a number from 0 to 99"); }
             file_.acquirer = *acquirer;
         } else {
             record(line);
@@ -66,7 +68,7 @@ private:
     }
 
     void record(std::string_view line) {
-        if (line.size() < kHeadWidth) fail(fmt::format("a record has at least {} characters", kHeadWidth));
+        if (line.size() < kHeadWidth) { fail(fmt::format("a record has at least {} characters", kHeadWidth)); }
         const auto length = digits(line.substr(0, 3));
         if (!length || !digits(line.substr(3, 3))) {
             fail("a record begins with its length (3 digits), its table (1), its acquirer (2) and its index (2)");
@@ -75,9 +77,9 @@ private:
             fail(fmt::format("the record says that it has {} characters, but it has {}", *length, line.size()));
         }
         // It may be longer than a batch can be, though no batch holds it then.
-        if (line.size() > kBatchWidth) fail(fmt::format("a record has at most {} characters", kBatchWidth));
+        if (line.size() > kBatchWidth) { fail(fmt::format("a record has at most {} characters", kBatchWidth)); }
         const auto [first, added] = lines_.emplace(line.substr(3, 5), number_);
-        if (!added) fail(fmt::format("the same table, acquirer and index as in line {}", first->second));
+        if (!added) { fail(fmt::format("the same table, acquirer and index as in line {}", first->second)); }
         add(line);
     }
 

@@ -21,12 +21,12 @@ namespace {
 // As the library sets a port up: 19200 baud, 8 data bits, no parity, nothing translated.
 void make_raw(int descriptor) {
     termios settings{};
-    if (tcgetattr(descriptor, &settings) != 0) wire::fail_call("tcgetattr");
+    if (tcgetattr(descriptor, &settings) != 0) { wire::fail_call("tcgetattr"); }
     cfmakeraw(&settings);
     settings.c_cflag |= CLOCAL | CREAD;
     cfsetispeed(&settings, B19200);
     cfsetospeed(&settings, B19200);
-    if (tcsetattr(descriptor, TCSANOW, &settings) != 0) wire::fail_call("tcsetattr");
+    if (tcsetattr(descriptor, TCSANOW, &settings) != 0) { wire::fail_call("tcsetattr"); }
 }
 
 // What came from one side, given to the other.
@@ -39,22 +39,22 @@ public:
     bool pass() {
         std::array<uint8_t, 1024> bytes{};
         const ssize_t count = read(from_, bytes.data(), bytes.size());
-        if (count <= 0) return count < 0 && (errno == EAGAIN || errno == EINTR);
+        if (count <= 0) { return count < 0 && (errno == EAGAIN || errno == EINTR); }
         const auto received = std::span(bytes).first(static_cast<size_t>(count));
         // Told first: an answer must not overtake its question.
-        for (const uint8_t byte : received) tell(decoder_.feed(byte));
+        for (const uint8_t byte : received) { tell(decoder_.feed(byte)); }
         return forward(received);
     }
 
 private:
     void tell(const std::optional<wire::Reception>& reception) {
-        if (reception) output_.trace(sender_ == wire::Sender::kHost ? '>' : '<', words(sender_, *reception));
+        if (reception) { output_.trace(sender_ == wire::Sender::kHost ? '>' : '<', words(sender_, *reception)); }
     }
 
     [[nodiscard]] bool forward(std::span<const uint8_t> bytes) const {
         while (!bytes.empty()) {
             const ssize_t count = write(to_, bytes.data(), bytes.size());
-            if (count > 0) bytes = bytes.subspan(static_cast<size_t>(count));
+            if (count > 0) { bytes = bytes.subspan(static_cast<size_t>(count)); }
             if (count < 0 && errno == EAGAIN) {
                 pollfd room{to_, POLLOUT, 0};
                 poll(&room, 1, 1000);
@@ -101,10 +101,10 @@ void Tap::relay(Output& output) const {
     for (;;) {
         std::array<pollfd, 3> polled{pollfd{stop_.get(), POLLIN, 0}, pollfd{master_.get(), POLLIN, 0},
                                      pollfd{port_.get(), POLLIN, 0}};
-        if (poll(polled.data(), polled.size(), -1) < 0 && errno != EINTR) return;
-        if (polled[0].revents != 0) return;
-        if (polled[1].revents != 0 && !out.pass()) return;
-        if (polled[2].revents != 0 && !in.pass()) return;
+        if (poll(polled.data(), polled.size(), -1) < 0 && errno != EINTR) { return; }
+        if (polled[0].revents != 0) { return; }
+        if (polled[1].revents != 0 && !out.pass()) { return; }
+        if (polled[2].revents != 0 && !in.pass()) { return; }
     }
 }
 

@@ -47,12 +47,12 @@ constexpr std::array<uint8_t, 2> kApplicationTags{0x4F, 0x50};
 // Floor limit, target percentage, threshold and maximum percentage of the random selection, which is not used.
 std::array<uint8_t, 10> risk_parameters(uint32_t floorLimit) {
     std::array<uint8_t, 10> parameters{};
-    for (size_t i = 0; i < 4; ++i) parameters[i] = static_cast<uint8_t>(floorLimit >> (24 - 8 * i));
+    for (size_t i = 0; i < 4; ++i) { parameters[i] = static_cast<uint8_t>(floorLimit >> (24 - 8 * i)); }
     return parameters;
 }
 
 void require_ok(const char* id, int32_t status) {
-    if (status != ABECS_RSP_STAT_ST_OK) throw StatusError(id, status);
+    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError(id, status); }
 }
 
 constexpr auto kCardTypes = std::to_array<std::pair<CardType, std::string_view>>({
@@ -73,7 +73,7 @@ void read_card(Link& link, const CardRequest& request, Items& card) {
     const AbecsTagList tags = tag_list(kApplicationTags);
     call([&] {
         abecs_cmd_gcx_builder_trntype(builder.get(), 0);
-        if (request.acquirer) abecs_cmd_gcx_builder_acqref(builder.get(), *request.acquirer);
+        if (request.acquirer) { abecs_cmd_gcx_builder_acqref(builder.get(), *request.acquirer); }
         abecs_cmd_gcx_builder_amount(builder.get(), request.amount);
         abecs_cmd_gcx_builder_trncurr(builder.get(), request.currency);
         abecs_cmd_gcx_builder_gcxopt(builder.get(), request.contactless ? "10000" : "00000");
@@ -90,7 +90,9 @@ void read_card(Link& link, const CardRequest& request, Items& card) {
 CardType card_type(const Items& card) {
     const auto* found = std::ranges::find(kCardTypes, card.number(ABECS_RSP_DATID_PP_CARDTYPE).value_or(-1),
                                           [](const auto& each) { return static_cast<int>(each.first); });
-    if (found == kCardTypes.end()) throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
+    if (found == kCardTypes.end()) {
+        throw Error(Exit::kLink, "The PIN pad does not tell what kind of card it has read.");
+    }
     return found->first;
 }
 
@@ -138,7 +140,7 @@ void finish_chip(Link& link, const std::optional<std::string>& responseCode, Ite
         call([&] { return abecs_cmd_fcx_builder_new(options); }));
     const AbecsTagList tags = tag_list(kFinalTags);
     call([&] {
-        if (responseCode) abecs_cmd_fcx_builder_arc(builder.get(), responseCode->c_str());
+        if (responseCode) { abecs_cmd_fcx_builder_arc(builder.get(), responseCode->c_str()); }
         abecs_cmd_fcx_builder_taglist(builder.get(), &tags);
     });
     require_ok("FCX", link.wait([&] { abecs_cmd_fcx(link.get(), builder.get()); },

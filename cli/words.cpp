@@ -26,13 +26,13 @@ Group fields_of(const std::vector<wire::Item>& items) {
 }
 
 void add_contents(Group& to, const std::vector<wire::Item>& items) {
-    if (items.empty()) return;
+    if (items.empty()) { return; }
     const bool broken = items.size() == 1 && items.front().name.empty();
     to.push_back({"Contents", broken ? value_of(items.front()) : Value(fields_of(items))});
 }
 
 Value name_of(const wire::Packet& packet) {
-    if (packet.command != nullptr) return fmt::format("{} {}", packet.id, packet.command->title);
+    if (packet.command != nullptr) { return fmt::format("{} {}", packet.id, packet.command->title); }
     return wire::looks_like_id(packet.id) ? Value(fmt::format("{} unknown", packet.id)) : Value(Secret{packet.id});
 }
 
@@ -44,7 +44,7 @@ Group packet_words(wire::Sender sender, std::span<const uint8_t> packet) {
         return {{"What", "no response"}, {"Contents", Secret{std::string(packet.begin(), packet.end())}}};
     }
     Group words{{"What", name_of(apart)}};
-    if (apart.status) words.push_back({"Status", Status{*apart.status}});
+    if (apart.status) { words.push_back({"Status", Status{*apart.status}}); }
     add_contents(words, apart.items);
     return words;
 }

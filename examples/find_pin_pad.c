@@ -28,7 +28,7 @@ static AbecsComm* try_port(const char* port) {
 static bool find(char** ports) {
     for (char** port = ports; *port != NULL; ++port) {
         AbecsComm* pinpad = try_port(*port);
-        if (pinpad == NULL) continue;
+        if (pinpad == NULL) { continue; }
         printf("%s: here it is\n", *port);
         abecs_comm_close(&pinpad);
         return true;

@@ -26,7 +26,7 @@ static const size_t wanted_count = sizeof wanted / sizeof wanted[0];
 
 /* A status is a result, not an error of the library; this program can do nothing with any but OK. */
 static void require_ok(const char* command, int32_t status) {
-    if (status == ABECS_RSP_STAT_ST_OK) return;
+    if (status == ABECS_RSP_STAT_ST_OK) { return; }
     kor_exception_fthrow(KOR_RESULT_RUNTIME_ERROR, "%s was answered with %s", command,
                          abecs_rsp_stat_to_string(status));
 }
@@ -48,7 +48,7 @@ static void print_item(int32_t id, const AbecsRspParamValue* value) {
     if (value == NULL) {
         printf("-\n");
     } else if (abecs_rsp_dat_id_is_binary((AbecsRspDatId_E)id)) {
-        for (uint32_t i = 0; i < value->size; ++i) printf("%02X", value->data[i]);
+        for (uint32_t i = 0; i < value->size; ++i) { printf("%02X", value->data[i]); }
         printf("\n");
     } else {
         /* A value has a length and no terminator. */

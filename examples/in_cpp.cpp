@@ -20,7 +20,7 @@ void checked(const Step& step) {
     KOR_TRY { step(); }
     KOR_CATCH(KOR_RESULT_OK) { kor_exception_get(&error); }
     KOR_END_TRY;
-    if (error.error != KOR_RESULT_OK) throw std::runtime_error(error.message);
+    if (error.error != KOR_RESULT_OK) { throw std::runtime_error(error.message); }
 }
 
 // While an exception is on its way, an error in closing must not become another one.
@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
         AbecsCmdGinOut who{};
         int32_t status = ABECS_RSP_STAT_ST_INTERR;
         checked([&] { status = abecs_cmd_gin(link.get(), 0, &who); });
-        if (status != ABECS_RSP_STAT_ST_OK) return EXIT_FAILURE;
+        if (status != ABECS_RSP_STAT_ST_OK) { return EXIT_FAILURE; }
         std::cout << who.idx00.mnName << ' ' << who.idx00.serNum << '\n';
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';

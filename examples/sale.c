@@ -41,7 +41,7 @@ static volatile sig_atomic_t stopped;
 static void stop(int signal) { stopped = signal; }
 
 static void require_ok(const char* command, int32_t status) {
-    if (status == ABECS_RSP_STAT_ST_OK) return;
+    if (status == ABECS_RSP_STAT_ST_OK) { return; }
     kor_exception_fthrow(KOR_RESULT_RUNTIME_ERROR, "%s was answered with %s", command,
                          abecs_rsp_stat_to_string((AbecsRspStat_E)status));
 }
@@ -64,8 +64,8 @@ static void wait_for(const char* command, Poll* poll, Sale* sale) {
     char notice[33];
     int32_t status;
     while ((status = poll(sale->pinpad, sale->items, notice)) < ABECS_RSP_STAT_ST_OK) {
-        if (status == ABECS_RSP_STAT_ST_NOTIFICATION) printf("the PIN pad says: %s\n", notice);
-        if (stopped) kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "given up at the till");
+        if (status == ABECS_RSP_STAT_ST_NOTIFICATION) { printf("the PIN pad says: %s\n", notice); }
+        if (stopped) { kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "given up at the till"); }
         if (kor_system_current_time_millis() >= deadline) {
             kor_exception_fthrow(KOR_RESULT_TIMEOUT_ERROR, "%s takes too long", command);
         }
@@ -87,7 +87,7 @@ static void load_tables(Sale* sale) {
         "0541030207A000000004101000000000000000000001MASTERCARD";
     char loaded[11];
     const int32_t status = abecs_cmd_gts(sale->pinpad, 0, loaded);
-    if (status == ABECS_RSP_STAT_ST_OK && strcmp(loaded, version) == 0) return;
+    if (status == ABECS_RSP_STAT_ST_OK && strcmp(loaded, version) == 0) { return; }
     require_ok("TLI", abecs_cmd_tli(sale->pinpad, 0, version));
     require_ok("TLR", abecs_cmd_tlr(sale->pinpad, records));
     require_ok("TLE", abecs_cmd_tle(sale->pinpad));
@@ -109,7 +109,7 @@ static void read_card(Sale* sale) {
     wait_for("GCX", abecs_cmd_gcx_response, sale);
 
     get(sale, ABECS_RSP_DATID_PP_CARDTYPE, type, sizeof type);
-    if (strcmp(type, "03") != 0) kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "only chip cards are taken here");
+    if (strcmp(type, "03") != 0) { kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "only chip cards are taken here"); }
     get(sale, ABECS_RSP_DATID_PP_AIDTABINFO, acquirer, sizeof acquirer); /* in front of the record's index */
     sale->acquirer = (uint8_t)atoi(acquirer);
     get(sale, ABECS_RSP_DATID_PP_PAN, number, sizeof number);
@@ -152,7 +152,7 @@ static const char* ask_acquirer(Sale* sale) {
 static bool tell_card(Sale* sale, const char* code) {
     char result[4];
     sale->fcx = abecs_cmd_fcx_builder_new(code != NULL ? "0000" : "2000");
-    if (code != NULL) abecs_cmd_fcx_builder_arc(sale->fcx, code);
+    if (code != NULL) { abecs_cmd_fcx_builder_arc(sale->fcx, code); }
     abecs_cmd_fcx_builder_timeout(sale->fcx, SECONDS);
     abecs_cmd_fcx(sale->pinpad, sale->fcx);
     wait_for("FCX", abecs_cmd_fcx_response, sale);
@@ -203,9 +203,9 @@ static bool done(void (*step)(Sale*), Sale* sale) {
 
 /* After an error the PIN pad may still wait for something; only when it has confirmed CAN it takes commands again. */
 static void run(Sale* sale) {
-    if (!done(open_session, sale)) return;
-    if (!done(sell, sale) && !done(cancel, sale)) return;
-    if (!done(give_back, sale) && !done(cancel, sale)) return;
+    if (!done(open_session, sale)) { return; }
+    if (!done(sell, sale) && !done(cancel, sale)) { return; }
+    if (!done(give_back, sale) && !done(cancel, sale)) { return; }
     done(close_session, sale);
 }
 
@@ -219,7 +219,7 @@ static void disconnect(Sale* sale) {
 
 int main(int argc, char** argv) {
     Sale sale = {.host_answer = argc == 4 ? argv[3] : "00"};
-    if (argc >= 3) sale.amount = strtoull(argv[2], NULL, 10);
+    if (argc >= 3) { sale.amount = strtoull(argv[2], NULL, 10); }
     if (argc > 4 || sale.amount == 0) {
         fprintf(stderr, "usage: %s PORT CENTS [ANSWER]\n", argv[0]);
         return EXIT_FAILURE;
@@ -229,7 +229,7 @@ int main(int argc, char** argv) {
     signal(SIGINT, stop);
     run(&sale);
     done(disconnect, &sale);
-    if (sale.authorised && !sale.approved) printf("the acquirer must be told that there was no sale\n");
+    if (sale.authorised && !sale.approved) { printf("the acquirer must be told that there was no sale\n"); }
     printf("%s\n", outcome(&sale));
     return sale.approved ? EXIT_SUCCESS : EXIT_FAILURE;
 }

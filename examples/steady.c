@@ -20,14 +20,14 @@ typedef struct Till {
 } Till;
 
 static void require_ok(int32_t status) {
-    if (status == ABECS_RSP_STAT_ST_OK) return;
+    if (status == ABECS_RSP_STAT_ST_OK) { return; }
     kor_exception_fthrow(KOR_RESULT_RUNTIME_ERROR, "the PIN pad answers %s",
                          abecs_rsp_stat_to_string((AbecsRspStat_E)status));
 }
 
 static void connect(Till* till) {
-    if (till->pinpad == NULL) till->pinpad = abecs_comm_open(till->port);
-    if (till->session) return;
+    if (till->pinpad == NULL) { till->pinpad = abecs_comm_open(till->port); }
+    if (till->session) { return; }
     require_ok(abecs_cmd_opn(till->pinpad, false));
     till->session = true;
 }
@@ -52,7 +52,7 @@ static void make_ready(Till* till) {
     }
     KOR_CATCH(KOR_RESULT_OK) {}
     KOR_END_TRY;
-    if (!ready) disconnect(till);
+    if (!ready) { disconnect(till); }
 }
 
 static bool try_to_show(Till* till, const char* text) {

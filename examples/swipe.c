@@ -25,11 +25,11 @@ typedef struct Sale {
 /* Through a volatile pointer, because a compiler may leave out what it thinks nobody reads. */
 static void wipe(void* secret, size_t size) {
     volatile unsigned char* bytes = secret;
-    while (size-- != 0) *bytes++ = 0;
+    while (size-- != 0) { *bytes++ = 0; }
 }
 
 static void require_ok(const char* command, int32_t status) {
-    if (status == ABECS_RSP_STAT_ST_OK) return;
+    if (status == ABECS_RSP_STAT_ST_OK) { return; }
     kor_exception_fthrow(KOR_RESULT_RUNTIME_ERROR, "%s was answered with %s", command,
                          abecs_rsp_stat_to_string((AbecsRspStat_E)status));
 }
@@ -59,7 +59,7 @@ static void take_pin(AbecsComm* pinpad, Sale* sale) {
 
 static void print(const Sale* sale) {
     const size_t length = strlen(sale->pan);
-    if (length < 10) return;
+    if (length < 10) { return; }
     printf("card       %.6s...%s\n", sale->pan, sale->pan + length - 4);
     printf("PIN block  %s, key %s\n", sale->pin.pinBlk, sale->pin.ksn);
 }

@@ -34,8 +34,8 @@ static int32_t wait_for_key(AbecsComm* pinpad, int seconds) {
 /* The first status that is not OK, or the key's. */
 static int32_t ask(AbecsComm* pinpad, int seconds) {
     int32_t status = abecs_cmd_opn(pinpad, false);
-    if (status == ABECS_RSP_STAT_ST_OK) status = abecs_cmd_dsp(pinpad, "PRESS A KEY");
-    if (status == ABECS_RSP_STAT_ST_OK) status = wait_for_key(pinpad, seconds);
+    if (status == ABECS_RSP_STAT_ST_OK) { status = abecs_cmd_dsp(pinpad, "PRESS A KEY"); }
+    if (status == ABECS_RSP_STAT_ST_OK) { status = wait_for_key(pinpad, seconds); }
     abecs_cmd_clo(pinpad, NULL);
     return status;
 }

@@ -47,14 +47,14 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
 
 void Engine::receive(ByteView bytes) {
     for (const uint8_t byte : bytes) {
-        if (const auto reception = decoder_.feed(byte)) handle(*reception);
+        if (const auto reception = decoder_.feed(byte)) { handle(*reception); }
     }
 }
 
 void Engine::give_up() { handle(decoder_.give_up()); }
 
 void Engine::handle(const Reception& reception) {
-    if (reception.kind == Reception::Kind::kFrame) return accept(reception);
+    if (reception.kind == Reception::Kind::kFrame) { return accept(reception); }
     journal_.record(Traffic{Sender::kHost, reception.wire, reception_words(reception), is_private(reception)});
     switch (reception.kind) {
         case Reception::Kind::kDamaged:
@@ -78,7 +78,7 @@ void Engine::handle_byte(uint8_t byte) {
 }
 
 void Engine::cancel() {
-    if (pending_) stop_waiting();
+    if (pending_) { stop_waiting(); }
     end_exchange(std::nullopt);
     lastResponse_.reset();
     transmitter_.abandon();
@@ -88,7 +88,7 @@ void Engine::cancel() {
 void Engine::accept(const Reception& reception) {
     const Request request = open(reception);
     journal_.record(Traffic{Sender::kHost, reception.wire, request.words, is_private(reception)});
-    if (!transmitter_.acknowledge(id_of(request.packet))) return;
+    if (!transmitter_.acknowledge(id_of(request.packet))) { return; }
     if (pending_) {
         find(Finding::Kind::kSequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
     }
@@ -103,8 +103,8 @@ void Engine::refuse(const std::string& fault) {
 }
 
 void Engine::resend() {
-    if (!lastResponse_) return find(Finding::Kind::kSequence, "NAK without a response before it");
-    if (resends_ == kMaxResends) return find(Finding::Kind::kSequence, "NAK after the last repetition");
+    if (!lastResponse_) { return find(Finding::Kind::kSequence, "NAK without a response before it"); }
+    if (resends_ == kMaxResends) { return find(Finding::Kind::kSequence, "NAK after the last repetition"); }
     ++resends_;
     transmitter_.abandon();
     static_cast<void>(transmitter_.send(*lastResponse_, channel_));
@@ -119,7 +119,7 @@ Engine::Request Engine::open(const Reception& reception) const {
         return request;
     };
     if (!frame.encrypted) {
-        if (!channel_.active() || id_of(frame.data) == kOpenId) return request;
+        if (!channel_.active() || id_of(frame.data) == kOpenId) { return request; }
         return refuse(Finding::Kind::kSequence, "a plain command inside an encrypted session", Status::kErrpktsec);
     }
     if (!channel_.active()) {
@@ -130,8 +130,9 @@ Engine::Request Engine::open(const Reception& reception) const {
     } catch (const SealError& error) {
         return refuse(Finding::Kind::kLayout, fmt::format("an encrypted frame: {}", error.what()), Status::kErrpktsec);
     }
-    if (id_of(request.packet) == kOpenId)
+    if (id_of(request.packet) == kOpenId) {
         return refuse(Finding::Kind::kSequence, "an enciphered OPN", Status::kErrpktsec);
+    }
     request.sealed = true;
     request.words = enciphered_words(request_words(request.packet));
     return request;
@@ -139,7 +140,7 @@ Engine::Request Engine::open(const Reception& reception) const {
 
 void Engine::obey(const Request& request) {
     exchange_ = Exchange{.command = id_of(request.packet), .request = request.packet};
-    if (request.refused) return refuse(*request.refused, request.status, request);
+    if (request.refused) { return refuse(*request.refused, request.status, request); }
     const ByteView packet = request.packet;
     if (packet.size() < kIdWidth) {
         return refuse({Finding::Kind::kLayout, "a frame without a command"}, Status::kInvcall, request);
@@ -154,7 +155,7 @@ void Engine::obey(const Request& request) {
     const Screen::Content before = screen_.content();
     Outcome outcome = run(*command, call);
     const bool ends = command->session == Command::Session::kEnds;
-    if (ends) end_session();
+    if (ends) { end_session(); }
     if (const auto* answer = std::get_if<Answer>(&outcome)) {
         return respond(id, id, *answer, request.sealed && !ends);
     }
@@ -180,7 +181,7 @@ void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Conten
     post_state();
     cardholder_.attend(command.id);
     waits_(std::string(command.id));
-    if (const std::string& notice = pending_->wait.notice; !notice.empty()) notify(notice);
+    if (const std::string& notice = pending_->wait.notice; !notice.empty()) { notify(notice); }
 }
 
 // Before anything is sent that it led to: whoever has read an answer finds the state that belongs to it.
@@ -196,22 +197,22 @@ std::optional<Engine::Clock::time_point> Engine::deadline() const {
 }
 
 void Engine::poll(Clock::time_point now) {
-    for (const Event& event : cardholder_.take()) perform(event);
-    if (pending_ && now >= pending_->deadline) finish({.status = Status::kTimeout, .blocks = {}});
+    for (const Event& event : cardholder_.take()) { perform(event); }
+    if (pending_ && now >= pending_->deadline) { finish({.status = Status::kTimeout, .blocks = {}}); }
 }
 
 // A card goes in and out of the reader whether or not a command waits for it.
 void Engine::perform(const Event& event) {
-    if (const auto* inserted = std::get_if<CardInserted>(&event)) device_.insert(inserted->card);
-    if (std::holds_alternative<CardRemoved>(event)) device_.remove_card();
+    if (const auto* inserted = std::get_if<CardInserted>(&event)) { device_.insert(inserted->card); }
+    if (std::holds_alternative<CardRemoved>(event)) { device_.remove_card(); }
     post_state();
-    if (!pending_) return;
-    if (const auto* notice = std::get_if<Notice>(&event)) return notify(notice->text);
-    if (const auto answer = resume(pending_->command, pending_->wait, event, journal_)) finish(*answer);
+    if (!pending_) { return; }
+    if (const auto* notice = std::get_if<Notice>(&event)) { return notify(notice->text); }
+    if (const auto answer = resume(pending_->command, pending_->wait, event, journal_)) { finish(*answer); }
 }
 
 void Engine::notify(std::string_view text) {
-    if (!pending_) return;
+    if (!pending_) { return; }
     Writer block;
     block.s(text, text.size());
     respond(kNotificationId, kNotificationId, Answer::of(block), pending_->sealed);
@@ -234,17 +235,17 @@ void Engine::respond(std::string_view command, std::string_view as, const Answer
     resends_ = 0;
     post_state();
     const int status = transmitter_.send(*lastResponse_, channel_);
-    if (command != kNotificationId) end_exchange(status);
+    if (command != kNotificationId) { end_exchange(status); }
 }
 
 void Engine::end_exchange(std::optional<int> status) {
-    if (!exchange_) return;
+    if (!exchange_) { return; }
     exchange_->status = status;
     exchanged_(*std::exchange(exchange_, std::nullopt));
 }
 
 void Engine::restart() {
-    if (pending_) stop_waiting();
+    if (pending_) { stop_waiting(); }
     end_exchange(std::nullopt);
     decoder_ = {};
     lastResponse_.reset();

@@ -41,7 +41,7 @@ private:
     static void handle(void (*handler)(int)) {
         struct sigaction action = {};
         action.sa_handler = handler;
-        for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+        for (const int signal : {SIGINT, SIGTERM}) { sigaction(signal, &action, nullptr); }
     }
 };
 
@@ -75,8 +75,8 @@ public:
 
     void announce(const std::string& path) {
         portLink_.reset();
-        if (!link_.empty()) portLink_.emplace(link_, path);
-        if (silent_) return;
+        if (!link_.empty()) { portLink_.emplace(link_, path); }
+        if (silent_) { return; }
         fmt::print("READY {}\n", path);
         std::fflush(stdout);
     }
@@ -92,14 +92,15 @@ bool may_print(const Settings& settings, int descriptor) { return !settings.face
 
 sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performance* performance) {
     sim::PinPad::Options options;
-    if (performance != nullptr) options = performance->prepare(std::move(options));
+    if (performance != nullptr) { options = performance->prepare(std::move(options)); }
     options.speed = settings.speed.value_or(0);
     options.seed = settings.seed;
     options.returned = [&port](const std::string& path) { port.announce(path); };
-    if (!settings.keys.empty()) options.device.keys = sim::KeyStore::from_file(settings.keys);
-    if (!may_print(settings, STDERR_FILENO)) return options;
-    if (settings.trace)
+    if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
+    if (!may_print(settings, STDERR_FILENO)) { return options; }
+    if (settings.trace) {
         options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
+    }
     options.listeners.finding = [](const sim::Finding& finding) {
         print_error(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
     };
@@ -107,9 +108,9 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
 }
 
 std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
-    if (settings.scenario.empty()) return nullptr;
+    if (settings.scenario.empty()) { return nullptr; }
     auto performance = std::make_unique<sim::Performance>(sim::Scenario::find(settings.scenario));
-    if (settings.ends) performance->end_at(*settings.ends);
+    if (settings.ends) { performance->end_at(*settings.ends); }
     return performance;
 }
 
@@ -117,7 +118,7 @@ std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
 bool report(const sim::Performance& performance, const sim::PinPad& pinPad) {
     const std::vector<std::string> complaints = performance.complaints(pinPad.findings());
     fmt::print("scenario: {}\n", complaints.empty() ? "ok" : "failed");
-    for (const std::string& complaint : complaints) fmt::print("{}\n", complaint);
+    for (const std::string& complaint : complaints) { fmt::print("{}\n", complaint); }
     return complaints.empty();
 }
 
@@ -133,12 +134,12 @@ int play(const Settings& settings) {
     const auto performance = performance_of(settings);
     sim::Feed feed;
     sim::PinPad::Options pinPadOptions = options(settings, port, performance.get());
-    if (settings.face) feed.listen(pinPadOptions);
+    if (settings.face) { feed.listen(pinPadOptions); }
     sim::PinPad pinPad(std::move(pinPadOptions));
     const StopOnSignals stopOnSignals(pinPad);
     sim::Control control(pinPad, performance ? performance->scenario().cards : sim::Cards::standard());
     std::optional<sim::ControlServer> server;
-    if (!settings.control.empty()) server.emplace(settings.control, control);
+    if (!settings.control.empty()) { server.emplace(settings.control, control); }
     const auto announce = [&] { port.announce(pinPad.path()); };
     if (settings.face) {
         sim::show_face(pinPad, control.cards(), feed, announce);
@@ -186,7 +187,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
 
     try {
-        if (settings.listScenarios) return list_scenarios();
+        if (settings.listScenarios) { return list_scenarios(); }
         return play(settings);
     } catch (const std::exception& error) {
         print_error(fmt::format("quorvel-sim: {}\n", error.what()));

@@ -40,27 +40,27 @@ PinPad::PinPad(Options options)
                .patience = options.patience,
                .waits =
                    [this](const std::string& command) {
-                       if (companion_ != nullptr) companion_->waits(*this, command);
+                       if (companion_ != nullptr) { companion_->waits(*this, command); }
                    },
                .exchanged =
                    [this](const Exchange& exchange) {
-                       if (companion_ != nullptr) companion_->exchanged(*this, exchange);
+                       if (companion_ != nullptr) { companion_->exchanged(*this, exchange); }
                    }},
               journal_, screen_, cardholder_, board_, transmitter_),
       heard_(byte_time(options.speed)),
       frameTimeout_(options.frameTimeout),
       returned_(std::move(options.returned)),
       path_(line_.path()) {
-    for (const Fault& fault : options.faults) inject(fault);
+    for (const Fault& fault : options.faults) { inject(fault); }
 }
 
 PinPad::~PinPad() { stop(); }
 
 void PinPad::run() {
     while (!stopping_) {
-        if (companion_ != nullptr) companion_->work(*this, Clock::now());
+        if (companion_ != nullptr) { companion_->work(*this, Clock::now()); }
         const bool room = heard_.size() < kMaxHeard;
-        if (line_.wait(patience(), room) == Line::Event::kReadable) heard_.push(line_.read(), {}, Clock::now());
+        if (line_.wait(patience(), room) == Line::Event::kReadable) { heard_.push(line_.read(), {}, Clock::now()); }
         // What was done before the host spoke is not for the command that comes.
         engine_.poll(Clock::now());
         hear();
@@ -84,7 +84,7 @@ void PinPad::hear() {
 
 std::optional<std::chrono::milliseconds> PinPad::patience() const {
     const auto at = next();
-    if (!at) return std::nullopt;
+    if (!at) { return std::nullopt; }
     return std::max(std::chrono::ceil<std::chrono::milliseconds>(*at - Clock::now()),
                     std::chrono::milliseconds::zero());
 }
@@ -94,22 +94,22 @@ std::optional<std::chrono::milliseconds> PinPad::patience() const {
 std::optional<PinPad::Clock::time_point> PinPad::next() const {
     std::optional<Clock::time_point> next = engine_.in_frame() ? lastHeard_ + frameTimeout_ : engine_.deadline();
     const auto consider = [&next](std::optional<Clock::time_point> other) {
-        if (other && (!next || *other < *next)) next = other;
+        if (other && (!next || *other < *next)) { next = other; }
     };
     consider(heard_.due());
-    if (companion_ != nullptr) consider(companion_->due());
+    if (companion_ != nullptr) { consider(companion_->due()); }
     consider(transmitter_.due());
-    if (!line_.is_open()) consider(returns_);
+    if (!line_.is_open()) { consider(returns_); }
     return next;
 }
 
 // Whatever the host had sent before it closed the line comes first.
 void PinPad::see_off() {
-    if (!line_.has_departed()) return;
-    if (line_.is_open()) heard_.push(line_.read(), {}, Clock::now());
+    if (!line_.has_departed()) { return; }
+    if (line_.is_open()) { heard_.push(line_.read(), {}, Clock::now()); }
     hear();
     engine_.poll(Clock::now());
-    if (std::exchange(spoken_, false)) companion_->left(*this);
+    if (std::exchange(spoken_, false)) { companion_->left(*this); }
 }
 
 void PinPad::come_and_go() {
@@ -122,11 +122,11 @@ void PinPad::come_and_go() {
         line_.hang_up();
         returns_ = Clock::now() + *absence;
     }
-    if (line_.is_open() || Clock::now() < returns_) return;
+    if (line_.is_open() || Clock::now() < returns_) { return; }
     line_.open();
     const std::string path = path_ = line_.path();
     lock.unlock();
-    if (returned_) returned_(path);
+    if (returned_) { returned_(path); }
 }
 
 void PinPad::hang_up(std::chrono::milliseconds time) {
@@ -162,11 +162,11 @@ void PinPad::start() {
 
 void PinPad::stop() {
     request_stop();
-    if (thread_.joinable()) thread_.join();
+    if (thread_.joinable()) { thread_.join(); }
 }
 
 void PinPad::send(ByteView bytes) {
-    if (!line_.is_open() || line_.write(bytes) || stopping_) return;
+    if (!line_.is_open() || line_.write(bytes) || stopping_) { return; }
     journal_.record(Finding{Finding::Kind::kSequence, "nobody reads the line: bytes were lost"});
 }
 

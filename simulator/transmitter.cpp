@@ -16,7 +16,7 @@ namespace {
 // What a fault does at each stage of the way; nothing where there is none.
 template <typename... Arguments, typename... Values>
 void apply(const FaultKind* kind, void (*FaultKind::*stage)(Arguments...), Values&&... values) {
-    if (kind != nullptr && kind->*stage != nullptr) (kind->*stage)(std::forward<Values>(values)...);
+    if (kind != nullptr && kind->*stage != nullptr) { (kind->*stage)(std::forward<Values>(values)...); }
 }
 
 // RSP_STAT, behind RSP_ID.
@@ -46,7 +46,7 @@ int Transmitter::send(const Message& message, const SecureChannel& channel) {
     const auto fault = faults_.strike(message);
     const FaultKind* const kind = kind_of(fault);
     Bytes packet = message.packet;
-    if (fault) apply(kind, &FaultKind::packet, packet, fault->status);
+    if (fault) { apply(kind, &FaultKind::packet, packet, fault->status); }
     const int status = status_of(packet);
     Bytes content = message.sealed ? channel.seal(packet) : packet;
     apply(kind, &FaultKind::content, content);
@@ -56,7 +56,7 @@ int Transmitter::send(const Message& message, const SecureChannel& channel) {
     const std::string words = response_words(message.packet);
     put(std::move(wire), message.sealed ? enciphered_words(words) : words, fault,
         !message.sealed && !is_open(Sender::kPinPad, message.packet));
-    if (kind != nullptr && kind->hangsUp) line_.hangUp(fault->time);
+    if (kind != nullptr && kind->hangsUp) { line_.hangUp(fault->time); }
     return status;
 }
 
@@ -66,7 +66,7 @@ void Transmitter::abandon() {
 }
 
 void Transmitter::flush() {
-    if (const Bytes due = bytes_.take(Clock::now()); !due.empty()) line_.write(due);
+    if (const Bytes due = bytes_.take(Clock::now()); !due.empty()) { line_.write(due); }
 }
 
 // Recorded first: whoever has read the answer can rely on finding it in the journal.

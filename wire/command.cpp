@@ -151,7 +151,7 @@ constexpr std::array kLayouts{
 
 std::span<const Field> fields_of(std::string_view id, Sender sender) noexcept {
     const auto* layout = std::ranges::find(kLayouts, id, &Layout::id);
-    if (layout == kLayouts.end()) return {};
+    if (layout == kLayouts.end()) { return {}; }
     return sender == Sender::kHost ? layout->request : layout->response;
 }
 

@@ -17,14 +17,14 @@ void fail_call(const char* call) { throw std::system_error(errno, std::generic_c
 bool is_transient(int error) noexcept { return error == EAGAIN || error == EINTR; }
 
 Descriptor::Descriptor(int descriptor, const char* call) : descriptor_(descriptor) {
-    if (descriptor < 0) fail_call(call);
+    if (descriptor < 0) { fail_call(call); }
 }
 
 Descriptor::~Descriptor() { ::close(descriptor_); }
 
 std::string slave_path(const Descriptor& master) {
-    if (grantpt(master.get()) != 0) fail_call("grantpt");
-    if (unlockpt(master.get()) != 0) fail_call("unlockpt");
+    if (grantpt(master.get()) != 0) { fail_call("grantpt"); }
+    if (unlockpt(master.get()) != 0) { fail_call("unlockpt"); }
     std::array<char, 128> path{};
     if (const int error = ptsname_r(master.get(), path.data(), path.size()); error != 0) {
         throw std::system_error(error, std::generic_category(), "ptsname_r");
@@ -44,7 +44,7 @@ void WakeUp::wake() const noexcept {
 
 void WakeUp::clear() const {
     uint64_t count = 0;
-    if (::read(event_.get(), &count, sizeof count) < 0 && !is_transient(errno)) fail_call("read");
+    if (::read(event_.get(), &count, sizeof count) < 0 && !is_transient(errno)) { fail_call("read"); }
 }
 
 }  // namespace quorvel::wire

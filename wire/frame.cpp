@@ -29,9 +29,9 @@ uint16_t frame_crc(const Frame& frame) {
 
 Bytes encode(const Frame& frame) {
     Bytes wire{control::kSyn};
-    if (frame.encrypted) wire.push_back(control::kDc2);
+    if (frame.encrypted) { wire.push_back(control::kDc2); }
     for (const uint8_t byte : frame.data) {
-        if (needs_escape(byte)) wire.push_back(control::kDc3);
+        if (needs_escape(byte)) { wire.push_back(control::kDc3); }
         wire.push_back(needs_escape(byte) ? static_cast<uint8_t>(byte + kEscapeShift) : byte);
     }
     wire.push_back(control::kEtb);
@@ -45,7 +45,7 @@ std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
     wire_.push_back(byte);
     switch (state_) {
         case State::kOutside:
-            if (byte != control::kSyn) return finish(Reception::Kind::kByte, byte);
+            if (byte != control::kSyn) { return finish(Reception::Kind::kByte, byte); }
             state_ = State::kFirst;
             return std::nullopt;
         case State::kFirst:
@@ -106,23 +106,23 @@ std::optional<Reception> FrameDecoder::restart() {
 }
 
 void FrameDecoder::store(uint8_t byte) {
-    if (frame_.data.size() == kMaxFrameData) return blame(fmt::format("more than {} data bytes", kMaxFrameData));
+    if (frame_.data.size() == kMaxFrameData) { return blame(fmt::format("more than {} data bytes", kMaxFrameData)); }
     frame_.data.push_back(byte);
 }
 
 void FrameDecoder::unescape(uint8_t byte) {
     const auto plain = static_cast<uint8_t>(byte - kEscapeShift);
-    if (!needs_escape(plain)) blame(fmt::format("0x{:02X} escaped without need", plain));
+    if (!needs_escape(plain)) { blame(fmt::format("0x{:02X} escaped without need", plain)); }
     store(plain);
 }
 
 void FrameDecoder::blame(std::string fault) {
-    if (fault_.empty()) fault_ = std::move(fault);
+    if (fault_.empty()) { fault_ = std::move(fault); }
 }
 
 Reception FrameDecoder::check() {
     const uint16_t due = frame_crc(frame_);
-    if (crc_ != due) blame(fmt::format("bad CRC: 0x{:04X} received, 0x{:04X} due", crc_, due));
+    if (crc_ != due) { blame(fmt::format("bad CRC: 0x{:04X} received, 0x{:04X} due", crc_, due)); }
     return finish(fault_.empty() ? Reception::Kind::kFrame : Reception::Kind::kDamaged);
 }
 

@@ -11,7 +11,7 @@ namespace quorvel::wire {
 std::string to_hex(ByteView bytes) { return fmt::format("{:02X}", fmt::join(bytes, "")); }
 
 Bytes from_hex(std::string_view text) {
-    if (text.size() % 2 != 0) throw std::invalid_argument("an odd number of hexadecimal digits");
+    if (text.size() % 2 != 0) { throw std::invalid_argument("an odd number of hexadecimal digits"); }
     Bytes bytes(text.size() / 2);
     for (size_t i = 0; i < bytes.size(); ++i) {
         const char* const pair = text.data() + 2 * i;

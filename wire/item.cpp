@@ -18,7 +18,7 @@ constexpr bool is_text(uint8_t c) { return c >= 0x20 || c == '\r'; }
 
 bool fits(const Content& content, ByteView value) {
     const size_t width = content.width;
-    if (width != 0 && value.size() > width) return false;
+    if (width != 0 && value.size() > width) { return false; }
     switch (content.type) {
         case Type::kDigits:
             return (width == 0 || value.size() == width) && std::ranges::all_of(value, is_digit);
@@ -34,7 +34,7 @@ bool fits(const Content& content, ByteView value) {
 // What is no list of data objects has no parts and is withheld.
 void take_apart(Item& item) {
     try {
-        for (const auto& [tag, value] : decode_list(item.value)) item.parts.push_back(data_object(tag, value));
+        for (const auto& [tag, value] : decode_list(item.value)) { item.parts.push_back(data_object(tag, value)); }
     } catch (const LayoutError&) {
         item.parts.clear();
         item.privacy = Privacy::kWithheld;
@@ -45,8 +45,8 @@ void take_apart(Item& item) {
 
 Item item(std::string name, uint32_t id, ByteView value, const Content& content) {
     Item item{std::move(name), id, Bytes(value.begin(), value.end()), content.type, content.privacy};
-    if (!fits(content, value)) item.privacy = Privacy::kWithheld;
-    if (item.type == Type::kObjects && item.privacy != Privacy::kWithheld) take_apart(item);
+    if (!fits(content, value)) { item.privacy = Privacy::kWithheld; }
+    if (item.type == Type::kObjects && item.privacy != Privacy::kWithheld) { take_apart(item); }
     return item;
 }
 
@@ -56,7 +56,7 @@ bool is_open(const Item& item) noexcept {
 
 uint64_t number_of(ByteView value) noexcept {
     uint64_t number = 0;
-    for (const uint8_t byte : value) number = number << 8 | byte;
+    for (const uint8_t byte : value) { number = number << 8 | byte; }
     return number;
 }
 

@@ -19,7 +19,7 @@ Items unknown(ByteView bytes) { return bytes.empty() ? Items() : Items{item("", 
 
 Items params_in(ByteView blocks) {
     Items items;
-    for (const Param& param : Reader("", blocks).params()) items.push_back(param_item(param.id, param.data));
+    for (const Param& param : Reader("", blocks).params()) { items.push_back(param_item(param.id, param.data)); }
     return items;
 }
 
@@ -29,17 +29,17 @@ public:
     explicit Fields(ByteView bytes) : reader_("", bytes) {}
 
     void take(const Field& field) {
-        if (field.size == Size::kLength) return claim();
-        if (field.size == Size::kOptional && reader_.left() == 0) return;
+        if (field.size == Size::kLength) { return claim(); }
+        if (field.size == Size::kOptional && reader_.left() == 0) { return; }
         const Bytes value = reader_.b(field.name, size_of(field));
         const bool exact = field.size == Size::kFixed || field.size == Size::kOptional;
         Item taken = item(std::string(field.name), 0, value, exact ? field.content : any_size(field.content));
-        if (taken.privacy != field.content.privacy) throw LayoutError(std::string(field.name));
+        if (taken.privacy != field.content.privacy) { throw LayoutError(std::string(field.name)); }
         items_.push_back(std::move(taken));
     }
 
     [[nodiscard]] Items all() && {
-        for (Item& item : unknown(reader_.b("", reader_.left()))) items_.push_back(std::move(item));
+        for (Item& item : unknown(reader_.b("", reader_.left()))) { items_.push_back(std::move(item)); }
         return std::move(items_);
     }
 
@@ -50,7 +50,7 @@ private:
     }
 
     void claim() {
-        if (reader_.n("length", 3) > reader_.left()) throw LayoutError("length");
+        if (reader_.n("length", 3) > reader_.left()) { throw LayoutError("length"); }
     }
 
     [[nodiscard]] size_t size_of(const Field& field) const {
@@ -71,12 +71,12 @@ private:
 
 Items fields_in(std::string_view id, Sender sender, ByteView bytes) {
     Fields fields(bytes);
-    for (const Field& field : fields_of(id, sender)) fields.take(field);
+    for (const Field& field : fields_of(id, sender)) { fields.take(field); }
     return std::move(fields).all();
 }
 
 Items items_in(const Packet& packet, Sender sender, ByteView bytes) {
-    if (bytes.empty() || packet.command == nullptr) return unknown(bytes);
+    if (bytes.empty() || packet.command == nullptr) { return unknown(bytes); }
     try {
         const bool params = packet.command->form == Command::Form::kParams;
         return params ? params_in(bytes) : fields_in(packet.id, sender, bytes);
@@ -97,7 +97,7 @@ Packet take_apart(Sender sender, ByteView packet) {
     apart.command = find_command(apart.id);
     ByteView rest = packet.subspan(head.size());
     if (sender == Sender::kPinPad) {
-        if (!rest.empty()) apart.status = status_in(packet);
+        if (!rest.empty()) { apart.status = status_in(packet); }
         if (!apart.status) {
             apart.items = unknown(rest);
             return apart;

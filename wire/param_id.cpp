@@ -133,7 +133,7 @@ constexpr std::array kFamilies{
 
 const Row* find(uint16_t id) noexcept {
     const auto* found = std::ranges::lower_bound(kRows, id, {}, &Row::id);
-    if (found != kRows.end() && found->id == id) return found;
+    if (found != kRows.end() && found->id == id) { return found; }
     const auto* family =
         std::ranges::find_if(kFamilies, [id](const Row& row) { return id >= row.id && id - row.id < pp::kFamilySize; });
     return family != kFamilies.end() ? family : nullptr;
@@ -143,7 +143,7 @@ const Row* find(uint16_t id) noexcept {
 
 std::string param_name(uint16_t id) {
     const Row* row = find(id);
-    if (row == nullptr) return fmt::format("0x{:04X}", id);
+    if (row == nullptr) { return fmt::format("0x{:04X}", id); }
     return row->id >= pp::kKsnDesPin ? fmt::format("{}{}", row->name, id - row->id) : std::string(row->name);
 }
 

@@ -17,22 +17,22 @@ constexpr uint32_t kMostLengthBytes = 2;
 
 void append_tag(Bytes& to, Tag tag) {
     for (int shift = 24; shift >= 0; shift -= 8) {
-        if (tag >> shift != 0) to.push_back(static_cast<uint8_t>(tag >> shift));
+        if (tag >> shift != 0) { to.push_back(static_cast<uint8_t>(tag >> shift)); }
     }
 }
 
 void append_length(Bytes& to, size_t length) {
     const bool two = length > UINT8_MAX;
-    if (length >= kMore) to.push_back(two ? kMore | 2U : kMore | 1U);
-    if (two) to.push_back(static_cast<uint8_t>(length >> 8));
+    if (length >= kMore) { to.push_back(two ? kMore | 2U : kMore | 1U); }
+    if (two) { to.push_back(static_cast<uint8_t>(length >> 8)); }
     to.push_back(static_cast<uint8_t>(length));
 }
 
 Tag next_tag(Reader& reader) {
     Tag tag = reader.x("tag", 1);
-    if ((tag & kLongTag) != kLongTag) return tag;
+    if ((tag & kLongTag) != kLongTag) { return tag; }
     do {
-        if (tag > UINT32_MAX >> 8) throw LayoutError("tags: a tag of more than four bytes");
+        if (tag > UINT32_MAX >> 8) { throw LayoutError("tags: a tag of more than four bytes"); }
         tag = tag << 8 | reader.x("tag", 1);
     } while ((tag & kMore) != 0);
     return tag;
@@ -40,9 +40,9 @@ Tag next_tag(Reader& reader) {
 
 size_t next_length(Reader& reader) {
     const uint32_t first = reader.x("length", 1);
-    if (first < kMore) return first;
+    if (first < kMore) { return first; }
     const uint32_t bytes = first - kMore;
-    if (bytes == 0 || bytes > kMostLengthBytes) throw LayoutError("tags: a length of too many bytes");
+    if (bytes == 0 || bytes > kMostLengthBytes) { throw LayoutError("tags: a length of too many bytes"); }
     return reader.x("length", bytes);
 }
 
@@ -50,7 +50,7 @@ size_t next_length(Reader& reader) {
 
 std::vector<Tag> split_tags(ByteView list) {
     std::vector<Tag> tags;
-    for (Reader reader("tags", list); reader.left() != 0;) tags.push_back(next_tag(reader));
+    for (Reader reader("tags", list); reader.left() != 0;) { tags.push_back(next_tag(reader)); }
     return tags;
 }
 
@@ -66,7 +66,7 @@ std::vector<std::pair<Tag, Bytes>> decode_list(ByteView encoded) {
 
 DataObjects decode(ByteView encoded) {
     DataObjects objects;
-    for (auto& [tag, value] : decode_list(encoded)) objects[tag] = std::move(value);
+    for (auto& [tag, value] : decode_list(encoded)) { objects[tag] = std::move(value); }
     return objects;
 }
 
@@ -74,7 +74,7 @@ Bytes encode(const DataObjects& objects, const std::vector<Tag>& tags) {
     Bytes encoded;
     for (const Tag tag : tags) {
         const auto found = objects.find(tag);
-        if (found == objects.end()) continue;
+        if (found == objects.end()) { continue; }
         const Bytes& value = found->second;
         append_tag(encoded, tag);
         append_length(encoded, value.size());

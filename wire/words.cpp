@@ -22,7 +22,7 @@ std::string text_or_hex(ByteView bytes) {
 
 std::string list(const std::vector<Item>& items) {
     std::string text;
-    for (const Item& each : items) text += (text.empty() ? "" : ", ") + words_for(each);
+    for (const Item& each : items) { text += (text.empty() ? "" : ", ") + words_for(each); }
     return text;
 }
 
@@ -48,7 +48,7 @@ std::string items_words(const std::vector<Item>& items) { return items.empty() ?
 }  // namespace
 
 std::string words_for(const Item& item) {
-    if (item.privacy == Privacy::kShown) return fmt::format("{}={}", item.name, value_words(item));
+    if (item.privacy == Privacy::kShown) { return fmt::format("{}={}", item.name, value_words(item)); }
     return fmt::format("{}{}{} bytes withheld", item.name, item.name.empty() ? "" : ": ", item.value.size());
 }
 
@@ -58,7 +58,7 @@ std::string whole_words_for(const Item& item) {
 
 std::string request_words(ByteView packet) {
     const Packet apart = take_apart(Sender::kHost, packet);
-    if (!looks_like_id(apart.id)) return fmt::format("{} bytes withheld", packet.size());
+    if (!looks_like_id(apart.id)) { return fmt::format("{} bytes withheld", packet.size()); }
     const std::string name = apart.command != nullptr ? fmt::format("{} {}", apart.id, apart.command->title)
                                                       : fmt::format("\"{}\"", apart.id);
     return name + items_words(apart.items);
@@ -66,7 +66,9 @@ std::string request_words(ByteView packet) {
 
 std::string response_words(ByteView packet) {
     const Packet apart = take_apart(Sender::kPinPad, packet);
-    if (!apart.status || !looks_like_id(apart.id)) return fmt::format("no response: {} bytes withheld", packet.size());
+    if (!apart.status || !looks_like_id(apart.id)) {
+        return fmt::format("no response: {} bytes withheld", packet.size());
+    }
     return fmt::format("{} {:03} {}{}", apart.id, *apart.status, status_name(*apart.status), items_words(apart.items));
 }
 

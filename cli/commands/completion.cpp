@@ -14,11 +14,11 @@ namespace {
 std::string words_of(const CLI::App& app, bool withGlobals) {
     std::string words;
     const auto add = [&](const std::string& word) { words += (words.empty() ? "" : " ") + word; };
-    for (const CLI::App* command : app.get_subcommands(nullptr)) add(command->get_name());
+    for (const CLI::App* command : app.get_subcommands(nullptr)) { add(command->get_name()); }
     for (const CLI::App* each = &app; each != nullptr; each = withGlobals ? each->get_parent() : nullptr) {
         for (const CLI::Option* option : each->get_options()) {
             for (const std::string& name : option->get_lnames()) {
-                if (words.find("--" + name) == std::string::npos) add("--" + name);
+                if (words.find("--" + name) == std::string::npos) { add("--" + name); }
             }
         }
     }

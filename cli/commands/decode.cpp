@@ -38,7 +38,7 @@ std::optional<Bytes> parse_hex(std::string_view text) {
     std::string digits;
     std::ranges::copy_if(text, std::back_inserter(digits),
                          [](unsigned char c) { return std::isspace(c) == 0 && c != ':'; });
-    if (digits.empty()) return std::nullopt;
+    if (digits.empty()) { return std::nullopt; }
     try {
         return wire::from_hex(digits);
     } catch (const std::invalid_argument&) { return std::nullopt; }
@@ -49,8 +49,9 @@ std::optional<Bytes> parse_hex(std::string_view text) {
 Sender guess(std::span<const uint8_t> packet) {
     constexpr size_t kHead = 6;
     const std::string_view text(reinterpret_cast<const char*>(packet.data()), packet.size());
-    if (packet.size() < kHead || text.substr(3, 3) == "000")
+    if (packet.size() < kHead || text.substr(3, 3) == "000") {
         return packet.size() < kHead ? Sender::kHost : Sender::kPinPad;
+    }
     return packet.size() == kHead ? Sender::kPinPad : Sender::kHost;
 }
 
@@ -81,27 +82,27 @@ void decode(Table& table, const Line& line) {
         add(table, sender, words(sender, reception));
     };
     for (const uint8_t byte : line.bytes) {
-        if (const auto reception = decoder.feed(byte)) tell(*reception);
+        if (const auto reception = decoder.feed(byte)) { tell(*reception); }
     }
-    if (decoder.in_frame()) tell(decoder.give_up());
+    if (decoder.in_frame()) { tell(decoder.give_up()); }
 }
 
 std::optional<Sender> sender_of(std::string_view name) {
-    if (name.empty()) return std::nullopt;
+    if (name.empty()) { return std::nullopt; }
     return name == "host" ? Sender::kHost : Sender::kPinPad;
 }
 
 // Of a capture those lines count that begin with an arrow; without any arrow, every line.
 std::vector<Line> capture(std::istream& in, std::optional<Sender> sender) {
     std::vector<std::string> texts;
-    for (std::string text; std::getline(in, text);) texts.push_back(text);
+    for (std::string text; std::getline(in, text);) { texts.push_back(text); }
     const auto has_arrow = [](const std::string& text) { return text.starts_with('>') || text.starts_with('<'); };
     const bool arrows = std::ranges::any_of(texts, has_arrow);
     std::vector<Line> lines;
     for (size_t i = 0; i < texts.size(); ++i) {
-        if (arrows ? !has_arrow(texts[i]) : texts[i].find_first_not_of(" \t\r") == std::string::npos) continue;
+        if (arrows ? !has_arrow(texts[i]) : texts[i].find_first_not_of(" \t\r") == std::string::npos) { continue; }
         const auto bytes = parse_hex(std::string_view(texts[i]).substr(arrows ? 1 : 0));
-        if (!bytes) throw Error(Exit::kUsage, fmt::format("Line {} of the capture is not in hexadecimal.", i + 1));
+        if (!bytes) { throw Error(Exit::kUsage, fmt::format("Line {} of the capture is not in hexadecimal.", i + 1)); }
         if (!arrows) {
             lines.push_back({sender, *bytes});
         } else {
@@ -115,20 +116,20 @@ std::vector<Line> lines(const DecodeOptions& options) {
     const auto sender = sender_of(options.from);
     if (!options.hex.empty()) {
         std::string all;
-        for (const std::string& part : options.hex) all += part;
+        for (const std::string& part : options.hex) { all += part; }
         const auto bytes = parse_hex(all);
-        if (!bytes) throw Error(Exit::kUsage, "This is not in hexadecimal, two digits a byte.");
+        if (!bytes) { throw Error(Exit::kUsage, "This is not in hexadecimal, two digits a byte."); }
         return {{sender, *bytes}};
     }
-    if (options.file.empty() || options.file == "-") return capture(std::cin, sender);
+    if (options.file.empty() || options.file == "-") { return capture(std::cin, sender); }
     std::ifstream in(options.file);
-    if (!in) throw Error(Exit::kUsage, fmt::format("{} cannot be read.", options.file));
+    if (!in) { throw Error(Exit::kUsage, fmt::format("{} cannot be read.", options.file)); }
     return capture(in, sender);
 }
 
 Outcome run_decode(const DecodeOptions& options) {
     Table table{{"From", "What", "Status", "Contents"}};
-    for (const Line& line : lines(options)) decode(table, line);
+    for (const Line& line : lines(options)) { decode(table, line); }
     return {{{"Frames", table}}};
 }
 

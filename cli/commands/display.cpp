@@ -21,7 +21,9 @@ constexpr size_t kLongMessage = 128;
 
 // What the shell hands over as "\n" is a line break for the PIN pad.
 std::string with_breaks(std::string text) {
-    for (size_t at = text.find("\\n"); at != std::string::npos; at = text.find("\\n", at)) text.replace(at, 2, "\r");
+    for (size_t at = text.find("\\n"); at != std::string::npos; at = text.find("\\n", at)) {
+        text.replace(at, 2, "\r");
+    }
     std::ranges::replace(text, '\n', '\r');
     return text;
 }
@@ -64,7 +66,7 @@ Outcome run_menu(Context& context, const MenuOptions& menu) {
     const int32_t status =
         link.wait([&] { abecs_cmd_mnu(link.get(), menu.timeout, title.c_str(), slots.data(), menu.options.size()); },
                   [&](char* notification) { return abecs_cmd_mnu_response(link.get(), &chosen, notification); });
-    if (status != ABECS_RSP_STAT_ST_OK) throw StatusError("MNU", status);
+    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError("MNU", status); }
     link.close();
     const bool known = chosen >= 1 && chosen <= menu.options.size();
     return {{{"Choice", chosen}, {"Option", known ? menu.options[chosen - 1] : "unknown"}}};
@@ -154,7 +156,7 @@ Outcome run_event(Context& context, const EventOptions& options) {
     const int32_t status =
         link.wait([&] { abecs_cmd_cex(link.get(), wanted.c_str(), &options.timeout, kMask.data()); },
                   [&](char* notification) { return abecs_cmd_cex_response(link.get(), items.get(), notification); });
-    if (status != ABECS_RSP_STAT_ST_OK) throw StatusError("CEX", status);
+    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError("CEX", status); }
     const AbecsPpEvent_E event = call([&] { return abecs_cmd_cex_response_get_event(items.get()); });
     link.close();
     Group report{{"Event", event_name(event)}, {"Meaning", event_words(event)}};

@@ -27,14 +27,14 @@ public:
 
     [[nodiscard]] Outcome outcome(Exit exit) const {
         Group report{{"Checks", checks_}};
-        if (!remedies_.rows.empty()) report.push_back({"What to do", remedies_, "remedies"});
+        if (!remedies_.rows.empty()) { report.push_back({"What to do", remedies_, "remedies"}); }
         report.push_back({"Verdict", exit == Exit::kOk ? "The PIN pad is ready." : "The PIN pad cannot be used yet."});
         return {report, exit};
     }
 
 private:
     void add(std::string check, const char* state, std::string found, std::string remedy) {
-        if (!remedy.empty()) remedies_.rows.push_back({check, std::move(remedy)});
+        if (!remedy.empty()) { remedies_.rows.push_back({check, std::move(remedy)}); }
         checks_.rows.push_back({std::move(check), state, std::move(found)});
     }
 
@@ -67,13 +67,14 @@ struct Failure {
 
 // Why the port cannot be opened, from the general to the particular.
 Failure opening_failure(const std::string& path, const LibraryError& error, const std::vector<Holder>& holders) {
-    if (error.code() == KOR_RESULT_PERMISSION_DENIED) return {error.what(), permission_remedy(path)};
+    if (error.code() == KOR_RESULT_PERMISSION_DENIED) { return {error.what(), permission_remedy(path)}; }
     if (error.code() == KOR_RESULT_DEVICE_BUSY) {
         const std::string who = holders.empty() ? "a program of another user" : words(holders);
         return {fmt::format("{} is held by {}", path, who), "End that program, or name another port."};
     }
-    if (error.code() == KOR_RESULT_IO_ERROR)
+    if (error.code() == KOR_RESULT_IO_ERROR) {
         return {error.what(), "It is no serial port: see some with `quorvel ports`."};
+    }
     return {error.what(), error.remedy()};
 }
 

@@ -27,12 +27,12 @@ constexpr Wanted kWanted[]{
 
 // "0416" is four lines of sixteen columns.
 std::string text_size(const std::string& digits) {
-    if (digits.size() != 4) return digits;
+    if (digits.size() != 4) { return digits; }
     return fmt::format("{} lines of {} columns", std::stoi(digits.substr(0, 2)), std::stoi(digits.substr(2)));
 }
 
 std::string graphic_size(const std::string& digits) {
-    if (digits.size() != 8) return digits;
+    if (digits.size() != 8) { return digits; }
     return fmt::format("{} x {} points", std::stoi(digits.substr(4)), std::stoi(digits.substr(0, 4)));
 }
 
@@ -41,7 +41,7 @@ std::string media_formats(const std::string& digits) {
     constexpr const char* kFormats[]{"PNG", "JPG", "GIF"};
     std::string text;
     for (size_t i = 0; i < std::size(kFormats) && i < digits.size(); ++i) {
-        if (digits[i] == '1') text += fmt::format("{}{}", text.empty() ? "" : ", ", kFormats[i]);
+        if (digits[i] == '1') { text += fmt::format("{}{}", text.empty() ? "" : ", ", kFormats[i]); }
     }
     return text.empty() ? "none" : text;
 }
@@ -51,7 +51,7 @@ bool all_digits(const std::string& text) { return text.find_first_not_of("012345
 void add_sizes(Group& report, const Items& items) {
     const auto add = [&](const char* label, uint16_t id, std::string (*words)(const std::string&)) {
         const std::string digits = items.raw(id);
-        if (items.has(id)) report.push_back({label, all_digits(digits) ? words(digits) : digits});
+        if (items.has(id)) { report.push_back({label, all_digits(digits) ? words(digits) : digits}); }
     };
     add("Text display", ABECS_RSP_DATID_PP_DSPTXTSZ, text_size);
     add("Graphic display", ABECS_RSP_DATID_PP_DSPGRSZ, graphic_size);
@@ -65,12 +65,12 @@ void ask(Link& link, const std::vector<int32_t>& ids, Items& items) {
 Outcome run_info(Context& context) {
     Link link(context.settings, context.output);
     std::vector<int32_t> ids{ABECS_CMD_GIX_ID_PP_DSPTXTSZ, ABECS_CMD_GIX_ID_PP_DSPGRSZ, ABECS_CMD_GIX_ID_PP_MFSUP};
-    for (const Wanted& item : kWanted) ids.push_back(item.id);
+    for (const Wanted& item : kWanted) { ids.push_back(item.id); }
     Items items;
     ask(link, ids, items);
     link.close();
     Group report;
-    for (const Wanted& item : kWanted) items.add(report, item.label, static_cast<uint16_t>(item.id));
+    for (const Wanted& item : kWanted) { items.add(report, item.label, static_cast<uint16_t>(item.id)); }
     add_sizes(report, items);
     report.push_back({"Library version", kor_version_project()});
     return {report};
@@ -80,8 +80,9 @@ Outcome run_gix(Context& context, const std::vector<std::string>& names) {
     std::vector<int32_t> ids;
     for (const std::string& name : names) {
         const auto id = item_id(name);
-        if (!id)
+        if (!id) {
             throw Error(Exit::kUsage, fmt::format("There is no item '{}'.", name), "See the names with `quorvel gix`.");
+        }
         ids.push_back(*id);
     }
     Link link(context.settings, context.output);
@@ -89,10 +90,10 @@ Outcome run_gix(Context& context, const std::vector<std::string>& names) {
     ask(link, ids, items);
     link.close();
     Group report;
-    for (const uint16_t id : items.ids()) report.push_back({item_name(id), items.value(id), item_name(id)});
+    for (const uint16_t id : items.ids()) { report.push_back({item_name(id), items.value(id), item_name(id)}); }
     for (const int32_t id : ids) {
         const auto asked = static_cast<uint16_t>(id);
-        if (!items.has(asked)) report.push_back({item_name(asked), "not told", item_name(asked)});
+        if (!items.has(asked)) { report.push_back({item_name(asked), "not told", item_name(asked)}); }
     }
     return {report};
 }

@@ -66,14 +66,14 @@ Value ksn(Link& link, const Family& family, size_t slot) {
 Outcome run_keys(Context& context) {
     Link link(context.settings, context.output);
     std::vector<int32_t> ids;
-    for (const Family& family : kFamilies) ids.push_back(family.map);
+    for (const Family& family : kFamilies) { ids.push_back(family.map); }
     Items items;
     link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });
     Table table{{"Kind", "Cipher", "Use", "Index", "Key serial number"}};
     for (const Family& family : kFamilies) {
         const std::string slots = items.raw(static_cast<uint16_t>(family.map));
         for (size_t slot = 0; slot < slots.size(); ++slot) {
-            if (slots[slot] != '1') continue;
+            if (slots[slot] != '1') { continue; }
             table.rows.push_back({family.kind, family.cipher, family.use, slot, ksn(link, family, slot)});
         }
     }

@@ -60,8 +60,8 @@ uint8_t media_type(const PutOptions& options) {
 std::vector<uint8_t> contents(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (!in || in.bad()) throw Error(Exit::kUsage, fmt::format("{} cannot be read.", path));
-    if (bytes.empty()) throw Error(Exit::kUsage, fmt::format("{} is empty.", path));
+    if (!in || in.bad()) { throw Error(Exit::kUsage, fmt::format("{} cannot be read.", path)); }
+    if (bytes.empty()) { throw Error(Exit::kUsage, fmt::format("{} is empty.", path)); }
     return bytes;
 }
 
@@ -92,7 +92,7 @@ Outcome run_list(Context& context) {
     link.ask("LMF", [&] { return abecs_cmd_lmf(link.get(), names.get()); });
     link.close();
     Table table{{"Name"}};
-    for (const std::string& name : names.all()) table.rows.push_back({name});
+    for (const std::string& name : names.all()) { table.rows.push_back({name}); }
     return {{{"Files", table}}};
 }
 

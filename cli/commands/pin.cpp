@@ -41,7 +41,7 @@ void copy(char (&to)[size], const std::string& from, const char* what) {
 }
 
 void require(bool holds, const char* text) {
-    if (!holds) throw Error(Exit::kUsage, text);
+    if (!holds) { throw Error(Exit::kUsage, text); }
 }
 
 AbecsCmdGpnCmdData request(const PinOptions& options) {
@@ -75,10 +75,10 @@ Outcome run_pin(Context& context, const PinOptions& options) {
     const int32_t status =
         link.wait([&] { abecs_cmd_gpn(link.get(), &data); },
                   [&](char* notification) { return abecs_cmd_gpn_response(link.get(), &answer, notification); });
-    if (status != ABECS_RSP_STAT_ST_OK) throw StatusError("GPN", status);
+    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError("GPN", status); }
     link.close();
     Group report{{"PIN block", Secret{answer.pinBlk}}};
-    if (options.method >= ABECS_CMD_GPN_METHOD_DUKPT_DES) report.push_back({"Key serial number", answer.ksn});
+    if (options.method >= ABECS_CMD_GPN_METHOD_DUKPT_DES) { report.push_back({"Key serial number", answer.ksn}); }
     explicit_bzero(&answer, sizeof answer);
     return {report};
 }

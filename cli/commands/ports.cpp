@@ -8,9 +8,9 @@ namespace quorvel::cli::setup {
 Run ports(CLI::App&) {
     return [](Context& context) {
         Table table{{"Port", "State", "Device"}};
-        for (const PortInfo& port : list_ports()) table.rows.push_back({port.path, port.state, port.device});
+        for (const PortInfo& port : list_ports()) { table.rows.push_back({port.path, port.state, port.device}); }
         Group report{{"Ports", table}};
-        if (!context.settings.port.empty()) report.push_back({"Configured", context.settings.port});
+        if (!context.settings.port.empty()) { report.push_back({"Configured", context.settings.port}); }
         return Outcome{report};
     };
 }

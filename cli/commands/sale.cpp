@@ -47,16 +47,16 @@ struct GoResult {
 
     static GoResult of(const std::string& digits) {
         const bool known = digits.size() >= 6 && digits[0] >= '0' && digits[0] <= '2';
-        if (!known) throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided.");
+        if (!known) { throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided."); }
         return {static_cast<Decision>(digits[0] - '0'), digits[1] != '0', digits[2] != '0', digits[4] != '0',
                 digits[5] != '0'};
     }
 };
 
 std::string verification_words(const GoResult& result) {
-    if (result.pinBlocked) return "the card's PIN is blocked";
-    if (result.pinOnline) return "PIN, for the acquirer to check";
-    if (result.pinOffline) return "PIN, checked by the card";
+    if (result.pinBlocked) { return "the card's PIN is blocked"; }
+    if (result.pinOnline) { return "PIN, for the acquirer to check"; }
+    if (result.pinOffline) { return "PIN, checked by the card"; }
     return result.signature ? "signature" : "none asked for";
 }
 
@@ -69,8 +69,8 @@ public:
           amount_(parse_amount(options.amount)),
           floorLimit_(parse_amount(options.floorLimit)),
           tables_(options.tables.empty() ? context.settings.tables : options.tables) {
-        if (floorLimit_ > UINT32_MAX) throw Error(Exit::kUsage, "The floor limit is too high.");
-        if (!tables_.empty()) file_ = TableFile::read(tables_);
+        if (floorLimit_ > UINT32_MAX) { throw Error(Exit::kUsage, "The floor limit is too high."); }
+        if (!tables_.empty()) { file_ = TableFile::read(tables_); }
         link_.emplace(context.settings, context.output);
     }
 
@@ -84,7 +84,7 @@ public:
         link_->close();
         Group report{
             {"Outcome", outcome}, {"Amount", amount_words(amount_)}, {"Steps", steps_}, {"Card", card_group(card_)}};
-        for (Field& field : details_) report.push_back(std::move(field));
+        for (Field& field : details_) { report.push_back(std::move(field)); }
         return {std::move(report), approved ? Exit::kOk : Exit::kDeclined};
     }
 
@@ -94,9 +94,9 @@ private:
     }
 
     void prepare_tables() {
-        if (!file_) return;
+        if (!file_) { return; }
         const bool due = table_version(*link_, file_->acquirer) != file_->version;
-        if (due) load_tables(*link_, *file_, output_);
+        if (due) { load_tables(*link_, *file_, output_); }
         step(due ? "TLI TLR TLE" : "GTS", "Load the acquirer tables",
              fmt::format("version {}, {}", file_->version, due ? "loaded" : "there already"));
     }
@@ -115,7 +115,7 @@ private:
         const std::string record = card_.raw(ABECS_RSP_DATID_PP_AIDTABINFO);
         const bool known = record.size() >= 2 && std::isdigit(static_cast<unsigned char>(record[0])) != 0
                            && std::isdigit(static_cast<unsigned char>(record[1])) != 0;
-        if (!known) throw Error(Exit::kLink, "The PIN pad does not tell which table record the card has selected.");
+        if (!known) { throw Error(Exit::kLink, "The PIN pad does not tell which table record the card has selected."); }
         return static_cast<uint8_t>(std::stoi(record.substr(0, 2)));
     }
 
@@ -150,7 +150,7 @@ private:
     }
 
     [[nodiscard]] std::optional<std::string> response_code() const {
-        if (options_.host == Host::kUnreachable) return std::nullopt;
+        if (options_.host == Host::kUnreachable) { return std::nullopt; }
         return options_.host == Host::kApproves ? "00" : "05";
     }
 
@@ -170,7 +170,7 @@ private:
         decision.add(details_, "Card at the end", ABECS_RSP_DATID_PP_EMVDATA);
         decision.add(details_, "Issuer script results", ABECS_RSP_DATID_PP_ISRESULTS);
         const auto result = decision.number(ABECS_RSP_DATID_PP_FCXRES);
-        if (!result) throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided in the end.");
+        if (!result) { throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided in the end."); }
         step("FCX", "Tell the card, which has the last word",
              *result == 0   ? "approved"
              : *result == 1 ? "declined by the card"
@@ -179,7 +179,7 @@ private:
     }
 
     void give_back(const char* outcome) {
-        if (type_ != CardType::kChip || options_.keepCard) return;
+        if (type_ != CardType::kChip || options_.keepCard) { return; }
         output_.notice("Remove the card.");
         const std::string message = fmt::format("{:<16}REMOVE THE CARD", outcome);
         const int32_t status =

@@ -19,13 +19,15 @@ struct LoadOptions {
 
 Outcome run_load(Context& context, const LoadOptions& options) {
     const std::string& path = options.file.empty() ? context.settings.tables : options.file;
-    if (path.empty()) throw Error(Exit::kUsage, "No file is named.", "Name it, or give `tables` in the configuration.");
+    if (path.empty()) {
+        throw Error(Exit::kUsage, "No file is named.", "Name it, or give `tables` in the configuration.");
+    }
     const TableFile file = TableFile::read(path);
     Link link(context.settings, context.output);
     Group report{{"Acquirer", file.acquirer}, {"Version", file.version}, {"Records", file.records}};
     const std::string before = table_version(link, file.acquirer);
     const bool due = !options.ifNewer || before != file.version;
-    if (due) load_tables(link, file, context.output);
+    if (due) { load_tables(link, file, context.output); }
     link.close();
     report.push_back({"Version before", before.empty() ? "none" : before});
     report.push_back({"Loaded", due});

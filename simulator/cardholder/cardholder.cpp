@@ -19,7 +19,7 @@ void Cardholder::when(std::string command, Gestures gestures) {
 void Cardholder::attend(std::string_view command) {
     const std::lock_guard lock(mutex_);
     const auto next = std::ranges::find(planned_, command, &decltype(planned_)::value_type::first);
-    if (next == planned_.end()) return;
+    if (next == planned_.end()) { return; }
     add(next->second);
     planned_.erase(next);
 }

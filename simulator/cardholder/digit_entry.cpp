@@ -18,10 +18,10 @@ std::optional<DigitEntry::Result> DigitEntry::on(const Event& event) {
 }
 
 std::optional<DigitEntry::Result> DigitEntry::press(Key key) {
-    if (key == Key::kCancel) return Result{.status = Status::kCancel};
-    if (key == Key::kEnter && digits_.size() >= fewest_) return Result{.digits = digits_};
-    if (key == Key::kClear) digits_.clear();
-    if (is_digit(key) && digits_.size() < most_) digits_.push_back(static_cast<char>(key));
+    if (key == Key::kCancel) { return Result{.status = Status::kCancel}; }
+    if (key == Key::kEnter && digits_.size() >= fewest_) { return Result{.digits = digits_}; }
+    if (key == Key::kClear) { digits_.clear(); }
+    if (is_digit(key) && digits_.size() < most_) { digits_.push_back(static_cast<char>(key)); }
     show();
     return std::nullopt;
 }

@@ -63,13 +63,13 @@ public:
 
     // Digits, then enter.
     Gestures& type(std::string_view digits) {
-        for (const char character : digits) press(digit(character));
+        for (const char character : digits) { press(digit(character)); }
         return press(Key::kEnter);
     }
 
     // Goes down to an option of a menu, counted from 1.
     Gestures& choose(int option) {
-        for (int i = 1; i < option; ++i) press(Key::kDown);
+        for (int i = 1; i < option; ++i) { press(Key::kDown); }
         return press(Key::kEnter);
     }
 

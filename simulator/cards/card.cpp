@@ -13,7 +13,7 @@ namespace {
 
 // Two digits a byte, a last one without a second filled up.
 Bytes compressed(std::string digits) {
-    if (digits.size() % 2 != 0) digits += 'F';
+    if (digits.size() % 2 != 0) { digits += 'F'; }
     return from_hex(digits);
 }
 
@@ -27,14 +27,14 @@ Bytes track2_equivalent(std::string track) {
 DataObjects Card::objects() const {
     DataObjects objects = chip ? chip->objects : DataObjects();
     const auto add = [&](Tag tag, Bytes value) {
-        if (!value.empty()) objects.try_emplace(tag, std::move(value));
+        if (!value.empty()) { objects.try_emplace(tag, std::move(value)); }
     };
     add(0x57, track2_equivalent(track2));
     add(0x5A, compressed(pan));
     add(0x5F20, to_bytes(name));
     add(0x5F24, from_hex(expiry));
     add(0x5F28, from_hex(fmt::format("{:04}", issuerCountry)));
-    if (!serviceCode.empty()) add(0x5F30, from_hex("0" + serviceCode));
+    if (!serviceCode.empty()) { add(0x5F30, from_hex("0" + serviceCode)); }
     add(0x5F34, from_hex(fmt::format("{:02}", panSequence)));
     return objects;
 }

@@ -61,30 +61,30 @@ constexpr size_t kMaxLabel = 16;
 
 std::string at_most(TomlTable& table, std::string_view key, size_t length) {
     std::string text = table.text(key);
-    if (text.size() > length) table.refuse(key, fmt::format("longer than {} characters", length));
+    if (text.size() > length) { table.refuse(key, fmt::format("longer than {} characters", length)); }
     return text;
 }
 
 void require_digits(const TomlTable& table, std::string_view key, std::string_view digits) {
-    if (digits.find_first_not_of(kDecimalDigits) != std::string_view::npos) table.refuse(key, "not only digits");
+    if (digits.find_first_not_of(kDecimalDigits) != std::string_view::npos) { table.refuse(key, "not only digits"); }
 }
 
 // Either none or exactly so many.
 std::string digits(TomlTable& table, std::string_view key, size_t count) {
     std::string text = table.text(key);
     require_digits(table, key, text);
-    if (!text.empty() && text.size() != count) table.refuse(key, fmt::format("not of {} digits", count));
+    if (!text.empty() && text.size() != count) { table.refuse(key, fmt::format("not of {} digits", count)); }
     return text;
 }
 
 DataObjects tags(TomlTable& table) {
     DataObjects objects;
     auto list = table.table("tags");
-    if (!list) return objects;
+    if (!list) { return objects; }
     for (const std::string& key : list->keys()) {
         std::vector<Tag> tag;
         list->blame(key, [&] { tag = split_tags(from_hex(key)); });
-        if (tag.size() != 1) list->refuse(key, "no single tag");
+        if (tag.size() != 1) { list->refuse(key, "no single tag"); }
         objects[tag.front()] = list->hex(key);
     }
     return objects;
@@ -96,12 +96,12 @@ std::map<Bytes, Bytes> script(TomlTable& table) {
     static constexpr size_t kStatusWord = 2;
     std::map<Bytes, Bytes> script;
     auto list = table.table("script");
-    if (!list) return script;
+    if (!list) { return script; }
     for (const std::string& key : list->keys()) {
         Bytes command;
         list->blame(key, [&] { command = from_hex(key); });
         Bytes response = list->hex(key);
-        if (command.size() < kHeader || response.size() < kStatusWord) list->refuse(key, "no command and response");
+        if (command.size() < kHeader || response.size() < kStatusWord) { list->refuse(key, "no command and response"); }
         script[std::move(command)] = std::move(response);
     }
     return script;
@@ -115,7 +115,7 @@ Application application(TomlTable table) {
     application.type = static_cast<unsigned>(table.number("type", 1, 98, 1));
     application.acquirer = static_cast<unsigned>(table.number("acquirer", 1, 99, std::nullopt));
     application.record = table.required_text("record");
-    if (application.record.size() != kRecordIndex) table.refuse("record", "not of two characters");
+    if (application.record.size() != kRecordIndex) { table.refuse("record", "not of two characters"); }
     application.objects = tags(table);
     table.end();
     return application;
@@ -124,14 +124,14 @@ Application application(TomlTable table) {
 Chip chip(TomlTable table) {
     Chip chip;
     chip.atr = table.hex("atr");
-    if (chip.atr.empty()) chip.atr = Chip::standard().atr;
+    if (chip.atr.empty()) { chip.atr = Chip::standard().atr; }
     chip.script = script(table);
     chip.objects = tags(table);
     chip.pin = at_most(table, "pin", kMaxPinDigits);
     require_digits(table, "pin", chip.pin);
     chip.pinTries = static_cast<int>(table.number("tries", 0, 9, 3));
     chip.verification = table.choice("verification", kVerifications);
-    if (chip.verification == Verification::kOfflinePin && chip.pin.empty()) table.refuse("pin", "is missing");
+    if (chip.verification == Verification::kOfflinePin && chip.pin.empty()) { table.refuse("pin", "is missing"); }
     chip.first = table.choice("first", kFirstDecisions);
     chip.second = table.choice("second", kSecondDecisions);
     chip.fault = table.choice("fault", kChipFaults);
@@ -143,7 +143,9 @@ Contactless contactless(TomlTable table) {
     Contactless contactless;
     contactless.stripeData = table.choice("mode", Choices<bool, 2>{{{"emv", false}, {"stripe", true}}});
     contactless.verification = table.choice("verification", kVerifications);
-    if (contactless.verification == Verification::kOfflinePin) table.refuse("verification", "it would need the chip");
+    if (contactless.verification == Verification::kOfflinePin) {
+        table.refuse("verification", "it would need the chip");
+    }
     contactless.fault = table.choice("fault", kContactlessFaults);
     table.end();
     return contactless;
@@ -164,25 +166,25 @@ Card card(TomlTable table) {
     Card card;
     card.pan = table.required_text("pan");
     require_digits(table, "pan", card.pan);
-    if (card.pan.empty() || card.pan.size() > kMaxPan) table.refuse("pan", "no card number");
+    if (card.pan.empty() || card.pan.size() > kMaxPan) { table.refuse("pan", "no card number"); }
     card.track1 = at_most(table, "track1", kMaxTrack1);
     card.track2 = at_most(table, "track2", kMaxTrack2);
     card.track3 = at_most(table, "track3", kMaxTrack3);
     for (const std::string_view key : {"track2", "track3"}) {
         const std::string track = table.text(key);
-        if (track.find_first_not_of("0123456789=") != std::string::npos) table.refuse(key, "not only digits and =");
+        if (track.find_first_not_of("0123456789=") != std::string::npos) { table.refuse(key, "not only digits and ="); }
     }
     card.expiry = digits(table, "expiry", 6);
     card.name = at_most(table, "name", kMaxName);
     card.serviceCode = digits(table, "service_code", 3);
     card.issuerCountry = static_cast<unsigned>(table.number("country", 0, 999, 0));
     card.panSequence = static_cast<unsigned>(table.number("sequence", 0, 99, 0));
-    for (TomlTable& each : table.tables("applications")) card.applications.push_back(application(std::move(each)));
-    if (auto inner = table.table("chip")) card.chip = chip(std::move(*inner));
-    if (auto inner = table.table("contactless")) card.contactless = contactless(std::move(*inner));
+    for (TomlTable& each : table.tables("applications")) { card.applications.push_back(application(std::move(each))); }
+    if (auto inner = table.table("chip")) { card.chip = chip(std::move(*inner)); }
+    if (auto inner = table.table("contactless")) { card.contactless = contactless(std::move(*inner)); }
     table.end();
     if (card.chip) {
-        for (const Application& each : card.applications) let_select(*card.chip, each);
+        for (const Application& each : card.applications) { let_select(*card.chip, each); }
     }
     return card;
 }
@@ -191,7 +193,7 @@ Card card(TomlTable table) {
 
 Cards Cards::from_table(TomlTable table) {
     Cards cards;
-    for (const std::string& name : table.keys()) cards.cards_[name] = card(*table.table(name));
+    for (const std::string& name : table.keys()) { cards.cards_[name] = card(*table.table(name)); }
     return cards;
 }
 

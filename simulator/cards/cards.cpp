@@ -17,18 +17,18 @@ constexpr std::string_view kStandardText =
 
 const Card& Cards::at(std::string_view name) const {
     const auto found = cards_.find(name);
-    if (found == cards_.end()) throw std::out_of_range(fmt::format("there is no card \"{}\"", name));
+    if (found == cards_.end()) { throw std::out_of_range(fmt::format("there is no card \"{}\"", name)); }
     return found->second;
 }
 
 std::vector<std::string> Cards::names() const {
     std::vector<std::string> names;
-    for (const auto& [name, card] : cards_) names.push_back(name);
+    for (const auto& [name, card] : cards_) { names.push_back(name); }
     return names;
 }
 
 void Cards::add(const Cards& more) {
-    for (const auto& [name, card] : more.cards_) cards_.insert_or_assign(name, card);
+    for (const auto& [name, card] : more.cards_) { cards_.insert_or_assign(name, card); }
 }
 
 const Cards& Cards::standard() {

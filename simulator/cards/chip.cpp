@@ -21,7 +21,7 @@ const Bytes kUnknownInstruction{0x6D, 0x00};
 }  // namespace
 
 Bytes Chip::exchange(ByteView header, ByteView data) {
-    if (header[1] == kVerifyInstruction && !pin.empty()) return verify(data);
+    if (header[1] == kVerifyInstruction && !pin.empty()) { return verify(data); }
     Bytes command(header.begin(), header.end());
     append(command, data);
     const auto found = script.find(command);
@@ -32,7 +32,7 @@ bool Chip::accepts_pin(const std::string& typed) { return verify(plain_pin_block
 
 Bytes Chip::verify(ByteView block) {
     static constexpr int kAllTries = 3;
-    if (pinTries == 0) return kBlocked;
+    if (pinTries == 0) { return kBlocked; }
     if (std::ranges::equal(block, plain_pin_block('2', pin))) {
         pinTries = kAllTries;
         return kDone;

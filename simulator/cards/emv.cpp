@@ -49,7 +49,7 @@ Bytes bcd(uint64_t number, size_t bytes) {
 
 uint64_t from_bcd(ByteView digits) {
     uint64_t number = 0;
-    for (const uint8_t byte : digits) number = number * 100 + (byte >> 4) * uint64_t{10} + (byte & 0x0F);
+    for (const uint8_t byte : digits) { number = number * 100 + (byte >> 4) * uint64_t{10} + (byte & 0x0F); }
     return number;
 }
 
@@ -70,7 +70,7 @@ void generate(DataObjects& objects, Cryptogram kind) {
     objects[tag::kCryptogramInformation] = {static_cast<uint8_t>(kind)};
     Bytes data;
     for (const Tag each : kCovered) {
-        if (const auto found = objects.find(each); found != objects.end()) append(data, found->second);
+        if (const auto found = objects.find(each); found != objects.end()) { append(data, found->second); }
     }
     data.push_back(0x80);
     data.resize((data.size() + kBlockSize - 1) / kBlockSize * kBlockSize);

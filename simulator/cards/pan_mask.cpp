@@ -11,9 +11,9 @@ std::string masked(std::string track, size_t panDigits, const PanMask& mask) {
     size_t behind = 0;
     for (size_t i = end; i > 0 && behind < panDigits; --i) {
         char& c = track[i - 1];
-        if (c < '0' || c > '9') continue;
+        if (c < '0' || c > '9') { continue; }
         const size_t before = panDigits - 1 - behind;
-        if (behind >= mask.trailing && before >= mask.leading) c = '*';
+        if (behind >= mask.trailing && before >= mask.leading) { c = '*'; }
         ++behind;
     }
     return track;

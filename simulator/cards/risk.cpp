@@ -10,27 +10,27 @@ namespace {
 
 // Whether the amount, by itself or by chance, needs the issuer.
 bool amount_goes_online(const Risk& risk, unsigned draw, DataObjects& objects) {
-    if (!risk.managed) return false;
+    if (!risk.managed) { return false; }
     if (risk.amount >= risk.floorLimit) {
         set(objects, terminal_result::kFloorLimitExceeded);
         return true;
     }
-    if (!selected_at_random(risk, draw)) return false;
+    if (!selected_at_random(risk, draw)) { return false; }
     set(objects, terminal_result::kSelectedAtRandom);
     return true;
 }
 
 void mark(const Risk& risk, const Verified& verified, DataObjects& objects) {
-    if (risk.onExceptionList) set(objects, terminal_result::kExceptionList);
-    if (verified.failed) set(objects, terminal_result::kVerificationFailed);
-    if (verified.pinBlocked) set(objects, terminal_result::kPinTriesExceeded);
-    if (verified.pinOnline) set(objects, terminal_result::kOnlinePinEntered);
+    if (risk.onExceptionList) { set(objects, terminal_result::kExceptionList); }
+    if (verified.failed) { set(objects, terminal_result::kVerificationFailed); }
+    if (verified.pinBlocked) { set(objects, terminal_result::kPinTriesExceeded); }
+    if (verified.pinOnline) { set(objects, terminal_result::kOnlinePinEntered); }
 }
 
 }  // namespace
 
 bool selected_at_random(const Risk& risk, unsigned draw) {
-    if (risk.amount < risk.threshold) return draw <= risk.targetPercentage;
+    if (risk.amount < risk.threshold) { return draw <= risk.targetPercentage; }
     if (risk.floorLimit <= risk.threshold || risk.maxPercentage < risk.targetPercentage) {
         return draw <= risk.targetPercentage;
     }
@@ -44,8 +44,8 @@ Decision first_decision(const Risk& risk, const Verified& verified, Chip::First 
     mark(risk, verified, objects);
     const bool needsIssuer = amount_goes_online(risk, draw, objects) || risk.onExceptionList || verified.pinOnline
                              || wish == Chip::First::kOnline;
-    if (verified.failed || wish == Chip::First::kDeclined) return Decision::kDeclined;
-    if (!needsIssuer) return Decision::kApproved;
+    if (verified.failed || wish == Chip::First::kDeclined) { return Decision::kDeclined; }
+    if (!needsIssuer) { return Decision::kApproved; }
     return risk.canGoOnline ? Decision::kOnline : Decision::kDeclined;
 }
 

@@ -35,7 +35,7 @@ public:
 
     // Before the wait: what the chip in the reader comes to at once.
     std::optional<Answer> begin() {
-        if (device_.chip) return insert();
+        if (device_.chip) { return insert(); }
         const std::string& message = request_.message;
         const std::string own = request_.contactless ? "INSERT, SWIPE OR TAP THE CARD" : "INSERT OR SWIPE THE CARD";
         screen_.show({.text = message.empty() ? own : message});
@@ -49,24 +49,24 @@ public:
     }
 
     std::optional<Answer> on(const Event& event) {
-        if (menu_) return choose(event);
+        if (menu_) { return choose(event); }
         if (const auto* pressed = std::get_if<KeyPressed>(&event); pressed != nullptr && pressed->key == Key::kCancel) {
             return Answer{.status = Status::kCancel};
         }
-        if (const auto* swiped = std::get_if<CardSwiped>(&event)) return swipe(swiped->card);
-        if (std::holds_alternative<CardInserted>(event)) return insert();
-        if (const auto* tapped = std::get_if<CardTapped>(&event)) return tap(tapped->card);
+        if (const auto* swiped = std::get_if<CardSwiped>(&event)) { return swipe(swiped->card); }
+        if (std::holds_alternative<CardInserted>(event)) { return insert(); }
+        if (const auto* tapped = std::get_if<CardTapped>(&event)) { return tap(tapped->card); }
         return std::nullopt;
     }
 
 private:
     void tell(std::string text) {
-        if (waiting_) return notify_(text);
+        if (waiting_) { return notify_(text); }
         notice_ = std::move(text);
     }
 
     std::optional<Answer> swipe(const Card& card) {
-        if (!card.has_stripe()) return Answer{.status = Status::kMcdataerr};
+        if (!card.has_stripe()) { return Answer{.status = Status::kMcdataerr}; }
         const ChipReading last = std::exchange(device_.lastChipReading, ChipReading::kGood);
         if (card.prefers_chip() && last == ChipReading::kGood) {
             screen_.show({.text = "INSERT THE CHIP"});
@@ -80,13 +80,13 @@ private:
     std::optional<Answer> insert() {
         const Card& card = *device_.chip;
         const Status fault = card.chip ? card.chip->fault : Status::kDumbcard;
-        if (fault != Status::kOk) return chip_failed(fault);
+        if (fault != Status::kOk) { return chip_failed(fault); }
         const auto found = applications(card, kChipAbsence);
-        if (const auto* status = std::get_if<Status>(&found)) return chip_failed(*status);
+        if (const auto* status = std::get_if<Status>(&found)) { return chip_failed(*status); }
         candidates_ = std::get<std::vector<Application>>(found);
-        if (candidates_.size() == 1) return take_chip(candidates_.front());
+        if (candidates_.size() == 1) { return take_chip(candidates_.front()); }
         std::vector<std::string> labels;
-        for (const Application& each : candidates_) labels.push_back(each.label);
+        for (const Application& each : candidates_) { labels.push_back(each.label); }
         menu_.emplace(screen_, "CHOOSE", std::move(labels));
         tell("CHOOSE THE APPLICATION");
         return std::nullopt;
@@ -103,10 +103,10 @@ private:
 
     std::optional<Answer> choose(const Event& event) {
         const bool left = std::holds_alternative<CardRemoved>(event) || std::holds_alternative<CardInserted>(event);
-        if (left) return Answer{.status = Status::kNocard};
+        if (left) { return Answer{.status = Status::kNocard}; }
         const auto result = menu_->on(event);
-        if (!result) return std::nullopt;
-        if (result->status != Status::kOk) return Answer{.status = result->status};
+        if (!result) { return std::nullopt; }
+        if (result->status != Status::kOk) { return Answer{.status = result->status}; }
         return take_chip(candidates_[result->option - 1]);
     }
 
@@ -118,10 +118,10 @@ private:
 
     // Nobody can be asked while the card is held to the reader: the one that the card prefers is taken.
     std::optional<Answer> tap(const Card& card) {
-        if (!request_.contactless || !card.contactless) return std::nullopt;
-        if (card.contactless->fault != Status::kOk) return Answer{.status = card.contactless->fault};
+        if (!request_.contactless || !card.contactless) { return std::nullopt; }
+        if (card.contactless->fault != Status::kOk) { return Answer{.status = card.contactless->fault}; }
         const auto found = applications(card, kContactlessAbsence);
-        if (const auto* status = std::get_if<Status>(&found)) return Answer{.status = *status};
+        if (const auto* status = std::get_if<Status>(&found)) { return Answer{.status = *status}; }
         const CardType type = card.contactless->stripeData ? CardType::kContactlessStripe : CardType::kContactless;
         return take(type, Transaction::Interface::kContactless, card,
                     std::get<std::vector<Application>>(found).front());
@@ -132,11 +132,11 @@ private:
         std::vector<Application> found;
         std::ranges::copy_if(card.applications, std::back_inserter(found),
                              [&](const Application& each) { return request_.accepts(each); });
-        if (found.empty()) return absence.notThere;
+        if (found.empty()) { return absence.notThere; }
         std::erase_if(found, [&](const Application& each) {
             return !device_.tables.has_record(static_cast<int>(each.acquirer), each.record);
         });
-        if (found.empty()) return absence.noTable;
+        if (found.empty()) { return absence.noTable; }
         return found;
     }
 

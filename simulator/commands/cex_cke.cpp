@@ -34,18 +34,18 @@ struct Awaited {
 
 // The chip reader's state counts, not only its change.
 std::optional<Event> already(const Device& device, const Awaited& awaited) {
-    if (awaited.chip == Chip::kInsertion && device.chip) return CardInserted{*device.chip};
-    if (awaited.chip == Chip::kRemoval && !device.chip) return CardRemoved{};
+    if (awaited.chip == Chip::kInsertion && device.chip) { return CardInserted{*device.chip}; }
+    if (awaited.chip == Chip::kRemoval && !device.chip) { return CardRemoved{}; }
     return std::nullopt;
 }
 
 // `answer` makes the answer for an event that is awaited.
 template <typename MakeAnswer>
 Outcome await(Device& device, const Awaited& awaited, std::optional<std::chrono::seconds> limit, MakeAnswer answer) {
-    if (const auto event = already(device, awaited)) return std::visit(answer, *event);
+    if (const auto event = already(device, awaited)) { return std::visit(answer, *event); }
     return Wait{[&device, awaited, answer](const Event& event) -> std::optional<Answer> {
-                    if (!std::visit(awaited, event)) return std::nullopt;
-                    if (const auto* swiped = std::get_if<CardSwiped>(&event)) device.lastCard = swiped->card;
+                    if (!std::visit(awaited, event)) { return std::nullopt; }
+                    if (const auto* swiped = std::get_if<CardSwiped>(&event)) { device.lastCard = swiped->card; }
                     return std::visit(answer, event);
                 },
                 limit};
@@ -71,7 +71,7 @@ struct CexAnswer {
         std::vector<Param> params;
         for (const auto& [id, track] : {std::pair(pp::kTrk1Inc, &card.track1), std::pair(pp::kTrk2Inc, &card.track2),
                                         std::pair(pp::kTrk3Inc, &card.track3)}) {
-            if (!track->empty()) params.push_back({id, to_bytes(masked(*track, card.pan.size(), mask))});
+            if (!track->empty()) { params.push_back({id, to_bytes(masked(*track, card.pan.size(), mask))}); }
         }
         return event(kStripeEvent, std::move(params));
     }
@@ -119,7 +119,7 @@ struct CkeAnswer {
         const std::string track3 = track(swiped.card.track3);
         Writer fields;
         fields.n(kCkeStripe, 1).n(track1.size(), 2).a(track1, 76).n(track2.size(), 2).a(track2, key ? 40 : 37);
-        if (!key) fields.n(track3.size(), 3);
+        if (!key) { fields.n(track3.size(), 3); }
         return Answer::of(fields.a(track3, 104));
     }
 };
@@ -139,7 +139,7 @@ Outcome cke(Call& call) {
     awaited.keys = fields.n("CKE_KEY", 1, {0, 1}) == 1;
     awaited.stripe = fields.n("CKE_MAG", 1, {0, 1}) == 1;
     awaited.chip = static_cast<Chip>(fields.n("CKE_ICC", 1, {0, 2}));
-    if (fields.left() != 0) awaited.contactless = fields.n("CKE_CTLS", 1, {0, 1}) == 1;
+    if (fields.left() != 0) { awaited.contactless = fields.n("CKE_CTLS", 1, {0, 1}) == 1; }
     fields.end();
     return await(call.device, awaited, std::nullopt, CkeAnswer{&call.device});
 }

@@ -31,9 +31,11 @@ struct ChpRequest {
 void read_pin_fields(Reader& fields, ChpRequest& request) {
     static constexpr size_t kMessageWidth = 32;
     static constexpr std::string_view kFormats = "0129";
-    if (request.command.size() != kHeaderSize) throw LayoutError("CHP: CHP_CMDLEN: no header of four bytes");
+    if (request.command.size() != kHeaderSize) { throw LayoutError("CHP: CHP_CMDLEN: no header of four bytes"); }
     request.format = static_cast<char>(fields.b("CHP_PINFMT", 1).front());
-    if (kFormats.find(request.format) == std::string_view::npos) throw LayoutError("CHP: CHP_PINFMT: no such format");
+    if (kFormats.find(request.format) == std::string_view::npos) {
+        throw LayoutError("CHP: CHP_PINFMT: no such format");
+    }
     request.message = fields.s("CHP_MSG", kMessageWidth);
 }
 
@@ -46,7 +48,7 @@ ChpRequest chp_request(Call& call) {
     const bool commands = request.operation >= Operation::kExchange;
     const size_t size = fields.n("CHP_CMDLEN", 3, {0, commands ? kMaxCommand : 0});
     request.command = fields.h("CHP_CMD", 2 * size);
-    if (request.operation == Operation::kVerify) read_pin_fields(fields, request);
+    if (request.operation == Operation::kVerify) { read_pin_fields(fields, request); }
     fields.end();
     return request;
 }
@@ -55,14 +57,14 @@ ChpRequest chp_request(Call& call) {
 Answer output(ByteView data) { return Answer::of(Writer().n(data.size(), 3).h(data, 2 * data.size())); }
 
 Outcome power_on(Chip& chip) {
-    if (chip.fault != Status::kOk) return Answer{.status = chip.fault};
+    if (chip.fault != Status::kOk) { return Answer{.status = chip.fault}; }
     chip.powered = true;
     return output(chip.atr);
 }
 
 // Behind the header stand the length of the data and the data, and the length that is expected, each if any.
 Answer send_command(Chip& chip, ByteView command) {
-    if (command.size() < kHeaderSize) return output(from_hex("6700"));
+    if (command.size() < kHeaderSize) { return output(from_hex("6700")); }
     const ByteView body = command.subspan(kHeaderSize);
     const size_t length = body.size() > 1 ? body.front() : 0;
     if (body.size() > 1 && (length == 0 || body.size() < length + 1 || body.size() > length + 2)) {
@@ -75,7 +77,7 @@ Answer send_command(Chip& chip, ByteView command) {
 Bytes pin_data(char format, const std::string& pin) {
     static constexpr char kDigitsAlone = '9';
     static constexpr size_t kDigits = 16;
-    if (format != kDigitsAlone) return plain_pin_block(format, pin);
+    if (format != kDigitsAlone) { return plain_pin_block(format, pin); }
     std::string data = pin;
     data.resize(kDigits, 'F');
     return from_hex(data);
@@ -85,10 +87,12 @@ Bytes pin_data(char format, const std::string& pin) {
 Outcome verify(Call& call, const ChpRequest& request) {
     DigitEntry entry(call.screen, request.message, kFewestPinDigits, kMaxPinDigits, DigitEntry::Echo::kCount);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
-        if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) return Answer{.status = Status::kNocard};
+        if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) {
+            return Answer{.status = Status::kNocard};
+        }
         const auto typed = entry.on(event);
-        if (!typed) return std::nullopt;
-        if (typed->status != Status::kOk) return Answer{.status = typed->status};
+        if (!typed) { return std::nullopt; }
+        if (typed->status != Status::kOk) { return Answer{.status = typed->status}; }
         return output(
             chip_in(device, request.slot)->exchange(request.command, pin_data(request.format, typed->digits)));
     }};
@@ -99,14 +103,14 @@ Outcome verify(Call& call, const ChpRequest& request) {
 Outcome chp(Call& call) {
     const ChpRequest request = chp_request(call);
     Chip* const chip = chip_in(call.device, request.slot);
-    if (chip == nullptr) return Answer{.status = absence(request.slot)};
-    if (request.operation == Operation::kOn) return power_on(*chip);
+    if (chip == nullptr) { return Answer{.status = absence(request.slot)}; }
+    if (request.operation == Operation::kOn) { return power_on(*chip); }
     if (request.operation == Operation::kOff) {
         chip->powered = false;
         return Answer{.blocks = {Bytes()}};
     }
-    if (!chip->powered) return out_of_sequence(call, "CHP: a command to a chip without power");
-    if (request.operation == Operation::kExchange) return send_command(*chip, request.command);
+    if (!chip->powered) { return out_of_sequence(call, "CHP: a command to a chip without power"); }
+    if (request.operation == Operation::kExchange) { return send_command(*chip, request.command); }
     return verify(call, request);
 }
 

@@ -29,7 +29,7 @@ Answer clx(Call& call) {
                 content.media = media_name_in_s(value);
                 break;
             case spe::kDspMsg:
-                if (value.left() > kMaxDisplay) throw LayoutError("SPE_DSPMSG: more than 128 characters");
+                if (value.left() > kMaxDisplay) { throw LayoutError("SPE_DSPMSG: more than 128 characters"); }
                 content.text = value.s("text", value.left(), Cr::kAllowed);
                 break;
             default:

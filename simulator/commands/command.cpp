@@ -84,18 +84,18 @@ Answer failure(const Command& command, Journal& journal) {
 }  // namespace
 
 Answer Answer::of(std::span<const Param> params) {
-    if (params.empty()) return {};
+    if (params.empty()) { return {}; }
     std::vector<Writer> blocks(1);
     for (const Param& param : params) {
-        if (blocks.back().bytes().size() + kParamHead + param.data.size() > kMaxBlock) blocks.emplace_back();
+        if (blocks.back().bytes().size() + kParamHead + param.data.size() > kMaxBlock) { blocks.emplace_back(); }
         blocks.back().param(param);
     }
     const bool fit = blocks.size() <= kMaxBlocks && std::ranges::all_of(blocks, [](const Writer& block) {
                          return block.bytes().size() <= kMaxBlock;
                      });
-    if (!fit) return {.status = Status::kRspovrfl, .blocks = {}};
+    if (!fit) { return {.status = Status::kRspovrfl, .blocks = {}}; }
     Answer answer;
-    for (const Writer& block : blocks) answer.blocks.push_back(block.bytes());
+    for (const Writer& block : blocks) { answer.blocks.push_back(block.bytes()); }
     return answer;
 }
 
@@ -129,7 +129,7 @@ const Command* find_command(std::string_view id) noexcept {
 Bytes response_packet(std::string_view id, const Answer& answer) {
     Writer packet;
     packet.a(id, 3).n(static_cast<unsigned>(answer.status), 3);
-    for (const Bytes& block : answer.blocks) packet.n(block.size(), 3).b(block);
+    for (const Bytes& block : answer.blocks) { packet.n(block.size(), 3).b(block); }
     return packet.bytes();
 }
 

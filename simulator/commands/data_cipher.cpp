@@ -44,25 +44,25 @@ uint64_t number(uint16_t id, const Bytes& value) {
 const DataMethod& method_of(const Bytes& value) {
     const uint64_t wanted = number(spe::kMthdDat, value);
     const auto* found = std::ranges::find(kMethods, wanted, &DataMethod::number);
-    if (found == kMethods.end()) throw LayoutError(fmt::format("SPE_MTHDDAT: there is no method {:02}", wanted));
+    if (found == kMethods.end()) { throw LayoutError(fmt::format("SPE_MTHDDAT: there is no method {:02}", wanted)); }
     return *found;
 }
 
 }  // namespace
 
 bool DataCipher::take(const Param& param) {
-    if (std::ranges::find(kIds, param.id) == kIds.end()) return false;
-    if (!given_.try_emplace(param.id, param.data).second) throw out_of_place(command_, param.id);
+    if (std::ranges::find(kIds, param.id) == kIds.end()) { return false; }
+    if (!given_.try_emplace(param.id, param.data).second) { throw out_of_place(command_, param.id); }
     return true;
 }
 
 bool DataCipher::fits(uint16_t id) const {
-    if (method_ == nullptr) return false;
+    if (method_ == nullptr) { return false; }
     return needs(id) || (id == spe::kIvCbc && method_->chained);
 }
 
 bool DataCipher::needs(uint16_t id) const {
-    if (method_ == nullptr) return false;
+    if (method_ == nullptr) { return false; }
     switch (id) {
         case spe::kMthdDat:
             return true;
@@ -80,20 +80,20 @@ bool DataCipher::needs(uint16_t id) const {
 
 void DataCipher::require_size(uint16_t id, size_t smallest, size_t largest) const {
     const auto found = given_.find(id);
-    if (found == given_.end()) return;
+    if (found == given_.end()) { return; }
     const size_t size = found->second.size();
-    if (size < smallest || size > largest) throw LayoutError(fmt::format("{}: {} bytes", param_name(id), size));
+    if (size < smallest || size > largest) { throw LayoutError(fmt::format("{}: {} bytes", param_name(id), size)); }
 }
 
 void DataCipher::settle() {
-    if (const auto found = given_.find(spe::kMthdDat); found != given_.end()) method_ = &method_of(found->second);
+    if (const auto found = given_.find(spe::kMthdDat); found != given_.end()) { method_ = &method_of(found->second); }
     for (const uint16_t id : kIds) {
-        if (given_.contains(id) && !fits(id)) throw out_of_place(command_, id);
+        if (given_.contains(id) && !fits(id)) { throw out_of_place(command_, id); }
         if (!given_.contains(id) && needs(id)) {
             throw LayoutError(fmt::format("{}: {} is missing", command_, param_name(id)), Status::kMandat);
         }
     }
-    if (method_ == nullptr) return;
+    if (method_ == nullptr) { return; }
     require_size(spe::kWkEnc, key_size(method_->strength), key_size(method_->strength));
     require_size(spe::kIvCbc, kBlockSize, kBlockSize);
     require_size(spe::kPbkMod, kModulusSize, kModulusSize);
@@ -102,25 +102,25 @@ void DataCipher::settle() {
         keyIndex_ = static_cast<int>(number(spe::kKeyIdx, given_.at(spe::kKeyIdx)));
         return;
     }
-    if (given_.at(spe::kPbkMod).front() < kHighBit) throw LayoutError("SPE_PBKMOD: less than 2048 bits");
+    if (given_.at(spe::kPbkMod).front() < kHighBit) { throw LayoutError("SPE_PBKMOD: less than 2048 bits"); }
     randomKey_ = random_bytes(key_size(method_->strength));
 }
 
 std::optional<Enciphered> DataCipher::key(KeyStore& keys) const {
-    if (method_->source == kRandomKey) return Enciphered{randomKey_};
+    if (method_->source == kRandomKey) { return Enciphered{randomKey_}; }
     if (method_->source == kWorkingKey) {
         const auto key = keys.working(method_->strength, KeyUse::kData, keyIndex_, given_.at(spe::kWkEnc));
         return key ? std::optional(Enciphered{*key}) : std::nullopt;
     }
     const auto key = keys.next_dukpt(method_->strength, KeyUse::kData, keyIndex_);
-    if (!key) return std::nullopt;
+    if (!key) { return std::nullopt; }
     return Enciphered{key->key, Bytes(key->ksn.begin(), key->ksn.end())};
 }
 
 // Without a vector of the host's a chain begins with zeros.
 std::optional<Enciphered> DataCipher::encipher(KeyStore& keys, ByteView blocks) const {
     const auto with = key(keys);
-    if (!with) return std::nullopt;
+    if (!with) { return std::nullopt; }
     const auto given = given_.find(spe::kIvCbc);
     const Bytes vector = given != given_.end() ? given->second : Bytes(kBlockSize);
     return Enciphered{

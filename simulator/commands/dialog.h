@@ -33,7 +33,7 @@ protected:
 template <typename Talk, typename... Arguments>
 [[nodiscard]] Outcome hold(std::optional<std::chrono::seconds> limit, Arguments&&... arguments) {
     const auto talk = std::make_shared<Talk>(std::forward<Arguments>(arguments)...);
-    if (const auto atOnce = talk->begin()) return *atOnce;
+    if (const auto atOnce = talk->begin()) { return *atOnce; }
     return Wait{[talk](const Event& event) { return talk->on(event); }, limit, talk->wait()};
 }
 

@@ -18,7 +18,7 @@ Answer dmf(Call& call) {
     if (!std::ranges::all_of(names, [&](const std::string& name) { return media.has(name); })) {
         return {.status = Status::kMfnfound, .blocks = {}};
     }
-    for (const std::string& name : names) media.remove(name);
+    for (const std::string& name : names) { media.remove(name); }
     return {};
 }
 

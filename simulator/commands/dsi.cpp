@@ -12,7 +12,7 @@ namespace quorvel::sim::commands {
 Answer dsi(Call& call) {
     const Params params("DSI", call.request, {spe::kMfName});
     std::string name = params.get(spe::kMfName, media_name);
-    if (!call.device.media.has(name)) return {.status = Status::kMfnfound, .blocks = {}};
+    if (!call.device.media.has(name)) { return {.status = Status::kMfnfound, .blocks = {}}; }
     call.screen.show({.media = std::move(name)});
     return {};
 }

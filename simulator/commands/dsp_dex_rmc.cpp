@@ -38,9 +38,9 @@ Answer dex(Call& call) {
 // With no card in the reader there is nothing to wait for.
 Outcome rmc(Call& call) {
     call.screen.show(message(call, "RMC_MSG"));
-    if (!call.device.chip) return Answer{};
+    if (!call.device.chip) { return Answer{}; }
     return Wait{[](const Event& event) -> std::optional<Answer> {
-        if (std::holds_alternative<CardRemoved>(event)) return Answer{};
+        if (std::holds_alternative<CardRemoved>(event)) { return Answer{}; }
         return std::nullopt;
     }};
 }

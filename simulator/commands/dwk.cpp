@@ -21,8 +21,8 @@ Answer under_master_key(Device& device, Reader fields) {
     const Bytes enciphered = fields.h("DWK_WKENC", 2 * kKeySize);
     fields.end();
     auto key = device.keys.working(des ? KeyStrength::kDes : KeyStrength::kTdes, KeyUse::kData, index, enciphered);
-    if (!key) return {.status = Status::kErrkey, .blocks = {}};
-    if (des) key->resize(kBlockSize);
+    if (!key) { return {.status = Status::kErrkey, .blocks = {}}; }
+    if (des) { key->resize(kBlockSize); }
     device.drop_pan_key();
     device.panKey = std::move(key);
     return {};
@@ -48,7 +48,7 @@ Answer under_public_key(Device& device, Reader fields) {
     host.modulus = fields.h("DWK_MOD", 2 * kModulusSize);
     host.exponent = fields.h("DWK_EXP", 2 * kExponentSize);
     fields.end();
-    if (host.modulus.front() < kHighBit) throw LayoutError("DWK: DWK_MOD: less than 1024 bits");
+    if (host.modulus.front() < kHighBit) { throw LayoutError("DWK: DWK_MOD: less than 1024 bits"); }
     Bytes key = random_bytes(kKeySize);
     const Bytes cryptogram = rsa_raw(host, key_block(key));
     device.drop_pan_key();

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kMaxMessage = 128;
 
 void limit(const Reader& value, std::string_view name, size_t most) {
-    if (value.left() > most) throw LayoutError(fmt::format("{}: {} bytes, at most {}", name, value.left(), most));
+    if (value.left() > most) { throw LayoutError(fmt::format("{}: {} bytes, at most {}", name, value.left(), most)); }
 }
 
 Bytes amount(Reader& value) { return bcd(value.n("digits", kAmountDigits), kAmountDigits / 2); }
@@ -42,7 +42,7 @@ unsigned two_digits(Reader& value) { return static_cast<unsigned>(value.n("digit
 DataObjects transaction_objects(const Params& params) {
     DataObjects objects = params.find(spe::kEmvData, emv_data).value_or(DataObjects());
     const auto put = [&](Tag tag, std::optional<Bytes> value) {
-        if (value) objects[tag] = std::move(*value);
+        if (value) { objects[tag] = std::move(*value); }
     };
     put(tag::kAmount, params.find(spe::kAmount, amount));
     put(tag::kCashback, params.find(spe::kCashback, amount));
@@ -55,7 +55,7 @@ Answer with_emv_data(std::vector<Param> params, const DataObjects& objects,
                      const std::optional<std::vector<Tag>>& tags) {
     if (tags) {
         Bytes found = encode(objects, *tags);
-        if (found.size() > kMaxEmvData) return {.status = Status::kRspovrfl};
+        if (found.size() > kMaxEmvData) { return {.status = Status::kRspovrfl}; }
         params.push_back({pp::kEmvData, std::move(found)});
     }
     return Answer::of(params);

@@ -31,7 +31,7 @@ Request read(Reader fields) {
     request.strength = fields.n("ENB_METHOD", 1, {0, 1}) == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
     request.index = static_cast<int>(fields.n("ENB_KEYIDX", 2));
     request.workingKey = fields.h("ENB_WKENC", kWkEncDigits);
-    if (request.strength == KeyStrength::kDes) request.workingKey = des_key(request.workingKey);
+    if (request.strength == KeyStrength::kDes) { request.workingKey = des_key(request.workingKey); }
     request.data = fields.h("ENB_DATA", 2 * kBlockSize);
     fields.end();
     return request;
@@ -44,7 +44,7 @@ Answer enb(Call& call) {
     const Reader fields = only_block(call);
     const Request request = read(fields);
     const auto key = call.device.keys.working(request.strength, KeyUse::kData, request.index, request.workingKey);
-    if (!key) return {.status = Status::kErrkey, .blocks = {}};
+    if (!key) { return {.status = Status::kErrkey, .blocks = {}}; }
     const auto& panKey = call.device.panKey;
     const Bytes clear = panKey ? encipher(*panKey, request.data) : request.data;
     return Answer::of(Writer().h(encipher(*key, clear), 2 * kBlockSize));

@@ -26,11 +26,11 @@ FinishRequest finish_request(const Params& params) {
     FinishRequest request;
     request.responseCode = params.find(spe::kArc, [](Reader& value) { return response_code(value, "SPE_ARC"); });
     const bool answered = params.get(spe::kFcxOpt, issuer_answered);
-    if (answered && !request.responseCode) throw LayoutError("FCX: no SPE_ARC", Status::kMandat);
-    if (!answered && request.responseCode) throw out_of_place("FCX", spe::kArc);
+    if (answered && !request.responseCode) { throw LayoutError("FCX: no SPE_ARC", Status::kMandat); }
+    if (!answered && request.responseCode) { throw out_of_place("FCX", spe::kArc); }
     const auto data =
         params.find(spe::kEmvData, [](Reader& value) { return decode_list(value.b("objects", value.left())); });
-    if (data) request.issuerData = *data;
+    if (data) { request.issuerData = *data; }
     return request;
 }
 
@@ -42,11 +42,11 @@ Answer fcx(Call& call) {
     const FinishRequest request = finish_request(params);
     const auto tags = params.find(spe::kTagList, tag_list);
     static_cast<void>(params.timeout());
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FCX")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FCX")) { return *unfit; }
     const Finished finished = finish_chip(call.device, request);
     std::vector<Param> answer;
     answer.push_back({pp::kFcxRes, Writer().n(static_cast<unsigned>(finished.decision), 3).bytes()});
-    if (!finished.scriptResults.empty()) answer.push_back({pp::kIsResults, finished.scriptResults});
+    if (!finished.scriptResults.empty()) { answer.push_back({pp::kIsResults, finished.scriptResults}); }
     return with_emv_data(std::move(answer), finished.objects, tags);
 }
 

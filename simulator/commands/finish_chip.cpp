@@ -19,14 +19,14 @@ constexpr size_t kHeaderSize = 4;
 constexpr std::array<std::string_view, 3> kApprovals{"00", "10", "11"};
 
 Issuer issuer(const FinishRequest& request) {
-    if (!request.responseCode) return Issuer::kUnreachable;
+    if (!request.responseCode) { return Issuer::kUnreachable; }
     const bool approved = std::ranges::find(kApprovals, *request.responseCode) != kApprovals.end();
     return approved ? Issuer::kApproved : Issuer::kDeclined;
 }
 
 // An issuer's command has its data behind a length.
 bool obeys(Chip& chip, ByteView command) {
-    if (command.size() < kHeaderSize) return false;
+    if (command.size() < kHeaderSize) { return false; }
     const ByteView data = command.subspan(std::min(kHeaderSize + 1, command.size()));
     return chip.exchange(command.first(kHeaderSize), data) == from_hex("9000");
 }
@@ -41,8 +41,8 @@ Bytes run_script(Chip* chip, ByteView script) {
     size_t number = 0;
     uint8_t result = kSucceeded;
     for (const auto& [tag, value] : decode_list(script)) {
-        if (tag == tag::kScriptId && value.size() == kIdentifierSize) identifier = value;
-        if (tag != tag::kCommand || result != kSucceeded) continue;
+        if (tag == tag::kScriptId && value.size() == kIdentifierSize) { identifier = value; }
+        if (tag != tag::kCommand || result != kSucceeded) { continue; }
         ++number;
         if (chip == nullptr || !obeys(*chip, value)) {
             result = static_cast<uint8_t>(kFailed | std::min(number, kHighestNumber));
@@ -58,7 +58,7 @@ Bytes run_scripts(Chip* chip, const FinishRequest& request, DataObjects& objects
     static constexpr uint8_t kSucceeded = 0x20;
     Bytes results;
     for (const auto& [tag, value] : request.issuerData) {
-        if (tag != tag::kEarlyScript && tag != tag::kLateScript) continue;
+        if (tag != tag::kEarlyScript && tag != tag::kLateScript) { continue; }
         const Bytes result = run_script(chip, value);
         if (result.front() != kSucceeded) {
             set(objects,
@@ -89,7 +89,7 @@ Finished finish_chip(Device& device, const FinishRequest& request) {
     finished.decision = final_decision(issuer(request), chip != nullptr ? chip->second : Chip::Second::kAsAsked);
     const bool approved = finished.decision == FinalDecision::kApproved;
     objects[tag::kResponseCode] = to_bytes(request.responseCode.value_or(approved ? "Y3" : "Z3"));
-    if (!finished.scriptResults.empty()) objects[tag::kScriptResults] = finished.scriptResults;
+    if (!finished.scriptResults.empty()) { objects[tag::kScriptResults] = finished.scriptResults; }
     generate(objects, approved ? Cryptogram::kApproved : Cryptogram::kDeclined);
     transaction.stage = Transaction::Stage::kFinished;
     finished.objects = objects;

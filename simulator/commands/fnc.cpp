@@ -17,7 +17,7 @@ constexpr size_t kMaxScriptResults = 50;
 bool issuer_answered(Reader& fields) {
     static constexpr uint64_t kHighestFailure = 9;
     const uint64_t status = fields.n("FNC_COMMST", 1);
-    if (status > 1 && status != kHighestFailure) throw LayoutError("FNC: FNC_COMMST: no such status");
+    if (status > 1 && status != kHighestFailure) { throw LayoutError("FNC: FNC_COMMST: no such status"); }
     return status == 0;
 }
 
@@ -51,11 +51,11 @@ Answer fnc(Call& call) {
     const FinishRequest request = finish_request(fields);
     const std::vector<Tag> wanted = tags(call.request.block("CMD_LEN2"));
     call.request.end();
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FNC")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FNC")) { return *unfit; }
     const Finished finished = finish_chip(call.device, request);
     const Bytes found = encode(finished.objects, wanted);
     const Bytes& results = finished.scriptResults;
-    if (found.size() > kMaxEmvData || results.size() > kMaxScriptResults) return {.status = Status::kRspovrfl};
+    if (found.size() > kMaxEmvData || results.size() > kMaxScriptResults) { return {.status = Status::kRspovrfl}; }
     Writer answer;
     answer.n(static_cast<unsigned>(finished.decision), 1).n(found.size(), 3).h(found, 2 * found.size());
     return Answer::of(answer.n(results.size(), 2).h(results, 2 * results.size()).n(0, 3));

@@ -28,8 +28,8 @@ Outcome gcd(Call& call) {
     DigitEntry entry(call.screen, prompt(message), fewest, most, DigitEntry::Echo::kDigits);
     return Wait{[entry](const Event& event) mutable -> std::optional<Answer> {
                     const auto result = entry.on(event);
-                    if (!result) return std::nullopt;
-                    if (result->status != Status::kOk) return Answer{.status = result->status};
+                    if (!result) { return std::nullopt; }
+                    if (result->status != Status::kOk) { return Answer{.status = result->status}; }
                     const Param value{pp::kValue, to_bytes(result->digits)};
                     return Answer::of(std::span(&value, 1));
                 },

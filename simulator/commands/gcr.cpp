@@ -28,7 +28,7 @@ struct GcrRequest {
 
 Bytes three_numbers(Reader& fields, std::string_view field, std::array<Range, 3> ranges) {
     Bytes numbers;
-    for (const Range& range : ranges) append(numbers, bcd(fields.n(field, 2, range), 1));
+    for (const Range& range : ranges) { append(numbers, bcd(fields.n(field, 2, range), 1)); }
     return numbers;
 }
 
@@ -50,7 +50,7 @@ GcrRequest gcr_request(Reader& request) {
     request.end();
     read.card.acquirer = static_cast<unsigned>(fields.n("GCR_ACQIDXREQ", 2));
     const auto type = static_cast<unsigned>(fields.n("GCR_APPTYPREQ", 2));
-    if (type != 0 && type != kAnyType) read.card.types.insert(type);
+    if (type != 0 && type != kAnyType) { read.card.types.insert(type); }
     read.card.objects[tag::kAmount] = bcd(fields.n("GCR_AMOUNT", kAmountDigits), kAmountDigits / 2);
     read.card.objects[tag::kDate] = three_numbers(fields, "GCR_DATE", {{{0, kMaxYear}, {1, 12}, {1, 31}}});
     read.card.objects[tag::kTime] = three_numbers(fields, "GCR_TIME", {{{0, 23}, {0, 59}, {0, 59}}});
@@ -62,8 +62,8 @@ GcrRequest gcr_request(Reader& request) {
 
 // Whether there are tables at all shows when a card's record is looked for.
 Status tables_status(const Tables& tables, const GcrRequest& request) {
-    if (request.version.empty()) return Status::kOk;
-    if (tables.records().empty()) return Status::kTaberr;
+    if (request.version.empty()) { return Status::kOk; }
+    if (tables.records().empty()) { return Status::kTaberr; }
     return tables.version(static_cast<int>(request.card.acquirer)) == request.version ? Status::kOk
                                                                                       : Status::kTabverdif;
 }
@@ -76,7 +76,7 @@ Writer acquirer_fields(const CardRead& read) {
     static constexpr size_t kTextWidth = 16;
     static constexpr size_t kShortDataDigits = 10;
     Writer fields;
-    if (!read.application) return fields;
+    if (!read.application) { return fields; }
     const Bytes& aid = read.application->aid;
     if (read.application->acquirer == kFirstAcquirer) {
         fields.n(2 * aid.size(), 2).h(aid, kDataDigits).a(read.application->label, kTextWidth).a("", kTextWidth);
@@ -107,7 +107,7 @@ void write_tracks(Writer& fields, const Card& card, const std::optional<Bytes>& 
     const std::string pan = text(card.pan);
     fields.n(track1.size(), 2).a(track1, kTrack1Width);
     fields.n(track2.size(), 2).a(track2, key ? kProtectedTrack2Width : kTrack2Width);
-    if (!key) fields.n(track3.size(), 3);
+    if (!key) { fields.n(track3.size(), 3); }
     fields.a(track3, kTrack3Width).n(pan.size(), 2).a(pan, kPanWidth);
 }
 
@@ -140,11 +140,11 @@ Outcome read_for_gcr(Call& call, const CardRequest& request) {
 
 // Without fields it goes on with what was asked for before, now that the tables are there, or takes any card.
 Outcome gcr(Call& call) {
-    if (call.request.left() == 0) return read_for_gcr(call, call.device.cardRequest.value_or(CardRequest()));
+    if (call.request.left() == 0) { return read_for_gcr(call, call.device.cardRequest.value_or(CardRequest())); }
     const GcrRequest request = gcr_request(call.request);
     call.device.cardRequest = request.card;
     const Status status = tables_status(call.device.tables, request);
-    if (status != Status::kOk) return Answer{.status = status};
+    if (status != Status::kOk) { return Answer{.status = status}; }
     return read_for_gcr(call, request.card);
 }
 

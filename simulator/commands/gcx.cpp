@@ -67,7 +67,7 @@ void add_number(std::vector<Param>& params, uint16_t id, uint64_t number, size_t
 }
 
 void add_text(std::vector<Param>& params, uint16_t id, const std::string& text) {
-    if (!text.empty()) params.push_back({id, to_bytes(text)});
+    if (!text.empty()) { params.push_back({id, to_bytes(text)}); }
 }
 
 // Card number and tracks go out masked: GTK gives them whole, or enciphered.
@@ -95,7 +95,7 @@ Answer gcx_answer(const CardRead& read, const PanMask& mask, const std::optional
     add_number(params, pp::kCardType, static_cast<unsigned>(read.type), 2);
     add_number(params, pp::kIccStat, static_cast<unsigned>(read.lastChip), 1);
     add_card(params, read.card, mask);
-    if (read.application) add_application(params, *read.application, read.card);
+    if (read.application) { add_application(params, *read.application, read.card); }
     if (read.type == CardType::kContactless || read.type == CardType::kContactlessStripe) {
         add_number(params, pp::kDevType, kCardDevice, 2);
     }

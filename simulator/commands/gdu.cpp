@@ -14,7 +14,7 @@ Answer gdu(Call& call) {
     fields.end();
     const KeyStrength strength = method == kDesMethod ? KeyStrength::kDes : KeyStrength::kTdes;
     const auto ksn = call.device.keys.ksn(strength, KeyUse::kPin, index);
-    if (!ksn) return {.status = Status::kErrkey, .blocks = {}};
+    if (!ksn) { return {.status = Status::kErrkey, .blocks = {}}; }
     return Answer::of(Writer().h(*ksn, 2 * ksn->size()));
 }
 

@@ -12,7 +12,7 @@ Answer ged(Call& call) {
     const Params params("GED", call.request, {spe::kTagList});
     const std::vector<Tag> tags = params.get(spe::kTagList, tag_list);
     const auto& transaction = call.device.transaction;
-    if (!transaction) return out_of_sequence(call, "GED without a chip that was read");
+    if (!transaction) { return out_of_sequence(call, "GED without a chip that was read"); }
     return with_emv_data({}, transaction->objects, tags);
 }
 

@@ -49,10 +49,10 @@ constexpr size_t kMaxTagOutput = 256;
 Outcome read_tags(Call& call, Reader fields) {
     const std::vector<Tag> tags = tags_in(fields);
     const auto& card = call.device.lastCard;
-    if (!card || !card->chip) return refused(Status::kNocard);
+    if (!card || !card->chip) { return refused(Status::kNocard); }
     const auto& transaction = call.device.transaction;
     const Bytes found = encode(transaction ? transaction->objects : card->objects(), tags);
-    if (found.size() > kMaxTagOutput) return refused(Status::kRspovrfl);
+    if (found.size() > kMaxTagOutput) { return refused(Status::kRspovrfl); }
     return output(Writer().h(found, 2 * found.size()));
 }
 
@@ -69,7 +69,7 @@ Outcome encipher_data(Call& call, Reader fields) {
     const auto& panKey = call.device.panKey;
     const Bytes clear = panKey ? encipher(*panKey, input) : input;
     const auto key = call.device.keys.next_dukpt(KeyStrength::kTdes, KeyUse::kData, index);
-    if (!key) return refused(Status::kErrkey);
+    if (!key) { return refused(Status::kErrkey); }
     return output(Writer().h(key->ksn, 2 * key->ksn.size()).h(encipher(key->key, clear), 2 * clear.size()));
 }
 
@@ -84,8 +84,8 @@ Outcome power(Call& call, Reader fields) {
     const int slot = slot_in(fields);
     fields.end();
     Chip* const chip = chip_in(call.device, slot);
-    if (chip == nullptr && operation != Power::kQuery) return refused(absence(slot));
-    if (chip != nullptr && operation != Power::kQuery) chip->powered = operation != Power::kOff;
+    if (chip == nullptr && operation != Power::kQuery) { return refused(absence(slot)); }
+    if (chip != nullptr && operation != Power::kQuery) { chip->powered = operation != Power::kOff; }
     const bool powered = chip != nullptr && chip->powered;
     const Bytes atr = powered ? chip->atr : Bytes();
     return output(Writer().n(chip != nullptr ? 1 : 0, 1).n(powered ? 1 : 0, 1).n(atr.size(), 2).h(atr, 2 * kMaxAtr));
@@ -100,7 +100,7 @@ struct ApduResponse {
 };
 
 ApduResponse exchange(Chip& chip, ByteView header, ByteView data) {
-    if (!chip.powered) return {};
+    if (!chip.powered) { return {}; }
     const Bytes response = chip.exchange(header, data);
     const auto dataEnd = response.end() - 2;
     return {Exchange::kDone, {dataEnd, response.end()}, {response.begin(), dataEnd}};
@@ -109,8 +109,8 @@ ApduResponse exchange(Chip& chip, ByteView header, ByteView data) {
 // As a chip does it: less room than there are data gets none of them, but their number.
 void limit(ApduResponse& response, size_t expected) {
     static constexpr uint8_t kWrongLength = 0x6C;
-    if (expected == 0) response.data.clear();
-    if (response.data.size() <= expected) return;
+    if (expected == 0) { response.data.clear(); }
+    if (response.data.size() <= expected) { return; }
     response.statusWord = {kWrongLength, static_cast<uint8_t>(response.data.size())};
     response.data.clear();
 }
@@ -127,7 +127,7 @@ Outcome exchange_apdu(Call& call, Reader fields) {
     const size_t expected = fields.n("GEN0402_LE", 3, {0, kMaxExpected});
     fields.end();
     Chip* const chip = chip_in(call.device, slot);
-    if (chip == nullptr) return refused(absence(slot));
+    if (chip == nullptr) { return refused(absence(slot)); }
     ApduResponse response = exchange(*chip, header, data);
     limit(response, expected);
     return output(Writer()
@@ -164,7 +164,7 @@ PinRequest read_pin_request(Reader& fields) {
 
 Answer show_pin(Device& device, const PinRequest& request, const std::string& pin) {
     Chip* const chip = chip_in(device, request.slot);
-    if (chip == nullptr) return refused(absence(request.slot));
+    if (chip == nullptr) { return refused(absence(request.slot)); }
     const ApduResponse response = exchange(*chip, request.header, plain_pin_block(request.format, pin));
     return output(Writer().n(static_cast<unsigned>(response.status), 1).h(response.statusWord, 4));
 }
@@ -172,11 +172,11 @@ Answer show_pin(Device& device, const PinRequest& request, const std::string& pi
 // The PIN goes to the chip and nowhere else.
 Outcome verify_pin(Call& call, Reader fields) {
     const PinRequest request = read_pin_request(fields);
-    if (chip_in(call.device, request.slot) == nullptr) return refused(absence(request.slot));
+    if (chip_in(call.device, request.slot) == nullptr) { return refused(absence(request.slot)); }
     DigitEntry entry(call.screen, request.message, request.fewest, request.most, DigitEntry::Echo::kCount);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
         const auto result = entry.on(event);
-        if (!result) return std::nullopt;
+        if (!result) { return std::nullopt; }
         return result->status == Status::kOk ? show_pin(device, request, result->digits) : refused(result->status);
     }};
 }
@@ -189,9 +189,9 @@ Outcome read_slot_tags(Call& call, Reader fields) {
     }
     const std::vector<Tag> tags = tags_in(fields);
     const auto& card = call.device.chip;
-    if (!card || !card->chip) return refused(Status::kNocard);
+    if (!card || !card->chip) { return refused(Status::kNocard); }
     const Bytes found = encode(card->objects(), tags);
-    if (found.size() > kMaxTagOutput) return refused(Status::kRspovrfl);
+    if (found.size() > kMaxTagOutput) { return refused(Status::kRspovrfl); }
     return output(found.size(), Writer().h(found, 2 * found.size()));
 }
 
@@ -218,7 +218,7 @@ Outcome gen(Call& call) {
     const std::string id = fields.a("GEN_SUBCMD", 2);
     const auto* found = std::ranges::find_if(
         kSubCommands, [&](const SubCommand& known) { return known.group == group && known.id == id; });
-    if (found != kSubCommands.end()) return found->handle(call, fields);
+    if (found != kSubCommands.end()) { return found->handle(call, fields); }
     call.journal.record(Finding{Finding::Kind::kUnsupported, fmt::format("GEN: there is no {}/{}", group, id)});
     return refused(Status::kInvcall);
 }

@@ -8,7 +8,7 @@ namespace {
 
 template <size_t count>
 void write_texts(Writer& to, const std::array<std::string, count>& texts, const std::array<size_t, count>& widths) {
-    for (size_t i = 0; i < count; ++i) to.a(texts[i], widths[i]);
+    for (size_t i = 0; i < count; ++i) { to.a(texts[i], widths[i]); }
 }
 
 Writer pin_pad_itself(const Identity& identity) {

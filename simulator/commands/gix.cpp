@@ -65,7 +65,7 @@ static_assert(std::ranges::is_sorted(kItems, {}, &Item::id));
 
 std::optional<Bytes> ksn(const KeyStore& keys, KeyStrength strength, KeyUse use, int index) {
     const auto found = keys.ksn(strength, use, index);
-    if (!found) return std::nullopt;
+    if (!found) { return std::nullopt; }
     return Bytes(found->begin(), found->end());
 }
 
@@ -83,31 +83,33 @@ std::optional<Bytes> family_item(const Device& device, int family, int index) {
             return std::nullopt;
     }
     const std::optional<std::string> version = device.tables.version(index);
-    if (!version) return std::nullopt;
+    if (!version) { return std::nullopt; }
     return Writer().a(*version, 10).bytes();
 }
 
 // None for what the PIN pad does not have.
 std::optional<Bytes> item(const Device& device, uint16_t id) {
     const auto* found = std::ranges::lower_bound(kItems, id, {}, &Item::id);
-    if (found != kItems.end() && found->id == id) return to_bytes(found->text(device));
-    if (id == pp::kBigRand) return random_bytes(kBigRandSize);
-    if (id == pp::kTlrMem) return Writer().x(device.tableMemory, 4).bytes();
+    if (found != kItems.end() && found->id == id) { return to_bytes(found->text(device)); }
+    if (id == pp::kBigRand) { return random_bytes(kBigRandSize); }
+    if (id == pp::kTlrMem) { return Writer().x(device.tableMemory, 4).bytes(); }
     return family_item(device, id & 0xFF00, id & 0x00FF);
 }
 
 bool exists(uint16_t id) {
-    if (std::ranges::binary_search(kItems, id, {}, &Item::id) || id == pp::kBigRand || id == pp::kTlrMem) return true;
+    if (std::ranges::binary_search(kItems, id, {}, &Item::id) || id == pp::kBigRand || id == pp::kTlrMem) {
+        return true;
+    }
     return id >= pp::kKsnDesPin && (id & 0xFF00) <= pp::kTabVer && (id & 0x00FF) < pp::kFamilySize;
 }
 
 std::vector<uint16_t> requested(Reader& request) {
     std::vector<uint16_t> ids;
     for (const Param& param : request.params()) {
-        if (param.id != spe::kIdList || !ids.empty()) throw out_of_place("GIX", param.id);
+        if (param.id != spe::kIdList || !ids.empty()) { throw out_of_place("GIX", param.id); }
         Reader list("SPE_IDLIST", param.data);
-        if (list.left() == 0) throw LayoutError("SPE_IDLIST: no id");
-        while (list.left() != 0) ids.push_back(static_cast<uint16_t>(list.x("id", 2)));
+        if (list.left() == 0) { throw LayoutError("SPE_IDLIST: no id"); }
+        while (list.left() != 0) { ids.push_back(static_cast<uint16_t>(list.x("id", 2))); }
     }
     return ids;
 }
@@ -117,7 +119,7 @@ std::vector<uint16_t> requested(Reader& request) {
 // An item that the PIN pad does not have is left out of the answer. No list asks for all that describes the device.
 Answer gix(Call& call) {
     std::vector<uint16_t> ids = requested(call.request);
-    if (ids.empty()) std::ranges::transform(kItems, std::back_inserter(ids), &Item::id);
+    if (ids.empty()) { std::ranges::transform(kItems, std::back_inserter(ids), &Item::id); }
     std::vector<Param> found;
     for (const uint16_t id : ids) {
         if (!exists(id)) {

@@ -19,8 +19,9 @@ Outcome gky(Call& call) {
     call.request.end();
     return Wait{[](const Event& event) -> std::optional<Answer> {
         const auto* pressed = std::get_if<KeyPressed>(&event);
-        if (pressed == nullptr || std::ranges::find(kStatusKeys, pressed->key) == kStatusKeys.end())
+        if (pressed == nullptr || std::ranges::find(kStatusKeys, pressed->key) == kStatusKeys.end()) {
             return std::nullopt;
+        }
         return Answer{.status = static_cast<Status>(pressed->key)};
     }};
 }

@@ -27,9 +27,9 @@ unsigned draw() {
 
 // Which method, under which condition, and how it ended.
 Bytes verification_results(const Verified& verified) {
-    if (verified.pinOnline) return from_hex("420300");
-    if (verified.pinOffline) return from_hex("410302");
-    if (verified.failed) return from_hex("410301");
+    if (verified.pinOnline) { return from_hex("420300"); }
+    if (verified.pinOffline) { return from_hex("410302"); }
+    if (verified.failed) { return from_hex("410301"); }
     return from_hex(verified.signature ? "1E0300" : "1F0302");
 }
 
@@ -48,7 +48,7 @@ Cryptogram cryptogram(Decision decision) {
 class GoOnChip : public Dialog<GoRequest, GoAnswer> {
 public:
     GoOnChip(Call& call, GoRequest request, GoAnswer answer) : Dialog(call, std::move(request), std::move(answer)) {
-        for (auto& [tag, value] : request_.objects) transaction().objects.insert_or_assign(tag, std::move(value));
+        for (auto& [tag, value] : request_.objects) { transaction().objects.insert_or_assign(tag, std::move(value)); }
     }
 
     // Unless a PIN has to be waited for.
@@ -60,7 +60,7 @@ public:
                 verified_.signature = true;
                 return decide();
             case Verification::kOfflinePin:
-                if (chip().pinTries == 0) return pin_blocked();
+                if (chip().pinTries == 0) { return pin_blocked(); }
                 break;
             case Verification::kOnlinePin:
                 break;
@@ -72,10 +72,10 @@ public:
     static std::string wait() { return "ENTER THE PIN"; }
 
     std::optional<Answer> on(const Event& event) {
-        if (transaction().interrupted) return Answer{.status = Status::kNocard};
+        if (transaction().interrupted) { return Answer{.status = Status::kNocard}; }
         const auto typed = entry_->on(event);
-        if (!typed) return std::nullopt;
-        if (typed->status != Status::kOk) return Answer{.status = typed->status};
+        if (!typed) { return std::nullopt; }
+        if (typed->status != Status::kOk) { return Answer{.status = typed->status}; }
         return verification() == Verification::kOnlinePin ? take_online(typed->digits) : verify_offline(typed->digits);
     }
 
@@ -96,7 +96,7 @@ private:
 
     Answer take_online(const std::string& pin) {
         pin_ = encipher_pin(device_.keys, request_.key, transaction().card.pan, pin);
-        if (!pin_) return {.status = Status::kErrkey};
+        if (!pin_) { return {.status = Status::kErrkey}; }
         verified_.pinOnline = true;
         return decide();
     }
@@ -108,7 +108,7 @@ private:
             return decide();
         }
         ++verified_.pinErrors;
-        if (chip().pinTries == 0) return pin_blocked();
+        if (chip().pinTries == 0) { return pin_blocked(); }
         notify_(chip().pinTries == 1 ? "WRONG PIN, LAST TRY" : "WRONG PIN");
         ask();
         return std::nullopt;
@@ -142,11 +142,11 @@ private:
 
 std::optional<Answer> unfit_transaction(Call& call, Transaction::Stage stage, std::string_view command) {
     const auto& transaction = call.device.transaction;
-    if (!transaction) return out_of_sequence(call, fmt::format("{} without a chip that was read", command));
+    if (!transaction) { return out_of_sequence(call, fmt::format("{} without a chip that was read", command)); }
     if (transaction->stage != stage) {
         return out_of_sequence(call, fmt::format("{} at the wrong stage of the transaction", command));
     }
-    if (transaction->interrupted) return Answer{.status = Status::kNocard};
+    if (transaction->interrupted) { return Answer{.status = Status::kNocard}; }
     return std::nullopt;
 }
 

@@ -29,7 +29,7 @@ bool flag(Reader& fields, std::string_view field) { return fields.n(field, 1, {0
 
 uint64_t limit(Reader& fields, std::string_view field) {
     uint64_t value = 0;
-    for (const uint8_t byte : fields.h(field, kLimitDigits)) value = value << 8 | byte;
+    for (const uint8_t byte : fields.h(field, kLimitDigits)) { value = value << 8 | byte; }
     return value;
 }
 
@@ -44,8 +44,8 @@ PinKey pin_key(Reader& fields) {
     const Bytes field = fields.h("GOC_WKENC", kFieldDigits);
     const auto middle = field.begin() + kHalf;
     const bool filled = std::all_of(field.begin(), middle, [](uint8_t byte) { return byte == kFilling; });
-    if (key.method == 0) key.workingKey = filled ? Bytes(middle, field.end()) : Bytes(field.begin(), middle);
-    if (key.method == 1) key.workingKey = field;
+    if (key.method == 0) { key.workingKey = filled ? Bytes(middle, field.end()) : Bytes(field.begin(), middle); }
+    if (key.method == 1) { key.workingKey = field; }
     return key;
 }
 
@@ -68,8 +68,8 @@ size_t read_acquirer_fields(Reader& fields, unsigned acquirer, DataObjects& obje
     static constexpr size_t kSecondSize = 32;
     const size_t due = acquirer == 1 ? kFirstSize : acquirer == 2 ? kSecondSize : 0;
     fields.n("GOC_ACQPRLEN", 2, {due, due});
-    if (acquirer == 1) read_transaction_type(fields, objects);
-    if (acquirer == 2) static_cast<void>(fields.s("GOC_ACQPR", kSecondSize));
+    if (acquirer == 1) { read_transaction_type(fields, objects); }
+    if (acquirer == 2) { static_cast<void>(fields.s("GOC_ACQPR", kSecondSize)); }
     return due;
 }
 
@@ -97,7 +97,7 @@ GocRequest goc_request(Reader& request, unsigned acquirer) {
     read.go.key = pin_key(request);
     read_risk_management(request, risk);
     const size_t size = kDeclaredSize + read_acquirer_fields(request, acquirer, objects);
-    if (declared != size) throw LayoutError(fmt::format("GOC: CMD_LEN1: {} instead of {}", declared, size));
+    if (declared != size) { throw LayoutError(fmt::format("GOC: CMD_LEN1: {} instead of {}", declared, size)); }
     read.tags = read_tags(request, "CMD_LEN2", "GOC_TAGS1");
     read.pinTags = read_tags(request, "CMD_LEN3", "GOC_TAGS2");
     request.end();
@@ -111,9 +111,9 @@ void write_pin(Writer& fields, const std::optional<PinBlock>& pin) {
 }
 
 Answer goc_answer(const Gone& gone, std::vector<Tag> tags, const std::vector<Tag>& pinTags) {
-    if (gone.pin) tags.insert(tags.end(), pinTags.begin(), pinTags.end());
+    if (gone.pin) { tags.insert(tags.end(), pinTags.begin(), pinTags.end()); }
     const Bytes found = encode(gone.objects, tags);
-    if (found.size() > kMaxEmvData) return {.status = Status::kRspovrfl};
+    if (found.size() > kMaxEmvData) { return {.status = Status::kRspovrfl}; }
     const Verified& verified = gone.verified;
     Writer fields;
     fields.n(static_cast<unsigned>(gone.decision), 1).n(verified.signature ? 1 : 0, 1);
@@ -128,7 +128,7 @@ Answer goc_answer(const Gone& gone, std::vector<Tag> tags, const std::vector<Tag
 Outcome goc(Call& call) {
     const auto& transaction = call.device.transaction;
     const GocRequest request = goc_request(call.request, transaction ? transaction->application.acquirer : 0);
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOC")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOC")) { return *unfit; }
     return go_on_chip(
         call, request.go, std::nullopt,
         [tags = request.tags, pinTags = request.pinTags](const Gone& gone) { return goc_answer(gone, tags, pinTags); });

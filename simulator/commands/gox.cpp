@@ -26,8 +26,8 @@ PinKey pin_key(const Params& params) {
     key.index = static_cast<int>(params.get(spe::kKeyIdx, two_digits));
     const size_t size = kSizes.at(static_cast<size_t>(key.method));
     const auto workingKey = params.find(spe::kWkEnc, [](Reader& value) { return value.b("key", value.left()); });
-    if (workingKey && size == 0) throw out_of_place("GOX", spe::kWkEnc);
-    if (!workingKey && size != 0) throw LayoutError("GOX: no SPE_WKENC", Status::kMandat);
+    if (workingKey && size == 0) { throw out_of_place("GOX", spe::kWkEnc); }
+    if (!workingKey && size != 0) { throw LayoutError("GOX: no SPE_WKENC", Status::kMandat); }
     if (workingKey && workingKey->size() != size) {
         throw LayoutError(fmt::format("SPE_WKENC: {} bytes instead of {}", workingKey->size(), size));
     }
@@ -71,8 +71,10 @@ Answer gox_answer(const Gone& gone, const std::optional<std::vector<Tag>>& tags,
     result.n(verified.pinOffline ? 1 : 0, 1).n(static_cast<unsigned>(verified.pinErrors), 1);
     result.n(verified.pinBlocked ? 1 : 0, 1).n(verified.pinOnline ? 1 : 0, 1);
     params.push_back({pp::kGoxRes, result.bytes()});
-    if (gone.pin) params.push_back({pp::kPinBlk, gone.pin->block});
-    if (gone.pin && method >= kFirstDukpt) params.push_back({pp::kKsn, {gone.pin->ksn.begin(), gone.pin->ksn.end()}});
+    if (gone.pin) { params.push_back({pp::kPinBlk, gone.pin->block}); }
+    if (gone.pin && method >= kFirstDukpt) {
+        params.push_back({pp::kKsn, {gone.pin->ksn.begin(), gone.pin->ksn.end()}});
+    }
     return with_emv_data(std::move(params), gone.objects, tags);
 }
 
@@ -97,7 +99,7 @@ Outcome gox(Call& call) {
     static_cast<void>(params.get(spe::kAcqRef, two_digits));
     const auto tags = params.find(spe::kTagList, tag_list);
     const auto limit = params.timeout();
-    if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOX")) return *unfit;
+    if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOX")) { return *unfit; }
     const auto amount = request.objects.find(tag::kAmount);
     request.risk.amount = from_bcd(amount != request.objects.end() ? amount->second : known_amount(call.device));
     const int method = request.key.method;

@@ -54,7 +54,7 @@ std::string card_number(Reader& fields, const std::optional<Bytes>& panKey) {
     if (pan.size() != length) {
         throw LayoutError(fmt::format("GPN: GPN_PANLEN: {} for {} characters", length, pan.size()));
     }
-    if (panKey) pan = expose_pan(pan, *panKey);
+    if (panKey) { pan = expose_pan(pan, *panKey); }
     if (pan.size() == 1 || pan.find_first_not_of("0123456789") != std::string::npos) {
         throw LayoutError("GPN: GPN_PAN: no card number");
     }
@@ -92,11 +92,11 @@ public:
 
     std::optional<Answer> on(const Event& event) {
         const auto result = entry_.on(event);
-        if (!result) return std::nullopt;
-        if (result->status != Status::kOk) return Answer{.status = result->status};
-        if (at_ == 0) pin_ = result->digits;
+        if (!result) { return std::nullopt; }
+        if (result->status != Status::kOk) { return Answer{.status = result->status}; }
+        if (at_ == 0) { pin_ = result->digits; }
         at_ = result->digits == pin_ ? at_ + 1 : 0;
-        if (at_ == request_.prompts.size()) return finish();
+        if (at_ == request_.prompts.size()) { return finish(); }
         entry_ = ask();
         return std::nullopt;
     }
@@ -109,7 +109,7 @@ private:
 
     [[nodiscard]] Answer finish() const {
         const auto block = encipher_pin(device_.keys, request_.key, request_.pan, pin_);
-        if (!block) return {.status = Status::kErrkey};
+        if (!block) { return {.status = Status::kErrkey}; }
         return Answer::of(Writer().h(block->block, 2 * block->block.size()).h(block->ksn, 2 * block->ksn.size()));
     }
 

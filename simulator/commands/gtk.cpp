@@ -48,7 +48,9 @@ Bytes packed(std::string_view text) {
     Bytes bytes((text.size() + 1) / 2, 0x0F);
     for (size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
-        if (c < '0' || c > '?') throw std::invalid_argument(fmt::format("no character for a packed track at {}", i));
+        if (c < '0' || c > '?') {
+            throw std::invalid_argument(fmt::format("no character for a packed track at {}", i));
+        }
         const auto digit = static_cast<uint8_t>(c - '0');
         bytes[i / 2] = static_cast<uint8_t>(i % 2 == 0 ? (digit << 4) | 0x0F : (bytes[i / 2] & 0xF0) | digit);
     }
@@ -76,7 +78,7 @@ size_t open_digits(const Param& param) {
     Reader reader("SPE_OPNDIG", param.data);
     const size_t digits = reader.n("digits", 1, {0, 8});
     reader.end();
-    if (digits % 2 != 0) throw LayoutError("SPE_OPNDIG: an odd number");
+    if (digits % 2 != 0) { throw LayoutError("SPE_OPNDIG: an odd number"); }
     return digits;
 }
 
@@ -84,7 +86,7 @@ Request read(Reader& reader) {
     Request request;
     std::optional<size_t> openDigits;
     for (const Param& param : reader.params()) {
-        if (request.cipher.take(param)) continue;
+        if (request.cipher.take(param)) { continue; }
         if (param.id == spe::kTracks && request.wanted.empty()) {
             request.wanted = tracks(param);
         } else if (param.id == spe::kOpnDig && !openDigits) {
@@ -95,7 +97,7 @@ Request read(Reader& reader) {
     }
     request.cipher.settle();
     request.openDigits = openDigits.value_or(0);
-    if (request.wanted.empty()) throw LayoutError("GTK: SPE_TRACKS is missing", Status::kMandat);
+    if (request.wanted.empty()) { throw LayoutError("GTK: SPE_TRACKS is missing", Status::kMandat); }
     if (request.wanted.back() == '1' && request.cipher.method() == nullptr) {
         throw LayoutError("GTK: SPE_MTHDDAT is missing for the card number", Status::kMandat);
     }
@@ -110,12 +112,12 @@ bool add_item(std::vector<Param>& answer, const Item& item, const Card& card, co
         return true;
     }
     const auto enciphered = request.cipher.encipher(keys, whole_blocks(item.form, clear));
-    if (!enciphered) return false;
+    if (!enciphered) { return false; }
     const size_t open = item.openDigits ? request.openDigits : 0;
     Bytes value = in_form(item.form, std::string_view(card.pan).substr(0, open));
     append(value, enciphered->bytes);
     answer.push_back({item.id, std::move(value)});
-    if (enciphered->ksn) answer.push_back({item.ksnId, *enciphered->ksn});
+    if (enciphered->ksn) { answer.push_back({item.ksnId, *enciphered->ksn}); }
     return true;
 }
 
@@ -125,10 +127,10 @@ bool add_item(std::vector<Param>& answer, const Item& item, const Card& card, co
 Answer gtk(Call& call) {
     const Request request = read(call.request);
     const auto& card = call.device.lastCard;
-    if (!card) return {.status = Status::kNocard, .blocks = {}};
+    if (!card) { return {.status = Status::kNocard, .blocks = {}}; }
     std::vector<Param> answer;
     for (size_t i = 0; i < kItems.size(); ++i) {
-        if (request.wanted[i] != '1' || (*card.*kItems[i].text).empty()) continue;
+        if (request.wanted[i] != '1' || (*card.*kItems[i].text).empty()) { continue; }
         if (!add_item(answer, kItems[i], *card, request, call.device.keys)) {
             return {.status = Status::kErrkey, .blocks = {}};
         }

@@ -13,7 +13,7 @@ Answer gts(Call& call) {
     const auto acquirer = static_cast<int>(fields.n("GTS_ACQIDX", 2));
     fields.end();
     const std::optional<std::string> version = call.device.tables.version(acquirer);
-    if (!version) return {.status = Status::kTaberr, .blocks = {}};
+    if (!version) { return {.status = Status::kTaberr, .blocks = {}}; }
     return Answer::of(Writer().a(*version, kTableVersionWidth));
 }
 

@@ -63,12 +63,12 @@ inline Answer out_of_sequence(Call& call, std::string fault) {
 // What is loaded step by step: tables or a file.
 template <typename Load>
 [[nodiscard]] std::optional<Answer> unless_begun(Call& call, const Load& load, std::string_view command) {
-    if (load.loading()) return std::nullopt;
+    if (load.loading()) { return std::nullopt; }
     return out_of_sequence(call, std::string(command) + ": no load was begun");
 }
 template <typename Load>
 Answer end_load(Call& call, Load& load, std::string_view command) {
-    if (auto unfit = unless_begun(call, load, command)) return *std::move(unfit);
+    if (auto unfit = unless_begun(call, load, command)) { return *std::move(unfit); }
     call.request.end();
     load.end();
     return {};

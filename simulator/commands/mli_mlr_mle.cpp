@@ -45,10 +45,10 @@ Answer mli(Call& call) {
 }
 
 Answer mlr(Call& call) {
-    if (auto unfit = unless_begun(call, call.device.media, "MLR")) return *std::move(unfit);
+    if (auto unfit = unless_begun(call, call.device.media, "MLR")) { return *std::move(unfit); }
     const Params params("MLR", call.request, {spe::kDataIn});
     const Bytes block = params.get(spe::kDataIn, [](Reader& data) { return data.b("data", data.left()); });
-    if (block.empty()) throw LayoutError("MLR: no data");
+    if (block.empty()) { throw LayoutError("MLR: no data"); }
     call.device.media.add(block);
     return {};
 }

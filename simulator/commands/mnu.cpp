@@ -26,8 +26,8 @@ Outcome mnu(Call& call) {
     Menu menu(call.screen, title.value_or(""), std::move(options));
     return Wait{[menu](const Event& event) mutable -> std::optional<Answer> {
                     const auto result = menu.on(event);
-                    if (!result) return std::nullopt;
-                    if (result->status != Status::kOk) return Answer{.status = result->status};
+                    if (!result) { return std::nullopt; }
+                    if (result->status != Status::kOk) { return Answer{.status = result->status}; }
                     const Param value{pp::kValue, Writer().n(result->option, 2).bytes()};
                     return Answer::of(std::span(&value, 1));
                 },

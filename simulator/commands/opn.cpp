@@ -17,9 +17,9 @@ RsaPublicKey public_key(Reader fields) {
     fields.n("OPN_EXPLEN", 1, {kExponentSize, kExponentSize});
     key.exponent = fields.h("OPN_EXP", 2 * kExponentSize);
     fields.end();
-    if (key.modulus.front() < 0x80) throw LayoutError("OPN: OPN_MOD: less than 2048 bits");
+    if (key.modulus.front() < 0x80) { throw LayoutError("OPN: OPN_MOD: less than 2048 bits"); }
     for (const Bytes* number : {&key.modulus, &key.exponent}) {
-        if (number->back() % 2 == 0) throw LayoutError("OPN: an even number in the public key");
+        if (number->back() % 2 == 0) { throw LayoutError("OPN: an even number in the public key"); }
     }
     return key;
 }
@@ -28,7 +28,7 @@ RsaPublicKey public_key(Reader fields) {
 
 // With data it asks for an encrypted session. Without, one that is open goes on.
 Answer opn(Call& call) {
-    if (call.request.left() == 0) return {};
+    if (call.request.left() == 0) { return {}; }
     const Reader fields = only_block(call);
     return Answer::of(Writer().n(kModulusSize, 3).h(call.channel.open(public_key(fields)), 2 * kModulusSize));
 }

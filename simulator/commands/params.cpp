@@ -12,16 +12,16 @@ namespace quorvel::sim {
 Params::Params(std::string_view command, Reader& request, Ids once, Ids atMostOnce, std::initializer_list<Rule> others)
     : params_(request.params()) {
     std::vector<Rule> rules;
-    for (const uint16_t id : once) rules.push_back({id, 1, 1});
-    for (const uint16_t id : atMostOnce) rules.push_back({id, 0, 1});
+    for (const uint16_t id : once) { rules.push_back({id, 1, 1}); }
+    for (const uint16_t id : atMostOnce) { rules.push_back({id, 0, 1}); }
     rules.insert(rules.end(), others);
     for (const Param& param : params_) {
         const auto rule = std::ranges::find(rules, param.id, &Rule::id);
         const auto count = static_cast<size_t>(std::ranges::count(params_, param.id, &Param::id));
-        if (rule == rules.end() || count > rule->most) throw out_of_place(command, param.id);
+        if (rule == rules.end() || count > rule->most) { throw out_of_place(command, param.id); }
     }
     for (const Rule& rule : rules) {
-        if (static_cast<size_t>(std::ranges::count(params_, rule.id, &Param::id)) >= rule.fewest) continue;
+        if (static_cast<size_t>(std::ranges::count(params_, rule.id, &Param::id)) >= rule.fewest) { continue; }
         throw LayoutError(fmt::format("{}: no {}", command, param_name(rule.id)), Status::kMandat);
     }
 }

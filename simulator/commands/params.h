@@ -37,7 +37,7 @@ public:
     [[nodiscard]] auto all(uint16_t id, Read read) const {
         std::vector<std::invoke_result_t<Read, Reader&>> values;
         for (const Param& param : params_) {
-            if (param.id != id) continue;
+            if (param.id != id) { continue; }
             Reader reader(param_name(id), param.data);
             values.push_back(read(reader));
             reader.end();

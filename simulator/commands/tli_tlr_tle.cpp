@@ -28,7 +28,7 @@ void read_record(Reader& fields, size_t number, Tables::Records& batch) {
 
 Tables::Records read_records(Reader& fields, size_t count) try {
     Tables::Records batch;
-    for (size_t number = 1; number <= count; ++number) read_record(fields, number, batch);
+    for (size_t number = 1; number <= count; ++number) { read_record(fields, number, batch); }
     fields.end();
     return batch;
 } catch (const LayoutError& error) { throw LayoutError(error.what(), Status::kTaberr); }
@@ -45,7 +45,7 @@ Answer tli(Call& call) {
 }
 
 Answer tlr(Call& call) {
-    if (auto unfit = unless_begun(call, call.device.tables, "TLR")) return *std::move(unfit);
+    if (auto unfit = unless_begun(call, call.device.tables, "TLR")) { return *std::move(unfit); }
     Reader fields = only_block(call);
     const size_t count = fields.n("TLR_NREC", 2);
     call.device.tables.add(read_records(fields, count));

@@ -38,9 +38,9 @@ bool Client::is_over() const noexcept { return gone_ || (ended_ && !await_ && in
 void Client::read() {
     std::array<char, 4096> some{};
     const ssize_t count = ::recv(socket(), some.data(), some.size(), MSG_DONTWAIT);
-    if (count > 0) in_.append(some.data(), static_cast<size_t>(count));
-    if (count == 0) ended_ = true;
-    if (count < 0 && !is_transient(errno)) gone_ = true;
+    if (count > 0) { in_.append(some.data(), static_cast<size_t>(count)); }
+    if (count == 0) { ended_ = true; }
+    if (count < 0 && !is_transient(errno)) { gone_ = true; }
 }
 
 void Client::work() {
@@ -51,13 +51,13 @@ void Client::work() {
 bool Client::step() {
     if (await_) {
         const auto due = control_.answer(*await_);
-        if (!due) return false;
+        if (!due) { return false; }
         await_.reset();
         answer(*due);
         return true;
     }
     const auto line = next_line();
-    if (line && !line->empty()) answer(control_.perform_line(*line));
+    if (line && !line->empty()) { answer(control_.perform_line(*line)); }
     return line.has_value();
 }
 
@@ -66,14 +66,14 @@ std::optional<std::string> Client::next_line() {
     const size_t end = in_.find('\n');
     if (end == std::string::npos && in_.size() > kLongestLine) {
         in_.clear();
-        if (!std::exchange(skipping_, true)) answer(refusal(fmt::format("more than {} bytes", kLongestLine)));
+        if (!std::exchange(skipping_, true)) { answer(refusal(fmt::format("more than {} bytes", kLongestLine))); }
         return std::nullopt;
     }
-    if (end == std::string::npos && (!ended_ || in_.empty())) return std::nullopt;
+    if (end == std::string::npos && (!ended_ || in_.empty())) { return std::nullopt; }
     std::string line = in_.substr(0, end);
     in_.erase(0, end == std::string::npos ? end : end + 1);
-    if (std::exchange(skipping_, false)) line.clear();
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (std::exchange(skipping_, false)) { line.clear(); }
+    if (!line.empty() && line.back() == '\r') { line.pop_back(); }
     return line;
 }
 
@@ -90,7 +90,7 @@ void Client::answer(const Control::Outcome& outcome) {
 void Client::write() {
     while (!out_.empty()) {
         const ssize_t count = ::send(socket(), out_.data(), out_.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-        if (count < 0 && is_transient(errno)) return;
+        if (count < 0 && is_transient(errno)) { return; }
         // Whoever went without waiting for answers may still have left requests.
         out_.erase(0, count < 0 ? std::string::npos : static_cast<size_t>(count));
     }

@@ -32,7 +32,7 @@ Control::Outcome run(const Verb& verb, Control& control, Arguments& arguments) {
         (*plan)(arguments)(control.pin_pad());
         return done();
     }
-    if (const auto* wait = std::get_if<Verb::Wait>(&verb.run)) return (*wait)(control, arguments);
+    if (const auto* wait = std::get_if<Verb::Wait>(&verb.run)) { return (*wait)(control, arguments); }
     json answer = done();
     answer.update(std::get<Verb::Action>(verb.run)(control, arguments));
     return answer;
@@ -59,14 +59,14 @@ Control::Outcome Control::perform_line(std::string_view line) {
 std::optional<json> Control::answer(const Await& await) const {
     const State state = pinPad_.board().state();
     const bool waits = !state.waiting.empty() && (await.command.empty() || state.waiting == await.command);
-    if (waits || pinPad_.board().waits(await.command) > await.before) return done();
-    if (std::chrono::steady_clock::now() < await.deadline) return std::nullopt;
+    if (waits || pinPad_.board().waits(await.command) > await.before) { return done(); }
+    if (std::chrono::steady_clock::now() < await.deadline) { return std::nullopt; }
     return refusal(fmt::format("{} did not wait in time", await.command.empty() ? "a command" : await.command));
 }
 
 std::vector<std::string_view> Control::verbs() {
     std::vector<std::string_view> names;
-    for (const Verb& verb : all_verbs()) names.push_back(verb.name);
+    for (const Verb& verb : all_verbs()) { names.push_back(verb.name); }
     return names;
 }
 

@@ -41,8 +41,8 @@ int new_socket() { return ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_C
 
 void clear_way(const fs::path& path, const sockaddr_un& address) {
     const fs::file_status status = fs::symlink_status(path);
-    if (!fs::exists(status)) return;
-    if (!fs::is_socket(status)) throw std::runtime_error(fmt::format("{} is there and no socket", path.string()));
+    if (!fs::exists(status)) { return; }
+    if (!fs::is_socket(status)) { throw std::runtime_error(fmt::format("{} is there and no socket", path.string())); }
     const Descriptor probe(new_socket(), "socket");
     if (::connect(probe.get(), plain(address), sizeof address) == 0 || errno != ECONNREFUSED) {
         throw std::runtime_error(fmt::format("{} is in use", path.string()));
@@ -58,7 +58,7 @@ int listen_at(const fs::path& path) {
     if (listener < 0 || ::fchmod(listener, S_IRUSR | S_IWUSR) != 0
         || ::bind(listener, plain(address), sizeof address) != 0 || ::listen(listener, SOMAXCONN) != 0) {
         const int error = errno;
-        if (listener >= 0) ::close(listener);
+        if (listener >= 0) { ::close(listener); }
         throw std::system_error(error, std::generic_category(), path.string());
     }
     return listener;
@@ -66,7 +66,7 @@ int listen_at(const fs::path& path) {
 
 std::pair<dev_t, ino_t> file_at(const fs::path& path) {
     struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0) return {};
+    if (::lstat(path.c_str(), &status) != 0) { return {}; }
     return {status.st_dev, status.st_ino};
 }
 
@@ -84,16 +84,16 @@ ControlServer::~ControlServer() {
     wakeUp_.wake();
     thread_.join();
     std::error_code ignored;
-    if (file_at(path_) == file_) fs::remove(path_, ignored);
+    if (file_at(path_) == file_) { fs::remove(path_, ignored); }
 }
 
 void ControlServer::serve() {
     while (!stopping_) {
         std::vector<pollfd> polled{{wakeUp_.get(), POLLIN, 0}};
         polled.push_back({clients_.size() < kMostClients ? listener_.get() : -1, POLLIN, 0});
-        for (const Client& client : clients_) polled.push_back({client.socket(), client.events(), 0});
-        if (::poll(polled.data(), polled.size(), patience()) < 0) continue;
-        if (polled[0].revents != 0) wakeUp_.clear();
+        for (const Client& client : clients_) { polled.push_back({client.socket(), client.events(), 0}); }
+        if (::poll(polled.data(), polled.size(), patience()) < 0) { continue; }
+        if (polled[0].revents != 0) { wakeUp_.clear(); }
         auto at = polled.begin() + 2;
         for (Client& client : clients_) {
             const auto& [socket, events, revents] = *at++;
@@ -105,7 +105,7 @@ void ControlServer::serve() {
             client.work();
         }
         clients_.remove_if([](const Client& client) { return client.is_over(); });
-        if (polled[1].revents != 0) take_client();
+        if (polled[1].revents != 0) { take_client(); }
     }
 }
 
@@ -124,7 +124,7 @@ int ControlServer::patience() const {
     std::optional<milliseconds> least;
     for (const Client& client : clients_) {
         const auto deadline = client.deadline();
-        if (!deadline) continue;
+        if (!deadline) { continue; }
         const auto left = std::chrono::ceil<milliseconds>(*deadline - std::chrono::steady_clock::now());
         least = std::clamp(left, milliseconds::zero(), least.value_or(std::chrono::hours(1)));
     }

@@ -35,9 +35,9 @@ constexpr std::array kKeys{
 };
 
 Key key_of(const std::string& name) {
-    if (name.size() == 1 && is_digit(digit(name.front()))) return digit(name.front());
+    if (name.size() == 1 && is_digit(digit(name.front()))) { return digit(name.front()); }
     const auto* found = std::ranges::find(kKeys, name, &NamedKey::name);
-    if (found == kKeys.end()) throw RequestError(fmt::format("there is no key \"{}\"", name));
+    if (found == kKeys.end()) { throw RequestError(fmt::format("there is no key \"{}\"", name)); }
     return found->key;
 }
 
@@ -52,7 +52,7 @@ std::string utf8(std::string_view latin) {
     std::string text;
     for (const char character : latin) {
         const auto code = static_cast<unsigned char>(character);
-        if (code >= 0x80) text.push_back(static_cast<char>(0xC0 | (code >> 6)));
+        if (code >= 0x80) { text.push_back(static_cast<char>(0xC0 | (code >> 6))); }
         text.push_back(code >= 0x80 ? static_cast<char>(0x80 | (code & 0x3F)) : character);
     }
     return text;
@@ -91,7 +91,7 @@ void notify(Gestures& gestures, Arguments& arguments, const Cards&) {
 
 std::string command_of(Arguments& arguments) {
     const std::string command = arguments.text("command");
-    if (find_command(command) == nullptr) throw RequestError(fmt::format("there is no command \"{}\"", command));
+    if (find_command(command) == nullptr) { throw RequestError(fmt::format("there is no command \"{}\"", command)); }
     return command;
 }
 
@@ -99,13 +99,13 @@ json when(Control& control, Arguments& arguments) {
     const std::string command = command_of(arguments);
     const json& acts = arguments.list("acts");
     arguments.end();
-    if (acts.size() > kLongestPlan) throw RequestError(fmt::format("more than {} acts", kLongestPlan));
+    if (acts.size() > kLongestPlan) { throw RequestError(fmt::format("more than {} acts", kLongestPlan)); }
     Gestures gestures;
     for (const json& act : acts) {
         Arguments members(act);
         const std::string name = members.text("do");
         const auto* gesture = std::get_if<Verb::Gesture>(&find_verb(name).run);
-        if (gesture == nullptr) throw RequestError(fmt::format("\"{}\" is nothing that a cardholder does", name));
+        if (gesture == nullptr) { throw RequestError(fmt::format("\"{}\" is nothing that a cardholder does", name)); }
         (*gesture)(gestures, members, control.cards());
         members.end();
     }
@@ -134,12 +134,12 @@ Fault fault_of(Arguments& arguments) {
 
 json to_json(const Fault& fault) {
     json object{{"fault", fault.kind}};
-    if (!fault.command.empty()) object["command"] = fault.command;
-    if (fault.time != std::chrono::milliseconds::zero()) object["ms"] = fault.time.count();
-    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::kStatus) object["status"] = fault.status;
-    if (fault.every != 1) object["every"] = fault.every;
-    if (fault.chance < 1) object["chance"] = fault.chance;
-    if (fault.times) object["times"] = *fault.times;
+    if (!fault.command.empty()) { object["command"] = fault.command; }
+    if (fault.time != std::chrono::milliseconds::zero()) { object["ms"] = fault.time.count(); }
+    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::kStatus) { object["status"] = fault.status; }
+    if (fault.every != 1) { object["every"] = fault.every; }
+    if (fault.chance < 1) { object["chance"] = fault.chance; }
+    if (fault.times) { object["times"] = *fault.times; }
     return object;
 }
 
@@ -154,7 +154,7 @@ Verb::Deed inject(Arguments& arguments) {
 json faults(Control& control, Arguments& arguments) {
     arguments.end();
     json list = json::array();
-    for (const Fault& fault : control.pin_pad().faults()) list.push_back(to_json(fault));
+    for (const Fault& fault : control.pin_pad().faults()) { list.push_back(to_json(fault)); }
     return {{"faults", list}};
 }
 
@@ -191,7 +191,7 @@ json screen(Control& control, Arguments& arguments) {
     arguments.end();
     const Screen::Content content = control.pin_pad().screen();
     json menu = json::array();
-    for (const std::string& option : content.menu) menu.push_back(utf8(option));
+    for (const std::string& option : content.menu) { menu.push_back(utf8(option)); }
     return {{"text", utf8(content.text)},
             {"menu", menu},
             {"selected", content.selected},
@@ -266,7 +266,7 @@ std::span<const Verb> all_verbs() noexcept { return kVerbs; }
 
 const Verb& find_verb(std::string_view name) {
     const auto* found = std::ranges::find(kVerbs, name, &Verb::name);
-    if (found == kVerbs.end()) throw RequestError(fmt::format("there is no \"{}\"", name));
+    if (found == kVerbs.end()) { throw RequestError(fmt::format("there is no \"{}\"", name)); }
     return *found;
 }
 

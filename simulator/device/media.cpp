@@ -15,8 +15,8 @@ namespace {
 constexpr bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
 
 std::string valid(std::string name) {
-    if (name.empty()) throw LayoutError("SPE_MFNAME: no name");
-    if (std::ranges::any_of(name, is_lower)) throw LayoutError("SPE_MFNAME: a small letter");
+    if (name.empty()) { throw LayoutError("SPE_MFNAME: no name"); }
+    if (std::ranges::any_of(name, is_lower)) { throw LayoutError("SPE_MFNAME: a small letter"); }
     return name;
 }
 

@@ -36,7 +36,7 @@ public:
             const std::lock_guard lock(mutex_);
             content_ = std::move(content);
         }
-        if (changed_) changed_();
+        if (changed_) { changed_(); }
     }
 
     [[nodiscard]] Content content() const {

@@ -10,7 +10,7 @@ namespace quorvel::sim {
 
 // Slot 0 is the chip reader, the others hold security modules.
 [[nodiscard]] inline Chip* chip_in(Device& device, int slot) {
-    if (slot == 0) return device.chip && device.chip->chip ? &*device.chip->chip : nullptr;
+    if (slot == 0) { return device.chip && device.chip->chip ? &*device.chip->chip : nullptr; }
     const auto found = device.modules.find(slot);
     return found != device.modules.end() ? &found->second : nullptr;
 }

@@ -11,14 +11,14 @@
 namespace quorvel::sim {
 
 std::optional<std::string> Tables::version(int acquirer) const {
-    if (versions_.empty()) return std::nullopt;
+    if (versions_.empty()) { return std::nullopt; }
     const std::string& first = versions_.begin()->second;
     if (acquirer == kAllAcquirers) {
         const bool common = std::ranges::all_of(versions_, [&](const auto& entry) { return entry.second == first; });
         return common ? std::optional(first) : std::nullopt;
     }
     auto found = versions_.find(acquirer);
-    if (found == versions_.end()) found = versions_.find(kAllAcquirers);
+    if (found == versions_.end()) { found = versions_.find(kAllAcquirers); }
     return found != versions_.end() ? std::optional(found->second) : std::nullopt;
 }
 

@@ -49,7 +49,7 @@ std::vector<DisplayLine> display_lines(const Screen::Content& content, Size size
         lines.resize(std::min(lines.size(), size.rows / 2));
         std::ranges::move(menu_lines(content, {size.rows - lines.size(), size.columns}), std::back_inserter(lines));
     }
-    if (!content.media.empty()) lines.assign(1, centred(U'[' + from_latin1(content.media) + U']'));
+    if (!content.media.empty()) { lines.assign(1, centred(U'[' + from_latin1(content.media) + U']')); }
     lines.resize(std::min(lines.size(), content.typed.empty() ? size.rows : size.rows - 1));
     if (!content.typed.empty()) {
         // The end is what is being typed.

@@ -44,12 +44,12 @@ constexpr Face::Slot Face::kAntenna{[](const Card& card) { return card.contactle
 
 Face::Face(PinPad& pinPad, const Cards& cards, const Feed& feed)
     : pinPad_(pinPad), feed_(feed), textSize_(text_size(pinPad.device().identity.textSize)) {
-    for (const std::string& name : cards.names()) cards_.emplace_back(name, cards.at(name));
+    for (const std::string& name : cards.names()) { cards_.emplace_back(name, cards.at(name)); }
 }
 
 void Face::perform(const Deed& deed) {
     remark_.clear();
-    if (const auto* key = std::get_if<Key>(&deed)) return pinPad_.press(*key);
+    if (const auto* key = std::get_if<Key>(&deed)) { return pinPad_.press(*key); }
     move(std::get<Move>(deed));
 }
 
@@ -77,21 +77,21 @@ void Face::move(Move move) {
 }
 
 void Face::take(size_t index) {
-    if (!cards_.empty()) taken_ = index % cards_.size();
+    if (!cards_.empty()) { taken_ = index % cards_.size(); }
 }
 
 void Face::insert_or_take_out() {
-    if (!pinPad_.board().state().cardInserted) return use(kChipReader);
+    if (!pinPad_.board().state().cardInserted) { return use(kChipReader); }
     remark_ = "card taken out";
     pinPad_.remove();
 }
 
 void Face::use(const Slot& slot) {
-    if (cards_.empty()) return;
+    if (cards_.empty()) { return; }
     const auto& [name, card] = cards_[taken_];
     const bool fits = slot.takes(card);
     remark_ = fmt::format("{} {}", name, fits ? slot.done : slot.refused);
-    if (fits) (pinPad_.*slot.use)(card);
+    if (fits) { (pinPad_.*slot.use)(card); }
 }
 
 // Back at the newest entry it follows the newest again.
@@ -104,7 +104,7 @@ void Face::scroll(int64_t entries) {
 // By its number, as it may be another hand that has inserted it.
 std::string Face::inserted() const {
     const State state = pinPad_.board().state();
-    if (!state.cardInserted) return "";
+    if (!state.cardInserted) { return ""; }
     const auto is_it = [&](const auto& card) { return card.second.chip && card.second.pan == state.cardNumber; };
     const auto found = std::ranges::find_if(cards_, is_it);
     return found != cards_.end() ? found->first : "a card without a name";
@@ -124,7 +124,7 @@ View Face::view(size_t rows) const {
               .scrolled = end_.has_value(),
               .findings = feed_.findings(kShownFindings),
               .findingCount = feed_.finding_count()};
-    for (const auto& [name, card] : cards_) view.cards.push_back(shown(name, card));
+    for (const auto& [name, card] : cards_) { view.cards.push_back(shown(name, card)); }
     return view;
 }
 

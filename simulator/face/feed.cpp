@@ -17,13 +17,13 @@ constexpr size_t kKeptFindings = 100;
 template <typename Item>
 void keep(std::deque<Item>& items, Item item, size_t most) {
     items.push_back(std::move(item));
-    if (items.size() > most) items.pop_front();
+    if (items.size() > most) { items.pop_front(); }
 }
 
 template <typename... Arguments, typename More>
 void listen_too(std::function<void(Arguments...)>& listener, More more) {
     listener = [first = std::move(listener), more](Arguments... arguments) {
-        if (first) first(arguments...);
+        if (first) { first(arguments...); }
         more(arguments...);
     };
 }
@@ -65,7 +65,7 @@ uint64_t Feed::end() const {
 
 std::vector<Feed::Entry> Feed::before(uint64_t end, size_t most) const {
     const std::lock_guard lock(mutex_);
-    if (entries_.empty()) return {};
+    if (entries_.empty()) { return {}; }
     // Whoever asks for what is forgotten gets the oldest one that is not.
     const uint64_t newer = std::min<uint64_t>(end_ - std::min(end, end_), entries_.size() - 1);
     const auto last = entries_.end() - static_cast<std::ptrdiff_t>(newer);

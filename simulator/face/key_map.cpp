@@ -61,7 +61,7 @@ constexpr std::array kBindings{
 std::span<const Binding> key_map() noexcept { return kBindings; }
 
 std::optional<Deed> deed_of(int code) noexcept {
-    if (code >= 'A' && code <= 'Z') code += 'a' - 'A';
+    if (code >= 'A' && code <= 'Z') { code += 'a' - 'A'; }
     const auto* found = std::ranges::find(kBindings, code, &Binding::code);
     return found != kBindings.end() ? std::optional(found->deed) : std::nullopt;
 }

@@ -29,7 +29,7 @@ void bar(Canvas& canvas, const View& view) {
     const size_t columns = canvas.size().columns;
     canvas.fill({0, 0, {1, columns}}, Style::kBar);
     canvas.write(0, 1, columns - 1, from_utf8(fmt::format("quorvel-sim  {}", view.port)), Style::kBar);
-    if (view.remark.empty()) return;
+    if (view.remark.empty()) { return; }
     const std::u32string remark = U' ' + from_utf8(view.remark) + U' ';
     canvas.write(0, columns - std::min(columns, remark.size()), columns, remark, Style::kRemark);
 }
@@ -38,7 +38,7 @@ void display(Canvas& canvas, const View& view, size_t row, size_t column) {
     canvas.fill({row, column, view.textSize}, Style::kDisplay);
     for (const DisplayLine& line : display_lines(view.screen, view.textSize)) {
         const Style style = line.chosen ? Style::kDisplayChosen : Style::kDisplay;
-        if (line.chosen) canvas.fill({row, column, {1, view.textSize.columns}}, style);
+        if (line.chosen) { canvas.fill({row, column, {1, view.textSize.columns}}, style); }
         canvas.write(row++, column, view.textSize.columns, line.text, style);
     }
 }
@@ -101,7 +101,7 @@ void card_line(Canvas& canvas, const View& view, size_t index, const Area& line)
 void cards(Canvas& canvas, const View& view, const Area& area) {
     canvas.box(area, U"Cards");
     const Area inner = area.inner();
-    if (inner.size.rows == 0) return;
+    if (inner.size.rows == 0) { return; }
     canvas.write(inner.row, inner.column + 1, inner.size.columns - 1,
                  from_utf8(fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted)),
                  view.inserted.empty() ? Style::kPlain : Style::kHeading);
@@ -162,7 +162,7 @@ size_t finding_rows(const View& view) {
 }
 
 void findings(Canvas& canvas, const View& view, const Area& area) {
-    if (area.size.rows == 0) return;
+    if (area.size.rows == 0) { return; }
     canvas.box(area, from_utf8(fmt::format("Findings: {}", view.findingCount)));
     const Area inner = area.inner();
     const size_t count = std::min(view.findings.size(), inner.size.rows);
@@ -198,14 +198,14 @@ void paint_narrow(Canvas& canvas, const View& view) {
                                     "card: " + card, fmt::format("findings: {}", view.findingCount)}) {
         canvas.write(row++, 0, columns, from_utf8(text), Style::kPlain);
     }
-    if (row + 2 < rows) trace(canvas, view, {row, 0, {rows - row, columns}});
+    if (row + 2 < rows) { trace(canvas, view, {row, 0, {rows - row, columns}}); }
 }
 
 }  // namespace
 
 Canvas paint(const View& view, Size size) {
     Canvas canvas(size);
-    if (size.rows == 0 || size.columns == 0) return canvas;
+    if (size.rows == 0 || size.columns == 0) { return canvas; }
     bar(canvas, view);
     const bool hasRoom = size.rows >= kRoomy.rows + view.textSize.rows - 4
                          && size.columns >= kRoomy.columns + view.textSize.columns - 16;

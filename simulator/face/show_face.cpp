@@ -27,12 +27,14 @@ public:
     explicit NoticeSignals(const WakeUp& wakeUp) {
         ended = resized = false;
         woken = &wakeUp;
-        for (const int signal : kEnds) handle(signal, [](int) { notice(ended); });
+        for (const int signal : kEnds) {
+            handle(signal, [](int) { notice(ended); });
+        }
         handle(SIGWINCH, [](int) { notice(resized); });
     }
     // The program ends now, and a second signal must not keep it from leaving the terminal as it was.
     ~NoticeSignals() {
-        for (const int signal : kEnds) handle(signal, SIG_IGN);
+        for (const int signal : kEnds) { handle(signal, SIG_IGN); }
         handle(SIGWINCH, SIG_IGN);
     }
     NoticeSignals(const NoticeSignals&) = delete;
@@ -56,7 +58,7 @@ private:
 // False when the terminal has gone.
 bool wait(const Terminal& terminal, const WakeUp& wakeUp) {
     std::array<pollfd, 2> polled{pollfd{terminal.input(), POLLIN, 0}, pollfd{wakeUp.get(), POLLIN, 0}};
-    if (::poll(polled.data(), polled.size(), -1) < 0 && errno != EINTR) fail_call("poll");
+    if (::poll(polled.data(), polled.size(), -1) < 0 && errno != EINTR) { fail_call("poll"); }
     wakeUp.clear();
     return (polled[0].revents & (POLLHUP | POLLERR | POLLNVAL)) == 0;
 }
@@ -81,13 +83,13 @@ public:
     // Throws what run() has thrown.
     void end() {
         join();
-        if (failure_) std::rethrow_exception(failure_);
+        if (failure_) { std::rethrow_exception(failure_); }
     }
 
 private:
     void join() {
         pinPad_.request_stop();
-        if (thread_.joinable()) thread_.join();
+        if (thread_.joinable()) { thread_.join(); }
     }
 
     PinPad& pinPad_;
@@ -106,11 +108,11 @@ void show_face(PinPad& pinPad, const Cards& cards, const Feed& feed, const std::
     ready();
     bool there = true;
     while (there && !ended && !face.is_over() && !playing.is_over()) {
-        if (resized.exchange(false)) terminal.resize();
+        if (resized.exchange(false)) { terminal.resize(); }
         terminal.draw(paint(face.view(terminal.size().rows), terminal.size()));
         there = wait(terminal, feed.wake_up());
         while (const auto key = terminal.key()) {
-            if (const auto deed = deed_of(*key)) face.perform(*deed);
+            if (const auto deed = deed_of(*key)) { face.perform(*deed); }
         }
     }
     playing.end();

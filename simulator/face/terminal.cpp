@@ -80,10 +80,10 @@ wchar_t printable(char32_t character) {
 
 Terminal::Terminal() {
     const int descriptor = ::open("/dev/tty", O_RDWR | O_CLOEXEC);
-    if (descriptor >= 0) file_.reset(::fdopen(descriptor, "r+"));
-    if (!file_) throw std::runtime_error("there is no terminal to show a face in");
+    if (descriptor >= 0) { file_.reset(::fdopen(descriptor, "r+")); }
+    if (!file_) { throw std::runtime_error("there is no terminal to show a face in"); }
     std::setlocale(LC_CTYPE, "");
-    if (moves_cursor(descriptor)) screen_.reset(::newterm(nullptr, file_.get(), file_.get()));
+    if (moves_cursor(descriptor)) { screen_.reset(::newterm(nullptr, file_.get(), file_.get())); }
     if (!screen_) {
         throw std::runtime_error("the terminal cannot show a face: TERM names none that moves its cursor");
     }
@@ -109,7 +109,7 @@ void Terminal::choose_looks() {
     for (const Colours& colour : kColours) {
         const auto index = static_cast<size_t>(colour.style);
         const auto pair = static_cast<short>(index + 1);
-        if (coloured) ::init_pair(pair, colour.foreground, colour.background);
+        if (coloured) { ::init_pair(pair, colour.foreground, colour.background); }
         looks_.at(index) = coloured ? Look{colour.coloured, pair} : Look{colour.plain, 0};
     }
 }
@@ -120,7 +120,7 @@ Size Terminal::size() const {
 
 void Terminal::resize() {
     winsize window{};
-    if (::ioctl(input(), TIOCGWINSZ, &window) != 0 || window.ws_row == 0 || window.ws_col == 0) return;
+    if (::ioctl(input(), TIOCGWINSZ, &window) != 0 || window.ws_row == 0 || window.ws_col == 0) { return; }
     ::resizeterm(window.ws_row, window.ws_col);
     // Terminals keep of the old picture what they like.
     ::clearok(::stdscr, true);
@@ -143,10 +143,10 @@ void Terminal::draw(const Canvas& canvas) {
 // What ncurses knows no key for comes as escape and the rest; to the PIN pad that would be "cancel" and digits.
 std::optional<int> Terminal::key() {
     const int code = ::getch();
-    if (code == ERR) return std::nullopt;
-    if (code != kEscape) return code;
+    if (code == ERR) { return std::nullopt; }
+    if (code != kEscape) { return code; }
     bool alone = true;
-    while (::getch() != ERR) alone = false;
+    while (::getch() != ERR) { alone = false; }
     return alone ? kEscape : static_cast<int>(KEY_CODE_YES);
 }
 

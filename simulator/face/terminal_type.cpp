@@ -10,7 +10,7 @@ namespace quorvel::sim {
 
 bool moves_cursor(int descriptor) {
     int error = 0;
-    if (::setupterm(nullptr, descriptor, &error) != OK) return false;
+    if (::setupterm(nullptr, descriptor, &error) != OK) { return false; }
     const bool moves = ::tigetstr("cup") != nullptr;
     ::del_curterm(::cur_term);
     return moves;

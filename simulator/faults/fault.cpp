@@ -79,7 +79,7 @@ constexpr std::array kKinds{
 };
 
 void require(bool holds, std::string_view what) {
-    if (!holds) throw std::invalid_argument(std::string(what));
+    if (!holds) { throw std::invalid_argument(std::string(what)); }
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ std::vector<Fault> FaultPlan::faults() const {
 std::optional<Fault> FaultPlan::strike(const Message& message) {
     const std::lock_guard lock(mutex_);
     for (Entry& entry : entries_) {
-        if (!strikes(entry, message)) continue;
+        if (!strikes(entry, message)) { continue; }
         Fault struck = entry.fault;
         auto& times = entry.fault.times;
         if (times && --*times == 0) {
@@ -41,9 +41,9 @@ std::optional<Fault> FaultPlan::strike(const Message& message) {
 
 bool FaultPlan::strikes(Entry& entry, const Message& message) {
     const Fault& fault = entry.fault;
-    if (!fault.command.empty() && fault.command != message.command) return false;
-    if (!concerns(*entry.kind, message)) return false;
-    if (++entry.occasions % fault.every != 0) return false;
+    if (!fault.command.empty() && fault.command != message.command) { return false; }
+    if (!concerns(*entry.kind, message)) { return false; }
+    if (++entry.occasions % fault.every != 0) { return false; }
     // Not std::bernoulli_distribution, which draws otherwise in each library: a seed means the same everywhere.
     return fault.chance >= 1 || static_cast<double>(random_()) < fault.chance * 0x1p32;
 }

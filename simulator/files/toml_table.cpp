@@ -37,9 +37,9 @@ void TomlTable::blame(std::string_view key, const std::function<void()>& read) c
 
 std::string TomlTable::text(std::string_view key) {
     const toml::node* const node = this->node(key);
-    if (node == nullptr) return {};
+    if (node == nullptr) { return {}; }
     const auto value = node->value<std::string>();
-    if (!value) refuse(key, "no text");
+    if (!value) { refuse(key, "no text"); }
     return *value;
 }
 
@@ -50,21 +50,21 @@ Bytes TomlTable::hex(std::string_view key) {
 }
 
 std::string TomlTable::required_text(std::string_view key) {
-    if (!table_->contains(key)) refuse(key, "is missing");
+    if (!table_->contains(key)) { refuse(key, "is missing"); }
     return text(key);
 }
 
 Bytes TomlTable::required_hex(std::string_view key) {
-    if (!table_->contains(key)) refuse(key, "is missing");
+    if (!table_->contains(key)) { refuse(key, "is missing"); }
     return hex(key);
 }
 
 int64_t TomlTable::number(std::string_view key, int64_t lowest, int64_t highest, std::optional<int64_t> absent) {
     const toml::node* const node = this->node(key);
-    if (node == nullptr && absent) return *absent;
-    if (node == nullptr) refuse(key, "is missing");
+    if (node == nullptr && absent) { return *absent; }
+    if (node == nullptr) { refuse(key, "is missing"); }
     const auto value = node->value_exact<int64_t>();
-    if (!value) refuse(key, "no whole number");
+    if (!value) { refuse(key, "no whole number"); }
     if (*value < lowest || *value > highest) {
         refuse(key, fmt::format("{} is not from {} to {}", *value, lowest, highest));
     }
@@ -73,46 +73,46 @@ int64_t TomlTable::number(std::string_view key, int64_t lowest, int64_t highest,
 
 bool TomlTable::flag(std::string_view key) {
     const toml::node* const node = this->node(key);
-    if (node == nullptr) return false;
-    if (!node->is_boolean()) refuse(key, "neither true nor false");
+    if (node == nullptr) { return false; }
+    if (!node->is_boolean()) { refuse(key, "neither true nor false"); }
     return node->as_boolean()->get();
 }
 
 std::vector<std::string> TomlTable::texts(std::string_view key) {
     const toml::node* const node = this->node(key);
-    if (node == nullptr) return {};
-    if (node->is_string()) return {text(key)};
-    if (!node->is_array() || !node->as_array()->is_homogeneous<std::string>()) refuse(key, "no list of texts");
+    if (node == nullptr) { return {}; }
+    if (node->is_string()) { return {text(key)}; }
+    if (!node->is_array() || !node->as_array()->is_homogeneous<std::string>()) { refuse(key, "no list of texts"); }
     std::vector<std::string> texts;
-    for (const toml::node& each : *node->as_array()) texts.push_back(each.as_string()->get());
+    for (const toml::node& each : *node->as_array()) { texts.push_back(each.as_string()->get()); }
     return texts;
 }
 
 std::optional<TomlTable> TomlTable::table(std::string_view key) {
     const toml::node* const node = this->node(key);
-    if (node == nullptr) return std::nullopt;
-    if (!node->is_table()) refuse(key, "no table");
+    if (node == nullptr) { return std::nullopt; }
+    if (!node->is_table()) { refuse(key, "no table"); }
     return TomlTable(*node->as_table(), below(key));
 }
 
 std::vector<TomlTable> TomlTable::tables(std::string_view key) {
     const toml::node* const node = this->node(key);
     std::vector<TomlTable> tables;
-    if (node == nullptr) return tables;
-    if (!node->is_array() || !node->as_array()->is_homogeneous<toml::table>()) refuse(key, "no list of tables");
-    for (const toml::node& table : *node->as_array()) tables.emplace_back(*table.as_table(), below(key));
+    if (node == nullptr) { return tables; }
+    if (!node->is_array() || !node->as_array()->is_homogeneous<toml::table>()) { refuse(key, "no list of tables"); }
+    for (const toml::node& table : *node->as_array()) { tables.emplace_back(*table.as_table(), below(key)); }
     return tables;
 }
 
 std::vector<std::string> TomlTable::keys() const {
     std::vector<std::string> keys;
-    for (const auto& [key, node] : *table_) keys.emplace_back(key.str());
+    for (const auto& [key, node] : *table_) { keys.emplace_back(key.str()); }
     return keys;
 }
 
 void TomlTable::end() const {
     for (const auto& [key, node] : *table_) {
-        if (!taken_.contains(key.str())) refuse(key.str(), "there is no such key");
+        if (!taken_.contains(key.str())) { refuse(key.str(), "there is no such key"); }
     }
 }
 
@@ -128,7 +128,7 @@ std::string text_of_file(const std::string& path) {
     std::ifstream file(path);
     std::ostringstream text;
     text << file.rdbuf();
-    if (!file || !text) throw std::runtime_error(path + " cannot be read");
+    if (!file || !text) { throw std::runtime_error(path + " cannot be read"); }
     return text.str();
 }
 

@@ -48,10 +48,10 @@ public:
     template <typename Value, size_t Count>
     [[nodiscard]] Value choice(std::string_view key,
                                const std::array<std::pair<std::string_view, Value>, Count>& among) {
-        if (!table_->contains(key)) return among.front().second;
+        if (!table_->contains(key)) { return among.front().second; }
         const std::string chosen = text(key);
         for (const auto& [name, value] : among) {
-            if (name == chosen) return value;
+            if (name == chosen) { return value; }
         }
         refuse(key, "\"" + chosen + "\" is none of its values");
     }

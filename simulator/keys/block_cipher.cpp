@@ -18,7 +18,7 @@ struct Release {
 };
 
 void require(bool done, const char* call) {
-    if (!done) throw std::runtime_error(fmt::format("libcrypto: {} failed", call));
+    if (!done) { throw std::runtime_error(fmt::format("libcrypto: {} failed", call)); }
 }
 
 // libcrypto keeps DES itself in a provider that not every machine loads; with twice the same key triple DES is DES.
@@ -27,12 +27,14 @@ Bytes two_keys(ByteView key) {
         throw std::invalid_argument(fmt::format("a key of {} bytes", key.size()));
     }
     Bytes pair(key.begin(), key.end());
-    if (pair.size() == kBlockSize) append(pair, key);
+    if (pair.size() == kBlockSize) { append(pair, key); }
     return pair;
 }
 
 Bytes run(const EVP_CIPHER* cipher, ByteView key, ByteView blocks, ByteView vector, bool forward) {
-    if (blocks.size() % kBlockSize != 0) throw std::invalid_argument(fmt::format("{} bytes to cipher", blocks.size()));
+    if (blocks.size() % kBlockSize != 0) {
+        throw std::invalid_argument(fmt::format("{} bytes to cipher", blocks.size()));
+    }
     const Bytes pair = two_keys(key);
     const std::unique_ptr<EVP_CIPHER_CTX, Release> context(EVP_CIPHER_CTX_new());
     const uint8_t* const start = vector.empty() ? nullptr : vector.data();
@@ -52,7 +54,9 @@ Bytes run(const EVP_CIPHER* cipher, ByteView key, ByteView blocks, ByteView vect
 Bytes encipher(ByteView key, ByteView blocks) { return run(EVP_des_ede_ecb(), key, blocks, {}, true); }
 
 Bytes encipher(ByteView key, ByteView blocks, ByteView vector) {
-    if (vector.size() != kBlockSize) throw std::invalid_argument(fmt::format("a vector of {} bytes", vector.size()));
+    if (vector.size() != kBlockSize) {
+        throw std::invalid_argument(fmt::format("a vector of {} bytes", vector.size()));
+    }
     return run(EVP_des_ede_cbc(), key, blocks, vector, true);
 }
 
@@ -60,7 +64,7 @@ Bytes decipher(ByteView key, ByteView blocks) { return run(EVP_des_ede_ecb(), ke
 
 Bytes masked(ByteView bytes, ByteView mask) {
     Bytes result(bytes.begin(), bytes.end());
-    for (size_t i = 0; i < result.size(); ++i) result[i] ^= mask[i % mask.size()];
+    for (size_t i = 0; i < result.size(); ++i) { result[i] ^= mask[i % mask.size()]; }
     return result;
 }
 

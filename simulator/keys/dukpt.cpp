@@ -44,7 +44,7 @@ Bytes one_way(ByteView leftKey, ByteView rightKey, ByteView reg) {
 // In the DES form both halves are the whole key, and there is nothing before the right half.
 Bytes descend(ByteView key, ByteView reg) {
     Bytes rightHalf = one_way(left(key), right(key), reg);
-    if (key.size() == kBlockSize) return rightHalf;
+    if (key.size() == kBlockSize) { return rightHalf; }
     const Bytes maskedKey = masked(key, kLeftHalfMask);
     Bytes next = one_way(left(maskedKey), right(maskedKey), reg);
     append(next, rightHalf);
@@ -54,7 +54,9 @@ Bytes descend(ByteView key, ByteView reg) {
 }  // namespace
 
 Bytes initial_key(ByteView baseKey, const Ksn& ksn) {
-    if (baseKey.size() != 2 * kBlockSize) throw std::invalid_argument("a base derivation key that is not of 16 bytes");
+    if (baseKey.size() != 2 * kBlockSize) {
+        throw std::invalid_argument("a base derivation key that is not of 16 bytes");
+    }
     const Ksn start = with_counter(ksn, 0);
     const ByteView device = ByteView(start).first(kBlockSize);
     Bytes key = encipher(baseKey, device);
@@ -64,8 +66,8 @@ Bytes initial_key(ByteView baseKey, const Ksn& ksn) {
 
 std::optional<Ksn> next(const Ksn& ksn) {
     uint32_t value = counter(ksn) + 1;
-    while (std::popcount(value) > kMaxOnes) value += value & -value;
-    if (value > kCounterMask) return std::nullopt;
+    while (std::popcount(value) > kMaxOnes) { value += value & -value; }
+    if (value > kCounterMask) { return std::nullopt; }
     return with_counter(ksn, value);
 }
 
@@ -74,7 +76,7 @@ Bytes transaction_key(ByteView initialKey, const Ksn& ksn) {
     Bytes key(initialKey.begin(), initialKey.end());
     uint32_t reached = 0;
     for (uint32_t bit = 1U << (kCounterBits - 1); bit != 0; bit >>= 1) {
-        if ((counter(ksn) & bit) == 0) continue;
+        if ((counter(ksn) & bit) == 0) { continue; }
         reached |= bit;
         const Ksn step = with_counter(ksn, reached);
         key = descend(key, ByteView(step).last(kBlockSize));

@@ -28,7 +28,7 @@ struct Place {
 };
 
 Place place(TomlTable& table) {
-    for (const std::string_view key : {"strength", "use"}) static_cast<void>(table.required_text(key));
+    for (const std::string_view key : {"strength", "use"}) { static_cast<void>(table.required_text(key)); }
     return {table.choice("strength", kStrengths), table.choice("use", kUses),
             static_cast<int>(table.number("index", 0, kLastIndex, std::nullopt))};
 }
@@ -36,8 +36,9 @@ Place place(TomlTable& table) {
 Ksn ksn_of(TomlTable& table) {
     const Bytes bytes = table.required_hex("ksn");
     Ksn ksn{};
-    if (bytes.size() != ksn.size())
+    if (bytes.size() != ksn.size()) {
         table.refuse("ksn", fmt::format("{} bytes instead of {}", bytes.size(), ksn.size()));
+    }
     std::ranges::copy(bytes, ksn.begin());
     return ksn;
 }
@@ -55,8 +56,8 @@ void add_dukpt(KeyStore& store, TomlTable& table) {
     const std::string_view name = derived ? "base_key" : "initial_key";
     Bytes key = table.required_hex(name);
     table.blame(name, [&] {
-        if (derived) key = dukpt::initial_key(key, ksn);
-        if (derived && at.strength == KeyStrength::kDes) key.resize(kBlockSize);
+        if (derived) { key = dukpt::initial_key(key, ksn); }
+        if (derived && at.strength == KeyStrength::kDes) { key.resize(kBlockSize); }
         store.set_dukpt(at.strength, at.use, at.index, std::move(key), ksn);
     });
 }

@@ -22,7 +22,7 @@ constexpr Ksn kFirstKsn{0xFF, 0xFF, 0x98, 0x76, 0x54, 0x32, 0x10, 0xE0, 0x00, 0x
 constexpr size_t key_size(KeyStrength strength) { return (strength == KeyStrength::kDes ? 1 : 2) * kBlockSize; }
 
 void require_room(KeyStrength strength, int index, const Bytes& key) {
-    if (index < 0 || index >= kSlotCount) throw std::invalid_argument(fmt::format("index {}", index));
+    if (index < 0 || index >= kSlotCount) { throw std::invalid_argument(fmt::format("index {}", index)); }
     if (key.size() != key_size(strength)) {
         throw std::invalid_argument(fmt::format("a key of {} bytes instead of {}", key.size(), key_size(strength)));
     }
@@ -32,7 +32,7 @@ template <typename Value>
 std::optional<Value> find(const std::map<std::tuple<KeyStrength, KeyUse, int>, Value>& values, KeyStrength strength,
                           KeyUse use, int index) {
     const auto found = values.find({strength, use, index});
-    if (found == values.end()) return std::nullopt;
+    if (found == values.end()) { return std::nullopt; }
     return found->second;
 }
 
@@ -41,7 +41,7 @@ std::string digits(const std::map<std::tuple<KeyStrength, KeyUse, int>, Value>& 
                    KeyUse use) {
     std::string text(kSlotCount, '0');
     for (int i = 0; i < kSlotCount; ++i) {
-        if (values.contains({strength, use, i})) text[static_cast<size_t>(i)] = '1';
+        if (values.contains({strength, use, i})) { text[static_cast<size_t>(i)] = '1'; }
     }
     return text;
 }
@@ -54,7 +54,7 @@ std::optional<Bytes> KeyStore::master(KeyStrength strength, KeyUse use, int inde
 
 std::optional<Bytes> KeyStore::working(KeyStrength strength, KeyUse use, int index, ByteView enciphered) const {
     const auto key = master(strength, use, index);
-    if (!key) return std::nullopt;
+    if (!key) { return std::nullopt; }
     return decipher(*key, enciphered);
 }
 
@@ -65,10 +65,10 @@ void KeyStore::set_master(KeyStrength strength, KeyUse use, int index, Bytes key
 
 std::optional<DukptKey> KeyStore::next_dukpt(KeyStrength strength, KeyUse use, int index) {
     const auto found = dukpt_.find({strength, use, index});
-    if (found == dukpt_.end()) return std::nullopt;
+    if (found == dukpt_.end()) { return std::nullopt; }
     DukptKey& stored = found->second;
     const auto ksn = dukpt::next(stored.ksn);
-    if (!ksn) return std::nullopt;
+    if (!ksn) { return std::nullopt; }
     stored.ksn = *ksn;
     const Bytes key = dukpt::transaction_key(stored.key, *ksn);
     return DukptKey{use == KeyUse::kPin ? dukpt::pin_key(key) : dukpt::data_key(key), *ksn};
@@ -76,7 +76,7 @@ std::optional<DukptKey> KeyStore::next_dukpt(KeyStrength strength, KeyUse use, i
 
 std::optional<Ksn> KeyStore::ksn(KeyStrength strength, KeyUse use, int index) const {
     const auto found = find(dukpt_, strength, use, index);
-    if (!found) return std::nullopt;
+    if (!found) { return std::nullopt; }
     return found->ksn;
 }
 

@@ -35,7 +35,7 @@ std::string protect_pan(std::string_view text, ByteView key) {
     const size_t start = std::min(text.find_first_of(kPanCharacters), end);
     const std::string_view pan = text.substr(start, end - start);
     const bool readable = consists_of(text.substr(0, start), kHexDigits) && consists_of(pan, kPanCharacters);
-    if (pan.size() < kShortestPan || !readable) return std::string(text);
+    if (pan.size() < kShortestPan || !readable) { return std::string(text); }
     std::string digits(pan);
     std::ranges::replace(digits, ' ', kBlankDigit);
     digits.resize(std::max(digits.size(), kBlockDigits), kFilling);
@@ -45,7 +45,7 @@ std::string protect_pan(std::string_view text, ByteView key) {
 }
 
 std::string expose_pan(std::string_view pan, ByteView key) {
-    if (pan.size() < kBlockDigits || !consists_of(pan, kHexDigits)) return std::string(pan);
+    if (pan.size() < kBlockDigits || !consists_of(pan, kHexDigits)) { return std::string(pan); }
     const size_t before = pan.size() - kBlockDigits;
     std::string clear = std::string(pan.substr(0, before)) + enciphered(pan.substr(before), key);
     clear.erase(clear.find_last_not_of(kFilling) + 1);

@@ -41,11 +41,11 @@ std::optional<PinBlock> encipher_pin(KeyStore& keys, const PinKey& key, std::str
     const Bytes block = pin_block(pin, pan);
     if (key.method >= kFirstDukpt) {
         const auto transaction = keys.next_dukpt(strength, KeyUse::kPin, key.index);
-        if (!transaction) return std::nullopt;
+        if (!transaction) { return std::nullopt; }
         return PinBlock{encipher(transaction->key, block), transaction->ksn};
     }
     const auto working = keys.working(strength, KeyUse::kPin, key.index, key.workingKey);
-    if (!working) return std::nullopt;
+    if (!working) { return std::nullopt; }
     return PinBlock{encipher(*working, block)};
 }
 

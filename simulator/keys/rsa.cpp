@@ -25,7 +25,7 @@ using BigNumber = std::unique_ptr<BIGNUM, Releaser<BN_clear_free>>;
 using BigNumberContext = std::unique_ptr<BN_CTX, Releaser<BN_CTX_free>>;
 
 void require(bool done, const char* call) {
-    if (!done) throw std::runtime_error(fmt::format("libcrypto: {} failed", call));
+    if (!done) { throw std::runtime_error(fmt::format("libcrypto: {} failed", call)); }
 }
 
 BigNumber big_number(ByteView bytes) {
@@ -61,7 +61,7 @@ Bytes rsa_padded(const RsaPublicKey& key, ByteView message) {
     block.reserve(key.modulus.size());
     Bytes filling = random_bytes(key.modulus.size() - message.size() - 3);
     for (uint8_t& byte : filling) {
-        while (byte == 0) byte = random_bytes(1).front();
+        while (byte == 0) { byte = random_bytes(1).front(); }
     }
     append(block, filling);
     block.push_back(0x00);

@@ -25,11 +25,11 @@ constexpr size_t kHeadSize = 2 + 2;
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
 
 void require(bool done, std::string_view call) {
-    if (!done) throw std::runtime_error(fmt::format("libcrypto: {} failed", call));
+    if (!done) { throw std::runtime_error(fmt::format("libcrypto: {} failed", call)); }
 }
 
 void wipe(std::optional<SessionKey>& key) noexcept {
-    if (key) OPENSSL_cleanse(key->data(), key->size());
+    if (key) { OPENSSL_cleanse(key->data(), key->size()); }
     key.reset();
 }
 
@@ -61,7 +61,7 @@ SecureChannel::~SecureChannel() {
 Bytes SecureChannel::open(const RsaPublicKey& hostKey) {
     close();
     key_ = fixedKey_ ? *fixedKey_ : SessionKey{};
-    if (!fixedKey_) require(RAND_bytes(key_->data(), static_cast<int>(key_->size())) == 1, "RAND_bytes");
+    if (!fixedKey_) { require(RAND_bytes(key_->data(), static_cast<int>(key_->size())) == 1, "RAND_bytes"); }
     return rsa_padded(hostKey, *key_);
 }
 
@@ -82,8 +82,9 @@ Bytes SecureChannel::unseal(ByteView content) const {
     Reader reader("content", plain);
     const size_t length = reader.x("DATALEN", 2);
     const uint32_t crc = reader.x("DATACRC", 2);
-    if (length > reader.left())
+    if (length > reader.left()) {
         throw SealError(fmt::format("DATALEN is {}, {} bytes are there", length, reader.left()));
+    }
     Bytes packet = reader.b("data", length);
     const Bytes padding = reader.b("padding", reader.left());
     if (crc16(packet) != crc) {

@@ -21,9 +21,9 @@ constexpr int kPatienceMs = 1000;
 // Before any client sets the line up for itself it must neither echo nor translate.
 void make_raw(int slave) {
     termios settings{};
-    if (tcgetattr(slave, &settings) != 0) fail_call("tcgetattr");
+    if (tcgetattr(slave, &settings) != 0) { fail_call("tcgetattr"); }
     cfmakeraw(&settings);
-    if (tcsetattr(slave, TCSANOW, &settings) != 0) fail_call("tcsetattr");
+    if (tcsetattr(slave, TCSANOW, &settings) != 0) { fail_call("tcsetattr"); }
 }
 
 }  // namespace
@@ -33,9 +33,9 @@ Line::Terminal::Terminal(bool watched)
       path(slave_path(master)),
       slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
     make_raw(slave.get());
-    if (!watched) return;
+    if (!watched) { return; }
     closes.emplace(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "inotify_init1");
-    if (::inotify_add_watch(closes->get(), path.c_str(), IN_CLOSE) < 0) fail_call("inotify_add_watch");
+    if (::inotify_add_watch(closes->get(), path.c_str(), IN_CLOSE) < 0) { fail_call("inotify_add_watch"); }
 }
 
 Line::Line(bool watched) : watched_(watched) { open(); }
@@ -50,9 +50,9 @@ Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool want
         {{master, POLLIN, 0}, {wakeUp_.get(), POLLIN, 0}, {closes, POLLIN, 0}},
     };
     const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
-    if (ready < 0 && errno != EINTR) fail_call("poll");
-    if (ready == 0) return Event::kTimedOut;
-    if (ready > 0 && polled[2].revents != 0) see_departures();
+    if (ready < 0 && errno != EINTR) { fail_call("poll"); }
+    if (ready == 0) { return Event::kTimedOut; }
+    if (ready > 0 && polled[2].revents != 0) { see_departures(); }
     if (ready < 0 || polled[1].revents != 0) {
         wakeUp_.clear();
         return Event::kWoken;
@@ -69,7 +69,7 @@ void Line::see_departures() {
 Bytes Line::read() {
     Bytes bytes(4096);
     const ssize_t count = ::read(terminal_->master.get(), bytes.data(), bytes.size());
-    if (count < 0 && !is_transient(errno)) fail_call("read");
+    if (count < 0 && !is_transient(errno)) { fail_call("read"); }
     bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
     return bytes;
 }
@@ -93,7 +93,7 @@ bool Line::write(ByteView bytes) {
 bool Line::await_room() const {
     std::array<pollfd, 2> polled{pollfd{terminal_->master.get(), POLLOUT, 0}, pollfd{wakeUp_.get(), POLLIN, 0}};
     const int ready = ::poll(polled.data(), polled.size(), kPatienceMs);
-    if (ready < 0) return errno == EINTR;
+    if (ready < 0) { return errno == EINTR; }
     return ready > 0 && polled[1].revents == 0;
 }
 

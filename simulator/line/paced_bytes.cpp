@@ -9,8 +9,8 @@ namespace quorvel::sim {
 void PacedBytes::push(ByteView bytes, const Pace& pace, Clock::time_point now) {
     auto at = std::max(now, last_) + pace.before;
     for (size_t i = 0; i < bytes.size(); ++i) {
-        if (i != 0) at += pace.between;
-        if (i != 0 && i == bytes.size() / 2) at += pace.amid;
+        if (i != 0) { at += pace.between; }
+        if (i != 0 && i == bytes.size() / 2) { at += pace.amid; }
         at += perByte_;
         bytes_.push_back({at, bytes[i]});
     }
@@ -20,7 +20,7 @@ void PacedBytes::push(ByteView bytes, const Pace& pace, Clock::time_point now) {
 Bytes PacedBytes::take(Clock::time_point now) {
     const auto end = std::ranges::find_if(bytes_, [now](const Timed& timed) { return timed.due > now; });
     Bytes arrived;
-    for (auto it = bytes_.begin(); it != end; ++it) arrived.push_back(it->byte);
+    for (auto it = bytes_.begin(); it != end; ++it) { arrived.push_back(it->byte); }
     bytes_.erase(bytes_.begin(), end);
     return arrived;
 }

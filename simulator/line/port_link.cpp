@@ -20,8 +20,8 @@ bool is_ours(const fs::path& link, const fs::path& device) {
 
 void clear_way(const fs::path& link, const fs::path& device) {
     const fs::file_status status = fs::symlink_status(link);
-    if (!fs::exists(status)) return;
-    if (!fs::is_symlink(status)) throw std::runtime_error(fmt::format("{} is there and no link", link.string()));
+    if (!fs::exists(status)) { return; }
+    if (!fs::is_symlink(status)) { throw std::runtime_error(fmt::format("{} is there and no link", link.string())); }
     // The number of a terminal that is gone is given again, so an old link may well name the new device.
     if (!is_ours(link, device) && fs::exists(link)) {
         throw std::runtime_error(
@@ -39,7 +39,7 @@ PortLink::PortLink(fs::path link, fs::path device) : link_(std::move(link)), dev
 
 PortLink::~PortLink() {
     std::error_code ignored;
-    if (is_ours(link_, device_)) fs::remove(link_, ignored);
+    if (is_ours(link_, device_)) { fs::remove(link_, ignored); }
 }
 
 }  // namespace quorvel::sim

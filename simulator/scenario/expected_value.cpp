@@ -26,14 +26,14 @@ std::optional<Type> type_in(std::string_view command, std::string_view name) {
         return id ? std::optional(param_content(*id).type) : std::nullopt;
     }
     for (const Field& field : fields_of(command, Sender::kHost)) {
-        if (!name.empty() && field.name == name) return field.content.type;
+        if (!name.empty() && field.name == name) { return field.content.type; }
     }
     return std::nullopt;
 }
 
 Type type_of(std::string_view name, const std::vector<std::string>& commands) {
     for (const std::string& command : commands) {
-        if (const auto type = type_in(command, name)) return *type;
+        if (const auto type = type_in(command, name)) { return *type; }
     }
     throw std::invalid_argument(fmt::format("there is no \"{}\" in {}", name, fmt::join(commands, " or ")));
 }
@@ -49,20 +49,22 @@ Bytes number_in(std::string_view text) {
 }
 
 Bytes value_in(std::string_view text, Type type) {
-    if (type == Type::kNumber) return number_in(text);
-    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') return to_bytes(text.substr(1, text.size() - 2));
-    if (text.empty()) throw std::invalid_argument("no value");
-    if (type == Type::kBytes || type == Type::kObjects) return from_hex(text);
+    if (type == Type::kNumber) { return number_in(text); }
+    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
+        return to_bytes(text.substr(1, text.size() - 2));
+    }
+    if (text.empty()) { throw std::invalid_argument("no value"); }
+    if (type == Type::kBytes || type == Type::kObjects) { return from_hex(text); }
     throw std::invalid_argument(fmt::format("{} is no text between quotation marks", text));
 }
 
 ByteView without_padding(ByteView text) {
-    while (!text.empty() && text.back() == ' ') text = text.first(text.size() - 1);
+    while (!text.empty() && text.back() == ' ') { text = text.first(text.size() - 1); }
     return text;
 }
 
 bool is_equal(const Item& item, ByteView value) {
-    if (item.type == Type::kNumber) return number_of(item.value) == number_of(value);
+    if (item.type == Type::kNumber) { return number_of(item.value) == number_of(value); }
     const bool padded = item.type == Type::kText;
     return std::ranges::equal(padded ? without_padding(item.value) : ByteView(item.value),
                               padded ? without_padding(value) : value);
@@ -75,7 +77,7 @@ ExpectedValue ExpectedValue::parse(std::string_view words, const std::vector<std
     const std::string_view name = words.substr(0, end);
     ExpectedValue expected{.words = std::string(words), .name = std::string(name)};
     const Type type = type_of(name, commands);
-    if (end == std::string_view::npos) return expected;
+    if (end == std::string_view::npos) { return expected; }
     expected.how = words[end] == '=' ? How::kEqual : How::kContaining;
     expected.value = value_in(words.substr(end + 1), type);
     if (expected.how == How::kContaining && type == Type::kNumber) {
@@ -86,8 +88,8 @@ ExpectedValue ExpectedValue::parse(std::string_view words, const std::vector<std
 
 bool ExpectedValue::is_among(const std::vector<Item>& items) const {
     return std::ranges::any_of(items, [this](const Item& item) {
-        if (item.name != name) return false;
-        if (how == How::kEqual) return is_equal(item, value);
+        if (item.name != name) { return false; }
+        if (how == How::kEqual) { return is_equal(item, value); }
         return how == How::kPresent
                || std::search(item.value.begin(), item.value.end(), value.begin(), value.end()) != item.value.end()
                || value.empty();

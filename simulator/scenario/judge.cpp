@@ -31,15 +31,15 @@ std::string counterpart(const std::vector<Item>& items, const ExpectedValue& exp
 std::string difference(const Expectation& expected, const Exchange& exchange) {
     const std::vector<Item> items = take_apart(Sender::kHost, exchange.request).items;
     for (const ExpectedValue& value : expected.with) {
-        if (value.is_among(items)) continue;
+        if (value.is_among(items)) { continue; }
         const std::string instead = counterpart(items, value);
         return fmt::format("came without {}, {}", value.words,
                            instead.empty() ? "as " + request_words(exchange.request) : "but with " + instead);
     }
     for (const ExpectedValue& value : expected.without) {
-        if (value.is_among(items)) return fmt::format("came with {}", value.words);
+        if (value.is_among(items)) { return fmt::format("came with {}", value.words); }
     }
-    if (!expected.status || *expected.status == exchange.status) return "";
+    if (!expected.status || *expected.status == exchange.status) { return ""; }
     return fmt::format("was answered with {}, not with {}", status_words(exchange.status),
                        status_words(*expected.status));
 }
@@ -47,7 +47,7 @@ std::string difference(const Expectation& expected, const Exchange& exchange) {
 std::string values_words(const std::vector<ExpectedValue>& values, std::string_view between) {
     std::string words;
     for (const ExpectedValue& value : values) {
-        if (!words.empty()) words += between;
+        if (!words.empty()) { words += between; }
         words += value.words;
     }
     return words;
@@ -62,9 +62,9 @@ std::string times_words(unsigned times) {
 // All that the expectation asks for.
 std::string words_of(const Expectation& expected) {
     std::string words = ids_words(expected.commands);
-    if (!expected.with.empty()) words += " with " + values_words(expected.with, " and ");
-    if (!expected.without.empty()) words += " without " + values_words(expected.without, " or ");
-    if (expected.status) words += fmt::format(", answered with {}", status_words(*expected.status));
+    if (!expected.with.empty()) { words += " with " + values_words(expected.with, " and "); }
+    if (!expected.without.empty()) { words += " without " + values_words(expected.without, " or "); }
+    if (expected.status) { words += fmt::format(", answered with {}", status_words(*expected.status)); }
     return words;
 }
 
@@ -73,12 +73,12 @@ bool is_met(const Expectation::Times& times, unsigned met) { return times ? met 
 }  // namespace
 
 Judge::Judge(const Scenario& scenario) : scenario_(scenario) {
-    for (const Expectation& each : scenario.expectations) (each.anywhere ? anywhere_ : ordered_).push_back({each});
+    for (const Expectation& each : scenario.expectations) { (each.anywhere ? anywhere_ : ordered_).push_back({each}); }
 }
 
 void Judge::exchanged(const Exchange& exchange) {
     for (Count& count : anywhere_) {
-        if (!is_among(exchange.command, count.expected.commands)) continue;
+        if (!is_among(exchange.command, count.expected.commands)) { continue; }
         const std::string wrong = difference(count.expected, exchange);
         if (wrong.empty()) {
             ++count.met;
@@ -90,18 +90,18 @@ void Judge::exchanged(const Exchange& exchange) {
 }
 
 void Judge::compare_next(const Exchange& exchange) {
-    if (next_ == ordered_.size()) return;
+    if (next_ == ordered_.size()) { return; }
     Count& count = ordered_[next_];
     const Expectation& expected = count.expected;
     if (!is_among(exchange.command, expected.commands)) {
-        if (since_.size() < kMostSince) since_.push_back(exchange.command);
+        if (since_.size() < kMostSince) { since_.push_back(exchange.command); }
         return;
     }
     if (const std::string wrong = difference(expected, exchange); !wrong.empty()) {
         complaints_.push_back({expected.line, fmt::format("{} {}", exchange.command, wrong)});
     }
     since_.clear();
-    if (++count.met == expected.times.value_or(1)) ++next_;
+    if (++count.met == expected.times.value_or(1)) { ++next_; }
 }
 
 bool Judge::is_content() const {
@@ -112,13 +112,13 @@ bool Judge::is_content() const {
 
 void Judge::complain_of_counts(std::vector<Complaint>& complaints) const {
     for (const auto& [expected, met, almost] : anywhere_) {
-        if (is_met(expected.times, met)) continue;
+        if (is_met(expected.times, met)) { continue; }
         const std::string due = expected.times ? times_words(*expected.times) : "at least once";
         const std::string last = almost.empty() ? "" : fmt::format("; the last {}", almost);
         complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}{}", due, words_of(expected),
                                                          times_words(met), last)});
     }
-    if (next_ == ordered_.size()) return;
+    if (next_ == ordered_.size()) { return; }
     const auto& [expected, met, almost] = ordered_[next_];
     const std::string others = since_.empty() ? "nothing" : fmt::format("{}", fmt::join(since_, ", "));
     complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}, and {} instead",
@@ -131,12 +131,14 @@ void Judge::complain_of_findings(std::vector<Complaint>& complaints, const std::
         return finding.text.find(expected.text) != std::string::npos;
     };
     for (const ExpectedFinding& expected : scenario_.findings) {
-        if (std::ranges::any_of(findings, [&](const Finding& finding) { return tells(finding, expected); })) continue;
+        if (std::ranges::any_of(findings, [&](const Finding& finding) { return tells(finding, expected); })) {
+            continue;
+        }
         complaints.push_back({expected.line, fmt::format("expected the finding \"{}\"; it never came", expected.text)});
     }
     for (const Finding& finding : findings) {
         const auto expects = [&](const ExpectedFinding& expected) { return tells(finding, expected); };
-        if (std::ranges::any_of(scenario_.findings, expects)) continue;
+        if (std::ranges::any_of(scenario_.findings, expects)) { continue; }
         complaints.push_back({0, fmt::format("unexpected finding ({}): {}", kind_name(finding.kind), finding.text)});
     }
 }

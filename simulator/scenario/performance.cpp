@@ -19,7 +19,7 @@ PinPad::Options Performance::prepare(PinPad::Options options) {
 
 std::vector<std::string> Performance::complaints(const std::vector<Finding>& findings) const {
     std::vector<std::string> complaints = judge_.complaints(findings);
-    if (auto stuck = player_.complaint(scenario_.file)) complaints.push_back(std::move(*stuck));
+    if (auto stuck = player_.complaint(scenario_.file)) { complaints.push_back(std::move(*stuck)); }
     return complaints;
 }
 
@@ -34,9 +34,9 @@ void Performance::exchanged(PinPad&, const Exchange& exchange) {
 }
 
 void Performance::left(PinPad& pinPad) {
-    if (end_ == Scenario::End::kStop) return;
+    if (end_ == Scenario::End::kStop) { return; }
     const bool done = (player_.is_done() && judge_.is_content()) || judge_.has_decided();
-    if (done || end_ == Scenario::End::kClose) pinPad.request_stop();
+    if (done || end_ == Scenario::End::kClose) { pinPad.request_stop(); }
 }
 
 void Performance::work(PinPad& pinPad, Clock::time_point now) { player_.go_on(pinPad, now); }

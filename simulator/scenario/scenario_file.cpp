@@ -42,17 +42,17 @@ constexpr std::array kIdentityFields{
 Identity identity(TomlTable table) {
     Identity identity;
     for (const auto& [name, text, width] : kIdentityFields) {
-        if (!table.has(name)) continue;
+        if (!table.has(name)) { continue; }
         identity.*text = table.text(name);
-        if ((identity.*text).size() > width) table.refuse(name, fmt::format("longer than {} characters", width));
+        if ((identity.*text).size() > width) { table.refuse(name, fmt::format("longer than {} characters", width)); }
     }
-    if (table.has("contactless")) identity.contactless = table.flag("contactless");
+    if (table.has("contactless")) { identity.contactless = table.flag("contactless"); }
     table.end();
     return identity;
 }
 
 KeyStore keys(TomlTable table, const fs::path& folder) {
-    if (!table.has("file")) return KeyStore::from_table(std::move(table));
+    if (!table.has("file")) { return KeyStore::from_table(std::move(table)); }
     KeyStore keys;
     const fs::path path = folder / table.required_text("file");
     try {
@@ -67,15 +67,16 @@ void load_tables(Tables& tables, TomlTable table) {
     static constexpr size_t kIndexWidth = 2;
     const auto acquirer = static_cast<int>(table.number("acquirer", 0, 99, Tables::kAllAcquirers));
     const std::string version = table.required_text("version");
-    if (version.size() > kVersionWidth)
+    if (version.size() > kVersionWidth) {
         table.refuse("version", fmt::format("longer than {} characters", kVersionWidth));
+    }
     Tables::Records records;
     for (TomlTable& record : table.tables("records")) {
         Tables::Key key;
         key.table = static_cast<int>(record.number("table", 0, 9, 1));
         key.acquirer = static_cast<int>(record.number("acquirer", 0, 99, std::nullopt));
         key.index = record.required_text("index");
-        if (key.index.size() != kIndexWidth) record.refuse("index", "not of two characters");
+        if (key.index.size() != kIndexWidth) { record.refuse("index", "not of two characters"); }
         record.end();
         records[std::move(key)] = {};
     }
@@ -85,18 +86,20 @@ void load_tables(Tables& tables, TomlTable table) {
 
 int status_of(TomlTable& table) {
     static constexpr int kHighest = 999;
-    if (!table.node("status")->is_string()) return static_cast<int>(table.number("status", 0, kHighest, std::nullopt));
+    if (!table.node("status")->is_string()) {
+        return static_cast<int>(table.number("status", 0, kHighest, std::nullopt));
+    }
     const std::string name = table.text("status");
     for (int status = 0; status <= kHighest; ++status) {
-        if (!name.empty() && status_name(status) == name) return status;
+        if (!name.empty() && status_name(status) == name) { return status; }
     }
     table.refuse("status", fmt::format("there is no status \"{}\"", name));
 }
 
 Expectation::Status expected_status(TomlTable& table) {
-    if (!table.has("status")) return std::nullopt;
+    if (!table.has("status")) { return std::nullopt; }
     const toml::node& status = *table.node("status");
-    if (status.value_exact<std::string>() == "none") return std::optional<int>();
+    if (status.value_exact<std::string>() == "none") { return std::optional<int>(); }
     return status_of(table);
 }
 
@@ -132,17 +135,17 @@ void read_time(Scenario& scenario, TomlTable table) {
 
 void read_device(Scenario& scenario, TomlTable& table, const fs::path& folder) {
     scenario.device = Device::standard();
-    if (auto device = table.table("device")) scenario.device.identity = identity(std::move(*device));
-    if (auto inner = table.table("keys")) scenario.device.keys = keys(std::move(*inner), folder);
-    for (TomlTable& each : table.tables("tables")) load_tables(scenario.device.tables, std::move(each));
-    if (auto time = table.table("time")) read_time(scenario, std::move(*time));
+    if (auto device = table.table("device")) { scenario.device.identity = identity(std::move(*device)); }
+    if (auto inner = table.table("keys")) { scenario.device.keys = keys(std::move(*inner), folder); }
+    for (TomlTable& each : table.tables("tables")) { load_tables(scenario.device.tables, std::move(each)); }
+    if (auto time = table.table("time")) { read_time(scenario, std::move(*time)); }
 }
 
 void read_play(Scenario& scenario, TomlTable& table) {
     scenario.cards = Cards::standard();
-    if (auto cards = table.table("cards")) scenario.cards.add(Cards::from_table(std::move(*cards)));
-    for (TomlTable& each : table.tables("script")) scenario.script.push_back(read_step(each, scenario.cards));
-    for (TomlTable& each : table.tables("expect")) scenario.expectations.push_back(expectation(std::move(each)));
+    if (auto cards = table.table("cards")) { scenario.cards.add(Cards::from_table(std::move(*cards))); }
+    for (TomlTable& each : table.tables("script")) { scenario.script.push_back(read_step(each, scenario.cards)); }
+    for (TomlTable& each : table.tables("expect")) { scenario.expectations.push_back(expectation(std::move(each))); }
     for (TomlTable& each : table.tables("finding")) {
         scenario.findings.push_back({each.line(), each.required_text("text")});
         each.end();

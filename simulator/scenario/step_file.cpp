@@ -21,10 +21,10 @@ constexpr std::string_view kPlanned = "when";
 constexpr int64_t kLongestPause = 24 * 60 * 60 * 1000;
 
 json to_json(const toml::node& node) {
-    if (const auto* text = node.as_string()) return text->get();
-    if (const auto* number = node.as_integer()) return number->get();
-    if (const auto* fraction = node.as_floating_point()) return fraction->get();
-    if (const auto* flag = node.as_boolean()) return flag->get();
+    if (const auto* text = node.as_string()) { return text->get(); }
+    if (const auto* number = node.as_integer()) { return number->get(); }
+    if (const auto* fraction = node.as_floating_point()) { return fraction->get(); }
+    if (const auto* flag = node.as_boolean()) { return flag->get(); }
     return nullptr;
 }
 
@@ -33,7 +33,7 @@ std::string words_of(TomlTable& table) {
     std::string words;
     for (const std::string& key : table.keys()) {
         json value = to_json(*table.node(key));
-        if (value.is_null()) value = table.texts(key);
+        if (value.is_null()) { value = table.texts(key); }
         words += fmt::format("{}{} = {}", words.empty() ? "" : ", ", key, value.dump());
     }
     return words;
@@ -44,7 +44,7 @@ const Verb* deed_named(std::string_view name) {
     for (const Verb& verb : all_verbs()) {
         const bool does =
             std::holds_alternative<Verb::Gesture>(verb.run) || std::holds_alternative<Verb::Plan>(verb.run);
-        if (verb.name == name && does) return &verb;
+        if (verb.name == name && does) { return &verb; }
     }
     return nullptr;
 }
@@ -53,12 +53,12 @@ const Verb& verb_of(TomlTable& table) {
     const Verb* found = nullptr;
     for (const std::string& key : table.keys()) {
         const Verb* const verb = deed_named(key);
-        if (verb != nullptr && found != nullptr) table.refuse(key, fmt::format("a step after {}", found->name));
-        if (verb != nullptr) found = verb;
+        if (verb != nullptr && found != nullptr) { table.refuse(key, fmt::format("a step after {}", found->name)); }
+        if (verb != nullptr) { found = verb; }
     }
-    if (found != nullptr) return *found;
+    if (found != nullptr) { return *found; }
     const std::vector<std::string> keys = table.keys();
-    if (keys.empty()) throw std::runtime_error(fmt::format("line {}: a step without anything to do", table.line()));
+    if (keys.empty()) { throw std::runtime_error(fmt::format("line {}: a step without anything to do", table.line())); }
     table.refuse(keys.front(), "there is no such step");
 }
 
@@ -66,7 +66,7 @@ const Verb& verb_of(TomlTable& table) {
 json request_for(const Verb& verb, TomlTable& table) {
     json request{{"do", verb.name}};
     for (const std::string& key : table.keys()) {
-        if (key != verb.name && key != kPlanned) request[key] = to_json(*table.node(key));
+        if (key != verb.name && key != kPlanned) { request[key] = to_json(*table.node(key)); }
     }
     if (!verb.member.empty()) {
         request[std::string(verb.member)] = to_json(*table.node(verb.name));
@@ -81,9 +81,11 @@ Step::Deed gesture(Verb::Gesture add, Arguments& arguments, const Cards& cards, 
     Gestures gestures;
     add(gestures, arguments, cards);
     arguments.end();
-    if (when.empty()) return [gestures](PinPad& pinPad) { pinPad.act(gestures); };
+    if (when.empty()) {
+        return [gestures](PinPad& pinPad) { pinPad.act(gestures); };
+    }
     return [gestures, when](PinPad& pinPad) {
-        for (const std::string& command : when) pinPad.when(command, gestures);
+        for (const std::string& command : when) { pinPad.when(command, gestures); }
     };
 }
 
@@ -94,27 +96,27 @@ Step::Deed deed(TomlTable& table, const Cards& cards) {
     try {
         Arguments arguments(request);
         static_cast<void>(arguments.text("do"));
-        if (const auto* add = std::get_if<Verb::Gesture>(&verb.run)) return gesture(*add, arguments, cards, when);
-        if (!when.empty()) table.refuse(kPlanned, fmt::format("{} is nothing that a cardholder does", verb.name));
+        if (const auto* add = std::get_if<Verb::Gesture>(&verb.run)) { return gesture(*add, arguments, cards, when); }
+        if (!when.empty()) { table.refuse(kPlanned, fmt::format("{} is nothing that a cardholder does", verb.name)); }
         return std::get<Verb::Plan>(verb.run)(arguments);
     } catch (const RequestError& error) { table.refuse(verb.name, error.what()); }
 }
 
 void require_alone(TomlTable& table, std::string_view name) {
-    if (!table.has(name)) return;
+    if (!table.has(name)) { return; }
     for (const std::string& key : table.keys()) {
-        if (key != name) table.refuse(key, fmt::format("not in one step with {}", name));
+        if (key != name) { table.refuse(key, fmt::format("not in one step with {}", name)); }
     }
 }
 
 }  // namespace
 
 CommandIds command_ids(TomlTable& table, std::string_view key) {
-    if (!table.has(key)) table.refuse(key, "is missing");
+    if (!table.has(key)) { table.refuse(key, "is missing"); }
     CommandIds ids = table.texts(key);
-    if (ids.empty()) table.refuse(key, "is empty");
+    if (ids.empty()) { table.refuse(key, "is empty"); }
     for (const std::string& id : ids) {
-        if (find_command(id) == nullptr) table.refuse(key, fmt::format("there is no command \"{}\"", id));
+        if (find_command(id) == nullptr) { table.refuse(key, fmt::format("there is no command \"{}\"", id)); }
     }
     return ids;
 }

@@ -13,19 +13,19 @@ constexpr size_t kKept = 10000;
 template <typename Entry>
 void keep(std::deque<Entry>& entries, Entry entry) {
     entries.push_back(std::move(entry));
-    if (entries.size() > kKept) entries.pop_front();
+    if (entries.size() > kKept) { entries.pop_front(); }
 }
 
 }  // namespace
 
 void Journal::record(Traffic traffic) {
-    if (listeners_.traffic) listeners_.traffic(traffic);
+    if (listeners_.traffic) { listeners_.traffic(traffic); }
     const std::lock_guard lock(mutex_);
     keep(traffic_, std::move(traffic));
 }
 
 void Journal::record(Finding finding) {
-    if (listeners_.finding) listeners_.finding(finding);
+    if (listeners_.finding) { listeners_.finding(finding); }
     const std::lock_guard lock(mutex_);
     keep(findings_, std::move(finding));
 }

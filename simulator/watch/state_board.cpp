@@ -8,14 +8,14 @@ namespace quorvel::sim {
 
 void StateBoard::post(const State& state) {
     const std::lock_guard lock(mutex_);
-    if (state == state_) return;
+    if (state == state_) { return; }
     if (!state.waiting.empty() && state.waiting != state_.waiting) {
         ++waits_[state.waiting];
         ++waits_[""];
     }
     state_ = state;
-    if (listener_) listener_();
-    if (changed_) changed_();
+    if (listener_) { listener_(); }
+    if (changed_) { changed_(); }
 }
 
 State StateBoard::state() const {

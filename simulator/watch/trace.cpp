@@ -16,12 +16,12 @@ std::string hex(ByteView bytes) { return fmt::format("{:02X}", fmt::join(bytes, 
 std::string enciphered_words(std::string_view words) { return fmt::format("enciphered {}", words); }
 
 bool is_private(const Reception& reception) {
-    if (reception.kind == Reception::Kind::kByte || reception.frame.encrypted) return false;
+    if (reception.kind == Reception::Kind::kByte || reception.frame.encrypted) { return false; }
     return !is_open(Sender::kHost, reception.frame.data);
 }
 
 std::string wire_text(const Traffic& traffic) {
-    if (!traffic.withheld) return hex(traffic.wire);
+    if (!traffic.withheld) { return hex(traffic.wire); }
     const size_t open = 1 + kIdWidth + (traffic.sender == Sender::kPinPad ? kStatusWidth : 0);
     const ByteView shown = ByteView(traffic.wire).first(std::min(open, traffic.wire.size()));
     return fmt::format("{} ... ({} bytes)", hex(shown), traffic.wire.size());

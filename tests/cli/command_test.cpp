@@ -16,8 +16,9 @@ using Words = std::vector<std::string>;
 
 void expect_lines(const Ended& ended, const Words& lines) {
     EXPECT_EQ(ended.exit, 0) << ended.err;
-    for (const std::string& line : lines)
+    for (const std::string& line : lines) {
         EXPECT_NE(("\n" + ended.out).find("\n" + line + "\n"), std::string::npos) << line << "\n" << ended.out;
+    }
 }
 
 using CommandTest = PinPadToolTest;
@@ -108,7 +109,7 @@ std::string record(int index) { return "400103" + std::to_string(100 + index).su
 
 TEST_F(CommandTest, TablesAreLoadedInBatches) {
     std::string file = "# comment\nversion 2026010100\n\n";
-    for (int i = 0; i < 5; ++i) file += record(i) + (i == 4 ? "\r\n" : "\n");
+    for (int i = 0; i < 5; ++i) { file += record(i) + (i == 4 ? "\r\n" : "\n"); }
     const std::string path = folder_.file("demo.tables", file);
     expect_lines(run({"tables", "load", path}), {"Acquirer        0", "Version         2026010100", "Records         5",
                                                  "Version before  none", "Loaded          yes"});

@@ -40,7 +40,7 @@ TEST_F(DoctorTest, FindsThatThereIsNoPort) {
 }
 
 TEST_F(DoctorTest, FindsThePortForbidden) {
-    if (geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to root";
+    if (geteuid() == 0) { GTEST_SKIP() << "nothing is forbidden to root"; }
     const std::string path = folder_.file("forbidden", "");
     ASSERT_EQ(chmod(path.c_str(), 0), 0);
     expect_failure(run_json({"doctor", "--port", path}), 3, "port opens", "Permission denied", "usermod -aG");
@@ -68,7 +68,7 @@ TEST_F(HealthyDoctorTest, IsContentWithAPinPadThatAnswers) {
     EXPECT_EQ(object["exit"], 0);
     EXPECT_EQ(object["result"]["verdict"], "The PIN pad is ready.");
     std::string checks;
-    for (const Json& check : object["result"]["checks"]) checks += check["check"].get<std::string>() + ";";
+    for (const Json& check : object["result"]["checks"]) { checks += check["check"].get<std::string>() + ";"; }
     EXPECT_EQ(checks, "port named;port opens;port is free;answer;session;versions;encrypted session;");
     expect_no_findings();
 }

@@ -18,7 +18,7 @@ protected:
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         for (;;) {
             const auto ids = sent();
-            if (std::ranges::find(ids, id) != ids.end()) return;
+            if (std::ranges::find(ids, id) != ids.end()) { return; }
             ASSERT_LT(std::chrono::steady_clock::now(), deadline) << id;
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
@@ -37,7 +37,7 @@ TEST_F(InterruptTest, LeavesThePinPadIdle) {
         Tool tool(with_port(each.arguments), folder_ / "");
         await_command(each.waitsFor);
         // Twice, as whoever signals a process and its group does.
-        for (int i = 0; i < 2; ++i) tool.signal(each.signal);
+        for (int i = 0; i < 2; ++i) { tool.signal(each.signal); }
         const Ended ended = tool.wait();
         EXPECT_EQ(ended.exit, each.exit);
         EXPECT_NE(ended.err.find("quorvel: Interrupted."), std::string::npos) << ended.err;

@@ -28,7 +28,7 @@ bool holds_block(const std::string& text) {
 
 std::string digits_of(const std::string& text) {
     std::string hex;
-    for (const char c : text) hex += sim::to_hex({{static_cast<uint8_t>(c)}});
+    for (const char c : text) { hex += sim::to_hex({{static_cast<uint8_t>(c)}}); }
     return hex;
 }
 

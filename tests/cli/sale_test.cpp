@@ -24,7 +24,7 @@ protected:
 
     static std::string commands(const Json& object) {
         std::string text;
-        for (const Json& step : object["result"]["steps"]) text += step["command"].get<std::string>() + ";";
+        for (const Json& step : object["result"]["steps"]) { text += step["command"].get<std::string>() + ";"; }
         return text;
     }
 };

@@ -38,14 +38,14 @@ protected:
         EXPECT_EQ(ended.exit, scenario.exit) << scenario.name << ended.err;
         pinPad.stop();
         std::string said;
-        for (const std::string& complaint : performance.complaints(pinPad.findings())) said += complaint + "\n";
+        for (const std::string& complaint : performance.complaints(pinPad.findings())) { said += complaint + "\n"; }
         return said;
     }
 };
 
 TEST_F(ScenariosTest, HoldForATill) {
     EXPECT_EQ(kCases.size(), shipped_scenarios().size());
-    for (const Case& each : kCases) EXPECT_EQ(sell(each), "") << each.name;
+    for (const Case& each : kCases) { EXPECT_EQ(sell(each), "") << each.name; }
 }
 
 TEST_F(ScenariosTest, FailForATillThatDoesOtherwise) {
@@ -61,7 +61,7 @@ TEST(Scenarios, AreForTillsWithCommandsOfFieldsToo) {
     };
     for (const Case& each : kCases) {
         const Scenario scenario = Scenario::find(each.name);
-        for (const Expectation& expected : scenario.expectations) EXPECT_TRUE(both(expected.commands)) << each.name;
+        for (const Expectation& expected : scenario.expectations) { EXPECT_TRUE(both(expected.commands)) << each.name; }
         for (const Step& step : scenario.script) {
             const auto* wait = std::get_if<Step::Wait>(&step.what);
             EXPECT_TRUE(wait == nullptr || both(wait->commands)) << each.name;

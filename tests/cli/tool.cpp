@@ -16,7 +16,7 @@ std::vector<std::string> with_name(std::vector<std::string> arguments) {
 std::vector<std::string> with_home(std::vector<std::string> environment, const std::string& home) {
     environment.push_back("HOME=" + home);
     for (const char* kept : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
-        if (const char* value = std::getenv(kept)) environment.push_back(std::string(kept) + "=" + value);
+        if (const char* value = std::getenv(kept)) { environment.push_back(std::string(kept) + "=" + value); }
     }
     return environment;
 }
@@ -40,7 +40,7 @@ ToolTest::Json ToolTest::run_json(Arguments arguments) const {
     const Ended ended = run(std::move(arguments));
     Json object = Json::parse(ended.out, nullptr, false);
     EXPECT_FALSE(object.is_discarded()) << ended.out << ended.err;
-    if (object.is_discarded()) return {};
+    if (object.is_discarded()) { return {}; }
     EXPECT_EQ(object.value("quorvel", 0), 1);
     EXPECT_EQ(object.value("exit", -1), ended.exit);
     EXPECT_EQ(object.value("ok", false), ended.exit == 0) << ended.out;
@@ -55,11 +55,11 @@ ToolTest::Arguments PinPadToolTest::with_port(Arguments arguments) const {
 std::vector<std::string> PinPadToolTest::sent() {
     std::vector<std::string> ids;
     for (const sim::Traffic& traffic : pinPad_.traffic()) {
-        if (traffic.sender == sim::Sender::kHost) ids.push_back(traffic.words.substr(0, 3));
+        if (traffic.sender == sim::Sender::kHost) { ids.push_back(traffic.words.substr(0, 3)); }
     }
     return ids;
 }
 
 void PinPadToolTest::expect_no_findings() {
-    for (const sim::Finding& finding : pinPad_.findings()) ADD_FAILURE() << finding.text;
+    for (const sim::Finding& finding : pinPad_.findings()) { ADD_FAILURE() << finding.text; }
 }

@@ -134,7 +134,7 @@ protected:
 
 TEST_F(Paced, TakesTheTimeOfTheLine) {
     const support::Elapsed elapsed;
-    for (int i = 0; i < 4; ++i) expect_answer();
+    for (int i = 0; i < 4; ++i) { expect_answer(); }
     EXPECT_TRUE(elapsed.between(4 * 69 * 10 * 1000ms / 19200, 5s));
     pinPad_.when("GKY", Gestures().press(Key::kF1));
     EXPECT_NO_RAISE(abecs_cmd_gky(link_));

@@ -45,7 +45,7 @@ protected:
     template <typename Result, typename... Parameters>
     void begin(const char* id, const quorvel::sim::Gestures& gestures, Result (*command)(AbecsComm*, Parameters...),
                std::type_identity_t<Parameters>... arguments) {
-        if (!gestures.events().empty()) pinPad_.when(id, gestures);
+        if (!gestures.events().empty()) { pinPad_.when(id, gestures); }
         EXPECT_NO_RAISE(static_cast<void>(command(link_, arguments...)));
     }
 

@@ -176,7 +176,7 @@ TEST_F(ControlTest, ServesSeveralClientsWhateverTheyDo) {
     // Whose answers nobody reads is not listened to for ever.
     ControlClient deaf(path_);
     std::string flood;
-    for (int i = 0; i < 100000; ++i) flood += "{\"do\":\"screen\"}\n";
+    for (int i = 0; i < 100000; ++i) { flood += "{\"do\":\"screen\"}\n"; }
     EXPECT_LT(deaf.send_what_goes(flood), flood.size());
     expect_answers({{R"({"do":"remove"})", kDone}});
     EXPECT_EQ(silent.ask(R"({"do":"remove"})"), kDone);
@@ -198,7 +198,7 @@ TEST_F(ControlTest, InjectsFaults) {
          R"({"faults":[{"command":"OPN","fault":"wrong-id","times":1},{"every":2,"fault":"status","status":42},)"
          R"({"chance":0.5,"fault":"delay","ms":1,"times":3}],"ok":true})"},
     });
-    for (const char* due : {"XXX000", "OPN000", "OPN042", "OPN000", "OPN042"}) call("OPN", due);
+    for (const char* due : {"XXX000", "OPN000", "OPN042", "OPN000", "OPN042"}) { call("OPN", due); }
     expect_answers({{R"({"do":"clear-faults"})", kDone}, {R"({"do":"faults"})", R"({"faults":[],"ok":true})"}});
     call("OPN", "OPN000");
     expect_answers({{R"({"do":"traffic","last":1})",

@@ -120,7 +120,7 @@ TEST_F(EncipherTest, DwkGivesAKeyUnderTheHostsPublicKey) {
         ASSERT_EQ(answer.size(), 3U + 3 + 3 + 256);
         ASSERT_EQ(answer.substr(0, 9), "DWK000256");
         const Bytes cryptogram = from_hex(answer.substr(9));
-        if (i != 0 && awaited.erase(static_cast<char>(cryptogram.front())) == 0) continue;
+        if (i != 0 && awaited.erase(static_cast<char>(cryptogram.front())) == 0) { continue; }
         const std::string block = key.open_raw(std::string(cryptogram.begin(), cryptogram.end()));
         ASSERT_EQ(block.size(), 128U);
         EXPECT_EQ(block.substr(0, 2), "T1");

@@ -89,7 +89,7 @@ View busy_view() {
     View view{.port = "/dev/pts/7", .remark = "magnetic has no chip", .screen = {.text = "APROXIME, INSIRA"}};
     view.waiting = "GKY wait for a key";
     view.inserted = "inserted-card";
-    for (int i = 0; i < 40; ++i) view.cards.push_back({"card-" + std::to_string(i), true, i == 30, false});
+    for (int i = 0; i < 40; ++i) { view.cards.push_back({"card-" + std::to_string(i), true, i == 30, false}); }
     view.taken = 30;
     view.trace = {{Feed::Entry::Kind::kHost, "DSP: \"A" + std::string(40, ' ') + "Z\""},
                   {Feed::Entry::Kind::kFinding, "layout: DSP: one byte too many"}};
@@ -174,7 +174,7 @@ TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {
     Face face(*pinPad_, cards_, feed_);
     const auto newest = [&] { return face.view(3).trace.back().text; };
     const auto add = [&](int from, int to) {
-        for (int i = from; i < to; ++i) feed_.add({Feed::Entry::Kind::kFinding, std::to_string(i)});
+        for (int i = from; i < to; ++i) { feed_.add({Feed::Entry::Kind::kFinding, std::to_string(i)}); }
     };
     add(0, 12);
     EXPECT_EQ(newest(), "11");

@@ -60,11 +60,11 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
                      {.kind = "wrong-id", .command = "OPN", .every = 2, .times = 2},
                      {.kind = "no-answer", .command = "NTM"}}});
     pinPad_->when("GKY", Gestures().notify("NOT HEARD").press(Key::kF1));
-    for (const char* due : {"OPN000", "XXX000", "OPN000", "XXX000", "OPN000", "OPN000"}) call("OPN", due);
-    for (int i = 0; i < 2; ++i) exchange(frame("GKY"), kNak);
+    for (const char* due : {"OPN000", "XXX000", "OPN000", "XXX000", "OPN000", "OPN000"}) { call("OPN", due); }
+    for (int i = 0; i < 2; ++i) { exchange(frame("GKY"), kNak); }
     call("GKY", "GKY004");
     pinPad_->inject({.kind = "wrong-id", .times = {}});
-    for (int i = 0; i < 5; ++i) call("OPN", "XXX000");
+    for (int i = 0; i < 5; ++i) { call("OPN", "XXX000"); }
     pinPad_->clear_faults();
     call("OPN", "OPN000");
     expect_findings({});
@@ -85,7 +85,7 @@ TEST(FaultPlan, StrikesByChanceAsItsSeedSays) {
         FaultPlan plan(seed);
         plan.add({.kind = "no-answer", .chance = 0.25, .times = {}});
         std::string drawn;
-        for (int i = 0; i < 400; ++i) drawn += plan.strike({.command = "GIN"}) ? '!' : '.';
+        for (int i = 0; i < 400; ++i) { drawn += plan.strike({.command = "GIN"}) ? '!' : '.'; }
         return drawn;
     };
     const std::string drawn = strikes(1);
@@ -127,7 +127,7 @@ TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     EXPECT_EQ(host_->receive(2), kAck + "\x16");
     host_->send(kCan);
     size_t more = 0;
-    for (std::string byte = host_->receive(1); byte != kEot && byte != ""; byte = host_->receive(1)) ++more;
+    for (std::string byte = host_->receive(1); byte != kEot && byte != ""; byte = host_->receive(1)) { ++more; }
     EXPECT_LT(more, 80U);
     exchange(kNak + kCan, kEot);
     expect_findings({{Kind::kSequence, "NAK without a response before it"}});

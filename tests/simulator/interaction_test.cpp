@@ -162,7 +162,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "AGAIN", .typed = "*"}));
     exchange(kCan, kEot);
     expect_findings({});
-    for (const Traffic& traffic : pinPad_->traffic()) EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos);
+    for (const Traffic& traffic : pinPad_->traffic()) { EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos); }
     refuse("011", Kind::kLayout,
            {{gpn("400", blank, pan, {"0412PIN"}), "GPN: GPN_METHOD: 4 is not from 0 to 3"},
             {gpn("200", std::string(32, '0'), pan, {"0412PIN"}), "GPN: GPN_WKENC: longer than method 2 has it"},
@@ -218,7 +218,7 @@ TEST_F(InteractionTest, EndsWithItsTime) {
 
 TEST_F(InteractionTest, TellsTheHostInBetweenPlainlyAndEnciphered) {
     SessionKey key{};
-    for (size_t i = 0; i < key.size(); ++i) key.at(i) = static_cast<uint8_t>(i);
+    for (size_t i = 0; i < key.size(); ++i) { key.at(i) = static_cast<uint8_t>(i); }
     play({.sessionKey = key});
     exchange(frame("GKY"), kAck);
     pinPad_->act(Gestures().notify("TEXT"));

@@ -78,7 +78,7 @@ TEST_F(MediaTest, ListsAsManyFilesAsTwoBlocksHold) {
         for (int i = 0; i < count; ++i) {
             const std::string name = fmt::format("FILE{:04}", i);
             device.media.store(name, {});
-            if (i == 83) answer += count == 84 ? "012" : "996";
+            if (i == 83) { answer += count == 84 ? "012" : "996"; }
             answer += kListHead + name;
         }
         play(device);

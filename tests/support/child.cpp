@@ -14,7 +14,7 @@ namespace support {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> all;
-    for (std::string& text : texts) all.push_back(text.data());
+    for (std::string& text : texts) { all.push_back(text.data()); }
     all.push_back(nullptr);
     return all;
 }
@@ -37,16 +37,16 @@ Child::Child(std::vector<std::string> command, std::optional<std::vector<std::st
               0)
         << command.front();
     posix_spawn_file_actions_destroy(&actions);
-    for (const int end : ends) close(end);
+    for (const int end : ends) { close(end); }
 }
 
 Child::~Child() {
-    if (process_ > 0) end(SIGKILL);
+    if (process_ > 0) { end(SIGKILL); }
 }
 
 std::string Child::line() {
     size_t end = said_[0].find('\n');
-    while (end == std::string::npos && hear()) end = said_[0].find('\n');
+    while (end == std::string::npos && hear()) { end = said_[0].find('\n'); }
     const std::string line = said_[0].substr(0, end);
     said_[0].erase(0, end == std::string::npos ? end : end + 1);
     return line;
@@ -65,13 +65,13 @@ int Child::wait() {
 // False when both ends are closed.
 bool Child::hear() {
     std::array<pollfd, 2> polled{pollfd{pipes_[0], POLLIN, 0}, pollfd{pipes_[1], POLLIN, 0}};
-    if (pipes_ == std::array{-1, -1} || poll(polled.data(), polled.size(), -1) < 0) return false;
+    if (pipes_ == std::array{-1, -1} || poll(polled.data(), polled.size(), -1) < 0) { return false; }
     for (size_t i = 0; i < polled.size(); ++i) {
-        if (polled[i].revents == 0) continue;
+        if (polled[i].revents == 0) { continue; }
         std::array<char, 4096> bytes{};
         const ssize_t count = read(pipes_[i], bytes.data(), bytes.size());
-        if (count > 0) said_[i].append(bytes.data(), static_cast<size_t>(count));
-        if (count > 0) continue;
+        if (count > 0) { said_[i].append(bytes.data(), static_cast<size_t>(count)); }
+        if (count > 0) { continue; }
         close(pipes_[i]);
         pipes_[i] = -1;
     }

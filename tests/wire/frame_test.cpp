@@ -23,7 +23,7 @@ std::vector<Reception> decode(const std::string& wire) {
     FrameDecoder decoder;
     std::vector<Reception> receptions;
     for (const char c : wire) {
-        if (auto reception = decoder.feed(static_cast<uint8_t>(c))) receptions.push_back(*std::move(reception));
+        if (auto reception = decoder.feed(static_cast<uint8_t>(c))) { receptions.push_back(*std::move(reception)); }
     }
     EXPECT_FALSE(decoder.in_frame());
     return receptions;

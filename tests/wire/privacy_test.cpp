@@ -71,13 +71,13 @@ bool all_withheld(const std::vector<Item>& items) {
 TEST(Privacy, WithholdsEachCommandParameterAndTagThatIsInNoTable) {
     for (uint32_t id = 0; id <= UINT16_MAX; ++id) {
         const auto param = static_cast<uint16_t>(id);
-        if (!param_name(param).starts_with("0x")) continue;
+        if (!param_name(param).starts_with("0x")) { continue; }
         EXPECT_EQ(param_item(param, to_bytes("1")).privacy, Privacy::kWithheld) << id;
-        if (!tag_name(id).empty()) continue;
+        if (!tag_name(id).empty()) { continue; }
         EXPECT_EQ(data_object(id, to_bytes("1")).privacy, Privacy::kWithheld) << id;
     }
     for (const Command& command : kAllCommands) {
-        if (command.form == Command::Form::kParams) continue;
+        if (command.form == Command::Form::kParams) { continue; }
         const std::string id(command.id);
         if (fields_of(id, Sender::kHost).empty()) {
             EXPECT_TRUE(all_withheld(take_apart(Sender::kHost, to_bytes(id + "016" + kPan)).items)) << id;
