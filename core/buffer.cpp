@@ -223,8 +223,7 @@ void kor_buffer_write(KorBuffer* buffer, const void* bytes, size_t length) {
 void kor_buffer_write_byte(KorBuffer* buffer, uint8_t byte) { kor_buffer_write(buffer, &byte, sizeof byte); }
 
 void kor_buffer_write_ui16(KorBuffer* buffer, uint16_t value, int32_t byteOrder) {
-    value = ordered(value, byteOrder);
-    kor_buffer_write(buffer, &value, sizeof value);
+    write_ordered<kor_buffer_write>(buffer, value, byteOrder);
 }
 
 void kor_buffer_write_i16(KorBuffer* buffer, int16_t value, int32_t byteOrder) {
@@ -232,8 +231,7 @@ void kor_buffer_write_i16(KorBuffer* buffer, int16_t value, int32_t byteOrder) {
 }
 
 void kor_buffer_write_ui32(KorBuffer* buffer, uint32_t value, int32_t byteOrder) {
-    value = ordered(value, byteOrder);
-    kor_buffer_write(buffer, &value, sizeof value);
+    write_ordered<kor_buffer_write>(buffer, value, byteOrder);
 }
 
 void kor_buffer_write_i32(KorBuffer* buffer, int32_t value, int32_t byteOrder) {

@@ -18,6 +18,13 @@ namespace kor {
     return byteOrder == KOR_ENDIANNESS_BIG ? kor_endianness_htobe32(value) : kor_endianness_htole32(value);
 }
 
+// Hands the bytes of a number, as they travel in the order, to the writer of a buffer or a line.
+template <auto Write, typename Target, typename Number>
+void write_ordered(Target* target, Number value, int32_t byteOrder) {
+    value = ordered(value, byteOrder);
+    Write(target, &value, sizeof value);
+}
+
 }  // namespace kor
 
 #endif

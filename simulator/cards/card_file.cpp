@@ -52,12 +52,7 @@ constexpr Choices<Status, 8> kContactlessFaults{{{"none", Status::kOk},
 constexpr std::string_view kDecimalDigits = "0123456789";
 
 // The widths of a PIN pad's answers: nothing of a card may be longer.
-constexpr size_t kMaxPan = 19;
-constexpr size_t kMaxTrack1 = 76;
-constexpr size_t kMaxTrack2 = 37;
-constexpr size_t kMaxTrack3 = 104;
-constexpr size_t kMaxName = 26;
-constexpr size_t kMaxLabel = 16;
+constexpr struct { size_t pan = 19, track1 = 76, track2 = 37, track3 = 104, name = 26, label = 16; } kMost;
 
 std::string at_most(TomlTable& table, std::string_view key, size_t length) {
     std::string text = table.text(key);
@@ -111,7 +106,7 @@ Application application(TomlTable table) {
     static constexpr size_t kRecordIndex = 2;
     Application application;
     application.aid = table.required_hex("aid");
-    application.label = at_most(table, "label", kMaxLabel);
+    application.label = at_most(table, "label", kMost.label);
     application.type = static_cast<unsigned>(table.number("type", 1, 98, 1));
     application.acquirer = static_cast<unsigned>(table.number("acquirer", 1, 99, std::nullopt));
     application.record = table.required_text("record");
@@ -166,16 +161,16 @@ Card card(TomlTable table) {
     Card card;
     card.pan = table.required_text("pan");
     require_digits(table, "pan", card.pan);
-    if (card.pan.empty() || card.pan.size() > kMaxPan) { table.refuse("pan", "no card number"); }
-    card.track1 = at_most(table, "track1", kMaxTrack1);
-    card.track2 = at_most(table, "track2", kMaxTrack2);
-    card.track3 = at_most(table, "track3", kMaxTrack3);
+    if (card.pan.empty() || card.pan.size() > kMost.pan) { table.refuse("pan", "no card number"); }
+    card.track1 = at_most(table, "track1", kMost.track1);
+    card.track2 = at_most(table, "track2", kMost.track2);
+    card.track3 = at_most(table, "track3", kMost.track3);
     for (const std::string_view key : {"track2", "track3"}) {
         const std::string track = table.text(key);
         if (track.find_first_not_of("0123456789=") != std::string::npos) { table.refuse(key, "not only digits and ="); }
     }
     card.expiry = digits(table, "expiry", 6);
-    card.name = at_most(table, "name", kMaxName);
+    card.name = at_most(table, "name", kMost.name);
     card.serviceCode = digits(table, "service_code", 3);
     card.issuerCountry = static_cast<unsigned>(table.number("country", 0, 999, 0));
     card.panSequence = static_cast<unsigned>(table.number("sequence", 0, 99, 0));
