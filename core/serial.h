@@ -3,6 +3,8 @@
 #ifndef QUORVEL_CORE_SERIAL_H
 #define QUORVEL_CORE_SERIAL_H
 
+#include <span>
+
 #include "core/deadline.h"
 #include "quorvel/kor/serial.h"
 
@@ -20,8 +22,14 @@ KorList* list_serial_ports(const char* directory, KorList* out);
 // Whether there is something to read, or a failure for the next call on the port to report.
 [[nodiscard]] bool wait_for_input(const KorSerial* handle, Deadline deadline);
 
-// False when no byte came in time, or after it raised IO_ERROR "read() error: %d".
-[[nodiscard]] bool read_byte(const KorSerial* handle, Deadline deadline, uint8_t* byte);
+// Takes what has come, in one read, as soon as there is anything: the number of bytes; 0 when none came in time, or
+// after it raised IO_ERROR "read() error: %d".
+[[nodiscard]] size_t read_arrived(const KorSerial* handle, Deadline deadline, std::span<uint8_t> to);
+
+// Hands the bytes to the port, which sends them while the caller goes on; `drain` waits until they have left. False
+// after it raised, as kor_serial_write does.
+bool enqueue(const KorSerial* handle, std::span<const uint8_t> bytes);
+bool drain(const KorSerial* handle);
 
 }  // namespace kor
 

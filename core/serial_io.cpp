@@ -85,16 +85,15 @@ bool read_all(const KorSerial* handle, void* to, size_t length) {
     return true;
 }
 
-// Writes once and waits until the bytes have left. The number written, or 0 after it raised.
-size_t write_some(const KorSerial* handle, const uint8_t* bytes, size_t length) {
-    const ssize_t count = retry([&] { return write(handle->fd, bytes, length); });
+// Writes once. The number written, or 0 after it raised; where a line that has hung up refuses the bytes, it is the
+// drain that reports it.
+size_t write_some(const KorSerial* handle, std::span<const uint8_t> bytes) {
+    const ssize_t count = retry([&] { return write(handle->fd, bytes.data(), bytes.size()); });
+    if (count > 0) { return static_cast<size_t>(count); }
     // Kept across tcdrain(); a write of nothing is a failure too, or the caller would never come to an end.
     const int error = count == 0 ? EIO : errno;
-    if (retry([&] { return tcdrain(handle->fd); }) != 0) {
-        return raise(KOR_RESULT_IO_ERROR, "tcdrain() error: %d", errno), 0;
-    }
-    if (count <= 0) { return raise(KOR_RESULT_IO_ERROR, "write() error: %d", error), 0; }
-    return static_cast<size_t>(count);
+    if (drain(handle)) { raise(KOR_RESULT_IO_ERROR, "write() error: %d", error); }
+    return 0;
 }
 
 }  // namespace
@@ -103,20 +102,33 @@ bool kor::wait_for_input(const KorSerial* handle, Deadline deadline) {
     return wait_until(handle->fd, deadline) != Wait::kExpired;
 }
 
-bool kor::read_byte(const KorSerial* handle, Deadline deadline, uint8_t* byte) {
-    const ssize_t count = read_arrival(handle->fd, byte, 1, deadline);
-    if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), false; }
-    return count == 1;
+size_t kor::read_arrived(const KorSerial* handle, Deadline deadline, std::span<uint8_t> to) {
+    const ssize_t count = read_arrival(handle->fd, to.data(), to.size(), deadline);
+    if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), 0; }
+    return static_cast<size_t>(count);
+}
+
+bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const size_t written = write_some(handle, bytes);
+        if (written == 0) { return false; }
+        bytes = bytes.subspan(written);
+    }
+    return true;
+}
+
+bool kor::drain(const KorSerial* handle) {
+    if (retry([&] { return tcdrain(handle->fd); }) == 0) { return true; }
+    return raise(KOR_RESULT_IO_ERROR, "tcdrain() error: %d", errno), false;
 }
 
 void kor_serial_write(KorSerial* handle, const void* bytes, size_t length) {
     if (refuse_null(handle, "'handle' is NULL")) { return; }
-    const auto* next = static_cast<const uint8_t*>(bytes);
-    while (length > 0) {
-        const size_t written = write_some(handle, next, length);
-        if (written == 0) { return; }
-        next += written;
-        length -= written;
+    std::span left(static_cast<const uint8_t*>(bytes), length);
+    while (!left.empty()) {
+        const size_t written = write_some(handle, left);
+        if (written == 0 || !drain(handle)) { return; }
+        left = left.subspan(written);
     }
 }
 
@@ -129,8 +141,7 @@ void kor_serial_write_str(KorSerial* handle, const char* text, bool withTerminat
 }
 
 void kor_serial_write_ui16(KorSerial* handle, uint16_t value, int32_t byteOrder) {
-    value = ordered(value, byteOrder);
-    kor_serial_write(handle, &value, sizeof value);
+    write_ordered<kor_serial_write>(handle, value, byteOrder);
 }
 
 void kor_serial_write_i16(KorSerial* handle, int16_t value, int32_t byteOrder) {
@@ -138,8 +149,7 @@ void kor_serial_write_i16(KorSerial* handle, int16_t value, int32_t byteOrder) {
 }
 
 void kor_serial_write_ui32(KorSerial* handle, uint32_t value, int32_t byteOrder) {
-    value = ordered(value, byteOrder);
-    kor_serial_write(handle, &value, sizeof value);
+    write_ordered<kor_serial_write>(handle, value, byteOrder);
 }
 
 void kor_serial_write_i32(KorSerial* handle, int32_t value, int32_t byteOrder) {

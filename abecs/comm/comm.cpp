@@ -44,8 +44,8 @@ bool refuse_busy(const AbecsComm* link) {
 }
 
 void connect(AbecsComm* link, const char* portName) {
-    link->serial = kor_serial_open(portName);
-    kor_serial_config(link->serial, &kSerialConfig);
+    link->line.serial = kor_serial_open(portName);
+    kor_serial_config(link->line.serial, &kSerialConfig);
     purge(link);
     cancel(link);
     link->lastSend = kor_system_current_time_millis();
@@ -73,9 +73,9 @@ void abecs_comm_close(AbecsComm** pinpad) {
     *pinpad = nullptr;
     const KorException pending = *kor_exception_get_exception();
     KorException error{};
-    if (link->serial != nullptr) {
-        keep_error(&error, [&] { kor_serial_purge(link->serial, KOR_SERIAL_PURGE_BOTH); });
-        keep_error(&error, [&] { kor_serial_close(&link->serial); });
+    if (link->line.serial != nullptr) {
+        keep_error(&error, [&] { kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH); });
+        keep_error(&error, [&] { kor_serial_close(&link->line.serial); });
     }
     explicit_bzero(link, sizeof *link);
     kor_heap_free(link);

@@ -7,9 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "abecs/comm/line.h"
 #include "quorvel/abecs/comm.h"
 #include "quorvel/abecs/wk_pan.h"
-#include "quorvel/kor/serial.h"
 
 namespace abecs {
 
@@ -19,7 +19,7 @@ inline constexpr size_t kMaxBlkWaitId = 12;
 }  // namespace abecs
 
 struct AbecsComm {
-    KorSerial* serial;
+    abecs::Line line;
     std::array<uint8_t, abecs::kSessionKeySize> key;
     bool keySet;
     AbecsWkPanType_E wkPanType;

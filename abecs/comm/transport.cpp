@@ -23,9 +23,9 @@ namespace {
 using Event = FrameDecoder::Event;
 
 // Raises when nothing came in time.
-uint8_t read_answer(const KorSerial* serial, std::chrono::milliseconds wait) {
+uint8_t read_answer(Line& line, std::chrono::milliseconds wait) {
     uint8_t answer = 0;
-    if (!read_byte(serial, Deadline(wait), &answer)) { raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"); }
+    if (!read_byte(line, wait, nullptr, &answer)) { raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data"); }
     return answer;
 }
 
@@ -35,26 +35,36 @@ void pace(const AbecsComm* link) {
     if (elapsed < link->sendInterval) { sleep_out(std::chrono::milliseconds(link->sendInterval - elapsed)); }
 }
 
-// One byte a write, and the port drains after each, so that no PIN pad's input is outrun.
-void write_each(KorSerial* serial, FrameEncoder::Wire wire) {
-    for (const uint8_t byte : wire) { kor_serial_write_byte(serial, byte); }
-}
+// How the bytes of a frame go out: one a write either way.
+enum class Pace : uint8_t {
+    kFlowing,  // waiting once, for the last of them
+    kStepped,  // waiting until each has left, for a PIN pad that was outrun
+};
 
-void write_frame(KorSerial* serial, AbecsPacket* packet, bool encrypted) {
-    FrameEncoder encoder;
-    write_each(serial, encoder.begin(encrypted));
-    for (size_t left = abecs_packet_available_read(packet); left != 0; --left) {
-        write_each(serial, encoder.data(abecs_packet_read_byte(packet)));
+void write_each(const KorSerial* serial, Pace pace, FrameEncoder::Wire wire) {
+    for (const uint8_t& byte : wire) {
+        enqueue(serial, {&byte, 1});
+        if (pace == Pace::kStepped) { drain(serial); }
     }
-    write_each(serial, encoder.end());
 }
 
-void write_until_accepted(KorSerial* serial, AbecsPacket* packet, bool encrypted) {
+// When it returns the frame has left, and the wait for its acknowledgement begins.
+void write_frame(const KorSerial* serial, Pace pace, AbecsPacket* packet, bool encrypted) {
+    FrameEncoder encoder;
+    write_each(serial, pace, encoder.begin(encrypted));
+    for (size_t left = abecs_packet_available_read(packet); left != 0; --left) {
+        write_each(serial, pace, encoder.data(abecs_packet_read_byte(packet)));
+    }
+    write_each(serial, pace, encoder.end());
+    drain(serial);
+}
+
+void write_until_accepted(Line& line, AbecsPacket* packet, bool encrypted) {
     KorBufferState start;
     abecs_packet_save_state(packet, &start);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        write_frame(serial, packet, encrypted);
-        const uint8_t answer = read_answer(serial, kByteWait);
+        write_frame(line.serial, attempt == 0 ? Pace::kFlowing : Pace::kStepped, packet, encrypted);
+        const uint8_t answer = read_answer(line, kByteWait);
         if (answer == kAck) { return; }
         if (answer != kNak) {
             return raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x%hhx)", answer);
@@ -80,7 +90,7 @@ void append(AbecsComm* link, AbecsPacket* out, uint8_t byte) {
 // Reads what follows SYN. False when the frame is damaged, stops arriving or does not come to its end.
 bool read_rest(AbecsComm* link, FrameDecoder& decoder, AbecsPacket* out) {
     const Deadline end(kFrameLimit);
-    for (uint8_t byte = 0; read_byte(link->serial, std::min(Deadline(kByteWait), end), &byte);) {
+    for (uint8_t byte = 0; read_byte(link->line, kByteWait, &end, &byte);) {
         const Event event = decoder.feed(byte);
         if (event == Event::kData) { append(link, out, decoder.data()); }
         if (event == Event::kGood || event == Event::kBad) { return event == Event::kGood; }
@@ -92,19 +102,20 @@ bool read_rest(AbecsComm* link, FrameDecoder& decoder, AbecsPacket* out) {
 
 // The pauses keep a line that is never silent from costing more than a few looks at it.
 void purge(AbecsComm* link) {
+    discard_ahead(link->line);
     const Deadline limit(kPurgeLimit);
-    while (!limit.passed() && wait_for_input(link->serial, std::min(Deadline(kPurgeSilence), limit))) {
+    while (!limit.passed() && wait_for_input(link->line.serial, std::min(Deadline(kPurgeSilence), limit))) {
         sleep_out(kPurgePause);
-        kor_serial_purge(link->serial, KOR_SERIAL_PURGE_INPUT);
+        kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_INPUT);
     }
-    kor_serial_purge(link->serial, KOR_SERIAL_PURGE_BOTH);
+    kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH);
 }
 
 void cancel(AbecsComm* link) {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        kor_serial_write_byte(link->serial, kCan);
+        kor_serial_write_byte(link->line.serial, kCan);
         uint8_t answer = 0;
-        if (!read_byte(link->serial, Deadline(kByteWait), &answer)) { continue; }
+        if (!read_byte(link->line, kByteWait, nullptr, &answer)) { continue; }
         if (answer == kEot) { return abecs_comm_release(link); }
         purge(link);
     }
@@ -115,7 +126,7 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
     pace(link);
     abecs_comm_check_busy(link);
     const bool closing = closes_session(plain);  // told apart now: sending consumes the packet
-    write_until_accepted(link->serial, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
+    write_until_accepted(link->line, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
     link->lastSend = kor_system_current_time_millis();
     if (!closing) { return; }
     abecs_comm_set_key(link, nullptr);
@@ -127,13 +138,13 @@ bool receive(AbecsComm* link, AbecsPacket* out) {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         FrameDecoder decoder;
         abecs_packet_clear(out);
-        const uint8_t first = read_answer(link->serial, firstWait);
+        const uint8_t first = read_answer(link->line, firstWait);
         if (decoder.feed(first) == Event::kNotSyn) {
             return raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x%hhx)", first), false;
         }
         if (read_rest(link, decoder, out)) { return decoder.encrypted(); }
         purge(link);
-        kor_serial_write_byte(link->serial, kNak);
+        kor_serial_write_byte(link->line.serial, kNak);
     }
     purge(link);
     return raise(KOR_RESULT_TIMEOUT_ERROR, "No response in %d attempts", kAttempts), false;

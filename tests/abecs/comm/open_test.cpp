@@ -158,7 +158,7 @@ TEST(Can, IsSentAgainAfterAPurgeWhenAnotherByteAnswers) {
     link.peer.expect(kCan).send(kGood).wait(300ms).send(kEot).expect_silence(450ms);
     link.peer.expect(kCan).wait(900ms).send(kEot);
     link.call(abecs_comm_send_can)();
-    EXPECT_EQ(kor_serial_available(link.comm->serial), 0U);
+    EXPECT_EQ(kor_serial_available(link.comm->line.serial), 0U);
 }
 
 // The purge that ends the CANs leaves a short time-out on the port.

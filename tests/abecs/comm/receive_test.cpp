@@ -115,7 +115,7 @@ TEST_F(Receive, TakesAsMuchAsAPacketHoldsAndNoMore) {
     EXPECT_EQ(receive(), most);
     link.peer.send(frame(most + "AAAAA", 0xFF77)).wait(300ms).send("late").expect_silence(450ms);
     expect_error(too_full(1, 0));
-    EXPECT_EQ(kor_serial_available(link.comm->serial), 0U);
+    EXPECT_EQ(kor_serial_available(link.comm->line.serial), 0U);
     link.peer.settle();
     packet.fill("GIN00200");
     link.peer.request("GIN00200").send(kGood);

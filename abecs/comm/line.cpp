@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "abecs/comm/line.h"
+
+#include <cstring>
+
+#include "core/serial.h"
+
+void abecs::discard_ahead(Line& line) {
+    explicit_bzero(line.ahead.data(), line.end);
+    line.next = 0;
+    line.end = 0;
+}
+
+bool abecs::refill(Line& line, kor::Deadline deadline) {
+    discard_ahead(line);
+    line.end = kor::read_arrived(line.serial, deadline, line.ahead);
+    return line.end != 0;
+}

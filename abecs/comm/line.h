@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_ABECS_COMM_LINE_H
+#define QUORVEL_ABECS_COMM_LINE_H
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+
+#include "core/deadline.h"
+#include "quorvel/kor/serial.h"
+
+namespace abecs {
+
+// The port of a link, read ahead: all that has arrived is taken in one read and then handed out byte by byte, as if it
+// still waited in the port. What was handed out last goes from memory when the next bytes are needed.
+struct Line {
+    KorSerial* serial;
+    size_t next;
+    size_t end;
+    std::array<uint8_t, 1024> ahead;
+};
+
+[[nodiscard]] inline bool has_ahead(const Line& line) { return line.next != line.end; }
+
+// Takes what has arrived, waiting for it until the deadline. False when nothing came in time. Raises IO_ERROR "read()
+// error: %d".
+[[nodiscard]] bool refill(Line& line, kor::Deadline deadline);
+
+// The next byte, waited for no longer than the time from now and the limit. False when it did not come in time.
+[[nodiscard]] inline bool read_byte(Line& line, std::chrono::milliseconds wait, const kor::Deadline* limit,
+                                    uint8_t* byte) {
+    if (!has_ahead(line)) {
+        const kor::Deadline deadline(wait);
+        if (!refill(line, limit != nullptr ? std::min(deadline, *limit) : deadline)) { return false; }
+    }
+    *byte = line.ahead[line.next++];
+    return true;
+}
+
+// Forgets, and wipes, what was read ahead.
+void discard_ahead(Line& line);
+
+}  // namespace abecs
+
+#endif

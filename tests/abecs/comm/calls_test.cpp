@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include <sys/types.h>
+#include <termios.h>
+
+#include "tests/abecs/comm/line.h"
+
+namespace {
+
+// What the thread that asks for it calls of the system; the peer has a thread of its own.
+struct Calls {
+    size_t writes = 0;
+    size_t reads = 0;
+    size_t drains = 0;
+    size_t settings = 0;
+};
+thread_local Calls* counted = nullptr;
+
+}  // namespace
+
+// This program is linked with -Wl,--wrap for each of these.
+extern "C" {
+ssize_t __real_write(int fd, const void* bytes, size_t count);
+ssize_t __wrap_write(int fd, const void* bytes, size_t count);
+ssize_t __real_read(int fd, void* bytes, size_t count);
+ssize_t __wrap_read(int fd, void* bytes, size_t count);
+int __real_tcdrain(int fd);
+int __wrap_tcdrain(int fd);
+int __real_tcgetattr(int fd, termios* settings);
+int __wrap_tcgetattr(int fd, termios* settings);
+int __real_tcsetattr(int fd, int when, const termios* settings);
+int __wrap_tcsetattr(int fd, int when, const termios* settings);
+}
+
+ssize_t __wrap_write(int fd, const void* bytes, size_t count) {
+    if (counted != nullptr) { ++counted->writes; }
+    return __real_write(fd, bytes, count);
+}
+
+ssize_t __wrap_read(int fd, void* bytes, size_t count) {
+    if (counted != nullptr) { ++counted->reads; }
+    return __real_read(fd, bytes, count);
+}
+
+int __wrap_tcdrain(int fd) {
+    if (counted != nullptr) { ++counted->drains; }
+    return __real_tcdrain(fd);
+}
+
+int __wrap_tcgetattr(int fd, termios* settings) {
+    if (counted != nullptr) { ++counted->settings; }
+    return __real_tcgetattr(fd, settings);
+}
+
+int __wrap_tcsetattr(int fd, int when, const termios* settings) {
+    if (counted != nullptr) { ++counted->settings; }
+    return __real_tcsetattr(fd, when, settings);
+}
+
+namespace {
+
+using namespace support;
+
+class SystemCalls : public testing::Test {
+protected:
+    // Of one exchange, whose answer the peer sends in one piece.
+    Calls exchange(size_t answerSize) {
+        const Packet packet(request);
+        link.peer.response("GIN000" + std::string(answerSize, 'A'));
+        Calls calls;
+        counted = &calls;
+        abecs_comm_send_packet(link.comm, packet);
+        abecs_comm_read_packet(link.comm, packet);
+        counted = nullptr;
+        EXPECT_EQ(packet.take().size(), 6 + answerSize);
+        return calls;
+    }
+
+    Link link;
+    const std::string request = "TLR" + std::string(900, 'A');
+    const size_t sent = 1 + request.size() + 3;  // SYN, ETB and the CRC
+};
+
+TEST_F(SystemCalls, AreOneWriteForAByteOneDrainForAFrameAndAReadForWhatHasCome) {
+    link.peer.request(request);
+    const Calls calls = exchange(950);
+    EXPECT_EQ(calls.writes, sent);
+    EXPECT_EQ(calls.drains, 1U);
+    EXPECT_LE(calls.reads, 10U);
+    EXPECT_EQ(calls.settings, 0U);
+}
+
+// A PIN pad that rejects a frame may have been outrun.
+TEST_F(SystemCalls, AreADrainForEachByteThatIsSentAgain) {
+    link.peer.discard(sent).send(kNak).request(request);
+    const Calls calls = exchange(0);
+    EXPECT_EQ(calls.writes, 2 * sent);
+    EXPECT_EQ(calls.drains, 1 + sent + 1);
+}
+
+}  // namespace
