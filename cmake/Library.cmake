@@ -4,11 +4,16 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(LIBTOMCRYPT REQUIRED IMPORTED_TARGET libtomcrypt)
 pkg_check_modules(LIBTOMMATH REQUIRED IMPORTED_TARGET libtommath)
 
+include(CheckCCompilerFlag)
+check_c_compiler_flag(-fcf-protection QUORVEL_HAS_CF_PROTECTION)
+
 # The C++ language without its runtime: errors leave by longjmp, so nothing here may throw or own a destructor.
 add_library(quorvel_library_rules INTERFACE)
 target_compile_options(quorvel_library_rules INTERFACE
   -fvisibility=hidden
   -fstack-protector-strong
+  -fstack-clash-protection
+  $<$<BOOL:${QUORVEL_HAS_CF_PROTECTION}>:-fcf-protection>
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fvisibility-inlines-hidden>
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wglobal-constructors>
   $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
@@ -66,7 +71,9 @@ target_include_directories(quorvel INTERFACE
 target_link_libraries(quorvel PRIVATE quorvel_sanitize PkgConfig::LIBTOMCRYPT PkgConfig::LIBTOMMATH)
 target_link_options(quorvel PRIVATE
   -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/quorvel.map
-  -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+  -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack
+  # What the library exports it calls itself too: directly, and nobody else's function of the same name.
+  -Wl,-Bsymbolic-functions)
 if(NOT QUORVEL_SANITIZE)
   target_link_options(quorvel PRIVATE -Wl,-z,defs)
 endif()

@@ -41,8 +41,8 @@ void rewind(KorBuffer& buffer, bool lastRead) {
     buffer.lastRead = lastRead;
 }
 
-void advance(uint32_t& cursor, uint32_t capacity) {
-    if (++cursor == capacity) { cursor = 0; }
+void advance(uint32_t& cursor, size_t count, uint32_t capacity) {
+    cursor = static_cast<uint32_t>((cursor + count) % capacity);
 }
 
 // False, after a raise, unless all the bytes of an `Integer` wait; only then are they taken.
@@ -157,11 +157,12 @@ size_t kor_buffer_read(KorBuffer* buffer, void* destination, size_t length) {
     if (refuse_null(buffer, "buffer is NULL")) { return 0; }
     const size_t count = std::min(length, readable(*buffer));
     if (count == 0) { return 0; }  // setting lastRead here would turn a full buffer into an empty one
-    auto* out = static_cast<uint8_t*>(destination);
-    for (size_t i = 0; i < count; ++i) {
-        if (out != nullptr) { out[i] = buffer->storage[buffer->readCursor]; }
-        advance(buffer->readCursor, buffer->capacity);
+    const size_t untilEnd = std::min<size_t>(count, buffer->capacity - buffer->readCursor);
+    if (auto* out = static_cast<uint8_t*>(destination); out != nullptr) {
+        std::memcpy(out, buffer->storage + buffer->readCursor, untilEnd);
+        std::memcpy(out + untilEnd, buffer->storage, count - untilEnd);
     }
+    advance(buffer->readCursor, count, buffer->capacity);
     buffer->lastRead = true;
     return count;
 }
@@ -213,10 +214,10 @@ void kor_buffer_write(KorBuffer* buffer, const void* bytes, size_t length) {
                      length);
     }
     const auto* in = static_cast<const uint8_t*>(bytes);
-    for (size_t i = 0; i < length; ++i) {
-        buffer->storage[buffer->writeCursor] = in[i];
-        advance(buffer->writeCursor, buffer->capacity);
-    }
+    const size_t untilEnd = std::min<size_t>(length, buffer->capacity - buffer->writeCursor);
+    std::memcpy(buffer->storage + buffer->writeCursor, in, untilEnd);
+    std::memcpy(buffer->storage, in + untilEnd, length - untilEnd);
+    advance(buffer->writeCursor, length, buffer->capacity);
     buffer->lastRead = false;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 
 #include "abecs/comm/comm.h"
 #include "abecs/comm/frame.h"
@@ -51,9 +52,11 @@ void write_each(const KorSerial* serial, Pace pace, FrameEncoder::Wire wire) {
 // When it returns the frame has left, and the wait for its acknowledgement begins.
 void write_frame(const KorSerial* serial, Pace pace, AbecsPacket* packet, bool encrypted) {
     FrameEncoder encoder;
+    const Unread data = unread_of(packet);
+    consume(packet);
     write_each(serial, pace, encoder.begin(encrypted));
-    for (size_t left = abecs_packet_available_read(packet); left != 0; --left) {
-        write_each(serial, pace, encoder.data(abecs_packet_read_byte(packet)));
+    for (const std::span<const uint8_t> piece : {data.first, data.second}) {
+        for (const uint8_t byte : piece) { write_each(serial, pace, encoder.data(byte)); }
     }
     write_each(serial, pace, encoder.end());
     drain(serial);

@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/data/packet.h"
 
+#include <algorithm>
+
 #include "abecs/data/codec.h"
 #include "abecs/data/flag.h"
 #include "abecs/data/param.h"
@@ -19,6 +21,20 @@ namespace {
 constexpr size_t kNotificationSize = 33;
 
 }  // namespace
+
+Unread abecs::unread_of(const AbecsPacket* packet) {
+    const KorBuffer* buffer = packet->buffer;
+    const std::span storage(kor_buffer_get_storage(buffer), kor_buffer_capacity(buffer));
+    const size_t length = kor_buffer_available_read(buffer);
+    const size_t begin = kor_buffer_get_read_cursor_pos(buffer);
+    const size_t untilEnd = std::min(length, storage.size() - begin);
+    return {storage.subspan(begin, untilEnd), storage.first(length - untilEnd)};
+}
+
+void abecs::consume(AbecsPacket* packet) {
+    kor_buffer_set_read_cursor_pos(packet->buffer, kor_buffer_get_write_cursor_pos(packet->buffer));
+    kor_buffer_set_last_read(packet->buffer, true);
+}
 
 AbecsPacket* abecs_packet_new() { return new_owner(&AbecsPacket::buffer, kPacketCapacity); }
 

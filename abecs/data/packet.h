@@ -3,6 +3,8 @@
 #ifndef QUORVEL_ABECS_DATA_PACKET_H
 #define QUORVEL_ABECS_DATA_PACKET_H
 
+#include <span>
+
 #include "abecs/data/bytes.h"
 #include "abecs/data/field_h.h"
 #include "quorvel/abecs/packet.h"
@@ -21,6 +23,17 @@ constexpr uint32_t kPacketCapacity = 2044;
     if (packet == nullptr) { return kor::raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'packet' is NULL"), nullptr; }
     return packet->buffer;
 }
+
+// The unread bytes, in the order in which they would be read: in two pieces where they go round the end.
+struct Unread {
+    std::span<const uint8_t> first;
+    std::span<const uint8_t> second;
+};
+
+[[nodiscard]] Unread unread_of(const AbecsPacket* packet);
+
+// Counts the unread bytes as read.
+void consume(AbecsPacket* packet);
 
 inline size_t read_field_h_bytes(AbecsPacket* packet, uint8_t* to, size_t sizeTo, size_t fieldLen) {
     KorBuffer* bytes = bytes_of(packet);

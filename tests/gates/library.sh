@@ -53,6 +53,14 @@ END
     ! "$readelf" -dW "$library" | grep TEXTREL || fail "the library relocates its code"
 }
 
+# The library calls its own exported functions directly: nobody can put another in between, and no call takes a detour.
+bound() {
+    own=$("$nm" -D --defined-only "$library" | sed -n 's/.* [TtWi] \([^@]*\).*/\1/p')
+    [ -n "$own" ] || fail "no exported functions could be read"
+    ! "$readelf" -rW "$library" | awk '$3 ~ /JUMP_SLO|GLOB_DAT/ { sub(/@.*/, "", $5); print $5 }' | grep -Fx "$own" ||
+        fail "the library looks these functions of its own up at run time"
+}
+
 # What runs when the library is loaded is crypt_init and the compiler's own start code. A static object with a
 # constructor would show here.
 initialisers() {
