@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "bench/pin_pad.h"
+#include "quorvel/additions.h"
 #include "quorvel/quorvel.h"
 #include "wire/frame.h"
 
@@ -112,15 +113,24 @@ int open_line(const Exchange& exchange) {
     return fd;
 }
 
-void add(const Exchange& exchange) {
+AbecsComm* open_link(const Exchange& exchange) {
     AbecsComm* link = abecs_comm_open(pin_pad_of(exchange).path().c_str());
     if (link == nullptr) { give_up("abecs_comm_open"); }
+    return link;
+}
+
+void add(const Exchange& exchange) {
+    AbecsComm* link = open_link(exchange);
+    AbecsComm* wholeLink = open_link(exchange);
+    abecs_comm_set_whole_frames(wholeLink, true);
     const int stepped = open_line(exchange);
     const int flowing = open_line(exchange);
     const int whole = open_line(exchange);
     const auto named = [&](const char* way) { return exchange.name + "/" + way; };
     benchmark::RegisterBenchmark(named("library").c_str(),
                                  [=](benchmark::State& state) { by_library(state, link, exchange); });
+    benchmark::RegisterBenchmark(named("library, whole frames").c_str(),
+                                 [=](benchmark::State& state) { by_library(state, wholeLink, exchange); });
     benchmark::RegisterBenchmark(named("bytes, each drained").c_str(), [=](benchmark::State& state) {
         by_bytes(state, stepped, exchange, Drain::kEachByte);
     });

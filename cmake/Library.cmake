@@ -43,10 +43,17 @@ set(QUORVEL_LAYERS quorvel_core quorvel_crypt quorvel_data quorvel_comm quorvel_
 include(cmake/Version.cmake)
 
 # The version script that exports the reviewed names and nothing else (hidden visibility alone would still export the
-# weak symbols of header templates).
-set(QUORVEL_EXPORTS ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${QUORVEL_EXPORTS})
-file(STRINGS ${QUORVEL_EXPORTS} names)
+# weak symbols of header templates): those that stay as they are for ever, and those that came later.
+set(QUORVEL_EXPORTS ${CMAKE_CURRENT_BINARY_DIR}/exports.txt)
+set(names)
+foreach(list IN ITEMS exports additions)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${list}.txt)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/${list}.txt more)
+  list(APPEND names ${more})
+endforeach()
+list(SORT names)
+list(JOIN names "\n" lines)
+file(CONFIGURE OUTPUT exports.txt CONTENT "${lines}\n" @ONLY)
 list(JOIN names ";\n    " names)
 file(CONFIGURE OUTPUT quorvel.map CONTENT "QUORVEL_0 {\n  global:\n    ${names};\n  local:\n    *;\n};\n" @ONLY)
 

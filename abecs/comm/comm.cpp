@@ -10,12 +10,15 @@
 #include "abecs/comm/secure.h"
 #include "abecs/comm/transport.h"
 #include "abecs/comm/wire.h"
+#include "abecs/data/flag.h"
 #include "abecs/data/limits.h"
 #include "core/attempt.h"
 #include "core/check.h"
 #include "core/construct.h"
 #include "core/raise.h"
+#include "core/serial.h"
 #include "quorvel/abecs/crc16.h"
+#include "quorvel/abecs/line.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/system.h"
@@ -152,6 +155,36 @@ void abecs_comm_set_send_interval(AbecsComm* pinpad, int64_t interval) {
 int64_t abecs_comm_get_send_interval(const AbecsComm* pinpad) {
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return 0; }
     return pinpad->sendInterval;
+}
+
+void abecs_comm_set_whole_frames(AbecsComm* pinpad, bool whole) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
+    pinpad->wholeFrames = is_set(whole);
+}
+
+bool abecs_comm_get_whole_frames(const AbecsComm* pinpad) {
+    return !refuse_null(pinpad, "'pinpad' is NULL") && pinpad->wholeFrames;
+}
+
+void abecs_comm_set_poll_time(AbecsComm* pinpad, int32_t milliseconds) {
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_if(milliseconds < 0, "Invalid poll time: %d", milliseconds)) {
+        return;
+    }
+    pinpad->pollTime = std::chrono::milliseconds(milliseconds);
+}
+
+int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return 0; }
+    return static_cast<int32_t>(pinpad->pollTime.count());
+}
+
+int abecs_comm_get_fd(const AbecsComm* pinpad) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return -1; }
+    return pinpad->line.serial->fd;
+}
+
+bool abecs_comm_has_input(const AbecsComm* pinpad) {
+    return !refuse_null(pinpad, "'pinpad' is NULL") && has_ahead(pinpad->line);
 }
 
 void abecs_comm_set_key(AbecsComm* pinpad, const uint8_t* key) {

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "abecs/comm/line.h"
+#include "abecs/comm/wire.h"
 #include "quorvel/abecs/comm.h"
 #include "quorvel/abecs/wk_pan.h"
 
@@ -29,6 +30,8 @@ struct AbecsComm {
     char blkWaitId[abecs::kMaxBlkWaitId + 1];
     int64_t sendInterval;
     int64_t lastSend;
+    bool wholeFrames;
+    std::chrono::milliseconds pollTime{abecs::kPollTime};
 };
 
 namespace abecs {

@@ -3,12 +3,15 @@
 #include "abecs/comm/transport.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstring>
 #include <span>
 
 #include "abecs/comm/comm.h"
 #include "abecs/comm/frame.h"
 #include "abecs/data/packet.h"
+#include "core/attempt.h"
 #include "core/deadline.h"
 #include "core/raise.h"
 #include "core/serial.h"
@@ -23,6 +26,9 @@ namespace {
 
 using Event = FrameDecoder::Event;
 
+// SYN, DC2, every byte of a packet escaped, ETB and the CRC.
+constexpr size_t kMaxFrame = 2 + 2 * kPacketCapacity + 3;
+
 // Raises when nothing came in time.
 uint8_t read_answer(Line& line, std::chrono::milliseconds wait) {
     uint8_t answer = 0;
@@ -36,37 +42,63 @@ void pace(const AbecsComm* link) {
     if (elapsed < link->sendInterval) { sleep_out(std::chrono::milliseconds(link->sendInterval - elapsed)); }
 }
 
-// How the bytes of a frame go out: one a write either way.
+// How a frame goes out.
 enum class Pace : uint8_t {
-    kFlowing,  // waiting once, for the last of them
-    kStepped,  // waiting until each has left, for a PIN pad that was outrun
+    kWhole,    // in one write
+    kFlowing,  // one byte a write
+    kStepped,  // the same, waiting until each has left, for a PIN pad that was outrun
 };
 
-void write_each(const KorSerial* serial, Pace pace, FrameEncoder::Wire wire) {
-    for (const uint8_t& byte : wire) {
-        enqueue(serial, {&byte, 1});
-        if (pace == Pace::kStepped) { drain(serial); }
+// Makes the frame and hands it out in small pieces. The packet is consumed.
+template <typename Put>
+void encode(AbecsPacket* packet, bool encrypted, Put&& put) {
+    const Unread data = unread_of(packet);
+    consume(packet);
+    FrameEncoder encoder;
+    put(encoder.begin(encrypted));
+    for (const std::span<const uint8_t> piece : {data.first, data.second}) {
+        for (const uint8_t byte : piece) { put(encoder.data(byte)); }
     }
+    put(encoder.end());
+}
+
+// Nothing of what the packet held stays behind.
+void write_whole(const KorSerial* serial, AbecsPacket* packet, bool encrypted) {
+    std::array<uint8_t, kMaxFrame> frame;
+    size_t size = 0;
+    encode(packet, encrypted, [&](FrameEncoder::Wire wire) {
+        std::memcpy(frame.data() + size, wire.data(), wire.size());
+        size += wire.size();
+    });
+    attempt([&] { enqueue(serial, {frame.data(), size}); }).cleanup([&] { explicit_bzero(frame.data(), size); }).run();
+}
+
+void write_bytes(const KorSerial* serial, Pace pace, AbecsPacket* packet, bool encrypted) {
+    encode(packet, encrypted, [=](FrameEncoder::Wire wire) {
+        for (const uint8_t& byte : wire) {
+            enqueue(serial, {&byte, 1});
+            if (pace == Pace::kStepped) { drain(serial); }
+        }
+    });
 }
 
 // When it returns the frame has left, and the wait for its acknowledgement begins.
 void write_frame(const KorSerial* serial, Pace pace, AbecsPacket* packet, bool encrypted) {
-    FrameEncoder encoder;
-    const Unread data = unread_of(packet);
-    consume(packet);
-    write_each(serial, pace, encoder.begin(encrypted));
-    for (const std::span<const uint8_t> piece : {data.first, data.second}) {
-        for (const uint8_t byte : piece) { write_each(serial, pace, encoder.data(byte)); }
+    if (pace == Pace::kWhole) {
+        write_whole(serial, packet, encrypted);
+    } else {
+        write_bytes(serial, pace, packet, encrypted);
     }
-    write_each(serial, pace, encoder.end());
     drain(serial);
 }
 
-void write_until_accepted(Line& line, AbecsPacket* packet, bool encrypted) {
+void write_until_accepted(AbecsComm* link, AbecsPacket* packet, bool encrypted) {
+    Line& line = link->line;
+    const Pace first = link->wholeFrames ? Pace::kWhole : Pace::kFlowing;
     KorBufferState start;
     abecs_packet_save_state(packet, &start);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        write_frame(line.serial, attempt == 0 ? Pace::kFlowing : Pace::kStepped, packet, encrypted);
+        write_frame(line.serial, attempt == 0 ? first : Pace::kStepped, packet, encrypted);
         const uint8_t answer = read_answer(line, kByteWait);
         if (answer == kAck) { return; }
         if (answer != kNak) {
@@ -129,7 +161,7 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
     pace(link);
     abecs_comm_check_busy(link);
     const bool closing = closes_session(plain);  // told apart now: sending consumes the packet
-    write_until_accepted(link->line, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
+    write_until_accepted(link, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
     link->lastSend = kor_system_current_time_millis();
     if (!closing) { return; }
     abecs_comm_set_key(link, nullptr);
@@ -137,7 +169,7 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
 }
 
 bool receive(AbecsComm* link, AbecsPacket* out) {
-    const std::chrono::milliseconds firstWait = is_blocked(link) ? kPolledResponseWait : kResponseWait;
+    const std::chrono::milliseconds firstWait = is_blocked(link) ? link->pollTime : kResponseWait;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         FrameDecoder decoder;
         abecs_packet_clear(out);

@@ -26,10 +26,10 @@ inline constexpr uint8_t kEscapeOffset = 0x20;
 inline constexpr int kAttempts = 3;
 
 // How long the link waits.
-inline constexpr std::chrono::milliseconds kByteWait{2000};            // for an answer byte, between a frame's bytes
-inline constexpr std::chrono::milliseconds kResponseWait{10000};       // for the first byte of a response
-inline constexpr std::chrono::milliseconds kPolledResponseWait{2000};  // the same while blocked: the caller polls
-inline constexpr std::chrono::milliseconds kPurgeSilence{500};         // so long silent, the line counts as empty
+inline constexpr std::chrono::milliseconds kByteWait{2000};       // for an answer byte, between a frame's bytes
+inline constexpr std::chrono::milliseconds kResponseWait{10000};  // for the first byte of a response
+inline constexpr std::chrono::milliseconds kPollTime{2000};  // the same while blocked, unless the caller says otherwise
+inline constexpr std::chrono::milliseconds kPurgeSilence{500};  // so long silent, the line counts as empty
 
 // What a line that never falls silent can cost at most. The longest frame takes about 2 s at the link's speed.
 inline constexpr std::chrono::milliseconds kFrameLimit{30000};  // from a frame's SYN to its end

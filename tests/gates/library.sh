@@ -15,7 +15,7 @@ exports() {
     exported=$("$nm" -D --defined-only "$library" | awk '$2 != "A" { sub(/@.*/, "", $3); print $2, $3 }')
     ! grep -E '^[WwVvu] ' <<<"$exported" || fail "these exported names are weak"
     diff --label reviewed --label exported -u0 "$more" <(cut -d' ' -f2 <<<"$exported" | LC_ALL=C sort) ||
-        fail "cmake/exports.txt and the library's exported names differ"
+        fail "cmake/exports.txt with cmake/additions.txt and the library's exported names differ"
 }
 
 # What the library needs at run time, and that nothing of the C++ runtime is in it. <more>: sanitized.

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <unistd.h>
 
+#include "quorvel/additions.h"
 #include "quorvel/quorvel.h"
 #include "tests/core/owned.h"
 #include "tests/core/temp_dir.h"

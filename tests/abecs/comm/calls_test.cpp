@@ -3,6 +3,7 @@
 #include <sys/types.h>
 #include <termios.h>
 
+#include "quorvel/abecs/line.h"
 #include "tests/abecs/comm/line.h"
 
 namespace {
@@ -88,6 +89,19 @@ TEST_F(SystemCalls, AreOneWriteForAByteOneDrainForAFrameAndAReadForWhatHasCome) 
     EXPECT_EQ(calls.drains, 1U);
     EXPECT_LE(calls.reads, 10U);
     EXPECT_EQ(calls.settings, 0U);
+}
+
+TEST_F(SystemCalls, AreOneWriteForAFrameIfTheCallerSaysSo) {
+    link.call(abecs_comm_set_whole_frames)(true);
+    EXPECT_TRUE(link.call(abecs_comm_get_whole_frames)());
+    link.peer.discard(sent).send(kNak).request(request);
+    const Calls calls = exchange(0);
+    EXPECT_EQ(calls.writes, 1 + sent);
+    EXPECT_EQ(calls.drains, 1 + sent + 1);
+    const std::string escaped = "GEN" + std::string(2041, '\x16');
+    const Packet packet(escaped);
+    link.peer.request(escaped);
+    link.call(abecs_comm_send_packet)(packet);
 }
 
 // A PIN pad that rejects a frame may have been outrun.

@@ -1,0 +1,52 @@
+/* SPDX-License-Identifier: MIT */
+/* Copyright (c) 2026 the quorvel authors */
+#ifndef QUORVEL_ABECS_LINE_H
+#define QUORVEL_ABECS_LINE_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#include "quorvel/abecs/comm.h"
+#include "quorvel/kor/defs.h"
+
+KOR_BEGIN_DECLS
+
+/*
+ * How a link uses its line: the size of its writes, and what a program with an event loop of its own needs. None of it
+ * is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
+ *
+ * A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL".
+ */
+
+/*
+ * Whether a frame goes out in one write, which saves system calls, and transfers on USB adapters that make one of each
+ * write. Off at first: a byte a write, waiting once, until the last of them has left. Either way a frame that the PIN
+ * pad rejected is sent again byte by byte, waiting until each has left, for one that was outrun.
+ */
+KOR_API void abecs_comm_set_whole_frames(AbecsComm* pinpad, bool whole);
+KOR_API bool abecs_comm_get_whole_frames(const AbecsComm* pinpad);
+
+/*
+ * How long a _response function waits for the first byte, in milliseconds: 2000 at first, 0 looks and returns. What has
+ * begun to arrive is read to its end, with the waits of quorvel/abecs/comm.h, whatever this time is. ILLEGAL_ARGUMENT
+ * "Invalid poll time: %d" when it is negative.
+ */
+KOR_API void abecs_comm_set_poll_time(AbecsComm* pinpad, int32_t milliseconds);
+KOR_API int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad);
+
+/*
+ * The descriptor to wait at, with poll(2) for instance, while the link is blocked: when it is readable, or has hung up,
+ * it is time for the _response function. Nobody else may read from it, write to it or close it. It is the same one
+ * until abecs_comm_close. The result of a null handle is -1, where the raise returns.
+ */
+KOR_API int abecs_comm_get_fd(const AbecsComm* pinpad);
+
+/*
+ * Whether bytes wait that the link has already read, for which the descriptor will never become readable: ask before
+ * waiting at it, and call the _response function at once if so.
+ */
+KOR_API bool abecs_comm_has_input(const AbecsComm* pinpad);
+
+KOR_END_DECLS
+
+#endif

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "quorvel/abecs/line.h"
+
+#include <poll.h>
+
+#include "tests/abecs/comm/line.h"
+
+namespace {
+
+using namespace support;
+
+class Line : public testing::Test {
+protected:
+    [[nodiscard]] bool readable(std::chrono::milliseconds time) {
+        pollfd descriptor{link.call(abecs_comm_get_fd)(), POLLIN, 0};
+        return ::poll(&descriptor, 1, static_cast<int>(time.count())) == 1;
+    }
+
+    std::string receive() {
+        EXPECT_EQ(link.call(abecs_comm_read_packet)(packet), packet.get());
+        return packet.take();
+    }
+
+    Link link;
+    Packet packet;
+};
+
+using EventLoop = Line;
+
+TEST_F(EventLoop, IsToldOfWhatTheLinkHasReadAhead) {
+    EXPECT_FALSE(readable(0ms));
+    link.peer.send(kGood + kGood);
+    EXPECT_TRUE(readable(2s));
+    link.peer.settle();
+    EXPECT_FALSE(link.call(abecs_comm_has_input)());
+    EXPECT_EQ(receive(), "GIN000");
+    EXPECT_TRUE(link.call(abecs_comm_has_input)() || readable(0ms));
+    EXPECT_EQ(receive(), "GIN000");
+    EXPECT_FALSE(link.call(abecs_comm_has_input)() || readable(0ms));
+}
+
+TEST_F(EventLoop, LooksAndReturns) {
+    EXPECT_EQ(link.call(abecs_comm_get_poll_time)(), 2000);
+    link.call(abecs_comm_set_poll_time)(0);
+    link.call(abecs_comm_lock)("GCR");
+    const Elapsed elapsed;
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, packet); }), kTimeout);
+    }
+    EXPECT_TRUE(elapsed.between(0s, 500ms));
+    // What has begun is read to its end.
+    link.peer.send(kGood.substr(0, 1)).wait(300ms).send(kGood.substr(1));
+    EXPECT_TRUE(readable(2s));
+    EXPECT_EQ(receive(), "GIN000");
+    EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid poll time: -1", abecs_comm_set_poll_time(link.comm, -1));
+    EXPECT_EQ(link.call(abecs_comm_get_poll_time)(), 0);
+}
+
+// The bytes of a packet may go round the end of its memory.
+TEST_F(Line, SendsAPacketThatWasReadBeforeItWasFilled) {
+    packet.fill(std::string(2000, '-'));
+    EXPECT_EQ(packet.take().size(), 2000U);
+    const std::string payload = "GIN" + std::string(100, '5');
+    abecs_packet_write_field_b(packet, payload.data(), payload.size());
+    link.peer.request(payload);
+    link.call(abecs_comm_send_packet)(packet);
+    EXPECT_EQ(packet.take(), "");
+}
+
+}  // namespace
