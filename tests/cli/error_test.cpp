@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 #include "tests/cli/tool.h"
 
 namespace {
@@ -15,11 +11,7 @@ using ErrorTest = ToolTest;
 TEST_F(ErrorTest, SaysWhatIsWrongAndEndsWithACodeForIt) {
     const std::string missing = folder_ / "missing";
     // What is said contains this; nothing of it goes where results go.
-    const struct {
-        Arguments arguments;
-        int exit;
-        std::string said;
-    } cases[]{
+    const std::tuple<Arguments, int, std::string> cases[]{
         {{}, 2, "A subcommand is required"},
         {{"dance"}, 2, "There is no command or option 'dance' here."},
         {{"info", "--loud"}, 2, "'--loud'"},
@@ -42,14 +34,14 @@ TEST_F(ErrorTest, SaysWhatIsWrongAndEndsWithACodeForIt) {
         {{"media", "put", missing}, 2, "tells no format"},
         {{"decode", "4"}, 2, "not in hexadecimal"},
     };
-    for (const auto& refused : cases) {
-        const Ended human = run(refused.arguments);
-        EXPECT_EQ(human.exit, refused.exit) << refused.said;
-        EXPECT_NE(human.err.find(refused.said), std::string::npos) << human.err;
+    for (const auto& [arguments, exit, said] : cases) {
+        const Ended human = run(arguments);
+        EXPECT_EQ(human.exit, exit) << said;
+        EXPECT_NE(human.err.find(said), std::string::npos) << human.err;
         EXPECT_EQ(human.out, "");
-        const Json object = run_json(refused.arguments);
-        EXPECT_EQ(object.value("exit", -1), refused.exit);
-        EXPECT_NE(object["error"].value("text", "").find(refused.said), std::string::npos) << object;
+        const Json object = run_json(arguments);
+        EXPECT_EQ(object.value("exit", -1), exit);
+        EXPECT_NE(object["error"].value("text", "").find(said), std::string::npos) << object;
     }
 }
 
@@ -65,11 +57,7 @@ TEST_F(ErrorTest, WhatIsPrivateInTheCommandLineIsNotRepeated) {
 }
 
 TEST_F(ErrorTest, AFileIsRefusedWithTheLine) {
-    const struct {
-        bool configuration;
-        std::string contents;
-        std::string said;
-    } cases[]{
+    const std::tuple<bool, std::string, std::string> cases[]{
         {false, "version 1\n009103AB\n", ":2: the record says that it has 9 characters, but it has 8"},
         {false, "version 1\n0081\n", ":2: a record has at least 8 characters"},
         {false, "version 1\n008x03AB\n", ":2: a record begins with its length"},
@@ -82,12 +70,12 @@ TEST_F(ErrorTest, AFileIsRefusedWithTheLine) {
         {true, "secure = true\nsecrets = 1\n", ":2: there is no key 'secrets'"},
         {true, "port = \n", ":1: "},
     };
-    for (const auto& each : cases) {
-        const std::string file = folder_.file("wrong", each.contents);
-        const Ended ended = run(each.configuration ? Arguments{"info", "--config", file}
-                                                   : Arguments{"tables", "load", file, "--port", "/nowhere"});
+    for (const auto& [configuration, contents, said] : cases) {
+        const std::string file = folder_.file("wrong", contents);
+        const Ended ended = run(configuration ? Arguments{"info", "--config", file}
+                                              : Arguments{"tables", "load", file, "--port", "/nowhere"});
         EXPECT_EQ(ended.exit, 2);
-        EXPECT_NE(ended.err.find("wrong" + each.said), std::string::npos) << ended.err;
+        EXPECT_NE(ended.err.find("wrong" + said), std::string::npos) << ended.err;
     }
 }
 

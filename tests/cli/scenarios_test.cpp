@@ -1,10 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 #include "simulator/scenario/performance.h"
 #include "tests/cli/tool.h"
 

@@ -4,8 +4,6 @@
 
 #include <cstdlib>
 
-namespace sim = quorvel::sim;
-
 namespace {
 
 std::vector<std::string> with_name(std::vector<std::string> arguments) {
@@ -60,6 +58,6 @@ std::vector<std::string> PinPadToolTest::sent() {
     return ids;
 }
 
-void PinPadToolTest::expect_no_findings() {
+void PinPadToolTest::TearDown() {
     for (const sim::Finding& finding : pinPad_.findings()) { ADD_FAILURE() << finding.text; }
 }

@@ -8,9 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "simulator/cards/cards.h"
 #include "simulator/pin_pad.h"
 #include "tests/core/temp_dir.h"
 #include "tests/support/child.h"
+
+namespace sim = quorvel::sim;
+using sim::Gestures;
+using sim::Key;
 
 // What a run of quorvel came to.
 struct Ended {
@@ -44,8 +49,10 @@ protected:
 // Runs against a virtual PIN pad.
 class PinPadToolTest : public ToolTest {
 protected:
-    PinPadToolTest() : PinPadToolTest(quorvel::sim::PinPad::Options{}) {}
-    explicit PinPadToolTest(quorvel::sim::PinPad::Options options) : pinPad_(std::move(options)) { pinPad_.start(); }
+    PinPadToolTest() : PinPadToolTest(sim::PinPad::Options{}) {}
+    explicit PinPadToolTest(sim::PinPad::Options options) : pinPad_(std::move(options)) { pinPad_.start(); }
+
+    static const sim::Card& card(const char* name) { return sim::Cards::standard().at(name); }
 
     // With the port named.
     Arguments with_port(Arguments arguments) const;
@@ -55,9 +62,9 @@ protected:
     // The ids of the commands that the PIN pad was sent, and CAN.
     std::vector<std::string> sent();
     // Nothing that was sent was out of order.
-    void expect_no_findings();
+    void TearDown() override;
 
-    quorvel::sim::PinPad pinPad_;
+    sim::PinPad pinPad_;
 };
 
 #endif

@@ -3,15 +3,11 @@
 #include "core/serial.h"
 
 #include <cerrno>
-#include <csignal>
-#include <cstddef>
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <tuple>
-#include <unistd.h>
 
 #include "quorvel/kor/string_list.h"
 #include "tests/core/owned.h"

@@ -2,7 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/system.h"
 
-#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <set>

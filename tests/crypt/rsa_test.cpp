@@ -2,12 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/crypt/rsa.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <tuple>
-#include <type_traits>
 
 #include "crypt/prime.h"
 #include "crypt/registry.h"

@@ -2,23 +2,15 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <array>
-#include <string>
 
 #include "simulator/cards/cards.h"
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
-#include "tests/support/wire.h"
 
 namespace {
 
 using namespace quorvel::sim;
-using namespace support::literals;
 
-// Enciphered under the PIN pad's master key at index 0, and in clear.
-const std::string kEncipheredKey = "3EB3B72576BBBE834F0B96AAA5A8B548";
-const std::string kWorkingKey = "1122334455667788 9900AABBCCDDEEFF"_hex;
-// Of the first DUKPT transaction, as published with the PIN pad's test key.
-const std::string kDukptPinKey = "042666B49184CF5C 68DE9628D0397B36"_hex;
 // The PIN 1234 with the card numbers of the cards that want it online.
 const std::string kVisaBlock = "041225EEEEEEEEEE"_hex;
 const std::string kContactlessBlock = "041214FFFCCCCFFD"_hex;
@@ -54,7 +46,7 @@ protected:
         request.amount = 1234;
         request.connect = true;
         request.method = ABECS_CMD_GOC_METHOD_MK_WK_TDES;
-        kEncipheredKey.copy(request.wkenc, sizeof request.wkenc);
+        to_hex(to_bytes(kEncipheredTdes)).copy(request.wkenc, sizeof request.wkenc);
         request.riskman = online;
         std::string("00000000").copy(request.flrlimit, sizeof request.flrlimit);
         request.tags1len = 4;
@@ -96,7 +88,6 @@ TEST_F(CardSale, ReadsAStripe) {
     EXPECT_EQ(card_.serviceCode, 101);
     EXPECT_EQ((std::array{card_.expYear, card_.expMonth, card_.expDay}), (std::array<uint8_t, 3>{30, 12, 31}));
     EXPECT_EQ(card_.issuerCountry, 840);
-    retire();
 }
 
 TEST_F(CardSale, TakesAPinOnlineAndFinishesWithTheIssuersAnswer) {
@@ -110,26 +101,20 @@ TEST_F(CardSale, TakesAPinOnlineAndFinishesWithTheIssuersAnswer) {
     EXPECT_EQ(notes_, (std::vector<std::string>{"ENTER THE PIN"}));
     EXPECT_EQ(chip_.decision, 2);
     EXPECT_TRUE(chip_.pinOnline && !chip_.pinOffline && !chip_.signature && !chip_.pinBlocked);
-    EXPECT_EQ(tdes_decipher(kWorkingKey, from_digits(text(chip_.pinBlock))), kVisaBlock);
+    EXPECT_EQ(tdes_decipher(kTdes, from_digits(text(chip_.pinBlock))), kVisaBlock);
     EXPECT_EQ(emv_data(), "82023800 9F270180 95050000048000 9F0206000000001234"_hex);
     EXPECT_EQ(finish_chip(0, "00", "9108313233343536373871109F1804AABBCCDD86078418000002FFFF"), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(outcome_.decision, 0U);
     EXPECT_STREQ(outcome_.emvData, "8A0230309F270140");
     EXPECT_STREQ(outcome_.isResults, "11AABBCCDD") << "of a command that the card does not know";
     EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
-    retire();
 }
 
 TEST_F(CardSale, EndsAsTheIssuerAndTheLineLetIt) {
     load_tables();
-    struct Case {
-        int32_t status;
-        const char* code;
-        uint32_t decision;
-        const char* objects;
-    };
-    for (const auto& [status, code, decision, objects] :
-         {Case{0, "51", 2, "8A0235319F270100"}, {1, "  ", 1, "8A025A339F270100"}, {9, "", 1, "8A025A339F270100"}}) {
+    for (const auto& [status, code, decision, objects] : {std::tuple(0, "51", 2U, "8A0235319F270100"),
+                                                          {1, "  ", 1U, "8A025A339F270100"},
+                                                          {9, "", 1U, "8A025A339F270100"}}) {
         EXPECT_EQ(get_card(inserted("visa-signature")), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(go_on_chip({}), ABECS_RSP_STAT_ST_OK);
         EXPECT_TRUE(chip_.signature);
@@ -138,7 +123,6 @@ TEST_F(CardSale, EndsAsTheIssuerAndTheLineLetIt) {
         EXPECT_STREQ(outcome_.emvData, objects);
         pinPad_.remove();
     }
-    retire();
 }
 
 TEST_F(CardSale, LetsTheChipVerifyAPin) {
@@ -159,7 +143,6 @@ TEST_F(CardSale, LetsTheChipVerifyAPin) {
     EXPECT_EQ(go_on_chip({}), ABECS_RSP_STAT_ST_OK) << "without asking";
     EXPECT_TRUE(chip_.pinBlocked);
     EXPECT_EQ(chip_.pinOfflineErrors, 0);
-    retire();
 }
 
 TEST_F(CardSale, NeedsTheTables) {
@@ -168,7 +151,6 @@ TEST_F(CardSale, NeedsTheTables) {
     load_tables();
     EXPECT_EQ(get_card({}, "TABLES0002"), ABECS_RSP_STAT_ST_TABVERDIF);
     EXPECT_EQ(get_card({}), ABECS_RSP_STAT_ST_OK);
-    retire();
 }
 
 class ParameterSale : public CardSale {
@@ -177,18 +159,11 @@ protected:
         abecs_cmd_gcx_builder_delete(&gcx_);
         abecs_cmd_gox_builder_delete(&gox_);
         abecs_cmd_fcx_builder_delete(&fcx_);
-        kor_map_delete(&items_);
-    }
-
-    std::string item(uint16_t id) {
-        const AbecsRspParamValue* const value = abecs_rsp_param_map_get(items_, id);
-        return value == nullptr ? "none" : std::string(value->data, value->data + value->size);
     }
 
     AbecsCmdGcxBuilder* gcx_ = abecs_cmd_gcx_builder_new("261121", "102030");
     AbecsCmdGoxBuilder* gox_ = abecs_cmd_gox_builder_new(3, ABECS_SPE_MTHD_PIN_DUKPT_TDES, 0);
     AbecsCmdFcxBuilder* fcx_ = abecs_cmd_fcx_builder_new("0000");
-    AbecsRspParamMap* items_ = abecs_rsp_param_map_new();
 };
 
 TEST_F(ParameterSale, TakesAContactlessCard) {
@@ -202,7 +177,7 @@ TEST_F(ParameterSale, TakesAContactlessCard) {
     begin("GOX", Gestures().type("1234"), abecs_cmd_gox, gox_);
     EXPECT_EQ(finish(abecs_cmd_gox_response, items_), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_GOXRES), "200001");
-    EXPECT_EQ(tdes_decipher(kDukptPinKey, item(ABECS_RSP_DATID_PP_PINBLK)), kContactlessBlock);
+    EXPECT_EQ(tdes_decipher(kPinKeys[0], item(ABECS_RSP_DATID_PP_PINBLK)), kContactlessBlock);
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_KSN), "FFFF9876543210E00001"_hex);
     EXPECT_EQ(call(abecs_cmd_cng, "9F7C020102"), ABECS_RSP_STAT_ST_OK);
     EXPECT_NO_RAISE(abecs_cmd_fcx_builder_arc(fcx_, "00"));
@@ -213,7 +188,6 @@ TEST_F(ParameterSale, TakesAContactlessCard) {
     AbecsEmvData data{};
     EXPECT_EQ(call(abecs_cmd_ged, &tags, &data), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(std::string(data.data, data.data + data.szData), "9F7C020102 9F0206000000001234"_hex);
-    retire();
 }
 
 TEST_F(ParameterSale, SpeaksToTheChip) {
@@ -233,7 +207,6 @@ TEST_F(ParameterSale, SpeaksToTheChip) {
         EXPECT_EQ(finish(abecs_cmd_chp_response, &out[0]), ABECS_RSP_STAT_ST_OK);
         EXPECT_STREQ(out, due);
     }
-    retire();
 }
 
 }  // namespace

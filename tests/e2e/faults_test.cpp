@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <chrono>
 #include <future>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "tests/e2e/fixture.h"
 #include "tests/support/elapsed.h"
@@ -57,7 +54,6 @@ TEST_F(Faults, OfOneCommandAreErrorsThatCanHeals) {
     EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK);
     expect_error({.kind = "bad-cryptogram"}, kError,
                  "Malformed encrypted response (caused by Encrypted packet is not complete)");
-    retire();
 }
 
 TEST_F(Faults, OfAFrameOrOfPaceAreBorne) {
@@ -73,7 +69,6 @@ TEST_F(Faults, OfAFrameOrOfPaceAreBorne) {
         expect_answer();
         EXPECT_TRUE(elapsed.between(least, 5s));
     }
-    retire();
 }
 
 TEST_F(Faults, OfWhatTheResponseSaysReachTheCaller) {
@@ -81,14 +76,11 @@ TEST_F(Faults, OfWhatTheResponseSaysReachTheCaller) {
     pinPad_.inject({.kind = "status", .status = ABECS_RSP_STAT_ST_INTERR});
     EXPECT_EQ(call(abecs_cmd_gin, 3, &out), ABECS_RSP_STAT_ST_INTERR);
     pinPad_.inject({.kind = "too-long"});
-    AbecsRspParamMap* items = abecs_rsp_param_map_new();
     const int32_t id = ABECS_CMD_GIX_ID_PP_SERNUM;
     EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 65535, available: 10)",
-                  abecs_cmd_gix(link_, &id, 1, items));
-    EXPECT_EQ(call(abecs_cmd_gix, &id, 1, items), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(kor_map_size(items), 1U);
-    kor_map_delete(&items);
-    retire();
+                  abecs_cmd_gix(link_, &id, 1, items_));
+    EXPECT_EQ(call(abecs_cmd_gix, &id, 1, items_), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(kor_map_size(items_), 1U);
 }
 
 TEST_F(Faults, OfABlockingCommandLeaveItPending) {
@@ -99,7 +91,6 @@ TEST_F(Faults, OfABlockingCommandLeaveItPending) {
     EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_PROCESSING);
     EXPECT_NO_RAISE(abecs_comm_send_can(link_));
     expect_answer();
-    retire();
 }
 
 class Unplugged : public Faults {
@@ -124,7 +115,6 @@ TEST_F(Unplugged, IsAnErrorUntilTheLinkIsOpenedAgain) {
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link_));
     EXPECT_NO_RAISE(link_ = abecs_comm_open(path.c_str()));
     expect_answer();
-    retire();
 }
 
 class Paced : public Faults {
@@ -139,7 +129,6 @@ TEST_F(Paced, TakesTheTimeOfTheLine) {
     pinPad_.when("GKY", Gestures().press(Key::kF1));
     EXPECT_NO_RAISE(abecs_cmd_gky(link_));
     EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_F1);
-    retire();
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "quorvel/quorvel.h"
 #include "simulator/pin_pad.h"
 #include "tests/support/raised.h"
+#include "tests/support/wire.h"
 #include "wire/hex.h"
 
 // What stands in hexadecimal there.
@@ -23,6 +24,23 @@ inline std::string from_digits(std::string_view digits) {
 
 inline const uint8_t* bytes(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); }
 
+inline const quorvel::sim::Card kCard{.pan = "4111111111111111",
+                                      .track1 = "B4111111111111111^DOE/JOHN^301210100000000000",
+                                      .track2 = "4111111111111111=30121010000000000",
+                                      .track3 = "014111111111111111==724724000000000030300100000000000000=1=0",
+                                      .chip = quorvel::sim::Chip::standard()};
+
+// Working keys, in clear and under the test keys that the PIN pad has at index 0; a vector to chain from.
+using support::literals::operator""_hex;
+inline const std::string kDes = "1122334455667788 1122334455667788"_hex;
+inline const std::string kTdes = "1122334455667788 9900AABBCCDDEEFF"_hex;
+inline const std::string kEncipheredDes = "B4CC3FD9D8D95214"_hex;
+inline const std::string kEncipheredTdes = "3EB3B72576BBBE83 4F0B96AAA5A8B548"_hex;
+inline const std::string kVector = "A1B2C3D4E5F60718"_hex;
+// The published keys of the first two transactions of DUKPT.
+inline const std::string kPinKeys[]{"042666B49184CF5C 68DE9628D0397B36"_hex, "C46551CEF9FD244F AA9AD834130D3B38"_hex};
+inline const std::string kDataKeys[]{"448D3F076D830403 6A55A3D7E0055A78"_hex, "F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex};
+
 // The library and a virtual PIN pad at the other end of its link.
 class EndToEnd : public testing::Test {
 protected:
@@ -31,7 +49,13 @@ protected:
         pinPad_.start();
         EXPECT_NO_RAISE(link_ = abecs_comm_open(pinPad_.path().c_str()));
     }
-    ~EndToEnd() override { EXPECT_NO_RAISE(abecs_comm_close(&link_)); }
+    ~EndToEnd() override {
+        EXPECT_NO_RAISE(abecs_comm_close(&link_));
+        kor_map_delete(&items_);
+    }
+
+    // The PIN pad has found nothing to complain about.
+    void TearDown() override { retire(); }
 
     // The command's status; -3, which none has, when it raises.
     template <typename... Parameters>
@@ -61,7 +85,18 @@ protected:
         return status;
     }
 
-    // What became of the PIN pad, which has found nothing to complain about.
+    // Of an answer that consists of parameters.
+    std::string item(uint16_t id) {
+        const AbecsRspParamValue* const value = abecs_rsp_param_map_get(items_, id);
+        return value == nullptr ? "" : std::string(value->data, value->data + value->size);
+    }
+
+    void swipe(const quorvel::sim::Card& card) {
+        begin("CEX", quorvel::sim::Gestures().swipe(card), abecs_cmd_cex, "110000", nullptr, nullptr);
+        EXPECT_EQ(call(abecs_cmd_cex_response, items_, nullptr), ABECS_RSP_STAT_ST_OK);
+    }
+
+    // What became of the PIN pad.
     const quorvel::sim::Device& retire() {
         pinPad_.stop();
         EXPECT_TRUE(pinPad_.findings().empty());
@@ -70,7 +105,13 @@ protected:
 
     quorvel::sim::PinPad pinPad_;
     AbecsComm* link_ = nullptr;
+    AbecsRspParamMap* items_ = abecs_rsp_param_map_new();
     std::vector<std::string> notes_;
+};
+
+class SecureEndToEnd : public EndToEnd {
+protected:
+    void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK); }
 };
 
 #endif

@@ -1,22 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <cstring>
-#include <string>
 
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
-#include "tests/support/wire.h"
 
 namespace {
 
 using namespace quorvel::sim;
-using namespace support::literals;
 using namespace std::string_literals;
-
-const Card kCard{.pan = "4111111111111111",
-                 .track1 = "B4111111111111111^DOE/JOHN^301210100000000000",
-                 .track2 = "4111111111111111=30121010000000000",
-                 .track3 = "014111111111111111==724724000000000030300100000000000000=1=0"};
 
 // In clear and, filled up to whole blocks, as they come enciphered.
 const std::string kTrack2 = "4111111111111111D30121010000000000"_hex;
@@ -25,22 +17,17 @@ const std::string kTrack1Blocks = kCard.track1 + "   ";
 const std::string kTrack2Blocks = kTrack2 + "FFFFFFFFFFFFFF"_hex;
 const std::string kTrack3Blocks = kTrack3 + "FFFF"_hex;
 const std::string kPanBlock = "4111111111111111"_hex;
-const std::string kVector = "A1B2C3D4E5F60718"_hex;
 
 // The PIN pad tells of nobody's card before it has read one.
-class Gtk : public EndToEnd {
+class Gtk : public SecureEndToEnd {
 protected:
     void SetUp() override {
-        EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK);
+        SecureEndToEnd::SetUp();
         set("1110");
-        EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_NOCARD);
-        begin("CEX", Gestures().swipe(kCard), abecs_cmd_cex, "010000", nullptr, nullptr);
-        EXPECT_EQ(call(abecs_cmd_cex_response, answer_, nullptr), ABECS_RSP_STAT_ST_OK);
+        ask(ABECS_RSP_STAT_ST_NOCARD);
+        swipe(kCard);
     }
-    void TearDown() override {
-        abecs_cmd_gtk_builder_delete(&builder_);
-        kor_map_delete(&answer_);
-    }
+    ~Gtk() override { abecs_cmd_gtk_builder_delete(&builder_); }
 
     void set(const char* tracks) {
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_reset(builder_));
@@ -51,7 +38,7 @@ protected:
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_mthd_dat(builder_, method));
         if (!vector.empty()) { EXPECT_NO_RAISE(abecs_cmd_gtk_builder_iv_cbc(builder_, bytes(vector))); }
     }
-    void ask() { EXPECT_EQ(call(abecs_cmd_gtk, builder_, answer_), ABECS_RSP_STAT_ST_OK); }
+    void ask(int32_t status = ABECS_RSP_STAT_ST_OK) { EXPECT_EQ(call(abecs_cmd_gtk, builder_, items_), status); }
 
     // All four, deciphered; the first digits come in clear.
     void expect_items(const std::string& key, const std::string& vector = "", size_t open = 0) {
@@ -68,12 +55,11 @@ protected:
     std::string item(Out* (*read)(const AbecsRspParamMap*, Out*)) {
         Out out{};
         Out* found = nullptr;
-        EXPECT_NO_RAISE(found = read(answer_, &out));
+        EXPECT_NO_RAISE(found = read(items_, &out));
         return found != nullptr ? std::string(out.data, out.data + out.size) : "";
     }
 
     AbecsCmdGtkBuilder* builder_ = abecs_cmd_gtk_builder_new();
-    AbecsRspParamMap* answer_ = abecs_rsp_param_map_new();
 };
 
 TEST_F(Gtk, BringsTheTracksInClear) {
@@ -87,53 +73,39 @@ TEST_F(Gtk, BringsTheTracksInClear) {
     set("0100");
     ask();
     EXPECT_EQ(item(abecs_cmd_gtk_response_track1), "");
-    retire();
 }
 
 // The same ciphers as EBX has them.
 TEST_F(Gtk, EnciphersUnderAWorkingKey) {
-    const AbecsCmdGtkWkEnc wkDes{8, {0xB4, 0xCC, 0x3F, 0xD9, 0xD8, 0xD9, 0x52, 0x14}};
-    AbecsCmdGtkWkEnc wkTdes{16, {}};
-    std::memcpy(wkTdes.data, "3EB3B72576BBBE83 4F0B96AAA5A8B548"_hex.data(), sizeof wkTdes.data);
-    const struct {
-        AbecsSpeMthdDat_E method;
-        const AbecsCmdGtkWkEnc& workingKey;
-        std::string key;
-        std::string vector;
-        int32_t openDigits;
-    } rows[] = {
-        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, wkDes, "1122334455667788 1122334455667788"_hex, kVector, 8},
-        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, wkTdes, "1122334455667788 9900AABBCCDDEEFF"_hex, "", 0},
-    };
-    for (const auto& row : rows) {
-        set("1111", row.method, row.vector);
+    for (const auto& [method, enciphered, key, vector, openDigits] :
+         {std::tuple(ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, kEncipheredDes, kDes, kVector, 8),
+          {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, kEncipheredTdes, kTdes, "", 0}}) {
+        AbecsCmdGtkWkEnc workingKey{static_cast<uint32_t>(enciphered.size()), {}};
+        std::memcpy(workingKey.data, enciphered.data(), enciphered.size());
+        set("1111", method, vector);
+        const int32_t open = openDigits;
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
-        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_wk_enc(builder_, &row.workingKey));
-        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_opn_dig(builder_, row.openDigits));
+        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_wk_enc(builder_, &workingKey));
+        EXPECT_NO_RAISE(abecs_cmd_gtk_builder_opn_dig(builder_, open));
         ask();
-        expect_items(row.key, row.vector, static_cast<size_t>(row.openDigits));
+        expect_items(key, vector, static_cast<size_t>(open));
     }
-    retire();
 }
 
-// The keys are the published ones for data of the first transactions.
 TEST_F(Gtk, EnciphersEachItemAsATransactionOfDukpt) {
     set("1000", ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, "");
     EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
     ask();
-    EXPECT_EQ(tdes_decipher("448D3F076D830403 6A55A3D7E0055A78"_hex, item(abecs_cmd_gtk_response_track1)),
-              kTrack1Blocks);
+    EXPECT_EQ(tdes_decipher(kDataKeys[0], item(abecs_cmd_gtk_response_track1)), kTrack1Blocks);
     EXPECT_EQ(item(abecs_cmd_gtk_response_trk1_ksn), "FFFF9876543210E00001"_hex);
     set("0111", ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, kVector);
     EXPECT_NO_RAISE(abecs_cmd_gtk_builder_key_idx(builder_, 0));
     ask();
-    EXPECT_EQ(tdes_decipher("F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex, item(abecs_cmd_gtk_response_track2), kVector),
-              kTrack2Blocks);
+    EXPECT_EQ(tdes_decipher(kDataKeys[1], item(abecs_cmd_gtk_response_track2), kVector), kTrack2Blocks);
     EXPECT_EQ(item(abecs_cmd_gtk_response_trk2_ksn), "FFFF9876543210E00002"_hex);
     EXPECT_EQ(item(abecs_cmd_gtk_response_trk3_ksn), "FFFF9876543210E00003"_hex);
     EXPECT_EQ(item(abecs_cmd_gtk_response_enc_pan).size(), 8U);
     EXPECT_EQ(item(abecs_cmd_gtk_response_enc_pan_ksn), "FFFF9876543210E00004"_hex);
-    retire();
 }
 
 TEST_F(Gtk, EnciphersUnderARandomKeyThatComesUnderTheHosts) {
@@ -150,7 +122,6 @@ TEST_F(Gtk, EnciphersUnderARandomKeyThatComesUnderTheHosts) {
         ASSERT_EQ(key.size(), 16U);
         expect_items(key, vector);
     }
-    retire();
 }
 
 }  // namespace

@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-
 #include "tests/e2e/fixture.h"
 #include "tests/simulator/host_key.h"
-#include "tests/support/wire.h"
 
 namespace {
 
 using namespace quorvel::sim;
-using namespace support::literals;
-
-const Card kCard{.pan = "4111111111111111",
-                 .track1 = "B4111111111111111^DOE/JOHN^30121010000000000",
-                 .track2 = "4111111111111111=30121010000000000"};
 
 AbecsCmdGpnCmdData pin_request(AbecsCmdGpnMethod_E method, const std::string& wkEnc, const std::string& pan) {
     AbecsCmdGpnCmdData request{};
@@ -24,10 +17,7 @@ AbecsCmdGpnCmdData pin_request(AbecsCmdGpnMethod_E method, const std::string& wk
     return request;
 }
 
-class Interaction : public EndToEnd {
-protected:
-    void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK); }
-};
+using Interaction = SecureEndToEnd;
 
 TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
     const char options[][25] = {"TEA", "COFFEE"};
@@ -39,23 +29,11 @@ TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
     begin("GCD", Gestures().type("042"), abecs_cmd_gcd, 7, 1, 3, 0);
     EXPECT_EQ(call(abecs_cmd_gcd_response, number, nullptr), ABECS_RSP_STAT_ST_OK);
     EXPECT_STREQ(number, "042");
-    AbecsRspParamMap* items = abecs_rsp_param_map_new();
-    begin("CEX", Gestures().swipe(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
-    EXPECT_EQ(call(abecs_cmd_cex_response, items, nullptr), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(abecs_cmd_cex_response_get_event(items), ABECS_PP_EVENT_MAGNETIC_CARD);
-    EXPECT_STREQ(abecs_cmd_cex_response_get_trk2inc(items), "411111******1111=30121010000000000");
-    kor_map_delete(&items);
-    AbecsCmdCkeOut out{};
-    begin("CKE", Gestures().swipe(kCard), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
-          ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
-    EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(out.track1, kCard.track1);
-    EXPECT_EQ(out.track2, kCard.track2);
-    EXPECT_EQ(out.trk3Len, 0U);
-    retire();
+    swipe(kCard);
+    EXPECT_EQ(abecs_cmd_cex_response_get_event(items_), ABECS_PP_EVENT_MAGNETIC_CARD);
+    EXPECT_STREQ(abecs_cmd_cex_response_get_trk2inc(items_), "411111******1111=30121010000000000");
 }
 
-// The working keys are deciphered, and those of DUKPT the published ones of its first two transactions.
 TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
     const struct {
         AbecsCmdGpnMethod_E method;
@@ -66,16 +44,16 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
         const char* ksn;
         std::string block;
     } rows[] = {
-        {ABECS_CMD_GPN_METHOD_MK_WK_DES, "B4CC3FD9D8D95214", "4012345678909", "1234",
-         "1122334455667788 1122334455667788"_hex, "00000000000000000000", "041274EDCBA9876F"_hex},
+        {ABECS_CMD_GPN_METHOD_MK_WK_DES, "B4CC3FD9D8D95214", "4012345678909", "1234", kDes, "00000000000000000000",
+         "041274EDCBA9876F"_hex},
         {ABECS_CMD_GPN_METHOD_MK_WK_TDES, "3eb3b72576bbbe834f0b96aaa5a8b548", "6799990100000000019", "123456789012",
-         "1122334455667788 9900AABBCCDDEEFF"_hex, "00000000000000000000", "0C123556789012FE"_hex},
+         kTdes, "00000000000000000000", "0C123556789012FE"_hex},
         {ABECS_CMD_GPN_METHOD_DUKPT_DES, "", "", "1234", "35FDB4BBAEE6A293 35FDB4BBAEE6A293"_hex,
          "FFFF9876543210E00001", "041234FFFFFFFFFF"_hex},
-        {ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4111111111111111", "12345", "042666B49184CF5C 68DE9628D0397B36"_hex,
-         "FFFF9876543210E00001", "0512254EEEEEEEEE"_hex},
-        {ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "19", "1234", "C46551CEF9FD244F AA9AD834130D3B38"_hex,
-         "FFFF9876543210E00002", "041234FFFFFFFFFE"_hex},
+        {ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4111111111111111", "12345", kPinKeys[0], "FFFF9876543210E00001",
+         "0512254EEEEEEEEE"_hex},
+        {ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "19", "1234", kPinKeys[1], "FFFF9876543210E00002",
+         "041234FFFFFFFFFE"_hex},
     };
     for (const auto& row : rows) {
         const AbecsCmdGpnCmdData request = pin_request(row.method, row.wkEnc, row.pan);
@@ -84,8 +62,10 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
         EXPECT_EQ(call(abecs_cmd_gpn_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(tdes_decipher(row.key, from_digits(out.pinBlk)), row.block);
         EXPECT_STREQ(out.ksn, row.ksn);
+        if (row.method != ABECS_CMD_GPN_METHOD_DUKPT_TDES) { continue; }
+        EXPECT_EQ(call(abecs_cmd_gdu, ABECS_CMD_GDU_METHOD_3, 0, out.ksn), ABECS_RSP_STAT_ST_OK);
+        EXPECT_STREQ(out.ksn, row.ksn) << "of the last PIN block";
     }
-    retire();
 }
 
 TEST_F(Interaction, IsCancelledAtAnyTime) {
@@ -112,7 +92,6 @@ TEST_F(Interaction, IsCancelledAtAnyTime) {
     begin("GCD", Gestures().press(digit('1')), abecs_cmd_gcd, 1, 1, 9, 9);
     expect_idle();
     EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
-    retire();
 }
 
 }  // namespace

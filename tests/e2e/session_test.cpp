@@ -15,7 +15,6 @@ class Sessions : public EndToEnd, public testing::WithParamInterface<int> {};
 
 TEST_P(Sessions, AllOpenAndAnswerAndAreLeftForPlainCommands) {
     const int32_t id = ABECS_CMD_GIX_ID_PP_BIGRAND;
-    AbecsRspParamMap* items = abecs_rsp_param_map_new();
     AbecsCmdGinOut out{};
     for (int i = 0; i < kSessionsEach; ++i) {
         ASSERT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK) << "session " << i;
@@ -25,11 +24,9 @@ TEST_P(Sessions, AllOpenAndAnswerAndAreLeftForPlainCommands) {
     for (const bool extended : {false, true}) {
         EXPECT_EQ(call(abecs_cmd_opn, true), ABECS_RSP_STAT_ST_OK);
         EXPECT_EQ(extended ? call(abecs_cmd_clx, "BYE", nullptr) : call(abecs_cmd_clo, "BYE"), ABECS_RSP_STAT_ST_OK);
-        EXPECT_EQ(call(abecs_cmd_gix, &id, 1, items), ABECS_RSP_STAT_ST_OK);
-        EXPECT_EQ(kor_map_size(items), 1U);
+        EXPECT_EQ(call(abecs_cmd_gix, &id, 1, items_), ABECS_RSP_STAT_ST_OK);
+        EXPECT_EQ(kor_map_size(items_), 1U);
     }
-    kor_map_delete(&items);
-    retire();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfThreeHundred, Sessions, testing::Range(0, 5));

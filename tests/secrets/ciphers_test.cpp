@@ -3,7 +3,7 @@
 #include "tests/crypt/block_modes.h"
 #include "tests/secrets/table.h"
 
-namespace secrets {
+using namespace secrets;
 
 namespace {
 
@@ -68,5 +68,3 @@ Table ciphers() {
 INSTANTIATE_TEST_SUITE_P(Ciphers, Secrets, testing::ValuesIn(ciphers()), name_of);
 
 }  // namespace
-
-}  // namespace secrets

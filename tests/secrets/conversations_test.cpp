@@ -9,7 +9,7 @@
 #include "tests/support/scratch.h"
 #include "tests/support/wire.h"
 
-namespace secrets {
+using namespace secrets;
 
 namespace {
 
@@ -239,5 +239,3 @@ TEST(Secrets, AreWipedWhereverMemoryEnds) {
 }
 
 }  // namespace
-
-}  // namespace secrets

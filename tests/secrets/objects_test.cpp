@@ -5,7 +5,7 @@
 #include "quorvel/quorvel.h"
 #include "tests/secrets/table.h"
 
-namespace secrets {
+using namespace secrets;
 
 namespace {
 
@@ -146,5 +146,3 @@ const Table kKeys{
 INSTANTIATE_TEST_SUITE_P(Keys, Secrets, testing::ValuesIn(kKeys), name_of);
 
 }  // namespace
-
-}  // namespace secrets

@@ -6,7 +6,7 @@
 #include "tests/crypt/randomness.h"
 #include "tests/secrets/table.h"
 
-namespace secrets {
+using namespace secrets;
 
 namespace {
 
@@ -116,5 +116,3 @@ TEST(Secrets, OfRsaAreWiped) {
 }
 
 }  // namespace
-
-}  // namespace secrets

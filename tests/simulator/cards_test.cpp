@@ -2,17 +2,12 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/cards/cards.h"
 
-#include <gtest/gtest.h>
-#include <stdexcept>
-#include <string>
-#include <tuple>
-#include <utility>
-
 #include "simulator/cards/emv.h"
 #include "simulator/cards/risk.h"
+#include "tests/simulator/fixture.h"
 #include "wire/hex.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -126,12 +121,8 @@ TEST(Cards, ErrorsNameTheKeyAndTheLine) {
              {card + "[a.chip]\nscript = { 00A404 = '9000' }", "line 4: a.chip.script.00A404: no command and response"},
              {"[a", "line 1: "},
          }) {
-        try {
-            static_cast<void>(Cards::from_toml(text));
-            ADD_FAILURE() << text;
-        } catch (const std::runtime_error& error) {
-            EXPECT_TRUE(std::string(error.what()).starts_with(due)) << error.what();
-        }
+        const std::string fault = thrown([&, &wrong = text] { static_cast<void>(Cards::from_toml(wrong)); });
+        EXPECT_TRUE(fault.starts_with(due)) << fault;
     }
     EXPECT_THROW(static_cast<void>(Cards::from_file("/nowhere/cards.toml")), std::runtime_error);
 }
@@ -197,5 +188,3 @@ TEST(Risk, FinalDecision) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

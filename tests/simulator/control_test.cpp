@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <stdexcept>
 #include <sys/stat.h>
 
 #include "simulator/control/control_server.h"
 #include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -72,25 +70,6 @@ TEST_F(ControlTest, HasExamplesInTheGuideThatHold) {
     retire();
 }
 
-TEST_F(ControlTest, DoesWhatThePersonDoes) {
-    const std::string option = "0020 0018"_hex + field("TEA", 24);
-    for (const auto& [request, act, response] : {
-             std::tuple("GKY"s, R"("press","key":"f4")", "GKY007"s),
-             {"CKE003002", R"("insert","card":"visa-chip")", "CKE00000221"},
-             {"CKE003001", R"("remove")", "CKE00000220"},
-             {"CKE0040001", R"("tap","card":"visa-contactless")", "CKE00000231"},
-             {"MNU084" + option + option + option, R"("choose","option":3)", "MNU000006" + "804D 0002"_hex + "03"},
-             {"GCD016" + "000B 0002 0007 000D 0001 02 000E 0001 03"_hex, R"("type","digits":"042")",
-              "GCD000007" + "804D 0003"_hex + "042"},
-         }) {
-        exchange(frame(request), kAck);
-        expect_answers({{R"({"do":"await","command":")" + request.substr(0, 3) + "\"}", kDone},
-                        {R"({"do":)"s + act + "}", kDone}});
-        expect(frame(response));
-    }
-    expect_findings({});
-}
-
 TEST_F(ControlTest, RefusesWhatIsNoRequest) {
     expect_answers({
         {"{", refused("no JSON")},
@@ -125,7 +104,6 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
     exchange(frame("GKY"), kAck);
     exchange(kCan, kEot);
     EXPECT_EQ(pinPad_->faults(), std::vector<Fault>{});
-    expect_findings({});
 }
 
 TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
@@ -135,7 +113,7 @@ TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
     EXPECT_EQ(client_->line(), kDone);
     const json state{{"ok", true}, {"port", pinPad_->path()}, {"waiting", "GKY"}, {"session", "plain"}, {"card", true}};
     EXPECT_EQ(told("state"), state);
-    ask("OPN5230256" + std::string(512, 'F') + "3010001");
+    ask(kOpenSession);
     EXPECT_EQ(told("state").at("waiting"), nullptr);
     EXPECT_EQ(told("state").at("session"), "encrypted");
     EXPECT_EQ(told("findings").at("findings"),
@@ -210,11 +188,8 @@ TEST_F(ControlTest, IsForItsUserAloneAndTakesThePlaceOnlyOfASocketThatNobodyServ
     struct stat status {};
     ASSERT_EQ(stat(path_.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
-    const auto fault = [&](const std::string& path) -> std::string {
-        try {
-            const ControlServer second(path, *control_);
-            return "";
-        } catch (const std::runtime_error& error) { return error.what(); }
+    const auto fault = [&](const std::string& path) {
+        return thrown([&] { const ControlServer second(path, *control_); });
     };
     EXPECT_EQ(fault(path_), path_ + " is in use");
     const std::string file = folder_.file("file", "kept");
@@ -233,5 +208,3 @@ TEST_F(ControlTest, IsForItsUserAloneAndTakesThePlaceOnlyOfASocketThatNobodyServ
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

@@ -8,7 +8,7 @@
 
 // The clear working key is 11223344556677889900AABBCCDDEEFF; what is enciphered was worked out with the openssl
 // program.
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -22,7 +22,6 @@ TEST_F(EncipherTest, EnbNeedsItsKeyAndItsLayout) {
     // The same key, sent as the 8 bytes that it is.
     call("ENB0510003030303030303030B4CC3FD9D8D952144111111111111111", "ENB0000167CC310657070D8A3");
     call("ENB051199ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB042");
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"ENB051200ECAA54F11CEDC5178BE0FB560E8C43F04111111111111111", "ENB: ENB_METHOD: 2 is not from 0 to 1"}});
 }
@@ -39,7 +38,6 @@ TEST_F(EncipherTest, EbxChainsFromZerosAndCountsItsKeyByItself) {
     call("GIX006" + "0001 0002 9200"_hex, "GIX000014" + "9200 000A FFFF9876543210E00001"_hex);
     call("GDU003300", "GDU000020FFFF9876543210E00000");
     call("GDU003399", "GDU042");
-    expect_findings({});
     refuse("011", Kind::kLayout, {{"GDU003100", "GDU: GDU_METHOD: 1 is not from 2 to 3"}});
 }
 
@@ -73,17 +71,14 @@ TEST_F(EncipherTest, GtkTakesExactlyWhatItsMethodNeeds) {
     play(device);
     call("GTK008" + tracks, "GTK000");
     call("GTK020" + track2AndPan + kIndex + kMethod + "50", "GTK042");
-    expect_findings({});
     refuse("019", Kind::kLayout,
            {{"GTK", "GTK: SPE_TRACKS is missing"},
             {"GTK008" + track2AndPan, "GTK: SPE_MTHDDAT is missing for the card number"},
-            {"GTK020" + tracks + kMethod + "11" + kIndex, "GTK: SPE_WKENC is missing"},
             {"GTK274" + tracks + kMethod + "90" + modulus, "GTK: SPE_PBKEXP is missing"}});
     refuse("011", Kind::kLayout,
            {{"GTK008" + "0007 0004"_hex + "1120", "SPE_TRACKS: digits other than 0 and 1"},
             {"GTK013" + tracks + "0008 0001"_hex + "3", "SPE_OPNDIG: an odd number"},
             {"GTK014" + tracks + kIndex, "GTK: SPE_KEYIDX 0x0009 has no place in it"},
-            {"GTK020" + tracks + kIndex + kMethod + "90", "GTK: SPE_KEYIDX 0x0009 has no place in it"},
             {"GTK024" + tracks + kMethod + "90" + "0024 0002 FFFF 0025 0000"_hex, "SPE_PBKMOD: 2 bytes"},
             {"GTK016" + tracks + tracks, "GTK: SPE_TRACKS 0x0007 has no place in it"}});
 }
@@ -101,7 +96,6 @@ TEST_F(EncipherTest, DwkTakesAKeyUnderAMasterKey) {
     call("CLO032" + std::string(32, ' '), "CLO000");
     call(enb + "4111111111111111", "ENB00001646DF6741E1E2B68C");
     call(tdes, "DWK000");
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"DWK0363100BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_MODE: 3 is not from 1 to 2"},
             {"DWK0361200BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_METHOD: 2 is not from 0 to 1"},
@@ -128,10 +122,7 @@ TEST_F(EncipherTest, DwkGivesAKeyUnderTheHostsPublicKey) {
         last = block.substr(11, 32);
     }
     EXPECT_TRUE(awaited.empty());
-    expect_findings({});
     EXPECT_EQ(last, to_hex(retire().panKey.value()));
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

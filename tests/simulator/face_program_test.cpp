@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
-#include <array>
 #include <csignal>
-#include <fcntl.h>
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -13,7 +11,7 @@
 #include "tests/simulator/fixture.h"
 #include "tests/support/child.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -103,20 +101,11 @@ private:
 };
 
 TEST(FaceProgram, LetsAPersonPlayTheCardholderAndLeavesTheTerminalAsItWas) {
-    const struct {
-        std::string term;
-        std::string locale;
-        const char* frame;
-        const char* leaving;
-        int signal;
-    } cases[]{
-        {"xterm-256color", "C.UTF-8", "┌─", "q", 0},
-        {"xterm", "C", "+-", "\x03", 0},
-        {"vt100", "C.UTF-8", "┌─", "", SIGTERM},
-    };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.term);
-        TerminalProgram program({QUORVEL_SIM, "--face", "--trace"}, {"TERM=" + each.term, "LC_ALL=" + each.locale});
+    for (const auto& [term, locale, edge, leaving, signal] : {std::tuple("xterm-256color"s, "C.UTF-8"s, "┌─", "q", 0),
+                                                              {"xterm", "C", "+-", "\x03", 0},
+                                                              {"vt100", "C.UTF-8", "┌─", "", SIGTERM}}) {
+        SCOPED_TRACE(term);
+        TerminalProgram program({QUORVEL_SIM, "--face", "--trace"}, {"TERM=" + term, "LC_ALL=" + locale});
         const std::string ready = program.line();
         ASSERT_TRUE(ready.starts_with("READY /dev/pts/")) << ready;
         EXPECT_TRUE(program.await(ready.substr(6)));
@@ -133,12 +122,12 @@ TEST(FaceProgram, LetsAPersonPlayTheCardholderAndLeavesTheTerminalAsItWas) {
         EXPECT_TRUE(program.await("GKY 006"));
         program.resize(12, 40);
         EXPECT_TRUE(program.await("findings: 0")) << program.seen();
-        program.type(each.leaving);
-        EXPECT_EQ(program.end(each.signal), 0);
+        program.type(leaving);
+        EXPECT_EQ(program.end(signal), 0);
         EXPECT_TRUE(program.is_as_before());
-        EXPECT_NE(program.seen().find(each.frame), std::string::npos);
+        EXPECT_NE(program.seen().find(edge), std::string::npos);
         const bool onlyAscii = std::ranges::all_of(program.seen(), [](char byte) { return (byte & 0x80) == 0; });
-        EXPECT_EQ(onlyAscii, each.locale == "C");
+        EXPECT_EQ(onlyAscii, locale == "C");
     }
 }
 
@@ -154,5 +143,3 @@ TEST(FaceProgram, SaysThatATerminalCannotShowIt) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

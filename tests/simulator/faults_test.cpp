@@ -9,7 +9,7 @@
 
 using namespace std::chrono_literals;
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -42,8 +42,6 @@ TEST_F(FaultsTest, StrikeWhatGoesOverTheLineOnce) {
     strike({.kind = "too-long"}, "GIN00204", kAck + frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
     strike({.kind = "too-long"}, "GIX006" + "0001 0002 8001"_hex,
            kAck + frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
-    exchange(kOpn, kAck + kOpnDone);
-    expect_findings({});
 }
 
 TEST_F(FaultsTest, LeaveTheResponseWholeForItsRepetition) {
@@ -52,7 +50,6 @@ TEST_F(FaultsTest, LeaveTheResponseWholeForItsRepetition) {
     exchange(kNak, "\x16OPN000\x17\x77\x5F");
     exchange(kNak, "\x16OPN0");
     exchange(kNak, kOpnDone);
-    expect_findings({});
 }
 
 TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
@@ -67,7 +64,6 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
     for (int i = 0; i < 5; ++i) { call("OPN", "XXX000"); }
     pinPad_->clear_faults();
     call("OPN", "OPN000");
-    expect_findings({});
 }
 
 TEST_F(FaultsTest, ShowInTheTraceAndKeepItsSecrets) {
@@ -111,10 +107,7 @@ TEST(FaultPlan, TakesNoFaultThatCannotBe) {
     };
     FaultPlan plan(1);
     for (const auto& [fault, due] : cases) {
-        try {
-            plan.add(fault);
-            ADD_FAILURE() << due;
-        } catch (const std::invalid_argument& error) { EXPECT_EQ(error.what(), due); }
+        EXPECT_EQ(thrown<std::invalid_argument>([&, &wrong = fault] { plan.add(wrong); }), due);
     }
     EXPECT_EQ(plan.faults(), std::vector<Fault>{});
 }
@@ -134,5 +127,3 @@ TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

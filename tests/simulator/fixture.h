@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,8 +31,21 @@ inline const std::string kNak = "\x15";
 inline const std::string kCan = "\x18";
 inline const std::string kEot = "\x04";
 
+// Whoever has no use for the session key needs no key pair.
+inline const std::string kOpenSession = "OPN5230256" + std::string(512, 'F') + "3010001";
+constexpr SessionKey kSessionKey{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+
 inline Card card(std::string_view name) { return Cards::standard().at(name); }
 inline Gestures inserted(std::string_view name) { return Gestures().insert(card(name)); }
+
+// What the call says that it throws; nothing if it returns.
+template <typename Error = std::runtime_error>
+std::string thrown(const auto& call) {
+    try {
+        call();
+    } catch (const Error& error) { return error.what(); }
+    return "";
+}
 
 // A text at the start of its field.
 inline std::string field(std::string text, size_t width) {
@@ -57,6 +71,8 @@ protected:
     }
 
     void play(PinPad::Options options = {}) {
+        if (pinPad_) { expect_findings({}); }
+        findings_.clear();
         pinPad_.emplace(std::move(options));
         pinPad_->start();
         host_.emplace(pinPad_->path());
@@ -105,34 +121,42 @@ protected:
         return packet;
     }
 
+    // What was found since the last time. In the end there is nothing else.
+    void expect_findings(const std::vector<Finding>& next) {
+        findings_.insert(findings_.end(), next.begin(), next.end());
+        EXPECT_EQ(pinPad_->findings(), findings_);
+    }
+
     // Requests that are all answered with the status, and what is found in each. Behind ERR, what is no command.
     void refuse(const std::string& status, Kind kind,
                 const std::vector<std::pair<std::string, std::string>>& requests) {
-        std::vector<Finding> due = pinPad_->findings();
         for (const auto& [request, finding] : requests) {
             call(request, status.starts_with("ERR") ? status : request.substr(0, 3) + status);
-            due.push_back({kind, finding});
-            ASSERT_EQ(pinPad_->findings(), due);
+            expect_findings({{kind, finding}});
         }
     }
 
     // The answer to CAN comes next only if nothing else was sent that no test expected.
     void TearDown() override {
-        if (pinPad_) { exchange(kCan, kEot); }
+        if (!pinPad_) { return; }
+        exchange(kCan, kEot);
+        expect_findings({});
     }
 
     // Ends the PIN pad and returns what became of it.
     Device retire() {
+        expect_findings({});
         pinPad_->stop();
         Device device = pinPad_->device();
         pinPad_.reset();
         return device;
     }
 
-    void expect_findings(const std::vector<Finding>& due) { EXPECT_EQ(pinPad_->findings(), due); }
-
     std::optional<PinPad> pinPad_;
     std::optional<Host> host_;
+
+private:
+    std::vector<Finding> findings_;
 };
 
 }  // namespace quorvel::sim

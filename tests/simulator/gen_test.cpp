@@ -3,7 +3,7 @@
 #include "simulator/cardholder/digit_entry.h"
 #include "tests/simulator/fixture.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -32,7 +32,6 @@ TEST_F(GenTest, TellsWhereKeysAreEnciphersAndReadsTags) {
     call("GEN0100300503300", "GEN000023020FFFF9876543210E00001");
     call("GEN0070300202", "GEN000003000");
     call("GEN0100400504000", "GEN000003000");
-    expect_findings({});
     refuse("010", Kind::kUnsupported, {{"GEN01302008K4000000", "GEN: there is no 02/K4"}});
     refuse("011", Kind::kLayout,
            {{"GEN01302008K3000504", "GEN: GEN02K3_IDXEND: 4 is not from 5 to 99"},
@@ -61,7 +60,6 @@ TEST_F(GenTest, PowersChipsAndExchangesApdus) {
     call(verify + "241234FFFFFFFFFF000", "GEN00001100809000000");
     call(verify + "251234FFFFFFFFFF000", "GEN000011008063C2000");
     call("GEN0220401702800880000000000", "GEN051");
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"GEN009040040100", "GEN: GEN0401_OPER: 0 is not from 1 to 4"},
             {"GEN009040040119", "GEN: GEN_SLOT: 9 is not from 0 to 8"},
@@ -79,7 +77,6 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
     typed(Gestures().press(digit('1')).press(Key::kCancel), "GEN013");
     typed(Gestures().remove().type("1234"), "GEN043");
     call("GEN053040480300020008029999" + field("", 32), "GEN043");
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"GEN0530404803000200080G0412" + field("", 32), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
             {"GEN053040480300020008020504" + field("", 32), "GEN: GEN0403_PINMAX: 4 is not from 5 to 99"}});
@@ -101,5 +98,3 @@ TEST(DigitEntry, ShowsHowManyDigitsThereAre) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

@@ -2,9 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/cards/pan_mask.h"
 #include "tests/simulator/fixture.h"
-#include "wire/hex.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -21,7 +20,6 @@ TEST_F(InteractionTest, ShowsMessages) {
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "A\r\xC9"}));
     call("DEX003000", "DEX000");
     EXPECT_EQ(pinPad_->screen(), Screen::Content{});
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"DSP032\r" + field("", 31), "DSP: DSP_MSG: 0x0D is not allowed"},
             {"DEX164161" + field("", 161), "DEX: DEX_MSGLEN: 161 is not from 0 to 160"},
@@ -43,7 +41,6 @@ TEST_F(InteractionTest, OffersAMenu) {
               (Screen::Content{.text = "CHOOSE\rONE", .menu = {"TEA", "COFFEE", "WATER"}, .selected = 2}));
     exchange(kCan, kEot);
     EXPECT_EQ(pinPad_->screen(), Screen::Content{});
-    expect_findings({});
     std::string tooMany = "MNU588";
     for (int i = 0; i < 21; ++i) { tooMany += tea; }
     refuse("011", Kind::kLayout,
@@ -64,22 +61,15 @@ TEST_F(InteractionTest, AsksForANumber) {
     exchange(kCan, kEot);
     call_while(Gestures().press(Key::kEnter), "GCD016" + "000B 0002 0007 000D 0001 00 000E 0001 00"_hex,
                "GCD000004" + "804D 0000"_hex);
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"GCD016" + "000B 0002 0007 000D 0001 21 000E 0001 21"_hex, "SPE_MINDIG: digits: 33 is not from 0 to 32"},
             {"GCD016" + "000B 0002 0007 000D 0001 05 000E 0001 04"_hex, "SPE_MAXDIG: digits: 4 is not from 5 to 32"}});
     refuse("019", Kind::kLayout, {{"GCD011" + "000B 0002 0007 000D 0001 00"_hex, "GCD: no SPE_MAXDIG"}});
 }
 
-struct Happening {
-    std::string options;
-    Gestures gestures;
-    std::string answer;
-};
-
 TEST_F(InteractionTest, TellsCexWhatHappened) {
     const std::string track1 = "B37** ****** **005^DOE/JOHN^3012";
-    const std::vector<Happening> cases{
+    const std::tuple<std::string, Gestures, std::string> cases[]{
         {"100000", Gestures().swipe(kAmex).press(digit('1')).press(Key::kDown), "006" + "8040 0002"_hex + "03"},
         {"010000", Gestures().press(Key::kEnter).tap(kAmex).swipe({.pan = "1", .track2 = "1=2"}),
          "013" + "8040 0002"_hex + "90" + "8042 0003"_hex + "1=2"},
@@ -96,7 +86,6 @@ TEST_F(InteractionTest, TellsCexWhatHappened) {
     for (const auto& [options, gestures, answer] : cases) {
         call_while(gestures, "CEX018" + "0006 0006"_hex + options + "0023 0004"_hex + "0203", "CEX000" + answer);
     }
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"CEX010" + "0006 0006"_hex + "200000", "SPE_CEXOPT: keys: 2 is not from 0 to 1"},
             {"CEX010" + "0006 0006"_hex + "003000", "SPE_CEXOPT: chip: 3 is not from 0 to 2"},
@@ -120,24 +109,11 @@ TEST_F(InteractionTest, TellsCkeWhatHappened) {
     call("CKE003002", "CKE00000221");
     call_while(Gestures().remove(), "CKE003001", "CKE00000220");
     call_while(Gestures().swipe(kAmex).tap(kAmex), "CKE0040001", "CKE00000231");
-    expect_findings({});
     refuse("011", Kind::kLayout,
            {{"CKE003200", "CKE: CKE_KEY: 2 is not from 0 to 1"},
             {"CKE003003", "CKE: CKE_ICC: 3 is not from 0 to 2"},
             {"CKE0040002", "CKE: CKE_CTLS: 2 is not from 0 to 1"},
             {"CKE00500000", "CKE: 1 bytes too many"}});
-}
-
-// The card number's last 16 digits, blanks as E and filled up with F, enciphered with the openssl program.
-TEST_F(InteractionTest, TellsCkeTracksUnderThePanKey) {
-    Device device;
-    device.panKey = from_hex("11223344556677889900AABBCCDDEEFF");
-    play(device);
-    const std::string track2 = "6118E09677FA9702=3012101";
-    call_while(
-        Gestures().swipe({.pan = kAmex.pan, .track1 = kAmex.track1, .track2 = kAmex.track2}), "CKE003010",
-        "CKE000225132" + field("B3170C73962C42EDC3^DOE/JOHN^3012", 76) + "24" + field(track2, 40) + field("", 104));
-    expect_findings({});
 }
 
 std::string gpn(const std::string& head, const std::string& key, const std::string& pan,
@@ -161,7 +137,6 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
           gpn("300", blank, "00" + field("", 19), {"0412PIN", "0412AGAIN"}), "NTM000005TYPED");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "AGAIN", .typed = "*"}));
     exchange(kCan, kEot);
-    expect_findings({});
     for (const Traffic& traffic : pinPad_->traffic()) { EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos); }
     refuse("011", Kind::kLayout,
            {{gpn("400", blank, pan, {"0412PIN"}), "GPN: GPN_METHOD: 4 is not from 0 to 3"},
@@ -192,15 +167,6 @@ TEST_F(InteractionTest, LastsUntilThePersonActs) {
     pinPad_->when("GKY", Gestures().press(Key::kF3));
     call("GKY", "GKY005");
     call("GKY", "GKY006");
-    expect_findings({});
-}
-
-TEST_F(InteractionTest, EndsWithTheNextCommandWhichIsAFault) {
-    play();
-    exchange(frame("GKY"), kAck);
-    call("GIN00203", "GIN000042APP00301000001A00B00001.00 260101000101T03");
-    pinPad_->press(Key::kEnter);
-    expect_findings({{Kind::kSequence, "a command came while GKY waited"}});
 }
 
 TEST_F(InteractionTest, EndsWithItsTime) {
@@ -213,27 +179,21 @@ TEST_F(InteractionTest, EndsWithItsTime) {
     // What the person does at once is still in time.
     pinPad_->when("CEX", Gestures().press(Key::kF1));
     call("CEX015" + "0006 0006"_hex + "100000" + "000C 0001 00"_hex, "CEX000006" + "8040 0002"_hex + "04");
-    expect_findings({});
 }
 
 TEST_F(InteractionTest, TellsTheHostInBetweenPlainlyAndEnciphered) {
-    SessionKey key{};
-    for (size_t i = 0; i < key.size(); ++i) { key.at(i) = static_cast<uint8_t>(i); }
-    play({.sessionKey = key});
+    play({.sessionKey = kSessionKey});
     exchange(frame("GKY"), kAck);
     pinPad_->act(Gestures().notify("TEXT"));
     expect(frame("NTM000004TEXT"));
     exchange(kNak, frame("NTM000004TEXT"));
     pinPad_->press(Key::kF1);
     expect(frame("GKY004"));
-    ask("OPN5230256" + std::string(512, 'F') + "3010001");
+    ask(kOpenSession);
     pinPad_->when("GKY", Gestures().notify("TEXT").press(Key::kF1));
     exchange(support::encrypted_frame("85F4FF83818B561EC3ED87569A03F9EB"_hex),
              kAck + support::encrypted_frame("E0DBD8966C7D9C2D7DF939A5665CE1A05F51D24C7ACAC73B0919EDFB9C3B4AA5"_hex)
                  + support::encrypted_frame("DDEB3B9C6650FC6FEAA5009894571462"_hex));
-    expect_findings({});
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

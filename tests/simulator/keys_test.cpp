@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "simulator/keys/dukpt.h"
 #include "simulator/keys/key_store.h"
 #include "simulator/keys/pan_cipher.h"
+#include "tests/simulator/fixture.h"
 #include "wire/hex.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -102,10 +98,7 @@ TEST(KeyStore, SaysWhatIsWrongWithAFile) {
              {dukpt + "initial_key = '00'\nksn = 'FFFF9876543210E00000'",
               "line 5: dukpt.initial_key: a key of 1 bytes instead of 16"},
          }) {
-        try {
-            static_cast<void>(KeyStore::from_toml(text));
-            ADD_FAILURE() << text;
-        } catch (const std::runtime_error& error) { EXPECT_EQ(error.what(), fault); }
+        EXPECT_EQ(thrown([&, &wrong = text] { static_cast<void>(KeyStore::from_toml(wrong)); }), fault);
     }
     EXPECT_THROW(static_cast<void>(KeyStore::from_toml("[[master")), std::runtime_error);
 }
@@ -131,5 +124,3 @@ TEST(PanCipher, EnciphersTheLastSixteenDigitsThatCanBeReadBack) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "tests/simulator/fixture.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -53,7 +53,7 @@ TEST_F(PinPadTest, RefusesWhatIsNoCommand) {
              R"(there is no command "\xff\xfeA")"}});
     refuse("ERR010", Kind::kLayout, {{"GI", "a frame without a command"}, {"", "a frame without a command"}});
     exchange("\x16\x12" + "0123456789abcdef\x17\xB9\x4C"s, kAck + frame("ERR003"));
-    EXPECT_EQ(pinPad_->findings().back(), (Finding{Kind::kSequence, "an encrypted frame without a session"}));
+    expect_findings({{Kind::kSequence, "an encrypted frame without a session"}});
 }
 
 TEST_F(PinPadTest, AnswersGinWithTheLayoutOfTheIndex) {
@@ -63,7 +63,6 @@ TEST_F(PinPadTest, AnswersGinWithTheLayoutOfTheIndex) {
     call("GIN00202", "GIN000042QUORVEL APPLICATION2001.00 2601010001A0002");
     call("GIN00204", "GIN000042SPARE               1.0              7  42");
     call("GIN00299", "GIN000042ACQUIRER 99         001.00 2601010001A0000");
-    expect_findings({});
 }
 
 TEST_F(PinPadTest, AnswersGixWithWhatItHas) {
@@ -96,7 +95,6 @@ TEST_F(PinPadTest, AnswersInASecondBlockWhatOneDoesNotHold) {
         device.identity.mediaSupport = m(size);
         play(device);
         call(request, answer);
-        expect_findings({});
     }
 }
 
@@ -135,7 +133,6 @@ TEST_F(PinPadTest, StaysWhenAClientGoes) {
     host_->send("\x16OPN");
     host_.emplace(pinPad_->path());
     exchange("\x17\xA8\xA9", kAck + kOpnDone);
-    expect_findings({});
 }
 
 TEST_F(PinPadTest, StopsThoughNobodyReads) {
@@ -170,11 +167,10 @@ TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
         "< DWK 000 OK",
     };
     EXPECT_EQ(words, due);
+    expect_findings({{Kind::kFraming, "bad CRC: 0xB306 received, 0xB305 due"}});
     EXPECT_EQ(to_text(pinPad_->traffic()[3]),
               "> 16 58 59 5A 17 B3 06\n  damaged frame: bad CRC: 0xB306 received, 0xB305 due\n");
     EXPECT_EQ(to_text(pinPad_->traffic()[7]).substr(0, 31), "> 16 44 57 4B ... (46 bytes)\n  ");
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <csignal>
-#include <filesystem>
 
 #include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
 #include "tests/support/child.h"
 
-namespace quorvel::sim {
+using namespace quorvel::sim;
 
 namespace {
 
@@ -168,5 +167,3 @@ TEST_F(ProgramTest, TracesOnlyWhenAsked) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::sim

@@ -10,7 +10,7 @@
 
 using namespace std::string_literals;
 
-namespace quorvel::wire {
+using namespace quorvel::wire;
 
 namespace {
 
@@ -79,5 +79,3 @@ TEST(Writer, RefusesWhatDoesNotFit) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::wire

@@ -2,7 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <string>
 
 #include "tests/support/wire.h"
 #include "wire/param_id.h"
@@ -11,7 +10,7 @@
 
 using namespace support::literals;
 
-namespace quorvel::wire {
+using namespace quorvel::wire;
 
 namespace {
 
@@ -103,5 +102,3 @@ TEST(Privacy, WithholdsTracksKeysPinsAndWhatIsTyped) {
 }
 
 }  // namespace
-
-}  // namespace quorvel::wire
