@@ -75,11 +75,7 @@ TEST(Exception, MessageCanBeMadeOfThePendingOne) {
 }
 
 TEST(TryBlockInC, RunsItsBranchesInOrder) {
-    const struct {
-        int16_t code, inCatch, inCleanup;
-        const char* trace;
-        Raised raised;
-    } cases[] = {
+    const std::tuple<int16_t, int16_t, int16_t, std::string, Raised> cases[] = {
         {KOR_RESULT_OK, KOR_RESULT_OK, KOR_RESULT_OK, "bue", {}},  // raising success does nothing
         {kIo, KOR_RESULT_OK, KOR_RESULT_OK, "u6e", {}},
         {kTimeout, KOR_RESULT_OK, KOR_RESULT_OK, "u0e", {}},  // the first that matches
@@ -88,8 +84,9 @@ TEST(TryBlockInC, RunsItsBranchesInOrder) {
     };
     for (const auto& row : cases) {
         char trace[32] = "";
-        EXPECT_EQ(raised_by([&] { try_branches(trace, row.code, row.inCatch, row.inCleanup); }), row.raised);
-        EXPECT_STREQ(trace, row.trace);
+        const auto& [code, inCatch, inCleanup, passed, raised] = row;
+        EXPECT_EQ(raised_by([&, c = code, i = inCatch, u = inCleanup] { try_branches(trace, c, i, u); }), raised);
+        EXPECT_EQ(trace, passed);
     }
 }
 

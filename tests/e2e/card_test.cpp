@@ -155,15 +155,10 @@ TEST_F(CardSale, NeedsTheTables) {
 
 class ParameterSale : public CardSale {
 protected:
-    ~ParameterSale() override {
-        abecs_cmd_gcx_builder_delete(&gcx_);
-        abecs_cmd_gox_builder_delete(&gox_);
-        abecs_cmd_fcx_builder_delete(&fcx_);
-    }
-
-    AbecsCmdGcxBuilder* gcx_ = abecs_cmd_gcx_builder_new("261121", "102030");
-    AbecsCmdGoxBuilder* gox_ = abecs_cmd_gox_builder_new(3, ABECS_SPE_MTHD_PIN_DUKPT_TDES, 0);
-    AbecsCmdFcxBuilder* fcx_ = abecs_cmd_fcx_builder_new("0000");
+    Owned<AbecsCmdGcxBuilder, abecs_cmd_gcx_builder_delete> gcx_{abecs_cmd_gcx_builder_new("261121", "102030")};
+    Owned<AbecsCmdGoxBuilder, abecs_cmd_gox_builder_delete> gox_{
+        abecs_cmd_gox_builder_new(3, ABECS_SPE_MTHD_PIN_DUKPT_TDES, 0)};
+    Owned<AbecsCmdFcxBuilder, abecs_cmd_fcx_builder_delete> fcx_{abecs_cmd_fcx_builder_new("0000")};
 };
 
 TEST_F(ParameterSale, TakesAContactlessCard) {
@@ -171,42 +166,23 @@ TEST_F(ParameterSale, TakesAContactlessCard) {
     EXPECT_NO_RAISE(abecs_cmd_gcx_builder_amount(gcx_, 1234));
     EXPECT_NO_RAISE(abecs_cmd_gcx_builder_aidlist(gcx_, "04010301"));
     begin("GCX", Gestures().tap(card("visa-contactless")), abecs_cmd_gcx, gcx_);
-    EXPECT_EQ(finish(abecs_cmd_gcx_response, items_), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(finish(abecs_cmd_gcx_response, items_.object), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_CARDTYPE) + item(ABECS_RSP_DATID_PP_AIDTABINFO), "06030101");
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_PAN), "401200******0026");
     begin("GOX", Gestures().type("1234"), abecs_cmd_gox, gox_);
-    EXPECT_EQ(finish(abecs_cmd_gox_response, items_), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(finish(abecs_cmd_gox_response, items_.object), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_GOXRES), "200001");
     EXPECT_EQ(tdes_decipher(kPinKeys[0], item(ABECS_RSP_DATID_PP_PINBLK)), kContactlessBlock);
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_KSN), "FFFF9876543210E00001"_hex);
     EXPECT_EQ(call(abecs_cmd_cng, "9F7C020102"), ABECS_RSP_STAT_ST_OK);
     EXPECT_NO_RAISE(abecs_cmd_fcx_builder_arc(fcx_, "00"));
     begin("FCX", {}, abecs_cmd_fcx, fcx_);
-    EXPECT_EQ(finish(abecs_cmd_fcx_response, items_), ABECS_RSP_STAT_ST_OK);
+    EXPECT_EQ(finish(abecs_cmd_fcx_response, items_.object), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(item(ABECS_RSP_DATID_PP_FCXRES), "000");
     const AbecsTagList tags{{0x9F, 0x7C, 0x9F, 0x02}, 4};
     AbecsEmvData data{};
     EXPECT_EQ(call(abecs_cmd_ged, &tags, &data), ABECS_RSP_STAT_ST_OK);
     EXPECT_EQ(std::string(data.data, data.data + data.szData), "9F7C020102 9F0206000000001234"_hex);
-}
-
-TEST_F(ParameterSale, SpeaksToTheChip) {
-    pinPad_.insert(card("visa-chip"));
-    AbecsCmdChpParam request{ABECS_CMD_CHP_SLOT_0, ABECS_CMD_CHP_OPER_1, "", ABECS_CMD_CHP_PIN_FMT_2, "PIN"};
-    char out[515] = "";
-    for (const auto& [operation, command, due] : {
-             std::tuple(ABECS_CMD_CHP_OPER_1, "", "3B6500002063CB6800"),
-             {ABECS_CMD_CHP_OPER_2, "00A4040007A0000000031010",
-              "6F198407A0000000031010A50E500C56495341204352454449544F9000"},
-             {ABECS_CMD_CHP_OPER_3, "00200080", "6D00"},
-             {ABECS_CMD_CHP_OPER_0, "", ""},
-         }) {
-        request.oper = operation;
-        request.chpCmd[std::string(command).copy(request.chpCmd, sizeof request.chpCmd - 1)] = '\0';
-        begin("CHP", operation == ABECS_CMD_CHP_OPER_3 ? Gestures().type("1234") : Gestures(), abecs_cmd_chp, &request);
-        EXPECT_EQ(finish(abecs_cmd_chp_response, &out[0]), ABECS_RSP_STAT_ST_OK);
-        EXPECT_STREQ(out, due);
-    }
 }
 
 }  // namespace

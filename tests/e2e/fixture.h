@@ -12,6 +12,7 @@
 
 #include "quorvel/quorvel.h"
 #include "simulator/pin_pad.h"
+#include "tests/core/owned.h"
 #include "tests/support/raised.h"
 #include "tests/support/wire.h"
 #include "wire/hex.h"
@@ -37,8 +38,9 @@ inline const std::string kTdes = "1122334455667788 9900AABBCCDDEEFF"_hex;
 inline const std::string kEncipheredDes = "B4CC3FD9D8D95214"_hex;
 inline const std::string kEncipheredTdes = "3EB3B72576BBBE83 4F0B96AAA5A8B548"_hex;
 inline const std::string kVector = "A1B2C3D4E5F60718"_hex;
-// The published keys of the first two transactions of DUKPT.
-inline const std::string kPinKeys[]{"042666B49184CF5C 68DE9628D0397B36"_hex, "C46551CEF9FD244F AA9AD834130D3B38"_hex};
+// The published keys of the first transactions of DUKPT.
+inline const std::string kPinKeys[]{"042666B49184CF5C 68DE9628D0397B36"_hex, "C46551CEF9FD244F AA9AD834130D3B38"_hex,
+                                    "0DF3D9422ACA561A 47676D07AD6BAD05"_hex};
 inline const std::string kDataKeys[]{"448D3F076D830403 6A55A3D7E0055A78"_hex, "F1BE73B36135C5C2 6CF937D50ABBE5AF"_hex};
 
 // The library and a virtual PIN pad at the other end of its link.
@@ -49,10 +51,7 @@ protected:
         pinPad_.start();
         EXPECT_NO_RAISE(link_ = abecs_comm_open(pinPad_.path().c_str()));
     }
-    ~EndToEnd() override {
-        EXPECT_NO_RAISE(abecs_comm_close(&link_));
-        kor_map_delete(&items_);
-    }
+    ~EndToEnd() override { EXPECT_NO_RAISE(abecs_comm_close(&link_)); }
 
     // The PIN pad has found nothing to complain about.
     void TearDown() override { retire(); }
@@ -105,7 +104,7 @@ protected:
 
     quorvel::sim::PinPad pinPad_;
     AbecsComm* link_ = nullptr;
-    AbecsRspParamMap* items_ = abecs_rsp_param_map_new();
+    Owned<AbecsRspParamMap, kor_map_delete> items_{abecs_rsp_param_map_new()};
     std::vector<std::string> notes_;
 };
 

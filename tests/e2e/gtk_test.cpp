@@ -27,7 +27,6 @@ protected:
         ask(ABECS_RSP_STAT_ST_NOCARD);
         swipe(kCard);
     }
-    ~Gtk() override { abecs_cmd_gtk_builder_delete(&builder_); }
 
     void set(const char* tracks) {
         EXPECT_NO_RAISE(abecs_cmd_gtk_builder_reset(builder_));
@@ -59,7 +58,7 @@ protected:
         return found != nullptr ? std::string(out.data, out.data + out.size) : "";
     }
 
-    AbecsCmdGtkBuilder* builder_ = abecs_cmd_gtk_builder_new();
+    Owned<AbecsCmdGtkBuilder, abecs_cmd_gtk_builder_delete> builder_{abecs_cmd_gtk_builder_new()};
 };
 
 TEST_F(Gtk, BringsTheTracksInClear) {

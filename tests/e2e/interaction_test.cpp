@@ -70,7 +70,6 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
 
 TEST_F(Interaction, IsCancelledAtAnyTime) {
     const AbecsCmdGpnCmdData request = pin_request(ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4012345678909");
-    const char options[][25] = {"TEA"};
     const auto expect_idle = [&] {
         EXPECT_NO_RAISE(abecs_comm_send_can(link_));
         EXPECT_EQ(pinPad_.screen().text, "IDLE");
@@ -79,17 +78,7 @@ TEST_F(Interaction, IsCancelledAtAnyTime) {
     EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);
     begin("RMC", Gestures().press(Key::kEnter), abecs_cmd_rmc, "TAKE YOUR CARD");
     expect_idle();
-    pinPad_.remove();
-    begin("MNU", Gestures().press(Key::kDown), abecs_cmd_mnu, 9, nullptr, options, 1);
-    expect_idle();
-    begin("CEX", Gestures().tap(kCard), abecs_cmd_cex, "110000", nullptr, nullptr);
-    expect_idle();
-    begin("CKE", Gestures().tap(kCard), abecs_cmd_cke, true, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_2,
-          ABECS_CMD_CKE_CTLS_CHECK_TYPE_0);
-    expect_idle();
     begin("GPN", Gestures().press(digit('1')), abecs_cmd_gpn, &request);
-    expect_idle();
-    begin("GCD", Gestures().press(digit('1')), abecs_cmd_gcd, 1, 1, 9, 9);
     expect_idle();
     EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
 }

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
-#include <array>
-#include <iterator>
-#include <tuple>
 
 #include "abecs/comm/comm.h"
 #include "tests/e2e/fixture.h"
@@ -25,9 +22,10 @@ AbecsMk master(AbecsMkType_E type) {
 
 std::string digits_of(const std::string& bytes) { return to_hex(to_bytes(bytes)); }
 
-class KeysTest : public EndToEnd {
+// Plainly and in an encrypted session.
+class Keys : public EndToEnd, public testing::WithParamInterface<bool> {
 protected:
-    void open(bool secure) { EXPECT_EQ(call(abecs_cmd_opn, secure), ABECS_RSP_STAT_ST_OK); }
+    void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, GetParam()), ABECS_RSP_STAT_ST_OK); }
 
     // The block that the PIN pad makes of `data`, 16 digits.
     std::string enb(AbecsMkType_E type, const char* data) {
@@ -40,25 +38,65 @@ protected:
         return out;
     }
 
-    // The first clear PIN block of the PIN 12345, typed for this card number as it is sent.
+    // The clear PIN block of the PIN 12345, typed for this card number as it is sent.
     std::string pin_block(const std::string& pan) {
         AbecsCmdGpnCmdData request{ABECS_CMD_GPN_METHOD_DUKPT_TDES, 0, "", "", 1, {{4, 12, "PIN"}}};
         pan.copy(request.pan, sizeof request.pan);
         AbecsCmdGpnRspData out{};
         begin("GPN", Gestures().type("12345"), abecs_cmd_gpn, &request);
         EXPECT_EQ(call(abecs_cmd_gpn_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-        return tdes_decipher(kPinKeys[0], from_digits(out.pinBlk));
+        return tdes_decipher(kPinKeys[pinBlocks_++], from_digits(out.pinBlk));
     }
+
+    int32_t load(AbecsWkPanType_E type, AbecsWkPan* out) {
+        if (type == ABECS_WK_PAN_TYPE_TDES_RSA) { return call(abecs_cmd_dwk2, out, true); }
+        const AbecsMk mk = master(type == ABECS_WK_PAN_TYPE_DES ? ABECS_MK_TYPE_DES : ABECS_MK_TYPE_TDES);
+        return call(abecs_cmd_dwk1, &mk, out, true);
+    }
+
+    // The PIN pad has the same key: it undoes what the host does to a block and to a card number.
+    void expect_shared(const AbecsWkPan& key) {
+        char data[17] = "";
+        EXPECT_NO_RAISE(abecs_cmd_enb_encode_data("0123456789ABCDEF", &key, data));
+        EXPECT_EQ(tdes_decipher(kTdes, from_digits(enb(ABECS_MK_TYPE_TDES, data))), "0123456789ABCDEF"_hex);
+        const std::string pan = abecs_pan_encrypt("4111111111111111", &key);
+        EXPECT_NE(pan, "4111111111111111");
+        EXPECT_EQ(pin_block(pan), "0512254EEEEEEEEE"_hex);
+    }
+
+    template <typename Read>
+    static void expect_tracks(const Read& read, const Card& card) {
+        EXPECT_EQ(read.track1, card.track1);
+        EXPECT_EQ(read.track2, card.track2);
+        EXPECT_EQ(read.track3, card.track3);
+    }
+
+    void expect_clear_tracks(const std::string& pan) {
+        const Card card{.pan = pan,
+                        .track1 = "B" + pan + "^DOE/JOHN^3012101",
+                        .track2 = pan + "=30121010000000000",
+                        .track3 = "01" + pan + "==724724000000000030300100000000000000=1=0"};
+        AbecsCmdCkeOut out{};
+        begin("CKE", Gestures().swipe(card), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
+              ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
+        EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
+        expect_tracks(out, card);
+        AbecsCmdGcrResponse read{};
+        begin("GCR", Gestures().swipe(card), abecs_cmd_gcr_empty);
+        EXPECT_EQ(call(abecs_cmd_gcr_response, &read, nullptr), ABECS_RSP_STAT_ST_OK);
+        expect_tracks(read, card);
+        EXPECT_EQ(read.pan, pan);
+    }
+
+    void expect_marks(bool installed) {
+        EXPECT_EQ(link_->panProtected, installed);
+        EXPECT_EQ(link_->panKeyInstalled, installed);
+    }
+
+    size_t pinBlocks_ = 0;
 };
 
-std::string session_name(bool secure) { return secure ? "Encrypted" : "Plain"; }
-
-class Keys : public KeysTest, public testing::WithParamInterface<bool> {
-protected:
-    void SetUp() override { open(GetParam()); }
-};
-
-INSTANTIATE_TEST_SUITE_P(In, Keys, testing::Bool(), [](const auto& test) { return session_name(test.param); });
+INSTANTIATE_TEST_SUITE_P(In, Keys, testing::Bool());
 
 TEST_P(Keys, EnbEnciphersABlockUnderTheWorkingKey) {
     for (const auto& [type, key] : {std::pair(ABECS_MK_TYPE_DES, kDes), {ABECS_MK_TYPE_TDES, kTdes}}) {
@@ -100,123 +138,28 @@ TEST_P(Keys, EbxEnciphersDataByEachMethod) {
     }
 }
 
-class PanKey : public KeysTest, public testing::WithParamInterface<std::tuple<bool, AbecsWkPanType_E>> {
-protected:
-    void SetUp() override { open(secure_); }
-
-    int32_t load(AbecsWkPan* out, bool setOnLink) {
-        if (type_ == ABECS_WK_PAN_TYPE_TDES_RSA) { return call(abecs_cmd_dwk2, out, setOnLink); }
-        const AbecsMk mk = master(type_ == ABECS_WK_PAN_TYPE_DES ? ABECS_MK_TYPE_DES : ABECS_MK_TYPE_TDES);
-        return call(abecs_cmd_dwk1, &mk, out, setOnLink);
+TEST_P(Keys, OfPanServeOnTheLinkUntilTheSessionEnds) {
+    for (const auto type : {ABECS_WK_PAN_TYPE_DES, ABECS_WK_PAN_TYPE_TDES, ABECS_WK_PAN_TYPE_TDES_RSA}) {
+        AbecsWkPan key{};
+        EXPECT_EQ(load(type, &key), ABECS_RSP_STAT_ST_OK);
+        expect_marks(true);
+        EXPECT_EQ(key.type, type);
+        EXPECT_EQ(link_->wkPanType, key.type);
+        EXPECT_TRUE(std::equal(std::begin(key.key), std::end(key.key), link_->wkPanKey.begin()));
+        expect_shared(key);
+        for (const char* pan : {"4111111111111111", "4222222222222", "6799990100000000019"}) {
+            expect_clear_tracks(pan);
+        }
+        AbecsWkPan next{};
+        EXPECT_EQ(load(type, &next), ABECS_RSP_STAT_ST_OK);
+        EXPECT_FALSE(std::equal(std::begin(key.key), std::end(key.key), std::begin(next.key)));
+        expect_clear_tracks("4111111111111111");
+        EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
+        expect_marks(false);
+        expect_clear_tracks("4111111111111111");
+        SetUp();
     }
-
-    // The PIN pad has the same key: it undoes what the host does to a block and to a card number.
-    void expect_shared(const AbecsWkPan& key) {
-        EXPECT_EQ(key.type, type_);
-        char data[17] = "";
-        EXPECT_NO_RAISE(abecs_cmd_enb_encode_data("0123456789ABCDEF", &key, data));
-        EXPECT_EQ(tdes_decipher(kTdes, from_digits(enb(ABECS_MK_TYPE_TDES, data))), "0123456789ABCDEF"_hex);
-        const std::string pan = abecs_pan_encrypt("4111111111111111", &key);
-        EXPECT_NE(pan, "4111111111111111");
-        EXPECT_EQ(pin_block(pan), "0512254EEEEEEEEE"_hex);
-    }
-
-    static Card card_of(const std::string& pan) {
-        return {.pan = pan,
-                .track1 = "B" + pan + "^DOE/JOHN^3012101",
-                .track2 = pan + "=30121010000000000",
-                .track3 = "01" + pan + "==724724000000000030300100000000000000=1=0"};
-    }
-
-    AbecsCmdGcrResponse swiped(const Card& card) {
-        AbecsCmdGcrResponse out{};
-        pinPad_.when("GCR", Gestures().swipe(card));
-        EXPECT_NO_RAISE(abecs_cmd_gcr_empty(link_));
-        EXPECT_EQ(call(abecs_cmd_gcr_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-        return out;
-    }
-
-    template <typename Read>
-    static void expect_tracks(const Read& read, const Card& card) {
-        EXPECT_EQ(read.track1, card.track1);
-        EXPECT_EQ(read.track2, card.track2);
-        EXPECT_EQ(read.track3, card.track3);
-    }
-
-    void expect_clear_tracks(const std::string& pan) {
-        const Card card = card_of(pan);
-        AbecsCmdCkeOut out{};
-        begin("CKE", Gestures().swipe(card), abecs_cmd_cke, false, true, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
-              ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
-        EXPECT_EQ(call(abecs_cmd_cke_response, &out, nullptr), ABECS_RSP_STAT_ST_OK);
-        expect_tracks(out, card);
-        const AbecsCmdGcrResponse read = swiped(card);
-        expect_tracks(read, card);
-        EXPECT_EQ(read.pan, pan);
-    }
-
-    // In the layout of protected mode, for the application to decipher.
-    void expect_enciphered_tracks(const AbecsWkPan& key) {
-        const Card card = card_of("4222222222222");
-        const AbecsCmdGcrResponse read = swiped(card);
-        EXPECT_NE(read.track2, card.track2);
-        EXPECT_EQ(abecs_pan_decrypt_track(read.track1, &key), card.track1);
-        EXPECT_EQ(abecs_pan_decrypt_track(read.track2, &key), card.track2);
-        EXPECT_EQ(abecs_pan_decrypt_track(read.track3, &key), card.track3);
-        EXPECT_EQ(abecs_pan_decrypt_track(read.pan, &key), card.pan);
-    }
-
-    void expect_marks(bool panProtected, bool panKeyInstalled) {
-        EXPECT_EQ(link_->panProtected, panProtected);
-        EXPECT_EQ(link_->panKeyInstalled, panKeyInstalled);
-    }
-
-    const bool secure_ = std::get<0>(GetParam());
-    const AbecsWkPanType_E type_ = std::get<1>(GetParam());
-};
-
-std::string pan_key_name(const testing::TestParamInfo<PanKey::ParamType>& test) {
-    const std::array types{"Des", "Tdes", "TdesOverRsa"};
-    return session_name(std::get<0>(test.param)) + types.at(static_cast<size_t>(std::get<1>(test.param)));
-}
-
-INSTANTIATE_TEST_SUITE_P(In, PanKey,
-                         testing::Combine(testing::Bool(),
-                                          testing::Values(ABECS_WK_PAN_TYPE_DES, ABECS_WK_PAN_TYPE_TDES,
-                                                          ABECS_WK_PAN_TYPE_TDES_RSA)),
-                         pan_key_name);
-
-TEST_P(PanKey, OnTheLinkServesUntilTheSessionEnds) {
-    AbecsWkPan key{};
-    EXPECT_EQ(load(&key, true), ABECS_RSP_STAT_ST_OK);
-    expect_marks(true, true);
-    EXPECT_EQ(link_->wkPanType, key.type);
-    EXPECT_TRUE(std::equal(std::begin(key.key), std::end(key.key), link_->wkPanKey.begin()));
-    expect_shared(key);
-    for (const char* pan : {"4111111111111111", "4222222222222", "6799990100000000019"}) { expect_clear_tracks(pan); }
-    AbecsWkPan next{};
-    EXPECT_EQ(load(&next, true), ABECS_RSP_STAT_ST_OK);
-    EXPECT_FALSE(std::equal(std::begin(key.key), std::end(key.key), std::begin(next.key)));
-    expect_clear_tracks("4111111111111111");
-    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
-    expect_marks(false, false);
-    expect_clear_tracks("4111111111111111");
     EXPECT_FALSE(retire().panKey.has_value());
-}
-
-// The bytes of an encrypted session's key go with the link's own, so a new session has to follow.
-TEST_P(PanKey, OfTheApplicationAloneIsSharedToo) {
-    EXPECT_EQ(load(nullptr, true), ABECS_RSP_STAT_ST_OK);
-    AbecsWkPan key{};
-    EXPECT_EQ(load(&key, false), ABECS_RSP_STAT_ST_OK);
-    expect_marks(type_ != ABECS_WK_PAN_TYPE_TDES_RSA, false);
-    EXPECT_EQ(link_->keySet, secure_);
-    EXPECT_EQ(link_->key, decltype(link_->key){});
-    if (secure_) { open(true); }
-    expect_shared(key);
-    if (type_ != ABECS_WK_PAN_TYPE_TDES_RSA) { expect_enciphered_tracks(key); }
-    const Bytes used(key.key, key.key + (type_ == ABECS_WK_PAN_TYPE_DES ? 8 : 16));
-    EXPECT_EQ(retire().panKey, used);
 }
 
 }  // namespace

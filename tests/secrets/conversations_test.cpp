@@ -3,6 +3,7 @@
 #include "abecs/comm/comm.h"
 #include "quorvel/quorvel.h"
 #include "tests/abecs/cmd/rsa_peer.h"
+#include "tests/core/owned.h"
 #include "tests/secrets/table.h"
 #include "tests/support/link.h"
 #include "tests/support/malloc/failing_malloc.h"
@@ -21,22 +22,17 @@ struct Talk {
     AbecsComm* comm = link.comm;
     AbecsWkPan key{ABECS_WK_PAN_TYPE_TDES, {}};
     AbecsMk master{ABECS_MK_TYPE_TDES, 0, {1, 2, 3}};
-    AbecsRspParamMap* map = abecs_rsp_param_map_new();
+    Owned<AbecsRspParamMap, kor_map_delete> map{abecs_rsp_param_map_new()};
     AbecsCmdGpnCmdData pin{ABECS_CMD_GPN_METHOD_MK_WK_TDES, 0, "", "", 1, {{4, 12, "PIN"}}};
     AbecsTagList tags{{0x5A}, 1};
     support::Scratch out;
-    AbecsPacket* packet = abecs_packet_new();
+    Owned<AbecsPacket, abecs_packet_delete> packet{abecs_packet_new()};
 
     Talk() {
         copy_digits(kKey, key.key);
         kNumber.copy(pin.pan, sizeof pin.pan - 1);
         kKey.copy(pin.wkEnc, sizeof pin.wkEnc - 1);
     }
-    ~Talk() {
-        kor_map_delete(&map);
-        abecs_packet_delete(&packet);
-    }
-    Talk(Talk&&) = delete;
 };
 
 using Script = std::function<void(Talk& talk)>;
@@ -153,7 +149,7 @@ void send(Talk& t) { abecs_comm_send_packet(t.comm, t.packet); }
 void talk_in_session(Talk& t) {
     send(t);
     abecs_comm_read_packet(t.comm, t.packet);
-    abecs_packet_delete(&t.packet);
+    abecs_packet_delete(&t.packet.object);
 }
 
 On<Talk> talk(const Script& script, On<Talk>::Step call, const char* failing = nullptr) {

@@ -3,6 +3,7 @@
 #include "abecs/cmd/card_data.h"
 #include "abecs/comm/comm.h"
 #include "quorvel/quorvel.h"
+#include "tests/core/owned.h"
 #include "tests/secrets/table.h"
 
 using namespace secrets;
@@ -17,11 +18,11 @@ AbecsRspParamValue number_value() {
 
 // Objects that hold the number.
 struct Objects {
-    KorBuffer* buffer = kor_buffer_new(48);
-    AbecsParam* param = abecs_param_new();
-    AbecsPacket* packet = abecs_packet_new();
-    AbecsCmdBuilder* builder = abecs_cmd_builder_new();
-    AbecsRspParamMap* map = abecs_rsp_param_map_new();
+    Owned<KorBuffer, kor_buffer_delete> buffer{kor_buffer_new(48)};
+    Owned<AbecsParam, abecs_param_delete> param{abecs_param_new()};
+    Owned<AbecsPacket, abecs_packet_delete> packet{abecs_packet_new()};
+    Owned<AbecsCmdBuilder, abecs_cmd_builder_delete> builder{abecs_cmd_builder_new()};
+    Owned<AbecsRspParamMap, kor_map_delete> map{abecs_rsp_param_map_new()};
     uint8_t elsewhere[1];
 
     Objects() {
@@ -31,14 +32,6 @@ struct Objects {
         const AbecsRspParamValue value = number_value();
         abecs_rsp_param_map_put(map, 1, &value, true);
     }
-    ~Objects() {
-        kor_buffer_delete(&buffer);
-        abecs_param_delete(&param);
-        abecs_packet_delete(&packet);
-        abecs_cmd_builder_delete(&builder);
-        kor_map_delete(&map);
-    }
-    Objects(Objects&&) = delete;
 };
 
 using OnObjects = On<Objects>;
@@ -58,7 +51,7 @@ void build(Objects& o) {
 }
 void delete_builder(Objects& o) {
     for (uint16_t id = 0; id < 60; ++id) { add_number(o, id); }
-    abecs_cmd_builder_delete(&o.builder);
+    abecs_cmd_builder_delete(&o.builder.object);
 }
 void replace_value(Objects& o) {
     const AbecsRspParamValue value{};
@@ -67,17 +60,20 @@ void replace_value(Objects& o) {
 
 // What moves from one object to the other leaves nothing on the way.
 const Table kObjects{
-    row("BufferDeleted", {number()}, OnObjects{[](Objects& o) { kor_buffer_delete(&o.buffer); }}, {"48: number"}),
+    row("BufferDeleted", {number()}, OnObjects{[](Objects& o) { kor_buffer_delete(&o.buffer.object); }},
+        {"48: number"}),
     row("BufferGivenAnotherStorage", {number()}, OnObjects{give_other_storage}, {"48: number"}),
-    row("ParamDeleted", {number()}, OnObjects{[](Objects& o) { abecs_param_delete(&o.param); }}, {"999: number"}),
-    row("PacketDeleted", {number()}, OnObjects{[](Objects& o) { abecs_packet_delete(&o.packet); }}, {"2044: number"}),
+    row("ParamDeleted", {number()}, OnObjects{[](Objects& o) { abecs_param_delete(&o.param.object); }},
+        {"999: number"}),
+    row("PacketDeleted", {number()}, OnObjects{[](Objects& o) { abecs_packet_delete(&o.packet.object); }},
+        {"2044: number"}),
     row("ParamWritten", {number()}, OnObjects{write_param}, {}),
     row("ParamRead", {number()}, OnObjects{read_param}, {}),
     row("CommandBuilt", {number()}, OnObjects{build}, {}),
     row("BuilderDeleted", {number()}, OnObjects{delete_builder}, {"999: number", "999: number"}),
     row("MapValueReplaced", {number()}, OnObjects{replace_value}, {"16: number"}),
     row("MapCleared", {number()}, OnObjects{[](Objects& o) { kor_map_clear(o.map); }}, {"16: number"}),
-    row("MapDeleted", {number()}, OnObjects{[](Objects& o) { kor_map_delete(&o.map); }}, {"16: number"}),
+    row("MapDeleted", {number()}, OnObjects{[](Objects& o) { kor_map_delete(&o.map.object); }}, {"16: number"}),
 };
 
 INSTANTIATE_TEST_SUITE_P(Objects, Secrets, testing::ValuesIn(kObjects), name_of);

@@ -145,8 +145,7 @@ TEST_F(PinPadTest, StopsThoughNobodyReads) {
 
 TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
     play();
-    call("GIX012" + "0001 0008 8001 9100 9163 8062"_hex,
-         "GIX000036" + "8001 000A"_hex + "QV00000001" + "9100 000A FFFF9876543210E00000 8062 0004 00040000"_hex);
+    call("GIX006" + "0001 0002 8001"_hex, "GIX000014" + "8001 000A"_hex + "QV00000001");
     exchange("\x16XYZ\x17\xB3\x06", kNak);
     exchange(kCan, kEot);
     exchange(frame("DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C"), kAck + frame("DWK000"));
@@ -155,9 +154,9 @@ TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
         words.push_back((traffic.sender == Sender::kHost ? "> " : "< ") + traffic.words);
     }
     const std::vector<std::string> due{
-        "> GIX device information: SPE_IDLIST=8001910091638062",
+        "> GIX device information: SPE_IDLIST=8001",
         "< ACK",
-        "< GIX 000 OK: PP_SERNUM=\"QV00000001\", PP_KSNTDESP0=FFFF9876543210E00000, PP_TLRMEM=262144",
+        "< GIX 000 OK: PP_SERNUM=\"QV00000001\"",
         "> damaged frame: bad CRC: 0xB306 received, 0xB305 due",
         "< NAK",
         "> CAN",
