@@ -202,13 +202,13 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
     perform(
         "script = [\n{ when = 'RMC', remove = true },\n{ insert = 'visa-chip' },\n{ wait = ['CKE', 'GKY'] },\n"
         "{ notify = 'SOON' },\n{ pause = 1 },\n{ press = 'f1' },\n{ fault = 'status', status = 40 },\n"
-        "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n{ wait = 'MNU' },\n{ choose = 2 },\n]\n"
+        "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n{ wait = 'MNU' },\n{ choose = 1 },\n]\n"
         "[device]\nserial_number = 'MINE'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
     call("GKY", "NTM000004SOON");
     expect(frame("GKY040"));
     call("GKY", "GKY005");
     const std::string option = "0020 0018"_hex + field("TEA", 24);
-    call("MNU056" + option + option, "MNU000006" + "804D 0002"_hex + "02");
+    call("MNU056" + option + option, "MNU000006" + "804D 0002"_hex + "01");
     call("RMC032" + std::string(32, 'X'), "RMC000");
     call("GTS00203", "GTS0000100123456789");
     EXPECT_EQ(complaints(), Complaints{});
