@@ -5,11 +5,8 @@
 #include <cstdarg>
 #include <fstream>
 #include <memory>
-#include <pty.h>
 #include <regex>
 #include <set>
-#include <stdexcept>
-#include <unistd.h>
 
 #include "quorvel/additions.h"
 #include "quorvel/quorvel.h"
@@ -108,30 +105,6 @@ std::string tracks_answer() {
            + field("4111111111111111=25", 104);
 }
 
-// A serial line of which the test is the other end.
-struct Line {
-    Line() {
-        if (openpty(&master, &slave, path, nullptr, nullptr) != 0) { throw std::runtime_error("openpty"); }
-        port = kor_serial_open(path);
-        kor_serial_config(port, &kConfig);
-    }
-    ~Line() {
-        kor_serial_close(&port);
-        close(slave);
-        close(master);
-    }
-    Line(Line&&) = delete;
-
-    void receive(std::string_view bytes) const {
-        EXPECT_EQ(::write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    }
-
-    int master = -1;
-    int slave = -1;
-    char path[64] = "";
-    KorSerial* port = nullptr;
-};
-
 // What takes long to make, made once.
 struct Bench {
     Bench() {
@@ -146,6 +119,7 @@ struct Bench {
     Bench(Bench&&) = delete;
 
     Peer peer;
+    Peer line;  // for what is done to a port
     AbecsComm* link = nullptr;
     CryptRsaKey* rsa = crypt_rsa_key_new(128, 65537);
     TempDir directory;
@@ -160,7 +134,9 @@ struct World {
           link(bench.link),
           rsa(bench.rsa),
           directory(bench.folder.c_str()),
-          path(bench.path.c_str()) {
+          path(bench.path.c_str()),
+          line(bench.line) {
+        kor_serial_config(port, &kConfig);
         abecs_comm_release(link);
         abecs_comm_set_wk_pan(link, &kKey);
         kor_buffer_write_str(buffer, "000001234567890", true);
@@ -181,6 +157,7 @@ struct World {
         kor_test_signal(SIGABRT, nullptr);
         abecs_comm_close(&spareLink);
         peer.settle();
+        line.settle();
     }
     World(World&&) = delete;
 
@@ -223,7 +200,8 @@ struct World {
     const char* path;
     std::unique_ptr<Peer> spare;
     AbecsComm* spareLink = nullptr;
-    Line line;
+    Peer& line;
+    Made<kor_serial_close> port{kor_serial_open(line.path().c_str())};
 
     char text[1200] = "aBc";
     char place[4096] = "";

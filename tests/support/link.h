@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <new>
-#include <type_traits>
 
 #include "abecs/comm/comm.h"
 #include "quorvel/abecs/comm.h"
@@ -21,9 +20,7 @@ namespace support {
 //     support::Link link;
 //     link.peer.request("GIN00200").response("GIN000...");
 //     AbecsCmdGinResponse out;
-//     EXPECT_EQ(link.call(abecs_cmd_gin)(0, &out), 0);
-//
-// and one of an error: EXPECT_RAISES(code, "detail", abecs_cmd_gin(link.comm, 0, &out));
+//     EXPECT_EQ(abecs_cmd_gin(link.comm, 0, &out), ABECS_RSP_STAT_ST_OK);
 //
 // The handle is built here: abecs_comm_open would cost every test the half second in which the line must be silent.
 // All functions are inline, so that only programs that have the link layer need it.
@@ -45,27 +42,8 @@ public:
 
     Link(Link&&) = delete;
 
-    // call(function)(arguments...) calls a function of the link; an error raised is a failure of the test.
-    template <typename Result, typename Handle, typename... Parameters>
-    [[nodiscard]] auto call(Result (*function)(Handle*, Parameters...), Peer::Where where = {}) {
-        return [this, function, where](Parameters... arguments) {
-            if constexpr (std::is_void_v<Result>) {
-                report(raised_by([&] { function(comm, arguments...); }), where);
-            } else {
-                Result result{};
-                report(raised_by([&] { result = function(comm, arguments...); }), where);
-                return result;
-            }
-        };
-    }
-
     Peer peer;
     AbecsComm* comm = nullptr;
-
-private:
-    static void report(const Raised& raised, const Peer::Where& where) {
-        if (raised != Raised{}) { ADD_FAILURE_AT(where.file, where.line) << "the call raised " << raised; }
-    }
 };
 
 }  // namespace support

@@ -49,11 +49,8 @@ TEST_F(CexAnswer, IsKeptAsTexts) {
     EXPECT_RAISES(kProtocol, "Mandatory PP_EVENT not found", abecs_cmd_cex_response_get_event(map_.get()));
     const std::string track1 = "B4111******1111^DOE/J^2512101000";
     const std::string track2 = "4111******1111=251210100000";
-    polls(
-        "CEX010" + kOpt,
-        "CEX000077" + "8040 0002"_hex + "90" + "8041 0020"_hex + track1 + "8042 001B"_hex + track2 + "8043 0000"_hex,
-        kOk, [](auto* link) { abecs_cmd_cex(link, "111111", nullptr, nullptr); },
-        [&](auto* link) { return abecs_cmd_cex_response(link, map_.get(), nullptr); });
+    polls("CEX000077" + "8040 0002"_hex + "90" + "8041 0020"_hex + track1 + "8042 001B"_hex + track2 + "8043 0000"_hex,
+          kOk, abecs_cmd_cex_response, map_.get(), nullptr);
     EXPECT_EQ(map_.items(), (Items{{0x8040, "90"}, {0x8041, track1}, {0x8042, track2}, {0x8043, ""}}));
     EXPECT_EQ(abecs_cmd_cex_response_get_event(map_.get()), ABECS_PP_EVENT_MAGNETIC_CARD);
     EXPECT_EQ(abecs_cmd_cex_response_get_trk1inc(map_.get()), track1);
@@ -106,16 +103,12 @@ class Cke : public testing::Test {
 protected:
     AbecsCmdCkeOut answered(const std::string& data, const Outcome& expected = kOk) {
         AbecsCmdCkeOut out{};
-        polls(
-            "CKE003100", "CKE000" + data, expected,
-            [&](auto* link) {
-                if (key_ != nullptr) { abecs_comm_set_wk_pan(link, key_); }
-                link->panProtected = protected_;
-                link->panKeyInstalled = installed_;
-                abecs_cmd_cke(link, true, false, ABECS_CMD_CKE_ICC_CHECK_TYPE_0,
-                              ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
-            },
-            [&](auto* link) { return abecs_cmd_cke_response(link, &out, nullptr); });
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, key_));
+        link.comm->panProtected = protected_;
+        link.comm->panKeyInstalled = installed_;
+        EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "CKE"));
+        polls_on(link, "CKE000" + data, expected, abecs_cmd_cke_response, &out, nullptr);
         return out;
     }
 

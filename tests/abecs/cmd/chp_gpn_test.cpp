@@ -57,12 +57,8 @@ TEST(Chp, ChecksItsArgumentsInTheirOrder) {
 
 TEST(Chp, ReadsWhatTheCardAnswers) {
     const auto reads = [](const Text& response, const char* card, const Outcome& expected = kOk) {
-        const AbecsCmdChpParam off = param(1, 0, "", 0, "");
         char out[515] = "old";
-        polls(
-            {"CHP00510000"_wire, response.where}, "CHP000" + response.text, expected,
-            [&](auto* link) { abecs_cmd_chp(link, &off); },
-            [&](auto* link) { return abecs_cmd_chp_response(link, out, nullptr); });
+        polls({"CHP000" + response.text, response.where}, expected, abecs_cmd_chp_response, out, nullptr);
         EXPECT_STREQ(out, card) << response.text;
     };
     const std::string most = repeated("9f", 257);
@@ -82,7 +78,6 @@ constexpr Data kSimple{ABECS_CMD_GPN_METHOD_DUKPT_TDES, 0, "", "", 1, {{4, 12, "
 const std::string kPrompt = padded("PIN", 32);
 const std::string kNoKey = repeated("30", 16);
 const std::string kNoPan = padded("00", 21);
-const std::string kRequest = "GPN093300" + kNoKey + kNoPan + "10412" + kPrompt;
 
 TEST(Gpn, SendsTheKeyOfEachMethodAndTheEntries) {
     Data data = kSimple;
@@ -144,10 +139,7 @@ TEST(Gpn, ChecksTheDataInOrder) {
 TEST(Gpn, ReadsPinBlockAndKeySerialNumber) {
     const auto reads = [](const Text& response, const char* pinBlk, const char* ksn, const Outcome& expected = kOk) {
         AbecsCmdGpnRspData out{};
-        polls(
-            {kRequest, response.where}, "GPN000" + response.text, expected,
-            [](auto* link) { abecs_cmd_gpn(link, &kSimple); },
-            [&](auto* link) { return abecs_cmd_gpn_response(link, &out, nullptr); });
+        polls({"GPN000" + response.text, response.where}, expected, abecs_cmd_gpn_response, &out, nullptr);
         EXPECT_STREQ(out.pinBlk, pinBlk);
         EXPECT_STREQ(out.ksn, ksn);
     };

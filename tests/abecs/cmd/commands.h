@@ -24,7 +24,7 @@
 //     exchanges("TLI01299V1        ", "TLI020", ABECS_RSP_STAT_ST_TABVERDIF, abecs_cmd_tli, 99, "V1");
 //     refuses("'tabVer' is NULL", abecs_cmd_tli, 99, nullptr);
 //     sends("CKE003100", abecs_cmd_cke, true, false, icc, ctls);
-//     polls("GKY", "GKY000", kOk, abecs_cmd_gky, [](auto* link) { ... });
+//     polls("GCD000004" + "804D 0000"_hex, kOk, abecs_cmd_gcd_response, out, nullptr);
 namespace support {
 
 inline namespace literals {
@@ -125,16 +125,24 @@ void sends(const Text& request, Result (*function)(AbecsComm*, Parameters...),
     EXPECT_EQ(std::string(abecs_comm_get_blk_wait_id(link.comm)).substr(0, 3), request.text.substr(0, 3));
 }
 
-// What `send` has sent, `poll` gets the answer of; after an error the link is still blocked.
-template <typename Send, typename Poll>
-void polls(const Text& request, const std::string& response, const Outcome& expected, Send send, Poll poll) {
-    const testing::ScopedTrace trace(request.where.file, request.where.line, response);
-    Link link;
-    link.peer.request(request.text, request.where).response(response, request.where);
-    EXPECT_NO_RAISE(send(link.comm));
-    EXPECT_EQ(outcome_of([&] { return poll(link.comm); }), expected);
+// Gets the answer of the command that `link` is blocked for; after an error it is still blocked.
+template <typename... Parameters>
+void polls_on(Link& link, const Text& response, const Outcome& expected, int32_t (*function)(AbecsComm*, Parameters...),
+              std::type_identity_t<Parameters>... arguments) {
+    const testing::ScopedTrace trace(response.where.file, response.where.line, response.text);
+    link.peer.response(response.text, response.where);
+    EXPECT_EQ(outcome_of([&] { return function(link.comm, arguments...); }), expected);
     const std::string id = abecs_comm_get_blk_wait_id(link.comm);
     EXPECT_EQ(id.empty(), expected.raised == Raised{}) << id;
+}
+
+// The same of a link that is blocked for the command that `response` answers.
+template <typename... Parameters>
+void polls(const Text& response, const Outcome& expected, int32_t (*function)(AbecsComm*, Parameters...),
+           std::type_identity_t<Parameters>... arguments) {
+    Link link;
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, response.text.substr(0, 3).c_str()));
+    polls_on(link, response, expected, function, arguments...);
 }
 
 // A command's answer in parameters, as long as this lives.

@@ -76,9 +76,8 @@ TEST_F(Lmf, ReplacesTheListByTheNames) {
     reads("023" + a + "805E 0007"_hex + "A      ", too_few(8, 7), {"A"});
     reads("024" + a + "805E 0008"_hex + "A\x80      ", error(kIo, "Invalid character (0x80) at position 1"), {"A"});
     refuses("'out' is NULL", abecs_cmd_lmf, nullptr);
-    fill({"old"});
-    EXPECT_REFUSED(kArgument, "'pinpad' is NULL", abecs_cmd_lmf(nullptr, list_));
-    expect_names({"old"});
+    EXPECT_RAISES(kArgument, "'pinpad' is NULL", abecs_cmd_lmf(nullptr, list_));
+    expect_names({"A"});
 }
 
 TEST_F(Dmf, NamesTheFilesInTheirOrder) {

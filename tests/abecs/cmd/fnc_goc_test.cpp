@@ -176,13 +176,10 @@ TEST(Goc, ReadsTheDecision) {
     const std::string block = "000102030405060708090A0B0C0D0E0FFFFEFDFCFBFAF9F8F7F6F5F4F3F2F1F0EFEEEDEC"_hex;
     const auto reads = [&](const Text& received, const char* stored, const std::string& rest, size_t length,
                            const Outcome& expected = kOk) {
-        const AbecsCmdGocData data = some_data();
         AbecsCmdGocResponse out{};
         out.emvDataLen = 3;
-        polls(
-            {"GOC086" + kHead + "00" + kNoTags, received.where}, "GOC000999" + received.text + block + rest, expected,
-            [&](auto* link) { abecs_cmd_goc(link, 0, &data); },
-            [&](auto* link) { return abecs_cmd_goc_response(link, &out, nullptr); });
+        polls({"GOC000999" + received.text + block + rest, received.where}, expected, abecs_cmd_goc_response, &out,
+              nullptr);
         std::string flags;
         for (const int flag :
              {+out.decision, +out.signature, +out.pinOffline, +out.pinOfflineErrors, +out.pinBlocked, +out.pinOnline}) {

@@ -22,10 +22,7 @@ TEST(Gcd, ReadsTheNumberWhereverItStandsAndHoweverLongItIs) {
     const auto reads = [](const std::string& data, const std::string& number, const Outcome& expected) {
         char out[996];
         std::memset(out, 'o', sizeof out);
-        polls(
-            "GCD016" + "000B 0002 0001 000D 0001 01 000E 0001 20"_hex, "GCD000" + data, expected,
-            [](auto* link) { abecs_cmd_gcd(link, 1, 1, 32, 0); },
-            [&](auto* link) { return abecs_cmd_gcd_response(link, out, nullptr); });
+        polls("GCD000" + data, expected, abecs_cmd_gcd_response, out, nullptr);
         EXPECT_EQ(std::string(out, number.size()), number);
         EXPECT_EQ(out[number.size()], expected.raised.code == KOR_RESULT_OK ? '\0' : 'o');
     };
@@ -85,10 +82,7 @@ TEST(Mnu, ReadsTheChoice) {
     const Raised missing = error(kProtocol, "PP_VALUE not present in response");
     const auto reads = [](const std::string& data, uint32_t choice, const Outcome& expected) {
         uint32_t option = 99;
-        polls(
-            "MNU028" + kOption + padded("TEA", 24), "MNU000" + data, expected,
-            [](auto* link) { abecs_cmd_mnu(link, 0, nullptr, kTea, 1); },
-            [&](auto* link) { return abecs_cmd_mnu_response(link, &option, nullptr); });
+        polls("MNU000" + data, expected, abecs_cmd_mnu_response, &option, nullptr);
         EXPECT_EQ(option, choice) << data;
     };
     reads("006" + "804D 0002"_hex + "07", 7, kOk);

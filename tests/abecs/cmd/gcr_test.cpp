@@ -31,14 +31,12 @@ protected:
     AbecsCmdGcrResponse received(const std::string& response, const Outcome& expected = kOk, char kept = '\0') {
         AbecsCmdGcrResponse out;
         std::memset(&out, kept, sizeof out);
-        polls(
-            "GCR", response, expected,
-            [&](auto* link) {
-                if (key_ != nullptr) { abecs_comm_set_wk_pan(link, key_); }
-                link->panProtected = protected_;
-                abecs_cmd_gcr_empty(link);
-            },
-            [&](auto* link) { return abecs_cmd_gcr_response(link, &out, nullptr); });
+        Link link;
+        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, key_));
+        link.comm->panProtected = protected_;
+        link.peer.request("GCR");
+        EXPECT_NO_RAISE(abecs_cmd_gcr_empty(link.comm));
+        polls_on(link, response, expected, abecs_cmd_gcr_response, &out, nullptr);
         return out;
     }
 

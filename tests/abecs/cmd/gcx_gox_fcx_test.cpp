@@ -93,6 +93,7 @@ TEST_F(Gcx, ChecksEveryArgumentInOrder) {
     refused("'dspMsg' is NULL", message, nullptr);
     refused("'dspMsg' is too long (length: 129, max: 128)", message, std::string(129, 'x').c_str());
     refused("Invalid character (0x0A) at position 1", message, "A\n");
+    refuses("'builder' is NULL", abecs_cmd_gcx, nullptr);
     expect_sent("GCX020" + kMoment);
     set(abecs_cmd_gcx_builder_acqref, 5);
     refused(error(kState, "SPE_ACQREF already set"), abecs_cmd_gcx_builder_acqref, 6);
@@ -113,12 +114,13 @@ TEST_F(Gcx, ARefusedResetLeavesTheBuilder) {
     EXPECT_EQ(handler.all().size(), 1U);
 }
 
+// Which first holds something else.
 TEST_F(Gcx, CopiesTheAnswerIntoTheMap) {
-    polls(
-        "GCX020" + kMoment, "GCX000018" + "804F 0002 3033 8052 0000 8050 0004 00011617"_hex, kOk,
-        [&](auto* link) { abecs_cmd_gcx(link, builder_); },
-        [&](auto* link) { return abecs_cmd_gcx_response(link, map_.get(), nullptr); });
-    EXPECT_EQ(map_.items(), (ParamMap::Items{{0x804F, "03"}, {0x8052, ""}, {0x8050, "00011617"_hex}}));
+    map_.put(1);
+    polls("GCX000018" + "804F 0002 3033 8052 0000 8050 0004 00011617"_hex, kOk, abecs_cmd_gcx_response, map_.get(),
+          nullptr);
+    ASSERT_EQ(map_.items(), (ParamMap::Items{{0x804F, "03"}, {0x8052, ""}, {0x8050, "00011617"_hex}}));
+    EXPECT_EQ(abecs_rsp_param_map_get(map_.get(), 0x804F)->data[2], '\0') << "a zero stands behind the value";
 }
 
 constexpr uint8_t kKey[16] = {0x13, 0x16, 0x17, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
@@ -185,6 +187,7 @@ TEST_F(Gox, ChecksEveryArgumentInOrder) {
     refused("goxOpt: invalid char (0x61) at index 4", abecs_cmd_gox_builder_goxopt, "0123a");
     refused("'dspMsg' is NULL", abecs_cmd_gox_builder_dspmsg, nullptr);
     refused("'trmPar' is NULL", abecs_cmd_gox_builder_trmpar, nullptr);
+    refuses("'builder' is NULL", abecs_cmd_gox, nullptr);
     expect_sent("GOX017" + kFirst);
     EXPECT_RAISES(kArgument, "Invalid 'keyIdx': 100 (min: 0, max: 99)", abecs_cmd_gox_builder_new(0, method(0), 100));
 }
@@ -200,6 +203,15 @@ TEST_F(Fcx, SendsWhatWasSetInTheOrderOfTheCalls) {
     set(abecs_cmd_fcx_builder_arc, "0A");
     set(abecs_cmd_fcx_builder_emvdata, &kEmvData);
     expect_sent("FCX032" + "0019 0004 31393939 000C 0001 16 0004 0003 82959A 001C 0002 3041 0005 0002 9F02"_hex);
+}
+
+TEST_F(Fcx, CanBeSentAgainAfterAFailure) {
+    set(abecs_cmd_fcx_builder_reset, "2000");
+    const std::string request = "FCX008" + "0019 0004 32303030"_hex;
+    Link link;
+    link.peer.expect(frame(request)).send("04"_hex);
+    EXPECT_RAISES(kProtocol, "Protocol error (unknown packet response: 0x4)", abecs_cmd_fcx(link.comm, builder_));
+    expect_sent(request);
 }
 
 TEST_F(Fcx, NeedsTheResponseCodeOfAnAcquirerThatWasReached) {
@@ -226,6 +238,7 @@ TEST_F(Fcx, ChecksEveryArgumentInOrder) {
     refused("Invalid length of 'arc': 3 (expected: 2)", abecs_cmd_fcx_builder_arc, "0-0");
     refused("arc[1] is invalid: 0x2D", abecs_cmd_fcx_builder_arc, "0-");
     refused("arc[0] is invalid: 0xE9", abecs_cmd_fcx_builder_arc, "\xE9-");
+    refuses("'builder' is NULL", abecs_cmd_fcx, nullptr);
     expect_sent("FCX008" + "0019 0004 32303030"_hex);
     EXPECT_RAISES(kArgument, "'fcxOpt' is too short (minimum: 4, requested: 0)", abecs_cmd_fcx_builder_new(""));
 }

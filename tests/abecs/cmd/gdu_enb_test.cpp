@@ -29,7 +29,6 @@ TEST(Gdu, ReadsTheSerialNumber) {
     refuses("'out' is NULL", abecs_cmd_gdu, method(1), 99, nullptr);
     refuses("Invalid enumerator for AbecsCmdGduMethod_E: 1", abecs_cmd_gdu, method(1), 99, out);
     refuses("Invalid enumerator for AbecsCmdGduMethod_E: 4", abecs_cmd_gdu, method(4), 99, out);
-    EXPECT_REFUSED(kArgument, "'pinpad' is NULL", abecs_cmd_gdu(nullptr, method(2), 99, out));
 }
 
 using Data = AbecsCmdEnbCmdData;

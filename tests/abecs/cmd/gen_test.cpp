@@ -263,10 +263,10 @@ TEST(Gen0403, IsSentAndReadsTheVerdict) {
     sends("GEN053|04|048|03|8|00200080|2|99|99"_wire + std::string(32, '\xE9'), abecs_cmd_gen_04_03, &longest);
     const AbecsCmdGen0403CmdData data{0, "00200080", 'b', 0, 12, "?"};
     AbecsCmdGen0403RspData verdict{};
-    polls(
-        "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '), "GEN000|008|005|1|63C2"_wire, kOk,
-        [&](auto* link) { EXPECT_EQ(abecs_cmd_gen_04_03(link, &data), KOR_RESULT_OK); },
-        [&](auto* link) { return abecs_cmd_gen_04_03_response(link, &verdict, nullptr); });
+    Link link;
+    link.peer.request("GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '));
+    EXPECT_EQ(abecs_cmd_gen_04_03(link.comm, &data), KOR_RESULT_OK);
+    polls_on(link, "GEN000|008|005|1|63C2"_wire, kOk, abecs_cmd_gen_04_03_response, &verdict, nullptr);
     EXPECT_EQ(verdict.status, 1);
     EXPECT_STREQ(verdict.sw, "63C2");
 }

@@ -70,7 +70,7 @@ TEST(Opn, PlainSendsItsIdAlone) {
     Link link;
     link.peer.expect("16 4F504E 17 A8A9"_hex).send("06"_hex).response("OPN000");
     EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, kOldKey.key));
-    EXPECT_EQ(link.call(abecs_cmd_opn)(false), kOk);
+    EXPECT_EQ(outcome_of([&] { return abecs_cmd_opn(link.comm, false); }), kOk);
     EXPECT_TRUE(link.comm->keySet) << "a plain OPN leaves the session as it was";
 }
 

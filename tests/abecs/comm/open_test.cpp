@@ -143,10 +143,10 @@ TEST(Close, WhileAnErrorIsPendingLeavesThatError) {
 
 TEST(Can, IsSentAgainWhenItIsIgnoredAndReleasesABlockedLink) {
     Link link;
-    link.call(abecs_comm_lock)("GCR");
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GCR"));
     link.peer.expect(kCan).expect_silence(1900ms).accept_can();
     const Elapsed elapsed;
-    link.call(abecs_comm_send_can)();
+    EXPECT_NO_RAISE(abecs_comm_send_can(link.comm));
     EXPECT_TRUE(elapsed.between(2s, 3500ms));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
 }
@@ -157,21 +157,21 @@ TEST(Can, IsSentAgainAfterAPurgeWhenAnotherByteAnswers) {
     Link link;
     link.peer.expect(kCan).send(kGood).wait(300ms).send(kEot).expect_silence(450ms);
     link.peer.expect(kCan).wait(900ms).send(kEot);
-    link.call(abecs_comm_send_can)();
+    EXPECT_NO_RAISE(abecs_comm_send_can(link.comm));
     EXPECT_EQ(kor_serial_available(link.comm->line.serial), 0U);
 }
 
 // The purge that ends the CANs leaves a short time-out on the port.
 TEST(Can, ThatFailsThreeTimesLeavesTheLinkBlockedAndNoShortWait) {
     Link link;
-    link.call(abecs_comm_lock)("GCR");
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GCR"));
     for (int i = 0; i < 3; ++i) { link.peer.expect(kCan).send(kNak); }
     EXPECT_EQ(raised_by([&] { abecs_comm_send_can(link.comm); }), kNoCan);
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GCR");
-    link.call(abecs_comm_release)();
+    EXPECT_NO_RAISE(abecs_comm_release(link.comm));
     link.peer.expect(kGin).wait(900ms).send(kAck);
     const Packet packet("GIN00200");
-    link.call(abecs_comm_send_packet)(packet.get());
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet.get()));
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <array>
-
 #include "tests/abecs/cmd/commands.h"
 
 namespace {
@@ -29,24 +27,30 @@ TEST(Clx, SendsWhatItIsGiven) {
     refuses("Invalid character (0x0D) at position 0", abecs_cmd_clx, nullptr, "\r");
 }
 
-TEST(Close, BothDropTheKeysWhateverTheAnswer) {
-    const std::array<uint8_t, 16> key{1, 2, 3};
-    const AbecsWkPan wkPan{ABECS_WK_PAN_TYPE_TDES, {4, 5, 6}};
-    const Outcome bad = error(kIo, "Invalid char (0x78) at index 1");
-    for (const auto& [extended, stat] : {std::pair{false, "000"}, {true, "000"}, {false, "0x0"}, {true, "0x0"}}) {
-        Link link;
-        EXPECT_NO_RAISE(abecs_comm_set_wk_pan(link.comm, &wkPan));
-        EXPECT_NO_RAISE(abecs_comm_set_key(link.comm, key.data()));
-        link.comm->keySet = false;  // so that the request can be spelled; the bytes must go all the same
-        link.peer.request(extended ? "CLX" : "CLO032" + std::string(32, ' '));
-        link.peer.response((extended ? "CLX" : "CLO") + std::string(stat));
-        const auto close = [&link, extended = extended] {
-            return extended ? abecs_cmd_clx(link.comm, nullptr, nullptr) : abecs_cmd_clo(link.comm, nullptr);
-        };
-        EXPECT_EQ(outcome_of(close), stat[1] == '0' ? kOk : bad);
-        EXPECT_FALSE(link.comm->keySet || link.comm->panKeyInstalled || link.comm->panProtected);
-        EXPECT_EQ(link.comm->key, (std::array<uint8_t, 16>{}));
+TEST(Dsp, FillsTheDisplayAsRmcDoes) {
+    for (const std::string message : {"HELLO", "", "0123456789ABCDEF0123456789abcdef", " INSIRA O CART\xC3O \xFF~"}) {
+        exchanges("DSP032" + padded(message, 32), "DSP000", kOk, abecs_cmd_dsp, message.c_str());
+        sends("RMC032" + padded(message, 32), abecs_cmd_rmc, message.c_str());
     }
+}
+
+TEST(Dex, SendsTheTextAsLongAsItIs) {
+    const std::string longest = "LINE 1\rLINE 2\rLINE 3" + std::string(140, 'x');
+    exchanges("DEX004001A", "DEX000", kOk, abecs_cmd_dex, "A");
+    exchanges("DEX163160" + longest, "DEX000", kOk, abecs_cmd_dex, longest.c_str());
+}
+
+TEST(Display, RefusesWhatDoesNotFit) {
+    const std::string tooLong(33, 'x');
+    const std::string tooLongForDex(161, 'x');
+    refuses("'msg' is NULL", abecs_cmd_dsp, nullptr);
+    refuses("'msg' it too long (maximum: 32, requested: 33)", abecs_cmd_dsp, tooLong.c_str());
+    refuses("Invalid character (0x0D) at position 1", abecs_cmd_dsp, "A\r");
+    refuses("'msg' is NULL", abecs_cmd_dex, nullptr);
+    refuses("'msg' it too long (maximum: 160, requested: 161)", abecs_cmd_dex, tooLongForDex.c_str());
+    refuses("Invalid character (0x0A) at position 1", abecs_cmd_dex, "A\n");
+    refuses("'msg' it too long (maximum: 32, requested: 33)", abecs_cmd_rmc, tooLong.c_str());
+    refuses("Invalid character (0x0D) at position 1", abecs_cmd_rmc, "A\r");
 }
 
 }  // namespace
