@@ -87,21 +87,12 @@ std::string field(std::string text, size_t width) {
 
 // Both with tracks that are enciphered in the layout of protected mode.
 std::string card_answer() {
-    return "GCR000999"
-           "06"
-           "1"
-           "98"
-           "03"
-           "Z1"
-           + field("43B4111111111111111^CARD/TEST^2512201", 78) + field("294111111111111111=2512201", 42)
-           + field("", 104) + field("174111111111111111", 21) + field("07CREDIT", 18) + field("201TEST/CARD", 29)
-           + "301231" + std::string(28, '!') + "!076000";
+    return "GCR0009990619803Z1" + field("43B4111111111111111^CARD/TEST^2512201", 78)
+           + field("294111111111111111=2512201", 42) + field("", 104) + field("174111111111111111", 21)
+           + field("07CREDIT", 18) + field("201TEST/CARD", 29) + "301231" + std::string(28, '!') + "!076000";
 }
 std::string tracks_answer() {
-    return "CKE000225"
-           "1"
-           "00"
-           + field("4111111111111111^X", 76) + "00" + field("4111111111111111=2512", 40)
+    return "CKE000225100" + field("4111111111111111^X", 76) + "00" + field("4111111111111111=2512", 40)
            + field("4111111111111111=25", 104);
 }
 

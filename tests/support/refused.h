@@ -14,7 +14,7 @@
 namespace support {
 
 // A function that refuses what it was given: it raises the error, and the same one once where the raise returns. What
-// it returns then is a status that nobody takes for success, or the error's code.
+// it returns then is a status that nobody takes for success, the error's code, or no object.
 template <typename Call>
 void expect_refused(const Raised& error, Call&& call) {
     EXPECT_EQ(raised_by([&] { call(); }), error);
@@ -23,6 +23,8 @@ void expect_refused(const Raised& error, Call&& call) {
         call();
     } else if constexpr (std::is_same_v<decltype(call()), KorResult_E>) {
         EXPECT_EQ(call(), error.code) << error;
+    } else if constexpr (std::is_pointer_v<decltype(call())>) {
+        EXPECT_EQ(call(), nullptr) << error;
     } else {
         EXPECT_EQ(call(), ABECS_RSP_STAT_ST_INTERR) << error;
     }

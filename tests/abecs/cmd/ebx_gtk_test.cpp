@@ -319,12 +319,9 @@ void expect_reads(uint16_t id, uint32_t capacity, const std::string& name,
     const Raised tooLong =
         error(kProtocol, "'Parameter size violation for ABECS_RSP_DATID_PP_" + name
                              + " (size: " + std::to_string(capacity + 1) + ", max: " + std::to_string(capacity) + ")");
-    EXPECT_EQ(raised_by([&] { read(map.get(), &out); }), tooLong);
+    expect_refused(tooLong, [&] { return read(map.get(), &out); });
     EXPECT_EQ(out.size, capacity + 1) << name;
     EXPECT_EQ(out.data[0], 0xEE) << name;
-    const ReturningRaises handler;
-    EXPECT_EQ(read(map.get(), &out), nullptr) << name;
-    EXPECT_EQ(handler.all(), std::vector{tooLong});
 }
 
 TEST(GtkResponse, ReadsEachItemUpToItsCapacity) {

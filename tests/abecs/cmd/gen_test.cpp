@@ -240,10 +240,7 @@ TEST(Gen0303EncodeData, ChecksItsArgumentsInTheirOrder) {
     AbecsCmdGen0303Data encoded = data_of("old");
     const auto refused = [&](const char* detail, const AbecsCmdGen0303Data* clear, const AbecsWkPan* key,
                              AbecsCmdGen0303Data* to) {
-        EXPECT_RAISES(kArgument, detail, abecs_cmd_gen_03_03_encode_data(clear, key, to));
-        const ReturningRaises handler;
-        EXPECT_EQ(abecs_cmd_gen_03_03_encode_data(clear, key, to), nullptr) << detail;
-        EXPECT_EQ(handler.all(), errors(kArgument, {detail}));
+        EXPECT_REFUSED(kArgument, detail, abecs_cmd_gen_03_03_encode_data(clear, key, to));
     };
     refused("Invalid length for 'clearData': 8", &tooShort, nullptr, nullptr);
     refused("Invalid length for 'clearData': 272", &tooLong, nullptr, nullptr);

@@ -3,12 +3,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/abecs/cmd/commands.h"
+#include "tests/core/temp_dir.h"
 #include "tests/support/malloc/failing_malloc.h"
 
 namespace {
@@ -60,15 +60,7 @@ std::string announcement(const std::string& sizeAndCrc) {
 
 class Mlx : public testing::Test {
 protected:
-    Mlx() {
-        std::string pattern = (fs::temp_directory_path() / "quorvel-mlx-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) { throw std::runtime_error("mkdtemp"); }
-        directory_ = pattern;
-        path_ = (directory_ / "file").string();
-    }
-    ~Mlx() override { fs::remove_all(directory_); }
-
-    void write(const std::string& bytes) { std::ofstream(path_, std::ios::binary) << bytes; }
+    void write(const std::string& bytes) { directory_.file("file", bytes); }
 
     // The descriptor under which this program has the file open, or -1.
     [[nodiscard]] int descriptor() const {
@@ -103,8 +95,8 @@ protected:
         EXPECT_EQ(descriptor(), -1);
     }
 
-    fs::path directory_;
-    std::string path_;
+    TempDir directory_;
+    std::string path_ = directory_ / "file";
     Link link_;
 };
 
@@ -196,17 +188,15 @@ TEST_F(Mlx, AFailingCloseDoesNotHideTheErrorBeforeIt) {
 TEST_F(Mlx, OpensNothingButRegularFiles) {
     const Raised irregular = error(kArgument, "'path' is not a regular file");
     ASSERT_EQ(mkfifo((directory_ / "pipe").c_str(), 0600), 0);
-    fs::create_symlink("/dev/null", directory_ / "device");
     opened = 0;
-    for (const std::string& path : {directory_.string(), (directory_ / "pipe").string(),
-                                    (directory_ / "device").string(), std::string("/dev/zero")}) {
+    for (const std::string& path :
+         {directory_ / "", directory_ / "pipe", directory_.link("device", "/dev/null"), std::string("/dev/zero")}) {
         refuses(irregular, abecs_cmd_mlx, path.c_str(), nullptr, 1);
         crc_of(path, irregular);
     }
     EXPECT_EQ(opened, 0U);
     write("123456789");
-    fs::create_symlink(path_, directory_ / "link");
-    EXPECT_EQ(crc_of(directory_ / "link"), 0x31C3);
+    EXPECT_EQ(crc_of(directory_.link("link", path_)), 0x31C3);
     crc_of(path_ + "/inside", kMissing);
 }
 

@@ -18,12 +18,8 @@ constexpr AbecsWkPan kOldKey{ABECS_WK_PAN_TYPE_DES, {1, 2, 3, 4, 5, 6, 7, 8, 9, 
 
 std::string bytes_of(const uint8_t (&key)[16]) { return {key, key + sizeof key}; }
 
-std::string from_hex(const std::string& digits) {
-    EXPECT_EQ(digits.find_first_not_of("0123456789ABCDEFabcdef"), std::string::npos);
-    std::string upper = digits;
-    std::transform(upper.begin(), upper.end(), upper.begin(), ::toupper);
-    return operator""_hex(upper.c_str(), upper.size());
-}
+// Of upper-case digits.
+std::string from_hex(const std::string& digits) { return operator""_hex(digits.c_str(), digits.size()); }
 
 // Takes a request that is `head`, the digits of a modulus of full length, and `tail`. Digits need no escapes.
 void answer(Link& link, const std::string& head, size_t digits, const std::string& tail, Respond respond) {
@@ -235,10 +231,10 @@ void loads_rsa(const Respond& respond, const Outcome& expected, const std::strin
 }
 
 TEST(Dwk2, TakesTheKeyOutOfTheBlock) {
-    for (const std::string& digits : {kKeyDigits, std::string("0f1e2d3c4b5a69788796a5b4c3d2e1f0"), repeated("30", 16),
-                                      "303030" + kKeyDigits.substr(6)}) {
+    for (const std::string& digits : {repeated("30", 16), "303030" + kKeyDigits.substr(6)}) {
         loads_rsa(pan_key("T1", digits, 'X'), kOk, digits);
     }
+    loads_rsa(pan_key("T1", "0f1e2d3c4b5a69788796a5b4c3d2e1f0", 'X'), kOk, kKeyDigits);
     loads_rsa(pan_key("T1", kKeyDigits, 'X', true), kOk, kKeyDigits);
 }
 

@@ -34,22 +34,21 @@ TEST(CharacterClasses, AreThoseOfAsciiAndReportTheFirstOther) {
                               != std::string_view::npos;
         EXPECT_EQ(abecs_data_is_alphanumeric(static_cast<char>(c)), expected) << c;
     }
-    size_t index = 77;
-    EXPECT_TRUE(abecs_data_is_numeric_field("019x", 3, &index));
-    EXPECT_TRUE(abecs_data_is_alphanumeric_field("aZ9-", 3, &index));
-    EXPECT_EQ(index, 77U) << "untouched on success";
-    EXPECT_FALSE(abecs_data_is_numeric_field("01a", 3, &index));
-    EXPECT_EQ(index, 2U);
-    EXPECT_FALSE(abecs_data_is_alphanumeric_field("a b-", 4, &index));
-    EXPECT_EQ(index, 1U);
-    EXPECT_FALSE(abecs_data_is_numeric_field("x", 1, nullptr));
+    // The index stays as it was when there is no other character.
+    constexpr size_t kNone = 77;
+    const auto finds = [](auto is_field, const char* text, size_t count, size_t expected) {
+        size_t index = kNone;
+        EXPECT_EQ(is_field(text, count, &index), expected == kNone) << index;
+        EXPECT_EQ(index, expected);
+        EXPECT_EQ(is_field(text, count, nullptr), expected == kNone) << index;
+    };
+    finds(abecs_data_is_numeric_field, "019x", 3, kNone);
+    finds(abecs_data_is_numeric_field, "01a", 3, 2);
+    finds(abecs_data_is_alphanumeric_field, "aZ9-", 3, kNone);
+    finds(abecs_data_is_alphanumeric_field, "a b-", 4, 1);
     for (const auto is_field : {abecs_data_is_numeric_field, abecs_data_is_alphanumeric_field}) {
-        index = 77;
-        EXPECT_TRUE(is_field(nullptr, 0, &index)) << "none of no characters is another one";
-        EXPECT_EQ(index, 77U);
-        EXPECT_FALSE(is_field(nullptr, 3, &index));
-        EXPECT_EQ(index, 0U);
-        EXPECT_FALSE(is_field(nullptr, 1, nullptr));
+        finds(is_field, nullptr, 0, kNone);
+        finds(is_field, nullptr, 3, 0);
     }
 }
 

@@ -10,7 +10,6 @@
 #include <tuple>
 #include <vector>
 
-#include "abecs/data/pan_hex.h"
 #include "tests/support/raised.h"
 #include "tests/support/wire.h"
 
@@ -188,26 +187,6 @@ TEST(Pan, AShorterResultLeavesNothingOfTheLongerOneBehindIt) {
     EXPECT_TRUE(rest_is_zero(abecs_pan_decrypt_track("1", &key), 129));
     abecs_pan_identify("4111111111111111");
     EXPECT_TRUE(rest_is_zero(abecs_pan_identify("1"), 256));
-}
-
-TEST(PanHex, LimitsAndBadDigits) {
-    uint8_t bytes[33]{};
-    char text[67]{};
-    ASSERT_TRUE(abecs::pan::from_hex("00fFa09B", bytes));
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(bytes), 4), "00FFA09B"_hex);
-    ASSERT_TRUE(abecs::pan::to_hex({bytes, 4}, text));
-    EXPECT_STREQ(text, "00FFA09B");
-    const std::string longest(64, '3');
-    EXPECT_TRUE(abecs::pan::from_hex(longest, bytes));
-    EXPECT_TRUE(abecs::pan::to_hex({bytes, 32}, text));
-    EXPECT_EQ(text, longest);
-    const std::string tooLong(66, '3');
-    EXPECT_RAISES(kArgument, "Hex string length is too big (max: 64, requested: 66)",
-                  abecs::pan::from_hex(tooLong, bytes));
-    EXPECT_RAISES(kArgument, "Bytes length is too big (max: 32, requested: 33)", abecs::pan::to_hex({bytes, 33}, text));
-    EXPECT_RAISES(kArgument, "Invalid byte (3G) at position 2", abecs::pan::from_hex("003G", bytes));
-    EXPECT_RAISES(kArgument, "Invalid byte (g0) at position 4", abecs::pan::from_hex("0011g0", bytes));
-    EXPECT_RAISES(kArgument, "Invalid byte (3) at position 2", abecs::pan::from_hex("003", bytes));
 }
 
 }  // namespace
