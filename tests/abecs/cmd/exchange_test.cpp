@@ -53,6 +53,16 @@ const char* const kExpected = "Invalid RSP_ID (expected ABC, read: XYZ)";
 const std::string kName = "001E 0008"_hex + "A       ";
 const std::string kBlanks(32, ' ');
 
+const AbecsTagList kTags{{0x82}, 1};
+const AbecsCmdFncData kFnc{0, "00", 0, "", 0, ""};
+const AbecsCmdEnbCmdData kEnb{ABECS_CMD_ENB_METHOD_0, 0, "", "4111111111111111"};
+const AbecsCmdGen02K3CmdData kKeys{0, 0, 0, 0};
+const char kOptions[][25] = {"TEA"};
+const AbecsCmdGpnCmdData kGpn{ABECS_CMD_GPN_METHOD_DUKPT_DES, 7, "", "", 1, {{4, 12, "PIN"}}};
+const AbecsCmdChpParam kChp{};
+const AbecsCmdGocData kGoc{};
+const AbecsCmdGen0403CmdData kPin{0, "00200080", 'b', 0, 12, "?"};
+
 const struct {
     std::string id;
     std::string rest;
@@ -81,30 +91,18 @@ const struct {
     {"DSI", "012" + kName, kFields, kPlain, [](auto* link, Data&) { return abecs_cmd_dsi(link, "a"); }},
     {"CNG", "00200", kFields, kPlain, [](auto* link, Data&) { return abecs_cmd_cng(link, ""); }},
     {"GED", "005" + "0004 0001 82"_hex, kParams, kPlain,
-     [](auto* link, Data& it) {
-         const AbecsTagList tags{{0x82}, 1};
-         return abecs_cmd_ged(link, &tags, it.out);
-     }},
+     [](auto* link, Data& it) { return abecs_cmd_ged(link, &kTags, it.out); }},
     {"FNC", "010" + std::string(10, '0') + "003000", kFields, kPlain,
-     [](auto* link, Data& it) {
-         const AbecsCmdFncData sent{0, "00", 0, "", 0, ""};
-         return abecs_cmd_fnc(link, &sent, it.out);
-     }},
+     [](auto* link, Data& it) { return abecs_cmd_fnc(link, &kFnc, it.out); }},
     {"GDU", "003302", kFields, kExpected,
      [](auto* link, Data& it) { return abecs_cmd_gdu(link, ABECS_CMD_GDU_METHOD_3, 2, it.out); }},
     {"ENB", "051000" + repeated("30", 16) + "4111111111111111", kFields, kPlain,
-     [](auto* link, Data& it) {
-         const AbecsCmdEnbCmdData sent{ABECS_CMD_ENB_METHOD_0, 0, "", "4111111111111111"};
-         return abecs_cmd_enb(link, &sent, it.out);
-     }},
+     [](auto* link, Data& it) { return abecs_cmd_enb(link, &kEnb, it.out); }},
     {"EBX", "024" + "000F 0008"_hex + "12345678" + "0003 0002 3530 0009 0002 3035"_hex, kParams, kPlain,
      [](auto* link, Data& it) { return abecs_cmd_ebx(link, it.ebx, it.map.get()); }},
     {"GTK", "", kParams, kPlain, [](auto* link, Data& it) { return abecs_cmd_gtk(link, it.gtk, it.map.get()); }},
     {"GEN", "01302008K3000000", kFields, kPlain,
-     [](auto* link, Data& it) {
-         const AbecsCmdGen02K3CmdData sent{0, 0, 0, 0};
-         return abecs_cmd_gen_02_k3(link, &sent, it.out);
-     }},
+     [](auto* link, Data& it) { return abecs_cmd_gen_02_k3(link, &kKeys, it.out); }},
 };
 
 // A status, or what is no answer.
@@ -164,41 +162,23 @@ const Waiting kWaiting[] = {
     {"RMC", "RMC032" + kBlanks, kFields, nullptr, poll<abecs_cmd_rmc_response>,
      [](auto* link, Data&) { abecs_cmd_rmc(link, nullptr); }},
     {"MNU", "MNU028" + "0020 0018"_hex + padded("TEA", 24), kParams, "optOut", poll<abecs_cmd_mnu_response>,
-     [](auto* link, Data&) {
-         const char options[][25] = {"TEA"};
-         abecs_cmd_mnu(link, 0, nullptr, options, 1);
-     }},
+     [](auto* link, Data&) { abecs_cmd_mnu(link, 0, nullptr, kOptions, 1); }},
     {"CKE", "CKE003100", kFields, "out", poll<abecs_cmd_cke_response>,
      [](auto* link, Data&) {
          abecs_cmd_cke(link, true, false, ABECS_CMD_CKE_ICC_CHECK_TYPE_0, ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT);
      }},
     {"GPN", "GPN093207" + repeated("30", 16) + padded("00", 21) + "10412" + padded("PIN", 32), kFields, "rspDataOut",
-     poll<abecs_cmd_gpn_response>,
-     [](auto* link, Data&) {
-         const AbecsCmdGpnCmdData data{ABECS_CMD_GPN_METHOD_DUKPT_DES, 7, "", "", 1, {{4, 12, "PIN"}}};
-         abecs_cmd_gpn(link, &data);
-     }},
+     poll<abecs_cmd_gpn_response>, [](auto* link, Data&) { abecs_cmd_gpn(link, &kGpn); }},
     {"GCD", "GCD016" + "000B 0002 0102 000D 0001 01 000E 0001 20"_hex, kParams, "out", poll<abecs_cmd_gcd_response>,
      [](auto* link, Data&) { abecs_cmd_gcd(link, 0x0102, 1, 32, 0); }},
     {"GCR", "GCR", kFields, "gcrResponse", poll<abecs_cmd_gcr_response>,
      [](auto* link, Data&) { abecs_cmd_gcr_empty(link); }},
     {"CHP", "CHP00500000", kFields, "out", poll<abecs_cmd_chp_response>,
-     [](auto* link, Data&) {
-         const AbecsCmdChpParam off{};
-         abecs_cmd_chp(link, &off);
-     }},
+     [](auto* link, Data&) { abecs_cmd_chp(link, &kChp); }},
     {"GOC", "GOC086" + std::string(30, '0') + repeated("30", 16) + "0|30303030|00|30303030|00|00|003000|003000"_wire,
-     kFields, "gocResponse", poll<abecs_cmd_goc_response>,
-     [](auto* link, Data&) {
-         const AbecsCmdGocData data{};
-         abecs_cmd_goc(link, 0, &data);
-     }},
+     kFields, "gocResponse", poll<abecs_cmd_goc_response>, [](auto* link, Data&) { abecs_cmd_goc(link, 0, &kGoc); }},
     {"GEN/04/03", "GEN053|04|048|03|0|00200080|B|00|12|?"_wire + std::string(31, ' '), kFields, "rspDataOut",
-     poll<abecs_cmd_gen_04_03_response>,
-     [](auto* link, Data&) {
-         const AbecsCmdGen0403CmdData data{0, "00200080", 'b', 0, 12, "?"};
-         abecs_cmd_gen_04_03(link, &data);
-     }},
+     poll<abecs_cmd_gen_04_03_response>, [](auto* link, Data&) { abecs_cmd_gen_04_03(link, &kPin); }},
     {"GCX", "GCX020" + "0015 0006 323531323331 0016 0006 323335393539"_hex, kParams, "out",
      poll<abecs_cmd_gcx_response>, [](auto* link, Data& it) { abecs_cmd_gcx(link, it.gcx); }},
     {"GOX", "GOX017" + "0010 0002 3034 0002 0001 33 0009 0002 3132"_hex, kParams, "out", poll<abecs_cmd_gox_response>,
