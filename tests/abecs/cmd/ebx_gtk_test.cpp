@@ -157,11 +157,8 @@ TEST_F(Ebx, CopiesTheAnswerIntoTheMap) {
     answered("EBX000004" + "804E 0000"_hex, kOk, {{0x804E, ""}});
     EXPECT_STREQ(abecs_cmd_ebx_response_get_dataout(map_.get()), "");
     EXPECT_EQ(abecs_cmd_ebx_response_get_ksn(map_.get()), nullptr);
-    answered("GTK000", error(kProtocol, "(EBX) Invalid RSP_ID: GTK)"), {});
-    answered("EBX000012" + "804E 0008"_hex, error(kIo, "Invalid packet (malformed)"), {});
     answered("EBX000005" + "804E 0008"_hex + "C",
              error(kProtocol, "Malformed parameter (expected data length: 8, available: 1)"), {});
-    answered("ERR010", ABECS_RSP_STAT_ST_INVCALL, {});
 }
 
 const std::string kModulus(256, '\xA7');

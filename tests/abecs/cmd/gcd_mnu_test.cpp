@@ -32,7 +32,6 @@ TEST(Gcd, ReadsTheNumberWhereverItStandsAndHoweverLongItIs) {
     reads("004" + "804D 0000"_hex, "", kOk);
     reads("999" + "804D 03E3"_hex + std::string(995, '7'), std::string(995, '7'), kOk);
     reads("", "", missing);
-    reads("000", "", missing);
     reads("004" + "8050 0000"_hex, "", missing);
 }
 
@@ -89,7 +88,6 @@ TEST(Mnu, ReadsTheChoice) {
     reads("007" + "804D 0003"_hex + "201", 20, kOk);
     reads("012" + "804D 0002"_hex + "00" + "8050 0002"_hex + "11", 0, kOk);
     reads("", 99, missing);
-    reads("000", 99, missing);
     reads("012" + "8050 0002"_hex + "11" + "804D 0002"_hex + "07", 99, missing);
     reads("005" + "804D 0001"_hex + "7", 99, too_few(2, 1));
     reads("006" + "804D 0002"_hex + "0x", 99, error(kIo, "Invalid char (0x78) at index 1"));
