@@ -56,7 +56,13 @@ Peer::Peer() {
     path_ = name.data();
     finish_ = eventfd(0, EFD_CLOEXEC);
     if (finish_ < 0) { give_up("eventfd"); }
-    start();
+    // Signals that a test sends are for the host's thread.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &before);
+    thread_ = std::thread([this] { play(); });
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 Peer::~Peer() {
@@ -136,16 +142,6 @@ void Peer::finish() {
     eventfd_write(finish_, 1);
     thread_.join();
     if (!failure_.empty()) { ADD_FAILURE_AT(failedAt_.file, failedAt_.line) << "the peer: " << failure_; }
-}
-
-// Signals that a test sends are for the host's thread.
-void Peer::start() {
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, &before);
-    thread_ = std::thread([this] { play(); });
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 Peer& Peer::add(Step step) {

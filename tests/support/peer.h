@@ -83,7 +83,6 @@ private:
     using Step = std::function<void(Peer&)>;
     struct Failed {};
 
-    void start();
     Peer& add(Step step);
     void play();
     void fail(const Where& where, const std::string& text);

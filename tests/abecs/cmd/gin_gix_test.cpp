@@ -161,9 +161,8 @@ TEST_F(Gix, KnowsTheIdsThatCanBeAsked) {
         const Raised raised = raised_by([&] { abecs_cmd_gix(link.comm, &id, 1, nullptr); });
         EXPECT_EQ(raised == error(kArgument, "'out' is NULL"), known) << id;
     }
-    std::string ids;
-    for (int i = 0; i < 64; ++i) { ids += "8001"_hex; }
-    expect_gix(std::vector<int32_t>(64, 0x8001), "GIX132" + "0001 0080"_hex + ids, "GIX000", kOk, {});
+    expect_gix(std::vector<int32_t>(64, 0x8001), "GIX132" + "0001 0080"_hex + repeated("8001"_hex, 64), "GIX000", kOk,
+               {});
 }
 
 TEST_F(Gix, AnIdOfAFamilyEndsTheCheck) {
