@@ -92,8 +92,8 @@ TEST_F(SystemCalls, AreOneWriteForAByteOneDrainForAFrameAndAReadForWhatHasCome) 
 }
 
 TEST_F(SystemCalls, AreOneWriteForAFrameIfTheCallerSaysSo) {
-    link.call(abecs_comm_set_whole_frames)(true);
-    EXPECT_TRUE(link.call(abecs_comm_get_whole_frames)());
+    EXPECT_NO_RAISE(abecs_comm_set_whole_frames(link.comm, true));
+    EXPECT_TRUE(abecs_comm_get_whole_frames(link.comm));
     link.peer.discard(sent).send(kNak).request(request);
     const Calls calls = exchange(0);
     EXPECT_EQ(calls.writes, 1 + sent);
@@ -101,7 +101,7 @@ TEST_F(SystemCalls, AreOneWriteForAFrameIfTheCallerSaysSo) {
     const std::string escaped = "GEN" + std::string(2041, '\x16');
     const Packet packet(escaped);
     link.peer.request(escaped);
-    link.call(abecs_comm_send_packet)(packet);
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
 }
 
 // A PIN pad that rejects a frame may have been outrun.
