@@ -21,9 +21,10 @@ KOR_BEGIN_DECLS
  *    be sent. The functions of quorvel/abecs/cmd do all this.
  *
  * 2. A frame or a CAN is tried three times in all. The PIN pad has 2 s to acknowledge, 10 s to begin a response, or 2 s
- *    while the link is blocked (abecs_comm_set_poll_time), then 2 s for each further byte and 30 s for all of them. Before a response is asked for
- *    again, or CAN is sent again because of a wrong answer, the line is purged: what arrives is discarded until nothing
- *    has come for half a second, or for 3 s if the line never falls silent. Signals shorten none of these times.
+ *    while the link is blocked (abecs_comm_set_poll_time), then 2 s for each further byte and 30 s for all of them.
+ *    Before a response is asked for again, or CAN is sent again because of a wrong answer, the line is purged: what
+ *    arrives is discarded until nothing has come for half a second, or for 3 s if the line never falls silent. Signals
+ *    shorten none of these times.
  *
  * 3. A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL", before anything else, except where another text is
  *    given.
