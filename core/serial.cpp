@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -58,6 +59,18 @@ int open_terminal(const char* path) {
 }
 
 }  // namespace
+
+bool kor::claim(const KorSerial* handle, const char* path) {
+    if (retry([&] { return flock(handle->fd, LOCK_EX | LOCK_NB); }) != 0) {
+        if (errno == EWOULDBLOCK) { return raise(KOR_RESULT_DEVICE_BUSY, "Port is busy: %s", path), false; }
+        return raise(KOR_RESULT_IO_ERROR, "flock() error: %d", errno), false;
+    }
+    if (ioctl(handle->fd, TIOCEXCL) == 0) { return true; }
+    return raise(KOR_RESULT_IO_ERROR, "ioctl(TIOCEXCL) error: %d", errno), false;
+}
+
+// A line that hung up has no such state any more.
+void kor::release(const KorSerial* handle) { ioctl(handle->fd, TIOCNXCL); }
 
 KorSerial* kor_serial_open(const char* path) {
     auto* handle = static_cast<KorSerial*>(kor_heap_alloc(sizeof(KorSerial), 0));

@@ -17,6 +17,12 @@ namespace kor {
 // kor_serial_list_ports over the entries of `directory`, which ends with a slash.
 KorList* list_serial_ports(const char* directory, KorList* out);
 
+// Takes the port for this handle alone: no other claim is granted, nor, but to root, another opening. False after it
+// raised DEVICE_BUSY "Port is busy: %s" with the path, or IO_ERROR. `release` lets others open the port again; the
+// claim itself ends when the handle is closed.
+bool claim(const KorSerial* handle, const char* path);
+void release(const KorSerial* handle);
+
 // The two below wait by the deadline; the port's own read time-out plays no part. A line that hangs up ends both waits.
 
 // Whether there is something to read, or a failure for the next call on the port to report.

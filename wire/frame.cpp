@@ -63,11 +63,11 @@ std::optional<Reception> FrameDecoder::feed(uint8_t byte) {
             }
             unescape(byte);
             return std::nullopt;
-        case State::kCrc_high:
+        case State::kCrcHigh:
             crc_ = static_cast<uint16_t>(byte << 8);
-            state_ = State::kCrc_low;
+            state_ = State::kCrcLow;
             return std::nullopt;
-        case State::kCrc_low:
+        case State::kCrcLow:
             crc_ = static_cast<uint16_t>(crc_ | byte);
             return check();
     }
@@ -84,7 +84,7 @@ std::optional<Reception> FrameDecoder::in_data(uint8_t byte) {
         case control::kSyn:
             return restart();
         case control::kEtb:
-            state_ = State::kCrc_high;
+            state_ = State::kCrcHigh;
             break;
         case control::kDc3:
             state_ = State::kEscaped;

@@ -63,7 +63,7 @@ public:
     [[nodiscard]] Reception give_up();
 
 private:
-    enum class State { kOutside, kFirst, kData, kEscaped, kCrc_high, kCrc_low };
+    enum class State { kOutside, kFirst, kData, kEscaped, kCrcHigh, kCrcLow };
 
     std::optional<Reception> in_data(uint8_t byte);
     std::optional<Reception> restart();

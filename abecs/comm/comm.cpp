@@ -46,8 +46,13 @@ bool refuse_busy(const AbecsComm* link) {
     return raise(KOR_RESULT_ILLEGAL_STATE, "Connection is blocked waiting for %s response", link->blkWaitId), true;
 }
 
-void connect(AbecsComm* link, const char* portName) {
+void connect(AbecsComm* link, const char* portName, bool alone) {
     link->line.serial = kor_serial_open(portName);
+    if (alone) {
+        link->foreign = true;
+        link->claimed = claim(link->line.serial, portName);
+        link->foreign = false;
+    }
     kor_serial_config(link->line.serial, &kSerialConfig);
     purge(link);
     cancel(link);
@@ -65,7 +70,11 @@ void keep_error(KorException* first, Step&& step) {
 }  // namespace
 
 AbecsComm* abecs_comm_open(const char* portName) {
-    return construct(abecs_comm_close, [=](AbecsComm* link) { connect(link, portName); });
+    return construct(abecs_comm_close, [=](AbecsComm* link) { connect(link, portName, false); });
+}
+
+AbecsComm* abecs_comm_claim(const char* portName) {
+    return construct(abecs_comm_close, [=](AbecsComm* link) { connect(link, portName, true); });
 }
 
 // The line may have hung up, and then both steps on the port raise. Callers also close while they clean up after an
@@ -77,7 +86,10 @@ void abecs_comm_close(AbecsComm** pinpad) {
     const KorException pending = *kor_exception_get_exception();
     KorException error{};
     if (link->line.serial != nullptr) {
-        keep_error(&error, [&] { kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH); });
+        if (!link->foreign) {
+            keep_error(&error, [&] { kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH); });
+        }
+        if (link->claimed) { release(link->line.serial); }
         keep_error(&error, [&] { kor_serial_close(&link->line.serial); });
     }
     explicit_bzero(link, sizeof *link);

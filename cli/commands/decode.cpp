@@ -96,11 +96,11 @@ std::optional<Sender> sender_of(std::string_view name) {
 std::vector<Line> capture(std::istream& in, std::optional<Sender> sender) {
     std::vector<std::string> texts;
     for (std::string text; std::getline(in, text);) { texts.push_back(text); }
-    const auto has_arrow = [](const std::string& text) { return text.starts_with('>') || text.starts_with('<'); };
-    const bool arrows = std::ranges::any_of(texts, has_arrow);
+    const auto hasArrow = [](const std::string& text) { return text.starts_with('>') || text.starts_with('<'); };
+    const bool arrows = std::ranges::any_of(texts, hasArrow);
     std::vector<Line> lines;
     for (size_t i = 0; i < texts.size(); ++i) {
-        if (arrows ? !has_arrow(texts[i]) : texts[i].find_first_not_of(" \t\r") == std::string::npos) { continue; }
+        if (arrows ? !hasArrow(texts[i]) : texts[i].find_first_not_of(" \t\r") == std::string::npos) { continue; }
         const auto bytes = parse_hex(std::string_view(texts[i]).substr(arrows ? 1 : 0));
         if (!bytes) { throw Error(Exit::kUsage, fmt::format("Line {} of the capture is not in hexadecimal.", i + 1)); }
         if (!arrows) {

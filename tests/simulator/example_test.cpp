@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include <csignal>
 #include <cstdlib>
+#include <set>
+#include <string>
 
 #include "tests/simulator/fixture.h"
 #include "tests/support/child.h"
@@ -70,6 +72,20 @@ TEST_F(Example, WaitForKeyTellsTheKeyOrGivesUpInTime) {
     pinPad_.when("GKY", Gestures().notify("ANY KEY").press(Key::kF2));
     expect_example("wait_for_key" + port_ + " 60", EXIT_SUCCESS, "the PIN pad says: ANY KEY\nABECS_RSP_STAT_ST_F2\n");
     expect_example("wait_for_key" + port_ + " 0", EXIT_SUCCESS, "ABECS_RSP_STAT_ST_TIMEOUT\n");
+}
+
+TEST_F(Example, TwoPinPadsAreServedAsTheyAnswer) {
+    PinPad other;
+    other.start();
+    other.when("GKY", Gestures().press(Key::kF1));
+    pinPad_.when("GKY", Gestures().notify("ANY KEY").press(Key::kF2));
+    const std::set<std::string> told{other.path() + ": ABECS_RSP_STAT_ST_F1\n",
+                                     pinPad_.path() + ": ABECS_RSP_STAT_ST_F2\n"};
+    expect_example("two_pin_pads" + port_ + " " + other.path() + " | LC_ALL=C sort", EXIT_SUCCESS,
+                   *told.begin() + *told.rbegin());
+    EXPECT_EQ(pinPad_.screen().text, "THANK YOU");
+    EXPECT_EQ(other.screen().text, "THANK YOU");
+    EXPECT_TRUE(other.findings().empty());
 }
 
 // A PIN pad that refuses the command for good, as it does on a line with noise: the same session goes on when CAN is

@@ -12,11 +12,19 @@
 KOR_BEGIN_DECLS
 
 /*
- * How a link uses its line: the size of its writes, and what a program with an event loop of its own needs. None of it
- * is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
+ * How a link uses its line: who else may, the size of its writes, and what a program with an event loop of its own
+ * needs. None of it is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
  *
  * A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL".
  */
+
+/*
+ * abecs_comm_open, which takes the port for this link alone before anything is sent or discarded, until it is closed.
+ * Meanwhile a second claim, in this process or another, raises DEVICE_BUSY "Port is busy: %s" and leaves the line
+ * alone. So does everybody else's opening, but that of root, and of whoever had opened the port before. Errors: those
+ * of abecs_comm_open, and IO_ERROR "flock() error: %d" or "ioctl(TIOCEXCL) error: %d".
+ */
+KOR_API AbecsComm* abecs_comm_claim(const char* portName);
 
 /*
  * Whether a frame goes out in one write, which saves system calls, and transfers on USB adapters that make one of each

@@ -3,8 +3,12 @@
 #include "quorvel/abecs/line.h"
 
 #include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include "tests/abecs/comm/line.h"
+#include "tests/core/temp_dir.h"
 
 namespace {
 
@@ -66,6 +70,37 @@ TEST_F(Line, SendsAPacketThatWasReadBeforeItWasFilled) {
     link.peer.request(payload);
     EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
     EXPECT_EQ(packet.take(), "");
+}
+
+// A descriptor of the port that the test holds tells what others see: TIOCEXCL keeps out all but root.
+TEST(Claim, TakesThePortForOneLinkUntilItIsClosed) {
+    Peer peer;
+    for (int i = 0; i < 2; ++i) {
+        AbecsComm* mine = nullptr;
+        peer.accept_can();
+        EXPECT_NO_RAISE(mine = abecs_comm_claim(peer.path().c_str()));
+        ASSERT_NE(mine, nullptr);
+        peer.send("unread").settle();
+        const size_t open = open_descriptors();
+        AbecsComm* second = nullptr;
+        EXPECT_EQ(raised_by([&] { second = abecs_comm_claim(peer.path().c_str()); }),
+                  error(KOR_RESULT_DEVICE_BUSY, "Port is busy: " + peer.path()));
+        EXPECT_EQ(second, nullptr);
+        EXPECT_EQ(open_descriptors(), open);
+        peer.expect_silence(100ms).settle();
+        int unread = 0;
+        EXPECT_EQ(ioctl(abecs_comm_get_fd(mine), FIONREAD, &unread), 0);
+        EXPECT_EQ(unread, 6);
+        int exclusive = 0;
+        EXPECT_EQ(ioctl(abecs_comm_get_fd(mine), TIOCGEXCL, &exclusive), 0);
+        EXPECT_EQ(exclusive, 1);
+        const int other = dup(abecs_comm_get_fd(mine));
+        flock(other, LOCK_UN);  // or the duplicate would keep the claim
+        EXPECT_NO_RAISE(abecs_comm_close(&mine));
+        EXPECT_EQ(ioctl(other, TIOCGEXCL, &exclusive), 0);
+        EXPECT_EQ(exclusive, 0);
+        close(other);
+    }
 }
 
 }  // namespace
