@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
-# headers.sh <include folder> <language> <compiler> [<flag> ...]: every public header compiles alone, and twice over.
+# headers.sh <include folder> <language> <compiler> [<flag> ...]: every public header compiles alone, and twice over,
+# and is reached by one of the two headers that hold all others.
 set -euo pipefail
 include=$1 language=$2
 shift 2
@@ -10,11 +11,12 @@ warnings=(-Wall -Wextra -Wpedantic -Wformat=2 -Wconversion -Wsign-conversion -Ws
 
 mapfile -t headers < <(cd "$include" && find . -name '*.h' | sed 's|^\./||' | sort)
 [ "${#headers[@]}" -gt 30 ] || { echo "only ${#headers[@]} headers were found"; exit 1; }
-reached=$(echo '#include <quorvel/quorvel.h>' | "${compile[@]}" -MM)
+reach() { echo "#include <$1>" | "${compile[@]}" -MM; }
+reached=$(reach quorvel/quorvel.h; reach quorvel/additions.h)
 failed=0
 for header in "${headers[@]}"; do
     printf '#include <%s>\n#include <%s>\nint not_empty;\n' "$header" "$header" |
         "${compile[@]}" -fsyntax-only "${warnings[@]}" || { echo "$header fails"; failed=1; }
-    grep -qF "/$header" <<<"$reached" || { echo "quorvel.h leaves out $header"; failed=1; }
+    grep -qF "/$header" <<<"$reached" || { echo "quorvel.h and additions.h leave out $header"; failed=1; }
 done
 exit $failed

@@ -159,6 +159,13 @@ On<Talk> talk(const Script& script, On<Talk>::Step call, const char* failing = n
 support::Raised io(const char* detail) { return support::error(KOR_RESULT_IO_ERROR, detail); }
 support::Raised protocol(const char* detail) { return support::error(KOR_RESULT_PROTOCOL_ERROR, detail); }
 
+// What the link has read stays in its handle until it reads more.
+void read_number(Talk& t) {
+    t.link.peer.response("GIN000" + std::string(kNumber));
+    abecs_comm_read_packet(t.comm, t.packet);
+}
+
+const std::string kLink = std::to_string(sizeof(AbecsComm));
 const std::vector<Secret> kNumbers{number()};
 const std::vector<Secret> kKeys{key()};
 const std::vector<Secret> kBoth{number(), key()};
@@ -203,8 +210,10 @@ const Table kRows{
         kFailed),
     row("LinkKeyTaken", kKeys, talk(set_key, take_key), {"16: key"}),
     row("LinkPanKeyTaken", kKeys, talk(set_key, take_pan_key), {"16: key"}),
-    row("LinkClosed", kKeys, talk(set_key, close_link), {"80: key"}),
-    row("LinkClosedAfterItHungUp", kKeys, talk(protect_and_hang_up, close_link), {"80: key"}, io("tcflush() error: 5")),
+    row("LinkClosed", kKeys, talk(set_key, close_link), {kLink + ": key"}),
+    row("LinkClosedAfterItReadANumber", kNumbers, talk(read_number, close_link), {kLink + ": number"}),
+    row("LinkClosedAfterItHungUp", kKeys, talk(protect_and_hang_up, close_link), {kLink + ": key"},
+        io("tcflush() error: 5")),
     row("SessionTalk", kBoth, talk(echo, talk_in_session),
         {"2044: number", "36: key", "36: key", "8488: key", "8488: key"}),
     row("SessionCommandNotEnciphered", kBoth, talk(begin_session, send, "aes"),
