@@ -6,13 +6,14 @@ pkg_check_modules(LIBTOMMATH REQUIRED IMPORTED_TARGET libtommath)
 
 include(CheckCCompilerFlag)
 check_c_compiler_flag(-fcf-protection QUORVEL_HAS_CF_PROTECTION)
+check_c_compiler_flag("-Werror -fstack-clash-protection" QUORVEL_HAS_STACK_CLASH_PROTECTION)
 
 # The C++ language without its runtime: errors leave by longjmp, so nothing here may throw or own a destructor.
 add_library(quorvel_library_rules INTERFACE)
 target_compile_options(quorvel_library_rules INTERFACE
   -fvisibility=hidden
   -fstack-protector-strong
-  -fstack-clash-protection
+  $<$<BOOL:${QUORVEL_HAS_STACK_CLASH_PROTECTION}>:-fstack-clash-protection>
   $<$<BOOL:${QUORVEL_HAS_CF_PROTECTION}>:-fcf-protection>
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fvisibility-inlines-hidden>
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wglobal-constructors>

@@ -159,8 +159,8 @@ size_t kor_buffer_read(KorBuffer* buffer, void* destination, size_t length) {
     if (count == 0) { return 0; }  // setting lastRead here would turn a full buffer into an empty one
     const size_t untilEnd = std::min<size_t>(count, buffer->capacity - buffer->readCursor);
     if (auto* out = static_cast<uint8_t*>(destination); out != nullptr) {
-        std::memcpy(out, buffer->storage + buffer->readCursor, untilEnd);
-        std::memcpy(out + untilEnd, buffer->storage, count - untilEnd);
+        std::memmove(out, buffer->storage + buffer->readCursor, untilEnd);
+        std::memmove(out + untilEnd, buffer->storage, count - untilEnd);
     }
     advance(buffer->readCursor, count, buffer->capacity);
     buffer->lastRead = true;
@@ -215,8 +215,8 @@ void kor_buffer_write(KorBuffer* buffer, const void* bytes, size_t length) {
     }
     const auto* in = static_cast<const uint8_t*>(bytes);
     const size_t untilEnd = std::min<size_t>(length, buffer->capacity - buffer->writeCursor);
-    std::memcpy(buffer->storage + buffer->writeCursor, in, untilEnd);
-    std::memcpy(buffer->storage, in + untilEnd, length - untilEnd);
+    std::memmove(buffer->storage + buffer->writeCursor, in, untilEnd);
+    std::memmove(buffer->storage, in + untilEnd, length - untilEnd);
     advance(buffer->writeCursor, length, buffer->capacity);
     buffer->lastRead = false;
 }

@@ -69,8 +69,12 @@ bool kor::claim(const KorSerial* handle, const char* path) {
     return raise(KOR_RESULT_IO_ERROR, "ioctl(TIOCEXCL) error: %d", errno), false;
 }
 
-// A line that hung up has no such state any more.
-void kor::release(const KorSerial* handle) { ioctl(handle->fd, TIOCNXCL); }
+// By itself closing ends the claim only once every copy of the descriptor is closed, in child processes too. A line
+// that hung up has nothing to give back.
+void kor::release(const KorSerial* handle) {
+    ioctl(handle->fd, TIOCNXCL);
+    flock(handle->fd, LOCK_UN);
+}
 
 KorSerial* kor_serial_open(const char* path) {
     auto* handle = static_cast<KorSerial*>(kor_heap_alloc(sizeof(KorSerial), 0));

@@ -18,8 +18,7 @@ namespace kor {
 KorList* list_serial_ports(const char* directory, KorList* out);
 
 // Takes the port for this handle alone: no other claim is granted, nor, but to root, another opening. False after it
-// raised DEVICE_BUSY "Port is busy: %s" with the path, or IO_ERROR. `release` lets others open the port again; the
-// claim itself ends when the handle is closed.
+// raised DEVICE_BUSY "Port is busy: %s" with the path, or IO_ERROR. `release` gives the port back.
 bool claim(const KorSerial* handle, const char* path);
 void release(const KorSerial* handle);
 

@@ -66,9 +66,14 @@ static void loop(Lane* lanes) {
     }
 }
 
+/* The PIN pad is left idle if it can be reached, and the port is closed in any case. */
 static void end(Lane* lane) {
-    if (lane->waiting) { abecs_comm_send_can(lane->pinpad); }
-    abecs_comm_close(&lane->pinpad);
+    KOR_TRY {
+        if (lane->waiting) { abecs_comm_send_can(lane->pinpad); }
+    }
+    KOR_CATCH(KOR_RESULT_OK) { fprintf(stderr, "%s: %s\n", lane->port, kor_exception_get_message()); }
+    KOR_CLEANUP { abecs_comm_close(&lane->pinpad); }
+    KOR_END_TRY;
 }
 
 int main(int argc, char** argv) {

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "core/deadline.h"
 #include "quorvel/kor/serial.h"
@@ -14,7 +15,7 @@
 namespace abecs {
 
 // The port of a link, read ahead: all that has arrived is taken in one read and then handed out byte by byte, as if it
-// still waited in the port. What was handed out last goes from memory when the next bytes are needed.
+// still waited in the port. Nothing that was handed out stays in memory.
 struct Line {
     KorSerial* serial;
     size_t next;
@@ -35,7 +36,7 @@ struct Line {
         const kor::Deadline deadline(wait);
         if (!refill(line, limit != nullptr ? std::min(deadline, *limit) : deadline)) { return false; }
     }
-    *byte = line.ahead[line.next++];
+    *byte = std::exchange(line.ahead[line.next++], uint8_t{0});
     return true;
 }
 

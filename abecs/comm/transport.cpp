@@ -49,11 +49,10 @@ enum class Pace : uint8_t {
     kStepped,  // the same, waiting until each has left, for a PIN pad that was outrun
 };
 
-// Makes the frame and hands it out in small pieces. The packet is consumed.
+// Makes the frame and hands it out in small pieces.
 template <typename Put>
-void encode(AbecsPacket* packet, bool encrypted, Put&& put) {
+void encode(const AbecsPacket* packet, bool encrypted, Put&& put) {
     const Unread data = unread_of(packet);
-    consume(packet);
     FrameEncoder encoder;
     put(encoder.begin(encrypted));
     for (const std::span<const uint8_t> piece : {data.first, data.second}) {
@@ -62,7 +61,7 @@ void encode(AbecsPacket* packet, bool encrypted, Put&& put) {
     put(encoder.end());
 }
 
-// Nothing of what the packet held stays behind.
+// As soon as something is written the packet is consumed. Nothing of what it held stays behind.
 void write_whole(const KorSerial* serial, AbecsPacket* packet, bool encrypted) {
     std::array<uint8_t, kMaxFrame> frame;
     size_t size = 0;
@@ -70,13 +69,19 @@ void write_whole(const KorSerial* serial, AbecsPacket* packet, bool encrypted) {
         std::memcpy(frame.data() + size, wire.data(), wire.size());
         size += wire.size();
     });
-    attempt([&] { enqueue(serial, {frame.data(), size}); }).cleanup([&] { explicit_bzero(frame.data(), size); }).run();
+    attempt([&] {
+        enqueue(serial, {frame.data(), size});
+        consume(packet);
+    }).cleanup([&] {
+          explicit_bzero(frame.data(), size);
+      }).run();
 }
 
 void write_bytes(const KorSerial* serial, Pace pace, AbecsPacket* packet, bool encrypted) {
     encode(packet, encrypted, [=](FrameEncoder::Wire wire) {
         for (const uint8_t& byte : wire) {
             enqueue(serial, {&byte, 1});
+            consume(packet);
             if (pace == Pace::kStepped) { drain(serial); }
         }
     });
@@ -169,7 +174,7 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
 }
 
 bool receive(AbecsComm* link, AbecsPacket* out) {
-    const std::chrono::milliseconds firstWait = is_blocked(link) ? link->pollTime : kResponseWait;
+    std::chrono::milliseconds firstWait = is_blocked(link) ? link->pollTime : kResponseWait;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         FrameDecoder decoder;
         abecs_packet_clear(out);
@@ -180,6 +185,8 @@ bool receive(AbecsComm* link, AbecsPacket* out) {
         if (read_rest(link, decoder, out)) { return decoder.encrypted(); }
         purge(link);
         kor_serial_write_byte(link->line.serial, kNak);
+        // However short the caller's polling time is: the PIN pad has to turn round.
+        firstWait = std::max(firstWait, kPollTime);
     }
     purge(link);
     return raise(KOR_RESULT_TIMEOUT_ERROR, "No response in %d attempts", kAttempts), false;
