@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/comm/comm.h"
+#include "quorvel/additions.h"
 #include "quorvel/quorvel.h"
 #include "tests/abecs/cmd/rsa_peer.h"
 #include "tests/core/owned.h"
@@ -80,6 +81,10 @@ void ged(Talk& t) { abecs_cmd_ged(t.comm, &t.tags, t.out); }
 
 void take_gpn(Talk& t) {
     t.link.peer.request("GPN093100" + std::string(kKey) + "16" + field(kClear, 19) + "10412" + field("PIN", 32));
+}
+void take_gpn_whole(Talk& t) {
+    take_gpn(t);
+    abecs_comm_set_whole_frames(t.comm, true);
 }
 void answer_ged(Talk& t) {
     t.link.peer.request("GED005" + "0004 0001 5A"_hex)
@@ -192,6 +197,7 @@ const Table kRows{
     row("GocAnswer", kNumbers, talk(answer("GOC000999000000" + field(kClear, 36) + "016" + kClear + "000"), read_goc),
         {"2044: number"}),
     row("GpnRequest", kBoth, talk(take_gpn, gpn), {"2044: number, key"}),
+    row("GpnRequestInOneWrite", kBoth, talk(take_gpn_whole, gpn), {"103: number, key", "2044: number, key"}),
     row("GpnAnswer", kNumbers, talk(answer("GPN000036" + kClear + "FFFF9876543210E00001"), read_gpn), {"2044: number"}),
     row("GcdAnswer", kNumbers, talk(answer("GCD000" + block(param("804D"_hex, kNumber))), read_gcd),
         {"2044: number", "999: number"}),
