@@ -105,8 +105,8 @@ void Face::scroll(int64_t entries) {
 std::string Face::inserted() const {
     const State state = pinPad_.board().state();
     if (!state.cardInserted) { return ""; }
-    const auto is_it = [&](const auto& card) { return card.second.chip && card.second.pan == state.cardNumber; };
-    const auto found = std::ranges::find_if(cards_, is_it);
+    const auto isIt = [&](const auto& card) { return card.second.chip && card.second.pan == state.cardNumber; };
+    const auto found = std::ranges::find_if(cards_, isIt);
     return found != cards_.end() ? found->first : "a card without a name";
 }
 
