@@ -6,6 +6,7 @@
 #include <span>
 
 #include "core/deadline.h"
+#include "core/waker.h"
 #include "quorvel/kor/serial.h"
 
 struct KorSerial {
@@ -28,8 +29,10 @@ void release(const KorSerial* handle);
 [[nodiscard]] bool wait_for_input(const KorSerial* handle, Deadline deadline);
 
 // Takes what has come, in one read, as soon as there is anything: the number of bytes; 0 when none came in time, or
-// after it raised IO_ERROR "read() error: %d".
-[[nodiscard]] size_t read_arrived(const KorSerial* handle, Deadline deadline, std::span<uint8_t> to);
+// after it raised IO_ERROR "read() error: %d". A waker ends the wait too, and is used up by it, but what has come goes
+// first.
+[[nodiscard]] size_t read_arrived(const KorSerial* handle, Deadline deadline, std::span<uint8_t> to,
+                                  Waker* waker = nullptr);
 
 // Hands the bytes to the port, which sends them while the caller goes on; `drain` waits until they have left. False
 // after it raised, as kor_serial_write does.

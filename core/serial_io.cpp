@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <iterator>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
@@ -26,27 +27,32 @@ int read_timeout(int fd) {
     return settings.c_cc[VMIN] == 0 ? settings.c_cc[VTIME] : -1;
 }
 
-enum class Wait { kInput, kHungUp, kExpired };
+enum class Wait { kInput, kHungUp, kWoken, kExpired };
 
 // Waits here and not in read(): the terminal's own timer starts again with every signal that restarts the read, so
 // that under a fast interval timer it would never expire.
-Wait wait_until(int fd, Deadline deadline) {
+Wait wait_until(int fd, Deadline deadline, Waker* waker = nullptr) {
     for (;;) {
-        pollfd input{fd, POLLIN, 0};
+        pollfd waited[] = {{fd, POLLIN, 0}, {waker != nullptr ? waker->fd : -1, POLLIN, 0}};
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.left());
-        const int ready = poll(&input, 1, static_cast<int>(left.count()));
+        const int ready = poll(waited, std::size(waited), static_cast<int>(left.count()));
         if (ready == 0) { return Wait::kExpired; }
-        if (ready > 0) { return (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput; }
-        if (errno != EINTR) { return Wait::kInput; }
+        if (ready < 0 && errno != EINTR) { return Wait::kInput; }
+        if (ready < 0) { continue; }
+        if (waited[1].revents != 0) { clear_wakes(*waker); }
+        if (waited[0].revents == 0) { return Wait::kWoken; }
+        return (waited[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput;
     }
 }
 
 // The number of bytes that came together, 0 when none did in time, or -1 with errno. Where another process takes the
 // bytes first, the wait goes on.
-ssize_t read_arrival(int fd, uint8_t* to, size_t length, Deadline deadline) {
+ssize_t read_arrival(int fd, uint8_t* to, size_t length, Deadline deadline, Waker* waker = nullptr) {
+    if (waker != nullptr) { waker->woke = false; }
     for (;;) {
-        const Wait wait = wait_until(fd, deadline);
+        const Wait wait = wait_until(fd, deadline, waker);
         if (wait == Wait::kExpired) { return 0; }
+        if (wait == Wait::kWoken) { return waker->woke = true, 0; }
         const ssize_t count = retry([&] { return read(fd, to, length); });
         if (count != 0) { return count; }
         // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.
@@ -102,8 +108,8 @@ bool kor::wait_for_input(const KorSerial* handle, Deadline deadline) {
     return wait_until(handle->fd, deadline) != Wait::kExpired;
 }
 
-size_t kor::read_arrived(const KorSerial* handle, Deadline deadline, std::span<uint8_t> to) {
-    const ssize_t count = read_arrival(handle->fd, to.data(), to.size(), deadline);
+size_t kor::read_arrived(const KorSerial* handle, Deadline deadline, std::span<uint8_t> to, Waker* waker) {
+    const ssize_t count = read_arrival(handle->fd, to.data(), to.size(), deadline, waker);
     if (count < 0) { return raise(KOR_RESULT_IO_ERROR, "read() error: %d", errno), 0; }
     return static_cast<size_t>(count);
 }

@@ -47,6 +47,7 @@ bool refuse_busy(const AbecsComm* link) {
 }
 
 void connect(AbecsComm* link, const char* portName, bool alone) {
+    open_waker(link->waker);
     link->line.serial = kor_serial_open(portName);
     if (alone) {
         link->foreign = true;
@@ -92,6 +93,7 @@ void abecs_comm_close(AbecsComm** pinpad) {
         if (link->claimed) { release(link->line.serial); }
         keep_error(&error, [&] { kor_serial_close(&link->line.serial); });
     }
+    close_waker(link->waker);
     explicit_bzero(link, sizeof *link);
     kor_heap_free(link);
     *kor_exception_get_exception() = pending;
@@ -188,6 +190,10 @@ void abecs_comm_set_poll_time(AbecsComm* pinpad, int32_t milliseconds) {
 int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad) {
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return 0; }
     return static_cast<int32_t>(pinpad->pollTime.count());
+}
+
+void abecs_comm_wake(AbecsComm* pinpad) {
+    if (pinpad != nullptr) { wake(pinpad->waker); }
 }
 
 int abecs_comm_get_fd(const AbecsComm* pinpad) {

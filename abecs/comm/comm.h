@@ -21,6 +21,7 @@ inline constexpr size_t kMaxBlkWaitId = 12;
 
 struct AbecsComm {
     abecs::Line line;
+    kor::Waker waker;
     bool claimed;  // the port is taken for this link alone
     bool foreign;  // the port is somebody else's until it is claimed: nothing may be discarded
     std::array<uint8_t, abecs::kSessionKeySize> key;

@@ -12,8 +12,8 @@ void abecs::discard_ahead(Line& line) {
     line.end = 0;
 }
 
-bool abecs::refill(Line& line, kor::Deadline deadline) {
+bool abecs::refill(Line& line, kor::Deadline deadline, kor::Waker* waker) {
     discard_ahead(line);
-    line.end = kor::read_arrived(line.serial, deadline, line.ahead);
+    line.end = kor::read_arrived(line.serial, deadline, line.ahead, waker);
     return line.end != 0;
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "core/deadline.h"
+#include "core/waker.h"
 #include "quorvel/kor/serial.h"
 
 namespace abecs {
@@ -25,9 +26,14 @@ struct Line {
 
 [[nodiscard]] inline bool has_ahead(const Line& line) { return line.next != line.end; }
 
-// Takes what has arrived, waiting for it until the deadline. False when nothing came in time. Raises IO_ERROR "read()
-// error: %d".
-[[nodiscard]] bool refill(Line& line, kor::Deadline deadline);
+inline bool take_byte(Line& line, uint8_t* byte) {
+    *byte = std::exchange(line.ahead[line.next++], uint8_t{0});
+    return true;
+}
+
+// Takes what has arrived, waiting for it until the deadline, or until the waker ends the wait. False when nothing came
+// in time. Raises IO_ERROR "read() error: %d".
+[[nodiscard]] bool refill(Line& line, kor::Deadline deadline, kor::Waker* waker = nullptr);
 
 // The next byte, waited for no longer than the time from now and the limit. False when it did not come in time.
 [[nodiscard]] inline bool read_byte(Line& line, std::chrono::milliseconds wait, const kor::Deadline* limit,
@@ -36,8 +42,13 @@ struct Line {
         const kor::Deadline deadline(wait);
         if (!refill(line, limit != nullptr ? std::min(deadline, *limit) : deadline)) { return false; }
     }
-    *byte = std::exchange(line.ahead[line.next++], uint8_t{0});
-    return true;
+    return take_byte(line, byte);
+}
+
+// The same with a waker, for the first byte of an answer that a person may keep waiting.
+[[nodiscard]] inline bool await_byte(Line& line, std::chrono::milliseconds wait, kor::Waker& waker, uint8_t* byte) {
+    if (!has_ahead(line) && !refill(line, kor::Deadline(wait), &waker)) { return false; }
+    return take_byte(line, byte);
 }
 
 // Forgets, and wipes, what was read ahead.

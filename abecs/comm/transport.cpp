@@ -36,6 +36,14 @@ uint8_t read_answer(Line& line, std::chrono::milliseconds wait) {
     return answer;
 }
 
+// The same while the link is blocked: as long as the caller says, and no longer than until somebody wakes the link.
+uint8_t await_response(AbecsComm* link) {
+    uint8_t first = 0;
+    if (await_byte(link->line, link->pollTime, link->waker, &first)) { return first; }
+    raise(KOR_RESULT_TIMEOUT_ERROR, link->waker.woke ? "The wait was ended" : "Timeout waiting for data");
+    return 0;
+}
+
 // A clock that was set back must not make the wait longer than the interval.
 void pace(const AbecsComm* link) {
     const int64_t elapsed = std::max<int64_t>(kor_system_current_time_millis() - link->lastSend, 0);
@@ -174,19 +182,18 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
 }
 
 bool receive(AbecsComm* link, AbecsPacket* out) {
-    std::chrono::milliseconds firstWait = is_blocked(link) ? link->pollTime : kResponseWait;
+    const std::chrono::milliseconds firstWait = is_blocked(link) ? kPollTime : kResponseWait;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         FrameDecoder decoder;
         abecs_packet_clear(out);
-        const uint8_t first = read_answer(link->line, firstWait);
+        const uint8_t first =
+            attempt == 0 && is_blocked(link) ? await_response(link) : read_answer(link->line, firstWait);
         if (decoder.feed(first) == Event::kNotSyn) {
             return raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x%hhx)", first), false;
         }
         if (read_rest(link, decoder, out)) { return decoder.encrypted(); }
         purge(link);
         kor_serial_write_byte(link->line.serial, kNak);
-        // However short the caller's polling time is: the PIN pad has to turn round.
-        firstWait = std::max(firstWait, kPollTime);
     }
     purge(link);
     return raise(KOR_RESULT_TIMEOUT_ERROR, "No response in %d attempts", kAttempts), false;

@@ -28,6 +28,7 @@ class Link {
 public:
     Link() {
         EXPECT_NO_RAISE(comm = new (kor_heap_alloc(sizeof(AbecsComm), 0)) AbecsComm{});
+        EXPECT_NO_RAISE(kor::open_waker(comm->waker));
         EXPECT_NO_RAISE(comm->line.serial = kor_serial_open(peer.path().c_str()));
         const KorSerialConfig config{
             20, 19200, 8, KOR_SERIAL_STOP_BITS_ONE, KOR_SERIAL_PARITY_NONE, KOR_SERIAL_FLOW_CONTROL_NONE};

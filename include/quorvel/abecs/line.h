@@ -43,6 +43,18 @@ KOR_API void abecs_comm_set_poll_time(AbecsComm* pinpad, int32_t milliseconds);
 KOR_API int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad);
 
 /*
+ * Ends the wait of a _response function at once, from a signal handler or from another thread; it is async-signal-safe.
+ * That function returns -1, and the link stays blocked and usable: poll again, or cancel. An answer that is there at
+ * the same moment goes first, and one that has begun is read to its end. A wake ends one wait: the one in progress or,
+ * if there is none, the next; several before it count as one. Of abecs_comm_read_packet the wait ends in TIMEOUT_ERROR
+ * "The wait was ended". Nothing else is ended: neither a one-call command nor the sending of a request.
+ *
+ * It is the only function that another thread may call while one uses the link, and not once abecs_comm_close has
+ * begun. A null handle is ignored.
+ */
+KOR_API void abecs_comm_wake(AbecsComm* pinpad);
+
+/*
  * The descriptor to wait at, with poll(2) for instance, while the link is blocked: when it is readable, or has hung up,
  * it is time for the _response function. Nobody else may read from it, write to it or close it. It is the same one
  * until abecs_comm_close. The result of a null handle is -1, where the raise returns.
