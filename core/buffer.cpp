@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "quorvel/kor/buffer.h"
+#include "core/buffer.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,15 +11,6 @@
 #include "quorvel/kor/heap.h"
 
 using namespace kor;
-
-struct KorBuffer {
-    uint8_t* storage;
-    bool ownsStorage;
-    uint32_t capacity;
-    uint32_t writeCursor;
-    uint32_t readCursor;
-    bool lastRead;  // tells empty from full where the cursors are equal
-};
 
 namespace {
 

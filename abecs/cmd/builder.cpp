@@ -4,14 +4,13 @@
 
 #include <cstring>
 
+#include "abecs/data/bytes.h"
 #include "abecs/data/limits.h"
 #include "abecs/data/packet.h"
 #include "abecs/data/param.h"
 #include "core/attempt.h"
 #include "core/check.h"
-#include "core/construct.h"
 #include "core/raise.h"
-#include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
 using namespace abecs;
@@ -33,20 +32,9 @@ void write_block(KorBuffer* block, AbecsPacket* out) {
 
 }  // namespace
 
-AbecsCmdBuilder* abecs_cmd_builder_new() {
-    return construct(abecs_cmd_builder_delete, [](AbecsCmdBuilder* builder) {
-        builder->blk1 = kor_buffer_new(kMaxBlock);
-        builder->blk2 = kor_buffer_new(kMaxBlock);
-    });
-}
+AbecsCmdBuilder* abecs_cmd_builder_new() { return new_owner<AbecsCmdBuilder>(); }
 
-void abecs_cmd_builder_delete(AbecsCmdBuilder** builder) {
-    if (builder == nullptr || *builder == nullptr) { return; }
-    kor_buffer_delete(&(*builder)->blk1);
-    kor_buffer_delete(&(*builder)->blk2);
-    kor_heap_free(*builder);
-    *builder = nullptr;
-}
+void abecs_cmd_builder_delete(AbecsCmdBuilder** builder) { delete_owner(builder); }
 
 void abecs_cmd_builder_reset(AbecsCmdBuilder* builder) {
     if (refuse_null(builder, "'builder' is NULL")) { return; }

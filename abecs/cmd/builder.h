@@ -3,13 +3,16 @@
 #ifndef QUORVEL_ABECS_CMD_BUILDER_PRIVATE_H
 #define QUORVEL_ABECS_CMD_BUILDER_PRIVATE_H
 
+#include "abecs/data/limits.h"
+#include "core/buffer.h"
 #include "quorvel/abecs/cmd/builder.h"
-#include "quorvel/kor/buffer.h"
 
 struct AbecsCmdBuilder {
-    char cmdId[4];
-    KorBuffer* blk1;
-    KorBuffer* blk2;
+    char cmdId[4] = "";
+    kor::InlineBuffer<abecs::kMaxBlock> first;
+    kor::InlineBuffer<abecs::kMaxBlock> second;
+    KorBuffer* blk1 = &first.buffer;
+    KorBuffer* blk2 = &second.buffer;
 };
 
 namespace abecs {

@@ -3,13 +3,14 @@
 #ifndef QUORVEL_ABECS_DATA_BYTES_H
 #define QUORVEL_ABECS_DATA_BYTES_H
 
-#include <cstdint>
+#include <cstring>
+#include <new>
 
+#include "core/buffer.h"
 #include "core/raise.h"
-#include "quorvel/kor/buffer.h"
 #include "quorvel/kor/heap.h"
 
-// What packets and parameters have in common: each owns one buffer, and its field functions are the codec's on it.
+// What packets and parameters have in common: each holds one buffer, and its field functions are the codec's on it.
 namespace abecs {
 
 // Function(bytes, arguments...), or a zero result when there are no bytes (about which has then been raised).
@@ -20,28 +21,20 @@ auto apply(KorBuffer* bytes, Arguments... arguments) {
     return Function(bytes, arguments...);
 }
 
+// An owner in one allocation, its buffer's storage included, which is not initialised.
 template <typename Owner>
-[[nodiscard]] Owner* new_owner(KorBuffer* Owner::*bytes, uint32_t capacity) {
-    KorBuffer* buffer = kor_buffer_new(capacity);
-    if (buffer == nullptr) { return nullptr; }
-    // Nullable, because a raise from within the allocation would leave the buffer behind.
-    auto* owner = static_cast<Owner*>(kor_heap_alloc(sizeof(Owner), 1));
-    if (owner == nullptr) {
-        kor_buffer_delete(&buffer);
-        return kor::raise(KOR_RESULT_MALLOC_ERROR, nullptr), nullptr;
-    }
-    *owner = Owner{};
-    owner->*bytes = buffer;
-    return owner;
+[[nodiscard]] Owner* new_owner() {
+    void* place = kor_heap_alloc(sizeof(Owner), 0);
+    return place != nullptr ? new (place) Owner : nullptr;
 }
 
+// Card data and PIN block inputs must not stay behind in freed memory.
 template <typename Owner>
-void delete_owner(Owner** variable, KorBuffer* Owner::*bytes) {
+void delete_owner(Owner** variable) {
     if (variable == nullptr || *variable == nullptr) { return; }
-    Owner* owner = *variable;
+    explicit_bzero(*variable, sizeof(Owner));
+    kor_heap_free(*variable);
     *variable = nullptr;
-    kor_buffer_delete(&(owner->*bytes));
-    kor_heap_free(owner);
 }
 
 }  // namespace abecs

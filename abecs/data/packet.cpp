@@ -36,9 +36,9 @@ void abecs::consume(AbecsPacket* packet) {
     kor_buffer_set_last_read(packet->buffer, true);
 }
 
-AbecsPacket* abecs_packet_new() { return new_owner(&AbecsPacket::buffer, kPacketCapacity); }
+AbecsPacket* abecs_packet_new() { return new_owner<AbecsPacket>(); }
 
-void abecs_packet_delete(AbecsPacket** packet) { delete_owner(packet, &AbecsPacket::buffer); }
+void abecs_packet_delete(AbecsPacket** packet) { delete_owner(packet); }
 
 void abecs_packet_clear(AbecsPacket* packet) { apply<kor_buffer_clear>(bytes_of(packet)); }
 

@@ -9,14 +9,19 @@
 #include "abecs/data/field_h.h"
 #include "quorvel/abecs/packet.h"
 
-struct AbecsPacket {
-    KorBuffer* buffer;
-};
-
 namespace abecs {
 
 // Everything between SYN and ETB, before stuffing.
 constexpr uint32_t kPacketCapacity = 2044;
+
+}  // namespace abecs
+
+struct AbecsPacket {
+    kor::InlineBuffer<abecs::kPacketCapacity> bytes;
+    KorBuffer* buffer = &bytes.buffer;
+};
+
+namespace abecs {
 
 // Null, with an error raised, for a null packet.
 [[nodiscard]] inline KorBuffer* bytes_of(const AbecsPacket* packet) {

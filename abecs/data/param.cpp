@@ -30,9 +30,9 @@ bool abecs::append_param(KorBuffer* buffer, AbecsParam* param) {
            && move_bytes(param->data, buffer, length);
 }
 
-AbecsParam* abecs_param_new() { return new_owner(&AbecsParam::data, kParamCapacity); }
+AbecsParam* abecs_param_new() { return new_owner<AbecsParam>(); }
 
-void abecs_param_delete(AbecsParam** param) { delete_owner(param, &AbecsParam::data); }
+void abecs_param_delete(AbecsParam** param) { delete_owner(param); }
 
 void abecs_param_clear_data(AbecsParam* param) { apply<kor_buffer_clear>(bytes_of(param)); }
 

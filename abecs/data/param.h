@@ -6,15 +6,20 @@
 #include "abecs/data/bytes.h"
 #include "quorvel/abecs/param.h"
 
-struct AbecsParam {
-    uint16_t id;
-    KorBuffer* data;
-};
-
 namespace abecs {
 
 // A block of parameters is announced by three digits, so no parameter can be longer.
 constexpr uint32_t kParamCapacity = 999;
+
+}  // namespace abecs
+
+struct AbecsParam {
+    uint16_t id = 0;
+    kor::InlineBuffer<abecs::kParamCapacity> bytes;
+    KorBuffer* data = &bytes.buffer;
+};
+
+namespace abecs {
 
 // The id and the length in front of a parameter's data, two bytes each.
 constexpr size_t kParamHead = 4;

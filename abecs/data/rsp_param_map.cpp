@@ -2,7 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/abecs/rsp_param_map.h"
 
+#include <array>
 #include <cstring>
+#include <numeric>
 
 #include "abecs/data/flag.h"
 #include "core/check.h"
@@ -20,7 +22,27 @@ uint32_t hash_id(const void* key) { return key != nullptr ? *static_cast<const u
 
 bool equal_ids(const void* lhs, const void* rhs) { return kor_collection_equals(lhs, rhs, sizeof(uint16_t)); }
 
-void* copy_id(const void* key) { return kor_collection_copy(key, sizeof(uint16_t)); }
+// The ids that PIN pads use are not copied: one constant of each serves all maps.
+constexpr uint16_t kFirstId = 0x8000;
+constexpr auto kIds = [] {
+    std::array<uint16_t, 128> ids{};
+    std::iota(ids.begin(), ids.end(), kFirstId);
+    return ids;
+}();
+
+const uint16_t* constant_of(uint16_t id) {
+    const auto place = static_cast<size_t>(id - kFirstId);
+    return place < kIds.size() ? &kIds[place] : nullptr;
+}
+
+void* copy_id(const void* key) {
+    const uint16_t* constant = key != nullptr ? constant_of(*static_cast<const uint16_t*>(key)) : nullptr;
+    return constant != nullptr ? const_cast<uint16_t*>(constant) : kor_collection_copy(key, sizeof(uint16_t));
+}
+
+void delete_id(void* key) {
+    if (key != nullptr && key != constant_of(*static_cast<uint16_t*>(key))) { kor_collection_destroy(key); }
+}
 
 void* copy_value(const void* value) { return kor_collection_copy(value, sizeof(AbecsRspParamValue)); }
 
@@ -44,7 +66,7 @@ AbecsRspParamMapIt* show(AbecsRspParamMapIt* out, const KorMapIterator& at) {
 }  // namespace
 
 AbecsRspParamMap* abecs_rsp_param_map_new() {
-    return kor_map_new(kInitialBuckets, hash_id, equal_ids, copy_id, copy_value, kor_collection_destroy, delete_value);
+    return kor_map_new(kInitialBuckets, hash_id, equal_ids, copy_id, copy_value, delete_id, delete_value);
 }
 
 AbecsRspParamValue* abecs_rsp_param_map_put(AbecsRspParamMap* map, uint16_t id, const AbecsRspParamValue* value,

@@ -64,13 +64,13 @@ const Table kObjects{
         {"48: number"}),
     row("BufferGivenAnotherStorage", {number()}, OnObjects{give_other_storage}, {"48: number"}),
     row("ParamDeleted", {number()}, OnObjects{[](Objects& o) { abecs_param_delete(&o.param.object); }},
-        {"999: number"}),
+        {"1048: number"}),
     row("PacketDeleted", {number()}, OnObjects{[](Objects& o) { abecs_packet_delete(&o.packet.object); }},
-        {"2044: number"}),
+        {"2088: number"}),
     row("ParamWritten", {number()}, OnObjects{write_param}, {}),
     row("ParamRead", {number()}, OnObjects{read_param}, {}),
     row("CommandBuilt", {number()}, OnObjects{build}, {}),
-    row("BuilderDeleted", {number()}, OnObjects{delete_builder}, {"999: number", "999: number"}),
+    row("BuilderDeleted", {number()}, OnObjects{delete_builder}, {"2088: number"}),
     row("MapValueReplaced", {number()}, OnObjects{replace_value}, {"16: number"}),
     row("MapCleared", {number()}, OnObjects{[](Objects& o) { kor_map_clear(o.map); }}, {"16: number"}),
     row("MapDeleted", {number()}, OnObjects{[](Objects& o) { kor_map_delete(&o.map.object); }}, {"16: number"}),
@@ -136,7 +136,7 @@ const Table kKeys{
     row("DataNotEncoded", kBoth, failing(encode), {"28: key", "8: number"}, kFailed),
     row("GenDataEncoded", kBoth, on(encode_gen), {"28: key"}),
     row("GenDataNotEncoded", kBoth, failing(encode_gen), {"128: number", "28: key"}, kFailed),
-    row("EbxBuilderDeleted", {number()}, on(delete_ebx), {"999: number", "999: number"}),
+    row("EbxBuilderDeleted", {number()}, on(delete_ebx), {"1048: number", "2088: number"}),
 };
 
 INSTANTIATE_TEST_SUITE_P(Keys, Secrets, testing::ValuesIn(kKeys), name_of);

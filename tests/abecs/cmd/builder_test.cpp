@@ -172,13 +172,13 @@ TEST_F(ParamBuilder, AFailureOfMemoryLeavesItAsItWas) {
             EXPECT_EQ(command(), before) << n;
             EXPECT_FALSE(abecs::has_param(*builder_, ABECS_SPE_ID_TIMEOUT));
         }
-        EXPECT_GT(n, 4U) << "the parameter is made, and its id stored";
+        EXPECT_GE(n, 4U) << "the parameter is made, and its id stored";
         EXPECT_TRUE(abecs::has_param(*builder_, ABECS_SPE_ID_TIMEOUT));
     }
 }
 
 TEST_F(ParamBuilder, MakingOneLeavesNothingBehindWhenItFails) {
-    EXPECT_GT(allocations_of(make<make_builder, abecs::delete_builder<Made>>), 10U);
+    EXPECT_GT(allocations_of(make<make_builder, abecs::delete_builder<Made>>), 6U);
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "the reset's own", abecs::new_builder<Made>([](Made*) {
                       kor_exception_throw(KOR_RESULT_RUNTIME_ERROR, "[KOR_RESULT_RUNTIME_ERROR] the reset's own");
                   }));
