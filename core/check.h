@@ -17,17 +17,15 @@
 // What the detail is formatted from is evaluated in any case: it must not lean on what is being refused.
 namespace kor {
 
-template <typename Pointee>
-[[nodiscard]] bool refuse_null(Pointee* pointer, const char* text) {
-    if (pointer == nullptr) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
-    return pointer == nullptr;
+[[nodiscard]] bool refuse_null(const void* pointer, const char* text);
+
+template <typename Result, typename... Arguments>
+[[nodiscard]] bool refuse_null(Result (*function)(Arguments...), const char* text) {
+    return refuse_null(reinterpret_cast<const void*>(function), text);
 }
 
 // Of bytes that may be none at all: a pointer that is null although they are counted.
-[[nodiscard]] inline bool refuse_missing(const void* bytes, size_t count, const char* text) {
-    if (bytes == nullptr && count != 0) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
-    return bytes == nullptr && count != 0;
-}
+[[nodiscard]] bool refuse_missing(const void* bytes, size_t count, const char* text);
 
 [[nodiscard, gnu::format(printf, 2, 3)]] bool refuse_if(bool wrong, const char* detail, ...);
 

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <numeric>
+#include <utility>
 
 #include "crypt/random.h"
 #include "crypt/registry.h"
@@ -38,13 +39,15 @@ constexpr size_t kCount = [] {
 }();
 static_assert(kCount == 1027);
 
-constexpr std::array<uint16_t, kCount> kOddPrimes = [] {
-    std::array<uint16_t, kCount> primes{};
+// From 1 to the first odd prime, and from each to the next.
+constexpr std::array<uint8_t, kCount> kPrimeSteps = [] {
+    std::array<uint8_t, kCount> steps{};
     size_t count = 0;
-    for (size_t i = 0; i < kOddPrime.size(); ++i) {
-        if (kOddPrime[i]) { primes[count++] = static_cast<uint16_t>(2 * i + 1); }
+    size_t last = 0;
+    for (size_t i = 1; i < kOddPrime.size(); ++i) {
+        if (kOddPrime[i]) { steps[count++] = static_cast<uint8_t>(2 * (i - std::exchange(last, i))); }
     }
-    return primes;
+    return steps;
 }();
 
 }  // namespace
@@ -70,7 +73,9 @@ int PrimeSearch::find(Limb* prime, size_t size, uint32_t e) {
 // Strikes out the multiples of the small primes, which are nine candidates in ten.
 void PrimeSearch::sieve(const Limb* start, size_t size) {
     composite_.fill(false);
-    for (const uint32_t prime : kOddPrimes) {
+    uint32_t prime = 1;
+    for (const uint8_t step : kPrimeSteps) {
+        prime += step;
         const uint32_t missing = (prime - remainder(start, prime, size)) % prime;
         const uint32_t first = missing % 2 == 0 ? missing / 2 : (missing + prime) / 2;
         for (size_t i = first; i < kStretch; i += prime) { composite_[i] = true; }
