@@ -16,6 +16,10 @@ class Deadline {
 public:
     explicit Deadline(std::chrono::milliseconds time) : end_(monotonic_now() + time) {}
 
+    // That of a wait without an end.
+    static constexpr Deadline never() { return Deadline(std::chrono::nanoseconds::max()); }
+    [[nodiscard]] constexpr bool is_never() const { return end_ == std::chrono::nanoseconds::max(); }
+
     [[nodiscard]] std::chrono::nanoseconds left() const {
         return std::max(end_ - monotonic_now(), std::chrono::nanoseconds::zero());
     }
@@ -26,6 +30,8 @@ public:
     friend constexpr bool operator<(const Deadline& a, const Deadline& b) { return a.end_ < b.end_; }
 
 private:
+    constexpr explicit Deadline(std::chrono::nanoseconds end) : end_(end) {}
+
     std::chrono::nanoseconds end_;
 };
 

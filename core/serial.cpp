@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -74,6 +75,22 @@ bool kor::claim(const KorSerial* handle, const char* path) {
 void kor::release(const KorSerial* handle) {
     ioctl(handle->fd, TIOCNXCL);
     flock(handle->fd, LOCK_UN);
+}
+
+bool kor::set_low_latency(const KorSerial* handle, bool low) {
+    serial_struct settings{};
+    if (ioctl(handle->fd, TIOCGSERIAL, &settings) != 0) { return false; }
+    constexpr int kLow = static_cast<int>(ASYNC_LOW_LATENCY);
+    const int before = settings.flags;
+    settings.flags = low ? before | kLow : before & ~kLow;
+    return settings.flags != before && ioctl(handle->fd, TIOCSSERIAL, &settings) == 0;
+}
+
+bool kor::set_blocking(const KorSerial* handle, bool blocking) {
+    const int flags = fcntl(handle->fd, F_GETFL);
+    if (flags < 0) { return raise(KOR_RESULT_IO_ERROR, "fcntl(F_GETFL) error: %d", errno), false; }
+    if (fcntl(handle->fd, F_SETFL, blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK) == 0) { return true; }
+    return raise(KOR_RESULT_IO_ERROR, "fcntl(F_SETFL) error: %d", errno), false;
 }
 
 KorSerial* kor_serial_open(const char* path) {

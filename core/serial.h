@@ -23,7 +23,14 @@ KorList* list_serial_ports(const char* directory, KorList* out);
 bool claim(const KorSerial* handle, const char* path);
 void release(const KorSerial* handle);
 
-// The two below wait by the deadline; the port's own read time-out plays no part. A line that hangs up ends both waits.
+// Asks the driver not to hold back what comes, or to do as before. Whether that has changed anything: many drivers have
+// no such setting.
+bool set_low_latency(const KorSerial* handle, bool low);
+
+// Whether reading and writing may keep the caller, as they do at first. False after it raised IO_ERROR.
+bool set_blocking(const KorSerial* handle, bool blocking);
+
+// All below wait by the deadline; the port's own read time-out plays no part. A line that hangs up ends each wait.
 
 // Whether there is something to read, or a failure for the next call on the port to report.
 [[nodiscard]] bool wait_for_input(const KorSerial* handle, Deadline deadline);
@@ -35,9 +42,9 @@ void release(const KorSerial* handle);
                                   Waker* waker = nullptr);
 
 // Hands the bytes to the port, which sends them while the caller goes on; `drain` waits until they have left. False
-// after it raised, as kor_serial_write does.
-bool enqueue(const KorSerial* handle, std::span<const uint8_t> bytes);
-bool drain(const KorSerial* handle);
+// after it raised, as kor_serial_write does, and when the deadline has passed, which wants a port that does not block.
+bool enqueue(const KorSerial* handle, std::span<const uint8_t> bytes, Deadline deadline = Deadline::never());
+bool drain(const KorSerial* handle, Deadline deadline = Deadline::never());
 
 }  // namespace kor
 

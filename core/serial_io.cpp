@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <iterator>
+#include <limits>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -27,6 +30,16 @@ int read_timeout(int fd) {
     return settings.c_cc[VMIN] == 0 ? settings.c_cc[VTIME] : -1;
 }
 
+// As poll() wants it: -1 is for ever.
+int poll_time(Deadline deadline) {
+    if (deadline.is_never()) { return -1; }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.left());
+    return static_cast<int>(std::min<int64_t>(left.count(), std::numeric_limits<int>::max()));
+}
+
+// From one look at what is still to be sent to the next: the time of four bytes.
+constexpr std::chrono::milliseconds kDrainPause{2};
+
 enum class Wait { kInput, kHungUp, kWoken, kExpired };
 
 // Waits here and not in read(): the terminal's own timer starts again with every signal that restarts the read, so
@@ -34,8 +47,7 @@ enum class Wait { kInput, kHungUp, kWoken, kExpired };
 Wait wait_until(int fd, Deadline deadline, Waker* waker = nullptr) {
     for (;;) {
         pollfd waited[] = {{fd, POLLIN, 0}, {waker != nullptr ? waker->fd : -1, POLLIN, 0}};
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.left());
-        const int ready = poll(waited, std::size(waited), static_cast<int>(left.count()));
+        const int ready = poll(waited, std::size(waited), poll_time(deadline));
         if (ready == 0) { return Wait::kExpired; }
         if (ready < 0 && errno != EINTR) { return Wait::kInput; }
         if (ready < 0) { continue; }
@@ -54,7 +66,7 @@ ssize_t read_arrival(int fd, uint8_t* to, size_t length, Deadline deadline, Wake
         if (wait == Wait::kExpired) { return 0; }
         if (wait == Wait::kWoken) { return waker->woke = true, 0; }
         const ssize_t count = retry([&] { return read(fd, to, length); });
-        if (count != 0) { return count; }
+        if (count > 0 || (count < 0 && errno != EAGAIN)) { return count; }
         // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.
         if (wait == Wait::kHungUp) { return errno = EIO, -1; }
         if (deadline.passed()) { return 0; }
@@ -91,15 +103,32 @@ bool read_all(const KorSerial* handle, void* to, size_t length) {
     return true;
 }
 
-// Writes once. The number written, or 0 after it raised; where a line that has hung up refuses the bytes, it is the
-// drain that reports it.
-size_t write_some(const KorSerial* handle, std::span<const uint8_t> bytes) {
-    const ssize_t count = retry([&] { return write(handle->fd, bytes.data(), bytes.size()); });
+// False when the deadline has passed. A failure is for the next call on the port to report.
+bool wait_for_room(int fd, Deadline deadline) {
+    pollfd waited{fd, POLLOUT, 0};
+    return retry([&] { return poll(&waited, 1, poll_time(deadline)); }) != 0;
+}
+
+// Writes once. The number written, or 0 after it raised or when the deadline has passed; where a line that has hung up
+// refuses the bytes, it is the drain that reports it.
+size_t write_some(const KorSerial* handle, std::span<const uint8_t> bytes, Deadline deadline = Deadline::never()) {
+    const auto attempt = [&] { return retry([&] { return write(handle->fd, bytes.data(), bytes.size()); }); };
+    ssize_t count = attempt();
+    while (count < 0 && errno == EAGAIN) {
+        if (!wait_for_room(handle->fd, deadline)) { return 0; }
+        count = attempt();
+    }
     if (count > 0) { return static_cast<size_t>(count); }
     // Kept across tcdrain(); a write of nothing is a failure too, or the caller would never come to an end.
     const int error = count == 0 ? EIO : errno;
     if (drain(handle)) { raise(KOR_RESULT_IO_ERROR, "write() error: %d", error); }
     return 0;
+}
+
+// How many bytes the port has yet to send; none where it cannot tell.
+int unsent(int fd) {
+    int count = 0;
+    return ioctl(fd, TIOCOUTQ, &count) == 0 ? count : 0;
 }
 
 }  // namespace
@@ -114,16 +143,21 @@ size_t kor::read_arrived(const KorSerial* handle, Deadline deadline, std::span<u
     return static_cast<size_t>(count);
 }
 
-bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t> bytes) {
+bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t> bytes, Deadline deadline) {
     while (!bytes.empty()) {
-        const size_t written = write_some(handle, bytes);
+        const size_t written = write_some(handle, bytes, deadline);
         if (written == 0) { return false; }
         bytes = bytes.subspan(written);
     }
     return true;
 }
 
-bool kor::drain(const KorSerial* handle) {
+// tcdrain() waits as long as it takes: with a deadline it comes when there is nothing left to wait for.
+bool kor::drain(const KorSerial* handle, Deadline deadline) {
+    while (!deadline.is_never() && unsent(handle->fd) > 0) {
+        if (deadline.passed()) { return false; }
+        sleep_out(kDrainPause);
+    }
     if (retry([&] { return tcdrain(handle->fd); }) == 0) { return true; }
     return raise(KOR_RESULT_IO_ERROR, "tcdrain() error: %d", errno), false;
 }

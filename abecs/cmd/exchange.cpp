@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "abecs/cmd/builder.h"
+#include "abecs/comm/comm.h"
 #include "core/attempt.h"
 #include "core/check.h"
 #include "core/raise.h"
@@ -172,12 +173,16 @@ int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Respo
     Temporaries own;
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
+    const bool outermost = begin_call(pinpad);
     attempt([&] {
         send_request(pinpad, command, request, false);
         stat = read_answer(pinpad, own, command, response, false, nullptr);
-    }).cleanup([&] {
-          release_after_answer(own, response);
-      }).run();
+    })
+        .cleanup([&] {
+            end_call(pinpad, outermost);
+            release_after_answer(own, response);
+        })
+        .run();
     return stat;
 }
 

@@ -19,6 +19,7 @@
 #include "core/serial.h"
 #include "quorvel/abecs/crc16.h"
 #include "quorvel/abecs/line.h"
+#include "quorvel/abecs/observer.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 #include "quorvel/kor/system.h"
@@ -55,6 +56,7 @@ void connect(AbecsComm* link, const char* portName, bool alone) {
         link->foreign = false;
     }
     kor_serial_config(link->line.serial, &kSerialConfig);
+    link->lowLatency = set_low_latency(link->line.serial, true);
     purge(link);
     cancel(link);
     link->lastSend = kor_system_current_time_millis();
@@ -90,6 +92,7 @@ void abecs_comm_close(AbecsComm** pinpad) {
         if (!link->foreign) {
             keep_error(&error, [&] { kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH); });
         }
+        if (link->lowLatency) { set_low_latency(link->line.serial, false); }
         if (link->claimed) { release(link->line.serial); }
         keep_error(&error, [&] { kor_serial_close(&link->line.serial); });
     }
@@ -102,29 +105,39 @@ void abecs_comm_close(AbecsComm** pinpad) {
 
 void abecs_comm_send_can(AbecsComm* pinpad) {
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
-    attempt([&] { cancel(pinpad); }).run();
+    const bool outermost = begin_call(pinpad);
+    attempt([&] { cancel(pinpad); }).cleanup([&] { end_call(pinpad, outermost); }).run();
 }
 
 void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(packet, "'packet' is NULL")) { return; }
     AbecsPacket* encrypted = nullptr;
+    const bool outermost = begin_call(pinpad);
     attempt([&] {
         char id[kIdWidth + 1] = "";
         abecs_comm_get_cmd_id(packet, id, sizeof id);
         if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) { encrypted = secure_encrypt(pinpad, packet); }
         transmit(pinpad, packet, encrypted);
-    }).cleanup([&] {
-          abecs_packet_delete(&encrypted);
-      }).run();
+    })
+        .cleanup([&] {
+            end_call(pinpad, outermost);
+            abecs_packet_delete(&encrypted);
+        })
+        .run();
 }
 
 AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     AbecsPacket* response = nullptr;
+    const bool outermost = begin_call(pinpad);
     attempt([&] {
-        if (receive(pinpad, out)) { secure_decrypt(pinpad, out); }
+        const Frame frame = receive(pinpad, out);
+        if (frame.encrypted) { secure_decrypt(pinpad, out); }
+        tell_packet(pinpad->observer, ABECS_LINK_EVENT_RECEIVED, frame, unread_of(out));
         response = out;
-    }).run();
+    }).cleanup([&] {
+          end_call(pinpad, outermost);
+      }).run();
     return response;
 }
 
@@ -192,6 +205,44 @@ int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad) {
     return static_cast<int32_t>(pinpad->pollTime.count());
 }
 
+void abecs_comm_set_limit(AbecsComm* pinpad, int32_t milliseconds) {
+    if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_if(milliseconds < 0, "Invalid limit: %d", milliseconds)
+        || !set_blocking(pinpad->line.serial, milliseconds == 0)) {
+        return;
+    }
+    pinpad->limit = milliseconds;
+}
+
+int32_t abecs_comm_get_limit(const AbecsComm* pinpad) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return 0; }
+    return pinpad->limit;
+}
+
+bool abecs::begin_call(AbecsComm* link) {
+    if (link == nullptr || link->inCall) { return false; }
+    link->inCall = true;
+    if (link->limit != 0) { link->line.limit = Deadline(std::chrono::milliseconds(link->limit)); }
+    return true;
+}
+
+void abecs::end_call(AbecsComm* link, bool outermost) {
+    if (!outermost) { return; }
+    link->inCall = false;
+    link->line.limit = Deadline::never();
+}
+
+void abecs_comm_set_observer(AbecsComm* pinpad, AbecsLinkObserverFn observer, void* context) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
+    pinpad->observer.tell = observer;
+    pinpad->observer.context = context;
+    begin(pinpad->observer);
+}
+
+void abecs_comm_show_clear_packets(AbecsComm* pinpad, bool show) {
+    if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
+    pinpad->observer.showsPackets = is_set(show);
+}
+
 void abecs_comm_wake(AbecsComm* pinpad) {
     if (pinpad != nullptr) { wake(pinpad->waker); }
 }
@@ -234,11 +285,9 @@ uint16_t abecs_comm_crc16(AbecsPacket* packet, const uint8_t* prefix, const uint
     if (refuse_null(packet, "'packet' is NULL")) { return uint16_t{0}; }
     uint16_t crc = kCrc16.initial;
     if (prefix != nullptr) { crc = crc16_update(crc, *prefix); }
-    KorBufferState start;
-    abecs_packet_save_state(packet, &start);
-    for (size_t left = abecs_packet_available_read(packet); left != 0; --left) {
-        crc = crc16_update(crc, abecs_packet_read_byte(packet));
+    const Unread data = unread_of(packet);
+    for (const std::span<const uint8_t> piece : {data.first, data.second}) {
+        for (const uint8_t byte : piece) { crc = crc16_update(crc, byte); }
     }
-    abecs_packet_set_state(packet, &start);
     return suffix != nullptr ? crc16_update(crc, *suffix) : crc;
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "abecs/comm/line.h"
+#include "abecs/comm/observer.h"
 #include "abecs/comm/wire.h"
 #include "quorvel/abecs/comm.h"
 #include "quorvel/abecs/wk_pan.h"
@@ -34,10 +35,20 @@ struct AbecsComm {
     int64_t sendInterval;
     int64_t lastSend;
     bool wholeFrames;
+    bool lowLatency;  // the driver was told, and is to be told otherwise
+    int32_t limit;    // of a call, in milliseconds, or 0
+    bool inCall;
+    bool owesNak;  // an answer was cut short by the limit and has to be asked for again
+    abecs::Observer observer;
     std::chrono::milliseconds pollTime{abecs::kPollTime};
 };
 
 namespace abecs {
+
+// The time that a call may take begins with the outermost function that uses the line, and ends with it. What is
+// returned goes to `end_call`. A null link is ignored.
+[[nodiscard]] bool begin_call(AbecsComm* link);
+void end_call(AbecsComm* link, bool outermost);
 
 [[nodiscard]] inline bool is_blocked(const AbecsComm* link) { return link->blkWaitId[0] != '\0'; }
 

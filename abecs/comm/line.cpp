@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/comm/line.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/serial.h"
@@ -14,6 +15,6 @@ void abecs::discard_ahead(Line& line) {
 
 bool abecs::refill(Line& line, kor::Deadline deadline, kor::Waker* waker) {
     discard_ahead(line);
-    line.end = kor::read_arrived(line.serial, deadline, line.ahead, waker);
+    line.end = kor::read_arrived(line.serial, std::min(deadline, line.limit), line.ahead, waker);
     return line.end != 0;
 }

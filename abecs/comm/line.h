@@ -18,10 +18,11 @@ namespace abecs {
 // The port of a link, read ahead: all that has arrived is taken in one read and then handed out byte by byte, as if it
 // still waited in the port. Nothing that was handed out stays in memory.
 struct Line {
-    KorSerial* serial;
-    size_t next;
-    size_t end;
-    std::array<uint8_t, 1024> ahead;
+    KorSerial* serial = nullptr;
+    size_t next = 0;
+    size_t end = 0;
+    std::array<uint8_t, 1024> ahead{};
+    kor::Deadline limit = kor::Deadline::never();  // of the call in progress: no wait goes beyond it
 };
 
 [[nodiscard]] inline bool has_ahead(const Line& line) { return line.next != line.end; }

@@ -2,7 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/comm/secure.h"
 
-#include <cstring>
+#include <algorithm>
+#include <span>
 
 #include "abecs/comm/comm.h"
 #include "abecs/data/packet.h"
@@ -23,11 +24,20 @@ constexpr size_t kHeadSize = 2 + 2;  // DATALEN and DATACRC
 constexpr size_t padding_of(size_t plainLength) { return kCipherBlock - (kHeadSize + plainLength) % kCipherBlock; }
 static_assert(padding_of(11) == 1 && padding_of(12) == 16);
 
+// The first byte that does not fit is refused by itself.
+void write_piece(AbecsPacket* sealed, std::span<const uint8_t> piece) {
+    const size_t room = kor_buffer_available_write(sealed->buffer);
+    kor_buffer_write(sealed->buffer, piece.data(), std::min(piece.size(), room));
+    if (piece.size() > room) { abecs_packet_write_byte(sealed, piece[room]); }
+}
+
 void write_content(AbecsPacket* sealed, AbecsPacket* plain) {
     const size_t length = abecs_packet_available_read(plain);
     abecs_packet_write_field_x(sealed, static_cast<uint32_t>(length), 2);
     abecs_packet_write_field_x(sealed, abecs_comm_crc16(plain, nullptr, nullptr), 2);
-    for (size_t i = 0; i < length; ++i) { abecs_packet_write_byte(sealed, abecs_packet_read_byte(plain)); }
+    const Unread data = unread_of(plain);
+    write_piece(sealed, data.first);
+    write_piece(sealed, data.second);
     for (size_t i = padding_of(length); i != 0; --i) { abecs_packet_write_byte(sealed, 0); }
 }
 
@@ -55,8 +65,6 @@ void open_content(AbecsPacket* packet) {
 AbecsPacket* secure_encrypt(AbecsComm* link, AbecsPacket* plain) {
     CryptAesCipher* cipher = nullptr;
     AbecsPacket* sealed = nullptr;
-    KorBufferState unread{};
-    abecs_packet_save_state(plain, &unread);
     bool complete = false;
     attempt([&] {
         cipher = crypt_aes_cipher_new(link->key.data(), link->key.size());
@@ -67,7 +75,6 @@ AbecsPacket* secure_encrypt(AbecsComm* link, AbecsPacket* plain) {
         complete = true;
     })
         .cleanup([&] {
-            abecs_packet_set_state(plain, &unread);
             crypt_aes_cipher_delete(&cipher);
             if (!complete) { abecs_packet_delete(&sealed); }
         })

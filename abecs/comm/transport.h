@@ -3,6 +3,7 @@
 #ifndef QUORVEL_ABECS_COMM_TRANSPORT_H
 #define QUORVEL_ABECS_COMM_TRANSPORT_H
 
+#include "abecs/comm/observer.h"
 #include "quorvel/abecs/comm.h"
 #include "quorvel/abecs/packet.h"
 
@@ -20,8 +21,8 @@ void cancel(AbecsComm* link);
 // unless it was rejected each time.
 void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted);
 
-// Fills `out` with the data of one good frame and tells whether it was an encrypted one.
-[[nodiscard]] bool receive(AbecsComm* link, AbecsPacket* out);
+// Fills `out` with the data of one good frame.
+[[nodiscard]] Frame receive(AbecsComm* link, AbecsPacket* out);
 
 }  // namespace abecs
 

@@ -9,5 +9,6 @@
 
 #include "quorvel/abecs/cmd/gcd_sized.h"
 #include "quorvel/abecs/line.h"
+#include "quorvel/abecs/observer.h"
 
 #endif

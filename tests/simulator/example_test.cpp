@@ -89,6 +89,16 @@ TEST_F(Example, TwoPinPadsAreServedAsTheyAnswer) {
     EXPECT_TRUE(other.findings().empty());
 }
 
+TEST_F(Example, LogFramesTellsOfEachFrame) {
+    support::Child program({QUORVEL_EXAMPLES "/log_frames", pinPad_.path()});
+    for (const char* line :
+         {"sent      OPN 3 bytes, ", "received  OPN 6 bytes, ", "sent      DSP 38 bytes, ", "received  DSP 6 bytes, ",
+          "sent      CLO 38 bytes, ", "received  CLO 6 bytes, ", "ABECS_RSP_STAT_ST_OK"}) {
+        EXPECT_EQ(program.line().find(line), 0U) << line;
+    }
+    EXPECT_EQ(program.wait(), EXIT_SUCCESS);
+}
+
 // A PIN pad that refuses the command for good, as it does on a line with noise: the same session goes on when CAN is
 // confirmed, and a new one when it is not.
 TEST(Steady, GoesOnWithOrWithoutOpeningTheLinkAnew) {

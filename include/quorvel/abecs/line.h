@@ -12,8 +12,8 @@
 KOR_BEGIN_DECLS
 
 /*
- * How a link uses its line: who else may, the size of its writes, and what a program with an event loop of its own
- * needs. None of it is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
+ * How a link uses its line: who else may, the size of its writes, the time it may take, and what a program with an event
+ * loop of its own needs. None of it is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
  *
  * A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL".
  */
@@ -41,6 +41,22 @@ KOR_API bool abecs_comm_get_whole_frames(const AbecsComm* pinpad);
  */
 KOR_API void abecs_comm_set_poll_time(AbecsComm* pinpad, int32_t milliseconds);
 KOR_API int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad);
+
+/*
+ * The longest that a call of this link may take on the line, in milliseconds, from its first byte to its end; 0, as at
+ * first, is no limit. When it has passed, whatever is in progress ends with TIMEOUT_ERROR "The limit of %d ms has
+ * passed": waiting, sending, the pause of abecs_comm_set_send_interval, a frame that dribbles in, a line that is never
+ * silent. Send CAN before the next command then, as after any error.
+ *
+ * Of a _response function the end is -1, as when nothing has come, and the link stays blocked. Of an answer that was
+ * cut short nothing is lost: the next _response has the PIN pad send it again.
+ *
+ * What is computed before a request is sent does not count, such as the key of a secure OPN; nor does closing.
+ * ILLEGAL_ARGUMENT "Invalid limit: %d" when it is negative, IO_ERROR "fcntl(F_SETFL) error: %d" when the port cannot
+ * be set.
+ */
+KOR_API void abecs_comm_set_limit(AbecsComm* pinpad, int32_t milliseconds);
+KOR_API int32_t abecs_comm_get_limit(const AbecsComm* pinpad);
 
 /*
  * Ends the wait of a _response function at once, from a signal handler or from another thread; it is async-signal-safe.

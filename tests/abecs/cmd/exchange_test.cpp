@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <chrono>
+#include <functional>
 
+#include "quorvel/abecs/line.h"
 #include "tests/abecs/cmd/commands.h"
+#include "tests/core/temp_dir.h"
 #include "tests/support/elapsed.h"
+#include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/scratch.h"
 
 // What all commands do alike, whatever they ask and answer.
@@ -258,6 +262,45 @@ TEST_F(Waits, StayBlockedAfterAnAnswerThatIsNone) {
         expect_poll(command, ABECS_RSP_STAT_ST_TIMEOUT);
         data_.expect_untouched();
     }
+}
+
+// The limit is that of all a call does: the request and its answer, and the many requests that load a file.
+TEST(Limit, CountsForAWholeCall) {
+    Link link;
+    const TempDir dir;
+    const std::string path = dir.file("logo.png", std::string(4000, 'x'));
+    const auto expect_late = [](std::function<void()> call) {
+        const Elapsed elapsed;
+        EXPECT_EQ(raised_by(call), error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed"));
+        EXPECT_TRUE(elapsed.between(290ms, 400ms));
+    };
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 300));
+    link.peer.wait(200ms).any_request().wait(200ms);
+    expect_late([&] { abecs_cmd_tle(link.comm); });
+    link.peer.settle();
+    link.peer.wait(200ms).any_request().response("MLI000").wait(200ms).any_request();
+    expect_late([&] { abecs_cmd_mlx(link.comm, path.c_str(), "LOGO", 1); });
+}
+
+TEST(Allocations, AreTwoForAnExchangeAndThreeForAParameterInAMap) {
+    Link link;
+    ParamMap map;
+    link.peer.request("TLE").response("TLE000").request("TLE").response("TLE000");
+    EXPECT_EQ(abecs_cmd_tle(link.comm), ABECS_RSP_STAT_ST_OK);
+    {
+        const FailingMalloc counting(0);
+        EXPECT_EQ(abecs_cmd_tle(link.comm), ABECS_RSP_STAT_ST_OK);
+        EXPECT_LE(counting.given(), 2U);
+    }
+    const auto allocations_of_answer = [&](const std::string& params) {
+        link.peer.request("GIX").response("GIX000" + std::to_string(1000 + params.size()).substr(1) + params);
+        const FailingMalloc counting(0);
+        EXPECT_EQ(abecs_cmd_gix(link.comm, nullptr, 0, map.get()), ABECS_RSP_STAT_ST_OK);
+        return counting.given();
+    };
+    const std::string one = "8001 0001 41"_hex;
+    const size_t first = allocations_of_answer(one);
+    EXPECT_LE(allocations_of_answer(one + "8002 0001 42 807F 0001 43"_hex), first + 6);
 }
 
 // A time-out takes two seconds: one command for each form of the answer.

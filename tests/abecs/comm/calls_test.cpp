@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <linux/serial.h>
+#include <sys/ioctl.h>
 #include <sys/types.h>
 #include <termios.h>
+#include <vector>
 
 #include "quorvel/abecs/line.h"
 #include "tests/abecs/comm/line.h"
@@ -17,6 +20,14 @@ struct Calls {
 };
 thread_local Calls* counted = nullptr;
 
+// What a driver says and is told of the settings that a pseudo-terminal has not.
+struct Driver {
+    int flags = 0;
+    bool refuses = false;
+    std::vector<int> told;
+};
+Driver* driver = nullptr;
+
 }  // namespace
 
 // This program is linked with -Wl,--wrap for each of these.
@@ -31,6 +42,8 @@ int __real_tcgetattr(int fd, termios* settings);
 int __wrap_tcgetattr(int fd, termios* settings);
 int __real_tcsetattr(int fd, int when, const termios* settings);
 int __wrap_tcsetattr(int fd, int when, const termios* settings);
+int __real_ioctl(int fd, unsigned long request, void* argument);
+int __wrap_ioctl(int fd, unsigned long request, void* argument);
 }
 
 ssize_t __wrap_write(int fd, const void* bytes, size_t count) {
@@ -56,6 +69,17 @@ int __wrap_tcgetattr(int fd, termios* settings) {
 int __wrap_tcsetattr(int fd, int when, const termios* settings) {
     if (counted != nullptr) { ++counted->settings; }
     return __real_tcsetattr(fd, when, settings);
+}
+
+int __wrap_ioctl(int fd, unsigned long request, void* argument) {
+    if (driver == nullptr || (request != TIOCGSERIAL && request != TIOCSSERIAL)) {
+        return __real_ioctl(fd, request, argument);
+    }
+    auto* settings = static_cast<serial_struct*>(argument);
+    if (request == TIOCGSERIAL) { return settings->flags = driver->flags, 0; }
+    if (driver->refuses) { return -1; }
+    driver->told.push_back(driver->flags = settings->flags);
+    return 0;
 }
 
 namespace {
@@ -102,6 +126,28 @@ TEST_F(SystemCalls, AreOneWriteForAFrameIfTheCallerSaysSo) {
     const Packet packet(escaped);
     link.peer.request(escaped);
     EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
+}
+
+// A driver that holds bytes back is asked not to while the link is open.
+TEST(LowLatency, IsAskedForAndPutBackAsItWas) {
+    constexpr int kOther = ASYNC_SPD_HI;
+    constexpr int kLow = static_cast<int>(ASYNC_LOW_LATENCY);
+    const struct {
+        Driver driver;
+        std::vector<int> told;
+    } rows[] = {
+        {{kOther, false, {}}, {kOther | kLow, kOther}}, {{kOther | kLow, false, {}}, {}}, {{kOther, true, {}}, {}}};
+    for (const auto& row : rows) {
+        Driver played = row.driver;
+        driver = &played;
+        Peer peer;
+        peer.accept_can();
+        AbecsComm* comm = nullptr;
+        EXPECT_NO_RAISE(comm = abecs_comm_open(peer.path().c_str()));
+        EXPECT_NO_RAISE(abecs_comm_close(&comm));
+        driver = nullptr;
+        EXPECT_EQ(played.told, row.told);
+    }
 }
 
 // A PIN pad that rejects a frame may have been outrun.

@@ -122,7 +122,7 @@ TEST(Close, OfAHungUpLineReleasesEverything) {
     const size_t before = open_descriptors();
     EXPECT_RAISES(kIo, "tcflush() error: 5", abecs_comm_close(&link.comm));
     EXPECT_EQ(link.comm, nullptr);
-    EXPECT_EQ(open_descriptors(), before - 1);
+    EXPECT_EQ(open_descriptors(), before - 2);
 }
 
 // Applications close in the clean-up of the block that failed; they want to know why it failed, not that the line did.

@@ -21,6 +21,7 @@ std::array<void*, 64> blocks{};
 bool armed = false;
 bool has_failed = false;
 size_t countdown = 0;
+size_t all = 0;
 
 // Puts `to` in the place of the first `from`; false when there is none.
 bool note(void* from, void* to) {
@@ -47,6 +48,7 @@ void* __wrap_malloc(size_t size) {
         return nullptr;
     }
     void* block = __real_malloc(size);
+    ++all;
     if (!note(nullptr, block)) { __builtin_trap(); }  // a block that is not noted would be a leak that is not seen
     return block;
 }
@@ -63,12 +65,15 @@ FailingMalloc::FailingMalloc(size_t n) {
     blocks.fill(nullptr);
     has_failed = false;
     countdown = n;
+    all = 0;
     armed = true;
 }
 
 FailingMalloc::~FailingMalloc() { armed = false; }
 
 bool FailingMalloc::failed() const { return has_failed; }
+
+size_t FailingMalloc::given() const { return all; }
 
 size_t FailingMalloc::kept() const {
     return blocks.size() - static_cast<size_t>(std::count(blocks.begin(), blocks.end(), nullptr));

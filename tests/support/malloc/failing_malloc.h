@@ -17,6 +17,9 @@ public:
 
     [[nodiscard]] bool failed() const;
 
+    // Blocks given since construction.
+    [[nodiscard]] size_t given() const;
+
     // Blocks given since construction and not freed.
     [[nodiscard]] size_t kept() const;
 };
