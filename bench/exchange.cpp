@@ -1,152 +1,182 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-// An exchange by the library beside the same bytes by plain loops of system calls. What counts are the ratios of the
-// medians, of repetitions that are interleaved: scripts/bench makes the table.
+#include "bench/exchange.h"
+
 #include <array>
-#include <benchmark/benchmark.h>
-#include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
-#include <memory>
-#include <string>
 #include <termios.h>
 #include <unistd.h>
-#include <vector>
+#include <utility>
 
-#include "bench/pin_pad.h"
-#include "quorvel/additions.h"
-#include "quorvel/quorvel.h"
+#include "wire/crc.h"
 #include "wire/frame.h"
+
+namespace quorvel::bench {
 
 namespace {
 
-using quorvel::bench::PinPad;
-namespace wire = quorvel::wire;
+constexpr std::array<uint8_t, 16> kSessionKey{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
+constexpr size_t kCipherBlock = 16;
 
-[[noreturn]] void give_up(const char* what) {
-    std::perror(what);
-    std::exit(1);
+std::string big_endian(size_t number) { return {static_cast<char>(number >> 8), static_cast<char>(number & 0xFF)}; }
+
+// The content of an enciphered frame.
+std::string seal(const std::string& packet) {
+    std::string content = big_endian(packet.size()) + big_endian(wire::crc16(wire::to_bytes(packet))) + packet;
+    content.append(kCipherBlock - content.size() % kCipherBlock, '\0');
+    CryptAesCipher* cipher = crypt_aes_cipher_new(kSessionKey.data(), kSessionKey.size());
+    auto* bytes = reinterpret_cast<uint8_t*>(content.data());
+    crypt_aes_cbc_encrypt(cipher, bytes, bytes, content.size(), nullptr);
+    crypt_aes_cipher_delete(&cipher);
+    return content;
 }
 
-std::string frame(const std::string& payload) {
-    const wire::Bytes bytes = wire::encode({.encrypted = false, .data = wire::Bytes(payload.begin(), payload.end())});
+std::string frame(const std::string& packet, bool encrypted) {
+    const std::string content = encrypted ? seal(packet) : packet;
+    const wire::Bytes bytes = wire::encode({.encrypted = encrypted, .data = wire::to_bytes(content)});
     return {bytes.begin(), bytes.end()};
 }
 
-struct Exchange {
-    std::string name;
-    std::string request;  // as it goes over the line
-    std::string answer;
-    int32_t (*call)(AbecsComm*);
+Traffic traffic(const std::string& request, const std::string& answer, bool encrypted = false) {
+    return {frame(request, encrypted), static_cast<char>(wire::control::kAck) + frame(answer, encrypted)};
+}
+
+// GIX with one parameter of each of these ids.
+Exchange gix(uint8_t params, size_t size) {
+    std::string data;
+    for (uint8_t i = 0; i < params; ++i) {
+        data += std::string{'\x93', static_cast<char>(i)} + big_endian(size) + std::string(size, '5');
+    }
+    const std::string length = std::to_string(data.size());
+    return {.name = "GIX",
+            .traffic = traffic("GIX", "GIX000" + std::string(3 - length.size(), '0') + length + data),
+            .run = [=](Link& link) {
+                return abecs_cmd_gix(link.comm, nullptr, 0, link.values) == ABECS_RSP_STAT_ST_OK
+                       && kor_map_size(link.values) == params;
+            }};
+}
+
+class Port {
+public:
+    Port(std::shared_ptr<FarEnd> far, size_t line)
+        : fd(::open(far->path(line).c_str(), O_RDWR | O_NOCTTY)), far_(std::move(far)) {
+        if (fd < 0) { give_up("open"); }
+    }
+    ~Port() { close(fd); }
+    Port(const Port&) = delete;
+    Port& operator=(const Port&) = delete;
+
+    const int fd;
+
+private:
+    std::shared_ptr<FarEnd> far_;
 };
 
-const std::string kMessage = "PLEASE WAIT WHILE WE CONNECT YOU";
-const std::string kRecord = "894" + std::string(891, '1');
-AbecsRspParamMap* values = nullptr;
-
-std::string param(const std::string& id, size_t size) {
-    const std::string length{static_cast<char>(size >> 8), static_cast<char>(size & 0xFF)};
-    return id + length + std::string(size, '5');
-}
-
-// Each with an answer of no error, or with data that one parameter of the answer holds.
-std::vector<Exchange> exchanges() {
-    const std::string params = param("\x80\x01", 932);
-    return {
-        {"TLE", frame("TLE"), frame("TLE000"), [](AbecsComm* link) { return abecs_cmd_tle(link); }},
-        {"DSP", frame("DSP032" + kMessage), frame("DSP000"),
-         [](AbecsComm* link) { return abecs_cmd_dsp(link, kMessage.c_str()); }},
-        {"TLR", frame("TLR89601" + kRecord), frame("TLR000"),
-         [](AbecsComm* link) { return abecs_cmd_tlr(link, kRecord.c_str()); }},
-        {"GIX", frame("GIX"), frame("GIX000" + std::to_string(params.size()) + params),
-         [](AbecsComm* link) { return abecs_cmd_gix(link, nullptr, 0, values); }},
-    };
-}
-
-PinPad& pin_pad_of(const Exchange& exchange) {
-    static std::vector<std::unique_ptr<PinPad>> all;
-    all.push_back(
-        std::make_unique<PinPad>(exchange.request.size(), static_cast<char>(wire::control::kAck) + exchange.answer));
-    return *all.back();
-}
-
-void by_library(benchmark::State& state, AbecsComm* link, const Exchange& exchange) {
-    for (auto _ : state) {
-        if (const int32_t status = exchange.call(link); status != 0) { state.SkipWithError("not 000"); }
-    }
-}
-
-enum class Drain { kEachByte, kOnce };
-
-void write_bytes(int fd, const std::string& bytes, Drain drain) {
+void write_bytes(int fd, const std::string& bytes, bool drainEach) {
     for (const char& byte : bytes) {
         if (write(fd, &byte, 1) != 1) { give_up("write"); }
-        if (drain == Drain::kEachByte) { tcdrain(fd); }
+        if (drainEach) { tcdrain(fd); }
     }
-    if (drain == Drain::kOnce) { tcdrain(fd); }
+    if (!drainEach) { tcdrain(fd); }
 }
 
-void by_bytes(benchmark::State& state, int fd, const Exchange& exchange, Drain drain) {
-    for (auto _ : state) {
-        write_bytes(fd, exchange.request, drain);
-        char byte = 0;
-        for (size_t left = exchange.answer.size() + 1; left > 0; --left) {
-            if (read(fd, &byte, 1) != 1) { give_up("read"); }
-        }
+void read_bytes(int fd, size_t size) {
+    char byte = 0;
+    for (; size > 0; --size) {
+        if (read(fd, &byte, 1) != 1) { give_up("read"); }
     }
 }
 
-void by_frames(benchmark::State& state, int fd, const Exchange& exchange) {
+void read_in_bulk(int fd, size_t size) {
     std::array<char, 4096> bytes;
-    for (auto _ : state) {
-        if (write(fd, exchange.request.data(), exchange.request.size()) < 0) { give_up("write"); }
-        for (size_t got = 0; got < exchange.answer.size() + 1;) {
-            const ssize_t count = read(fd, bytes.data(), bytes.size());
-            if (count <= 0) { give_up("read"); }
-            got += static_cast<size_t>(count);
-        }
+    for (size_t got = 0; got < size;) {
+        const ssize_t count = read(fd, bytes.data(), bytes.size());
+        if (count <= 0) { give_up("read"); }
+        got += static_cast<size_t>(count);
     }
 }
 
-int open_line(const Exchange& exchange) {
-    const int fd = open(pin_pad_of(exchange).path().c_str(), O_RDWR | O_NOCTTY);
-    if (fd < 0) { give_up("open"); }
-    return fd;
-}
-
-AbecsComm* open_link(const Exchange& exchange) {
-    AbecsComm* link = abecs_comm_open(pin_pad_of(exchange).path().c_str());
-    if (link == nullptr) { give_up("abecs_comm_open"); }
-    return link;
-}
-
-void add(const Exchange& exchange) {
-    AbecsComm* link = open_link(exchange);
-    AbecsComm* wholeLink = open_link(exchange);
-    abecs_comm_set_whole_frames(wholeLink, true);
-    const int stepped = open_line(exchange);
-    const int flowing = open_line(exchange);
-    const int whole = open_line(exchange);
-    const auto named = [&](const char* way) { return exchange.name + "/" + way; };
-    benchmark::RegisterBenchmark(named("library").c_str(),
-                                 [=](benchmark::State& state) { by_library(state, link, exchange); });
-    benchmark::RegisterBenchmark(named("library, whole frames").c_str(),
-                                 [=](benchmark::State& state) { by_library(state, wholeLink, exchange); });
-    benchmark::RegisterBenchmark(named("bytes, each drained").c_str(), [=](benchmark::State& state) {
-        by_bytes(state, stepped, exchange, Drain::kEachByte);
-    });
-    benchmark::RegisterBenchmark(named("bytes, drained once").c_str(),
-                                 [=](benchmark::State& state) { by_bytes(state, flowing, exchange, Drain::kOnce); });
-    benchmark::RegisterBenchmark(named("whole frames").c_str(),
-                                 [=](benchmark::State& state) { by_frames(state, whole, exchange); });
+void exchange_by_loop(Way way, int fd, const Traffic& traffic) {
+    if (way == Way::kWholeFrames) {
+        if (write(fd, traffic.request.data(), traffic.request.size()) < 0) { give_up("write"); }
+    } else {
+        write_bytes(fd, traffic.request, way == Way::kBytesDrained);
+    }
+    way == Way::kBytesDrained ? read_bytes(fd, traffic.answer.size()) : read_in_bulk(fd, traffic.answer.size());
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) { return 2; }
-    values = abecs_rsp_param_map_new();
-    for (const Exchange& exchange : exchanges()) { add(exchange); }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+Link::Link(std::shared_ptr<FarEnd> far, size_t line, bool wholeFrames, bool encrypted)
+    : comm(abecs_comm_open(far->path(line).c_str())), far_(std::move(far)) {
+    if (comm == nullptr) { give_up("abecs_comm_open"); }
+    abecs_comm_set_whole_frames(comm, wholeFrames);
+    if (encrypted) { abecs_comm_set_key(comm, kSessionKey.data()); }
 }
+
+Link::~Link() {
+    abecs_comm_close(&comm);
+    abecs_packet_delete(&packet);
+    kor_map_delete(&values);
+}
+
+std::vector<Exchange> commands() {
+    static const std::string kMessage = "PLEASE WAIT WHILE WE CONNECT YOU";
+    static const std::string kRecord = "894" + std::string(891, '1');
+    return {
+        {"TLE", traffic("TLE", "TLE000"), [](Link& link) { return abecs_cmd_tle(link.comm) == ABECS_RSP_STAT_ST_OK; }},
+        {"DSP", traffic("DSP032" + kMessage, "DSP000"),
+         [](Link& link) { return abecs_cmd_dsp(link.comm, kMessage.c_str()) == ABECS_RSP_STAT_ST_OK; }},
+        {"TLR", traffic("TLR89601" + kRecord, "TLR000"),
+         [](Link& link) { return abecs_cmd_tlr(link.comm, kRecord.c_str()) == ABECS_RSP_STAT_ST_OK; }},
+        gix(1, 932),
+    };
+}
+
+Exchange ask_for(size_t params) { return gix(static_cast<uint8_t>(params), 10); }
+
+Exchange packets(size_t sent, size_t received, bool encrypted) {
+    const std::string request = "TLR" + std::string(sent - 3, 'A');
+    const std::string answer = "TLR" + std::string(received - 3, 'B');
+    return {.name = "packets",
+            .traffic = traffic(request, answer, encrypted),
+            .run =
+                [=](Link& link) {
+                    abecs_packet_clear(link.packet);
+                    abecs_packet_write_field_b(link.packet, request.data(), request.size());
+                    abecs_comm_send_packet(link.comm, link.packet);
+                    abecs_comm_read_packet(link.comm, link.packet);
+                    return abecs_packet_available_read(link.packet) == received;
+                },
+            .encrypted = encrypted};
+}
+
+const char* name_of(Way way) {
+    switch (way) {
+        case Way::kLibrary:
+            return "library";
+        case Way::kLibraryWholeFrames:
+            return "library, whole frames";
+        case Way::kBytesDrained:
+            return "loop: bytes, each drained";
+        case Way::kBytesDrainedOnce:
+            return "loop: bytes, drained once, bulk reads";
+        case Way::kWholeFrames:
+            return "loop: whole frames, no checks";
+    }
+    return "";
+}
+
+Run open(const Exchange& exchange, Way way, const std::shared_ptr<FarEnd>& far, size_t line) {
+    if (way != Way::kLibrary && way != Way::kLibraryWholeFrames) {
+        auto port = std::make_shared<Port>(far, line);
+        return [=, traffic = exchange.traffic] { exchange_by_loop(way, port->fd, traffic); };
+    }
+    auto link = std::make_shared<Link>(far, line, way == Way::kLibraryWholeFrames, exchange.encrypted);
+    return [link, exchange] {
+        if (!exchange.run(*link)) { give_up(exchange.name + " by the library"); }
+    };
+}
+
+}  // namespace quorvel::bench
