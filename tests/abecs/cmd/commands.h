@@ -58,7 +58,7 @@ constexpr int16_t kRuntime = KOR_RESULT_RUNTIME_ERROR;
 // A field of a row, and the line where the row stands.
 struct Text {
     template <std::convertible_to<std::string> Given>
-    Text(const Given& given, Peer::Where at = {}) : text(given), where(at) {}
+    Text(Given given, Peer::Where at = {}) : text(std::move(given)), where(at) {}
 
     std::string text;
     Peer::Where where;

@@ -47,15 +47,15 @@ std::string records(int count) {
 }
 
 TEST(Tlr, SendsTheBatchAsItStands) {
-    const auto sends_batch = [](const std::string& head, const std::string& batch) {
+    const auto sendsBatch = [](const std::string& head, const std::string& batch) {
         exchanges(head + batch, "TLR000", kOk, abecs_cmd_tlr, batch.c_str());
     };
-    sends_batch("TLR00200", "");
-    sends_batch("TLR01501", "01310199AB\r\x13\x16");
-    sends_batch("TLR02903", "01110101\x17\xFF 0081010200820101");
-    sends_batch("TLR05006", "008101A 008101 A008101  0081011A008111A 008201A ");
-    sends_batch("TLR79499", records(99));
-    sends_batch("TLR99901", "9971010101" + std::string(987, 'x'));
+    sendsBatch("TLR00200", "");
+    sendsBatch("TLR01501", "01310199AB\r\x13\x16");
+    sendsBatch("TLR02903", "01110101\x17\xFF 0081010200820101");
+    sendsBatch("TLR05006", "008101A 008101 A008101  0081011A008111A 008201A ");
+    sendsBatch("TLR79499", records(99));
+    sendsBatch("TLR99901", "9971010101" + std::string(987, 'x'));
 }
 
 TEST(Tlr, RefusesBadBatches) {

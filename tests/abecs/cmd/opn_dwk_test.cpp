@@ -127,7 +127,7 @@ protected:
             request = received;
             return "06"_hex + frame(response);
         });
-        const Outcome outcome = outcome_of([&] { return abecs_cmd_dwk1(link_->comm, &master_, key, setOnLink); });
+        Outcome outcome = outcome_of([&] { return abecs_cmd_dwk1(link_->comm, &master_, key, setOnLink); });
         const bool des = GetParam() == ABECS_MK_TYPE_DES;
         EXPECT_EQ(request.substr(1, 10), des ? "DWK0361099" : "DWK0361199");
         EXPECT_EQ(request[43], '\x17');
