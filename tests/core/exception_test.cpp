@@ -201,8 +201,7 @@ TEST(Attempt, LeavesTheTextOfThePendingErrorToItsBody) {
             kor_serial_open(text);
         }).run();
     };
-    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: pending",
-                  kor::attempt(kRaisePending).on_any(handOn).run());
+    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: pending", kor::attempt(kRaisePending).on_any(handOn).run());
     EXPECT_EQ(seen, "pending");
 }
 
