@@ -295,18 +295,6 @@ TEST(PendingError, OutlivesEverySuccessButThoseThatTheHeaderNames) {
     }
 }
 
-// Where the text is an argument, it is still there when the command comes to write it.
-TEST(PendingError, CanBeShownOnThePinPadThatItCameFrom) {
-    Bench bench;
-    bench.peer.request("DSP032" + field("pending", 32)).response("DSP000");
-    const support::Raised raised = support::raised_by([&] {
-        KOR_TRY { kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "pending"); }
-        KOR_CLEANUP { abecs_cmd_dsp(bench.link, kor_exception_get_message()); }
-        KOR_END_TRY;
-    });
-    EXPECT_EQ(raised, kPending);
-}
-
 TEST(PendingError, IsTriedWithEveryExportedFunction) {
     std::set<std::string> listed;
     for (const Function& function : kFunctions) { EXPECT_TRUE(listed.insert(function.name).second) << function.name; }

@@ -187,8 +187,6 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
     protected_ = true;
     // 4111111111111111, and 378282246310005 with an F, under the key.
     const auto reads = [&](const AbecsWkPan& key, const std::string& digits, const std::string& fifteen) {
-        // The static text in which the clear form is made.
-        const char* work = abecs_pan_decrypt_track2("", 0, &key);
         key_ = &key;
         const AbecsCmdGcrResponse out =
             read({"99B" + digits + "^CARD/TEST^2512201", "24" + fifteen + "=2512201123456789", "19" + digits,
@@ -198,7 +196,6 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
                          "4111111111111111"}))
             << "of track 2 as many characters as were announced";
         EXPECT_EQ(lengths_of(out), (Lengths{35, 23, 16, 19})) << "that of track 3 is the card number's";
-        EXPECT_TRUE(std::all_of(work, work + 129, [](char c) { return c == '\0'; }));
     };
     AbecsWkPan key{ABECS_WK_PAN_TYPE_DES,
                    {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};

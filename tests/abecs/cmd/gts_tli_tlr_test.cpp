@@ -19,7 +19,6 @@ TEST(Gts, ReadsTheVersion) {
     reads(9, "GTS000010 V1       ", kOk, " V1");
     reads(99, "GTS000010          ", kOk, "");
     reads(1, "GTS0110100123456789", ABECS_RSP_STAT_ST_INVPARM, "");
-    reads(1, "ERR010", ABECS_RSP_STAT_ST_INVCALL, "");
     reads(1, "GTS000", too_few(3, 0), "stale text");
     reads(1, "GTS0000090123456789", error(kProtocol, "Invalid RSP_LEN1 (expected: 10, read: 9)"), "stale text");
     reads(1, "GTS00001101234567890", error(kProtocol, "Invalid RSP_LEN1 (expected: 10, read: 11)"), "stale text");

@@ -126,19 +126,6 @@ TEST_F(Mlx, SendsFilesInBlocksOf995) {
     EXPECT_EQ(reads, (std::vector<size_t>{512, 512, 512, 512, 452, 995, 995, 510})) << "for the CRC, for the blocks";
 }
 
-TEST_F(Mlx, CrcOfAFile) {
-    const auto crcs = [&](const std::string& bytes, uint16_t expected) {
-        write(bytes);
-        EXPECT_EQ(crc_of(path_), expected) << bytes.size();
-        EXPECT_EQ(descriptor(), -1);
-    };
-    crcs("", 0);
-    crcs("123456789", 0x31C3);
-    crcs(content(512), 0xD22E);
-    crcs(content(1024), 0x9404);
-    crcs("\xFF", 0x1EF0);
-}
-
 TEST_F(Mlx, AStatusOtherThanZeroEndsTheLoad) {
     write(content(996));
     const std::string requests[] = {announcement("000003E4 642A"_hex), "MLR999" + "000F 03E3"_hex + content(995),
