@@ -120,7 +120,7 @@ TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     EXPECT_EQ(host_->receive(2), kAck + "\x16");
     host_->send(kCan);
     size_t more = 0;
-    for (std::string byte = host_->receive(1); byte != kEot && byte != ""; byte = host_->receive(1)) { ++more; }
+    for (std::string byte = host_->receive(1); byte != kEot && !byte.empty(); byte = host_->receive(1)) { ++more; }
     EXPECT_LT(more, 80U);
     exchange(kNak + kCan, kEot);
     expect_findings({{Kind::kSequence, "NAK without a response before it"}});
