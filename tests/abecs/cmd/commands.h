@@ -44,12 +44,6 @@ inline std::string repeated(std::string_view text, int count) {
     return all;
 }
 
-// A field of text.
-inline std::string padded(std::string text, size_t width) {
-    text.resize(width, ' ');
-    return text;
-}
-
 // A status, and codes, as tables write them.
 constexpr int32_t kOk = ABECS_RSP_STAT_ST_OK;
 constexpr int16_t kIndex = KOR_RESULT_INDEX_OUT_OF_BOUNDS;
