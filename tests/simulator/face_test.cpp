@@ -165,7 +165,8 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
     expectRemark(Move::kTap, "b-chip has no antenna");
     face.perform(Move::kNextCard);
     face.perform(Move::kSwipe);
-    expect(frame("CKE000225100" + field("", 76) + "21" + field("4012888888881881=3012", 37) + "000" + field("", 104)));
+    expect(
+        frame("CKE000225100" + padded("", 76) + "21" + padded("4012888888881881=3012", 37) + "000" + padded("", 104)));
 }
 
 TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {

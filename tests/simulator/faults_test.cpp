@@ -13,9 +13,6 @@ using namespace quorvel::sim;
 
 namespace {
 
-const std::string kOpn = "\x16OPN\x17\xA8\xA9";
-const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
-
 class FaultsTest : public PinPadTest {
 protected:
     // What comes after the command in place of what is due, which the line has nothing of before or behind it.

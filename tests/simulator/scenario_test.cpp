@@ -207,7 +207,7 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
     call("GKY", "NTM000004SOON");
     expect(frame("GKY040"));
     call("GKY", "GKY005");
-    const std::string option = "0020 0018"_hex + field("TEA", 24);
+    const std::string option = "0020 0018"_hex + padded("TEA", 24);
     call("MNU056" + option + option, "MNU000006" + "804D 0002"_hex + "01");
     call("RMC032" + std::string(32, 'X'), "RMC000");
     call("GTS00203", "GTS0000100123456789");
