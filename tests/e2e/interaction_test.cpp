@@ -53,19 +53,4 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
     }
 }
 
-TEST_F(Interaction, IsCancelledAtAnyTime) {
-    const AbecsCmdGpnCmdData request = pin_request(ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4012345678909");
-    const auto expectIdle = [&] {
-        EXPECT_NO_RAISE(abecs_comm_send_can(link_));
-        EXPECT_EQ(pinPad_.screen().text, "IDLE");
-    };
-    pinPad_.insert(kCard);
-    EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);
-    begin("RMC", Gestures().press(Key::kEnter), abecs_cmd_rmc, "TAKE YOUR CARD");
-    expectIdle();
-    begin("GPN", Gestures().press(digit('1')), abecs_cmd_gpn, &request);
-    expectIdle();
-    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
-}
-
 }  // namespace

@@ -32,6 +32,7 @@ TEST_F(InteractionTest, OffersAMenu) {
                             + padded("COFFEE", 24) + "0020 0018"_hex + padded("WATER", 24);
     const auto chosen = [](const std::string& option) { return "MNU000006" + "804D 0002"_hex + option; };
     play();
+    call("DSP032" + padded("IDLE", 32), "DSP000");
     call_while(Gestures().choose(9), mnu, chosen("03"));
     call_while(Gestures().press(Key::kDown).press(Key::kUp).press(Key::kUp).press(Key::kEnter), mnu, chosen("01"));
     call_while(Gestures().press(digit('0')).press(digit('4')).press(digit('3')), mnu, chosen("03"));
@@ -40,7 +41,7 @@ TEST_F(InteractionTest, OffersAMenu) {
     EXPECT_EQ(pinPad_->screen(),
               (Screen::Content{.text = "CHOOSE\rONE", .menu = {"TEA", "COFFEE", "WATER"}, .selected = 2}));
     exchange(kCan, kEot);
-    EXPECT_EQ(pinPad_->screen(), Screen::Content{});
+    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "IDLE"})) << "what was shown before";
     std::string tooMany = "MNU588";
     for (int i = 0; i < 21; ++i) { tooMany += tea; }
     refuse("011", Kind::kLayout,
