@@ -66,6 +66,7 @@ Value ksn(Link& link, const Family& family, size_t slot) {
 Outcome run_keys(Context& context) {
     Link link(context.settings, context.output);
     std::vector<int32_t> ids;
+    ids.reserve(kFamilies.size());
     for (const Family& family : kFamilies) { ids.push_back(family.map); }
     Items items;
     link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });

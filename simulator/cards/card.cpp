@@ -26,7 +26,7 @@ Bytes track2_equivalent(std::string track) {
 
 DataObjects Card::objects() const {
     DataObjects objects = chip ? chip->objects : DataObjects();
-    const auto add = [&](Tag tag, Bytes value) {
+    const auto add = [&](Tag tag, Bytes&& value) {
         if (!value.empty()) { objects.try_emplace(tag, std::move(value)); }
     };
     add(0x57, track2_equivalent(track2));

@@ -64,7 +64,7 @@ public:
     //     mode = "emv"                 # "stripe"
     //     verification = "none"
     //     fault = "multiple"
-    [[nodiscard]] static Cards from_table(TomlTable cards);
+    [[nodiscard]] static Cards from_table(TomlTable table);
     [[nodiscard]] static Cards from_toml(std::string_view text);
     [[nodiscard]] static Cards from_file(const std::string& path);
 

@@ -16,7 +16,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int64_t kLongestMs = 24 * 60 * 60 * 1000;
+constexpr int64_t kLongestMs = int64_t{24} * 60 * 60 * 1000;
 constexpr int64_t kDefaultAwaitMs = 10000;
 constexpr int64_t kMostTraffic = 1000;
 constexpr int64_t kDefaultTraffic = 20;
@@ -90,7 +90,7 @@ void notify(Gestures& gestures, Arguments& arguments, const Cards&) {
 }
 
 std::string command_of(Arguments& arguments) {
-    const std::string command = arguments.text("command");
+    std::string command = arguments.text("command");
     if (find_command(command) == nullptr) { throw RequestError(fmt::format("there is no command \"{}\"", command)); }
     return command;
 }

@@ -62,7 +62,7 @@ std::vector<DisplayLine> display_lines(const Screen::Content& content, Size size
 
 Size text_size(std::string_view digits) {
     const auto number = [&](size_t at) {
-        return static_cast<size_t>((digits.at(at) - '0') * 10 + (digits.at(at + 1) - '0'));
+        return static_cast<size_t>(digits.at(at) - '0') * 10 + static_cast<size_t>(digits.at(at + 1) - '0');
     };
     return {std::max<size_t>(number(0), 1), std::max<size_t>(number(2), 1)};
 }

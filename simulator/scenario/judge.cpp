@@ -149,6 +149,7 @@ std::vector<std::string> Judge::complaints(const std::vector<Finding>& findings)
     complain_of_findings(all, findings);
     std::ranges::stable_sort(all, {}, &Complaint::line);
     std::vector<std::string> words;
+    words.reserve(all.size());
     for (const auto& [line, text] : all) {
         words.push_back(line == 0 ? text : fmt::format("{}:{}: {}", scenario_.file, line, text));
     }

@@ -18,7 +18,7 @@ using nlohmann::json;
 namespace {
 
 constexpr std::string_view kPlanned = "when";
-constexpr int64_t kLongestPause = 24 * 60 * 60 * 1000;
+constexpr int64_t kLongestPause = int64_t{24} * 60 * 60 * 1000;
 
 json to_json(const toml::node& node) {
     if (const auto* text = node.as_string()) { return text->get(); }

@@ -2,11 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include "quorvel/kor/collection.h"
 
-#include "core/attempt.h"
-#include "quorvel/kor/map.h"
-#include "quorvel/kor/string_list.h"
-#include "quorvel/kor/string_set.h"
-#include "tests/core/counted.h"
 #include "tests/support/raised.h"
 
 namespace {
@@ -41,28 +36,6 @@ TEST(Collection, CopiesBytesAndNone) {
     EXPECT_STREQ(static_cast<char*>(copy), "abc");
     kor_collection_destroy(copy);
     kor_collection_destroy(nullptr);
-}
-
-// The text may be the record's own, which a copy must find as it was; that of a map's new value is made in a block.
-TEST(Collection, StoresTheErrorThatIsBeingHandled) {
-    KorList* list = kor_string_list_new();
-    KorSet* set = kor_string_set_new(2);
-    KorMap* map = counted::new_map(2);
-    const auto store = [&](const char* key) {
-        kor_string_list_append(list, kor_exception_get_message());
-        kor_string_set_put(set, kor_exception_get_message());
-        kor_map_put(map, key, kor_exception_get_message());
-    };
-    for (const char* text : {"first", "second"}) {
-        const auto fail = [&] { kor_exception_throw(KOR_RESULT_IO_ERROR, text); };
-        kor::attempt(fail).on_any([&] { store("caught"); }).cleanup([&] { store("clean-up"); }).run();
-    }
-    EXPECT_EQ(counted::items(list), "first first second second ");
-    EXPECT_EQ(counted::entries(map), "clean-up=second caught=second ");
-    EXPECT_TRUE(kor_string_set_contains(set, "first") && kor_string_set_contains(set, "second"));
-    kor_list_delete(&list);
-    kor_set_delete(&set);
-    kor_map_delete(&map);
 }
 
 }  // namespace

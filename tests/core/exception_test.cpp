@@ -37,8 +37,8 @@ constexpr KorResult_E kTimeout = KOR_RESULT_TIMEOUT_ERROR;
 
 const Raised kPending{kTimeout, "pending"};
 const Raised kOther{kIo, "other"};
-constexpr auto raise_pending = [] { kor_exception_throw(kTimeout, "pending"); };
-constexpr auto raise_other = [] { kor_exception_throw(kIo, "other"); };
+constexpr auto kRaisePending = [] { kor_exception_throw(kTimeout, "pending"); };
+constexpr auto kRaiseOther = [] { kor_exception_throw(kIo, "other"); };
 
 TEST(Result, NamesEveryCode) {
     for (int16_t code = 0; code <= KOR_RESULT_CRYPT_ERROR; ++code) {
@@ -69,8 +69,8 @@ TEST(Exception, MessageCanBeMadeOfThePendingOne) {
     };
     for (const auto& [raise, expected] : cases) {
         const auto again = raise;
-        EXPECT_EQ(raised_by([&] { kor::attempt(raise_pending).on_any([&] { again(); }).run(); }), expected);
-        EXPECT_EQ(raised_by([&] { kor::attempt(raise_pending).cleanup([&] { again(); }).run(); }), expected);
+        EXPECT_EQ(raised_by([&] { kor::attempt(kRaisePending).on_any([&] { again(); }).run(); }), expected);
+        EXPECT_EQ(raised_by([&] { kor::attempt(kRaisePending).cleanup([&] { again(); }).run(); }), expected);
     }
 }
 
@@ -112,7 +112,7 @@ void expect_closed(void (*leave)(char*, char, char), char branch, char how, cons
                   leave(trace, branch, how);
                   behind = kor_exception_get_frame_node();
                   pending = kor_exception_get_error();
-                  raise_pending();
+                  kRaisePending();
               }),
               kPending);
     EXPECT_STREQ(trace, expected) << branch << how;
@@ -174,18 +174,18 @@ TEST(Attempt, CleansUpFirstAndTriesAsManyBranchesAsItIsGiven) {
 
 TEST(Attempt, PutsThePendingErrorBackUnlessAnotherOneTakesItsPlace) {
     const std::pair<void (*)(), Raised> cases[] = {{[] { kor::attempt([] {}).run(); }, kPending},
-                                                   {[] { kor::attempt(raise_other).on_any([] {}).run(); }, kPending},
-                                                   {[] { kor::attempt(raise_other).run(); }, kOther}};
+                                                   {[] { kor::attempt(kRaiseOther).on_any([] {}).run(); }, kPending},
+                                                   {[] { kor::attempt(kRaiseOther).run(); }, kOther}};
     KorException after{};
     const auto look = [&] { kor_exception_get(&after); };
     for (const auto& [step, expected] : cases) {
-        const auto clean_up = step;
-        kor::attempt(raise_pending).on_any(look).cleanup([&] { clean_up(); }).run();
+        const auto cleanUp = step;
+        kor::attempt(kRaisePending).on_any(look).cleanup([&] { cleanUp(); }).run();
         EXPECT_EQ((Raised{after.error, after.message}), expected);
     }
     const support::ReturningRaises handler;
-    const auto fail_and_look = [&] { kor::attempt(raise_other).run(), look(); };
-    kor::attempt(raise_pending).on_any(fail_and_look).run();
+    const auto failAndLook = [&] { kor::attempt(kRaiseOther).run(), look(); };
+    kor::attempt(kRaisePending).on_any(failAndLook).run();
     EXPECT_EQ((Raised{after.error, after.message}), Raised{}) << "one that nobody caught leaves nothing pending";
     EXPECT_EQ(handler.all(), std::vector{kOther});
 }
@@ -194,15 +194,14 @@ TEST(Attempt, PutsThePendingErrorBackUnlessAnotherOneTakesItsPlace) {
 TEST(Attempt, LeavesTheTextOfThePendingErrorToItsBody) {
     const char* text = kor_exception_get_message();
     std::string seen;
-    const auto hand_on = [&] {
+    const auto handOn = [&] {
         kor::attempt([&] {
             EXPECT_EQ(kor_exception_get_error(), KOR_RESULT_OK);
             kor::attempt([&] { seen = text; }).run();
             kor_serial_open(text);
         }).run();
     };
-    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: pending",
-                  kor::attempt(raise_pending).on_any(hand_on).run());
+    EXPECT_RAISES(KOR_RESULT_FILE_NOT_FOUND, "No such port: pending", kor::attempt(kRaisePending).on_any(handOn).run());
     EXPECT_EQ(seen, "pending");
 }
 
@@ -237,12 +236,12 @@ TEST(UncaughtHandler, ThatReturnsLetsTheRaiserGoOnWithNothingPending) {
 
 TEST(UncaughtHandlerDeathTest, DefaultPrintsAndAborts) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto raise_in_the_open = [](const char* message) {
+    const auto raiseInTheOpen = [](const char* message) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         kor_exception_throw(KOR_RESULT_IO_ERROR, message);
     };
-    EXPECT_EXIT(raise_in_the_open("broken"), testing::KilledBySignal(SIGABRT), "Uncaught error: 6 \\(broken\\)\n");
-    EXPECT_EXIT(raise_in_the_open(nullptr), testing::KilledBySignal(SIGABRT), "Uncaught error: 6\n");
+    EXPECT_EXIT(raiseInTheOpen("broken"), testing::KilledBySignal(SIGABRT), "Uncaught error: 6 \\(broken\\)\n");
+    EXPECT_EXIT(raiseInTheOpen(nullptr), testing::KilledBySignal(SIGABRT), "Uncaught error: 6\n");
 }
 
 TEST(Enum, ChecksListsAndRanges) {

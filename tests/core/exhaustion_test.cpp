@@ -74,7 +74,7 @@ TEST(Exhaustion, MakingAnObjectLeavesNothingBehind) {
 // No error can be raised through a try block that cannot be opened.
 TEST(Exhaustion, ATryBlockWithoutMemoryAborts) {
     support::raised_by([] {});  // makes the first frame
-    const auto ran_without_memory = [] {
+    const auto ranWithoutMemory = [] {
         const support::FailingMalloc failing(1);
         while (kor_exception_next_frame_node()->next != nullptr) {}
         bool ran = false;
@@ -83,13 +83,13 @@ TEST(Exhaustion, ATryBlockWithoutMemoryAborts) {
         return ran;
     };
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto on_standard_error = [&] {
+    const auto onStandardError = [&] {
         dup2(STDERR_FILENO, STDOUT_FILENO);
-        ran_without_memory();
+        ranWithoutMemory();
     };
-    EXPECT_EXIT(on_standard_error(), testing::KilledBySignal(SIGABRT), "FATAL: MEMORY ALLOCATION ERROR\n");
+    EXPECT_EXIT(onStandardError(), testing::KilledBySignal(SIGABRT), "FATAL: MEMORY ALLOCATION ERROR\n");
     const auto before = std::signal(SIGABRT, SIG_IGN);
-    EXPECT_FALSE(ran_without_memory()) << "not where the signal is survived either";
+    EXPECT_FALSE(ranWithoutMemory()) << "not where the signal is survived either";
     std::signal(SIGABRT, before);
 }
 

@@ -97,15 +97,6 @@ TEST_F(File, WhatCannotBeOpenedHasOneErrorAndLeavesNothing) {
     EXPECT_EQ(raises.all(), support::errors(KOR_RESULT_ILLEGAL_ARGUMENT, {kNotOpened}));
 }
 
-// The descriptor under which this program has the file open, or -1.
-int descriptor_of(const std::string& path) {
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        if (std::filesystem::read_symlink(entry, gone) == path) { return std::stoi(entry.path().filename()); }
-    }
-    return -1;
-}
-
 // And everything else that the mode asks for holds. A character set is asked for that does not exist, because the C
 // library leaks a little for one that does.
 TEST_F(File, NoProgramThatAChildStartsHasItOpen) {

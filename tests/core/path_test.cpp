@@ -134,10 +134,10 @@ bool equals(const void* lhs, const void* rhs) { return lhs == rhs; }
 void* copy_and_fail(const void* /*item*/) { return kor::raise(KOR_RESULT_RUNTIME_ERROR, "no copy"), nullptr; }
 
 // Descriptors are given lowest first, so the directory opened next has this number.
-int next_descriptor = -1;
+int nextDescriptor = -1;
 
 void* copy_and_close(const void* item) {
-    close(next_descriptor);
+    close(nextDescriptor);
     return kor_string_new(static_cast<const char*>(item));
 }
 
@@ -149,8 +149,8 @@ TEST_F(Path, AnAppendThatFailsOrClosesTheDirectoryIsReported) {
     const size_t descriptors = open_descriptors();
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "no copy", kor_path_list_entries(path.c_str(), failing));
     EXPECT_EQ(open_descriptors(), descriptors);
-    next_descriptor = dup(STDERR_FILENO);
-    close(next_descriptor);
+    nextDescriptor = dup(STDERR_FILENO);
+    close(nextDescriptor);
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "readdir() error: ", kor_path_list_entries(path.c_str(), closing));
 }
 

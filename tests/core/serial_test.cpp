@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 using namespace std::string_literals;
 
 // How many of the library's next calls of open() a signal interrupts.
-static int interrupted_opens = 0;
+static int interruptedOpens = 0;
 
 extern "C" {
 int __real_open(const char* path, int flags, ...);
@@ -31,8 +31,8 @@ int __wrap_open(const char* path, int flags, ...);
 
 // None of the callers creates a file, which would need a third argument.
 int __wrap_open(const char* path, int flags, ...) {
-    if (interrupted_opens == 0) { return __real_open(path, flags); }
-    --interrupted_opens;
+    if (interruptedOpens == 0) { return __real_open(path, flags); }
+    --interruptedOpens;
     errno = EINTR;
     return -1;
 }
@@ -103,9 +103,9 @@ std::string as_bytes(const termios& settings) {
 TEST_F(Serial, OpeningBlocksAndLeavesTheSettingsAndIsTriedAgainAfterASignal) {
     const termios before = peer.settings();
     KorSerial* opened = nullptr;
-    interrupted_opens = 3;
+    interruptedOpens = 3;
     EXPECT_NO_RAISE(opened = kor_serial_open(peer.path().c_str()));
-    EXPECT_EQ(std::exchange(interrupted_opens, 0), 0);
+    EXPECT_EQ(std::exchange(interruptedOpens, 0), 0);
     ASSERT_NE(opened, nullptr);
     EXPECT_EQ(fcntl(opened->fd, F_GETFL) & (O_NONBLOCK | O_ACCMODE), O_RDWR);
     EXPECT_EQ(fcntl(opened->fd, F_GETFD), FD_CLOEXEC);
@@ -348,10 +348,10 @@ TEST_P(InterruptedSerial, WriteWaitsOutTheDrain) {
     constexpr size_t kBytes = 20'000;
     peer.discard(kBytes);
     const Signals signals(GetParam(), 30us);
-    const auto write_each = [&] {
+    const auto writeEach = [&] {
         for (size_t i = 0; i < kBytes; ++i) { kor_serial_write_byte(port, 'x'); }
     };
-    EXPECT_NO_RAISE(write_each());
+    EXPECT_NO_RAISE(writeEach());
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, InterruptedSerial, testing::Values(0, SA_RESTART),

@@ -57,30 +57,30 @@ TEST(Set, TakesAnEqualItemOnce) {
     EXPECT_FALSE(kor_set_contains(set, "abc"));
 }
 
-int hashes_left = 0;
+int hashesLeft = 0;
 
 uint32_t failing_hash(const void* item) {
-    if (hashes_left-- == 0) { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "hash"); }
+    if (hashesLeft-- == 0) { kor::raise(KOR_RESULT_TIMEOUT_ERROR, "hash"); }
     return hash(item);
 }
 
 // The third item makes the set grow: its own hash is taken, then those of all three for the larger array.
 TEST(Set, AHashThatFailsWhileTheSetGrowsChangesNothing) {
     counted::reset();
-    hashes_left = 99;
+    hashesLeft = 99;
     const Set set(kor_set_new(4, failing_hash, equals, copy, destroy));
     kor_set_put(set, "a");
     kor_set_put(set, "bb");
-    hashes_left = 3;
+    hashesLeft = 3;
     EXPECT_RAISES(KOR_RESULT_TIMEOUT_ERROR, "hash", kor_set_put(set, "ccc"));
     EXPECT_EQ(kor_set_size(set), 2U);
     EXPECT_EQ(kor_set_capacity(set), 4U);
     EXPECT_EQ(counted::copies - counted::deletions, 2);
     const support::ReturningRaises raises;
-    hashes_left = 3;
+    hashesLeft = 3;
     EXPECT_EQ(kor_set_put(set, "ccc"), nullptr);
     EXPECT_EQ(raises.all().size(), 1U);
-    hashes_left = 99;
+    hashesLeft = 99;
     EXPECT_NE(kor_set_put(set, "ccc"), nullptr);
     EXPECT_EQ(kor_set_capacity(set), 8U);
 }

@@ -16,11 +16,11 @@ using namespace std::chrono_literals;
 namespace {
 
 TEST(System, TimeIsTheWallClockInMilliseconds) {
-    const auto now_millis = [] { return std::chrono::system_clock::now().time_since_epoch() / 1ms; };
-    const int64_t before = now_millis();
+    const auto nowMillis = [] { return std::chrono::system_clock::now().time_since_epoch() / 1ms; };
+    const int64_t before = nowMillis();
     const int64_t time = kor_system_current_time_millis();
     EXPECT_GE(time, before);
-    EXPECT_LE(time, now_millis());
+    EXPECT_LE(time, nowMillis());
 }
 
 TEST(System, RandomCoversItsRangeAndNothingElse) {

@@ -54,6 +54,15 @@ inline size_t open_descriptors() {
     return static_cast<size_t>(std::distance(begin(all), end(all)));
 }
 
+// The descriptor under which the process has the file open, or -1.
+inline int descriptor_of(const std::string& path) {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (std::filesystem::read_symlink(entry, gone) == path) { return std::stoi(entry.path().filename()); }
+    }
+    return -1;
+}
+
 // While one lives, the process can open nothing.
 struct NoDescriptors {
     NoDescriptors() {
@@ -66,12 +75,18 @@ struct NoDescriptors {
     rlimit before{};
 };
 
-// The texts of a string list, whose order a directory gives.
-inline std::vector<std::string> sorted(const KorList* list) {
+// The texts of a string list.
+inline std::vector<std::string> texts_of(const KorList* list) {
     std::vector<std::string> all;
     for (auto* node = kor_string_list_first(list); node != nullptr; node = kor_string_list_next(node)) {
         all.emplace_back(kor_string_list_item(node));
     }
+    return all;
+}
+
+// The same where a directory has given their order.
+inline std::vector<std::string> sorted(const KorList* list) {
+    std::vector<std::string> all = texts_of(list);
     std::sort(all.begin(), all.end());
     return all;
 }

@@ -16,7 +16,7 @@ using Call = void (*)(const void* key, const uint8_t* in, uint8_t* out, size_t l
 
 template <auto Function>
 void call(const void* key, const uint8_t* in, uint8_t* out, size_t len, const uint8_t* iv) {
-    const auto pass_on =
+    const auto passOn =
         [&]<typename Key, typename... Iv>(void (*)(const Key*, const uint8_t*, uint8_t*, size_t, Iv...)) {
             if constexpr (sizeof...(Iv) == 0) {
                 Function(static_cast<const Key*>(key), in, out, len);
@@ -24,7 +24,7 @@ void call(const void* key, const uint8_t* in, uint8_t* out, size_t len, const ui
                 Function(static_cast<const Key*>(key), in, out, len, iv);
             }
         };
-    pass_on(Function);
+    passOn(Function);
 }
 
 struct Mode {

@@ -111,11 +111,11 @@ TEST(Rsa, FaultsOfLoadingInTheirOrder) {
         {"Invalid key size: 257", 128, byte, 257, byte, 3},
     };
     for (const auto& row : cases) {
-        const auto load_key = [&] {
+        const auto loadKey = [&] {
             const auto& [detail, szd, N, szN, e, sze] = row;
             crypt_rsa_key_load(N, szN, e, sze, byte, szd);
         };
-        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, std::get<0>(row), load_key());
+        EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, std::get<0>(row), loadKey());
     }
     for (const int32_t size : {-128, 0, 64, 127, 129, 512}) {
         EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid key size: " + std::to_string(size),

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <future>
-#include <memory>
-
 #include "tests/e2e/fixture.h"
 #include "tests/support/elapsed.h"
 
@@ -33,15 +30,6 @@ protected:
         EXPECT_NO_RAISE(abecs_comm_send_can(link_));
         expect_answer();
     }
-
-    // Sends GKY, and presses a key once the PIN pad waits for one.
-    void press_under(const Fault& fault) {
-        pinPad_.inject(fault);
-        pinPad_.when("GKY", Gestures().press(Key::kF1));
-        EXPECT_NO_RAISE(abecs_cmd_gky(link_));
-    }
-
-    int32_t poll() { return call(abecs_cmd_gky_response, nullptr); }
 };
 
 TEST_F(Faults, OfOneCommandAreErrorsThatCanHeals) {
@@ -71,52 +59,6 @@ TEST_F(Faults, OfAFrameOrOfPaceAreBorne) {
     }
 }
 
-TEST_F(Faults, OfWhatTheResponseSaysReachTheCaller) {
-    AbecsCmdGinOut out{};
-    pinPad_.inject({.kind = "status", .status = ABECS_RSP_STAT_ST_INTERR});
-    EXPECT_EQ(call(abecs_cmd_gin, 3, &out), ABECS_RSP_STAT_ST_INTERR);
-    pinPad_.inject({.kind = "too-long"});
-    const int32_t id = ABECS_CMD_GIX_ID_PP_SERNUM;
-    EXPECT_RAISES(KOR_RESULT_PROTOCOL_ERROR, "Malformed parameter (expected data length: 65535, available: 10)",
-                  abecs_cmd_gix(link_, &id, 1, items_));
-    EXPECT_EQ(call(abecs_cmd_gix, &id, 1, items_), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(kor_map_size(items_), 1U);
-}
-
-TEST_F(Faults, OfABlockingCommandLeaveItPending) {
-    press_under({.kind = "delay", .time = 2500ms});
-    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_PROCESSING);
-    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_F1);
-    press_under({.kind = "no-answer"});
-    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_PROCESSING);
-    EXPECT_NO_RAISE(abecs_comm_send_can(link_));
-    expect_answer();
-}
-
-class Unplugged : public Faults {
-protected:
-    Unplugged() : Unplugged(std::make_shared<std::promise<std::string>>()) {}
-
-    std::future<std::string> returned_;
-
-private:
-    explicit Unplugged(const std::shared_ptr<std::promise<std::string>>& path)
-        : Faults(PinPad::Options{.returned = [path](const std::string& to) { path->set_value(to); }}),
-          returned_(path->get_future()) {}
-};
-
-TEST_F(Unplugged, IsAnErrorUntilTheLinkIsOpenedAgain) {
-    EXPECT_NO_RAISE(abecs_cmd_gky(link_));
-    pinPad_.inject({.kind = "hang-up", .time = 1ms});
-    pinPad_.press(Key::kF1);
-    const std::string path = returned_.get();
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "read() error: 5", abecs_cmd_gky_response(link_, nullptr));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcdrain() error: 5", abecs_comm_send_can(link_));
-    EXPECT_RAISES(KOR_RESULT_IO_ERROR, "tcflush() error: 5", abecs_comm_close(&link_));
-    EXPECT_NO_RAISE(link_ = abecs_comm_open(path.c_str()));
-    expect_answer();
-}
-
 class Paced : public Faults {
 protected:
     Paced() : Faults(PinPad::Options{.speed = 19200}) {}
@@ -126,9 +68,6 @@ TEST_F(Paced, TakesTheTimeOfTheLine) {
     const support::Elapsed elapsed;
     for (int i = 0; i < 4; ++i) { expect_answer(); }
     EXPECT_TRUE(elapsed.between(4 * 69 * 10 * 1000ms / 19200, 5s));
-    pinPad_.when("GKY", Gestures().press(Key::kF1));
-    EXPECT_NO_RAISE(abecs_cmd_gky(link_));
-    EXPECT_EQ(poll(), ABECS_RSP_STAT_ST_F1);
 }
 
 }  // namespace

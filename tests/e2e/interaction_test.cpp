@@ -19,21 +19,6 @@ AbecsCmdGpnCmdData pin_request(AbecsCmdGpnMethod_E method, const std::string& wk
 
 using Interaction = SecureEndToEnd;
 
-TEST_F(Interaction, BringsWhatThePersonChoseTypedAndDid) {
-    const char options[][25] = {"TEA", "COFFEE"};
-    uint32_t option = 0;
-    begin("MNU", Gestures().choose(2), abecs_cmd_mnu, 0, "CHOOSE", options, 2);
-    EXPECT_EQ(call(abecs_cmd_mnu_response, &option, nullptr), ABECS_RSP_STAT_ST_OK);
-    EXPECT_EQ(option, 2U);
-    char number[33] = "";
-    begin("GCD", Gestures().type("042"), abecs_cmd_gcd, 7, 1, 3, 0);
-    EXPECT_EQ(call(abecs_cmd_gcd_response, number, nullptr), ABECS_RSP_STAT_ST_OK);
-    EXPECT_STREQ(number, "042");
-    swipe(kCard);
-    EXPECT_EQ(abecs_cmd_cex_response_get_event(items_), ABECS_PP_EVENT_MAGNETIC_CARD);
-    EXPECT_STREQ(abecs_cmd_cex_response_get_trk2inc(items_), "411111******1111=30121010000000000");
-}
-
 TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
     const struct {
         AbecsCmdGpnMethod_E method;
@@ -66,21 +51,6 @@ TEST_F(Interaction, BringsAPinBlockThatWhoeverHasTheKeyCanRead) {
         EXPECT_EQ(call(abecs_cmd_gdu, ABECS_CMD_GDU_METHOD_3, 0, out.ksn), ABECS_RSP_STAT_ST_OK);
         EXPECT_STREQ(out.ksn, row.ksn) << "of the last PIN block";
     }
-}
-
-TEST_F(Interaction, IsCancelledAtAnyTime) {
-    const AbecsCmdGpnCmdData request = pin_request(ABECS_CMD_GPN_METHOD_DUKPT_TDES, "", "4012345678909");
-    const auto expect_idle = [&] {
-        EXPECT_NO_RAISE(abecs_comm_send_can(link_));
-        EXPECT_EQ(pinPad_.screen().text, "IDLE");
-    };
-    pinPad_.insert(kCard);
-    EXPECT_EQ(call(abecs_cmd_dsp, "IDLE"), ABECS_RSP_STAT_ST_OK);
-    begin("RMC", Gestures().press(Key::kEnter), abecs_cmd_rmc, "TAKE YOUR CARD");
-    expect_idle();
-    begin("GPN", Gestures().press(digit('1')), abecs_cmd_gpn, &request);
-    expect_idle();
-    EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "quorvel/additions.h"
 #include "quorvel/quorvel.h"
+#include "tests/core/counted.h"
 #include "tests/core/owned.h"
 #include "tests/core/temp_dir.h"
 #include "tests/interface/exported_names.h"
@@ -23,6 +24,7 @@
 namespace {
 
 using namespace std::string_literals;
+using support::padded;
 using support::Peer;
 
 constexpr KorSerialConfig kConfig{
@@ -48,16 +50,6 @@ constexpr AbecsCmdGtkPbkExp kExponent{3, {1, 0, 1}};
 constexpr AbecsCmdGtkWkEnc kWkEnc{16, {1}};
 constexpr char kOptions[][25] = {"TEA"};
 
-// Functions of the containers' items.
-void* copy_text(const void* item) { return kor_string_new(static_cast<const char*>(item)); }
-bool equal_texts(const void* lhs, const void* rhs) {
-    return kor_string_equals(static_cast<const char*>(lhs), static_cast<const char*>(rhs));
-}
-uint32_t hash_text(const void* item) { return kor_collection_hash_str(static_cast<const char*>(item)); }
-KorMap* new_map() {
-    return kor_map_new(2, hash_text, equal_texts, copy_text, copy_text, kor_collection_destroy, kor_collection_destroy);
-}
-
 KOR_PRINTF(3, 4) void format_list(char* to, size_t size, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -80,20 +72,15 @@ void discard(Object* made) {
     kDelete(&made);
 }
 
-std::string field(std::string text, size_t width) {
-    text.resize(width, ' ');
-    return text;
-}
-
 // Both with tracks that are enciphered in the layout of protected mode.
 std::string card_answer() {
-    return "GCR0009990619803Z1" + field("43B4111111111111111^CARD/TEST^2512201", 78)
-           + field("294111111111111111=2512201", 42) + field("", 104) + field("174111111111111111", 21)
-           + field("07CREDIT", 18) + field("201TEST/CARD", 29) + "301231" + std::string(28, '!') + "!076000";
+    return "GCR0009990619803Z1" + padded("43B4111111111111111^CARD/TEST^2512201", 78)
+           + padded("294111111111111111=2512201", 42) + padded("", 104) + padded("174111111111111111", 21)
+           + padded("07CREDIT", 18) + padded("201TEST/CARD", 29) + "301231" + std::string(28, '!') + "!076000";
 }
 std::string tracks_answer() {
-    return "CKE000225100" + field("4111111111111111^X", 76) + "00" + field("4111111111111111=2512", 40)
-           + field("4111111111111111=25", 104);
+    return "CKE000225100" + padded("4111111111111111^X", 76) + "00" + padded("4111111111111111=2512", 40)
+           + padded("4111111111111111=25", 104);
 }
 
 // What takes long to make, made once.
@@ -197,9 +184,9 @@ struct World {
 
     Made<kor_buffer_delete> buffer{kor_buffer_new(64)};
     Made<kor_list_delete> list{kor_string_list_new()};
-    Made<kor_list_delete> plain{kor_list_new(copy_text, kor_collection_destroy, equal_texts)};
+    Made<kor_list_delete> plain{kor_list_new(counted::copy, kor_collection_destroy, counted::equals)};
     KorListNode* item = nullptr;
-    Made<kor_map_delete> map{new_map()};
+    Made<kor_map_delete> map{counted::new_map(2)};
     Made<kor_set_delete> texts{kor_string_set_new(2)};
     Made<kor_set_delete> numbers{kor_int_set_new(2)};
     Made<kor_regex_delete> regex{kor_regex_new("b")};
@@ -293,18 +280,6 @@ TEST(PendingError, OutlivesEverySuccessButThoseThatTheHeaderNames) {
         EXPECT_EQ(clearing, promised());
         EXPECT_FALSE(clearing.empty());
     }
-}
-
-// Where the text is an argument, it is still there when the command comes to write it.
-TEST(PendingError, CanBeShownOnThePinPadThatItCameFrom) {
-    Bench bench;
-    bench.peer.request("DSP032" + field("pending", 32)).response("DSP000");
-    const support::Raised raised = support::raised_by([&] {
-        KOR_TRY { kor_exception_throw(KOR_RESULT_TIMEOUT_ERROR, "pending"); }
-        KOR_CLEANUP { abecs_cmd_dsp(bench.link, kor_exception_get_message()); }
-        KOR_END_TRY;
-    });
-    EXPECT_EQ(raised, kPending);
 }
 
 TEST(PendingError, IsTriedWithEveryExportedFunction) {

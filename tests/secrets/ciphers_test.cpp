@@ -57,11 +57,11 @@ Table ciphers() {
             }
         }
     }
-    const auto delete_aes = []() -> Row::Call {
+    const auto deleteAes = []() -> Row::Call {
         const auto work = std::make_shared<Work>(kAes);
         return [=] { crypt_aes_cipher_delete(&work->key.aes); };
     };
-    table.push_back(row("AesCipherDeleted", {key()}, delete_aes, {"36: key"}));
+    table.push_back(row("AesCipherDeleted", {key()}, deleteAes, {"36: key"}));
     return table;
 }
 

@@ -16,6 +16,7 @@ using namespace secrets;
 namespace {
 
 using namespace support::literals;
+using support::padded;
 
 // A link, its PIN pad, and all records that a call fills or is given.
 struct Talk {
@@ -48,11 +49,6 @@ Script answer(const std::string& response, bool withKey = false) {
     };
 }
 
-std::string field(std::string text, size_t width) {
-    text.resize(width, ' ');
-    return text;
-}
-
 std::string param(const std::string& id, std::string_view data) {
     return id + '\0' + static_cast<char>(data.size()) + std::string(data);
 }
@@ -66,9 +62,9 @@ std::string block(const std::string& params) {
 const std::string kClear(kNumber);
 const std::string kProtectedTrack = "1EF75EFB90247489=3012";
 const std::string kNumberParam = param("8052"_hex, kNumber);
-const std::string kTracks = field("00", 78) + field("21" + kProtectedTrack, 42) + field("", 104);
-const std::string kCard =
-    field("00", 21) + field("07CREDIT", 18) + field("201TEST/CARD", 29) + "301231" + std::string(28, ' ') + "!076000";
+const std::string kTracks = padded("00", 78) + padded("21" + kProtectedTrack, 42) + padded("", 104);
+const std::string kCard = padded("00", 21) + padded("07CREDIT", 18) + padded("201TEST/CARD", 29) + "301231"
+                          + std::string(28, ' ') + "!076000";
 
 void read_gcx(Talk& t) { abecs_cmd_gcx_response(t.comm, t.map, nullptr); }
 void read_gcr(Talk& t) { abecs_cmd_gcr_response(t.comm, t.out, nullptr); }
@@ -80,7 +76,7 @@ void gpn(Talk& t) { abecs_cmd_gpn(t.comm, &t.pin); }
 void ged(Talk& t) { abecs_cmd_ged(t.comm, &t.tags, t.out); }
 
 void take_gpn(Talk& t) {
-    t.link.peer.request("GPN093100" + std::string(kKey) + "16" + field(kClear, 19) + "10412" + field("PIN", 32));
+    t.link.peer.request("GPN093100" + std::string(kKey) + "16" + padded(kClear, 19) + "10412" + padded("PIN", 32));
 }
 void take_gpn_whole(Talk& t) {
     take_gpn(t);
@@ -192,10 +188,10 @@ const Table kRows{
     row("GcrAnswerThatEndsBehindTheTracks", kBoth, talk(answer("GCR0009990619803Z1" + kTracks, true), read_gcr),
         kUnprotected, io("Buffer does not have enough data (requested: 2, available: 0)")),
     row("CkeAnswer", kBoth,
-        talk(answer("CKE000225100" + field("", 76) + "21" + field(kProtectedTrack, 40) + field("", 104), true),
+        talk(answer("CKE000225100" + padded("", 76) + "21" + padded(kProtectedTrack, 40) + padded("", 104), true),
              read_cke),
         kUnprotected),
-    row("GocAnswer", kNumbers, talk(answer("GOC000999000000" + field(kClear, 36) + "016" + kClear + "000"), read_goc),
+    row("GocAnswer", kNumbers, talk(answer("GOC000999000000" + padded(kClear, 36) + "016" + kClear + "000"), read_goc),
         {"2088: number"}),
     row("GpnRequest", kBoth, talk(take_gpn, gpn), {"2088: number, key"}),
     row("GpnRequestInOneWrite", kBoth, talk(take_gpn_whole, gpn), {"103: number, key", "2088: number, key"}),

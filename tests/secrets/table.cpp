@@ -12,13 +12,13 @@ namespace secrets {
 namespace {
 
 ltc_cipher_descriptor original;
-int setup_status = CRYPT_OK;
-int block_status = CRYPT_OK;
+int setupStatus = CRYPT_OK;
+int blockStatus = CRYPT_OK;
 
 template <auto Original>
 int block_of(const unsigned char* in, unsigned char* out, symmetric_key* schedule) {
     const int status = (original.*Original)(in, out, schedule);
-    return block_status != CRYPT_OK ? block_status : status;
+    return blockStatus != CRYPT_OK ? blockStatus : status;
 }
 
 // The texts that the library keeps until the next call.
@@ -52,11 +52,11 @@ void expect(const Row& row) {
 FailingCipher::FailingCipher(const char* cipher, int setup, int block)
     : descriptor_(descriptor(cipher)), saved_(descriptor_) {
     original = saved_;
-    setup_status = setup;
-    block_status = block;
+    setupStatus = setup;
+    blockStatus = block;
     descriptor_.setup = [](const unsigned char* key, int size, int rounds, symmetric_key* schedule) {
         const int status = original.setup(key, size, rounds, schedule);
-        return setup_status != CRYPT_OK ? setup_status : status;
+        return setupStatus != CRYPT_OK ? setupStatus : status;
     };
     descriptor_.ecb_encrypt = block_of<&ltc_cipher_descriptor::ecb_encrypt>;
     descriptor_.ecb_decrypt = block_of<&ltc_cipher_descriptor::ecb_decrypt>;

@@ -101,7 +101,7 @@ struct Watch {
 };
 
 Watch* current = nullptr;
-std::string_view looked_at;
+std::string_view lookedAt;
 enum class Event { kWiped, kFreed } event;
 
 uint64_t window_at(const char* bytes) {
@@ -133,9 +133,9 @@ __attribute__((no_sanitize("address", "undefined"))) std::string found_in(std::s
 }
 
 void note() {
-    const std::string found = found_in(looked_at);
+    const std::string found = found_in(lookedAt);
     if (found.empty()) { return; }
-    const std::string text = std::to_string(looked_at.size()) + ": " + found;
+    const std::string text = std::to_string(lookedAt.size()) + ": " + found;
     if (event == Event::kWiped) {
         current->seen.wiped.push_back(text);
     } else {
@@ -156,7 +156,7 @@ bool in_call() {
 void look_at(Event what, const void* begin, size_t size) {
     if (current == nullptr) { return; }
     event = what;
-    looked_at = {static_cast<const char*>(begin), size};
+    lookedAt = {static_cast<const char*>(begin), size};
     current->searches.enter();
 }
 

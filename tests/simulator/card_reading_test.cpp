@@ -27,7 +27,7 @@ TEST_F(CardReadingTest, GcrTellsOfTheAcquirersOwnData) {
              std::tuple("amex-chip", "0100", "030010101",
                         "84006612"
                         "30303030303030303030A00000002501"
-                            + field("AMERICAN EXPRESS", 32)),
+                            + padded("AMERICAN EXPRESS", 32)),
              {"diners-chip", "0201", "030010201", "076010A000000152"s},
          }) {
         pinPad_->when("GCR", inserted(name));

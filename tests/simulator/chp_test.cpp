@@ -30,7 +30,7 @@ TEST_F(ChpTest, PowersAChipAndSpeaksToIt) {
 }
 
 TEST_F(ChpTest, HandsThePinToTheChip) {
-    const std::string message = field("PIN FOR THE CARD", 32);
+    const std::string message = padded("PIN FOR THE CARD", 32);
     const auto verify = [&](const std::string& format) { return "CHP0460300400200080" + format + message; };
     call("CHP00501000", "CHP0000210093B6500002063CB6800");
     for (const auto& [pin, format, response] : {

@@ -37,7 +37,9 @@ protected:
         for (const auto& [request, due] : cases) { EXPECT_EQ(client_->ask(request), due) << request; }
     }
 
-    [[nodiscard]] json told(const std::string& verb) { return json::parse(client_->ask("{\"do\":\"" + verb + "\"}")); }
+    [[nodiscard]] json told(const std::string& verb) {
+        return json::parse(client_->ask(R"({"do":")" + verb + R"("})"));
+    }
 
     TempDir folder_;
     const std::string path_ = folder_ / "control";
@@ -140,17 +142,17 @@ TEST_F(ControlTest, ServesSeveralClientsWhateverTheyDo) {
         ControlClient broken(path_);
         broken.send("{\"do\":\"await\"}\n{\"do\":");
     }
-    ControlClient long_winded(path_);
-    long_winded.send_what_goes(std::string(200000, 'x') + "\n" R"({"do":"remove"})" "\r\n\n");
-    EXPECT_EQ(long_winded.line(), refused("more than 65536 bytes"));
-    EXPECT_EQ(long_winded.line(), kDone);
-    ControlClient half_closed(path_);
-    half_closed.send("{\"do\":\"remove\"}\n{\"do\":\"await\",\"ms\":1}\n{\"do\":\"remove\"}");
-    half_closed.shut_down_sending();
-    EXPECT_EQ(half_closed.line(), kDone);
-    EXPECT_EQ(half_closed.line(), refused("a command did not wait in time"));
-    EXPECT_EQ(half_closed.line(), kDone);
-    EXPECT_EQ(half_closed.line(), "");
+    ControlClient longWinded(path_);
+    longWinded.send_what_goes(std::string(200000, 'x') + "\n" R"({"do":"remove"})" "\r\n\n");
+    EXPECT_EQ(longWinded.line(), refused("more than 65536 bytes"));
+    EXPECT_EQ(longWinded.line(), kDone);
+    ControlClient halfClosed(path_);
+    halfClosed.send("{\"do\":\"remove\"}\n{\"do\":\"await\",\"ms\":1}\n{\"do\":\"remove\"}");
+    halfClosed.shut_down_sending();
+    EXPECT_EQ(halfClosed.line(), kDone);
+    EXPECT_EQ(halfClosed.line(), refused("a command did not wait in time"));
+    EXPECT_EQ(halfClosed.line(), kDone);
+    EXPECT_EQ(halfClosed.line(), "");
     // Whose answers nobody reads is not listened to for ever.
     ControlClient deaf(path_);
     std::string flood;

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <set>
-
 #include "tests/simulator/fixture.h"
-#include "tests/simulator/host_key.h"
 #include "wire/hex.h"
 
 // The clear working key is 11223344556677889900AABBCCDDEEFF; what is enciphered was worked out with the openssl
@@ -101,28 +98,6 @@ TEST_F(EncipherTest, DwkTakesAKeyUnderAMasterKey) {
             {"DWK0361200BDBE59C77CF56415BAB6EAD19B49AD8C", "DWK: DWK_METHOD: 2 is not from 0 to 1"},
             {"DWK2632" + std::string(256, '7') + "010001", "DWK: DWK_MOD: less than 1024 bits"}});
     EXPECT_EQ(to_hex(retire().panKey.value()), "0F1E2D3C4B5A69788796A5B4C3D2E1F0");
-}
-
-// Until cryptograms have begun with each of the bytes that hexadecimal fields or numbers might lose.
-TEST_F(EncipherTest, DwkGivesAKeyUnderTheHostsPublicKey) {
-    const HostKey key(1024);
-    play();
-    std::set<char> awaited{'\0', '0'};
-    std::string last;
-    for (int i = 0; i < 6000 && !awaited.empty(); ++i) {
-        const std::string answer = ask("DWK2632" + to_hex(to_bytes(key.modulus())) + "010001");
-        ASSERT_EQ(answer.size(), 3U + 3 + 3 + 256);
-        ASSERT_EQ(answer.substr(0, 9), "DWK000256");
-        const Bytes cryptogram = from_hex(answer.substr(9));
-        if (i != 0 && awaited.erase(static_cast<char>(cryptogram.front())) == 0) { continue; }
-        const std::string block = key.open_raw(std::string(cryptogram.begin(), cryptogram.end()));
-        ASSERT_EQ(block.size(), 128U);
-        EXPECT_EQ(block.substr(0, 2), "T1");
-        EXPECT_EQ(block.back(), 'X');
-        last = block.substr(11, 32);
-    }
-    EXPECT_TRUE(awaited.empty());
-    EXPECT_EQ(last, to_hex(retire().panKey.value()));
 }
 
 }  // namespace

@@ -102,7 +102,7 @@ TEST_F(Example, LogFramesTellsOfEachFrame) {
 // A PIN pad that refuses the command for good, as it does on a line with noise: the same session goes on when CAN is
 // confirmed, and a new one when it is not.
 TEST(Steady, GoesOnWithOrWithoutOpeningTheLinkAnew) {
-    const std::string show = "DSP032" + field("HI", 32);
+    const std::string show = "DSP032" + padded("HI", 32);
     for (const bool confirmed : {true, false}) {
         support::Peer peer;
         const auto open = [&] { peer.accept_can().request("OPN").response("OPN000"); };

@@ -111,7 +111,7 @@ TEST(FaceProgram, LetsAPersonPlayTheCardholderAndLeavesTheTerminalAsItWas) {
         EXPECT_TRUE(program.await(ready.substr(6)));
         EXPECT_FALSE(program.is_as_before());
         Host host(ready.substr(6));
-        host.send(frame("DSP032" + field("APROXIME", 32)));
+        host.send(frame("DSP032" + padded("APROXIME", 32)));
         EXPECT_TRUE(program.await("APROXIME")) << program.seen();
         EXPECT_EQ(host.receive(11), kAck + frame("DSP000"));
         host.send(frame("GKY"));

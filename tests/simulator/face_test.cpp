@@ -141,14 +141,14 @@ protected:
 
 TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
     Face face(*pinPad_, cards_, feed_);
-    const auto expect_remark = [&](Move move, const std::string& due) {
+    const auto expectRemark = [&](Move move, const std::string& due) {
         face.perform(move);
         EXPECT_EQ(face.view(9).remark, due);
     };
-    expect_remark(Move::kInsertOrTakeOut, "a-stripe has no chip");
+    expectRemark(Move::kInsertOrTakeOut, "a-stripe has no chip");
     exchange(frame("CKE0040020"), kAck);
     face.perform(Move::kPreviousCard);
-    expect_remark(Move::kSwipe, "b-chip has no stripe");
+    expectRemark(Move::kSwipe, "b-chip has no stripe");
     // The feed tells of every change, so none is missed.
     pollfd changes{feed_.wake_up().get(), POLLIN, 0};
     while (face.view(1).waiting.empty() && poll(&changes, 1, 20000) == 1) { feed_.wake_up().clear(); }
@@ -162,10 +162,11 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
     expect(frame("CKE00000220"));
     EXPECT_EQ(face.view(9).inserted, "");
     exchange(frame("CKE0040100"), kAck);
-    expect_remark(Move::kTap, "b-chip has no antenna");
+    expectRemark(Move::kTap, "b-chip has no antenna");
     face.perform(Move::kNextCard);
     face.perform(Move::kSwipe);
-    expect(frame("CKE000225100" + field("", 76) + "21" + field("4012888888881881=3012", 37) + "000" + field("", 104)));
+    expect(
+        frame("CKE000225100" + padded("", 76) + "21" + padded("4012888888881881=3012", 37) + "000" + padded("", 104)));
 }
 
 TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {

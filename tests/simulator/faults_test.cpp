@@ -13,9 +13,6 @@ using namespace quorvel::sim;
 
 namespace {
 
-const std::string kOpn = "\x16OPN\x17\xA8\xA9";
-const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
-
 class FaultsTest : public PinPadTest {
 protected:
     // What comes after the command in place of what is due, which the line has nothing of before or behind it.
@@ -120,7 +117,7 @@ TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     EXPECT_EQ(host_->receive(2), kAck + "\x16");
     host_->send(kCan);
     size_t more = 0;
-    for (std::string byte = host_->receive(1); byte != kEot && byte != ""; byte = host_->receive(1)) { ++more; }
+    for (std::string byte = host_->receive(1); byte != kEot && !byte.empty(); byte = host_->receive(1)) { ++more; }
     EXPECT_LT(more, 80U);
     exchange(kNak + kCan, kEot);
     expect_findings({{Kind::kSequence, "NAK without a response before it"}});

@@ -21,6 +21,7 @@ namespace quorvel::sim {
 using namespace std::string_literals;
 using namespace support::literals;
 using support::frame;
+using support::padded;
 
 inline void PrintTo(const Finding& finding, std::ostream* out) {
     *out << kind_name(finding.kind) << ": " << finding.text;
@@ -30,6 +31,8 @@ inline const std::string kAck = "\x06";
 inline const std::string kNak = "\x15";
 inline const std::string kCan = "\x18";
 inline const std::string kEot = "\x04";
+inline const std::string kOpn = "\x16OPN\x17\xA8\xA9";
+inline const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
 
 // Whoever has no use for the session key needs no key pair.
 inline const std::string kOpenSession = "OPN5230256" + std::string(512, 'F') + "3010001";
@@ -45,12 +48,6 @@ std::string thrown(const auto& call) {
         call();
     } catch (const Error& error) { return error.what(); }
     return "";
-}
-
-// A text at the start of its field.
-inline std::string field(std::string text, size_t width) {
-    text.resize(width, ' ');
-    return text;
 }
 
 // A virtual PIN pad and the bare end of its line.

@@ -69,17 +69,17 @@ TEST_F(GenTest, PowersChipsAndExchangesApdus) {
 
 TEST_F(GenTest, ShowsThePinToTheChipOnly) {
     const auto typed = [&](const Gestures& gestures, const std::string& answer) {
-        call_while(gestures, "GEN053040480300020008020412" + field("ENTER PIN", 32), answer);
+        call_while(gestures, "GEN053040480300020008020412" + padded("ENTER PIN", 32), answer);
     };
     typed(Gestures().type("1234"), "GEN00000800510000");
     call("GEN009040040110", "GEN000079076" + kAtr);
     typed(Gestures().press(digit('9')).press(Key::kClear).type("1234"), "GEN00000800509000");
     typed(Gestures().press(digit('1')).press(Key::kCancel), "GEN013");
     typed(Gestures().remove().type("1234"), "GEN043");
-    call("GEN053040480300020008029999" + field("", 32), "GEN043");
+    call("GEN053040480300020008029999" + padded("", 32), "GEN043");
     refuse("011", Kind::kLayout,
-           {{"GEN0530404803000200080G0412" + field("", 32), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
-            {"GEN053040480300020008020504" + field("", 32), "GEN: GEN0403_PINMAX: 4 is not from 5 to 99"}});
+           {{"GEN0530404803000200080G0412" + padded("", 32), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
+            {"GEN053040480300020008020504" + padded("", 32), "GEN: GEN0403_PINMAX: 4 is not from 5 to 99"}});
     for (const Traffic& traffic : pinPad_->traffic()) { EXPECT_EQ(traffic.words.find("1234"), std::string::npos); }
 }
 

@@ -25,17 +25,13 @@ std::string HostKey::modulus() const {
     return modulus;
 }
 
-std::string HostKey::open_raw(std::string_view cryptogram) const { return open(cryptogram, RSA_NO_PADDING); }
-
-std::string HostKey::open_padded(std::string_view cryptogram) const { return open(cryptogram, RSA_PKCS1_PADDING); }
-
-std::string HostKey::open(std::string_view cryptogram, int padding) const {
+std::string HostKey::open_padded(std::string_view cryptogram) const {
     const std::unique_ptr<EVP_PKEY_CTX, decltype(&EVP_PKEY_CTX_free)> context(EVP_PKEY_CTX_new(key_.get(), nullptr),
                                                                               EVP_PKEY_CTX_free);
     std::string clear(cryptogram.size(), '\0');
     size_t length = clear.size();
     const bool opened =
-        EVP_PKEY_decrypt_init(context.get()) == 1 && EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) == 1
+        EVP_PKEY_decrypt_init(context.get()) == 1 && EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) == 1
         && EVP_PKEY_decrypt(context.get(), bytes(clear), &length, bytes(cryptogram), cryptogram.size()) == 1;
     clear.resize(opened ? length : 0);
     return clear;

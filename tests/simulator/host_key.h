@@ -17,13 +17,10 @@ public:
 
     [[nodiscard]] std::string modulus() const;
 
-    // What the PIN pad enciphered; empty when it cannot be read so.
-    [[nodiscard]] std::string open_raw(std::string_view cryptogram) const;
+    // What the PIN pad enciphered; empty when it cannot be read.
     [[nodiscard]] std::string open_padded(std::string_view cryptogram) const;
 
 private:
-    [[nodiscard]] std::string open(std::string_view cryptogram, int padding) const;
-
     std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key_;
 };
 

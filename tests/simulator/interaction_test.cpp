@@ -16,22 +16,23 @@ using InteractionTest = PinPadTest;
 
 TEST_F(InteractionTest, ShowsMessages) {
     play();
-    call("DEX163160" + field("A\r\xC9", 160), "DEX000");
+    call("DEX163160" + padded("A\r\xC9", 160), "DEX000");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "A\r\xC9"}));
     call("DEX003000", "DEX000");
     EXPECT_EQ(pinPad_->screen(), Screen::Content{});
     refuse("011", Kind::kLayout,
-           {{"DSP032\r" + field("", 31), "DSP: DSP_MSG: 0x0D is not allowed"},
-            {"DEX164161" + field("", 161), "DEX: DEX_MSGLEN: 161 is not from 0 to 160"},
+           {{"DSP032\r" + padded("", 31), "DSP: DSP_MSG: 0x0D is not allowed"},
+            {"DEX164161" + padded("", 161), "DEX: DEX_MSGLEN: 161 is not from 0 to 160"},
             {"DEX006002ABC", "DEX: 1 bytes too many"}});
 }
 
 TEST_F(InteractionTest, OffersAMenu) {
-    const std::string tea = "0020 0018"_hex + field("TEA", 24);
-    const std::string mnu = "MNU221" + "000C 0001 3C 001B 0080"_hex + field("CHOOSE\rONE", 128) + tea + "0020 0018"_hex
-                            + field("COFFEE", 24) + "0020 0018"_hex + field("WATER", 24);
+    const std::string tea = "0020 0018"_hex + padded("TEA", 24);
+    const std::string mnu = "MNU221" + "000C 0001 3C 001B 0080"_hex + padded("CHOOSE\rONE", 128) + tea + "0020 0018"_hex
+                            + padded("COFFEE", 24) + "0020 0018"_hex + padded("WATER", 24);
     const auto chosen = [](const std::string& option) { return "MNU000006" + "804D 0002"_hex + option; };
     play();
+    call("DSP032" + padded("IDLE", 32), "DSP000");
     call_while(Gestures().choose(9), mnu, chosen("03"));
     call_while(Gestures().press(Key::kDown).press(Key::kUp).press(Key::kUp).press(Key::kEnter), mnu, chosen("01"));
     call_while(Gestures().press(digit('0')).press(digit('4')).press(digit('3')), mnu, chosen("03"));
@@ -40,7 +41,7 @@ TEST_F(InteractionTest, OffersAMenu) {
     EXPECT_EQ(pinPad_->screen(),
               (Screen::Content{.text = "CHOOSE\rONE", .menu = {"TEA", "COFFEE", "WATER"}, .selected = 2}));
     exchange(kCan, kEot);
-    EXPECT_EQ(pinPad_->screen(), Screen::Content{});
+    EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "IDLE"})) << "what was shown before";
     std::string tooMany = "MNU588";
     for (int i = 0; i < 21; ++i) { tooMany += tea; }
     refuse("011", Kind::kLayout,
@@ -119,7 +120,7 @@ TEST_F(InteractionTest, TellsCkeWhatHappened) {
 std::string gpn(const std::string& head, const std::string& key, const std::string& pan,
                 const std::vector<std::string>& prompts) {
     std::string body = head + key + pan + std::to_string(prompts.size());
-    for (const std::string& prompt : prompts) { body += field(prompt, 36); }
+    for (const std::string& prompt : prompts) { body += padded(prompt, 36); }
     return fmt::format("GPN{:03}{}", body.size(), body);
 }
 
@@ -134,7 +135,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
     call_while(Gestures().type("1234"), gpn("399", blank, pan, {"0412PIN"}), "GPN042");
     call(gpn("300", blank, pan, {"0412PIN", "1399AGAIN"}), "GPN011");
     begin(Gestures().type("12345").press(digit('1')).notify("TYPED"),
-          gpn("300", blank, "00" + field("", 19), {"0412PIN", "0412AGAIN"}), "NTM000005TYPED");
+          gpn("300", blank, "00" + padded("", 19), {"0412PIN", "0412AGAIN"}), "NTM000005TYPED");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "AGAIN", .typed = "*"}));
     exchange(kCan, kEot);
     for (const Traffic& traffic : pinPad_->traffic()) { EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos); }
@@ -144,8 +145,8 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
             {gpn("000", "B4CC3FD9D8D95214B4CC3FD9D8D95214", pan, {"0412PIN"}),
              "GPN: GPN_WKENC: longer than method 0 has it"},
             {gpn("300", blank, "14" + pan.substr(2), {"0412PIN"}), "GPN: GPN_PANLEN: 14 for 13 characters"},
-            {gpn("300", blank, "01" + field("4", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
-            {gpn("300", blank, "02" + field("4A", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
+            {gpn("300", blank, "01" + padded("4", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
+            {gpn("300", blank, "02" + padded("4A", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
             {gpn("300", blank, pan, {}), "GPN: GPN_ENTRIES: 0 is not from 1 to 9"},
             {gpn("300", blank, pan, {"0312PIN"}), "GPN: GPN_MIN: 3 is not from 4 to 99"},
             {gpn("300", blank, pan, {"0807PIN"}), "GPN: GPN_MAX: 7 is not from 8 to 99"}});
@@ -153,7 +154,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
 
 TEST_F(InteractionTest, LastsUntilThePersonActs) {
     play();
-    call("RMC032" + field("TAKE YOUR CARD", 32), "RMC000");
+    call("RMC032" + padded("TAKE YOUR CARD", 32), "RMC000");
     for (const Key key : {Key::kF1, Key::kCancel}) {
         exchange(frame("GKY"), kAck);
         pinPad_->swipe({.pan = "4111111111111111"});

@@ -10,7 +10,6 @@ namespace {
 
 const std::string kNameHead = "001E 0008"_hex;
 const std::string kInfoHead = "001F 000A"_hex;
-const std::string kListHead = "805E 0008"_hex;
 
 // Both of MLI's parameters.
 std::string mli(const std::string& name, const std::string& info) {
@@ -67,22 +66,6 @@ TEST_F(MediaTest, RefusesWhatIsOutOfPlaceOrShape) {
     call(mli(logo, one), "MLI000");
     refuse("102", Kind::kLayout, {{"MLE", "MLE: 0 bytes of LOGO, which has 1"}});
     EXPECT_EQ(retire().media.files(), device.media.files());
-}
-
-// A block holds 83 names of twelve bytes.
-TEST_F(MediaTest, ListsAsManyFilesAsTwoBlocksHold) {
-    for (const int count : {83, 84, 166, 167}) {
-        Device device;
-        std::string answer = "LMF000996";
-        for (int i = 0; i < count; ++i) {
-            const std::string name = fmt::format("FILE{:04}", i);
-            device.media.store(name, {});
-            if (i == 83) { answer += count == 84 ? "012" : "996"; }
-            answer += kListHead + name;
-        }
-        play(device);
-        call("LMF", count > 166 ? "LMF045" : answer);
-    }
 }
 
 }  // namespace

@@ -6,9 +6,6 @@ using namespace quorvel::sim;
 
 namespace {
 
-const std::string kOpn = "\x16OPN\x17\xA8\xA9";
-const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
-
 TEST_F(PinPadTest, RefusesADamagedFrameAndTakesItsRepetition) {
     play();
     exchange("\x16OPN\x17\xA8\xA8", kNak);

@@ -139,7 +139,7 @@ TEST(Judge, TellsWhatCameInstead) {
         {want("'GIN'\nwithout = 'GIN_ACQIDX=\"00\"'"), {{"GIN00200", 0}}, ":2: GIN came with GIN_ACQIDX=\"00\""},
         {want("'GCX'\nwith = 'SPE_AMOUNT=\"10000\"'"),
          {{kAmount + "20000", 0}},
-         ":2: GCX came without SPE_AMOUNT=\"10000\", but with SPE_AMOUNT=\"20000\""},
+         R"(:2: GCX came without SPE_AMOUNT="10000", but with SPE_AMOUNT="20000")"},
         {want("'DSP'\nanywhere = true\nstatus = 'OK'"),
          {{"DSP", 11}, {"GIN", 0}},
          ":2: expected at least once: DSP, answered with 000 OK; it came never; the last DSP was answered with "
@@ -161,7 +161,7 @@ TEST(Judge, ComparesValues) {
     const std::string dsp = "DSP032PAY 10,00, SPE_AMOUNT=\"1\"" + std::string(7, ' ');
     const std::string request = "GCX028" + "000C 0001 3C 0004 0003 9F025A 0013 000C"_hex + "000000001000";
     for (const auto& [command, sent, expected, met] : {
-             std::tuple("DSP", dsp, "DSP_MSG=\"PAY 10,00, SPE_AMOUNT=\"1\"\"", true),
+             std::tuple("DSP", dsp, R"(DSP_MSG="PAY 10,00, SPE_AMOUNT="1"")", true),
              {"DSP", dsp, "DSP_MSG=\"PAY 10,00\"", false},
              {"DSP", dsp, "DSP_MSG~\"10,00, \"", true},
              {"DSP", dsp, "DSP_MSG~\"10.00\"", false},
@@ -190,7 +190,7 @@ protected:
         exchange(kCan, kEot);
         pinPad_->stop();
         host_.reset();
-        const Complaints complaints = performance_->complaints(pinPad_->findings());
+        Complaints complaints = performance_->complaints(pinPad_->findings());
         pinPad_.reset();
         return complaints;
     }
@@ -207,7 +207,7 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
     call("GKY", "NTM000004SOON");
     expect(frame("GKY040"));
     call("GKY", "GKY005");
-    const std::string option = "0020 0018"_hex + field("TEA", 24);
+    const std::string option = "0020 0018"_hex + padded("TEA", 24);
     call("MNU056" + option + option, "MNU000006" + "804D 0002"_hex + "01");
     call("RMC032" + std::string(32, 'X'), "RMC000");
     call("GTS00203", "GTS0000100123456789");

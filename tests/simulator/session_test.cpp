@@ -12,7 +12,7 @@ using namespace quorvel::sim;
 
 namespace {
 
-const std::string modulus(512, 'F');
+const std::string kModulus(512, 'F');
 
 std::string wire(std::string_view hex) {
     const Bytes bytes = from_hex(hex);
@@ -124,14 +124,14 @@ TEST_F(SessionTest, EndsWithACloseThatIsAnsweredPlainly) {
 TEST_F(SessionTest, IsRefusedForAPublicKeyOutOfShape) {
     play();
     refuse("011", Kind::kLayout,
-           {{"OPN5231256" + modulus + "3010001", "OPN: OPN_OPMODE: 1 instead of 0"},
-            {"OPN5230255" + modulus + "3010001", "OPN: OPN_MODLEN: 255 instead of 256"},
-            {"OPN5230256" + modulus + "1303003", "OPN: OPN_EXPLEN: 1 instead of 3"},
-            {"OPN5230256" + modulus + "3010000", "OPN: an even number in the public key"},
-            {"OPN5230256" + modulus.substr(1) + "23010001", "OPN: an even number in the public key"},
-            {"OPN52302567" + modulus.substr(1) + "3010001", "OPN: OPN_MOD: less than 2048 bits"},
-            {"OPN5230256d" + modulus.substr(1) + "3010001", "OPN: OPN_MOD: 0x64 is no hexadecimal digit"},
-            {"OPN5240256" + modulus + "30100010", "OPN: 1 bytes too many"}});
+           {{"OPN5231256" + kModulus + "3010001", "OPN: OPN_OPMODE: 1 instead of 0"},
+            {"OPN5230255" + kModulus + "3010001", "OPN: OPN_MODLEN: 255 instead of 256"},
+            {"OPN5230256" + kModulus + "1303003", "OPN: OPN_EXPLEN: 1 instead of 3"},
+            {"OPN5230256" + kModulus + "3010000", "OPN: an even number in the public key"},
+            {"OPN5230256" + kModulus.substr(1) + "23010001", "OPN: an even number in the public key"},
+            {"OPN52302567" + kModulus.substr(1) + "3010001", "OPN: OPN_MOD: less than 2048 bits"},
+            {"OPN5230256d" + kModulus.substr(1) + "3010001", "OPN: OPN_MOD: 0x64 is no hexadecimal digit"},
+            {"OPN5240256" + kModulus + "30100010", "OPN: 1 bytes too many"}});
     expect_error(gin_, "ERR003", noSession_);
 }
 

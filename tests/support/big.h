@@ -29,11 +29,6 @@ public:
         BN_hex2bn(&number, hexadecimal.c_str());
         return out;
     }
-    static Big random_prime(int bits) {
-        Big out;
-        BN_generate_prime_ex(out.get(), bits, 0, nullptr, nullptr, nullptr);
-        return out;
-    }
 
     [[nodiscard]] BIGNUM* get() const { return number_.get(); }
     [[nodiscard]] int bits() const { return BN_num_bits(get()); }
@@ -53,8 +48,6 @@ public:
         BN_mod_exp(out.get(), get(), exponent.get(), modulus.get(), context());
         return out;
     }
-    // The greatest number that divides both.
-    [[nodiscard]] Big common(const Big& other) const { return with_context(BN_gcd, *this, other); }
     [[nodiscard]] Big inverse(const Big& modulus) const {
         Big out;
         BN_mod_inverse(out.get(), get(), modulus.get(), context());
@@ -64,11 +57,6 @@ public:
     friend Big operator+(const Big& a, const Big& b) { return of(BN_add, a, b); }
     friend Big operator-(const Big& a, const Big& b) { return of(BN_sub, a, b); }
     friend Big operator*(const Big& a, const Big& b) { return with_context(BN_mul, a, b); }
-    friend Big operator/(const Big& a, const Big& b) {
-        Big out;
-        BN_div(out.get(), nullptr, a.get(), b.get(), context());
-        return out;
-    }
     friend Big operator%(const Big& a, const Big& b) { return with_context(BN_nnmod, a, b); }
     friend bool operator==(const Big& a, const Big& b) { return BN_cmp(a.get(), b.get()) == 0; }
     friend bool operator<(const Big& a, const Big& b) { return BN_cmp(a.get(), b.get()) < 0; }

@@ -14,6 +14,7 @@ namespace support {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> all;
+    all.reserve(texts.size() + 1);
     for (std::string& text : texts) { all.push_back(text.data()); }
     all.push_back(nullptr);
     return all;
@@ -31,9 +32,8 @@ Child::Child(std::vector<std::string> command, std::optional<std::vector<std::st
         ends[i] = pipe[1];
         posix_spawn_file_actions_adddup2(&actions, ends[i], i == 0 ? STDOUT_FILENO : STDERR_FILENO);
     }
-    std::vector<std::string> own = environment.value_or(std::vector<std::string>());
     EXPECT_EQ(posix_spawn(&process_, command.front().c_str(), &actions, nullptr, pointers(command).data(),
-                          environment ? pointers(own).data() : environ),
+                          environment ? pointers(*environment).data() : environ),
               0)
         << command.front();
     posix_spawn_file_actions_destroy(&actions);
@@ -47,7 +47,7 @@ Child::~Child() {
 std::string Child::line() {
     size_t end = said_[0].find('\n');
     while (end == std::string::npos && hear()) { end = said_[0].find('\n'); }
-    const std::string line = said_[0].substr(0, end);
+    std::string line = said_[0].substr(0, end);
     said_[0].erase(0, end == std::string::npos ? end : end + 1);
     return line;
 }

@@ -72,6 +72,11 @@ std::string to_hex(std::string_view bytes) {
     return out;
 }
 
+std::string padded(std::string text, size_t width) {
+    text.resize(width, ' ');
+    return text;
+}
+
 std::string frame(std::string_view payload, std::optional<uint16_t> crc) {
     return framed("\x16", payload, crc.value_or(crc_of(std::string(payload) + '\x17')));
 }

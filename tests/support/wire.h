@@ -23,6 +23,9 @@ std::string operator""_hex(const char* digits, size_t length);
 // "16 4F 50"
 std::string to_hex(std::string_view bytes);
 
+// A field of text, filled up with blanks.
+std::string padded(std::string text, size_t width);
+
 // SYN, the payload with its escapes, ETB and the CRC: the given one, or the right one, calculated bit by bit in here.
 // Tests of the framing itself spell the CRC.
 std::string frame(std::string_view payload, std::optional<uint16_t> crc = {});

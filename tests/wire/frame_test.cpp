@@ -78,15 +78,6 @@ TEST(Frame, ThatAnotherOneCutsOffDoesNotSpoilIt) {
     }
 }
 
-TEST(Frame, LeavesBytesOutsideItAlone) {
-    const auto receptions = decode("\x18\x15\x16OPN000\x17\x77\x5E\x17");
-    ASSERT_EQ(receptions.size(), 4U);
-    EXPECT_EQ(receptions[0].byte, 0x18);
-    EXPECT_EQ(receptions[1].byte, 0x15);
-    EXPECT_EQ(receptions[2].kind, Kind::kFrame);
-    EXPECT_EQ(receptions[3].byte, 0x17);
-}
-
 }  // namespace
 
 }  // namespace quorvel::wire

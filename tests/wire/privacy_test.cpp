@@ -28,7 +28,7 @@ TEST(Privacy, IsKeptFieldByField) {
     } cases[]{
         {Sender::kHost, "GIN00200", "GIN device information: GIN_ACQIDX=\"00\""},
         {Sender::kHost, "GCX028" + "0013 000C"_hex + "000000001000" + "0022 0003"_hex + "986" + "000C 0001 3C"_hex,
-         "GCX read a card: SPE_AMOUNT=\"000000001000\", SPE_TRNCURR=\"986\", SPE_TIMEOUT=60"},
+         R"(GCX read a card: SPE_AMOUNT="000000001000", SPE_TRNCURR="986", SPE_TIMEOUT=60)"},
         {Sender::kPinPad,
          "GCX000043" + "804F 0002"_hex + "03" + "8052 0010"_hex + kPan + "8055 0003"_hex + "A/B" + "805D 0006"_hex
              + "301231",

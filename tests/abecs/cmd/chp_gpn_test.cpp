@@ -25,17 +25,17 @@ AbecsCmdChpParam param(int32_t slot, int32_t oper, const std::string& command, i
 }
 
 TEST(Chp, SendsWhatTheOperationTakes) {
-    const auto sends_param = [](const AbecsCmdChpParam& sent, const Text& request) {
+    const auto sendsParam = [](const AbecsCmdChpParam& sent, const Text& request) {
         sends(request, abecs_cmd_chp, &sent);
     };
-    sends_param(param(0, 0, "odd", 3, "\r"), "CHP|005|00|000"_wire);
-    sends_param(param(9, 1, "zz", 3, "\r"), "CHP|005|91|000"_wire);
-    sends_param(param(1, 2, "", 3, "\r"), "CHP|005|12|000"_wire);
-    sends_param(param(1, 2, "00a404000e", 3, "\r"), "CHP|015|12|005|00A404000E"_wire);
-    sends_param(param(1, 2, std::string(521, 'a'), 3, "\r"), "CHP|525|12|260"_wire + std::string(520, 'A'));
-    sends_param(param(2, 3, "00200080", 9, "PIN?"), "CHP|046|23|004|00200080|9"_wire + padded("PIN?", 32));
-    sends_param(param(2, 3, "00200080", 0, std::string(33, '\xE9')),
-                "CHP|046|23|004|00200080|0"_wire + std::string(32, '\xE9'));
+    sendsParam(param(0, 0, "odd", 3, "\r"), "CHP|005|00|000"_wire);
+    sendsParam(param(9, 1, "zz", 3, "\r"), "CHP|005|91|000"_wire);
+    sendsParam(param(1, 2, "", 3, "\r"), "CHP|005|12|000"_wire);
+    sendsParam(param(1, 2, "00a404000e", 3, "\r"), "CHP|015|12|005|00A404000E"_wire);
+    sendsParam(param(1, 2, std::string(521, 'a'), 3, "\r"), "CHP|525|12|260"_wire + std::string(520, 'A'));
+    sendsParam(param(2, 3, "00200080", 9, "PIN?"), "CHP|046|23|004|00200080|9"_wire + padded("PIN?", 32));
+    sendsParam(param(2, 3, "00200080", 0, std::string(33, '\xE9')),
+               "CHP|046|23|004|00200080|0"_wire + std::string(32, '\xE9'));
 }
 
 TEST(Chp, ChecksItsArgumentsInTheirOrder) {

@@ -8,14 +8,14 @@ using namespace support;
 
 // The lengths count bytes, although digits travel.
 TEST(Cng, SendsEveryDigit) {
-    const auto sends_all = [](const std::string& data, const Text& request) {
+    const auto sendsAll = [](const std::string& data, const Text& request) {
         exchanges(request, "CNG021999", ABECS_RSP_STAT_ST_TABERR, abecs_cmd_cng, data.c_str());
     };
-    sends_all("9f0206aB", "CNG|006|04|9F0206AB"_wire);
-    sends_all("30", "CNG|003|01|30"_wire);
-    sends_all("f", "CNG|002|00|F"_wire);
-    sends_all(std::string(197, 'c'), "CNG|100|98"_wire + std::string(197, 'C'));
-    sends_all(std::string(198, '9'), "CNG|101|99"_wire + std::string(198, '9'));
+    sendsAll("9f0206aB", "CNG|006|04|9F0206AB"_wire);
+    sendsAll("30", "CNG|003|01|30"_wire);
+    sendsAll("f", "CNG|002|00|F"_wire);
+    sendsAll(std::string(197, 'c'), "CNG|100|98"_wire + std::string(197, 'C'));
+    sendsAll(std::string(198, '9'), "CNG|101|99"_wire + std::string(198, '9'));
     refuses("'emvDat' is NULL", abecs_cmd_cng, nullptr);
     refuses("'emvDat' length is greater than 198 characters", abecs_cmd_cng, std::string(199, '9').c_str());
     refuses("Invalid hex byte at index 2", abecs_cmd_cng, "9F0G");

@@ -44,12 +44,6 @@ inline std::string repeated(std::string_view text, int count) {
     return all;
 }
 
-// A field of text.
-inline std::string padded(std::string text, size_t width) {
-    text.resize(width, ' ');
-    return text;
-}
-
 // A status, and codes, as tables write them.
 constexpr int32_t kOk = ABECS_RSP_STAT_ST_OK;
 constexpr int16_t kIndex = KOR_RESULT_INDEX_OUT_OF_BOUNDS;
@@ -58,7 +52,7 @@ constexpr int16_t kRuntime = KOR_RESULT_RUNTIME_ERROR;
 // A field of a row, and the line where the row stands.
 struct Text {
     template <std::convertible_to<std::string> Given>
-    Text(const Given& given, Peer::Where at = {}) : text(given), where(at) {}
+    Text(Given given, Peer::Where at = {}) : text(std::move(given)), where(at) {}
 
     std::string text;
     Peer::Where where;

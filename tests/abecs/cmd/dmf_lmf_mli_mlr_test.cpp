@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include "tests/abecs/cmd/commands.h"
+#include "tests/core/temp_dir.h"
 
 namespace {
 
@@ -45,13 +46,7 @@ protected:
         for (const std::string& name : all) { kor_string_list_append(list_, name.c_str()); }
     }
 
-    void expect_names(const Names& expected) {
-        Names all;
-        for (auto* node = kor_string_list_first(list_); node != nullptr; node = kor_string_list_next(node)) {
-            all.emplace_back(kor_string_list_item(node));
-        }
-        EXPECT_EQ(all, expected);
-    }
+    void expect_names(const Names& expected) { EXPECT_EQ(texts_of(list_), expected); }
 
     KorList* list_ = kor_string_list_new();
 };

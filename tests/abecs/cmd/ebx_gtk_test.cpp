@@ -277,21 +277,6 @@ TEST_F(Gtk, ChecksEveryArgumentInOrder) {
     refuses("'out' is NULL", abecs_cmd_gtk, builder_, nullptr);
 }
 
-TEST_F(Gtk, TakesEachParameterOnce) {
-    set(abecs_cmd_gtk_builder_tracks, "0289");
-    set(abecs_cmd_gtk_builder_opn_dig, 0);
-    set(abecs_cmd_gtk_builder_mthd_dat, ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC);
-    set(abecs_cmd_gtk_builder_key_idx, 0);
-    refused(error(kState, "SPE_TRACKS already set"), abecs_cmd_gtk_builder_tracks, "1110");
-    refused(error(kState, "SPE_OPNDIG already set"), abecs_cmd_gtk_builder_opn_dig, 4);
-    refused(error(kState, "SPE_MTHDDAT already set"), abecs_cmd_gtk_builder_mthd_dat, method_of(91));
-    refused(error(kState, "SPE_KEYIDX already set"), abecs_cmd_gtk_builder_key_idx, 6);
-    expect_sent("GTK025" + "0007 0004"_hex + "0289" + "0008 0001"_hex + "0" + "0003 0002"_hex + "51" + "0009 0002"_hex
-                + "00");
-    set(abecs_cmd_gtk_builder_reset);
-    refused(error(kState, "SPE_MTHDDAT not set yet"), abecs_cmd_gtk_builder_key_idx, 5);
-}
-
 template <typename Out>
 void expect_reads(uint16_t id, uint32_t capacity, const std::string& name,
                   Out* (*read)(const AbecsRspParamMap*, Out*)) {

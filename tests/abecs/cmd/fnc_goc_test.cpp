@@ -7,16 +7,16 @@ namespace {
 using namespace support;
 
 TEST(Fnc, SendsTheAnswerOfTheAcquirer) {
-    const auto sends_answer = [](const AbecsCmdFncData& data, const Text& request) {
+    const auto sendsAnswer = [](const AbecsCmdFncData& data, const Text& request) {
         AbecsCmdFncResponse out{77, 0, "", 0, "", 0};
         exchanges(request, "FNC021", ABECS_RSP_STAT_ST_TABERR, abecs_cmd_fnc, &data, &out);
         EXPECT_EQ(out.decision, 77U);
     };
-    sends_answer({0, "00", 0, "", 0, ""}, "FNC|010|00|00|000|000|003|000"_wire);
-    sends_answer({1, "Z", 4, "9108aabb", 2, "9F26"}, "FNC|018|10|Z |004|9108AABB|000|007|002|9F26"_wire);
-    sends_answer({9, "51", 2, "72", 0, ""}, "FNC|014|90|51|002|3072|000|003|000"_wire);
-    sends_answer({0, "", 494, "", 498, "82"},
-                 "FNC|998|00|  |494"_wire + repeated("30", 494) + "000|999|498"_wire + repeated("30", 497) + "82");
+    sendsAnswer({0, "00", 0, "", 0, ""}, "FNC|010|00|00|000|000|003|000"_wire);
+    sendsAnswer({1, "Z", 4, "9108aabb", 2, "9F26"}, "FNC|018|10|Z |004|9108AABB|000|007|002|9F26"_wire);
+    sendsAnswer({9, "51", 2, "72", 0, ""}, "FNC|014|90|51|002|3072|000|003|000"_wire);
+    sendsAnswer({0, "", 494, "", 498, "82"},
+                "FNC|998|00|  |494"_wire + repeated("30", 494) + "000|999|498"_wire + repeated("30", 497) + "82");
 }
 
 TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
@@ -60,7 +60,7 @@ TEST(Fnc, ReadsTheLastDecision) {
         EXPECT_EQ(out.emvData, emvData);
         EXPECT_EQ(out.isResults, isResults);
     };
-    const auto no_room = [](int size, int length) {
+    const auto noRoom = [](int size, int length) {
         return error(kArgument, "sizeTo (" + std::to_string(size)
                                     + ") is not enough to store field (length: " + std::to_string(length) + ")");
     };
@@ -70,8 +70,8 @@ TEST(Fnc, ReadsTheLastDecision) {
     reads("999|0|256"_wire + repeated("A", 512) + "50" + repeated("C", 100) + "009", "0 256 50 9", repeated("A", 512),
           repeated("C", 100));
     reads("999|x"_wire, "77 78 79 80", "old", "old", error(kIo, "Invalid char (0x78) at index 0"));
-    reads("999|5|257"_wire + repeated("AB", 257) + "00|000"_wire, "5 78 79 80", "", "old", no_room(513, 514));
-    reads("999|6|001AB|51"_wire + repeated("CD", 51) + "000", "6 1 79 80", "AB", "", no_room(101, 102));
+    reads("999|5|257"_wire + repeated("AB", 257) + "00|000"_wire, "5 78 79 80", "", "old", noRoom(513, 514));
+    reads("999|6|001AB|51"_wire + repeated("CD", 51) + "000", "6 1 79 80", "AB", "", noRoom(101, 102));
     reads("999|7|002|ABx0"_wire, "7 78 79 80", "", "old", error(kIo, "Invalid data: x0"));
     reads("999|0|257|AB"_wire, "0 78 79 80", "", "old", too_few(514, 2));
     reads("999|0|000|00"_wire, "0 0 0 80", "", "", too_few(3, 0));

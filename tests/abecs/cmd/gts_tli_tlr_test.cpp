@@ -19,7 +19,6 @@ TEST(Gts, ReadsTheVersion) {
     reads(9, "GTS000010 V1       ", kOk, " V1");
     reads(99, "GTS000010          ", kOk, "");
     reads(1, "GTS0110100123456789", ABECS_RSP_STAT_ST_INVPARM, "");
-    reads(1, "ERR010", ABECS_RSP_STAT_ST_INVCALL, "");
     reads(1, "GTS000", too_few(3, 0), "stale text");
     reads(1, "GTS0000090123456789", error(kProtocol, "Invalid RSP_LEN1 (expected: 10, read: 9)"), "stale text");
     reads(1, "GTS00001101234567890", error(kProtocol, "Invalid RSP_LEN1 (expected: 10, read: 11)"), "stale text");
@@ -47,15 +46,15 @@ std::string records(int count) {
 }
 
 TEST(Tlr, SendsTheBatchAsItStands) {
-    const auto sends_batch = [](const std::string& head, const std::string& batch) {
+    const auto sendsBatch = [](const std::string& head, const std::string& batch) {
         exchanges(head + batch, "TLR000", kOk, abecs_cmd_tlr, batch.c_str());
     };
-    sends_batch("TLR00200", "");
-    sends_batch("TLR01501", "01310199AB\r\x13\x16");
-    sends_batch("TLR02903", "01110101\x17\xFF 0081010200820101");
-    sends_batch("TLR05006", "008101A 008101 A008101  0081011A008111A 008201A ");
-    sends_batch("TLR79499", records(99));
-    sends_batch("TLR99901", "9971010101" + std::string(987, 'x'));
+    sendsBatch("TLR00200", "");
+    sendsBatch("TLR01501", "01310199AB\r\x13\x16");
+    sendsBatch("TLR02903", "01110101\x17\xFF 0081010200820101");
+    sendsBatch("TLR05006", "008101A 008101 A008101  0081011A008111A 008201A ");
+    sendsBatch("TLR79499", records(99));
+    sendsBatch("TLR99901", "9971010101" + std::string(987, 'x'));
 }
 
 TEST(Tlr, RefusesBadBatches) {

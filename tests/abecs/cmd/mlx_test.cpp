@@ -62,15 +62,6 @@ class Mlx : public testing::Test {
 protected:
     void write(const std::string& bytes) { directory_.file("file", bytes); }
 
-    // The descriptor under which this program has the file open, or -1.
-    [[nodiscard]] int descriptor() const {
-        for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
-            std::error_code gone;
-            if (fs::read_symlink(entry, gone) == path_) { return std::stoi(entry.path().filename()); }
-        }
-        return -1;
-    }
-
     void expect_blocks(const std::string& bytes) {
         for (size_t at = 0; at < bytes.size(); at += 995) {
             const std::string block = bytes.substr(at, 995);
@@ -92,7 +83,7 @@ protected:
     // No descriptor is left open.
     void upload(const Raised& expected = {}) {
         EXPECT_EQ(raised_by([this] { abecs_cmd_mlx(link_.comm, path_.c_str(), "logo", 1); }), expected);
-        EXPECT_EQ(descriptor(), -1);
+        EXPECT_EQ(descriptor_of(path_), -1);
     }
 
     TempDir directory_;
@@ -124,19 +115,6 @@ TEST_F(Mlx, SendsFilesInBlocksOf995) {
     reads.clear();
     sends(2500, "000009C4 3B8F"_hex);
     EXPECT_EQ(reads, (std::vector<size_t>{512, 512, 512, 512, 452, 995, 995, 510})) << "for the CRC, for the blocks";
-}
-
-TEST_F(Mlx, CrcOfAFile) {
-    const auto crcs = [&](const std::string& bytes, uint16_t expected) {
-        write(bytes);
-        EXPECT_EQ(crc_of(path_), expected) << bytes.size();
-        EXPECT_EQ(descriptor(), -1);
-    };
-    crcs("", 0);
-    crcs("123456789", 0x31C3);
-    crcs(content(512), 0xD22E);
-    crcs(content(1024), 0x9404);
-    crcs("\xFF", 0x1EF0);
 }
 
 TEST_F(Mlx, AStatusOtherThanZeroEndsTheLoad) {
@@ -171,7 +149,8 @@ TEST_F(Mlx, OfAFileThatChangesWhatWasAnnouncedIsSent) {
 TEST_F(Mlx, AFailingCloseDoesNotHideTheErrorBeforeIt) {
     const auto fails = [&](const std::string& response, const Raised& expected) {
         write(content(5000));
-        answer_after(announcement("00001388 5780"_hex), response, [this] { EXPECT_EQ(close(descriptor()), 0); });
+        answer_after(announcement("00001388 5780"_hex), response,
+                     [this] { EXPECT_EQ(close(descriptor_of(path_)), 0); });
         upload(expected);
     };
     fails("MLI011", error(kIo, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
@@ -179,7 +158,7 @@ TEST_F(Mlx, AFailingCloseDoesNotHideTheErrorBeforeIt) {
     fails("MLI000", error(kIo, "fread() error: 9"));
     write("");
     link_.peer.request(announcement("00000000 0000"_hex)).response("MLI000");
-    answer_after("MLE", "MLE000", [this] { EXPECT_EQ(close(descriptor()), 0); });
+    answer_after("MLE", "MLE000", [this] { EXPECT_EQ(close(descriptor_of(path_)), 0); });
     upload(error(kIo, "fclose() error: 9"));
     EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
 }
@@ -209,7 +188,7 @@ TEST_F(Mlx, RefusesWhatCannotBeSent) {
     refuses("'filename' is NULL", abecs_cmd_mlx, path, nullptr, 1);
     refuses("'filename' is empty", abecs_cmd_mlx, path, "", 1);
     refuses("'filename' is too long (max: 8, requested: 9)", abecs_cmd_mlx, path, "NINECHARS", 1);
-    EXPECT_EQ(descriptor(), -1);
+    EXPECT_EQ(descriptor_of(path_), -1);
     write("");
     for (const auto& [size, shown] : {std::pair{uintmax_t{1} << 32, "4294967296"}, {0x1400000001, "85899345921"}}) {
         fs::resize_file(path_, size);
@@ -239,7 +218,7 @@ TEST_F(Mlx, RaisesOnceWhenTheRaiseReturns) {
     EXPECT_EQ(abecs_cmd_mlx_crc16((path_ + "/inside").c_str()), 0);
     ASSERT_EQ(handler.all().size(), 3U);
     EXPECT_EQ(handler.all()[0], error(kIo, "MLI returned ABECS_RSP_STAT_ST_INVPARM"));
-    EXPECT_EQ(descriptor(), -1);
+    EXPECT_EQ(descriptor_of(path_), -1);
 }
 
 }  // namespace

@@ -36,19 +36,19 @@ TEST(CharacterClasses, AreThoseOfAsciiAndReportTheFirstOther) {
     }
     // The index stays as it was when there is no other character.
     constexpr size_t kNone = 77;
-    const auto finds = [](auto is_field, const char* text, size_t count, size_t expected) {
+    const auto finds = [](auto isField, const char* text, size_t count, size_t expected) {
         size_t index = kNone;
-        EXPECT_EQ(is_field(text, count, &index), expected == kNone) << index;
+        EXPECT_EQ(isField(text, count, &index), expected == kNone) << index;
         EXPECT_EQ(index, expected);
-        EXPECT_EQ(is_field(text, count, nullptr), expected == kNone) << index;
+        EXPECT_EQ(isField(text, count, nullptr), expected == kNone) << index;
     };
     finds(abecs_data_is_numeric_field, "019x", 3, kNone);
     finds(abecs_data_is_numeric_field, "01a", 3, 2);
     finds(abecs_data_is_alphanumeric_field, "aZ9-", 3, kNone);
     finds(abecs_data_is_alphanumeric_field, "a b-", 4, 1);
-    for (const auto is_field : {abecs_data_is_numeric_field, abecs_data_is_alphanumeric_field}) {
-        finds(is_field, nullptr, 0, kNone);
-        finds(is_field, nullptr, 3, 0);
+    for (const auto isField : {abecs_data_is_numeric_field, abecs_data_is_alphanumeric_field}) {
+        finds(isField, nullptr, 0, kNone);
+        finds(isField, nullptr, 3, 0);
     }
 }
 
@@ -68,19 +68,19 @@ TEST(Dates, EveryMonthEndsWhereItShould) {
 }
 
 TEST(DatesAndTimes, FaultsComeInOrder) {
-    const auto bad_date = [](const char* detail, const AbecsDate& date) {
+    const auto badDate = [](const char* detail, const AbecsDate& date) {
         EXPECT_RAISES(kArgument, detail, abecs_data_validate_date(&date));
     };
-    const auto bad_time = [](const char* detail, const AbecsTime& time) {
+    const auto badTime = [](const char* detail, const AbecsTime& time) {
         EXPECT_RAISES(kArgument, detail, abecs_data_validate_time(&time));
     };
-    bad_date("Invalid year: 100", {100, 0, 0});
-    bad_date("Invalid month: 0", {99, 0, 0});
-    bad_date("Invalid month: 13", {99, 13, 0});
-    bad_date("Invalid date (YY-MM-DD): 05-06-00", {5, 6, 0});
-    bad_time("Invalid hours: 24", {24, 60, 60});
-    bad_time("Invalid minutes: 60", {23, 60, 60});
-    bad_time("Invalid seconds: 60", {0, 59, 60});
+    badDate("Invalid year: 100", {100, 0, 0});
+    badDate("Invalid month: 0", {99, 0, 0});
+    badDate("Invalid month: 13", {99, 13, 0});
+    badDate("Invalid date (YY-MM-DD): 05-06-00", {5, 6, 0});
+    badTime("Invalid hours: 24", {24, 60, 60});
+    badTime("Invalid minutes: 60", {23, 60, 60});
+    badTime("Invalid seconds: 60", {0, 59, 60});
     const AbecsTime last{23, 59, 59};
     EXPECT_NO_RAISE(abecs_data_validate_time(&last));
 }

@@ -62,19 +62,19 @@ Names parse(const char* values, const std::string& prefix) {
 
 // Every number from `from` to `to`, and the ends of what a caller in C can pass.
 template <typename Enum>
-void sweep(const Names& names, int32_t from, int32_t to, const char* (*to_string)(Enum), const std::string& unhandled) {
+void sweep(const Names& names, int32_t from, int32_t to, const char* (*toString)(Enum), const std::string& unhandled) {
     const auto probe = [&](int32_t value) {
         const auto known = names.find(value);
         if (known != names.end()) {
-            EXPECT_EQ(to_string(Enum{value}), known->second);
+            EXPECT_EQ(toString(Enum{value}), known->second);
         } else {
-            EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, unhandled + std::to_string(value) + "\n", to_string(Enum{value}));
+            EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, unhandled + std::to_string(value) + "\n", toString(Enum{value}));
         }
     };
     for (int32_t value = from; value <= to; ++value) { probe(value); }
     for (const int32_t value : {INT_MIN, -1, 0, 0x18001, INT_MAX}) { probe(value); }
     const support::ReturningRaises raises;
-    EXPECT_STREQ(to_string(Enum{INT_MAX}), "");
+    EXPECT_STREQ(toString(Enum{INT_MAX}), "");
     EXPECT_EQ(raises.all().size(), 1U);
 }
 

@@ -187,7 +187,7 @@ uint8_t raw[4];
 struct Content {
     Content(const std::string& all) : bytes(all), left(all) {}
     Content(const char* all) : bytes(all), left(all) {}
-    Content(const std::string& all, const char* rest) : bytes(all), left(rest) {}
+    Content(std::string all, const char* rest) : bytes(std::move(all)), left(rest) {}
     std::string bytes, left;
 };
 
@@ -215,13 +215,13 @@ void refused(const Content& content, const Fault& fault, Result (*function)(KorB
 }
 
 TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
-    const auto write_n = abecs_data_write_field_n;
-    const auto read_n = abecs_data_read_field_n;
-    refused("", "'i' (10000000000000) is too long (maximum: 9999999999999", write_n, 10000000000000, 13);
-    refused("", "Number length (4) is greater than field length (3)", write_n, 1000, 3);
-    refused("12", too_few(14, 2), read_n, 14);
-    refused("12345678901234", "field length (14) is too big (maximum: 13)", read_n, 14);
-    refused({"1\xE9rest", "est"}, error(kIo, "Invalid char (0xE9) at index 1"), read_n, 3);
+    const auto writeN = abecs_data_write_field_n;
+    const auto readN = abecs_data_read_field_n;
+    refused("", "'i' (10000000000000) is too long (maximum: 9999999999999", writeN, 10000000000000, 13);
+    refused("", "Number length (4) is greater than field length (3)", writeN, 1000, 3);
+    refused("12", too_few(14, 2), readN, 14);
+    refused("12345678901234", "field length (14) is too big (maximum: 13)", readN, 14);
+    refused({"1\xE9rest", "est"}, error(kIo, "Invalid char (0xE9) at index 1"), readN, 3);
     for (const TextType& type : kTextTypes) {
         refused({"", "ABCDE"}, "Field does not have enough room for data", type.write, "ABCDE\x01", 5, false);
         refused("", "'data' is NULL", type.write, nullptr, 5, false);
@@ -232,33 +232,33 @@ TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
         EXPECT_EQ(type.read(skipped, nullptr, 0, 2, false), nullptr) << "which is not checked";
         EXPECT_EQ(skipped.take(), "");
     }
-    const auto write_h = abecs_data_write_field_h;
-    const auto write_raw = abecs_data_write_field_h_raw;
-    const auto read_h = abecs_data_read_field_h;
-    const auto read_raw = abecs_data_read_field_h_raw;
-    size_t (*const read_bytes)(KorBuffer*, uint8_t*, size_t, size_t) = abecs::read_field_h_bytes;
-    refused("", "fieldLen (5) is not even", write_h, "x", 5);
-    refused("", "Field does not have enough room for data", write_h, "0102xx", 4);
-    refused("", "Invalid hex byte at index 2", write_h, "012", 4);
+    const auto writeH = abecs_data_write_field_h;
+    const auto writeRaw = abecs_data_write_field_h_raw;
+    const auto readH = abecs_data_read_field_h;
+    const auto readRaw = abecs_data_read_field_h_raw;
+    size_t (*const readBytes)(KorBuffer*, uint8_t*, size_t, size_t) = abecs::read_field_h_bytes;
+    refused("", "fieldLen (5) is not even", writeH, "x", 5);
+    refused("", "Field does not have enough room for data", writeH, "0102xx", 4);
+    refused("", "Invalid hex byte at index 2", writeH, "012", 4);
     refused("", "Invalid hex byte at index 2", abecs_data_write_field_h_cdata, "0123", 3, 4);
-    refused("", "'data' is NULL", write_h, nullptr, 4);
-    refused("", "'data' is NULL", write_raw, nullptr, 1, 2);
-    refused("", "fieldLen (7) must be even", write_raw, raw, 4, 7);
-    refused("", "fieldLen < (dataLen * 2) ==> (4 < (3 * 2))", write_raw, raw, 3, 4);
-    refused("30ABC", too_few(7, 5), read_h, text, 4, 7);
-    refused("30ABC", "fieldLen (5) is not an even number", read_h, text, 4, 5);
-    refused("30ABC", "sizeTo (4) is not enough to store field (length: 4)", read_h, text, 4, 4);
-    refused("30ABC", too_few(7, 5), read_raw, raw, 1, 7);
-    refused("30ABC", "fieldLen (5) must be even", read_raw, raw, 1, 5);
-    refused("30ABC", "sizeTo (1) < (fieldLen / 2) (2)", read_raw, raw, 1, 4);
-    refused({"30G0", ""}, error(kIo, "Invalid data: G0"), read_bytes, raw, 2, 4);
-    refused("3031", "sizeTo (1) < (fieldLen / 2) (2)", read_bytes, raw, 1, 4);
+    refused("", "'data' is NULL", writeH, nullptr, 4);
+    refused("", "'data' is NULL", writeRaw, nullptr, 1, 2);
+    refused("", "fieldLen (7) must be even", writeRaw, raw, 4, 7);
+    refused("", "fieldLen < (dataLen * 2) ==> (4 < (3 * 2))", writeRaw, raw, 3, 4);
+    refused("30ABC", too_few(7, 5), readH, text, 4, 7);
+    refused("30ABC", "fieldLen (5) is not an even number", readH, text, 4, 5);
+    refused("30ABC", "sizeTo (4) is not enough to store field (length: 4)", readH, text, 4, 4);
+    refused("30ABC", too_few(7, 5), readRaw, raw, 1, 7);
+    refused("30ABC", "fieldLen (5) must be even", readRaw, raw, 1, 5);
+    refused("30ABC", "sizeTo (1) < (fieldLen / 2) (2)", readRaw, raw, 1, 4);
+    refused({"30G0", ""}, error(kIo, "Invalid data: G0"), readBytes, raw, 2, 4);
+    refused("3031", "sizeTo (1) < (fieldLen / 2) (2)", readBytes, raw, 1, 4);
 
-    const auto write_x = abecs_data_write_field_x;
+    const auto writeX = abecs_data_write_field_x;
     const char* const three = "Unsupported fieldLen: 3 (accepted values are 1, 2, or 4)";
-    refused("", "fieldLen (1) is not enough for data (256)", write_x, 256, 1);
-    refused("", "fieldLen (2) is not enough for data (65536)", write_x, 65536, 2);
-    refused("", three, write_x, 1, 3);
+    refused("", "fieldLen (1) is not enough for data (256)", writeX, 256, 1);
+    refused("", "fieldLen (2) is not enough for data (65536)", writeX, 65536, 2);
+    refused("", three, writeX, 1, 3);
     refused("abc", three, abecs_data_read_field_x, 3);
     refused("abc", too_few(4, 3), abecs_data_read_field_x, 4);
     refused("", "'data' is NULL", abecs_data_write_field_b, nullptr, 1);

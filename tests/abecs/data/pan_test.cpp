@@ -167,17 +167,4 @@ TEST(Pan, ResultsAreStaticAndCanBeFedBack) {
     EXPECT_STREQ(pan, "BEC8C7B720B1ED83");
 }
 
-TEST(Pan, AShorterResultLeavesNothingOfTheLongerOneBehindIt) {
-    const AbecsWkPan key = working_key(0);
-    const auto rest_is_zero = [](const char* result, size_t size) {
-        return std::all_of(result + std::strlen(result), result + size, [](char c) { return c == '\0'; });
-    };
-    abecs_pan_encrypt("0004111111111111111", &key);
-    EXPECT_TRUE(rest_is_zero(abecs_pan_encrypt("1", &key), 65));
-    abecs_pan_decrypt_track("F0157C5DA1787BED=2512", &key);
-    EXPECT_TRUE(rest_is_zero(abecs_pan_decrypt_track("1", &key), 129));
-    abecs_pan_identify("4111111111111111");
-    EXPECT_TRUE(rest_is_zero(abecs_pan_identify("1"), 256));
-}
-
 }  // namespace

@@ -124,11 +124,6 @@ TEST_F(RspParser, ReadsANotificationsText) {
     EXPECT_EQ(abecs_rsp_parser_get_stat(parser_), ABECS_RSP_STAT_ST_NOTIFICATION);
     EXPECT_STREQ(abecs_rsp_parser_read_notification(parser_, text), "TIRE\xC9 CARTAO");
     EXPECT_EQ(read_all(), Read{}) << "the text is consumed";
-    set("NTM000");
-    EXPECT_STREQ(abecs_rsp_parser_read_notification(parser_, text), "");
-    set("NTM000005SALDO");
-    EXPECT_EQ(abecs_rsp_parser_read_notification(parser_, nullptr), nullptr);
-    EXPECT_EQ(packet_.take(), "");
     set("NTM000002A\r");
     EXPECT_RAISES(kIo, "Invalid character (0x0D) at position 1", abecs_rsp_parser_read_notification(parser_, text));
     set("GKY000");

@@ -19,7 +19,7 @@ namespace {
 // In static storage, because noting a block must not allocate one.
 std::array<void*, 64> blocks{};
 bool armed = false;
-bool has_failed = false;
+bool hasFailed = false;
 size_t countdown = 0;
 size_t all = 0;
 
@@ -44,7 +44,7 @@ void make_frame_nodes(int depth) {
 void* __wrap_malloc(size_t size) {
     if (!armed) { return __real_malloc(size); }
     if (countdown != 0 && --countdown == 0) {
-        has_failed = true;
+        hasFailed = true;
         return nullptr;
     }
     void* block = __real_malloc(size);
@@ -63,7 +63,7 @@ namespace support {
 FailingMalloc::FailingMalloc(size_t n) {
     make_frame_nodes(16);
     blocks.fill(nullptr);
-    has_failed = false;
+    hasFailed = false;
     countdown = n;
     all = 0;
     armed = true;
@@ -71,7 +71,7 @@ FailingMalloc::FailingMalloc(size_t n) {
 
 FailingMalloc::~FailingMalloc() { armed = false; }
 
-bool FailingMalloc::failed() const { return has_failed; }
+bool FailingMalloc::failed() const { return hasFailed; }
 
 size_t FailingMalloc::given() const { return all; }
 
