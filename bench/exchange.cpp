@@ -46,7 +46,7 @@ Traffic traffic(const std::string& request, const std::string& answer, bool encr
 Exchange gix(uint8_t params, size_t size) {
     std::string data;
     for (uint8_t i = 0; i < params; ++i) {
-        data += std::string{'\x93', static_cast<char>(i)} + big_endian(size) + std::string(size, '5');
+        data += std::string{'\x80', static_cast<char>(i)} + big_endian(size) + std::string(size, '5');
     }
     const std::string length = std::to_string(data.size());
     return {.name = "GIX",

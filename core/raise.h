@@ -13,7 +13,9 @@ namespace kor {
 // A raise can return: with no try block open and an uncaught handler that returns, control comes back here. So leave
 // at once with a harmless value and never touch what was complained about:
 //
-//     if (out == nullptr) { return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL"), nullptr; }
+//     if (length > kMax) { return raise(KOR_RESULT_IO_ERROR, "Too long: %zu", length), nullptr; }
+//
+// core/check.h has the checks of arguments.
 [[gnu::format(printf, 2, 3)]] void raise(KorResult_E code, const char* detail, ...);
 
 }  // namespace kor

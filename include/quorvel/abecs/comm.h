@@ -31,7 +31,8 @@ KOR_BEGIN_DECLS
  *
  * 4. All that send, receive or purge raise IO_ERROR when the line fails: "read() error: %d", "write() error: %d",
  *    "tcdrain() error: %d" or "tcflush() error: %d", with 5 for a line that hung up (quorvel/kor/serial.h). Where an
- *    answer is waited for, TIMEOUT_ERROR "Timeout waiting for data" means that no byte of it came in time.
+ *    answer is waited for, TIMEOUT_ERROR "Timeout waiting for data" means that no byte of it came in time. With a limit
+ *    (abecs_comm_set_limit) all of them raise TIMEOUT_ERROR "The limit of %d ms has passed", too.
  *
  * 5. All of these can stand in a clean-up branch, to cancel or to close, for instance: what succeeds leaves the pending
  *    error as it is. What is raised takes its place, but for abecs_comm_close.
