@@ -143,7 +143,7 @@ size_t kor::read_arrived(const KorSerial* handle, Deadline deadline, std::span<u
     return static_cast<size_t>(count);
 }
 
-bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t> bytes, Deadline deadline) {
+bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t>& bytes, Deadline deadline) {
     while (!bytes.empty()) {
         const size_t written = write_some(handle, bytes, deadline);
         if (written == 0) { return false; }

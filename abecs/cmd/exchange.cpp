@@ -173,8 +173,9 @@ int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Respo
     Temporaries own;
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
-    const bool outermost = begin_call(pinpad);
+    bool outermost = false;
     attempt([&] {
+        outermost = begin_call(pinpad);
         send_request(pinpad, command, request, false);
         stat = read_answer(pinpad, own, command, response, false, nullptr);
     })

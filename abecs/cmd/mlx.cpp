@@ -101,18 +101,19 @@ void send_blocks(AbecsComm* pinpad, KorFile* file, uint32_t left) {
 
 void abecs_cmd_mlx(AbecsComm* pinpad, const char* path, const char* filename, uint8_t type) {
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
-    const bool outermost = begin_call(pinpad);
-    attempt([&] {
-        with_file(path, [&](KorFile* file) {
-            const uint32_t size = size_of(path);
-            const uint16_t crc = crc_of(file);
+    with_file(path, [&](KorFile* file) {
+        const uint32_t size = size_of(path);
+        const uint16_t crc = crc_of(file);
+        bool outermost = false;
+        attempt([&] {
+            outermost = begin_call(pinpad);
             require_ok(abecs_cmd_mli(pinpad, filename, size, crc, type), "MLI");
             send_blocks(pinpad, file, size);
             require_ok(abecs_cmd_mle(pinpad), "MLE");
-        });
-    }).cleanup([&] {
-          end_call(pinpad, outermost);
-      }).run();
+        }).cleanup([&] {
+              end_call(pinpad, outermost);
+          }).run();
+    });
 }
 
 uint16_t abecs_cmd_mlx_crc16(const char* path) {

@@ -105,15 +105,21 @@ void abecs_comm_close(AbecsComm** pinpad) {
 
 void abecs_comm_send_can(AbecsComm* pinpad) {
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return; }
-    const bool outermost = begin_call(pinpad);
-    attempt([&] { cancel(pinpad); }).cleanup([&] { end_call(pinpad, outermost); }).run();
+    bool outermost = false;
+    attempt([&] {
+        outermost = begin_call(pinpad);
+        cancel(pinpad);
+    }).cleanup([&] {
+          end_call(pinpad, outermost);
+      }).run();
 }
 
 void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(packet, "'packet' is NULL")) { return; }
     AbecsPacket* encrypted = nullptr;
-    const bool outermost = begin_call(pinpad);
+    bool outermost = false;
     attempt([&] {
+        outermost = begin_call(pinpad);
         char id[kIdWidth + 1] = "";
         abecs_comm_get_cmd_id(packet, id, sizeof id);
         if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) { encrypted = secure_encrypt(pinpad, packet); }
@@ -129,11 +135,13 @@ void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
 AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out) {
     if (refuse_null(pinpad, "'pinpad' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
     AbecsPacket* response = nullptr;
-    const bool outermost = begin_call(pinpad);
+    bool outermost = false;
     attempt([&] {
+        outermost = begin_call(pinpad);
         const Frame frame = receive(pinpad, out);
         if (frame.encrypted) { secure_decrypt(pinpad, out); }
-        tell_packet(pinpad->observer, ABECS_LINK_EVENT_RECEIVED, frame, unread_of(out));
+        const bool clear = !frame.encrypted || pinpad->keySet;
+        tell_packet(pinpad->observer, ABECS_LINK_EVENT_RECEIVED, frame, clear ? unread_of(out) : Unread{});
         response = out;
     }).cleanup([&] {
           end_call(pinpad, outermost);
@@ -253,7 +261,7 @@ int abecs_comm_get_fd(const AbecsComm* pinpad) {
 }
 
 bool abecs_comm_has_input(const AbecsComm* pinpad) {
-    return !refuse_null(pinpad, "'pinpad' is NULL") && has_ahead(pinpad->line);
+    return !refuse_null(pinpad, "'pinpad' is NULL") && (has_ahead(pinpad->line) || is_cut(pinpad));
 }
 
 void abecs_comm_set_key(AbecsComm* pinpad, const uint8_t* key) {

@@ -7,9 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "abecs/comm/frame.h"
 #include "abecs/comm/line.h"
 #include "abecs/comm/observer.h"
 #include "abecs/comm/wire.h"
+#include "abecs/data/packet.h"
 #include "quorvel/abecs/comm.h"
 #include "quorvel/abecs/wk_pan.h"
 
@@ -17,6 +19,34 @@ namespace abecs {
 
 inline constexpr size_t kSessionKeySize = 16;  // AES-128
 inline constexpr size_t kMaxBlkWaitId = 12;
+
+// How far the answer that is being read has come.
+enum class Stage : uint8_t {
+    kFirst,   // its first byte is waited for
+    kRest,    // the bytes after SYN
+    kRepeat,  // it came damaged, and is to be asked for again
+    kGiveUp,  // it did each time
+};
+
+// The reading of an answer, which goes on in the next call where the limit has ended one.
+struct Reception {
+    bool cut = false;
+    Stage stage = Stage::kFirst;
+    int failures = 0;
+    FrameDecoder decoder;
+    size_t frameSize = 0;
+    kor::Deadline byteEnd = kor::Deadline::never();
+    kor::Deadline frameEnd = kor::Deadline::never();
+    size_t length = 0;  // of the data so far
+    std::array<uint8_t, kPacketCapacity> data{};
+};
+
+// The same of a purge.
+struct Purge {
+    bool cut = false;
+    kor::Deadline silence = kor::Deadline::never();
+    kor::Deadline end = kor::Deadline::never();
+};
 
 }  // namespace abecs
 
@@ -38,7 +68,9 @@ struct AbecsComm {
     bool lowLatency;  // the driver was told, and is to be told otherwise
     int32_t limit;    // of a call, in milliseconds, or 0
     bool inCall;
-    bool owesNak;  // an answer was cut short by the limit and has to be asked for again
+    bool owesEot;  // the limit has ended a CAN, which may still be confirmed
+    abecs::Reception reception;
+    abecs::Purge purge;
     abecs::Observer observer;
     std::chrono::milliseconds pollTime{abecs::kPollTime};
 };
@@ -49,6 +81,11 @@ namespace abecs {
 // returned goes to `end_call`. A null link is ignored.
 [[nodiscard]] bool begin_call(AbecsComm* link);
 void end_call(AbecsComm* link, bool outermost);
+
+// Whether the reading of an answer was ended in its middle.
+[[nodiscard]] inline bool is_cut(const AbecsComm* link) {
+    return link->reception.cut && link->reception.stage != Stage::kFirst;
+}
 
 [[nodiscard]] inline bool is_blocked(const AbecsComm* link) { return link->blkWaitId[0] != '\0'; }
 

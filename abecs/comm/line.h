@@ -48,8 +48,12 @@ inline bool take_byte(Line& line, uint8_t* byte) {
 
 // The same with a waker, for the first byte of an answer that a person may keep waiting.
 [[nodiscard]] inline bool await_byte(Line& line, std::chrono::milliseconds wait, kor::Waker& waker, uint8_t* byte) {
-    if (!has_ahead(line) && !refill(line, kor::Deadline(wait), &waker)) { return false; }
-    return take_byte(line, byte);
+    if (has_ahead(line)) {
+        waker.woke = false;
+        kor::clear_wakes(waker);
+        return take_byte(line, byte);
+    }
+    return refill(line, kor::Deadline(wait), &waker) && take_byte(line, byte);
 }
 
 // Forgets, and wipes, what was read ahead.

@@ -34,8 +34,12 @@ int32_t status_of(Unread packet) {
     return status;
 }
 
+// A PIN pad may send anything for an id, and a log is no place for it.
 void copy_id(Unread packet, char* id) {
-    for (size_t i = 0; i < std::min(kIdWidth, size_of(packet)); ++i) { id[i] = byte_at(packet, i); }
+    for (size_t i = 0; i < std::min(kIdWidth, size_of(packet)); ++i) {
+        const char c = byte_at(packet, i);
+        id[i] = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ? c : '?';
+    }
 }
 
 // Fills in how long it took, and what comes next begins.
@@ -62,6 +66,11 @@ void begin(Observer& observer) {
     if (observer.tell != nullptr) { observer.begun = kor::monotonic_now(); }
 }
 
+void name_request(Observer& observer, Unread packet) {
+    std::memset(observer.lastId, 0, sizeof observer.lastId);
+    copy_id(packet, observer.lastId);
+}
+
 void tell_packet(Observer& observer, AbecsLinkEvent_E type, Frame frame, Unread packet) {
     if (observer.tell == nullptr) { return; }
     AbecsLinkEvent event{};
@@ -71,7 +80,6 @@ void tell_packet(Observer& observer, AbecsLinkEvent_E type, Frame frame, Unread 
     event.encrypted = frame.encrypted;
     event.packetSize = size_of(packet);
     event.frameSize = frame.size;
-    if (type == ABECS_LINK_EVENT_SENT) { std::memcpy(observer.lastId, event.cmdId, sizeof observer.lastId); }
     if (observer.showsPackets) { return hand_over_with(observer, event, packet); }
     hand_over(observer, event);
 }

@@ -28,6 +28,9 @@ struct Frame {
     size_t size = 0;  // on the line
 };
 
+// The request that is told of from now on.
+void name_request(Observer& observer, Unread packet);
+
 // A request that was accepted, or a response: the unread bytes of its packet in clear.
 void tell_packet(Observer& observer, AbecsLinkEvent_E type, Frame frame, Unread packet);
 

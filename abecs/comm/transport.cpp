@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstring>
 #include <span>
+#include <utility>
 
 #include "abecs/comm/comm.h"
 #include "abecs/comm/frame.h"
@@ -29,31 +30,15 @@ using Event = FrameDecoder::Event;
 // SYN, DC2, every byte of a packet escaped, ETB and the CRC.
 constexpr size_t kMaxFrame = 2 + 2 * kPacketCapacity + 3;
 
-// Raises once the call has taken as long as it may.
-void check_limit(AbecsComm* link) {
-    if (!link->line.limit.passed()) { return; }
+// Ends a call that has taken as long as it may.
+void raise_late(AbecsComm* link) {
     tell(link->observer, ABECS_LINK_EVENT_TIMEOUT);
     raise(KOR_RESULT_TIMEOUT_ERROR, "The limit of %d ms has passed", link->limit);
 }
 
-// Raises when nothing came in time.
-uint8_t read_answer(AbecsComm* link, std::chrono::milliseconds wait) {
-    uint8_t answer = 0;
-    if (read_byte(link->line, wait, nullptr, &answer)) { return answer; }
-    check_limit(link);
+void raise_silence(AbecsComm* link) {
     tell(link->observer, ABECS_LINK_EVENT_TIMEOUT);
     raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data");
-    return 0;
-}
-
-// The same while the link is blocked: as long as the caller says, and no longer than until somebody wakes the link.
-uint8_t await_response(AbecsComm* link) {
-    uint8_t first = 0;
-    if (await_byte(link->line, link->pollTime, link->waker, &first)) { return first; }
-    if (link->waker.woke) { raise(KOR_RESULT_TIMEOUT_ERROR, "The wait was ended"); }
-    check_limit(link);
-    raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data");
-    return 0;
 }
 
 // A clock that was set back must not make the wait longer than the interval.
@@ -62,20 +47,16 @@ void pace(AbecsComm* link) {
     if (elapsed >= link->sendInterval) { return; }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(link->line.limit.left());
     sleep_out(std::min(std::chrono::milliseconds(link->sendInterval - elapsed), left));
-    check_limit(link);
+    if (link->line.limit.passed()) { raise_late(link); }
 }
 
-void put(AbecsComm* link, std::span<const uint8_t> bytes) {
-    if (!enqueue(link->line.serial, bytes, link->line.limit)) { check_limit(link); }
+// What was written leaves the front of the bytes.
+void put(AbecsComm* link, std::span<const uint8_t>& bytes) {
+    if (!enqueue(link->line.serial, bytes, link->line.limit)) { raise_late(link); }
 }
 
 void put_out(AbecsComm* link) {
-    if (!drain(link->line.serial, link->line.limit)) { check_limit(link); }
-}
-
-void put_byte(AbecsComm* link, uint8_t byte) {
-    put(link, {&byte, 1});
-    put_out(link);
+    if (!drain(link->line.serial, link->line.limit)) { raise_late(link); }
 }
 
 // How a frame goes out.
@@ -105,12 +86,13 @@ size_t write_whole(AbecsComm* link, AbecsPacket* packet, bool encrypted) {
         std::memcpy(frame.data() + size, wire.data(), wire.size());
         size += wire.size();
     });
-    attempt([&] {
-        put(link, {frame.data(), size});
-        consume(packet);
-    }).cleanup([&] {
-          explicit_bzero(frame.data(), size);
-      }).run();
+    std::span<const uint8_t> left(frame.data(), size);
+    attempt([&] { put(link, left); })
+        .cleanup([&] {
+            if (left.size() < size) { consume(packet); }
+            explicit_bzero(frame.data(), size);
+        })
+        .run();
     return size;
 }
 
@@ -118,7 +100,8 @@ size_t write_bytes(AbecsComm* link, Pace pace, AbecsPacket* packet, bool encrypt
     size_t size = 0;
     encode(packet, encrypted, [&](FrameEncoder::Wire wire) {
         for (const uint8_t& byte : wire) {
-            put(link, {&byte, 1});
+            std::span<const uint8_t> left(&byte, 1);
+            put(link, left);
             consume(packet);
             if (pace == Pace::kStepped) { put_out(link); }
         }
@@ -144,7 +127,10 @@ Frame write_until_accepted(AbecsComm* link, AbecsPacket* packet, bool encrypted)
     abecs_packet_save_state(packet, &start);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         const Frame frame = write_frame(link, pace, packet, encrypted);
-        const uint8_t answer = read_answer(link, kByteWait);
+        uint8_t answer = 0;
+        if (!read_byte(link->line, kByteWait, nullptr, &answer)) {
+            link->line.limit.passed() ? raise_late(link) : raise_silence(link);
+        }
         if (answer == kAck) { return frame; }
         if (answer != kNak) {
             raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x%hhx)", answer);
@@ -170,53 +156,148 @@ void append(AbecsComm* link, AbecsPacket* out, uint8_t byte) {
     abecs_packet_write_byte(out, byte);
 }
 
-// Reads what follows SYN and counts it. False when the frame is damaged, stops arriving or does not come to its end.
-bool read_rest(AbecsComm* link, FrameDecoder& decoder, AbecsPacket* out, size_t& size) {
-    const Deadline end(kFrameLimit);
-    for (uint8_t byte = 0; read_byte(link->line, kByteWait, &end, &byte);) {
-        ++size;
-        const Event event = decoder.feed(byte);
-        if (event == Event::kData) { append(link, out, decoder.data()); }
+// Forgets what was read of an answer.
+void drop(Reception& reception) {
+    explicit_bzero(reception.data.data(), reception.length);
+    reception.length = 0;
+    reception.cut = false;
+    reception.stage = Stage::kFirst;
+    reception.failures = 0;
+}
+
+// What was read is put away for the next call, which begins by taking it up.
+void set_aside(AbecsComm* link, AbecsPacket* out) {
+    Reception& reception = link->reception;
+    reception.cut = reception.stage != Stage::kFirst || reception.failures != 0;
+    reception.length = kor_buffer_read(out->buffer, reception.data.data(), reception.data.size());
+}
+
+void take_up(AbecsComm* link, AbecsPacket* out) {
+    Reception& reception = link->reception;
+    abecs_packet_clear(out);
+    if (!reception.cut) { return drop(reception); }
+    kor_buffer_write(out->buffer, reception.data.data(), reception.length);
+    explicit_bzero(reception.data.data(), reception.length);
+    reception.length = 0;
+    reception.cut = false;
+}
+
+// A poll that has found nothing is nothing to be told of.
+bool has_found_nothing(const AbecsComm* link) {
+    return is_blocked(link) && link->reception.stage == Stage::kFirst && link->reception.failures == 0;
+}
+
+void raise_cut(AbecsComm* link, AbecsPacket* out) {
+    set_aside(link, out);
+    if (!has_found_nothing(link)) { raise_late(link); }
+    raise(KOR_RESULT_TIMEOUT_ERROR, "The limit of %d ms has passed", link->limit);
+}
+
+// A blocked link waits as long as the caller says, and no longer than until somebody wakes it.
+bool await_first(AbecsComm* link, uint8_t* first) {
+    if (!is_blocked(link)) { return read_byte(link->line, kResponseWait, nullptr, first); }
+    const std::chrono::milliseconds wait = link->reception.failures == 0 ? link->pollTime : kPollTime;
+    return await_byte(link->line, wait, link->waker, first);
+}
+
+void raise_nothing(AbecsComm* link, AbecsPacket* out) {
+    if (is_blocked(link) && link->waker.woke) {
+        set_aside(link, out);
+        raise(KOR_RESULT_TIMEOUT_ERROR, "The wait was ended");
+    }
+    if (link->line.limit.passed()) { raise_cut(link, out); }
+    if (!has_found_nothing(link)) { raise_silence(link); }
+    raise(KOR_RESULT_TIMEOUT_ERROR, "Timeout waiting for data");
+}
+
+void read_first(AbecsComm* link, AbecsPacket* out) {
+    Reception& reception = link->reception;
+    uint8_t first = 0;
+    if (!await_first(link, &first)) { raise_nothing(link, out); }
+    reception.decoder = {};
+    abecs_packet_clear(out);
+    if (reception.decoder.feed(first) == Event::kNotSyn) {
+        raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x%hhx)", first);
+    }
+    reception.stage = Stage::kRest;
+    reception.frameSize = sizeof first;
+    reception.byteEnd = Deadline(kByteWait);
+    reception.frameEnd = Deadline(kFrameLimit);
+}
+
+// False when the byte did not come in time.
+bool read_next(AbecsComm* link, AbecsPacket* out, uint8_t* byte) {
+    Reception& reception = link->reception;
+    if (!has_ahead(link->line)) {
+        if (!refill(link->line, std::min(reception.byteEnd, reception.frameEnd))) {
+            if (link->line.limit.passed()) { raise_cut(link, out); }
+            return false;
+        }
+        reception.byteEnd = Deadline(kByteWait);
+    }
+    return take_byte(link->line, byte);
+}
+
+// Reads what follows SYN. False when the frame is damaged, stops arriving or does not come to its end.
+bool read_rest(AbecsComm* link, AbecsPacket* out) {
+    Reception& reception = link->reception;
+    for (uint8_t byte = 0; read_next(link, out, &byte);) {
+        ++reception.frameSize;
+        const Event event = reception.decoder.feed(byte);
+        if (event == Event::kData) { append(link, out, reception.decoder.data()); }
         if (event == Event::kGood || event == Event::kBad) { return event == Event::kGood; }
     }
     return false;
 }
 
-// Where the limit ends it, the next call that reads does it first: the PIN pad has the answer and will not send it
-// unasked.
-void ask_again(AbecsComm* link) {
-    purge(link);
-    link->owesNak = link->line.limit.passed();
-    check_limit(link);
-    put_byte(link, kNak);
+Frame frame_of(const Reception& reception) {
+    return {.encrypted = reception.decoder.encrypted(), .size = reception.frameSize};
+}
+
+void ask_again(AbecsComm* link, AbecsPacket* out) {
+    Reception& reception = link->reception;
+    std::span<const uint8_t> nak(&kNak, 1);
+    if (!purge(link) || !enqueue(link->line.serial, nak, link->line.limit)) { raise_cut(link, out); }
+    reception.stage = reception.failures < kAttempts ? Stage::kFirst : Stage::kGiveUp;
+    if (!drain(link->line.serial, link->line.limit)) { raise_cut(link, out); }
 }
 
 }  // namespace
 
 // The pauses keep a line that is never silent from costing more than a few looks at it.
-void purge(AbecsComm* link) {
+bool purge(AbecsComm* link) {
+    Purge& state = link->purge;
     discard_ahead(link->line);
-    const Deadline limit = std::min(Deadline(kPurgeLimit), link->line.limit);
-    while (!limit.passed() && wait_for_input(link->line.serial, std::min(Deadline(kPurgeSilence), limit))) {
+    if (!std::exchange(state.cut, false)) { state = {false, Deadline(kPurgeSilence), Deadline(kPurgeLimit)}; }
+    const Deadline limit = std::min(state.end, link->line.limit);
+    while (!limit.passed() && wait_for_input(link->line.serial, std::min(state.silence, limit))) {
         sleep_out(kPurgePause);
         kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_INPUT);
+        state.silence = Deadline(kPurgeSilence);
     }
-    kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH);
+    state.cut = !state.silence.passed() && !state.end.passed();
+    if (!state.cut) { kor_serial_purge(link->line.serial, KOR_SERIAL_PURGE_BOTH); }
+    return !state.cut;
 }
 
 void cancel(AbecsComm* link) {
+    if ((is_cut(link) || link->owesEot) && !purge(link)) { raise_late(link); }
+    drop(link->reception);
+    link->owesEot = false;
     begin(link->observer);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        put_byte(link, kCan);
+        std::span<const uint8_t> can(&kCan, 1);
+        put(link, can);
+        put_out(link);
         uint8_t answer = 0;
         const bool answered = read_byte(link->line, kByteWait, nullptr, &answer);
         if (answered && answer == kEot) {
-            link->owesNak = false;
             tell(link->observer, ABECS_LINK_EVENT_CANCELLED);
             return abecs_comm_release(link);
         }
-        if (answered) { purge(link); }
-        check_limit(link);
+        link->owesEot = (answered && !purge(link)) || link->line.limit.passed();
+        if (link->owesEot) { raise_late(link); }
+        if (!answered) { tell(link->observer, ABECS_LINK_EVENT_TIMEOUT); }
     }
     raise(KOR_RESULT_IO_ERROR, "Communication error while sending CAN");
 }
@@ -226,7 +307,8 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
     abecs_comm_check_busy(link);
     const bool closing = closes_session(plain);  // told apart now: sending consumes the packet
     const Unread clear = unread_of(plain);
-    link->owesNak = false;
+    drop(link->reception);
+    name_request(link->observer, clear);
     begin(link->observer);
     const Frame frame = write_until_accepted(link, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
     tell_packet(link->observer, ABECS_LINK_EVENT_SENT, frame, clear);
@@ -237,26 +319,28 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
 }
 
 Frame receive(AbecsComm* link, AbecsPacket* out) {
-    const std::chrono::milliseconds firstWait = is_blocked(link) ? kPollTime : kResponseWait;
-    if (link->owesNak) { ask_again(link); }
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        FrameDecoder decoder;
-        abecs_packet_clear(out);
-        const uint8_t first = attempt == 0 && is_blocked(link) ? await_response(link) : read_answer(link, firstWait);
-        if (decoder.feed(first) == Event::kNotSyn) {
-            raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (expected SYN, read 0x%hhx)", first);
+    Reception& reception = link->reception;
+    take_up(link, out);
+    for (;;) {
+        switch (reception.stage) {
+            case Stage::kFirst:
+                read_first(link, out);
+                break;
+            case Stage::kRest:
+                if (read_rest(link, out)) { return frame_of(reception); }
+                tell(link->observer, ABECS_LINK_EVENT_DAMAGED, frame_of(reception));
+                ++reception.failures;
+                reception.stage = Stage::kRepeat;
+                break;
+            case Stage::kRepeat:
+                ask_again(link, out);
+                break;
+            case Stage::kGiveUp:
+                if (!purge(link)) { raise_cut(link, out); }
+                tell(link->observer, ABECS_LINK_EVENT_TIMEOUT);
+                raise(KOR_RESULT_TIMEOUT_ERROR, "No response in %d attempts", kAttempts);
         }
-        size_t size = sizeof first;
-        const bool good = read_rest(link, decoder, out, size);
-        const Frame frame{.encrypted = decoder.encrypted(), .size = size};
-        if (good) { return frame; }
-        tell(link->observer, ABECS_LINK_EVENT_DAMAGED, frame);
-        ask_again(link);
     }
-    purge(link);
-    tell(link->observer, ABECS_LINK_EVENT_TIMEOUT);
-    raise(KOR_RESULT_TIMEOUT_ERROR, "No response in %d attempts", kAttempts);
-    return {};
 }
 
 }  // namespace abecs

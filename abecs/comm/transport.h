@@ -11,8 +11,9 @@
 // with a line that has failed.
 namespace abecs {
 
-// Discards what arrives until the line is silent, and what is queued.
-void purge(AbecsComm* link);
+// Discards what arrives until the line is silent, and what is queued. False when the limit of the call came first: the
+// next purge goes on from there.
+bool purge(AbecsComm* link);
 
 // Aborts what the PIN pad is doing and frees the link.
 void cancel(AbecsComm* link);

@@ -24,7 +24,7 @@ KOR_BEGIN_DECLS
  *    while the link is blocked (abecs_comm_set_poll_time), then 2 s for each further byte and 30 s for all of them.
  *    Before a response is asked for again, or CAN is sent again because of a wrong answer, the line is purged: what
  *    arrives is discarded until nothing has come for half a second, or for 3 s if the line never falls silent. Signals
- *    shorten none of these times.
+ *    by themselves shorten none of these times.
  *
  * 3. A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL", before anything else, except where another text is
  *    given.
@@ -47,7 +47,7 @@ typedef struct AbecsComm AbecsComm;
  * which the PIN pad must answer. Returns the link, the caller's to abecs_comm_close: no session, no PAN working key,
  * not blocked, send interval 0. When it fails, the port is closed again and null is returned; that takes about 6.5 s
  * where nobody answers, and up to 14 s on a line that never falls silent. Errors: those of kor_serial_open,
- * kor_serial_config and abecs_comm_send_can; MALLOC_ERROR.
+ * kor_serial_config and abecs_comm_send_can; IO_ERROR "eventfd() error: %d"; MALLOC_ERROR.
  */
 KOR_API AbecsComm* abecs_comm_open(const char* portName);
 

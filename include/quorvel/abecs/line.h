@@ -12,8 +12,8 @@
 KOR_BEGIN_DECLS
 
 /*
- * How a link uses its line: who else may, the size of its writes, the time it may take, and what a program with an event
- * loop of its own needs. None of it is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
+ * How a link uses its line: who else may, the size of its writes, the time it may take, and what a program with an
+ * event loop of its own needs. None of it is needed to work with a PIN pad, and quorvel/quorvel.h does not include it.
  *
  * A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL".
  */
@@ -43,27 +43,29 @@ KOR_API void abecs_comm_set_poll_time(AbecsComm* pinpad, int32_t milliseconds);
 KOR_API int32_t abecs_comm_get_poll_time(const AbecsComm* pinpad);
 
 /*
- * The longest that a call of this link may take on the line, in milliseconds, from its first byte to its end; 0, as at
- * first, is no limit. When it has passed, whatever is in progress ends with TIMEOUT_ERROR "The limit of %d ms has
- * passed": waiting, sending, the pause of abecs_comm_set_send_interval, a frame that dribbles in, a line that is never
- * silent. Send CAN before the next command then, as after any error.
+ * The longest that a call of this link may use the line, in milliseconds; 0, as at first, is no limit. When it has
+ * passed, whatever is in progress ends with TIMEOUT_ERROR "The limit of %d ms has passed": waiting, sending, the pause
+ * of abecs_comm_set_send_interval, a frame that dribbles in, a line that is never silent. Send CAN before the next
+ * command then, as after any error. A CAN that was ended may still be confirmed: the next one waits until the line is
+ * silent.
  *
  * Of a _response function the end is -1, as when nothing has come, and the link stays blocked. Of an answer that was
- * cut short nothing is lost: the next _response has the PIN pad send it again.
+ * cut short nothing is lost: the next _response goes on where the last one has ended, however short the limit is.
  *
- * What is computed before a request is sent does not count, such as the key of a secure OPN; nor does closing.
- * ILLEGAL_ARGUMENT "Invalid limit: %d" when it is negative, IO_ERROR "fcntl(F_SETFL) error: %d" when the port cannot
- * be set.
+ * What is computed before the first request is sent does not count, such as the key of a secure OPN or the check of a
+ * file; nor does closing. ILLEGAL_ARGUMENT "Invalid limit: %d" when it is negative, IO_ERROR "fcntl(F_GETFL) error: %d"
+ * or "fcntl(F_SETFL) error: %d" when the port cannot be set.
  */
 KOR_API void abecs_comm_set_limit(AbecsComm* pinpad, int32_t milliseconds);
 KOR_API int32_t abecs_comm_get_limit(const AbecsComm* pinpad);
 
 /*
- * Ends the wait of a _response function at once, from a signal handler or from another thread; it is async-signal-safe.
- * That function returns -1, and the link stays blocked and usable: poll again, or cancel. An answer that is there at
- * the same moment goes first, and one that has begun is read to its end. A wake ends one wait: the one in progress or,
- * if there is none, the next; several before it count as one. Of abecs_comm_read_packet the wait ends in TIMEOUT_ERROR
- * "The wait was ended". Nothing else is ended: neither a one-call command nor the sending of a request.
+ * Ends the wait of a _response function for the first byte at once, from a signal handler or from another thread; it is
+ * async-signal-safe. That function returns -1, and the link stays blocked and usable: poll again, or cancel. An answer
+ * that is there at the same moment goes first and uses the wake up, and one that has begun is read to its end. A wake
+ * is for one wait: the one in progress or, if there is none, the next; several before it count as one. Of
+ * abecs_comm_read_packet the wait ends in TIMEOUT_ERROR "The wait was ended". Nothing else is ended: neither a one-call
+ * command nor the sending of a request, nor the silence before a damaged answer is asked for again.
  *
  * It is the only function that another thread may call while one uses the link, and not once abecs_comm_close has
  * begun. A null handle is ignored.
@@ -78,8 +80,8 @@ KOR_API void abecs_comm_wake(AbecsComm* pinpad);
 KOR_API int abecs_comm_get_fd(const AbecsComm* pinpad);
 
 /*
- * Whether bytes wait that the link has already read, for which the descriptor will never become readable: ask before
- * waiting at it, and call the _response function at once if so.
+ * Whether there is something for which the descriptor will never become readable: bytes that the link has already read,
+ * or an answer that the limit has cut short. Ask before waiting at it, and call the _response function at once if so.
  */
 KOR_API bool abecs_comm_has_input(const AbecsComm* pinpad);
 

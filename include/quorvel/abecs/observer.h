@@ -24,12 +24,13 @@ typedef enum {
     ABECS_LINK_EVENT_REJECTED = 2,  /* the PIN pad has refused a request's frame, which was damaged on the way */
     ABECS_LINK_EVENT_DAMAGED = 3,   /* a frame has come damaged or not to its end, and is asked for again */
     ABECS_LINK_EVENT_CANCELLED = 4, /* the PIN pad has confirmed CAN */
-    ABECS_LINK_EVENT_TIMEOUT = 5,   /* a wait has ended in a time-out, by its own time or by the limit of the call */
+    ABECS_LINK_EVENT_TIMEOUT = 5,   /* an answer, or the confirmation of a CAN, has not come in time */
 } AbecsLinkEvent_E;
 
 typedef struct {
     AbecsLinkEvent_E type;
-    char cmdId[4];     /* CMD_ID or RSP_ID of SENT and RECEIVED; of the others that of the last request, or "" */
+    char cmdId[4];     /* CMD_ID or RSP_ID of SENT and RECEIVED; of the others that of the last request, or "". What is
+                          neither an upper-case letter nor a digit is a question mark */
     int32_t status;    /* RSP_STAT of RECEIVED, or -1 */
     bool encrypted;    /* whether the frame was; false where there is none */
     size_t packetSize; /* of the packet in clear, as the command makes it and reads it, in bytes; or 0 */
@@ -47,8 +48,9 @@ typedef void (*AbecsLinkObserverFn)(const AbecsLinkEvent* event, void* context);
 
 /*
  * Has `observer` told of each event from now on, with `context`, which the caller keeps alive; null ends it. A polling
- * function that finds nothing is no event, and neither is a wait that abecs_comm_wake has ended. A frame that cannot be
- * deciphered, and an error of the port, are told by the raise alone.
+ * function that finds nothing is no event, and neither is a wait that abecs_comm_wake has ended. Told by the raise
+ * alone are an error of the port, a frame that cannot be deciphered or is longer than a packet, and a byte that is no
+ * answer. An encrypted response that came without a session key is told without id, status and packet.
  */
 KOR_API void abecs_comm_set_observer(AbecsComm* pinpad, AbecsLinkObserverFn observer, void* context);
 

@@ -271,15 +271,33 @@ TEST(Limit, CountsForAWholeCall) {
     const std::string path = dir.file("logo.png", std::string(4000, 'x'));
     const auto expect_late = [](std::function<void()> call) {
         const Elapsed elapsed;
-        EXPECT_EQ(raised_by(call), error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed"));
-        EXPECT_TRUE(elapsed.between(290ms, 400ms));
+        EXPECT_EQ(raised_by(call), error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 900 ms has passed"));
+        EXPECT_TRUE(elapsed.between(890ms, 1150ms));
     };
-    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 300));
-    link.peer.wait(200ms).any_request().wait(200ms);
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 900));
+    link.peer.wait(600ms).any_request().wait(600ms);
     expect_late([&] { abecs_cmd_tle(link.comm); });
     link.peer.settle();
-    link.peer.wait(200ms).any_request().response("MLI000").wait(200ms).any_request();
+    link.peer.wait(450ms).any_request().response("MLI000").wait(750ms).any_request();
     expect_late([&] { abecs_cmd_mlx(link.comm, path.c_str(), "LOGO", 1); });
+}
+
+// An answer that takes longer than a poll may.
+TEST(Limit, LeavesAPollOnTheLinkUntilItsAnswerIsThere) {
+    Link link;
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 100));
+    link.peer.request("GKY");
+    EXPECT_NO_RAISE(abecs_cmd_gky(link.comm));
+    for (const char byte : frame("GKY004")) { link.peer.wait(60ms).send(std::string(1, byte)); }
+    int polls = 0;
+    int32_t status = ABECS_RSP_STAT_ST_PROCESSING;
+    for (; status == ABECS_RSP_STAT_ST_PROCESSING && polls < 100; ++polls) {
+        EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GKY");
+        EXPECT_NO_RAISE(status = abecs_cmd_gky_response(link.comm, nullptr));
+    }
+    EXPECT_EQ(status, ABECS_RSP_STAT_ST_F1);
+    EXPECT_GE(polls, 3);
+    EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
 }
 
 TEST(Allocations, AreTwoForAnExchangeAndThreeForAParameterInAMap) {

@@ -24,7 +24,9 @@ thread_local Calls* counted = nullptr;
 struct Driver {
     int flags = 0;
     bool refuses = false;
-    std::vector<int> told;
+    std::vector<int> told{};
+    int unsent = 0;
+    int sends = 0;  // of them from one look to the next
 };
 Driver* driver = nullptr;
 
@@ -72,6 +74,11 @@ int __wrap_tcsetattr(int fd, int when, const termios* settings) {
 }
 
 int __wrap_ioctl(int fd, unsigned long request, void* argument) {
+    if (driver != nullptr && request == TIOCOUTQ) {
+        *static_cast<int*>(argument) = driver->unsent;
+        driver->unsent -= driver->sends;
+        return 0;
+    }
     if (driver == nullptr || (request != TIOCGSERIAL && request != TIOCSSERIAL)) {
         return __real_ioctl(fd, request, argument);
     }
@@ -135,8 +142,9 @@ TEST(LowLatency, IsAskedForAndPutBackAsItWas) {
     const struct {
         Driver driver;
         std::vector<int> told;
-    } rows[] = {
-        {{kOther, false, {}}, {kOther | kLow, kOther}}, {{kOther | kLow, false, {}}, {}}, {{kOther, true, {}}, {}}};
+    } rows[] = {{{.flags = kOther}, {kOther | kLow, kOther}},
+                {{.flags = kOther | kLow}, {}},
+                {{.flags = kOther, .refuses = true}, {}}};
     for (const auto& row : rows) {
         Driver played = row.driver;
         driver = &played;
@@ -148,6 +156,22 @@ TEST(LowLatency, IsAskedForAndPutBackAsItWas) {
         driver = nullptr;
         EXPECT_EQ(played.told, row.told);
     }
+}
+
+// A port that never gets rid of its bytes.
+TEST_F(SystemCalls, OfADrainEndWithTheLimit) {
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 300));
+    Driver slow{.unsent = 10, .sends = 1};
+    driver = &slow;
+    link.peer.request(request);
+    EXPECT_EQ(exchange(0).drains, 1U);
+    Driver stuck{.unsent = 10};
+    driver = &stuck;
+    const Packet packet(request);
+    link.peer.discard(sent);
+    EXPECT_EQ(raised_by([&] { abecs_comm_send_packet(link.comm, packet); }),
+              error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed"));
+    driver = nullptr;
 }
 
 // A PIN pad that rejects a frame may have been outrun.

@@ -48,7 +48,7 @@ TEST_F(Observer, IsToldOfFramesAndRepetitionsAndNoData) {
     EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, request));
     EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
     EXPECT_EQ(log.lines,
-              (Lines{"rejected  -1 0/12", "sent GIN -1 8/12", "damaged GIN -1 0/10", "received GIN 0 6/10"}));
+              (Lines{"rejected GIN -1 0/12", "sent GIN -1 8/12", "damaged GIN -1 0/10", "received GIN 0 6/10"}));
     ASSERT_EQ(log.durations.size(), 4U);
     EXPECT_GE(log.durations[1], 50'000);
     EXPECT_GE(log.durations[3], 450'000) << "a purge comes first";
@@ -88,6 +88,10 @@ TEST_F(Observer, IsToldOfCancelAndTimeOutsButNotOfPolls) {
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 100));
     EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }).code, KOR_RESULT_TIMEOUT_ERROR);
     EXPECT_EQ(log.lines, (Lines{"cancelled GIN -1 0/0", "time-out GIN -1 0/0"}));
+    EXPECT_NO_RAISE(abecs_comm_set_poll_time(link.comm, 2000));
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
+    EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }).code, KOR_RESULT_TIMEOUT_ERROR);
+    EXPECT_EQ(log.lines.size(), 2U) << "a poll that the limit has ended";
     EXPECT_NO_RAISE(abecs_comm_set_observer(link.comm, nullptr, nullptr));
     EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }).code, KOR_RESULT_TIMEOUT_ERROR);
     EXPECT_EQ(log.lines.size(), 2U);
@@ -95,11 +99,16 @@ TEST_F(Observer, IsToldOfCancelAndTimeOutsButNotOfPolls) {
 
 // An answer that is no response has no status.
 TEST_F(Observer, IsToldOfWhatCannotBeRead) {
-    for (const char* payload : {"GI", "GIN00", "GIN0A0"}) {
+    for (const char* payload : {"GI", "GIN00", "GIN0A0",
+                                "G\n\x1B"
+                                "000"}) {
         link.peer.response(payload);
         EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
     }
-    EXPECT_EQ(log.lines, (Lines{"received GI -1 2/6", "received GIN -1 5/9", "received GIN -1 6/10"}));
+    link.peer.send(encrypted_frame("B77D14F3 6CF7E650 2B922EE6 C135B0F1"_hex, 0x21B9));
+    EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
+    EXPECT_EQ(log.lines, (Lines{"received GI -1 2/6", "received GIN -1 5/9", "received GIN -1 6/10",
+                                "received G?? 0 6/10", "received  -1 encrypted 0/21"}));
 }
 
 }  // namespace
