@@ -25,7 +25,7 @@ struct InlineBuffer {
     KorBuffer buffer{storage.data(), false, kCapacity, 0, 0, true};
     std::array<uint8_t, kCapacity> storage;
 
-    InlineBuffer() {}
+    InlineBuffer() = default;
     InlineBuffer(const InlineBuffer&) = delete;
     InlineBuffer& operator=(const InlineBuffer&) = delete;
 };

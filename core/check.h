@@ -17,7 +17,10 @@
 // What the detail is formatted from is evaluated in any case: it must not lean on what is being refused.
 namespace kor {
 
-[[nodiscard]] bool refuse_null(const void* pointer, const char* text);
+[[nodiscard]] inline bool refuse_null(const void* pointer, const char* text) {
+    if (pointer == nullptr) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
+    return pointer == nullptr;
+}
 
 template <typename Result, typename... Arguments>
 [[nodiscard]] bool refuse_null(Result (*function)(Arguments...), const char* text) {
@@ -25,7 +28,9 @@ template <typename Result, typename... Arguments>
 }
 
 // Of bytes that may be none at all: a pointer that is null although they are counted.
-[[nodiscard]] bool refuse_missing(const void* bytes, size_t count, const char* text);
+[[nodiscard]] inline bool refuse_missing(const void* bytes, size_t count, const char* text) {
+    return count != 0 && refuse_null(bytes, text);
+}
 
 [[nodiscard, gnu::format(printf, 2, 3)]] bool refuse_if(bool wrong, const char* detail, ...);
 

@@ -31,15 +31,6 @@ void kor::raise(KorResult_E code, const char* detail, ...) {
     raise_text(code, text);
 }
 
-bool kor::refuse_null(const void* pointer, const char* text) {
-    if (pointer == nullptr) { raise(KOR_RESULT_ILLEGAL_ARGUMENT, "%s", text); }
-    return pointer == nullptr;
-}
-
-bool kor::refuse_missing(const void* bytes, size_t count, const char* text) {
-    return count != 0 && refuse_null(bytes, text);
-}
-
 bool kor::refuse_if(bool wrong, const char* detail, ...) {
     if (!wrong) { return false; }
     Detail text;

@@ -51,7 +51,10 @@ Wait wait_until(int fd, Deadline deadline, Waker* waker = nullptr) {
         if (ready == 0) { return Wait::kExpired; }
         if (ready < 0 && errno != EINTR) { return Wait::kInput; }
         if (ready < 0) { continue; }
-        if (waited[1].revents != 0) { clear_wakes(*waker); }
+        if (waker != nullptr && waited[1].revents != 0) {
+            clear_wakes(*waker);
+            waker->woke = waited[0].revents == 0;
+        }
         if (waited[0].revents == 0) { return Wait::kWoken; }
         return (waited[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0 ? Wait::kHungUp : Wait::kInput;
     }
@@ -63,8 +66,7 @@ ssize_t read_arrival(int fd, uint8_t* to, size_t length, Deadline deadline, Wake
     if (waker != nullptr) { waker->woke = false; }
     for (;;) {
         const Wait wait = wait_until(fd, deadline, waker);
-        if (wait == Wait::kExpired) { return 0; }
-        if (wait == Wait::kWoken) { return waker->woke = true, 0; }
+        if (wait == Wait::kExpired || wait == Wait::kWoken) { return 0; }
         const ssize_t count = retry([&] { return read(fd, to, length); });
         if (count > 0 || (count < 0 && errno != EAGAIN)) { return count; }
         // A line that hung up reads as empty at once and for ever: as a time-out it would keep its callers spinning.

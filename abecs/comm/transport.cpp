@@ -14,6 +14,7 @@
 #include "abecs/data/packet.h"
 #include "core/attempt.h"
 #include "core/deadline.h"
+#include "core/function_ref.h"
 #include "core/raise.h"
 #include "core/serial.h"
 #include "quorvel/kor/string.h"
@@ -67,8 +68,7 @@ enum class Pace : uint8_t {
 };
 
 // Makes the frame and hands it out in small pieces.
-template <typename Put>
-void encode(const AbecsPacket* packet, bool encrypted, Put&& put) {
+void encode(const AbecsPacket* packet, bool encrypted, FunctionRef<void(FrameEncoder::Wire)> put) {
     const Unread data = unread_of(packet);
     FrameEncoder encoder;
     put(encoder.begin(encrypted));

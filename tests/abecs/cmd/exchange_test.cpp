@@ -269,17 +269,17 @@ TEST(Limit, CountsForAWholeCall) {
     Link link;
     const TempDir dir;
     const std::string path = dir.file("logo.png", std::string(4000, 'x'));
-    const auto expect_late = [](std::function<void()> call) {
+    const auto expectLate = [](std::function<void()> call) {
         const Elapsed elapsed;
         EXPECT_EQ(raised_by(call), error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 900 ms has passed"));
         EXPECT_TRUE(elapsed.between(890ms, 1150ms));
     };
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 900));
     link.peer.wait(600ms).any_request().wait(600ms);
-    expect_late([&] { abecs_cmd_tle(link.comm); });
+    expectLate([&] { abecs_cmd_tle(link.comm); });
     link.peer.settle();
     link.peer.wait(450ms).any_request().response("MLI000").wait(750ms).any_request();
-    expect_late([&] { abecs_cmd_mlx(link.comm, path.c_str(), "LOGO", 1); });
+    expectLate([&] { abecs_cmd_mlx(link.comm, path.c_str(), "LOGO", 1); });
 }
 
 // An answer that takes longer than a poll may.
@@ -310,15 +310,15 @@ TEST(Allocations, AreTwoForAnExchangeAndThreeForAParameterInAMap) {
         EXPECT_EQ(abecs_cmd_tle(link.comm), ABECS_RSP_STAT_ST_OK);
         EXPECT_LE(counting.given(), 2U);
     }
-    const auto allocations_of_answer = [&](const std::string& params) {
+    const auto allocationsOfAnswer = [&](const std::string& params) {
         link.peer.request("GIX").response("GIX000" + std::to_string(1000 + params.size()).substr(1) + params);
         const FailingMalloc counting(0);
         EXPECT_EQ(abecs_cmd_gix(link.comm, nullptr, 0, map.get()), ABECS_RSP_STAT_ST_OK);
         return counting.given();
     };
     const std::string one = "8001 0001 41"_hex;
-    const size_t first = allocations_of_answer(one);
-    EXPECT_LE(allocations_of_answer(one + "8002 0001 42 807F 0001 43"_hex), first + 6);
+    const size_t first = allocationsOfAnswer(one);
+    EXPECT_LE(allocationsOfAnswer(one + "8002 0001 42 807F 0001 43"_hex), first + 6);
 }
 
 // A time-out takes two seconds: one command for each form of the answer.

@@ -99,15 +99,15 @@ TEST_F(Limit, EndsSendingThatNobodyTakes) {
 // An answer that takes longer, that comes damaged, or of which the end is missing.
 TEST_F(Limit, LosesNoAnswer) {
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
-    auto read_all = [&] { abecs_comm_read_packet(link.comm, answer); };
+    auto readAll = [&] { abecs_comm_read_packet(link.comm, answer); };
     for (const char byte : kGood) { link.peer.send(std::string(1, byte)).wait(100ms); }
-    EXPECT_GE(count_ends(read_all), 2);
+    EXPECT_GE(count_ends(readAll), 2);
     EXPECT_EQ(answer.take(), "GIN000");
     link.peer.send(kBad).expect_silence(200ms).expect(kNak).send(kGood);
-    EXPECT_GE(count_ends(read_all), 1);
+    EXPECT_GE(count_ends(readAll), 1);
     EXPECT_EQ(answer.take(), "GIN000");
     link.peer.send(kGood.substr(0, 4)).expect_silence(2s).expect(kNak).send(kGood);
-    EXPECT_GE(count_ends(read_all), 7);
+    EXPECT_GE(count_ends(readAll), 7);
     EXPECT_EQ(answer.take(), "GIN000");
 }
 
