@@ -70,17 +70,25 @@ initialisers() {
     read -r start size < <(sed -n 's/.* \.init_array  *INIT_ARRAY  *\([0-9a-f]*\) [0-9a-f]* \([0-9a-f]*\) .*/\1 \2/p' \
         <<<"$sections") || fail "no .init_array could be read"
     ! grep -E ' \.(ctors|preinit_array) ' <<<"$sections" || fail "the library has initialisers of another kind"
-    # Each entry is a relocation: relative, its addend being the function's address, or by the name of an exported one.
+    # Each entry is a relocation: relative, its addend being the function's address, which for packed ones stands in the
+    # place itself; or by the name of an exported one.
     declare -A names
     while read -r address _ name; do names[$((16#$address))]=$name; done < <(
         "$nm" --defined-only "$library" | grep ' [tT] ')
     found=0
+    count() {
+        [[ ${1%%@*} =~ ^(frame_dummy|crypt_init)$ ]] || fail "the library runs ${1%%@*} when it is loaded"
+        ((found += 8))
+    }
     while read -r offset _ type value name _; do
         [[ $type == R_* ]] && ((16#$offset >= 16#$start && 16#$offset < 16#$start + 16#$size)) || continue
         [[ $type != *_RELATIVE ]] || name=${names[$((16#$value))]:-an unnamed function}
-        [[ ${name%%@*} =~ ^(frame_dummy|crypt_init)$ ]] || fail "the library runs ${name%%@*} when it is loaded"
-        ((found += 8))
+        count "$name"
     done < <("$readelf" -rW "$library")
+    while read -r place || [[ -n $place ]]; do
+        ((found == 16#$size || 16#$place == 0)) || count "${names[$((16#$place))]:-an unnamed function}"
+    done < <("$readelf" -x .init_array "$library" | sed -n 's/^  0x[0-9a-f]* \([0-9a-f ]\{35\}\).*/\1/p' |
+        tr -d ' \n' | fold -w 16 | sed 's/\(..\)\(..\)\(..\)\(..\)\(..\)\(..\)\(..\)\(..\)/\8\7\6\5\4\3\2\1/')
     ((found == 16#$size)) || fail "$((16#$size / 8)) initialisers, of which $((found / 8)) could be read"
 }
 
