@@ -63,10 +63,10 @@ def calls(counted):
     return table(["", "way", *names[:-1], "allocations", "others"], rows)
 
 
-def per_parameter(counted):
+def for_each_parameter(counted):
     (few, first), (many, last) = ((int(key.split()[2]), numbers["malloc"]) for key, numbers in counted.items()
                                   if "parameter" in key)
-    return f"{(last - first) / (many - few):g} allocations for each parameter of a map."
+    return (last - first) / (many - few)
 
 
 def line(found):
@@ -116,15 +116,30 @@ def lines(found):
                  [[what, LIBRARY, f"{use:.3f}", f"{use / uses[0][1]:.3f}"] for what, use in uses])
 
 
-def wanted(found):
+def wanted(found, counted):
     def row(what, measured, least=None, most=None):
         met = (least is None or measured >= least) and (most is None or measured <= most)
         limit = f"at least {least}" if least is not None else f"at most {most}"
         return [what, limit, f"{measured:.3f}", "yes" if met else "**no**"]
+    ways_of = group(found, "exchange")
+
+    def rate(what, way, loop):
+        return ways_of[what][loop]["us"] / ways_of[what][way]["us"]
     by_size = group(found, "line").values()
     def slowest(way):
         return min(ways[way]["use"] / ways[STEPPED]["use"] for ways in by_size)
     return table(["", "wanted", "measured", "met"], [
+        row("GIX: rate against the byte loop that drains each", rate("GIX", LIBRARY, STEPPED), least=4),
+        row("GIX: host's CPU against that loop's", ways_of["GIX"][LIBRARY]["cpu"] / ways_of["GIX"][STEPPED]["cpu"],
+            most=0.17),
+        *(row(f"{what}: rate against the byte loop that drains each", rate(what, LIBRARY, STEPPED), least=0.95)
+          for what in ("TLE", "DSP", "TLR")),
+        *(row(f"{what}: rate against the byte loop that drains once", rate(what, LIBRARY, FLOWING), least=0.9)
+          for what in ("TLE", "DSP", "TLR")),
+        row("TLR: rate with whole frames against the loop of whole frames", rate("TLR", WHOLE, IDEAL), least=0.3),
+        row("DSP: rate with whole frames against the loop of whole frames", rate("DSP", WHOLE, IDEAL), least=0.6),
+        row("allocations of a TLE", counted[f"TLE/{LIBRARY}"]["malloc"], most=2),
+        row("allocations for each parameter in a map", for_each_parameter(counted), most=3),
         row("rate at 19200 baud against the byte loop's, the lowest of all sizes", slowest(LIBRARY), least=0.98),
         row("the same with whole frames", slowest(WHOLE), least=0.98),
         row("host's CPU, encrypted against plain, 1 KB each way", cipher_cpu(found, LIBRARY), most=1.05),
@@ -145,8 +160,8 @@ def main(timed, counted, page=None):
         sys.exit("the calls of the library were not counted")
     found = medians(report)
     regions = {
-        "machine": machine(report["context"]), "wanted": wanted(found), "exchange": exchanges(found),
-        "calls": calls(counts) + "\n\n" + per_parameter(counts), "line": line(found), "lines": lines(found),
+        "machine": machine(report["context"]), "wanted": wanted(found, counts), "exchange": exchanges(found),
+        "calls": calls(counts) + f"\n\n{for_each_parameter(counts):g} allocations for each parameter of a map.", "line": line(found), "lines": lines(found),
         "cipher": cipher(found), "modbus": comparison(found, "modbus", "libmodbus"),
         "key": comparison(found, "key", "libtomcrypt"), "load": load(found)}
     if page is None:
