@@ -2,12 +2,14 @@
 // Copyright (c) 2026 the quorvel authors
 #include "cli/interrupt.h"
 
+#include <atomic>
 #include <csignal>
 #include <ctime>
 #include <string_view>
 #include <unistd.h>
 
 #include "cli/error.h"
+#include "quorvel/abecs/line.h"
 
 namespace quorvel::cli::interrupt {
 
@@ -15,6 +17,8 @@ namespace {
 
 volatile std::sig_atomic_t received = 0;
 volatile std::sig_atomic_t receivedAt = 0;
+std::atomic<AbecsComm*> woken = nullptr;
+static_assert(std::atomic<AbecsComm*>::is_always_lock_free, "a signal handler reads it");
 
 // Seconds of a clock that nobody sets; safe in a signal handler.
 std::sig_atomic_t now() {
@@ -35,7 +39,8 @@ void remember(int signal) {
     if (received != 0) { return end_if_meant_again(signal); }
     received = signal;
     receivedAt = now();
-    // Waiting for the PIN pad ends within two seconds; until then the user should know that the key was heard.
+    abecs_comm_wake(woken);
+    // What does not wait for people may take its seconds; until then the user should know that the key was heard.
     constexpr std::string_view kHeard = "\nStopping...\n";
     if (isatty(STDERR_FILENO) == 1) { static_cast<void>(!write(STDERR_FILENO, kHeard.data(), kHeard.size())); }
 }
@@ -47,6 +52,8 @@ void watch() {
     action.sa_handler = remember;
     for (const int signal : {SIGINT, SIGTERM}) { sigaction(signal, &action, nullptr); }
 }
+
+void wake(AbecsComm* link) noexcept { woken = link; }
 
 bool requested() noexcept { return received != 0; }
 

@@ -38,9 +38,11 @@ Link::Link(const Settings& settings, Output& output) : output_(output) {
         path = tap_->path();
     }
     pinPad_ = call([&] { return abecs_comm_open(path.c_str()); });
+    interrupt::wake(pinPad_);
     try {
         open_session(settings.secure);
     } catch (...) {
+        interrupt::wake(nullptr);
         call([this] { abecs_comm_close(&pinPad_); });
         throw;
     }
@@ -55,6 +57,7 @@ Link::~Link() {
         }
         if (inSession_) { close_session(); }
     } catch (const Error& error) { output_.notice(fmt::format("The PIN pad was not left idle: {}", error.what())); }
+    interrupt::wake(nullptr);
     try {
         call([this] { abecs_comm_close(&pinPad_); });
     } catch (const Error&) {}  // the port is closed in any case
@@ -78,6 +81,7 @@ void Link::close_session() {
 
 void Link::close() {
     close_session();
+    interrupt::wake(nullptr);
     call([this] { abecs_comm_close(&pinPad_); });
     pinPad_ = nullptr;
 }

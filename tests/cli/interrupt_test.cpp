@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "tests/cli/tool.h"
+#include "tests/support/elapsed.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ protected:
     }
 };
 
+// At once: a poll would go on for two seconds.
 TEST_F(InterruptTest, LeavesThePinPadIdle) {
     for (const auto& [command, waitsFor, signal, exit] :
          {std::tuple("card", "GCX", SIGINT, 130), {"key", "GKY", SIGTERM, 143}}) {
@@ -29,7 +31,9 @@ TEST_F(InterruptTest, LeavesThePinPadIdle) {
         await_command(waitsFor);
         // Twice, as whoever signals a process and its group does.
         for (int i = 0; i < 2; ++i) { tool.signal(signal); }
+        const support::Elapsed elapsed;
         const Ended ended = tool.wait();
+        EXPECT_TRUE(elapsed.between({}, std::chrono::milliseconds(1500)));
         EXPECT_EQ(ended.exit, exit);
         EXPECT_NE(ended.err.find("quorvel: Interrupted."), std::string::npos) << ended.err;
         const auto all = sent();
