@@ -67,7 +67,7 @@ public:
     // Sends the signal, unless it is 0, and returns the exit status. Who writes to a terminal that nobody reads does
     // not end, so it is read until it is closed.
     int end(int signal = 0) {
-        if (signal != 0) { kill(process_, signal); }
+        if (signal != 0 && process_ > 0) { kill(process_, signal); }
         while (read_more()) {}
         int status = -1;
         waitpid(process_, &status, 0);

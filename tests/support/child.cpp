@@ -52,7 +52,10 @@ std::string Child::line() {
     return line;
 }
 
-void Child::signal(int number) const { kill(process_, number); }
+// A program that did not start has the number that stands for every process there is.
+void Child::signal(int number) const {
+    if (process_ > 0) { kill(process_, number); }
+}
 
 int Child::wait() {
     while (hear()) {}
