@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "cli/error.h"
-#include "quorvel/abecs/line.h"
+#include "quorvel/additions.h"
 
 namespace quorvel::cli::interrupt {
 

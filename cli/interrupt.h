@@ -3,7 +3,7 @@
 #ifndef QUORVEL_CLI_INTERRUPT_H
 #define QUORVEL_CLI_INTERRUPT_H
 
-#include "quorvel/abecs/comm.h"
+#include "quorvel/quorvel.h"
 
 namespace quorvel::cli::interrupt {
 
