@@ -22,8 +22,8 @@ namespace kor {
 // A buffer with its storage in it, as a member of what is allocated whole. It stays where it is made.
 template <uint32_t kCapacity>
 struct InlineBuffer {
-    KorBuffer buffer{storage.data(), false, kCapacity, 0, 0, true};
     std::array<uint8_t, kCapacity> storage;
+    KorBuffer buffer{storage.data(), false, kCapacity, 0, 0, true};
 
     InlineBuffer() = default;
     InlineBuffer(const InlineBuffer&) = delete;
