@@ -117,7 +117,7 @@ size_t write_some(const KorSerial* handle, std::span<const uint8_t> bytes, Deadl
     const auto attempt = [&] { return retry([&] { return write(handle->fd, bytes.data(), bytes.size()); }); };
     ssize_t count = attempt();
     while (count < 0 && errno == EAGAIN) {
-        if (!wait_for_room(handle->fd, deadline)) { return 0; }
+        if (deadline.passed() || !wait_for_room(handle->fd, deadline)) { return 0; }
         count = attempt();
     }
     if (count > 0) { return static_cast<size_t>(count); }

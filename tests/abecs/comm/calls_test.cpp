@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <linux/serial.h>
 #include <sys/ioctl.h>
 #include <sys/types.h>
@@ -27,6 +30,7 @@ struct Driver {
     std::vector<int> told{};
     int unsent = 0;
     int sends = 0;  // of them from one look to the next
+    size_t room = SIZE_MAX;
 };
 Driver* driver = nullptr;
 
@@ -50,7 +54,11 @@ int __wrap_ioctl(int fd, unsigned long request, void* argument);
 
 ssize_t __wrap_write(int fd, const void* bytes, size_t count) {
     if (counted != nullptr) { ++counted->writes; }
-    return __real_write(fd, bytes, count);
+    if (counted == nullptr || driver == nullptr) { return __real_write(fd, bytes, count); }
+    if (driver->room == 0) { return errno = EAGAIN, -1; }
+    const size_t taken = std::min(count, driver->room);
+    driver->room -= taken;
+    return __real_write(fd, bytes, taken);
 }
 
 ssize_t __wrap_read(int fd, void* bytes, size_t count) {
@@ -172,6 +180,25 @@ TEST_F(SystemCalls, OfADrainEndWithTheLimit) {
     EXPECT_EQ(raised_by([&] { abecs_comm_send_packet(link.comm, packet); }),
               error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed"));
     driver = nullptr;
+}
+
+// What has gone out in part is consumed.
+TEST_F(SystemCalls, ThatWriteAPartOfAFrameConsumeIt) {
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 100));
+    EXPECT_NO_RAISE(abecs_comm_set_whole_frames(link.comm, true));
+    for (const size_t room : {size_t{0}, size_t{5}}) {
+        Driver full{.room = room};
+        driver = &full;
+        Calls calls;
+        counted = &calls;
+        const Packet packet(request);
+        const Raised raised = raised_by([&] { abecs_comm_send_packet(link.comm, packet); });
+        counted = nullptr;
+        driver = nullptr;
+        EXPECT_EQ(raised, error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 100 ms has passed"));
+        EXPECT_EQ(packet.take().size(), room == 0 ? request.size() : 0);
+        if (room != 0) { link.peer.discard(room); }
+    }
 }
 
 // A PIN pad that rejects a frame may have been outrun.

@@ -100,7 +100,7 @@ TEST_F(Limit, EndsSendingThatNobodyTakes) {
 TEST_F(Limit, LosesNoAnswer) {
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
     auto readAll = [&] { abecs_comm_read_packet(link.comm, answer); };
-    for (const char byte : kGood) { link.peer.send(std::string(1, byte)).wait(100ms); }
+    for (const char byte : kGood) { link.peer.send(std::string(1, byte)).wait(250ms); }
     EXPECT_GE(count_ends(readAll), 2);
     EXPECT_EQ(answer.take(), "GIN000");
     link.peer.send(kBad).expect_silence(200ms).expect(kNak).send(kGood);

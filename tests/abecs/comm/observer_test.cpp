@@ -97,6 +97,13 @@ TEST_F(Observer, IsToldOfCancelAndTimeOutsButNotOfPolls) {
     EXPECT_EQ(log.lines.size(), 2U);
 }
 
+TEST_F(Observer, IsToldOfEachCanThatNobodyConfirms) {
+    link.peer.expect(kCan).expect(kCan);
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 2500));
+    EXPECT_EQ(raised_by([&] { abecs_comm_send_can(link.comm); }).code, KOR_RESULT_TIMEOUT_ERROR);
+    EXPECT_EQ(log.lines, (Lines{"time-out  -1 0/0", "time-out  -1 0/0"}));
+}
+
 // An answer that is no response has no status.
 TEST_F(Observer, IsToldOfWhatCannotBeRead) {
     for (const char* payload : {"GI", "GIN00", "GIN0A0",
