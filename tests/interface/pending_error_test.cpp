@@ -14,9 +14,9 @@
 #include "tests/core/owned.h"
 #include "tests/core/temp_dir.h"
 #include "tests/interface/exported_names.h"
+#include "tests/support/commands.h"
 #include "tests/support/peer.h"
 #include "tests/support/raised.h"
-#include "tests/support/scratch.h"
 
 // A function that succeeds leaves the pending error as it is, unless exception.h names it. So a clean-up can store,
 // send and close whatever it likes, and a catch branch can do so before it looks at what it caught. Checked over the
@@ -24,31 +24,14 @@
 namespace {
 
 using namespace std::string_literals;
-using support::padded;
-using support::Peer;
+using namespace support;
 
 constexpr KorSerialConfig kConfig{
     20, 19200, 8, KOR_SERIAL_STOP_BITS_ONE, KOR_SERIAL_PARITY_NONE, KOR_SERIAL_FLOW_CONTROL_NONE};
-constexpr AbecsDate kDate{24, 2, 29};
-constexpr AbecsTime kTime{23, 59, 58};
-constexpr AbecsWkPan kKey{ABECS_WK_PAN_TYPE_TDES, {1, 2, 3}};
 constexpr Crypt3DesKey kTdesKey{{1, 2, 3}, 16};
-constexpr AbecsMk kMk{ABECS_MK_TYPE_TDES, 1, {1, 2, 3}};
 constexpr AbecsEmvData kEmvData{{0x82}, 1};
-constexpr AbecsTagList kTags{{0x82}, 1};
-constexpr AbecsCmdGcrData kGcr{0, 0, 1, kDate, kTime, "V", true};
-constexpr AbecsCmdFncData kFnc{0, "00", 0, "", 0, ""};
-constexpr AbecsCmdGen0303Data kGenData{16, "0123456789ABCDEF"};
-constexpr AbecsCmdGen0303CmdData kGenCmd{1, kGenData};
-constexpr AbecsCmdGen0401CmdData kSlot{ABECS_CMD_GEN_04_01_OPER_1, 8};
-constexpr AbecsCmdGen0402CmdData kApdu{8, "00A40400", 0, "", 0};
-constexpr AbecsCmdGen0403CmdData kPin{8, "00200080", 'A', 4, 4, "PIN"};
-constexpr AbecsCmdChpParam kChp{ABECS_CMD_CHP_SLOT_1, ABECS_CMD_CHP_OPER_0, "", ABECS_CMD_CHP_PIN_FMT_0, ""};
-constexpr AbecsCmdGpnCmdData kGpn{ABECS_CMD_GPN_METHOD_DUKPT_DES, 7, "", "", 1, {{4, 12, "PIN"}}};
-constexpr AbecsCmdEnbCmdData kEnb{ABECS_CMD_ENB_METHOD_0, 0, "", "4111111111111111"};
 constexpr AbecsCmdGtkPbkExp kExponent{3, {1, 0, 1}};
 constexpr AbecsCmdGtkWkEnc kWkEnc{16, {1}};
-constexpr char kOptions[][25] = {"TEA"};
 
 KOR_PRINTF(3, 4) void format_list(char* to, size_t size, const char* format, ...) {
     va_list arguments;
@@ -62,25 +45,9 @@ void open_and_close_a_block() {
     KOR_END_TRY;
 }
 
-template <typename Object>
-Object object_of(void (*)(Object**));
-template <auto kDelete>
-using Made = Owned<decltype(object_of(kDelete)), kDelete>;
-
 template <auto kDelete, typename Object>
 void discard(Object* made) {
     kDelete(&made);
-}
-
-// Both with tracks that are enciphered in the layout of protected mode.
-std::string card_answer() {
-    return "GCR0009990619803Z1" + padded("43B4111111111111111^CARD/TEST^2512201", 78)
-           + padded("294111111111111111=2512201", 42) + padded("", 104) + padded("174111111111111111", 21)
-           + padded("07CREDIT", 18) + padded("201TEST/CARD", 29) + "301231" + std::string(28, '!') + "!076000";
-}
-std::string tracks_answer() {
-    return "CKE000225100" + padded("4111111111111111^X", 76) + "00" + padded("4111111111111111=2512", 40)
-           + padded("4111111111111111=25", 104);
 }
 
 // What takes long to make, made once.
@@ -106,8 +73,8 @@ struct Bench {
 };
 
 // Everything that the calls of succeeding_functions.inc take and fill.
-struct World {
-    explicit World(Bench& given) : bench(given) {
+struct World : CommandWorld {
+    explicit World(Bench& given) : CommandWorld(given.link, given.path.c_str()), bench(given) {
         kor_serial_config(port, &kConfig);
         abecs_comm_release(link);
         abecs_comm_set_wk_pan(link, &kKey);
@@ -115,7 +82,7 @@ struct World {
         holds("000001234567890");
         abecs_param_set_id(param, 1);
         abecs_param_write_field_b(param, "0000", 4);
-        for (KorList* each : {list.object, plain.object}) { kor_list_append(each, "a"); }
+        kor_list_append(plain, "a");
         item = kor_list_first(list);
         kor_map_put(map, "a", "1");
         kor_string_set_put(texts, "a");
@@ -146,8 +113,8 @@ struct World {
         abecs_comm_lock(link, id);
         peer.response(answer);
     }
-    void takes_media() {
-        for (const char* answer : {"MLI000", "MLR000", "MLE000"}) { peer.any_request().response(answer); }
+    void takes(const std::vector<std::string>& answers) {
+        for (const std::string& answer : answers) { peer.any_request().response(answer); }
     }
     void await_spare() {
         spare = std::make_unique<Peer>();
@@ -168,22 +135,16 @@ struct World {
     Bench& bench;
     Peer& peer = bench.peer;
     Peer& line = bench.line;
-    AbecsComm* link = bench.link;
     CryptRsaKey* rsa = bench.rsa;
     const char* directory = bench.folder.c_str();
-    const char* path = bench.path.c_str();
     std::unique_ptr<Peer> spare;
     AbecsComm* spareLink = nullptr;
     Made<kor_serial_close> port{kor_serial_open(line.path().c_str())};
 
-    char text[1200] = "aBc";
     char place[4096] = "";
-    uint8_t block[256] = {1, 2, 3};
     KorExceptionFrameNode node{};
-    support::Scratch out;
 
     Made<kor_buffer_delete> buffer{kor_buffer_new(64)};
-    Made<kor_list_delete> list{kor_string_list_new()};
     Made<kor_list_delete> plain{kor_list_new(counted::copy, kor_collection_destroy, counted::equals)};
     KorListNode* item = nullptr;
     Made<kor_map_delete> map{counted::new_map(2)};
@@ -196,7 +157,6 @@ struct World {
     Made<abecs_packet_delete> packet{abecs_packet_new()};
     Made<abecs_param_delete> param{abecs_param_new()};
     Made<abecs_rsp_parser_delete> parser{abecs_rsp_parser_new()};
-    Made<kor_map_delete> params{abecs_rsp_param_map_new()};
     uint8_t data[3] = "00";
     AbecsRspParamValue value{2, data, false};
     Made<crypt_aes_cipher_delete> aes{crypt_aes_cipher_new(block, 16)};
@@ -204,11 +164,7 @@ struct World {
     CryptRsaPublicKey publicKey{};
 
     Made<abecs_cmd_builder_delete> builder{abecs_cmd_builder_new()};
-    Made<abecs_cmd_gcx_builder_delete> gcx{abecs_cmd_gcx_builder_new("240229", "235958")};
-    Made<abecs_cmd_gox_builder_delete> gox{abecs_cmd_gox_builder_new(1, ABECS_SPE_MTHD_PIN_DUKPT_TDES, 1)};
     Made<abecs_cmd_fcx_builder_delete> fcx{abecs_cmd_fcx_builder_new("1000")};
-    Made<abecs_cmd_ebx_builder_delete> ebx{abecs_cmd_ebx_builder_new(block, 8, ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, 5)};
-    Made<abecs_cmd_gtk_builder_delete> gtk{abecs_cmd_gtk_builder_new()};
 };
 
 struct Function {
@@ -223,11 +179,14 @@ const Function kFunctions[] = {
 #define AFTER(step, function, ...) AFTER_DOES(step, function, static_cast<void>((function)(__VA_ARGS__)))
 #define CALL(function, ...) AFTER(static_cast<void>(0), function, __VA_ARGS__)
 #define DOES(function, ...) AFTER_DOES(static_cast<void>(0), function, __VA_ARGS__)
-#define ASKS(answer, function, ...) AFTER(w.peer.any_request().response(answer), function, __VA_ARGS__)
+#define TALKS(answers, function, ...) AFTER(w.takes(answers), function, __VA_ARGS__)
+#define ASKS(answer, function, ...) TALKS({answer}, function, __VA_ARGS__)
 #define SENDS(function, ...) AFTER(w.peer.any_request(), function, __VA_ARGS__)
 #define POLLS(id, answer, function, ...) AFTER(w.waits_for(id, answer), function, __VA_ARGS__)
 #define NOT_CALLED(name) {#name, [](World&) {}, [](World&) {}},
+#define TOO(...)
 #include "tests/interface/succeeding_functions.inc"
+#include "tests/support/commands.inc"
 };
 
 // What became of an error that was pending during the call, in a clean-up or in a catch branch.

@@ -6,8 +6,6 @@
 
 namespace support {
 
-namespace {
-
 uint16_t crc_of(std::string_view covered) {
     unsigned crc = 0;
     for (const char c : covered) {
@@ -18,6 +16,8 @@ uint16_t crc_of(std::string_view covered) {
     }
     return static_cast<uint16_t>(crc);
 }
+
+namespace {
 
 std::string escaped(std::string_view payload) {
     std::string out;

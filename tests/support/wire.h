@@ -26,6 +26,9 @@ std::string to_hex(std::string_view bytes);
 // A field of text, filled up with blanks.
 std::string padded(std::string text, size_t width);
 
+// The check of these bytes, calculated bit by bit.
+uint16_t crc_of(std::string_view covered);
+
 // SYN, the payload with its escapes, ETB and the CRC: the given one, or the right one, calculated bit by bit in here.
 // Tests of the framing itself spell the CRC.
 std::string frame(std::string_view payload, std::optional<uint16_t> crc = {});

@@ -17,9 +17,10 @@ void __wrap_free(void* pointer);
 namespace {
 
 // In static storage, because noting a block must not allocate one.
-std::array<void*, 64> blocks{};
+std::array<void*, 512> blocks{};
 bool armed = false;
 bool hasFailed = false;
+bool goesOn = false;
 size_t countdown = 0;
 size_t all = 0;
 
@@ -45,6 +46,7 @@ void* __wrap_malloc(size_t size) {
     if (!armed) { return __real_malloc(size); }
     if (countdown != 0 && --countdown == 0) {
         hasFailed = true;
+        countdown = goesOn ? 1 : 0;
         return nullptr;
     }
     void* block = __real_malloc(size);
@@ -60,10 +62,11 @@ void __wrap_free(void* pointer) {
 
 namespace support {
 
-FailingMalloc::FailingMalloc(size_t n) {
+FailingMalloc::FailingMalloc(size_t n, bool onwards) {
     make_frame_nodes(16);
     blocks.fill(nullptr);
     hasFailed = false;
+    goesOn = onwards;
     countdown = n;
     all = 0;
     armed = true;
