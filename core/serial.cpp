@@ -114,7 +114,8 @@ void kor_serial_close(KorSerial** handle) {
     const int fd = (*handle)->fd;
     kor_heap_free(*handle);
     *handle = nullptr;
-    if (close(fd) != 0) { raise(KOR_RESULT_IO_ERROR, "close() error: %d", errno); }
+    // A signal does not keep it from closing, and the number may be another file's by now.
+    if (close(fd) != 0 && errno != EINTR) { raise(KOR_RESULT_IO_ERROR, "close() error: %d", errno); }
 }
 
 void kor_serial_purge(KorSerial* handle, int32_t purgeType) {

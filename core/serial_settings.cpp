@@ -8,6 +8,7 @@
 
 #include "core/check.h"
 #include "core/raise.h"
+#include "core/retry.h"
 #include "core/serial.h"
 
 using namespace kor;
@@ -141,7 +142,7 @@ void change_settings(const KorSerial* handle, Change&& change) {
     if (tcgetattr(handle->fd, &settings) != 0) { return raise(KOR_RESULT_IO_ERROR, "tcgetattr() error: %d", errno); }
     if (!change(settings)) { return; }
     force_raw(settings);
-    if (tcsetattr(handle->fd, TCSANOW, &settings) != 0) {
+    if (retry([&] { return tcsetattr(handle->fd, TCSANOW, &settings); }) != 0) {
         return raise(KOR_RESULT_IO_ERROR, "tcsetattr(TCSANOW) error: %d", errno);
     }
 }

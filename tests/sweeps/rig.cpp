@@ -200,6 +200,7 @@ bool Rig::run(Raise raise, const std::string& what, Judge judge) {
         raised_by([&] { abecs_comm_close(&link); });
         connect();
     }
+    abecs_comm_set_limit(link, 0);
     Outcome again;
     again.raised = raised_by([&] { abecs_comm_send_can(link); });
     if (again.raised == Raised{}) {

@@ -74,11 +74,11 @@ int Line::open_port() { return *ports_.insert(nextFd_++).first; }
 
 int Line::open_waker() { return *wakers_.insert(nextFd_++).first; }
 
-bool Line::fails() {
+bool Line::fails(bool waits) {
     pass(kCall);
     if (++calls_ > kMostCalls) { give_up("the library calls the system for ever"); }
     short_ = false;
-    if (calls_ < failAt_ || (calls_ > failAt_ && !onwards_)) { return false; }
+    if (calls_ < failAt_ || (calls_ > failAt_ && !onwards_) || (fault_ == EINTR && !waits)) { return false; }
     short_ = fault_ == kShort;
     hungUp_ = hungUp_ || fault_ == kHangUp;
     if (fault_ > 0) { errno = fault_; }
@@ -86,7 +86,7 @@ bool Line::fails() {
 }
 
 int Line::close(int fd) {
-    const bool failed = fails();
+    const bool failed = fails(true);
     ports_.erase(fd);
     wakers_.erase(fd);
     return failed ? -1 : 0;
@@ -108,7 +108,7 @@ short Line::events_of(int fd) const {
 }
 
 int Line::wait(pollfd* waited, size_t count, int milliseconds) {
-    if (fails()) { return -1; }
+    if (fails(true)) { return -1; }
     const Time end = now_ + std::chrono::milliseconds(milliseconds);
     for (;;) {
         int ready = 0;
@@ -126,7 +126,7 @@ int Line::wait(pollfd* waited, size_t count, int milliseconds) {
 }
 
 long Line::read(void* to, size_t size) {
-    if (fails()) { return -1; }
+    if (fails(true)) { return -1; }
     if (hungUp_) { return 0; }
     size_t count = std::min(short_ ? 1 : size, arrived());
     count = std::min(count, trafficLeft_);
@@ -140,7 +140,7 @@ long Line::read(void* to, size_t size) {
 }
 
 long Line::write(const void* bytes, size_t size) {
-    if (fails()) { return -1; }
+    if (fails(true)) { return -1; }
     if (hungUp_) { return errno = EIO, -1; }
     size_t count = 0;
     while (count < (short_ ? 1 : size) && !hungUp_) {
@@ -158,8 +158,8 @@ void Line::discard_input() {
 namespace {
 
 // A call on the terminal itself.
-bool refused() {
-    if (current->fails()) { return true; }
+bool refused(bool waits = false) {
+    if (current->fails(waits)) { return true; }
     if (!current->hung_up()) { return false; }
     return errno = EIO, true;
 }
@@ -183,7 +183,7 @@ using memory::current;
 
 QUORVEL_WRAPS(int, open, const char* path, int flags, int mode) {
     if (current == nullptr || std::strcmp(path, memory::kPath) != 0) { return __real_open(path, flags, mode); }
-    return current->fails() ? -1 : current->open_port();
+    return current->fails(true) ? -1 : current->open_port();
 }
 
 QUORVEL_WRAPS(int, close, int fd) { return memory::owns(fd) ? current->close(fd) : __real_close(fd); }
@@ -201,7 +201,7 @@ QUORVEL_WRAPS(int, poll, pollfd* waited, nfds_t count, int milliseconds) {
                                     : __real_poll(waited, count, milliseconds);
 }
 
-QUORVEL_WRAPS(int, tcdrain, int fd) { return memory::owns(fd) ? -int{memory::refused()} : __real_tcdrain(fd); }
+QUORVEL_WRAPS(int, tcdrain, int fd) { return memory::owns(fd) ? -int{memory::refused(true)} : __real_tcdrain(fd); }
 
 QUORVEL_WRAPS(int, tcflush, int fd, int queues) {
     if (!memory::owns(fd)) { return __real_tcflush(fd, queues); }
@@ -217,7 +217,7 @@ QUORVEL_WRAPS(int, tcgetattr, int fd, termios* settings) {
 }
 
 QUORVEL_WRAPS(int, tcsetattr, int fd, int when, const termios* settings) {
-    return memory::owns(fd) ? -int{memory::refused()} : __real_tcsetattr(fd, when, settings);
+    return memory::owns(fd) ? -int{memory::refused(true)} : __real_tcsetattr(fd, when, settings);
 }
 
 QUORVEL_WRAPS(int, ioctl, int fd, unsigned long request, void* argument) {
@@ -234,7 +234,7 @@ QUORVEL_WRAPS(int, fcntl, int fd, int what, int argument) {
 }
 
 QUORVEL_WRAPS(int, flock, int fd, int what) {
-    return memory::owns(fd) ? -int{current->fails()} : __real_flock(fd, what);
+    return memory::owns(fd) ? -int{current->fails(true)} : __real_flock(fd, what);
 }
 
 QUORVEL_WRAPS(int, eventfd, unsigned value, int flags) {

@@ -56,8 +56,8 @@ public:
     int open_waker();
     [[nodiscard]] bool owns(int fd) const { return ports_.contains(fd) || wakers_.contains(fd); }
     [[nodiscard]] bool is_waker(int fd) const { return wakers_.contains(fd); }
-    // Whether this one fails, errno being set.
-    bool fails();
+    // Whether this one fails, errno being set. A signal can end only a call that may wait.
+    bool fails(bool waits = false);
     int close(int fd);
     int wait(pollfd* waited, size_t count, int milliseconds);
     long read(void* to, size_t size);
