@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,9 +34,13 @@ public:
         if (answers_.empty()) { return; }
         last_ = answers_.front();
         answers_.pop_front();
-        line_.send(last_);
+        line_.send(noise(last_));
     }
     [[nodiscard]] size_t requests() const { return requests_; }
+
+    // Whether it refuses the frame that has come, and what becomes of an answer on the way.
+    std::function<bool()> refuses = [] { return false; };
+    std::function<std::string(std::string)> noise = [](std::string wire) { return wire; };
 
 private:
     enum class State { kIdle, kFrame, kCrcHigh, kCrcLow };
@@ -46,7 +51,7 @@ private:
         switch (state_) {
             case State::kIdle:
                 if (byte == 0x16) { state_ = State::kFrame; }
-                if (byte == 0x15) { line_.send(last_); }
+                if (byte == 0x15) { line_.send(noise(last_)); }
                 if (byte == 0x18) {
                     answer({});
                     line_.send("\x04");
@@ -60,6 +65,7 @@ private:
                 return;
             case State::kCrcLow:
                 state_ = State::kIdle;
+                if (refuses()) { return line_.send("\x15"); }
                 ++requests_;
                 line_.send("\x06");
                 speak();
