@@ -15,7 +15,8 @@ inline constexpr SessionKey kSessionKey{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12
 
 // With the tables that the standard cards select their applications in.
 inline Device loaded_device() {
-    Device device = Device::standard();
+    static const Device kStandard = Device::standard();
+    Device device = kStandard;
     Tables::Records records;
     for (const auto& [acquirer, index] : {std::pair(1, "01"), {2, "01"}, {3, "01"}, {3, "02"}, {3, "03"}, {4, "01"}}) {
         records[{.table = 1, .acquirer = acquirer, .index = index}] = {};
