@@ -10,6 +10,13 @@ if(QUORVEL_SANITIZE)
     -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quorvel_sanitize INTERFACE -fsanitize=${QUORVEL_SANITIZE})
 endif()
+if(QUORVEL_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    message(FATAL_ERROR "QUORVEL_FUZZ needs clang, as the preset fuzz has it")
+  endif()
+  # Behind what each target says of itself: fast enough, and no checks that keep the sanitizers from seeing what is wrong.
+  target_compile_options(quorvel_sanitize INTERFACE -fsanitize=fuzzer-no-link -O1 -U_FORTIFY_SOURCE)
+endif()
 
 # Ordinary programs and libraries beside the library: tools, simulator, tests, examples.
 function(quorvel_ordinary target)

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/control/client.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fmt/format.h>
@@ -30,7 +31,8 @@ short Client::events() const noexcept {
 }
 
 std::optional<std::chrono::steady_clock::time_point> Client::deadline() const {
-    return await_ ? std::optional(await_->deadline) : std::nullopt;
+    if (await_ && lost_) { return std::min(await_->deadline, *lost_); }
+    return await_ ? std::optional(await_->deadline) : lost_;
 }
 
 bool Client::is_over() const noexcept { return gone_ || (ended_ && !await_ && in_.empty() && out_.empty()); }
@@ -90,7 +92,13 @@ void Client::answer(const Control::Outcome& outcome) {
 void Client::write() {
     while (!out_.empty()) {
         const ssize_t count = ::send(socket(), out_.data(), out_.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-        if (count < 0 && is_transient(errno)) { return; }
+        if (count < 0 && is_transient(errno)) {
+            const auto now = std::chrono::steady_clock::now();
+            if (!lost_) { lost_ = now + patience_; }
+            if (now >= *lost_) { forsake(); }
+            return;
+        }
+        lost_.reset();
         // Whoever went without waiting for answers may still have left requests.
         out_.erase(0, count < 0 ? std::string::npos : static_cast<size_t>(count));
     }

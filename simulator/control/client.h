@@ -17,7 +17,9 @@ namespace quorvel::sim {
 // holds up those behind it.
 class Client {
 public:
-    Client(int socket, Control& control) : socket_(socket, "accept4"), control_(control) {}
+    // Whoever reads nothing for as long as `patience`, with answers left to read, has gone.
+    Client(int socket, Control& control, std::chrono::milliseconds patience)
+        : socket_(socket, "accept4"), control_(control), patience_(patience) {}
 
     [[nodiscard]] int socket() const noexcept { return socket_.get(); }
     // What to poll the socket for: requests only while there is room for them and their answers.
@@ -45,9 +47,12 @@ private:
 
     Descriptor socket_;
     Control& control_;
+    const std::chrono::milliseconds patience_;
     std::string in_;
     std::string out_;
     std::optional<Control::Await> await_;
+    // When it is given up, unless it reads.
+    std::optional<std::chrono::steady_clock::time_point> lost_;
     // The rest of a line that was too long is passed over.
     bool skipping_ = false;
     bool ended_ = false;

@@ -3,8 +3,10 @@
 #include "simulator/control/control_server.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/socket.h>
@@ -70,10 +72,18 @@ std::pair<dev_t, ino_t> file_at(const fs::path& path) {
     return {status.st_dev, status.st_ino};
 }
 
+// What it has asked already is taken, as the answer might be lost with it.
+void turn_away(const Descriptor& socket) {
+    const std::string answer = refusal(fmt::format("{} clients are served, and no more", kMostClients)).dump() + "\n";
+    std::array<char, 4096> asked{};
+    ::recv(socket.get(), asked.data(), asked.size(), MSG_DONTWAIT);
+    ::send(socket.get(), answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+}
+
 }  // namespace
 
-ControlServer::ControlServer(const fs::path& path, Control& control)
-    : path_(path), control_(control), listener_(listen_at(path), "socket"), file_(file_at(path)) {
+ControlServer::ControlServer(const fs::path& path, Control& control, std::chrono::milliseconds patience)
+    : path_(path), control_(control), patience_(patience), listener_(listen_at(path), "socket"), file_(file_at(path)) {
     control_.pin_pad().board().on_change([this] { wakeUp_.wake(); });
     thread_ = std::thread([this] { serve(); });
 }
@@ -89,10 +99,9 @@ ControlServer::~ControlServer() {
 
 void ControlServer::serve() {
     while (!stopping_) {
-        std::vector<pollfd> polled{{wakeUp_.get(), POLLIN, 0}};
-        polled.push_back({clients_.size() < kMostClients ? listener_.get() : -1, POLLIN, 0});
+        std::vector<pollfd> polled{{wakeUp_.get(), POLLIN, 0}, {listener_.get(), POLLIN, 0}};
         for (const Client& client : clients_) { polled.push_back({client.socket(), client.events(), 0}); }
-        if (::poll(polled.data(), polled.size(), patience()) < 0) { continue; }
+        if (::poll(polled.data(), polled.size(), limit()) < 0) { continue; }
         if (polled[0].revents != 0) { wakeUp_.clear(); }
         auto at = polled.begin() + 2;
         for (Client& client : clients_) {
@@ -111,15 +120,17 @@ void ControlServer::serve() {
 
 void ControlServer::take_client() {
     const int socket = ::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (socket >= 0) {
-        clients_.emplace_back(socket, control_);
+    if (socket >= 0 && clients_.size() < kMostClients) {
+        clients_.emplace_back(socket, control_, patience_);
+    } else if (socket >= 0) {
+        turn_away(Descriptor(socket, "accept4"));
     } else if (errno == EMFILE || errno == ENFILE) {
         // The client goes on waiting at the door, so without a pause this would be asked again and again.
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
 }
 
-int ControlServer::patience() const {
+int ControlServer::limit() const {
     using std::chrono::milliseconds;
     std::optional<milliseconds> least;
     for (const Client& client : clients_) {

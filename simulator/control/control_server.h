@@ -19,14 +19,15 @@
 
 namespace quorvel::sim {
 
-// A Unix domain socket on which any number of clients control the PIN pad, each request and each answer a line of
+// A Unix domain socket on which up to 32 clients at a time control the PIN pad, each request and each answer a line of
 // JSON. Only the user who runs the PIN pad may connect. It serves on a thread of its own as long as it lives; then it
 // removes the socket.
 class ControlServer {
 public:
     // Replaces a socket that a run left behind. Throws std::runtime_error when something else is at `path`, or a socket
-    // on which somebody listens.
-    ControlServer(const std::filesystem::path& path, Control& control);
+    // on which somebody listens. A client that has answers to read and reads nothing for `patience` is dropped.
+    ControlServer(const std::filesystem::path& path, Control& control,
+                  std::chrono::milliseconds patience = std::chrono::seconds(10));
     ~ControlServer();
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
@@ -34,10 +35,11 @@ public:
 private:
     void serve();
     void take_client();
-    [[nodiscard]] int patience() const;
+    [[nodiscard]] int limit() const;
 
     std::filesystem::path path_;
     Control& control_;
+    const std::chrono::milliseconds patience_;
     Descriptor listener_;
     std::pair<dev_t, ino_t> file_;
     WakeUp wakeUp_;

@@ -66,7 +66,7 @@ def library_breaches(root: Path):
 
 
 def head_breaches(root: Path):
-    for folder in LIBRARY + ("include", "wire", "simulator", "cli", "examples", "tests"):
+    for folder in LIBRARY + ("include", "wire", "simulator", "cli", "examples", "tests", "fuzz"):
         for path in sources_in(root / folder):
             if not path.read_text().startswith(HEADS.get(path.read_text()[:2], "\0")):
                 yield f"{path.relative_to(root).as_posix()}:1: no licence head"

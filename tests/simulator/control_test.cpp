@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <list>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sys/stat.h>
@@ -7,6 +8,7 @@
 #include "simulator/control/control_server.h"
 #include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
+#include "tests/support/mutation.h"
 
 using namespace quorvel::sim;
 
@@ -160,6 +162,55 @@ TEST_F(ControlTest, ServesSeveralClientsWhateverTheyDo) {
     EXPECT_LT(deaf.send_what_goes(flood), flood.size());
     expect_answers({{R"({"do":"remove"})", kDone}});
     EXPECT_EQ(silent.ask(R"({"do":"remove"})"), kDone);
+}
+
+TEST_F(ControlTest, DropsWhoeverReadsNothing) {
+    const ControlServer hasty(folder_ / "hasty", *control_, std::chrono::milliseconds(50));
+    ControlClient deaf(folder_ / "hasty");
+    // All of it fits on the way there, the answers do not fit on the way back.
+    std::string flood;
+    for (int i = 0; i < 3000; ++i) { flood += "{\"do\":\"cards\"}\n"; }
+    deaf.send(flood);
+    ControlClient other(folder_ / "hasty");
+    EXPECT_EQ(other.ask(R"({"do":"remove"})"), kDone);
+    call("OPN", "OPN000");
+    EXPECT_TRUE(deaf.is_left());
+    EXPECT_EQ(other.ask(R"({"do":"remove"})"), kDone);
+}
+
+TEST_F(ControlTest, TurnsAwayWhomItHasNoRoomFor) {
+    std::list<ControlClient> others;
+    for (int i = 1; i < 32; ++i) { others.emplace_back(path_); }
+    EXPECT_EQ(others.back().ask(R"({"do":"remove"})"), kDone);
+    ControlClient late(path_);
+    EXPECT_EQ(late.line(), refused("32 clients are served, and no more"));
+    EXPECT_EQ(late.line(), "");
+    EXPECT_TRUE(late.is_left());
+    others.pop_front();
+    EXPECT_EQ(ControlClient(path_).ask(R"({"do":"remove"})"), kDone);
+}
+
+TEST_F(ControlTest, AnswersWhateverLineComes) {
+    std::ifstream document(QUORVEL_DOCS "/control-socket.md");
+    std::vector<std::string> requests;
+    for (std::string line; std::getline(document, line);) {
+        // But for those that take their time, or the PIN pad away.
+        const auto has = [&](const char* verb) { return line.find(verb) != std::string::npos; };
+        if (line.starts_with("> ") && !has("await") && !has("hang-up") && !has("stop")) {
+            requests.push_back(line.substr(2));
+        }
+    }
+    support::Dice dice(20260102);
+    for (int i = 0; i < 10000 && !HasFailure(); ++i) {
+        std::string line = dice.among(requests);
+        for (size_t changes = dice.below(4); changes > 0; --changes) { line = support::mutated(line, dice); }
+        std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });
+        if (line.empty()) { continue; }
+        const json answer = json::parse(client_->ask(line), nullptr, false);
+        EXPECT_TRUE(answer.is_object() && (answer.value("ok", false) || answer.contains("error"))) << line;
+    }
+    expect_answers({{R"({"do":"clear-faults"})", kDone}});
+    call("OPN", "OPN000");
 }
 
 TEST_F(ControlTest, DoesWhatAClientAsksThatGoesAtOnce) {

@@ -41,6 +41,9 @@ public:
         return bytes;
     }
 
+    // Whether the other end closes, whatever there is left to read.
+    bool is_left() { return await(0, 5000); }
+
     // The next line; what there was of it when the connection ends first.
     std::string line() {
         std::string line;

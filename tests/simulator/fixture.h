@@ -13,6 +13,7 @@
 
 #include "simulator/cards/cards.h"
 #include "simulator/pin_pad.h"
+#include "tests/simulator/bare_engine.h"
 #include "tests/simulator/ends.h"
 #include "tests/support/wire.h"
 
@@ -36,7 +37,6 @@ inline const std::string kOpnDone = "\x16OPN000\x17\x77\x5E";
 
 // Whoever has no use for the session key needs no key pair.
 inline const std::string kOpenSession = "OPN5230256" + std::string(512, 'F') + "3010001";
-constexpr SessionKey kSessionKey{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
 
 inline Card card(std::string_view name) { return Cards::standard().at(name); }
 inline Gestures inserted(std::string_view name) { return Gestures().insert(card(name)); }
@@ -54,18 +54,6 @@ std::string thrown(const auto& call) {
 class PinPadTest : public testing::Test {
 protected:
     using Kind = Finding::Kind;
-
-    // With the tables that the standard cards select their applications in.
-    static Device loaded_device() {
-        Device device = Device::standard();
-        Tables::Records records;
-        for (const auto& [acquirer, index] :
-             {std::pair(1, "01"), {2, "01"}, {3, "01"}, {3, "02"}, {3, "03"}, {4, "01"}}) {
-            records[{.table = 1, .acquirer = acquirer, .index = index}] = {};
-        }
-        device.tables.load(Tables::kAllAcquirers, "TABLES0001", std::move(records));
-        return device;
-    }
 
     void play(PinPad::Options options = {}) {
         if (pinPad_) { expect_findings({}); }
