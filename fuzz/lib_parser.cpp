@@ -31,7 +31,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             },
             [] {});
         require(read <= size, "no more than there was");
-        require(std::memchr(text, 0, sizeof text) != nullptr, "the text ends");
+        require(std::find(std::begin(text), std::end(text), 0) != std::end(text), "the text ends");
     }
     return 0;
 }

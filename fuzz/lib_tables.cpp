@@ -12,7 +12,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const uint8_t which = input.byte();
     const std::string text = input.rest();
     const size_t before = ends.pad.requests();
-    const auto act = [&] {
+    auto act = [&] {
         switch (which % 5) {
             case 0:
                 return static_cast<void>(abecs_cmd_tlr(ends.link, text.c_str()));
