@@ -101,6 +101,12 @@ TEST_F(CommandTest, TablesAreLoadedInBatches) {
     EXPECT_EQ(run_json({"tables", "load", path, "--if-different"})["result"]["loaded"], false);
     EXPECT_EQ(run_json({"tables", "version", "0", "7"})["result"]["tables"],
               Json::parse(R"([{"acquirer": 0, "version": "2026010100"}, {"acquirer": 7, "version": "2026010100"}])"));
+    // A hundred short ones are one too many for a batch.
+    std::string many = "version 2026010102\n";
+    for (int i = 100; i < 200; ++i) { many += "008203" + std::to_string(i).substr(1) + "\n"; }
+    for (const std::string& each : {folder_.file("many.tables", many), path}) {
+        EXPECT_EQ(run({"tables", "load", each}).exit, 0);
+    }
     sim::Tables::Records loaded;
     for (int i = 0; i < 5; ++i) { loaded[{1, 3, "0" + std::to_string(i)}] = sim::Bytes(392, 'x'); }
     pinPad_.stop();

@@ -32,6 +32,9 @@ TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
         {"474B59303034", "PIN pad/GKY wait for a key/ST_F1/\n"},
         // "GIX" 000 008: PP_TLRMEM.
         {"4749583030303030388062000400040000", "PIN pad/GIX device information/ST_OK/{\"PP_TLRMEM\":262144}\n"},
+        // "GCX" 000 020: PP_PAN, which the PIN pad has not masked.
+        {"4743583030303032308052001034313131313131313131313131313131",
+         "PIN pad/GCX read a card/ST_OK/{\"PP_PAN\":\"411111******1111\"}\n"},
         // "GIX" 008: SPE_IDLIST.
         {"4749583030380001000480018003", "host/GIX device information//{\"SPE_IDLIST\":\"80018003\"}\n"},
     };

@@ -206,6 +206,13 @@ TEST(Rsa, RefusedDataLeavesTheOutputAsItWas) {
     expect(crypt_rsa_decrypt, key.object, damaged, 128, 128, "Invalid OAEP packet");
     expect(crypt_rsa_decrypt, key.object, kOaep, 127, 128, "Invalid OAEP packet");
     expect(crypt_rsa_decrypt, key.object, kOaep, 128, kMessage.size() - 1, "Invalid OAEP packet");
+    // A block that begins with 01, and one whose seed makes the mask such that all looks right but the label's hash.
+    for (const auto& [place, bits] : {std::pair(0U, 0x01), std::pair(1U, 0x36)}) {
+        std::string block = Big(kOaep).to_the(Big(kD), Big(kN)).bytes(128);
+        block[place] = static_cast<char>(block[place] ^ bits);
+        const std::string wrong = Big(block).to_the(Big(kE), Big(kN)).bytes(128);
+        expect(crypt_rsa_decrypt, key.object, wrong, 128, 128, "Invalid OAEP packet");
+    }
 }
 
 TEST(Rsa, KeysThatCannotBeMadeKeepNoMemory) {

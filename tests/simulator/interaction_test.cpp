@@ -129,7 +129,7 @@ TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
     const std::string pan = "134012345678909      ";
     play();
     // Twice the same PIN: whoever differs begins anew.
-    call_while(Gestures().type("1234").type("1235").type("1234").type("1234"),
+    call_while(Gestures().type("1235").type("1234").type("1234").type("1234"),
                gpn("200", blank, pan, {"0412PIN", "0412AGAIN"}), "GPN000036AE03BBC9A095DEFEFFFF9876543210E00001");
     call_while(Gestures().press(digit('1')).press(Key::kCancel), gpn("300", blank, pan, {"0412PIN"}), "GPN013");
     call_while(Gestures().type("1234"), gpn("399", blank, pan, {"0412PIN"}), "GPN042");

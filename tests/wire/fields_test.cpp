@@ -6,9 +6,14 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
+#include "tests/support/wire.h"
+#include "wire/tlv.h"
+
 using namespace std::string_literals;
+using namespace support::literals;
 
 using namespace quorvel::wire;
 
@@ -68,6 +73,17 @@ TEST(Writer, RefusesWhatDoesNotFit) {
     EXPECT_THROW(Writer().h(to_bytes("AB"), 2), std::invalid_argument);
     EXPECT_THROW(Writer().x(256, 1), std::invalid_argument);
     EXPECT_NO_THROW(Writer().x(0xFFFFFFFF, 4));
+}
+
+TEST(DataObjects, HaveLengthsOfAsManyBytesAsTheyNeed) {
+    const std::pair<size_t, std::string> cases[]{
+        {127, "5F34 7F"_hex}, {128, "5F34 8180"_hex}, {255, "5F34 81FF"_hex}, {256, "5F34 820100"_hex}};
+    for (const auto& [size, head] : cases) {
+        const DataObjects objects{{0x5F34, Bytes(size, 'x')}};
+        const Bytes encoded = to_bytes(head + std::string(size, 'x'));
+        EXPECT_EQ(encode(objects, {0x5F34}), encoded);
+        EXPECT_EQ(decode(encoded), objects);
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <set>
 
 #include "tests/support/wire.h"
 #include "wire/param_id.h"
@@ -97,6 +98,17 @@ TEST(Privacy, WithholdsTracksKeysPinsAndWhatIsTyped) {
     for (const Tag tag : {0x57U, 0x56U, 0x9F6BU, 0x9F20U, 0x9F1FU}) {
         EXPECT_EQ(data_object(tag, to_bytes("1")).privacy, Privacy::kWithheld) << tag;
     }
+    std::set<std::string_view> fields;
+    for (const Command& command : kAllCommands) {
+        for (const Sender sender : {Sender::kHost, Sender::kPinPad}) {
+            for (const Field& field : fields_of(command.id, sender)) {
+                if (field.content.privacy == Privacy::kWithheld) { fields.insert(field.name); }
+            }
+        }
+    }
+    EXPECT_EQ(fields, (std::set<std::string_view>{"", "ENB_DATA", "ENB_WKENC", "FNC_ISSDAT", "GCR_CARD", "GOC_ACQPR",
+                                                  "GOC_PINBLK", "GOC_WKENC", "GPN_PAN", "GPN_PINBLK", "GPN_WKENC",
+                                                  "OPN_CRKS"}));
     EXPECT_EQ(param_item(pp::kPan, to_bytes(kPan)).privacy, Privacy::kCard);
     EXPECT_EQ(data_object(0x5A, to_bytes("1")).privacy, Privacy::kCard);
 }

@@ -31,6 +31,7 @@ struct Driver {
     int unsent = 0;
     int sends = 0;  // of them from one look to the next
     size_t room = SIZE_MAX;
+    size_t most = SIZE_MAX;  // of a write
 };
 Driver* driver = nullptr;
 
@@ -56,7 +57,7 @@ ssize_t __wrap_write(int fd, const void* bytes, size_t count) {
     if (counted != nullptr) { ++counted->writes; }
     if (counted == nullptr || driver == nullptr) { return __real_write(fd, bytes, count); }
     if (driver->room == 0) { return errno = EAGAIN, -1; }
-    const size_t taken = std::min(count, driver->room);
+    const size_t taken = std::min({count, driver->room, driver->most});
     driver->room -= taken;
     return __real_write(fd, bytes, taken);
 }
@@ -137,6 +138,11 @@ TEST_F(SystemCalls, AreOneWriteForAFrameIfTheCallerSaysSo) {
     const Calls calls = exchange(0);
     EXPECT_EQ(calls.writes, 1 + sent);
     EXPECT_EQ(calls.drains, 1 + sent + 1);
+    Driver narrow{.most = 400};
+    driver = &narrow;
+    link.peer.request(request);
+    EXPECT_EQ(exchange(0).writes, 3U);
+    driver = nullptr;
     const std::string escaped = "GEN" + std::string(2041, '\x16');
     const Packet packet(escaped);
     link.peer.request(escaped);

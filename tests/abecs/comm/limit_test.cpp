@@ -109,6 +109,7 @@ TEST_F(Limit, LosesNoAnswer) {
     link.peer.send(kGood.substr(0, 4)).expect_silence(2s).expect(kNak).send(kGood);
     EXPECT_GE(count_ends(readAll), 7);
     EXPECT_EQ(answer.take(), "GIN000");
+    EXPECT_EQ(link.comm->reception.data, decltype(link.comm->reception.data){}) << "nothing that was put away stays";
 }
 
 // What is left of an answer may look like the confirmation.
@@ -132,6 +133,8 @@ TEST_F(Limit, LeavesNothingInTheWayOfCan) {
 }
 
 TEST_F(Limit, OfNothingIsNone) {
+    link.peer.send(kGood);
+    EXPECT_EQ(read(), Raised{});
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 0));
     link.peer.wait(500ms).send(kGood);
     EXPECT_EQ(read(), Raised{});

@@ -79,6 +79,7 @@ TEST_F(Line, SendsAPacketThatWasReadBeforeItWasFilled) {
 // TIOCEXCL keeps out all but root. A copy of the descriptor, as a child process has one, does not keep the claim.
 TEST(Claim, TakesThePortForOneLinkUntilItIsClosed) {
     Peer peer;
+    const int other = dup(STDIN_FILENO);  // and then the port, as in a child process that outlives its link
     for (int i = 0; i < 2; ++i) {
         AbecsComm* mine = nullptr;
         peer.accept_can();
@@ -98,12 +99,12 @@ TEST(Claim, TakesThePortForOneLinkUntilItIsClosed) {
         int exclusive = 0;
         EXPECT_EQ(ioctl(abecs_comm_get_fd(mine), TIOCGEXCL, &exclusive), 0);
         EXPECT_EQ(exclusive, 1);
-        const int other = dup(abecs_comm_get_fd(mine));
+        dup2(abecs_comm_get_fd(mine), other);
         EXPECT_NO_RAISE(abecs_comm_close(&mine));
         EXPECT_EQ(ioctl(other, TIOCGEXCL, &exclusive), 0);
         EXPECT_EQ(exclusive, 0);
-        close(other);
     }
+    close(other);
 }
 
 }  // namespace
