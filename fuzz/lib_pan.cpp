@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "fuzz/link.h"
 
@@ -16,7 +18,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const auto function : {abecs_pan_encrypt2, abecs_pan_decrypt_track2}) {
         const char* result = nullptr;
         raised_by([&] { result = function(bare.data(), bare.size(), &key); }, [] {});
-        require(result == nullptr || std::strlen(result) <= bare.size(), "it is no longer than it was");
+        require(result == nullptr || std::strlen(result) <= std::max<size_t>(bare.size(), 16),
+                "it is no longer than it was, or a block");
     }
     for (const auto function : {abecs_pan_encrypt, abecs_pan_decrypt_track}) {
         raised_by([&] { function(text.c_str(), &key); }, [] {});

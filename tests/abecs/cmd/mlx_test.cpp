@@ -14,7 +14,7 @@
 namespace {
 
 // How much each read of a file has given.
-std::vector<size_t> reads;
+std::vector<size_t>& reads = *new std::vector<size_t>;  // for good: what measures the tests reads after their end
 
 // How many files were tried to be opened, and what is in their way.
 size_t opened = 0;
