@@ -29,6 +29,9 @@ target_compile_options(quorvel_library_rules INTERFACE
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wglobal-constructors>
   # Small, because nearly all the time goes to the line. With frame pointers the unwind tables are smaller, too.
   $<$<NOT:$<CONFIG:Debug>>:-Oz -fno-omit-frame-pointer -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+if(QUORVEL_COVERAGE)
+  target_compile_options(quorvel_library_rules INTERFACE --coverage)
+endif()
 target_include_directories(quorvel_library_rules INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(quorvel_library_rules INTERFACE quorvel_warnings quorvel_sanitize)
 
