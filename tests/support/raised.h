@@ -59,11 +59,24 @@ public:
     [[nodiscard]] const std::vector<Raised>& all() const;
 };
 
+// Whether `call` raises this. An argument that is refused is refused once more where the raise returns, and just once.
+template <typename Call>
+testing::AssertionResult raises(const Raised& expected, Call&& call) {
+    const Raised caught = raised_by(call);
+    if (caught != expected) { return testing::AssertionFailure() << caught << " was raised, and not " << expected; }
+    if (expected.code != KOR_RESULT_ILLEGAL_ARGUMENT) { return testing::AssertionSuccess(); }
+    const ReturningRaises handler;
+    call();
+    if (handler.all() == std::vector{expected}) { return testing::AssertionSuccess(); }
+    return testing::AssertionFailure() << handler.all().size() << " errors where the raise returns, first "
+                                       << (handler.all().empty() ? Raised{} : handler.all()[0]);
+}
+
 }  // namespace support
 
 // EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "'out' is NULL", kor_exception_get(nullptr));
 #define EXPECT_RAISES(code, detail, ...) \
-    EXPECT_EQ(support::raised_by([&] { static_cast<void>(__VA_ARGS__); }), support::error(code, detail))
+    EXPECT_TRUE(support::raises(support::error(code, detail), [&] { static_cast<void>(__VA_ARGS__); }))
 
 #define EXPECT_NO_RAISE(...) EXPECT_EQ(support::raised_by([&] { static_cast<void>(__VA_ARGS__); }), support::Raised{})
 

@@ -10,7 +10,7 @@
 
 #include "quorvel/kor/exception.h"
 
-// What a program holds, which must be the same after the first thousand rounds and after the last.
+// What a program holds, which must be the same after the first rounds and after the last.
 struct Held {
     size_t heap = mallinfo2().uordblks;
     long descriptors = std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
