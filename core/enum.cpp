@@ -6,6 +6,7 @@
 #include <cstdarg>
 
 #include "core/check.h"
+#include "core/variadic.h"
 
 using namespace kor;
 
@@ -15,7 +16,7 @@ constexpr int32_t kEnd = INT_MIN;
 
 }  // namespace
 
-bool kor_enum_is_valid(int32_t value, ...) {
+KOR_VARIADIC bool kor_enum_is_valid(int32_t value, ...) {
     if (refuse_if(value == kEnd, "%d is not acceptable as an enumerator", value)) { return false; }
     va_list enumerators;
     va_start(enumerators, value);

@@ -11,6 +11,7 @@
 #include "core/attempt.h"
 #include "core/check.h"
 #include "core/raise.h"
+#include "core/variadic.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/string.h"
 
@@ -85,7 +86,7 @@ void kor_exception_throw(KorResult_E code, const char* message) {
     clear_record();
 }
 
-void kor_exception_fthrow(KorResult_E code, const char* format, ...) {
+KOR_VARIADIC void kor_exception_fthrow(KorResult_E code, const char* format, ...) {
     // Formatted apart from the record, because the arguments may point into the record's own message.
     char message[sizeof __cex__.message];
     va_list arguments;

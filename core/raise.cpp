@@ -3,6 +3,7 @@
 #include <cstdarg>
 
 #include "core/check.h"
+#include "core/variadic.h"
 #include "quorvel/kor/exception.h"
 #include "quorvel/kor/string.h"
 
@@ -22,7 +23,7 @@ void raise_text(KorResult_E code, const Detail& text) {
 
 }  // namespace
 
-void kor::raise(KorResult_E code, const char* detail, ...) {
+KOR_VARIADIC void kor::raise(KorResult_E code, const char* detail, ...) {
     Detail text;
     va_list arguments;
     va_start(arguments, detail);
@@ -31,7 +32,7 @@ void kor::raise(KorResult_E code, const char* detail, ...) {
     raise_text(code, text);
 }
 
-bool kor::refuse_if(bool wrong, const char* detail, ...) {
+KOR_VARIADIC bool kor::refuse_if(bool wrong, const char* detail, ...) {
     if (!wrong) { return false; }
     Detail text;
     va_list arguments;

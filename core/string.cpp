@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/check.h"
+#include "core/variadic.h"
 #include "quorvel/kor/heap.h"
 #include "quorvel/kor/system.h"
 
@@ -43,7 +44,7 @@ bool copy_unless_same(char* to, const char* from) {
 
 }  // namespace
 
-char* kor_string_format(char* to, size_t size, const char* format, ...) {
+KOR_VARIADIC char* kor_string_format(char* to, size_t size, const char* format, ...) {
     if (refuse_null(to, "'to' is NULL")) { return nullptr; }
     // Tested here as well as in kor_string_vformat, because a raise from there would jump over va_end.
     if (refuse_if(to == format, "'to' and 'format' points to the same buffer")) { return to; }
