@@ -148,7 +148,7 @@ Outcome Rig::act(Raise raise) {
         if (raises.all().size() > 1) { ADD_FAILURE() << command_->name << " raised more than once"; }
         if (!raises.all().empty()) { outcome.raised = raises.all().front(); }
     }
-    allocationFailed_ = memory.failed();
+    outcome.noMemory = memory.failed();
     outcome.took = line.now() - start;
     const bool kept = outcome.raised == Raised{};
     if (kept) {
@@ -189,9 +189,11 @@ std::string Rig::fault_in(const Outcome& outcome) const {
 bool Rig::run(Raise raise, const std::string& what, Judge judge) {
     arrange(wire_);
     const Outcome outcome = act(raise);
+    ++runs_;
     wrong_ = {};
     std::string fault = fault_in(outcome);
     if (fault.empty() && !judge(outcome, reference_)) { fault = "it came to this"; }
+    allocationFailed_ = outcome.noMemory;
     callFailed_ = line.failed();
     hungUp_ = line.hung_up();
     line.heal();

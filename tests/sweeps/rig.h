@@ -41,6 +41,7 @@ struct Outcome {
     int32_t status = 0;
     std::string results;  // all that the call has filled
     size_t kept = 0;      // blocks of memory
+    bool noMemory = false;
     memory::Time took{};
 };
 
@@ -63,6 +64,8 @@ public:
     void hang_up_after(size_t bytes) { wrong_.traffic = bytes; }
     // The PIN pad says this instead.
     void say(Wire wire) { wire_ = std::move(wire); }
+    // So many have gone wrong so far, so that a sweep can say that it was one.
+    [[nodiscard]] size_t runs() const { return runs_; }
     // Whether the last run has come to it.
     [[nodiscard]] bool allocation_failed() const { return allocationFailed_; }
     [[nodiscard]] bool call_failed() const { return callFailed_; }
@@ -99,6 +102,7 @@ private:
         size_t traffic = SIZE_MAX;
         bool onwards = false;
     } wrong_;
+    size_t runs_ = 0;
     bool allocationFailed_ = false;
     bool callFailed_ = false;
     bool hungUp_ = false;
