@@ -42,6 +42,7 @@ TEST_F(GenTest, TellsWhereKeysAreEnciphersAndReadsTags) {
             {"GEN01402008K30000009", "GEN: 1 bytes too many"},
             {"GEN01204007040025A", "GEN: GEN0404_TAGSLEN: 2 bytes, 2 digits follow"},
             {"GEN00903004025G", "GEN: GEN_TAGS: 0x47 is no hexadecimal digit"},
+            {"GEN0100300502829", "GEN: GEN_TAGS: an odd number of hexadecimal digits"},
             {"GEN02603021032004111111111111111", "GEN: GEN0303_METHOD: 2 instead of 3"},
             {"GEN018030130330041111111", "GEN: GEN0303_INPUT: 8 digits"}});
 }
