@@ -71,9 +71,8 @@ TEST(Cards, AreReadWhole) {
               std::tuple(Chip::First::kDeclined, Chip::Second::kApproved, Status::kCardblocked, Status::kCtlsifchg));
     EXPECT_EQ(to_hex(chip.atr), "3B00");
     EXPECT_EQ(to_hex(chip.script.at(from_hex("00A40400A000000003"))), "6F108405A000000003A507500544454249549000");
-    EXPECT_EQ(
-        card.objects(),
-        decode(from_hex("570341D30F5A084111111111111111820238005F24033012315F280200765F300202065F340107")));
+    EXPECT_EQ(card.objects(),
+              decode(from_hex("570341D30F5A084111111111111111820238005F24033012315F280200765F300202065F340107")));
     EXPECT_FALSE(cards.at("b").chip || cards.at("b").contactless || cards.at("b").has_stripe());
     EXPECT_EQ(cards.at("b").objects().at(0x5A), from_hex("41"));
 }
