@@ -6,11 +6,7 @@
 #include <unistd.h>
 
 #include "core/attempt.h"
-#include "quorvel/kor/buffer.h"
-#include "quorvel/kor/heap.h"
-#include "quorvel/kor/int_set.h"
 #include "quorvel/kor/map.h"
-#include "quorvel/kor/string.h"
 #include "quorvel/kor/string_list.h"
 #include "tests/core/counted.h"
 #include "tests/core/owned.h"
@@ -58,17 +54,6 @@ TEST(Exhaustion, AFailedChangeChangesNothing) {
     expect_all_or_nothing<KorList, kor_list_delete>(2, "a b 2", list_of_a, append, look_at_list);
     expect_all_or_nothing<KorMap, kor_map_delete>(4, "a=1 bb=2 ccc=new of 8", map_of_two, put_third, look_at_map);
     expect_all_or_nothing<KorMap, kor_map_delete>(1, "a=1 bb=new of 4", map_of_two, replace, look_at_map);
-}
-
-TEST(Exhaustion, MakingAnObjectLeavesNothingBehind) {
-    using support::allocations_of;
-    using support::make;
-    EXPECT_EQ(allocations_of(make<[] { return kor_buffer_new(8); }, kor_buffer_delete>), 2U);
-    EXPECT_EQ(allocations_of(make<kor_string_list_new, kor_list_delete>), 1U);
-    EXPECT_EQ(allocations_of(make<[] { return counted::new_map(2); }, kor_map_delete>), 2U);
-    EXPECT_EQ(allocations_of(make<[] { return kor_int_set_new(2); }, kor_set_delete>), 2U);
-    EXPECT_EQ(allocations_of([] { kor_heap_free(kor_string_new("text")); }), 1U);
-    EXPECT_EQ(allocations_of([] { kor_collection_destroy(kor_collection_copy("text", 4)); }), 1U);
 }
 
 // No error can be raised through a try block that cannot be opened.

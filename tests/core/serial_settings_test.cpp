@@ -73,17 +73,4 @@ TEST(SerialSettings, ASpeedIsThatOfBothDirections) {
     EXPECT_EQ(settings.c_cflag & CIBAUD, 0U) << "a speed left for one direction";
 }
 
-TEST(SerialSettings, RawClearsWhatAltersBytesAndKeepsTheRest) {
-    termios settings = filled(kAll);
-    kor::force_raw(settings);
-    EXPECT_EQ(
-        settings.c_iflag,
-        kAll & ~tcflag_t{IGNBRK | BRKINT | IGNPAR | PARMRK | INPCK | ISTRIP | INLCR | IGNCR | ICRNL | IUCLC | IMAXBEL});
-    EXPECT_EQ(settings.c_oflag, kAll & ~tcflag_t{OPOST | ONLCR | OCRNL | ONOCR | ONLRET});
-    EXPECT_EQ(settings.c_lflag, kAll & ~tcflag_t{ICANON | ECHO | ECHOE | ECHONL | ISIG | IEXTEN});
-    settings = filled(0);
-    kor::force_raw(settings);
-    EXPECT_EQ(settings.c_cflag, tcflag_t{CREAD | CLOCAL});
-}
-
 }  // namespace

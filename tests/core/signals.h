@@ -4,7 +4,6 @@
 #define QUORVEL_TESTS_CORE_SIGNALS_H
 
 #include <atomic>
-#include <chrono>
 #include <csignal>
 #include <ctime>
 #include <unistd.h>
@@ -13,7 +12,7 @@
 class Signals {
 public:
     // `flags` are those of sigaction: 0 or SA_RESTART.
-    explicit Signals(int flags, std::chrono::microseconds period = std::chrono::milliseconds(3)) {
+    explicit Signals(int flags) {
         count = 0;
         struct sigaction action {};
         action.sa_handler = [](int) { ++count; };
@@ -24,7 +23,7 @@ public:
         event.sigev_signo = SIGALRM;
         event._sigev_un._tid = gettid();
         timer_create(CLOCK_MONOTONIC, &event, &timer_);
-        const timespec pause{0, static_cast<long>(std::chrono::nanoseconds(period).count())};
+        const timespec pause{0, 3'000'000};
         const itimerspec often{pause, pause};
         timer_settime(timer_, 0, &often, nullptr);
     }

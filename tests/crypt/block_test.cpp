@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "tests/crypt/block_modes.h"
-#include "tests/support/malloc/failing_malloc.h"
 #include "tests/support/raised.h"
 #include "tests/support/wire.h"
 
@@ -104,13 +103,6 @@ TEST(BlockCiphers, SizesOfKeys) {
         EXPECT_RAISES(KOR_RESULT_ILLEGAL_ARGUMENT, "Unsupported key size: " + std::to_string(size),
                       crypt_aes_cipher_new(key, size));
     }
-}
-
-TEST(AesCipher, NeedsMemory) {
-    const support::FailingMalloc failing(1);
-    const uint8_t key[16]{};
-    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", crypt_aes_cipher_new(key, 16));
-    EXPECT_TRUE(failing.failed());
 }
 
 }  // namespace

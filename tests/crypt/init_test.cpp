@@ -38,17 +38,6 @@ void expect_ciphers_to_work() {
     crypt_aes_cipher_delete(&aes);
 }
 
-TEST(CryptInit, RunsAtLoadTimeAndAgainWithoutEffect) {
-    const auto indices = [] {
-        return std::vector{find_prng("sprng"), find_hash("sha1"), find_cipher("aes"), find_cipher("des"),
-                           find_cipher("3des")};
-    };
-    const std::vector<int> atLoad = indices();
-    for (const int index : atLoad) { EXPECT_GE(index, 0); }
-    EXPECT_NO_RAISE(crypt_init());
-    EXPECT_EQ(indices(), atLoad);
-}
-
 TEST(CryptInit, NamesWhatDoesNotFitTheTables) {
     constexpr auto kId = &ltc_cipher_descriptor::ID;
     expect_refusal(register_prng, unregister_prng, &ltc_prng_descriptor::export_size, sprng_desc,

@@ -1,18 +1,31 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
+#include <gtest/gtest.h>
+#include <type_traits>
 
 #include "abecs/comm/comm.h"
-#include "tests/e2e/fixture.h"
+#include "quorvel/quorvel.h"
+#include "simulator/pin_pad.h"
 #include "tests/simulator/host_key.h"
+#include "tests/support/raised.h"
+#include "tests/support/wire.h"
 
 namespace {
 
 using namespace quorvel::sim;
+using namespace support::literals;
+
+std::string from_digits(std::string_view digits) { return support::operator""_hex(digits.data(), digits.size()); }
 
 // What the PIN pad has at index 0, and the working key to use under it.
 const std::string kMasterKey = "0123456789ABCDEF FEDCBA9876543210"_hex;
 const char* const kWorkingKey = "11223344556677889900AABBCCDDEEFF";
+const std::string kClearWorkingKey = from_digits(kWorkingKey);
+
+// The published keys of the first transactions of DUKPT.
+const std::string kPinKeys[]{"042666B49184CF5C 68DE9628D0397B36"_hex, "C46551CEF9FD244F AA9AD834130D3B38"_hex,
+                             "0DF3D9422ACA561A 47676D07AD6BAD05"_hex};
 
 AbecsMk master(AbecsMkType_E type) {
     AbecsMk mk{type, 0, {}};
@@ -20,17 +33,37 @@ AbecsMk master(AbecsMkType_E type) {
     return mk;
 }
 
-std::string digits_of(const std::string& bytes) { return to_hex(to_bytes(bytes)); }
-
-// Plainly and in an encrypted session.
-class Keys : public EndToEnd, public testing::WithParamInterface<bool> {
+// The library and a virtual PIN pad at the other end of its link, plainly and in an encrypted session.
+class Keys : public testing::TestWithParam<bool> {
 protected:
+    Keys() {
+        pinPad_.start();
+        EXPECT_NO_RAISE(link_ = abecs_comm_open(pinPad_.path().c_str()));
+    }
+    ~Keys() override { EXPECT_NO_RAISE(abecs_comm_close(&link_)); }
+
     void SetUp() override { EXPECT_EQ(call(abecs_cmd_opn, GetParam()), ABECS_RSP_STAT_ST_OK); }
 
+    // The command's status; -3, which none has, when it raises.
+    template <typename... Parameters>
+    int32_t call(int32_t (*command)(AbecsComm*, Parameters...), std::type_identity_t<Parameters>... arguments) {
+        int32_t status = -3;
+        EXPECT_NO_RAISE(status = command(link_, arguments...));
+        return status;
+    }
+
+    // Sends a blocking command during which the cardholder does so.
+    template <typename Result, typename... Parameters>
+    void begin(const char* id, const Gestures& gestures, Result (*command)(AbecsComm*, Parameters...),
+               std::type_identity_t<Parameters>... arguments) {
+        pinPad_.when(id, gestures);
+        EXPECT_NO_RAISE(static_cast<void>(command(link_, arguments...)));
+    }
+
     // The block that the PIN pad makes of `data`, 16 digits.
-    std::string enb(AbecsMkType_E type, const char* data) {
-        const AbecsMk mk = master(type);
-        AbecsCmdEnbCmdData request{static_cast<AbecsCmdEnbMethod_E>(type), 0, "", ""};
+    std::string enb(const char* data) {
+        const AbecsMk mk = master(ABECS_MK_TYPE_TDES);
+        AbecsCmdEnbCmdData request{ABECS_CMD_ENB_METHOD_1, 0, "", ""};
         EXPECT_NO_RAISE(abecs_cmd_enb_encrypt_wk(kWorkingKey, &mk, request.wkEnc));
         std::string(data).copy(request.data, sizeof request.data);
         char out[17] = "";
@@ -58,7 +91,7 @@ protected:
     void expect_shared(const AbecsWkPan& key) {
         char data[17] = "";
         EXPECT_NO_RAISE(abecs_cmd_enb_encode_data("0123456789ABCDEF", &key, data));
-        EXPECT_EQ(tdes_decipher(kTdes, from_digits(enb(ABECS_MK_TYPE_TDES, data))), "0123456789ABCDEF"_hex);
+        EXPECT_EQ(tdes_decipher(kClearWorkingKey, from_digits(enb(data))), "0123456789ABCDEF"_hex);
         const std::string pan = abecs_pan_encrypt("4111111111111111", &key);
         EXPECT_NE(pan, "4111111111111111");
         EXPECT_EQ(pin_block(pan), "0512254EEEEEEEEE"_hex);
@@ -93,50 +126,12 @@ protected:
         EXPECT_EQ(link_->panKeyInstalled, installed);
     }
 
+    PinPad pinPad_;
+    AbecsComm* link_ = nullptr;
     size_t pinBlocks_ = 0;
 };
 
 INSTANTIATE_TEST_SUITE_P(In, Keys, testing::Bool());
-
-TEST_P(Keys, EnbEnciphersABlockUnderTheWorkingKey) {
-    for (const auto& [type, key] : {std::pair(ABECS_MK_TYPE_DES, kDes), {ABECS_MK_TYPE_TDES, kTdes}}) {
-        EXPECT_EQ(tdes_decipher(key, from_digits(enb(type, "0123456789abcdef"))), "0123456789ABCDEF"_hex);
-        // A block that begins like the filling of its field comes without what is taken for that.
-        const std::string clear = digits_of(tdes_decipher(key, "30 30 46 DF 67 41 E1 E2"_hex));
-        EXPECT_EQ(enb(type, clear.c_str()), "46DF6741E1E2");
-    }
-}
-
-TEST_P(Keys, EbxEnciphersDataByEachMethod) {
-    const std::string data = "0011223344556677 8899AABBCCDDEEFF 0011223344556677"_hex;
-    const struct {
-        AbecsSpeMthdDat_E method;
-        std::string workingKey;
-        std::string key;
-        bool chained;
-        const char* ksn;
-    } rows[] = {
-        {ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB, kEncipheredDes, kDes, false, ""},
-        {ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC, kEncipheredDes, kDes, true, ""},
-        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB, kEncipheredTdes, kTdes, false, ""},
-        {ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC, kEncipheredTdes, kTdes, true, ""},
-        {ABECS_SPE_MTHD_DAT_DUKPT_DAT1_ECB, "", "E806579543A7C401 E806579543A7C401"_hex, false, "FFFF9876543210E00001"},
-        {ABECS_SPE_MTHD_DAT_DUKPT_DAT3_ECB, "", kDataKeys[0], false, "FFFF9876543210E00001"},
-        {ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC, "", kDataKeys[1], true, "FFFF9876543210E00002"},
-    };
-    for (const auto& row : rows) {
-        AbecsCmdEbxBuilder* builder = abecs_cmd_ebx_builder_new(bytes(data), data.size(), row.method, 0);
-        if (!row.workingKey.empty()) {
-            EXPECT_NO_RAISE(abecs_cmd_ebx_builder_wkenc(builder, bytes(row.workingKey), row.workingKey.size()));
-        }
-        if (row.chained) { EXPECT_NO_RAISE(abecs_cmd_ebx_builder_ivcbc(builder, bytes(kVector))); }
-        EXPECT_EQ(call(abecs_cmd_ebx, builder, items_), ABECS_RSP_STAT_ST_OK);
-        abecs_cmd_ebx_builder_delete(&builder);
-        EXPECT_EQ(tdes_decipher(row.key, item(ABECS_RSP_DATID_PP_DATAOUT), row.chained ? kVector : ""), data)
-            << row.method;
-        EXPECT_EQ(digits_of(item(ABECS_RSP_DATID_PP_KSN)), row.ksn);
-    }
-}
 
 TEST_P(Keys, OfPanServeOnTheLinkUntilTheSessionEnds) {
     for (const auto type : {ABECS_WK_PAN_TYPE_DES, ABECS_WK_PAN_TYPE_TDES, ABECS_WK_PAN_TYPE_TDES_RSA}) {
@@ -159,7 +154,9 @@ TEST_P(Keys, OfPanServeOnTheLinkUntilTheSessionEnds) {
         expect_clear_tracks("4111111111111111");
         SetUp();
     }
-    EXPECT_FALSE(retire().panKey.has_value());
+    pinPad_.stop();
+    EXPECT_TRUE(pinPad_.findings().empty());
+    EXPECT_FALSE(pinPad_.device().panKey.has_value());
 }
 
 }  // namespace

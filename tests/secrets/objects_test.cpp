@@ -63,16 +63,11 @@ const Table kObjects{
     row("BufferDeleted", {number()}, OnObjects{[](Objects& o) { kor_buffer_delete(&o.buffer.object); }},
         {"48: number"}),
     row("BufferGivenAnotherStorage", {number()}, OnObjects{give_other_storage}, {"48: number"}),
-    row("ParamDeleted", {number()}, OnObjects{[](Objects& o) { abecs_param_delete(&o.param.object); }},
-        {"1048: number"}),
-    row("PacketDeleted", {number()}, OnObjects{[](Objects& o) { abecs_packet_delete(&o.packet.object); }},
-        {"2088: number"}),
     row("ParamWritten", {number()}, OnObjects{write_param}, {}),
     row("ParamRead", {number()}, OnObjects{read_param}, {}),
     row("CommandBuilt", {number()}, OnObjects{build}, {}),
     row("BuilderDeleted", {number()}, OnObjects{delete_builder}, {"2088: number"}),
     row("MapValueReplaced", {number()}, OnObjects{replace_value}, {"16: number"}),
-    row("MapCleared", {number()}, OnObjects{[](Objects& o) { kor_map_clear(o.map); }}, {"16: number"}),
     row("MapDeleted", {number()}, OnObjects{[](Objects& o) { kor_map_delete(&o.map.object); }}, {"16: number"}),
 };
 

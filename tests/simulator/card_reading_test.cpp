@@ -20,6 +20,22 @@ std::string gcx(const std::string& parameters) {
 
 using CardReadingTest = PinPadTest;
 
+TEST_F(CardReadingTest, GcrTellsOfAStripe) {
+    play();
+    call_while(Gestures().swipe(card("mastercard-magnetic")), gcr("0099"),
+               "GCR00034200000000060" + padded("B5555555555554444^CARDHOLDER/MASTERCARD^30121010000000000000", 76)
+                   + "34" + padded("5555555555554444=30121010000000000", 37) + "036"
+                   + padded("015555555555554444=00000000000000000", 104) + "16" + padded("5555555555554444", 19) + "00"
+                   + padded("", 16) + "101" + padded("CARDHOLDER/MASTERCARD", 26) + "301231" + padded("", 29)
+                   + "840000");
+    const auto named = [](const std::string& version) { return "GCR0400099000000001234240229235958" + version + "00"; };
+    call(named("TABLES0001"), "GCR021");
+    call_while(inserted("visa-chip"), gcr("0099"), "GCR021");
+    play(loaded_device());
+    call(named("TABLES0002"), "GCR020");
+    call_while(Gestures().press(Key::kCancel), named("TABLES0001"), "GCR013");
+}
+
 // Those of the first two acquirers have data of their own behind what all have.
 TEST_F(CardReadingTest, GcrTellsOfTheAcquirersOwnData) {
     play(loaded_device());

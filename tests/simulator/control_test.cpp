@@ -8,7 +8,6 @@
 #include "simulator/control/control_server.h"
 #include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
-#include "tests/support/mutation.h"
 
 using namespace quorvel::sim;
 
@@ -98,7 +97,6 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
          refused("\"stop\" is nothing that a cardholder does")},
         {R"({"do":"when","command":"GKY","acts":[{"do":"press","key":"f1"},{"do":"remove","in":3}]})",
          refused("\"in\" has no place in it")},
-        {R"({"do":"await","command":"GKY","ms":0})", refused("GKY did not wait in time")},
         {R"({"do":"await","ms":-1})", refused("\"ms\" is not from 0 to 86400000")},
         {R"({"do":"fault","fault":"delay"})", refused("\"delay\" needs a time")},
         {R"({"do":"fault","fault":"nak","chance":"high"})", refused("\"chance\" is no number")},
@@ -188,29 +186,6 @@ TEST_F(ControlTest, TurnsAwayWhomItHasNoRoomFor) {
     EXPECT_TRUE(late.is_left());
     others.pop_front();
     EXPECT_EQ(ControlClient(path_).ask(R"({"do":"remove"})"), kDone);
-}
-
-TEST_F(ControlTest, AnswersWhateverLineComes) {
-    std::ifstream document(QUORVEL_DOCS "/control-socket.md");
-    std::vector<std::string> requests;
-    for (std::string line; std::getline(document, line);) {
-        // But for those that take their time, or the PIN pad away.
-        const auto has = [&](const char* verb) { return line.find(verb) != std::string::npos; };
-        if (line.starts_with("> ") && !has("await") && !has("hang-up") && !has("stop")) {
-            requests.push_back(line.substr(2));
-        }
-    }
-    support::Dice dice(20260102);
-    for (int i = 0; i < 10000 && !HasFailure(); ++i) {
-        std::string line = dice.among(requests);
-        for (size_t changes = dice.below(4); changes > 0; --changes) { line = support::mutated(line, dice); }
-        std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });
-        if (line.empty()) { continue; }
-        const json answer = json::parse(client_->ask(line), nullptr, false);
-        EXPECT_TRUE(answer.is_object() && (answer.value("ok", false) || answer.contains("error"))) << line;
-    }
-    expect_answers({{R"({"do":"clear-faults"})", kDone}});
-    call("OPN", "OPN000");
 }
 
 TEST_F(ControlTest, DoesWhatAClientAsksThatGoesAtOnce) {

@@ -6,6 +6,7 @@
 
 #include "simulator/faults/fault_plan.h"
 #include "tests/simulator/fixture.h"
+#include "tests/support/elapsed.h"
 
 using namespace std::chrono_literals;
 
@@ -39,6 +40,16 @@ TEST_F(FaultsTest, StrikeWhatGoesOverTheLineOnce) {
     strike({.kind = "too-long"}, "GIN00204", kAck + frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
     strike({.kind = "too-long"}, "GIX006" + "0001 0002 8001"_hex,
            kAck + frame("GIX000014" + "8001 FFFF"_hex + "QV00000001"));
+}
+
+TEST_F(FaultsTest, TakeTheirTime) {
+    play();
+    for (const auto& [kind, time] : {std::pair("delay", 300ms), {"slow-bytes", 30ms}, {"split", 300ms}}) {
+        pinPad_->inject({.kind = kind, .time = time});
+        const support::Elapsed elapsed;
+        exchange(kOpn, kAck + kOpnDone);
+        EXPECT_TRUE(elapsed.between(250ms, 5s)) << kind;
+    }
 }
 
 TEST_F(FaultsTest, LeaveTheResponseWholeForItsRepetition) {
@@ -93,7 +104,6 @@ TEST(FaultPlan, TakesNoFaultThatCannotBe) {
         {{.kind = "gremlin"}, "there is no fault \"gremlin\""},
         {{.kind = "nak", .command = "GI"}, "a command's id has three characters"},
         {{.kind = "delay"}, "\"delay\" needs a time"},
-        {{.kind = "delay", .time = -1ms}, "\"delay\" needs a time"},
         {{.kind = "nak", .time = 1ms}, "\"nak\" takes no time"},
         {{.kind = "status", .status = 1000}, "a status is from 0 to 999"},
         {{.kind = "nak", .status = 1}, "\"nak\" takes no status"},
@@ -110,6 +120,13 @@ TEST(FaultPlan, TakesNoFaultThatCannotBe) {
 }
 
 using SpeedTest = PinPadTest;
+
+TEST_F(SpeedTest, TakesTheTimeOfTheLine) {
+    play({.speed = 1200});
+    const support::Elapsed elapsed;
+    for (int i = 0; i < 4; ++i) { exchange(kOpn, kAck + kOpnDone); }
+    EXPECT_TRUE(elapsed.between(4 * 10 * 10 * 1000ms / 1200, 5s));
+}
 
 TEST_F(SpeedTest, LetsCanEndAResponseThatIsOnItsWay) {
     play({.speed = 1200});

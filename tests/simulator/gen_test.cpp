@@ -29,18 +29,20 @@ TEST_F(GenTest, TellsWhereKeysAreEnciphersAndReadsTags) {
     call("GEN01302008K3110099", "GEN00010310011" + std::string(98, '0'));
     call("GEN01302008K3319999", "GEN0000040010");
     call("GEN02603021033994111111111111111", "GEN042");
-    call("GEN0100300503300", "GEN000023020FFFF9876543210E00001");
-    call("GEN0070300202", "GEN000003000");
-    call("GEN0100400504000", "GEN000003000");
+    call("GEN042030370330041111111111111110011223344556677",
+         "GEN000055052FFFF9876543210E00001DCCD4E096CCD9A4FA8356B9FB7997032");
+    call("GEN0100300503300", "GEN000023020FFFF9876543210E00002");
+    call("GEN0150301002829F175A", "GEN000039036820238009F1701035A084111111111111111");
+    call("GEN01804013040049F029F17", "GEN0000110049F170103");
     refuse("010", Kind::kUnsupported, {{"GEN01302008K4000000", "GEN: there is no 02/K4"}});
     refuse("011", Kind::kLayout,
            {{"GEN01302008K3000504", "GEN: GEN02K3_IDXEND: 4 is not from 5 to 99"},
             {"GEN01302008K3400000", "GEN: GEN02K3_KEYTYPE: 4 is not from 0 to 3"},
             {"GEN01302008K3020000", "GEN: GEN02K3_KEYUSE: 2 is not from 0 to 1"},
             {"GEN01402008K30000009", "GEN: 1 bytes too many"},
-            {"GEN01103006025F9F", "tags: tag: 1 bytes due, 0 left"},
             {"GEN01204007040025A", "GEN: GEN0404_TAGSLEN: 2 bytes, 2 digits follow"},
             {"GEN00903004025G", "GEN: GEN_TAGS: 0x47 is no hexadecimal digit"},
+            {"GEN0100300502829", "GEN: GEN_TAGS: an odd number of hexadecimal digits"},
             {"GEN02603021032004111111111111111", "GEN: GEN0303_METHOD: 2 instead of 3"},
             {"GEN018030130330041111111", "GEN: GEN0303_INPUT: 8 digits"}});
 }
@@ -77,6 +79,7 @@ TEST_F(GenTest, ShowsThePinToTheChipOnly) {
     typed(Gestures().press(digit('1')).press(Key::kCancel), "GEN013");
     typed(Gestures().remove().type("1234"), "GEN043");
     call("GEN053040480300020008029999" + padded("", 32), "GEN043");
+    call("GEN0100400504000", "GEN043");
     refuse("011", Kind::kLayout,
            {{"GEN0530404803000200080G0412" + padded("", 32), "GEN: GEN0403_FORMAT: no hexadecimal digit"},
             {"GEN053040480300020008020504" + padded("", 32), "GEN: GEN0403_PINMAX: 4 is not from 5 to 99"}});

@@ -47,7 +47,6 @@ TEST_F(InteractionTest, OffersAMenu) {
     refuse("011", Kind::kLayout,
            {{"MNU038" + "000C 0001 01 000C 0001 01"_hex + tea, "MNU: SPE_TIMEOUT 0x000C has no place in it"},
             {tooMany, "MNU: SPE_MNUOPT 0x0020 has no place in it"}});
-    refuse("019", Kind::kLayout, {{"MNU005" + "000C 0001 01"_hex, "MNU: no SPE_MNUOPT"}});
 }
 
 TEST_F(InteractionTest, AsksForANumber) {
@@ -65,7 +64,6 @@ TEST_F(InteractionTest, AsksForANumber) {
     refuse("011", Kind::kLayout,
            {{"GCD016" + "000B 0002 0007 000D 0001 21 000E 0001 21"_hex, "SPE_MINDIG: digits: 33 is not from 0 to 32"},
             {"GCD016" + "000B 0002 0007 000D 0001 05 000E 0001 04"_hex, "SPE_MAXDIG: digits: 4 is not from 5 to 32"}});
-    refuse("019", Kind::kLayout, {{"GCD011" + "000B 0002 0007 000D 0001 00"_hex, "GCD: no SPE_MAXDIG"}});
 }
 
 TEST_F(InteractionTest, TellsCexWhatHappened) {
@@ -124,32 +122,49 @@ std::string gpn(const std::string& head, const std::string& key, const std::stri
     return fmt::format("GPN{:03}{}", body.size(), body);
 }
 
+const std::string kNoKey = "30303030303030303030303030303030";
+
+TEST_F(InteractionTest, BringsAPinBlockByEachMethod) {
+    play();
+    for (const auto& [pin, method, key, pan, answer] : {
+             std::tuple("1234", "000", "3030303030303030B4CC3FD9D8D95214"s, "134012345678909      ",
+                        "755F4EB3D12E852B00000000000000000000"s),
+             {"123456789012", "100", "3EB3B72576BBBE834F0B96AAA5A8B548", "196799990100000000019",
+              "9DD1D77471611D6D00000000000000000000"},
+             {"1234", "200", kNoKey, "00                   ", "A64E7CDC30D5C722FFFF9876543210E00001"},
+             {"12345", "300", kNoKey, "164111111111111111   ", "EE2AEA87C1003FA3FFFF9876543210E00001"},
+             {"1234", "300", kNoKey, "0219                 ", "6AF256F77FF949EEFFFF9876543210E00002"},
+         }) {
+        call_while(Gestures().type(pin), gpn(method, key, pan, {"0412PIN"}), "GPN000036" + answer);
+    }
+    call("GDU003300", "GDU000020FFFF9876543210E00002");
+}
+
 TEST_F(InteractionTest, AsksForAPinAsOftenAsItIsTold) {
-    const std::string blank = "30303030303030303030303030303030";
     const std::string pan = "134012345678909      ";
     play();
     // Twice the same PIN: whoever differs begins anew.
     call_while(Gestures().type("1235").type("1234").type("1234").type("1234"),
-               gpn("200", blank, pan, {"0412PIN", "0412AGAIN"}), "GPN000036AE03BBC9A095DEFEFFFF9876543210E00001");
-    call_while(Gestures().press(digit('1')).press(Key::kCancel), gpn("300", blank, pan, {"0412PIN"}), "GPN013");
-    call_while(Gestures().type("1234"), gpn("399", blank, pan, {"0412PIN"}), "GPN042");
-    call(gpn("300", blank, pan, {"0412PIN", "1399AGAIN"}), "GPN011");
+               gpn("200", kNoKey, pan, {"0412PIN", "0412AGAIN"}), "GPN000036AE03BBC9A095DEFEFFFF9876543210E00001");
+    call_while(Gestures().press(digit('1')).press(Key::kCancel), gpn("300", kNoKey, pan, {"0412PIN"}), "GPN013");
+    call_while(Gestures().type("1234"), gpn("399", kNoKey, pan, {"0412PIN"}), "GPN042");
+    call(gpn("300", kNoKey, pan, {"0412PIN", "1399AGAIN"}), "GPN011");
     begin(Gestures().type("12345").press(digit('1')).notify("TYPED"),
-          gpn("300", blank, "00" + padded("", 19), {"0412PIN", "0412AGAIN"}), "NTM000005TYPED");
+          gpn("300", kNoKey, "00" + padded("", 19), {"0412PIN", "0412AGAIN"}), "NTM000005TYPED");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "AGAIN", .typed = "*"}));
     exchange(kCan, kEot);
     for (const Traffic& traffic : pinPad_->traffic()) { EXPECT_EQ(to_text(traffic).find("1234"), std::string::npos); }
     refuse("011", Kind::kLayout,
-           {{gpn("400", blank, pan, {"0412PIN"}), "GPN: GPN_METHOD: 4 is not from 0 to 3"},
+           {{gpn("400", kNoKey, pan, {"0412PIN"}), "GPN: GPN_METHOD: 4 is not from 0 to 3"},
             {gpn("200", std::string(32, '0'), pan, {"0412PIN"}), "GPN: GPN_WKENC: longer than method 2 has it"},
             {gpn("000", "B4CC3FD9D8D95214B4CC3FD9D8D95214", pan, {"0412PIN"}),
              "GPN: GPN_WKENC: longer than method 0 has it"},
-            {gpn("300", blank, "14" + pan.substr(2), {"0412PIN"}), "GPN: GPN_PANLEN: 14 for 13 characters"},
-            {gpn("300", blank, "01" + padded("4", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
-            {gpn("300", blank, "02" + padded("4A", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
-            {gpn("300", blank, pan, {}), "GPN: GPN_ENTRIES: 0 is not from 1 to 9"},
-            {gpn("300", blank, pan, {"0312PIN"}), "GPN: GPN_MIN: 3 is not from 4 to 99"},
-            {gpn("300", blank, pan, {"0807PIN"}), "GPN: GPN_MAX: 7 is not from 8 to 99"}});
+            {gpn("300", kNoKey, "14" + pan.substr(2), {"0412PIN"}), "GPN: GPN_PANLEN: 14 for 13 characters"},
+            {gpn("300", kNoKey, "01" + padded("4", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
+            {gpn("300", kNoKey, "02" + padded("4A", 19), {"0412PIN"}), "GPN: GPN_PAN: no card number"},
+            {gpn("300", kNoKey, pan, {}), "GPN: GPN_ENTRIES: 0 is not from 1 to 9"},
+            {gpn("300", kNoKey, pan, {"0312PIN"}), "GPN: GPN_MIN: 3 is not from 4 to 99"},
+            {gpn("300", kNoKey, pan, {"0807PIN"}), "GPN: GPN_MAX: 7 is not from 8 to 99"}});
 }
 
 TEST_F(InteractionTest, LastsUntilThePersonActs) {

@@ -47,7 +47,7 @@ protected:
 };
 
 TEST(SecureChannel, DrawsAKeyEachTimeAndKeepsLeadingZerosOfTheCryptogram) {
-    const HostKey host(2048);
+    const HostKey host;
     SecureChannel channel(std::nullopt);
     std::set<std::string> keys;
     for (const int first : {0x00, 0x30}) {
@@ -80,6 +80,9 @@ TEST_F(SessionTest, TravelsEncipheredAndShowsItsKeyNowhere) {
     EXPECT_EQ(words[11], "enciphered ERR 010 INVCALL");
     std::erase(all, ' ');
     EXPECT_EQ(all.find("000102030405060708090A0B0C0D0E0F"), std::string::npos);
+    pinPad_->inject({.kind = "bad-cryptogram"});
+    converse("1612939936B425C89CCC88D75E3BB37AAF5D7537EAE4B0420730AF4DD0015000228C178162",
+             "1612651CAA936ACE133677A7EFF24EB655E96328A578B2BEB5183DF5F41534BDBF2C9D177FB5");
 }
 
 TEST_F(SessionTest, RefusesFramesThatAreNotSealedAsTheyMustBe) {
