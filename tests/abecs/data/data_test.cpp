@@ -21,8 +21,6 @@ TEST(CheckNString, ReportsTheFirstFault) {
     refused("'pan' is too long (maximum: 5, requested: 6)", "12345x");
     refused("'pan' is too short (minimum: 2, requested: 1)", "x");
     refused("pan: invalid char (0xE9) at index 1", "1\xE9");
-    refused("pan: invalid char (0x2F) at index 2", "12/");
-    refused("pan: invalid char (0x3A) at index 0", ":2");
     for (const char* text : {"09", "01239"}) { EXPECT_NO_RAISE(abecs_data_check_n_string(text, "pan", 5, 2)); }
     EXPECT_NO_RAISE(abecs_data_check_n_string("", "pan", 5, 0));
 }
@@ -95,7 +93,6 @@ TEST(Hex, ToHexWritesLowerCase) {
     EXPECT_RAISES(kArgument, "'szData' is zero", abecs_data_to_hex(data, 0, nullptr, 0));
     EXPECT_RAISES(kArgument, "'to' is NULL", abecs_data_to_hex(data, 3, nullptr, 0));
     EXPECT_RAISES(kArgument, room, abecs_data_to_hex(data, 3, to, 6));
-    EXPECT_RAISES(kArgument, room, abecs_data_to_hex(nullptr, 0, to, 0));
 }
 
 TEST(Hex, FromHexTakesEitherCaseAndDoesNotTerminate) {
@@ -110,7 +107,6 @@ TEST(Hex, FromHexTakesEitherCaseAndDoesNotTerminate) {
     EXPECT_RAISES(kArgument, "'szHex' is zero", abecs_data_from_hex2("12", 0, nullptr, 0));
     EXPECT_RAISES(kArgument, "'out' is NULL", abecs_data_from_hex("12", nullptr, 1));
     EXPECT_RAISES(kArgument, room, abecs_data_from_hex("12345", out, 1));
-    EXPECT_RAISES(kArgument, "Invalid hex string", abecs_data_from_hex("123", out, 1));
     EXPECT_RAISES(kArgument, "Invalid hex string", abecs_data_from_hex("+112", out, 4));
 }
 
