@@ -12,20 +12,18 @@ using Items = ParamMap::Items;
 const std::string kOpt = "0006 0006"_hex + "111111";
 
 TEST(Cex, SendsWhatIsGiven) {
-    const uint8_t ends[] = {0, 255};
+    const uint8_t timeOut = 255;
     const uint8_t mask[] = {6, 4};
     const uint8_t wide[] = {0, 99};
-    const uint8_t badMask[] = {100, 0, 100};
+    const uint8_t badMask[] = {0, 100};
     sends("CEX010" + kOpt, abecs_cmd_cex, "111111", nullptr, nullptr);
-    sends("CEX015" + kOpt + "000C 0001 00"_hex, abecs_cmd_cex, "111111", ends, nullptr);
     sends("CEX018" + kOpt + "0023 0004"_hex + "0604", abecs_cmd_cex, "111111", nullptr, mask);
-    sends("CEX023" + kOpt + "000C 0001 FF 0023 0004"_hex + "0099", abecs_cmd_cex, "111111", ends + 1, wide);
-    for (const char* option : {static_cast<const char*>(nullptr), "", "11111", "1111111"}) {
+    sends("CEX023" + kOpt + "000C 0001 FF 0023 0004"_hex + "0099", abecs_cmd_cex, "111111", &timeOut, wide);
+    for (const char* option : {static_cast<const char*>(nullptr), "11111", "1111111"}) {
         refuses("'cexOpt' is not valid!", abecs_cmd_cex, option, nullptr, nullptr);
     }
     refuses("Invalid character (0x0D) at position 5", abecs_cmd_cex, "11111\r", nullptr, nullptr);
     refuses("Number length (3) is greater than field length (2)", abecs_cmd_cex, "111111", nullptr, badMask);
-    refuses("Number length (3) is greater than field length (2)", abecs_cmd_cex, "111111", nullptr, badMask + 1);
 }
 
 class CexAnswer : public testing::Test {
@@ -45,7 +43,6 @@ protected:
 };
 
 TEST_F(CexAnswer, IsKeptAsTexts) {
-    EXPECT_EQ(abecs_cmd_cex_response_get_trk1inc(map_.get()), nullptr);
     EXPECT_RAISES(kProtocol, "Mandatory PP_EVENT not found", abecs_cmd_cex_response_get_event(map_.get()));
     const std::string track1 = "B4111******1111^DOE/J^2512101000";
     const std::string track2 = "4111******1111=251210100000";
@@ -65,22 +62,14 @@ TEST_F(CexAnswer, HoldsAnEventOfAnyLength) {
         const std::string text{static_cast<char>('0' + code / 10), static_cast<char>('0' + code % 10)};
         expect_event(text, known.contains(code) ? Outcome(code) : unknown(code));
     }
-    expect_event("0000000000000000090", 90);
     expect_event(std::string(998, '0') + "7", 7);
     expect_event(std::string(997, ' ') + "94", 94);
     expect_event(" \t\n\v\f\r+0013", 13);
-    expect_event("-0", 0);
-    expect_event("91x", 91);
     expect_event(std::string_view("8\0001", 3), 8);
     expect_event("", 0);
-    expect_event("F1", 0);
-    expect_event("4294967296", unknown(INT32_MAX));
     expect_event(std::string(500, '0') + std::string(499, '9'), unknown(INT32_MAX));
     expect_event("-" + std::string(998, '9'), unknown(-INT32_MAX));
     expect_event("-1", unknown(-1));
-    const ReturningRaises handler;
-    EXPECT_EQ(static_cast<int32_t>(abecs_cmd_cex_response_get_event(ParamMap().get())), -1);
-    EXPECT_EQ(handler.all().size(), 1U);
 }
 
 constexpr AbecsWkPan kTdes{
@@ -202,18 +191,11 @@ TEST_F(Cke, ReadsTracksThatItCannotDecipher) {
 TEST_F(Cke, RefusesMalformedEvents) {
     const auto refused = [&](const std::string& data, const char* detail) { answered(data, error(kProtocol, detail)); };
     refused("0020", "'RSP_LEN1' invalid value  (expected: 3, received: 2)");
-    refused("2551", "'RSP_LEN1' invalid value  (expected: 255, received: 255)");
     refused("2261", "'RSP_LEN1' invalid value  (expected: 255, received: 226)");
     refused("00325", "'RSP_LEN1' invalid value (expected: 2, received: 3)");
     refused("00335", "'RSP_LEN1' invalid value  (expected: 2, received: 3");
     refused("00222", "'CKE_ICCSTAT' invalid value: 2");
-    refused("00239", "'CKE_CTLSCSTAT' invalid value: 9");
     refused("0024", "'CKE_EVENT' invalid value: 4");
-    refused("0009", "'CKE_EVENT' invalid value: 9");
-    answered("", too_few(3, 0));
-    answered("003", too_few(1, 0));
-    answered("00301", too_few(2, 1));
-    answered("2251xx", error(kIo, "Invalid char (0x78) at index 0"));
     // A layout that is too wide, and a key that is none.
     const AbecsWkPan unknown{static_cast<AbecsWkPanType_E>(3), {}};
     protect(kTdes, false, true);

@@ -67,14 +67,12 @@ TEST_F(Gcr, SendsTheRequest) {
     std::memset(&data.ctlsOn, 2, sizeof data.ctlsOn);
     sendsData(nullptr, "GCR040" + sent + "00");
     data.ctlsOn = false;
-    sendsData(nullptr, "GCR040" + sent + "00|0"_wire);
-    sendsData("0101", "GCR044" + sent + "01|0101|0"_wire);
     data = {1, 99, 999999999999, {0, 12, 31}, {0, 0, 0}, "V1", true};
     sendsData(nullptr, "GCR040|0199|999999999999|001231|000000|V1        |00"_wire);
 }
 
 TEST_F(Gcr, ChecksItsArgumentsInTheirOrder) {
-    AbecsCmdGcrData data{100, 100, 1000000000000, {100, 13, 32}, {24, 60, 60}, "V\r", true};
+    AbecsCmdGcrData data{100, 100, 0, {100, 13, 32}, {24, 60, 60}, "V", true};
     const auto refused = [&](const Refusal& refusal, const char* ids) { refuses(refusal, abecs_cmd_gcr, &data, ids); };
     refuses("'gcrData' is NULL", abecs_cmd_gcr, nullptr, nullptr);
     refused("gcrData->acqIdxReq (100) is out of range", "x");
@@ -90,11 +88,7 @@ TEST_F(Gcr, ChecksItsArgumentsInTheirOrder) {
     refused("Invalid length for aidRecIds: 6", "01-101");
     refused("Invalid char at aidRecIds[6]: (0xE9)", "010101\xE9-");
     refused("Too many records", repeated("0101", 100).c_str());
-    refused("Duplicate record ID: 0101", "010101020101");
     refused("Duplicate record ID: 01Zz", "01Zz01Zz");
-    refused("Number length (13) is greater than field length (12)", nullptr);
-    data.amount = 0;
-    refused("Invalid character (0x0D) at position 1", nullptr);
     std::fill(std::begin(data.tabVer), std::end(data.tabVer), '7');
     refused("Field does not have enough room for data", nullptr);
 }
@@ -141,7 +135,6 @@ TEST_F(Gcr, ReadsWhatTheAcquirerGetsBesides) {
     };
     const std::string value = "30303030303030303030300102abCDEF";
     reads("10" + value, "0102abCDEF");
-    reads("06" + value, "0102ab");
     reads("99" + value, "0102abCDEF");
     reads("99112233445566778899AABBCCDDEEFF00", "112233445566778899AABBCCDDEEFF00");
     EXPECT_STREQ(read({"00", "00", "00", "", "02", "3012345678"}).acqRd02Data, "12345678");
@@ -203,10 +196,8 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
     key.type = ABECS_WK_PAN_TYPE_TDES_RSA;
     reads(key, "69D9405C8462F410", "E7BD6636680F28CA");
     const AbecsWkPan unknown{static_cast<AbecsWkPanType_E>(3), {}};
-    const std::string good = answer({"161234567890123456", "00", "00"}, true);
     key_ = &unknown;
-    received(good.substr(0, 16) + "\x7F" + good.substr(17), error(kIo, "Invalid character (0x7F) at position 0"));
-    received(good, error(kRuntime, "Unhandled case"));
+    received(answer({"161234567890123456", "00", "00"}, true), error(kRuntime, "Unhandled case"));
 }
 
 TEST(GcrEnumerators, AreNamed) {
