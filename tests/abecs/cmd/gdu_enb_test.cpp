@@ -18,16 +18,11 @@ TEST(Gdu, ReadsTheSerialNumber) {
     const std::string ksn = "FFFF9876543210E00001";
     reads(2, 0, "GDU003200", "020" + ksn, kOk, ksn.c_str());
     reads(3, 99, "GDU003399", "02030309876543210e03030", kOk, "9876543210e03030");
-    reads(2, 0, "GDU003200", "", too_few(3, 0), "kept");
-    reads(2, 0, "GDU003200", "019" + ksn, error(kProtocol, "Invalid RSP_LEN1 (expected: 20, read: 19)"), "kept");
     reads(2, 0, "GDU003200", "021" + ksn + "0", error(kProtocol, "Invalid RSP_LEN1 (expected: 20, read: 21)"), "kept");
-    reads(2, 0, "GDU003200", "020" + ksn.substr(2), too_few(20, 18), "");
-    reads(2, 0, "GDU003200", "020FFFF9876543210E0000z", error(kIo, "Invalid data: 0z"), "");
     const Raised badIndex = error(kIndex, "Invalid idx: 100 (maximum is 99)");
     char out[21];
     refuses(badIndex, abecs_cmd_gdu, method(1), 100, nullptr);
     refuses("'out' is NULL", abecs_cmd_gdu, method(1), 99, nullptr);
-    refuses("Invalid enumerator for AbecsCmdGduMethod_E: 1", abecs_cmd_gdu, method(1), 99, out);
     refuses("Invalid enumerator for AbecsCmdGduMethod_E: 4", abecs_cmd_gdu, method(4), 99, out);
 }
 
@@ -102,9 +97,6 @@ TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
     reads(kSimple, kRequest, "01646df6741E1E2B68C", kOk, "46df6741E1E2B68C");
     reads({ABECS_CMD_ENB_METHOD_0, 99, "", "0123456789abcdef"}, "ENB051099" + repeated("30", 16) + "0123456789ABCDEF",
           "99930DF6741E1E2B630", kOk, "DF6741E1E2B630");
-    reads(kSimple, kRequest, "", too_few(3, 0), "kept");
-    reads(kSimple, kRequest, "01646DF6741E1E2B6", too_few(16, 14), "");
-    reads(kSimple, kRequest, "01646DF6741E1E2B6-C", error(kIo, "Invalid data: -C"), "");
 }
 
 // In the order of the checks, the last of them first: each fault is added to those before and hides them.
@@ -115,15 +107,12 @@ TEST(Enb, ChecksTheDataInOrder) {
         field = static_cast<std::remove_reference_t<decltype(field)>>(wrong);
         refuses(refusal, abecs_cmd_enb, &data, out);
     };
-    refused(data.data[0], ' ', "Invalid hex byte at index 0");
     std::memset(data.data, '0', 17);
     refused(data.data[0], '0', "Field does not have enough room for data");
-    refused(data.wkEnc[31], 'g', "Invalid hex byte at index 30");
     std::memset(data.wkEnc, '0', 33);
     refused(data.wkEnc[0], '0', "Field does not have enough room for data");
     refused(data.keyIdx, 100, "Number length (3) is greater than field length (2)");
     refused(data.method, 2, "Invalid enumerator for AbecsCmdEnbMethod_E: 2");
-    refused(data.method, -1, "Invalid enumerator for AbecsCmdEnbMethod_E: -1");
     refuses("'cmdData' is NULL", abecs_cmd_enb, nullptr, nullptr);
     refuses("'out' is NULL", abecs_cmd_enb, &kSimple, nullptr);
     EXPECT_STREQ(out, "kept");

@@ -92,19 +92,12 @@ TEST(Opn, BadKeysAreRefusedAndTheOldOneStays) {
         return error(kProtocol, std::string("(OPN) Invalid Ksec length (expected: 16, read: ") + read + ")");
     };
     opens(session("0001"_hex, kSessionKey), error(kProtocol, "(OPN) Invalid PCKS#1 block header"));
-    opens(session("0102"_hex, kSessionKey), error(kProtocol, "(OPN) Invalid PCKS#1 block header"));
     opens(enciphered("OPN000515256", "0002"_hex + std::string(254, 'x')), length("0"));
-    opens(session("0002"_hex, kSessionKey.substr(1)), length("15"));
     opens(session("0002"_hex, "x" + kSessionKey), length("17"));
     opens(text("OPN000514256" + zeros), error(kProtocol, "(OPN) Invalid RSP_LEN1: 514"));
     opens(text("OPN000515255" + zeros), error(kProtocol, "(OPN) Invalid OPN_CRKSLEN: 255"));
-    opens(text("OPN000515256" + zeros.substr(2)), too_few(512, 510));
-    opens(text("OPN000515256" + zeros.substr(2) + "0x"), error(kIo, "Invalid data: 0x"));
-    opens(text("OPN011x"), too_few(3, 1));
     // Without a key it is an invalid call.
     opens(text("OPN000"), ABECS_RSP_STAT_ST_INVCALL);
-    opens(text("OPN046"), ABECS_RSP_STAT_ST_ERRCRYPT);
-    opens(text("ERR010"), ABECS_RSP_STAT_ST_INVCALL);
 }
 
 constexpr uint8_t kMasterKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
@@ -248,15 +241,10 @@ TEST(Dwk2, RefusesBadBlocksAndLeavesTheLinkAsItWas) {
     };
     refused("T1", kKeyDigits, 'Y', "(DWK) Invalid block end (expected: 'X', read: 'Y')");
     refused("U2", kKeyDigits, 'Y', "(DWK) Invalid header: 55 (expected: 0x54)");
-    refused(" 1", kKeyDigits, 'X', "(DWK) Invalid header: 00 (expected: 0x54)");
     refused("T2", kKeyDigits, 'Y', "(DWK) Invalid layout version: 2 (expected: 1)");
-    loads_rsa(pan_key("\0011", kKeyDigits, 'X'), error(kIo, "Invalid character (0x01) at position 0"));
-    loads_rsa(pan_key("Tx", kKeyDigits, 'X'), error(kIo, "Invalid char (0x78) at index 0"));
     loads_rsa(pan_key("T1", kKeyDigits.substr(2) + "?0", 'Y'), error(kIo, "Invalid data: ?0"));
     const std::string zeros(256, '0');
     loads_rsa(text("DWK000255" + zeros), error(kProtocol, "Invalid RSP_LEN: 255 (expected: 256)"));
-    loads_rsa(text("DWK000256" + zeros.substr(2)), too_few(256, 254));
-    loads_rsa(text("DWK000256" + zeros.substr(2) + "0x"), error(kIo, "Invalid data: 0x"));
     loads_rsa(text("DWK010256" + zeros), ABECS_RSP_STAT_ST_INVCALL);
 }
 
