@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <thread>
-#include <unistd.h>
-
 #include "quorvel/abecs/line.h"
 #include "quorvel/kor/system.h"
 #include "tests/abecs/comm/line.h"
@@ -47,17 +44,6 @@ protected:
         return ends;
     }
 
-    // As much as the port takes while nobody reads, in bytes.
-    size_t fill() {
-        size_t queued = 0;
-        for (size_t more = 1; more != 0; queued += more) {
-            more = 0;
-            while (write(abecs_comm_get_fd(link.comm), "x", 1) == 1) { ++more; }
-            std::this_thread::sleep_for(50ms);
-        }
-        return queued;
-    }
-
     Link link;
     Packet request;
     Packet answer;
@@ -84,16 +70,6 @@ TEST_F(Limit, EndsALineThatIsNeverSilent) {
     expect_late([this] { abecs_comm_read_packet(link.comm, answer); });
     expect_late([this] { abecs_comm_send_can(link.comm); });
     link.peer.expect(kCan);
-}
-
-TEST_F(Limit, EndsSendingThatNobodyTakes) {
-    for (const bool whole : {false, true}) {
-        EXPECT_NO_RAISE(abecs_comm_set_whole_frames(link.comm, whole));
-        link.peer.wait(1500ms);
-        const size_t queued = fill();
-        expect_late([this] { send(); });
-        link.peer.discard(queued).settle();
-    }
 }
 
 // An answer that takes longer, that comes damaged, or of which the end is missing.
