@@ -33,8 +33,6 @@ TEST(Fnc, ChecksItsArgumentsInTheirOrder) {
     for (const int32_t next : {2, 10, 9}) {
         refused("invalid cmdData->commSt: " + std::to_string(data.commSt), data.commSt, next);
     }
-    std::memset(data.arc, '0', sizeof data.arc);
-    refused("Field does not have enough room for data", data.arc[2], '\0');
     std::memset(data.issDat, 'a', sizeof data.issDat);
     refused("Field does not have enough room for data", data.issDat[3], '\0');
 }
@@ -149,9 +147,7 @@ TEST(Goc, RefusesTextsThatAreLongerThanTheirFields) {
         refuses("Field does not have enough room for data", abecs_cmd_goc, 2, &data);
     };
     refused([](auto& data) { std::memset(data.flrlimit, '5', sizeof data.flrlimit); });
-    refused([](auto& data) { std::memset(data.thrbrs, '5', sizeof data.thrbrs); });
     refused([](auto& data) { std::memset(data.acqpr.acqpr02.data, '5', sizeof data.acqpr.acqpr02.data); });
-    refused([](auto& data) { std::strcpy(data.tags1, "9F"); });
     refused([](auto& data) { data.tags1len = 128, std::memset(data.tags1, '5', sizeof data.tags1); });
     refused([](auto& data) { data.tags2len = 1, std::strcpy(data.tags2, "9F02"); });
 }

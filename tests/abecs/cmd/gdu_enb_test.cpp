@@ -67,24 +67,22 @@ TEST(Enb, HelpersCheckTheirArgumentsInOrder) {
         EXPECT_REFUSED(kArgument, detail, helper(clear, key, out));
         EXPECT_STREQ(text, "kept");
     };
-    const auto both = [&](auto helper, auto good, const char* tooLong, const char* bad, const char* type, int32_t end) {
-        using Key = decltype(good);
-        const char* const noRoom = "Destination buffer does not have enough room for decoded data";
-        refused(std::is_same_v<Key, AbecsMk> ? "Missing 'mk'" : "Missing 'wkPan'", helper, "x",
-                static_cast<Key*>(nullptr), nullptr);
-        refused("Missing 'out'", helper, "x", &good, nullptr);
-        refused(noRoom, helper, tooLong, &good, text);
-        refused("Invalid hex string", helper, bad, &good, text);
-        for (const int32_t number : {-1, end}) {
-            auto wrong = key_of<Key>(number);
-            const std::string detail = std::string("Invalid enumerator for ") + type + ": " + std::to_string(number);
-            refused(detail.c_str(), helper, "x", &wrong, text);
-        }
-    };
-    both(abecs_cmd_enb_encrypt_wk, key_of<AbecsMk>(0), "11223344556677889900AABBCCDDEEFF00", "1122334455667788x",
-         "AbecsMkType_E", 2);
-    both(abecs_cmd_enb_encode_data, key_of<AbecsWkPan>(1), "411111111111111100", "411111111111111", "AbecsWkPanType_E",
-         3);
+    const auto master = key_of<AbecsMk>(0);
+    const auto noMaster = key_of<AbecsMk>(2);
+    const auto panKey = key_of<AbecsWkPan>(1);
+    const auto noPanKey = key_of<AbecsWkPan>(3);
+    const AbecsMk* const none = nullptr;
+    refused("Missing 'mk'", abecs_cmd_enb_encrypt_wk, "x", none, nullptr);
+    refused("Missing 'out'", abecs_cmd_enb_encrypt_wk, "x", &master, nullptr);
+    refused("Invalid enumerator for AbecsMkType_E: 2", abecs_cmd_enb_encrypt_wk, "x", &noMaster, text);
+    refused("Invalid hex string", abecs_cmd_enb_encrypt_wk, "1122334455667788x", &master, text);
+    const std::string tooLong(34, '0');
+    refused("Destination buffer does not have enough room for decoded data", abecs_cmd_enb_encrypt_wk, tooLong.c_str(),
+            &master, text);
+    refused("Missing 'out'", abecs_cmd_enb_encode_data, "x", &panKey, nullptr);
+    refused("Invalid enumerator for AbecsWkPanType_E: 3", abecs_cmd_enb_encode_data, "x", &noPanKey, text);
+    refused("Destination buffer does not have enough room for decoded data", abecs_cmd_enb_encode_data,
+            "411111111111111100", &panKey, text);
 }
 
 TEST(Enb, SendsTheBlockAndReadsItEnciphered) {
