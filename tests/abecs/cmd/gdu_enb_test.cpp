@@ -63,26 +63,23 @@ TEST(Enb, PreparesWorkingKeysAndData) {
 // What a helper refuses, it raises once, and leaves the caller's text as it was.
 TEST(Enb, HelpersCheckTheirArgumentsInOrder) {
     char text[33] = "kept";
-    const auto refused = [&](const char* detail, auto helper, const char* clear, auto* key, char* out) {
-        EXPECT_REFUSED(kArgument, detail, helper(clear, key, out));
-        EXPECT_STREQ(text, "kept");
+    // A key of type -1 is none at all.
+    const auto refused = [](const char* detail, auto helper, const char* clear, auto key, char* out) {
+        EXPECT_REFUSED(kArgument, detail, helper(clear, key.type < 0 ? nullptr : &key, out));
     };
-    const auto master = key_of<AbecsMk>(0);
-    const auto noMaster = key_of<AbecsMk>(2);
-    const auto panKey = key_of<AbecsWkPan>(1);
-    const auto noPanKey = key_of<AbecsWkPan>(3);
-    const AbecsMk* const none = nullptr;
-    refused("Missing 'mk'", abecs_cmd_enb_encrypt_wk, "x", none, nullptr);
-    refused("Missing 'out'", abecs_cmd_enb_encrypt_wk, "x", &master, nullptr);
-    refused("Invalid enumerator for AbecsMkType_E: 2", abecs_cmd_enb_encrypt_wk, "x", &noMaster, text);
-    refused("Invalid hex string", abecs_cmd_enb_encrypt_wk, "1122334455667788x", &master, text);
-    const std::string tooLong(34, '0');
-    refused("Destination buffer does not have enough room for decoded data", abecs_cmd_enb_encrypt_wk, tooLong.c_str(),
-            &master, text);
-    refused("Missing 'out'", abecs_cmd_enb_encode_data, "x", &panKey, nullptr);
-    refused("Invalid enumerator for AbecsWkPanType_E: 3", abecs_cmd_enb_encode_data, "x", &noPanKey, text);
-    refused("Destination buffer does not have enough room for decoded data", abecs_cmd_enb_encode_data,
-            "411111111111111100", &panKey, text);
+    const auto encrypt = abecs_cmd_enb_encrypt_wk;
+    const auto encode = abecs_cmd_enb_encode_data;
+    const char* const noRoom = "Destination buffer does not have enough room for decoded data";
+    refused("Missing 'mk'", encrypt, "x", key_of<AbecsMk>(-1), nullptr);
+    refused("Missing 'out'", encrypt, "x", key_of<AbecsMk>(2), nullptr);
+    refused("Invalid enumerator for AbecsMkType_E: 2", encrypt, "x", key_of<AbecsMk>(2), text);
+    refused(noRoom, encrypt, "11223344556677889900AABBCCDDEEFF00", key_of<AbecsMk>(0), text);
+    refused("Invalid hex string", encrypt, "1122334455667788x", key_of<AbecsMk>(0), text);
+    refused("Missing 'wkPan'", encode, "x", key_of<AbecsWkPan>(-1), nullptr);
+    refused("Missing 'out'", encode, "x", key_of<AbecsWkPan>(3), nullptr);
+    refused("Invalid enumerator for AbecsWkPanType_E: 3", encode, "x", key_of<AbecsWkPan>(3), text);
+    refused(noRoom, encode, "411111111111111100", key_of<AbecsWkPan>(1), text);
+    EXPECT_STREQ(text, "kept");
 }
 
 TEST(Enb, SendsTheBlockAndReadsItEnciphered) {

@@ -142,8 +142,6 @@ TEST(Gen, ChecksArgumentsInTheirOrder) {
     const AbecsCmdGen02K3CmdData noKeys{4, 2, 101, 100};
     const AbecsCmdGen0303CmdData noData{100, {8, "x"}};
     const AbecsCmdGen0303CmdData data{99, {16, "x"}};
-    const AbecsCmdGen0401CmdData noSlot{static_cast<AbecsCmdGen0401Oper_E>(0), 9};
-    const AbecsCmdGen0402CmdData noApdu{9, "x", 0, "", 257};
     const char* const noRoom = "Field does not have enough room for data";
     refuses("'cmdData' is NULL", abecs_cmd_gen_02_k3, nullptr, nullptr);
     refuses("'responseData' is NULL", abecs_cmd_gen_02_k3, &noKeys, nullptr);
@@ -164,12 +162,8 @@ TEST(Gen, ChecksArgumentsInTheirOrder) {
     AbecsCmdGen0303CmdData unended{99, {256, {}}};
     std::memset(unended.input.data, '5', sizeof unended.input.data);
     refuses(noRoom, abecs_cmd_gen_03_03, &unended, &out.data);
-    refuses("'cmdData' is NULL", abecs_cmd_gen_04_01, nullptr, nullptr);
-    refuses("'responseData' is NULL", abecs_cmd_gen_04_01, &noSlot, nullptr);
     refuses("Invalid enumerator for AbecsCmdGen0401Oper_E: 5", power, 5, 9);
     refuses("Invalid value for cmdData->slot: 9", power, 4, 9);
-    refuses("'cmdData' is NULL", abecs_cmd_gen_04_02, nullptr, nullptr);
-    refuses("'responseData' is NULL", abecs_cmd_gen_04_02, &noApdu, nullptr);
     refuses("'cmdData->slot' is invalid: 9", apdu, 9, "x", 0, "", 257);
     refuses("'cmdData->le' is invalid: 257", apdu, 8, "x", 0, "", 257);
     refuses(noRoom, apdu, 8, "00B2010C", 1, "1122", 256);

@@ -60,25 +60,19 @@ TEST(Gin, ReadsTheOtherIndexes) {
 }
 
 TEST(Gin, RefusesMalformedAnswersAndKeepsWhatWasReadBefore) {
-    const auto length = [](int index, int expected, int read) {
-        return error(kProtocol, "Invalid RSP_LEN1 for GIN_ACQIDX == " + std::string(index == 0 ? "0" : "02")
-                                    + " (expected " + std::to_string(expected) + ", read: " + std::to_string(read)
-                                    + ")");
-    };
-    const auto damaged = [](size_t at, char with = '\x7F') {
-        std::string fields = kIndex00;
-        fields[at] = with;
-        return "100" + fields;
-    };
-    gin(3, "041", length(3, 42, 41));
+    gin(3, "041", error(kProtocol, "Invalid RSP_LEN1 for GIN_ACQIDX == 02 (expected 42, read: 41)"));
     gin(3, "042AAAAA BBB CCC DD EE FFFFFFFFFFFF GGG H t42", error(kProtocol, "Invalid value for GIN_DUKPT: 0x74"));
-    const AbecsCmdGinOut none = gin(0, "042" + kIndex00, length(0, 100, 42));
+    const AbecsCmdGinOut none =
+        gin(0, "042" + kIndex00, error(kProtocol, "Invalid RSP_LEN1 for GIN_ACQIDX == 0 (expected 100, read: 42)"));
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(&none), sizeof none), std::string(sizeof none, 'k'));
-    AbecsCmdGinOut out = gin(0, damaged(25), error(kIo, "Invalid character (0x7F) at position 5"));
-    EXPECT_STREQ(out.idx00.mnName, "MANUFACTURER");
-    out = gin(0, damaged(39, 'X'), error(kProtocol, "Invalid value for GIN_CTLSSUP: 0x58"));
-    EXPECT_STREQ(out.idx00.modelDetail, "DEF");
-    EXPECT_EQ(std::memcmp(&out.idx00.ctlsSup, "k", 1), 0);
+    std::string fields = kIndex00;
+    fields[39] = 'X';
+    const auto out = gin(0, "100" + fields, error(kProtocol, "Invalid value for GIN_CTLSSUP: 0x58")).idx00;
+    EXPECT_STREQ(out.modelDetail, "DEF");
+    EXPECT_EQ(std::memcmp(&out.ctlsSup, "k", 1), 0);
+    fields[25] = '\x7F';
+    EXPECT_STREQ(gin(0, "100" + fields, error(kIo, "Invalid character (0x7F) at position 5")).idx00.mnName,
+                 "MANUFACTURER");
     const Raised badIndex = error(kIndex, "Invalid acqIdx: 100 (maximum is 99)");
     refuses(badIndex, abecs_cmd_gin, 100, nullptr);
 }
@@ -122,8 +116,6 @@ TEST_F(Gix, ChecksItsArgumentsInTheirOrder) {
     expect_refused_untouched(invalid + "0: 4660 (1234)", bad, 64);
     expect_refused_untouched(invalid + "1: -1 (FFFFFFFF)", negative, 2);
     refuses("'out' is NULL", abecs_cmd_gix, nullptr, 0, nullptr);
-    EXPECT_RAISES(kArgument, "'pinpad' is NULL", abecs_cmd_gix(nullptr, nullptr, 0, map_.get()));
-    EXPECT_EQ(map_.items().size(), 1U);
 }
 
 TEST_F(Gix, KnowsTheIdsThatCanBeAsked) {

@@ -32,7 +32,6 @@ protected:
 };
 
 TEST_F(RspParamMap, StoresTheRecordUnderItsId) {
-    EXPECT_EQ(kor_map_capacity(map_), 16U);
     EXPECT_EQ(abecs_rsp_param_map_get(map_, 0x8001), nullptr);
     const AbecsRspParamValue value = heap_value("serial");
     AbecsRspParamValue* stored = abecs_rsp_param_map_put(map_, 0x8001, &value, true);
@@ -41,7 +40,6 @@ TEST_F(RspParamMap, StoresTheRecordUnderItsId) {
     EXPECT_EQ(stored->data, value.data) << "the bytes are adopted, not copied";
     EXPECT_EQ(text_of(*stored), "serial");
     EXPECT_TRUE(stored->owned) << "the argument counts, not the record's flag";
-    EXPECT_EQ(abecs_rsp_param_map_get(map_, 0x8101), nullptr);
 }
 
 TEST_F(RspParamMap, OwnedBytesGoWithTheirEntry) {
