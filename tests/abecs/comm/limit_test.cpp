@@ -10,15 +10,11 @@ using namespace support;
 
 const Raised kLate = error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed");
 
-class Limit : public testing::Test {
+class Limit : public OnLink {
 protected:
     void SetUp() override {
         EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 300));
         EXPECT_EQ(abecs_comm_get_limit(link.comm), 300);
-    }
-
-    Raised read() {
-        return raised_by([this] { abecs_comm_read_packet(link.comm, answer); });
     }
 
     // Runs `act`, which the limit has to end.
@@ -44,19 +40,17 @@ protected:
         return ends;
     }
 
-    Link link;
     Packet request;
-    Packet answer;
 };
 
 TEST_F(Limit, EndsEachWait) {
-    expect_late([this] { abecs_comm_read_packet(link.comm, answer); });
+    expect_late([this] { abecs_comm_read_packet(link.comm, packet); });
     link.peer.expect(kGin);
     expect_late([this] { send(); });
     link.peer.expect(kCan);
     expect_late([this] { abecs_comm_send_can(link.comm); });
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GCR"));
-    expect_late([this] { abecs_comm_read_packet(link.comm, answer); });
+    expect_late([this] { abecs_comm_read_packet(link.comm, packet); });
     EXPECT_NO_RAISE(abecs_comm_release(link.comm));
     EXPECT_NO_RAISE(abecs_comm_set_send_interval(link.comm, 5000));
     link.comm->lastSend = kor_system_current_time_millis();
@@ -67,7 +61,7 @@ TEST_F(Limit, EndsEachWait) {
 TEST_F(Limit, EndsALineThatIsNeverSilent) {
     for (int i = 0; i < 30; ++i) { link.peer.send("\x16").wait(100ms); }
     expect_late([this] { abecs_comm_send_can(link.comm); });
-    expect_late([this] { abecs_comm_read_packet(link.comm, answer); });
+    expect_late([this] { abecs_comm_read_packet(link.comm, packet); });
     expect_late([this] { abecs_comm_send_can(link.comm); });
     link.peer.expect(kCan);
 }
@@ -75,16 +69,16 @@ TEST_F(Limit, EndsALineThatIsNeverSilent) {
 // An answer that takes longer, that comes damaged, or of which the end is missing.
 TEST_F(Limit, LosesNoAnswer) {
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
-    auto readAll = [&] { abecs_comm_read_packet(link.comm, answer); };
+    auto readAll = [&] { abecs_comm_read_packet(link.comm, packet); };
     for (const char byte : kGood) { link.peer.send(std::string(1, byte)).wait(250ms); }
     EXPECT_GE(count_ends(readAll), 2);
-    EXPECT_EQ(answer.take(), "GIN000");
+    EXPECT_EQ(packet.take(), "GIN000");
     link.peer.send(kBad).expect_silence(200ms).expect(kNak).send(kGood);
     EXPECT_GE(count_ends(readAll), 1);
-    EXPECT_EQ(answer.take(), "GIN000");
+    EXPECT_EQ(packet.take(), "GIN000");
     link.peer.send(kGood.substr(0, 4)).expect_silence(2s).expect(kNak).send(kGood);
     EXPECT_GE(count_ends(readAll), 7);
-    EXPECT_EQ(answer.take(), "GIN000");
+    EXPECT_EQ(packet.take(), "GIN000");
     EXPECT_EQ(link.comm->reception.data, decltype(link.comm->reception.data){}) << "nothing that was put away stays";
 }
 
@@ -93,7 +87,7 @@ TEST_F(Limit, LeavesNothingInTheWayOfCan) {
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
     EXPECT_FALSE(abecs_comm_has_input(link.comm));
     link.peer.send(kGood.substr(0, 4)).wait(350ms).send(kEot);
-    expect_late([this] { abecs_comm_read_packet(link.comm, answer); });
+    expect_late([this] { abecs_comm_read_packet(link.comm, packet); });
     EXPECT_TRUE(abecs_comm_has_input(link.comm)) << "the descriptor does not tell";
     link.peer.settle();
     link.peer.accept_can();
@@ -104,13 +98,10 @@ TEST_F(Limit, LeavesNothingInTheWayOfCan) {
     link.peer.settle();
     link.peer.accept_can().send(kGood);
     EXPECT_GE(count_ends([this] { abecs_comm_send_can(link.comm); }), 1);
-    EXPECT_EQ(read(), Raised{});
-    EXPECT_EQ(answer.take(), "GIN000");
+    EXPECT_EQ(receive(), "GIN000");
 }
 
 TEST_F(Limit, OfNothingIsNone) {
-    link.peer.send(kGood);
-    EXPECT_EQ(read(), Raised{});
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 0));
     link.peer.wait(500ms).send(kGood);
     EXPECT_EQ(read(), Raised{});

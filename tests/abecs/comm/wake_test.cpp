@@ -16,16 +16,9 @@ using namespace support;
 
 const Raised kEnded = error(KOR_RESULT_TIMEOUT_ERROR, "The wait was ended");
 
-class Wake : public testing::Test {
+class Wake : public OnLink {
 protected:
     void SetUp() override { EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GCR")); }
-
-    Raised read() {
-        return raised_by([this] { abecs_comm_read_packet(link.comm, packet); });
-    }
-
-    Link link;
-    Packet packet;
 };
 
 AbecsComm* signalled = nullptr;
@@ -56,13 +49,11 @@ TEST_F(Wake, EndsTheWaitInProgressOrElseTheNextOnceAndComesFromASignalHandlerToo
 TEST_F(Wake, LosesToAnAnswer) {
     link.peer.send(kGood).settle();
     abecs_comm_wake(link.comm);
-    EXPECT_EQ(read(), Raised{});
-    EXPECT_EQ(packet.take(), "GIN000");
+    EXPECT_EQ(receive(), "GIN000");
     link.peer.send(kGood + kGood).settle();
     EXPECT_EQ(read(), Raised{});
     abecs_comm_wake(link.comm);
-    EXPECT_EQ(read(), Raised{});
-    EXPECT_EQ(packet.take(), "GIN000");
+    EXPECT_EQ(receive(), "GIN000");
     EXPECT_EQ(read(), kTimeout) << "an answer that was read ahead uses the wake up, too";
     link.peer.send(kGood.substr(0, 3)).settle();
     link.peer.wait(300ms).send(kGood.substr(3));
@@ -70,9 +61,8 @@ TEST_F(Wake, LosesToAnAnswer) {
         std::this_thread::sleep_for(100ms);
         abecs_comm_wake(link.comm);
     });
-    EXPECT_EQ(read(), Raised{});
+    EXPECT_EQ(receive(), "GIN000");
     other.join();
-    EXPECT_EQ(packet.take(), "GIN000");
     EXPECT_NO_RAISE(abecs_comm_release(link.comm));
     link.peer.wait(200ms).send(kGood);
     EXPECT_EQ(read(), Raised{});
