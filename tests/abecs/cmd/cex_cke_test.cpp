@@ -64,10 +64,8 @@ TEST_F(CexAnswer, HoldsAnEventOfAnyLength) {
     expect_event("-1", unknown(-1));
 }
 
-constexpr AbecsWkPan kTdes{
-    ABECS_WK_PAN_TYPE_TDES,
-    {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
-constexpr AbecsWkPan kDes{ABECS_WK_PAN_TYPE_DES, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
+const AbecsWkPan kTdes = test_key(ABECS_WK_PAN_TYPE_TDES);
+const AbecsWkPan kDes = test_key(ABECS_WK_PAN_TYPE_DES);
 
 // The last sixteen digits of each number under the keys above, made with another program.
 const std::string kClear1 = "B4111111111111111^DOE/JOHN^25121010000000000";

@@ -177,11 +177,8 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
             << "of track 2 as many characters as were announced";
         EXPECT_EQ(lengths_of(out), (Lengths{35, 23, 16, 19})) << "that of track 3 is the card number's";
     };
-    AbecsWkPan key{ABECS_WK_PAN_TYPE_DES,
-                   {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
-    reads(key, "F0157C5DA1787BED", "3EBC0FCC21D3E027");
-    key.type = ABECS_WK_PAN_TYPE_TDES_RSA;
-    reads(key, "69D9405C8462F410", "E7BD6636680F28CA");
+    reads(test_key(ABECS_WK_PAN_TYPE_DES), "F0157C5DA1787BED", "3EBC0FCC21D3E027");
+    reads(test_key(ABECS_WK_PAN_TYPE_TDES_RSA), "69D9405C8462F410", "E7BD6636680F28CA");
     const AbecsWkPan unknown{static_cast<AbecsWkPanType_E>(3), {}};
     key_ = &unknown;
     received(answer({"161234567890123456", "00", "00"}, true), error(kRuntime, "Unhandled case"));

@@ -28,8 +28,6 @@ TEST(Gdu, ReadsTheSerialNumber) {
 
 using Data = AbecsCmdEnbCmdData;
 
-constexpr uint8_t kKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
-                              0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10};
 const char* const kWorkingKey = "11223344556677889900aabbCCDDEEFF";
 constexpr Data kSimple{ABECS_CMD_ENB_METHOD_1, 7, "3eb3b72576bbbe834f0b96aaa5a8b548", "4111111111111111"};
 const std::string kRequest = "ENB0511073EB3B72576BBBE834F0B96AAA5A8B5484111111111111111";
@@ -38,7 +36,7 @@ template <typename Key>
 Key key_of(int32_t type) {
     Key key{};
     key.type = static_cast<decltype(key.type)>(type);
-    std::copy(std::begin(kKey), std::end(kKey), key.key);
+    std::copy(std::begin(kTestKey), std::end(kTestKey), key.key);
     return key;
 }
 

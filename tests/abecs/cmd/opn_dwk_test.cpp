@@ -100,9 +100,6 @@ TEST(Opn, BadKeysAreRefusedAndTheOldOneStays) {
     opens(text("OPN000"), ABECS_RSP_STAT_ST_INVCALL);
 }
 
-constexpr uint8_t kMasterKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
-                                    0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10};
-
 void expect_link(const Link& link, bool panProtected, bool panKeyInstalled, const AbecsWkPan& key) {
     EXPECT_EQ(link.comm->panProtected, panProtected);
     EXPECT_EQ(link.comm->panKeyInstalled, panKeyInstalled);
@@ -112,7 +109,7 @@ void expect_link(const Link& link, bool panProtected, bool panKeyInstalled, cons
 
 class Dwk1 : public testing::TestWithParam<AbecsMkType_E> {
 protected:
-    Dwk1() { std::copy(std::begin(kMasterKey), std::end(kMasterKey), std::begin(master_.key)); }
+    Dwk1() { std::copy(std::begin(kTestKey), std::end(kTestKey), std::begin(master_.key)); }
 
     // On a link that has a key. The request carries the key that comes out.
     Outcome loads(const std::string& response, bool setOnLink, AbecsWkPan* key) {
@@ -128,8 +125,8 @@ protected:
         const bool des = GetParam() == ABECS_MK_TYPE_DES;
         EXPECT_EQ(request.substr(1, 10), des ? "DWK0361099" : "DWK0361199");
         EXPECT_EQ(request[43], '\x17');
-        const std::string half(kMasterKey, kMasterKey + 8);
-        sent_ = tdes_decipher(des ? half + half : bytes_of(kMasterKey), from_hex(request.substr(11, 32)));
+        const std::string half(kTestKey, kTestKey + 8);
+        sent_ = tdes_decipher(des ? half + half : bytes_of(kTestKey), from_hex(request.substr(11, 32)));
         return outcome;
     }
 

@@ -93,6 +93,8 @@ TEST_F(SecureChannel, WithoutAKeyAnEncipheredResponseStaysAsItIs) {
     abecs_comm_set_key(link.comm, nullptr);
     const std::string sealed = "ECE1BDBDAB797287876EFD4C4B271F69"_hex;
     EXPECT_EQ(deciphered(encrypted_frame(sealed)), sealed);
+    link.peer.send(encrypted_frame(sealed + "x"));
+    EXPECT_RAISES(kProtocol, "Malformed encrypted response", abecs_comm_read_packet(link.comm, packet));
 }
 
 TEST_F(SecureChannel, RefusesMalformedResponses) {
