@@ -148,7 +148,7 @@ Outcome Rig::act(Raise raise) {
         if (raises.all().size() > 1) { ADD_FAILURE() << command_->name << " raised more than once"; }
         if (!raises.all().empty()) { outcome.raised = raises.all().front(); }
     }
-    allocationFailed_ = memory.failed();
+    outcome.starved = memory.failed();
     outcome.took = line.now() - start;
     const bool kept = outcome.raised == Raised{};
     if (kept) {
@@ -192,6 +192,7 @@ bool Rig::run(Raise raise, const std::string& what, Judge judge) {
     wrong_ = {};
     std::string fault = fault_in(outcome);
     if (fault.empty() && !judge(outcome, reference_)) { fault = "it came to this"; }
+    allocationFailed_ = outcome.starved;
     callFailed_ = line.failed();
     hungUp_ = line.hung_up();
     line.heal();

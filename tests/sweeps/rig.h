@@ -39,8 +39,9 @@ std::string content_of(const std::string& payload);
 struct Outcome {
     support::Raised raised;
     int32_t status = 0;
-    std::string results;  // all that the call has filled
-    size_t kept = 0;      // blocks of memory
+    std::string results;   // all that the call has filled
+    size_t kept = 0;       // blocks of memory
+    bool starved = false;  // an allocation failed
     memory::Time took{};
 };
 
