@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "quorvel/kor/heap.h"
-#include "tests/support/malloc/exhaustion.h"
+#include "tests/support/raised.h"
 
 namespace {
 
@@ -110,17 +110,6 @@ TEST_F(RspParamMap, IterationMeetsEveryEntryOnce) {
     EXPECT_EQ(abecs_rsp_param_map_next(&it), nullptr) << "the end stays the end";
     kor_map_clear(map_);
     EXPECT_RAISES(kArgument, "'it->key' not present in 'it->map'", abecs_rsp_param_map_next(&it));
-}
-
-TEST_F(RspParamMap, AFailedPutLeavesTheBytesToTheCaller) {
-    for (const Raise raise : kBothRaises) {
-        kor_map_clear(map_);
-        const AbecsRspParamValue value = heap_value("v");
-        for (size_t n = 1; fails(n, raise, [&] { abecs_rsp_param_map_put(map_, 99, &value, true); }); ++n) {
-            EXPECT_EQ(text_of(value), "v");
-        }
-        EXPECT_EQ(abecs_rsp_param_map_get(map_, 99)->data, value.data);
-    }
 }
 
 }  // namespace
