@@ -102,6 +102,8 @@ TEST_F(Limit, LeavesNothingInTheWayOfCan) {
 }
 
 TEST_F(Limit, OfNothingIsNone) {
+    link.peer.send(kGood);
+    EXPECT_EQ(read(), Raised{});
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 0));
     link.peer.wait(500ms).send(kGood);
     EXPECT_EQ(read(), Raised{});
