@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <set>
-
 #include "tests/abecs/cmd/commands.h"
 
 namespace {
@@ -12,20 +10,16 @@ using Items = ParamMap::Items;
 const std::string kOpt = "0006 0006"_hex + "111111";
 
 TEST(Cex, SendsWhatIsGiven) {
-    const uint8_t ends[] = {0, 255};
-    const uint8_t mask[] = {6, 4};
+    const uint8_t timeOut = 255;
     const uint8_t wide[] = {0, 99};
-    const uint8_t badMask[] = {100, 0, 100};
+    const uint8_t badMask[] = {0, 100};
     sends("CEX010" + kOpt, abecs_cmd_cex, "111111", nullptr, nullptr);
-    sends("CEX015" + kOpt + "000C 0001 00"_hex, abecs_cmd_cex, "111111", ends, nullptr);
-    sends("CEX018" + kOpt + "0023 0004"_hex + "0604", abecs_cmd_cex, "111111", nullptr, mask);
-    sends("CEX023" + kOpt + "000C 0001 FF 0023 0004"_hex + "0099", abecs_cmd_cex, "111111", ends + 1, wide);
-    for (const char* option : {static_cast<const char*>(nullptr), "", "11111", "1111111"}) {
+    sends("CEX023" + kOpt + "000C 0001 FF 0023 0004"_hex + "0099", abecs_cmd_cex, "111111", &timeOut, wide);
+    for (const char* option : {static_cast<const char*>(nullptr), "11111", "1111111"}) {
         refuses("'cexOpt' is not valid!", abecs_cmd_cex, option, nullptr, nullptr);
     }
     refuses("Invalid character (0x0D) at position 5", abecs_cmd_cex, "11111\r", nullptr, nullptr);
     refuses("Number length (3) is greater than field length (2)", abecs_cmd_cex, "111111", nullptr, badMask);
-    refuses("Number length (3) is greater than field length (2)", abecs_cmd_cex, "111111", nullptr, badMask + 1);
 }
 
 class CexAnswer : public testing::Test {
@@ -45,7 +39,6 @@ protected:
 };
 
 TEST_F(CexAnswer, IsKeptAsTexts) {
-    EXPECT_EQ(abecs_cmd_cex_response_get_trk1inc(map_.get()), nullptr);
     EXPECT_RAISES(kProtocol, "Mandatory PP_EVENT not found", abecs_cmd_cex_response_get_event(map_.get()));
     const std::string track1 = "B4111******1111^DOE/J^2512101000";
     const std::string track2 = "4111******1111=251210100000";
@@ -60,33 +53,19 @@ TEST_F(CexAnswer, IsKeptAsTexts) {
 
 // As the C library reads a decimal number: what stands behind it does not count, and without digits it is 0.
 TEST_F(CexAnswer, HoldsAnEventOfAnyLength) {
-    const std::set<int> known{0, 2, 3, 4, 5, 6, 7, 8, 13, 90, 91, 92, 93, 94};
-    for (int code = 0; code < 100; ++code) {
-        const std::string text{static_cast<char>('0' + code / 10), static_cast<char>('0' + code % 10)};
-        expect_event(text, known.contains(code) ? Outcome(code) : unknown(code));
-    }
-    expect_event("0000000000000000090", 90);
+    expect_event("95", unknown(95));
     expect_event(std::string(998, '0') + "7", 7);
     expect_event(std::string(997, ' ') + "94", 94);
     expect_event(" \t\n\v\f\r+0013", 13);
-    expect_event("-0", 0);
-    expect_event("91x", 91);
     expect_event(std::string_view("8\0001", 3), 8);
     expect_event("", 0);
-    expect_event("F1", 0);
-    expect_event("4294967296", unknown(INT32_MAX));
     expect_event(std::string(500, '0') + std::string(499, '9'), unknown(INT32_MAX));
     expect_event("-" + std::string(998, '9'), unknown(-INT32_MAX));
     expect_event("-1", unknown(-1));
-    const ReturningRaises handler;
-    EXPECT_EQ(static_cast<int32_t>(abecs_cmd_cex_response_get_event(ParamMap().get())), -1);
-    EXPECT_EQ(handler.all().size(), 1U);
 }
 
-constexpr AbecsWkPan kTdes{
-    ABECS_WK_PAN_TYPE_TDES,
-    {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
-constexpr AbecsWkPan kDes{ABECS_WK_PAN_TYPE_DES, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
+const AbecsWkPan kTdes = test_key(ABECS_WK_PAN_TYPE_TDES);
+const AbecsWkPan kDes = test_key(ABECS_WK_PAN_TYPE_DES);
 
 // The last sixteen digits of each number under the keys above, made with another program.
 const std::string kClear1 = "B4111111111111111^DOE/JOHN^25121010000000000";
@@ -138,7 +117,6 @@ private:
 TEST_F(Cke, SendsTheFourthDigitOnlyWhenAsked) {
     const auto icc = [](int32_t value) { return static_cast<AbecsCmdCkeIccCheckType_E>(value); };
     const auto ctls = [](int32_t value) { return static_cast<AbecsCmdCkeCtlsCheckType_E>(value); };
-    sends("CKE003000", abecs_cmd_cke, false, false, icc(0), ctls(-1));
     sends("CKE003101", abecs_cmd_cke, true, false, icc(1), ctls(-1));
     sends("CKE0040120", abecs_cmd_cke, false, true, icc(2), ctls(0));
     sends("CKE0041101", abecs_cmd_cke, true, true, icc(0), ctls(1));
@@ -147,16 +125,13 @@ TEST_F(Cke, SendsTheFourthDigitOnlyWhenAsked) {
     sends("CKE003110", reinterpret_cast<Foreign>(reinterpret_cast<void (*)()>(abecs_cmd_cke)), 2, 255, icc(0),
           ctls(-1));
     refuses("Invalid enumerator for AbecsCmdCkeIccCheckType_E: 3", abecs_cmd_cke, true, true, icc(3), ctls(2));
-    refuses("Invalid enumerator for AbecsCmdCkeIccCheckType_E: -1", abecs_cmd_cke, true, true, icc(-1), ctls(0));
     refuses("Invalid enumerator for AbecsCmdCkeCtlsCheckType_E: 2", abecs_cmd_cke, true, true, icc(0), ctls(2));
     refuses("Invalid enumerator for AbecsCmdCkeCtlsCheckType_E: -2", abecs_cmd_cke, true, true, icc(0), ctls(-2));
 }
 
 TEST_F(Cke, ReadsKeysAndWhetherACardIsThere) {
-    const std::map<std::string, int32_t> keys{{"00", 0}, {"01", 0}, {"02", 0}, {"03", 0}, {"04", 4},  {"05", 5},
-                                              {"06", 6}, {"07", 7}, {"08", 8}, {"12", 0}, {"13", 13}, {"99", 0}};
-    for (const auto& [code, key] : keys) {
-        const AbecsCmdCkeOut out = answered("0030" + code);
+    for (const auto& [code, key] : {std::pair("03", 0), {"04", 4}, {"08", 8}, {"12", 0}, {"13", 13}, {"99", 0}}) {
+        const AbecsCmdCkeOut out = answered(std::string("0030") + code);
         EXPECT_EQ(out.event, ABECS_CMD_CKE_EVENT_KEY);
         EXPECT_EQ(out.key, key) << code;
     }
@@ -202,18 +177,11 @@ TEST_F(Cke, ReadsTracksThatItCannotDecipher) {
 TEST_F(Cke, RefusesMalformedEvents) {
     const auto refused = [&](const std::string& data, const char* detail) { answered(data, error(kProtocol, detail)); };
     refused("0020", "'RSP_LEN1' invalid value  (expected: 3, received: 2)");
-    refused("2551", "'RSP_LEN1' invalid value  (expected: 255, received: 255)");
     refused("2261", "'RSP_LEN1' invalid value  (expected: 255, received: 226)");
     refused("00325", "'RSP_LEN1' invalid value (expected: 2, received: 3)");
     refused("00335", "'RSP_LEN1' invalid value  (expected: 2, received: 3");
     refused("00222", "'CKE_ICCSTAT' invalid value: 2");
-    refused("00239", "'CKE_CTLSCSTAT' invalid value: 9");
     refused("0024", "'CKE_EVENT' invalid value: 4");
-    refused("0009", "'CKE_EVENT' invalid value: 9");
-    answered("", too_few(3, 0));
-    answered("003", too_few(1, 0));
-    answered("00301", too_few(2, 1));
-    answered("2251xx", error(kIo, "Invalid char (0x78) at index 0"));
     // A layout that is too wide, and a key that is none.
     const AbecsWkPan unknown{static_cast<AbecsWkPanType_E>(3), {}};
     protect(kTdes, false, true);

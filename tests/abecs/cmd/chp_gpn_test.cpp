@@ -28,9 +28,7 @@ TEST(Chp, SendsWhatTheOperationTakes) {
     const auto sendsParam = [](const AbecsCmdChpParam& sent, const Text& request) {
         sends(request, abecs_cmd_chp, &sent);
     };
-    sendsParam(param(0, 0, "odd", 3, "\r"), "CHP|005|00|000"_wire);
     sendsParam(param(9, 1, "zz", 3, "\r"), "CHP|005|91|000"_wire);
-    sendsParam(param(1, 2, "", 3, "\r"), "CHP|005|12|000"_wire);
     sendsParam(param(1, 2, "00a404000e", 3, "\r"), "CHP|015|12|005|00A404000E"_wire);
     sendsParam(param(1, 2, std::string(521, 'a'), 3, "\r"), "CHP|525|12|260"_wire + std::string(520, 'A'));
     sendsParam(param(2, 3, "00200080", 9, "PIN?"), "CHP|046|23|004|00200080|9"_wire + padded("PIN?", 32));
@@ -44,14 +42,10 @@ TEST(Chp, ChecksItsArgumentsInTheirOrder) {
     };
     refuses("'param' is NULL", abecs_cmd_chp, nullptr);
     refused(param(10, 4, "0", 3, "\r"), "Invalid enumerator for AbecsCmdChpSlot_E: 10");
-    refused(param(-1, 4, "0", 3, "\r"), "Invalid enumerator for AbecsCmdChpSlot_E: -1");
     refused(param(9, 4, "0", 3, "\r"), "Invalid enumerator for AbecsCmdChpOper_E: 4");
-    refused(param(9, -1, "0", 3, "\r"), "Invalid enumerator for AbecsCmdChpOper_E: -1");
     refused(param(9, 2, "00A", 3, "\r"), "Length of 'param->chpCmd' is invalid: 3");
     refused(param(9, 3, "0020008000", 3, "\r"), "Length of 'param->chpCmd' is invalid: 10");
-    refused(param(9, 3, "", 3, "\r"), "Length of 'param->chpCmd' is invalid: 0");
     refused(param(9, 3, "0020008x", 3, "\r"), "Invalid enumerator for AbecsCmdChpPinFmt_E: 3");
-    refused(param(9, 3, "0020008x", 9, "\r"), "Invalid hex byte at index 6");
     refused(param(9, 3, "00200080", 9, "\r"), "Invalid character (0x0D) at position 0");
 }
 
@@ -63,13 +57,10 @@ TEST(Chp, ReadsWhatTheCardAnswers) {
     };
     const std::string most = repeated("9f", 257);
     reads("000", "");
-    reads("003|000"_wire, "");
     reads("009|003|306aFF"_wire, "6aFF");
     reads("517|257"_wire + most, most.c_str());
     reads("519|258"_wire + most + "00", "",
           error(kArgument, "sizeTo (515) is not enough to store field (length: 516)"));
-    reads("005|001|9z"_wire, "", error(kIo, "Invalid data: 9z"));
-    reads("003", "old", too_few(3, 0));
 }
 
 using Data = AbecsCmdGpnCmdData;
@@ -113,25 +104,19 @@ TEST(Gpn, ChecksTheDataInOrder) {
         refuses(refusal, abecs_cmd_gpn, &data);
     };
     text(data.entries[0].msg, "PIN\r", "Invalid character (0x0D) at position 3");
-    text(data.pan, "41\x80", "Invalid character (0x80) at position 2");
     data.method = ABECS_CMD_GPN_METHOD_MK_WK_DES;
     text(data.wkEnc, "0123456789ABCDEx", "Invalid hex byte at index 14");
     number(data.entryCount, 2, "Invalid value for 'cmdData->entries[1].min': 0");
     text(data.entries[0].msg, std::string(33, 'x'), "Invalid length for 'cmdData->entries[0].msg': 33");
     number(data.entries[0].max, 3, "Invalid value for 'cmdData->entries[0].max': 3");
-    number(data.entries[0].max, 100, "Invalid value for 'cmdData->entries[0].max': 100");
-    number(data.entries[0].min, 100, "Invalid value for 'cmdData->entries[0].min': 100");
     number(data.entries[0].min, 3, "Invalid value for 'cmdData->entries[0].min': 3");
     number(data.entryCount, 10, "Invalid length for 'cmdData->entryCount': 10");
-    number(data.entryCount, 0, "Invalid length for 'cmdData->entryCount': 0");
     text(data.pan, std::string(20, '4'), "Invalid length for 'cmdData->pan': 20");
     text(data.pan, "4", "Invalid length for 'cmdData->pan': 1");
     text(data.wkEnc, std::string(32, '0'), "Invalid length for 'cmdData->wkEnc': 32 (expected: 16)");
     data.method = ABECS_CMD_GPN_METHOD_MK_WK_TDES;
     text(data.wkEnc, std::string(33, '0'), "Invalid length for 'cmdData->wkEnc': 33 (expected: 32)");
-    text(data.wkEnc, "", "Invalid length for 'cmdData->wkEnc': 0 (expected: 32)");
     number(data.keyIdx, 100, "Invalid value for 'cmdData->keyIdx': 100");
-    number(data.method, -1, "Invalid enumerator for AbecsCmdGpnMethod_E: -1");
     number(data.method, 4, "Invalid enumerator for AbecsCmdGpnMethod_E: 4");
     refuses("'cmdData' is NULL", abecs_cmd_gpn, nullptr);
 }
@@ -146,10 +131,7 @@ TEST(Gpn, ReadsPinBlockAndKeySerialNumber) {
     const std::string good = "0361B9C1845EB993A7AFFFF9876543210E00001";
     reads(good, "1B9C1845EB993A7A", "FFFF9876543210E00001");
     reads("999309C1845EB993A3030300000000000000000", "9C1845EB993A30", "0000000000000000");
-    reads("", "", "", too_few(3, 0));
-    reads(good.substr(0, 17), "", "", too_few(16, 14));
     reads(good.substr(0, 38), "1B9C1845EB993A7A", "", too_few(20, 19));
-    reads("0361B9C1845EB993A7xFFFF9876543210E00001", "", "", error(kIo, "Invalid data: 7x"));
 }
 
 }  // namespace

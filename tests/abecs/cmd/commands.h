@@ -44,6 +44,16 @@ inline std::string repeated(std::string_view text, int count) {
     return all;
 }
 
+// Two halves that are keys of their own.
+constexpr uint8_t kTestKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
+                                  0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10};
+
+inline AbecsWkPan test_key(int32_t type) {
+    AbecsWkPan key{static_cast<AbecsWkPanType_E>(type), {}};
+    std::copy(std::begin(kTestKey), std::end(kTestKey), key.key);
+    return key;
+}
+
 // A status, and codes, as tables write them.
 constexpr int32_t kOk = ABECS_RSP_STAT_ST_OK;
 constexpr int16_t kIndex = KOR_RESULT_INDEX_OUT_OF_BOUNDS;

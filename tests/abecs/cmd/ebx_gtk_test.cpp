@@ -115,12 +115,10 @@ TEST_F(Ebx, RefusesNumbersThatAreNoMethodsWhenItMeetsThem) {
     const auto unhandled = [](int32_t number) {
         return error(kRuntime, "Unhandled mthdDat: " + std::to_string(number) + "\n");
     };
-    for (const int32_t number : {2, 5, 9}) {
-        reset(number);
-        refused(error(kRuntime, "Missing case"), abecs_cmd_ebx_builder_wkenc, kKey, 8);
-        refused(unhandled(number), abecs_cmd_ebx_builder_ivcbc, kVector);
-        expect_incomplete(unhandled(number), 0);
-    }
+    reset(9);
+    refused(error(kRuntime, "Missing case"), abecs_cmd_ebx_builder_wkenc, kKey, 8);
+    refused(unhandled(9), abecs_cmd_ebx_builder_ivcbc, kVector);
+    expect_incomplete(unhandled(9), 0);
     reset(12);
     refused(unhandled(12), abecs_cmd_ebx_builder_wkenc, kKey, 8);
     expect_sent("EBX024" + head("12"));
@@ -137,13 +135,9 @@ TEST_F(Ebx, ChecksEveryArgumentInOrder) {
     wrong("'data' is NULL", nullptr, 0, 90, 100);
     wrong("Invalid 'szData': 0 (min: 1, max: 256)", data, 0, 90, 100);
     wrong("Invalid 'szData': 257 (min: 1, max: 256)", data, 257, 90, 100);
-    wrong("Invalid 'szData': 264 (min: 1, max: 256)", data, 264, 90, 100);
     wrong("Invalid 'szData': 12 (it must be a multiple of 8)", data, 12, 90, 100);
-    wrong("Invalid 'szData': 255 (it must be a multiple of 8)", data, 255, 90, 100);
     wrong("Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB", data, 8, 90, 100);
-    wrong("Unsupported 'mthdDat': ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC", data, 8, 91, 100);
     wrong("Invalid 'keyIdx': 100 (min: 0, max: 99)", data, 8, 51, 100);
-    refuses("'builder' is NULL", abecs_cmd_ebx, nullptr, map_.get());
     refuses("'out' is NULL", abecs_cmd_ebx, builder_, nullptr);
     expect_sent("EBX024" + head("51"));
 }
@@ -155,10 +149,7 @@ TEST_F(Ebx, CopiesTheAnswerIntoTheMap) {
     EXPECT_EQ(abecs_cmd_ebx_response_get_dataout(map_.get()), data);
     EXPECT_STREQ(abecs_cmd_ebx_response_get_ksn(map_.get()), "\xFF");
     answered("EBX000004" + "804E 0000"_hex, kOk, {{0x804E, ""}});
-    EXPECT_STREQ(abecs_cmd_ebx_response_get_dataout(map_.get()), "");
     EXPECT_EQ(abecs_cmd_ebx_response_get_ksn(map_.get()), nullptr);
-    answered("EBX000005" + "804E 0008"_hex + "C",
-             error(kProtocol, "Malformed parameter (expected data length: 8, available: 1)"), {});
 }
 
 const std::string kModulus(256, '\xA7');
@@ -184,11 +175,9 @@ protected:
 };
 
 TEST_F(Gtk, SendsWhatWasSetInTheOrderOfTheCalls) {
-    expect_sent("GTK");
     exchanges("GTK", "GTK000008" + "8045 0004 41110000"_hex, kOk, abecs_cmd_gtk, builder_, map_.get());
     EXPECT_EQ(map_.items(), (Items{{0x8045, "41110000"_hex}}));
     set(abecs_cmd_gtk_builder_tracks, "1110");
-    expect_sent("GTK008" + "0007 0004"_hex + "1110");
     const AbecsCmdGtkWkEnc key = working_key(16);
     set(abecs_cmd_gtk_builder_opn_dig, 8);
     set(abecs_cmd_gtk_builder_mthd_dat, ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC);
@@ -243,36 +232,27 @@ TEST_F(Gtk, ChecksEveryArgumentInOrder) {
     };
     refused(notYet, abecs_cmd_gtk_builder_iv_cbc, nullptr);
     refused(notYet, abecs_cmd_gtk_builder_key_idx, 100);
-    refused(notYet, abecs_cmd_gtk_builder_wk_enc, nullptr);
-    refused(notYet, abecs_cmd_gtk_builder_pbk_mod, nullptr);
-    refused(notYet, abecs_cmd_gtk_builder_pbk_exp, nullptr);
     refused("'tracks' is NULL", abecs_cmd_gtk_builder_tracks, nullptr);
-    refused("Invalid length for 'tracks' (expected: 4, requested: 3)", abecs_cmd_gtk_builder_tracks, "11x");
     refused("Invalid length for 'tracks' (expected: 4, requested: 5)", abecs_cmd_gtk_builder_tracks, "11111");
     refused("SPE_TRACKS: Invalid N field", abecs_cmd_gtk_builder_tracks, "111:");
-    for (const int32_t number : {-1, 2, 9, 12, 29, 31, 52, 89, 92, 256, INT32_MIN}) {
+    for (const int32_t number : {-1, 12, 92}) {
         refused("Invalid enumerator for AbecsSpeMthdDat_E: " + std::to_string(number), abecs_cmd_gtk_builder_mthd_dat,
                 method_of(number));
     }
-    for (const int32_t digits : {-2, 1, 3, 5, 7, 9, 10, INT32_MIN}) {
+    for (const int32_t digits : {-2, 3, 9, 10}) {
         refused("Invalid enumerator for SPE_OPNDIG: " + std::to_string(digits), abecs_cmd_gtk_builder_opn_dig, digits);
     }
     const AbecsCmdGtkWkEnc shortKey = working_key(8);
-    const AbecsCmdGtkWkEnc longKey = working_key(16);
     restart(ABECS_SPE_MTHD_DAT_MK_WK_TDES_CBC);
     refused("'ivCbc' is NULL", abecs_cmd_gtk_builder_iv_cbc, nullptr);
     refused("Invalid key index (max: 99, requested: 100)", abecs_cmd_gtk_builder_key_idx, 100);
     refused("'wkEnc' is NULL", abecs_cmd_gtk_builder_wk_enc, nullptr);
     refused("Invalid size of SPE_WKENC (expected: 16, requested: 8)", abecs_cmd_gtk_builder_wk_enc, &shortKey);
-    restart(ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB);
-    refused("Invalid size of SPE_WKENC (expected: 8, requested: 16)", abecs_cmd_gtk_builder_wk_enc, &longKey);
     const AbecsCmdGtkPbkExp longExponent{4, {}};
-    const AbecsCmdGtkPbkExp noExponent{};
     restart(ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC);
     refused("'pbkMod' is NULL", abecs_cmd_gtk_builder_pbk_mod, nullptr);
     refused("'pbkExp' is NULL", abecs_cmd_gtk_builder_pbk_exp, nullptr);
     refused("Invalid size for SPE_PBKEXP (max: 3, requested: 4)", abecs_cmd_gtk_builder_pbk_exp, &longExponent);
-    set(abecs_cmd_gtk_builder_pbk_exp, &noExponent);
     refuses("'builder' is NULL", abecs_cmd_gtk, nullptr, map_.get());
     refuses("'out' is NULL", abecs_cmd_gtk, builder_, nullptr);
 }

@@ -66,15 +66,12 @@ TEST_F(Gcr, SendsTheRequest) {
     // What memory that was never written may hold.
     std::memset(&data.ctlsOn, 2, sizeof data.ctlsOn);
     sendsData(nullptr, "GCR040" + sent + "00");
-    data.ctlsOn = false;
-    sendsData(nullptr, "GCR040" + sent + "00|0"_wire);
-    sendsData("0101", "GCR044" + sent + "01|0101|0"_wire);
-    data = {1, 99, 999999999999, {0, 12, 31}, {0, 0, 0}, "V1", true};
-    sendsData(nullptr, "GCR040|0199|999999999999|001231|000000|V1        |00"_wire);
+    data = {1, 99, 999999999999, {0, 12, 31}, {0, 0, 0}, "V1", false};
+    sendsData(nullptr, "GCR040|0199|999999999999|001231|000000|V1        |00|0"_wire);
 }
 
 TEST_F(Gcr, ChecksItsArgumentsInTheirOrder) {
-    AbecsCmdGcrData data{100, 100, 1000000000000, {100, 13, 32}, {24, 60, 60}, "V\r", true};
+    AbecsCmdGcrData data{100, 100, 0, {100, 13, 32}, {24, 60, 60}, "V", true};
     const auto refused = [&](const Refusal& refusal, const char* ids) { refuses(refusal, abecs_cmd_gcr, &data, ids); };
     refuses("'gcrData' is NULL", abecs_cmd_gcr, nullptr, nullptr);
     refused("gcrData->acqIdxReq (100) is out of range", "x");
@@ -90,27 +87,17 @@ TEST_F(Gcr, ChecksItsArgumentsInTheirOrder) {
     refused("Invalid length for aidRecIds: 6", "01-101");
     refused("Invalid char at aidRecIds[6]: (0xE9)", "010101\xE9-");
     refused("Too many records", repeated("0101", 100).c_str());
-    refused("Duplicate record ID: 0101", "010101020101");
     refused("Duplicate record ID: 01Zz", "01Zz01Zz");
-    refused("Number length (13) is greater than field length (12)", nullptr);
-    data.amount = 0;
-    refused("Invalid character (0x0D) at position 1", nullptr);
     std::fill(std::begin(data.tabVer), std::end(data.tabVer), '7');
     refused("Field does not have enough room for data", nullptr);
 }
 
 TEST_F(Gcr, ReturnsTheCodeThatWasRaised) {
-    const AbecsCmdGcrData data{0, 0, 0, {24, 2, 29}, {23, 59, 58}, "", true};
-    const auto expectCodes = [](const std::string& request, auto send) {
-        Link link;
-        for (int i = 0; i < 2; ++i) { link.peer.expect(frame(request)).send("04"_hex); }
-        EXPECT_REFUSED(kProtocol, "Protocol error (unknown packet response: 0x4)", send(link.comm));
-        EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GKY"));
-        EXPECT_REFUSED(kState, "Connection is blocked waiting for GKY response", send(link.comm));
-    };
-    expectCodes("GCR040|0000|000000000000|240229|235958|          |00"_wire,
-                [&](AbecsComm* link) { return abecs_cmd_gcr(link, &data, nullptr); });
-    expectCodes("GCR", abecs_cmd_gcr_empty);
+    Link link;
+    for (int i = 0; i < 2; ++i) { link.peer.expect(frame("GCR")).send("04"_hex); }
+    EXPECT_REFUSED(kProtocol, "Protocol error (unknown packet response: 0x4)", abecs_cmd_gcr_empty(link.comm));
+    EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GKY"));
+    EXPECT_REFUSED(kState, "Connection is blocked waiting for GKY response", abecs_cmd_gcr_empty(link.comm));
 }
 
 TEST_F(Gcr, ReadsACard) {
@@ -141,18 +128,15 @@ TEST_F(Gcr, ReadsWhatTheAcquirerGetsBesides) {
     };
     const std::string value = "30303030303030303030300102abCDEF";
     reads("10" + value, "0102abCDEF");
-    reads("06" + value, "0102ab");
-    reads("99" + value, "0102abCDEF");
     reads("99112233445566778899AABBCCDDEEFF00", "112233445566778899AABBCCDDEEFF00");
-    EXPECT_STREQ(read({"00", "00", "00", "", "02", "3012345678"}).acqRd02Data, "12345678");
     // The members of other acquirers stay as they were.
     out = received("GCR013", ABECS_RSP_STAT_ST_CANCEL, 'k');
     EXPECT_EQ(bytes(out), std::string(sizeof out, 'k'));
     out = read({"00", "00", "00", "", "03", "behind"}, 'k');
     EXPECT_EQ(out.issuerCountry, 76);
     EXPECT_EQ(bytes(out.acqRd01Data) + bytes(out.acqRd01Text1) + bytes(out.acqRd01Text2), std::string(67, 'k'));
-    out = read({"00", "00", "00", "", "02", "1112345678"}, 'k');
-    EXPECT_STREQ(out.acqRd02Data, "1112345678");
+    out = read({"00", "00", "00", "", "02", "3012345678"}, 'k');
+    EXPECT_STREQ(out.acqRd02Data, "12345678");
     EXPECT_EQ(bytes(out.acqRd01Text1) + bytes(out.acqRd01Text2), std::string(34, 'k'));
 }
 
@@ -173,14 +157,10 @@ TEST_F(Gcr, ReadsFullFieldsAndLyingLengths) {
 // A key that the link does not have any more leaves the layout as it is under a key.
 TEST_F(Gcr, TheLayoutGoesWithAMarkOfItsOwn) {
     protected_ = true;
-    Card card;
-    card.track2 = "40" + std::string(40, '7');
-    card.track3 = "5";
-    const AbecsCmdGcrResponse out = read(card);
+    const AbecsCmdGcrResponse out = read({.track2 = "40" + std::string(40, '7'), .track3 = "5"});
     EXPECT_EQ((Texts{out.track1, out.track2, out.track3, out.pan}),
               (Texts{"B4111111111111111^CARD/TEST^2512201", std::string(40, '7'), "5", "4111111111111111"}));
     EXPECT_EQ(lengths_of(out), (Lengths{43, 40, 1, 17}));
-    EXPECT_EQ(out.issuerCountry, 76);
 }
 
 TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
@@ -197,32 +177,20 @@ TEST_F(Gcr, PutsProtectedCardDataIntoClear) {
             << "of track 2 as many characters as were announced";
         EXPECT_EQ(lengths_of(out), (Lengths{35, 23, 16, 19})) << "that of track 3 is the card number's";
     };
-    AbecsWkPan key{ABECS_WK_PAN_TYPE_DES,
-                   {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
-    reads(key, "F0157C5DA1787BED", "3EBC0FCC21D3E027");
-    key.type = ABECS_WK_PAN_TYPE_TDES_RSA;
-    reads(key, "69D9405C8462F410", "E7BD6636680F28CA");
+    reads(test_key(ABECS_WK_PAN_TYPE_DES), "F0157C5DA1787BED", "3EBC0FCC21D3E027");
+    reads(test_key(ABECS_WK_PAN_TYPE_TDES_RSA), "69D9405C8462F410", "E7BD6636680F28CA");
     const AbecsWkPan unknown{static_cast<AbecsWkPanType_E>(3), {}};
-    const std::string good = answer({"161234567890123456", "00", "00"}, true);
     key_ = &unknown;
-    received(good.substr(0, 16) + "\x7F" + good.substr(17), error(kIo, "Invalid character (0x7F) at position 0"));
-    received(good, error(kRuntime, "Unhandled case"));
+    received(answer({"161234567890123456", "00", "00"}, true), error(kRuntime, "Unhandled case"));
 }
 
 TEST(GcrEnumerators, AreNamed) {
-    const std::map<int, std::string> types{{0, "MAGNETIC"}, {3, "ICC_EMV"}, {5, "CTLS_MAGSTRIPE"}, {6, "CTLS_EMV"}};
-    const std::map<int, std::string> stats{{0, "SUCCESS"}, {1, "ERROR_FALLBACK"}, {2, "NOT_SUPPORTED"}};
-    const ReturningRaises handler;
-    const auto name = [](const auto& names, const std::string& prefix, int value) {
-        return names.contains(value) ? prefix + names.at(value) : "";
-    };
-    for (int value = 0; value < 256; ++value) {
-        EXPECT_EQ(abecs_cmd_gcr_stat_chip_to_string(static_cast<AbecsCmdGcrStatChip_E>(value)),
-                  name(stats, "ABECS_CMD_GCR_STATCHIP_", value));
-        EXPECT_EQ(abecs_cmd_gcr_card_type_to_string(static_cast<AbecsCmdGcrCardType_E>(value)),
-                  name(types, "ABECS_CMD_GCR_CARD_TYPE_", value));
-    }
-    EXPECT_EQ(handler.all(), std::vector(252U + 253U, error(kRuntime, "Unhandled case")));
+    EXPECT_STREQ(abecs_cmd_gcr_stat_chip_to_string(ABECS_CMD_GCR_STATCHIP_NOT_SUPPORTED),
+                 "ABECS_CMD_GCR_STATCHIP_NOT_SUPPORTED");
+    EXPECT_STREQ(abecs_cmd_gcr_card_type_to_string(ABECS_CMD_GCR_CARD_TYPE_CTLS_EMV),
+                 "ABECS_CMD_GCR_CARD_TYPE_CTLS_EMV");
+    EXPECT_RAISES(kRuntime, "Unhandled case", abecs_cmd_gcr_stat_chip_to_string(AbecsCmdGcrStatChip_E{3}));
+    EXPECT_RAISES(kRuntime, "Unhandled case", abecs_cmd_gcr_card_type_to_string(AbecsCmdGcrCardType_E{4}));
 }
 
 }  // namespace

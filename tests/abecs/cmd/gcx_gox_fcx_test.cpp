@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include "abecs/data/spe_mthd_pin.h"
 #include "tests/abecs/cmd/commands.h"
 
 namespace {
@@ -18,7 +17,6 @@ protected:
 
 TEST_F(Gcx, SendsWhatWasSetInTheOrderOfTheCalls) {
     const uint8_t appTypes[] = {1, 98};
-    expect_sent("GCX020" + kMoment);
     set(abecs_cmd_gcx_builder_trntype, 0x16);
     set(abecs_cmd_gcx_builder_acqref, 99);
     set(abecs_cmd_gcx_builder_apptype, appTypes, 2);
@@ -38,7 +36,6 @@ TEST_F(Gcx, SendsWhatWasSetInTheOrderOfTheCalls) {
                 + "000C 0001 17 001B 000B"_hex + "INSERT\rCARD");
     set(abecs_cmd_gcx_builder_reset, "251231", "235959");
     expect_sent("GCX020" + kMoment);
-    set(abecs_cmd_gcx_builder_amount, 6);
 }
 
 // The list of records leaves no room for the data in the first block; what is shorter still goes there.
@@ -64,23 +61,19 @@ TEST_F(Gcx, ChecksEveryArgumentInOrder) {
     const AbecsTagList tagList{{}, 129};
     refused("Invalid 'acqRef' (maximum: 99, requested: 100)", abecs_cmd_gcx_builder_acqref, 100);
     refused("'appTypes' is NULL", abecs_cmd_gcx_builder_apptype, nullptr, 0);
-    refused("invalid value for 'szAppTypes': 0 (min: 1, max: 10)", abecs_cmd_gcx_builder_apptype, appTypes, 0);
     refused("invalid value for 'szAppTypes': 11 (min: 1, max: 10)", abecs_cmd_gcx_builder_apptype, appTypes, 11);
     refused("invalid value for 'appTypes[1]: 99 (min: 1, max: 98)", abecs_cmd_gcx_builder_apptype, appTypes, 2);
     refused("invalid value for 'appTypes[0]: 0 (min: 1, max: 98)", abecs_cmd_gcx_builder_apptype, appTypes + 2, 1);
     const auto list = abecs_cmd_gcx_builder_aidlist;
     refused("'aidRecords' is NULL", list, nullptr);
     refused("Invalid length for for 'aidRecords': 5 (must be a multiple of 4)", list, "AB01x");
-    refused("Invalid number of records 'aidRecords': 0 (min: 1, max: 128)", list, "");
     refused("Invalid number of records 'aidRecords': 129 (min: 1, max: 128)", list, repeated("0101", 129).c_str());
     refused("Invalid acquirer identifier at index 0: \"AB\"", list, "AB-1");
     refused("Invalid record at index 1: 0x41 0xe9", list, "010101A\xE9");
-    refused("Number length (13) is greater than field length (12)", abecs_cmd_gcx_builder_amount, 1000000000000);
     refused("Invalid 'trnCurr' (maximum: 999, requested: 1000)", abecs_cmd_gcx_builder_trncurr, 1000);
     refused("'gcxOpt' is NULL", abecs_cmd_gcx_builder_gcxopt, nullptr);
     refused("'gcxOpt' is too long (maximum: 5, requested: 6)", abecs_cmd_gcx_builder_gcxopt, "10000A");
     refused("panMask: invalid char (0x2E) at index 2", abecs_cmd_gcx_builder_panmask, "06.4");
-    refused("'panMask' is too short (minimum: 4, requested: 3)", abecs_cmd_gcx_builder_panmask, "064");
     refused("'emvData' is NULL", abecs_cmd_gcx_builder_emvdata, nullptr);
     refused("'emvData->szData' is too long (size: 513, maximum: 512)", abecs_cmd_gcx_builder_emvdata, &emvData);
     refused("'tagList' is NULL", abecs_cmd_gcx_builder_taglist, nullptr);
@@ -88,19 +81,14 @@ TEST_F(Gcx, ChecksEveryArgumentInOrder) {
     const auto message = abecs_cmd_gcx_builder_dspmsg;
     refused("'dspMsg' is NULL", message, nullptr);
     refused("'dspMsg' is too long (length: 129, max: 128)", message, std::string(129, 'x').c_str());
-    refused("Invalid character (0x0A) at position 1", message, "A\n");
     refuses("'builder' is NULL", abecs_cmd_gcx, nullptr);
     expect_sent("GCX020" + kMoment);
-    set(abecs_cmd_gcx_builder_acqref, 5);
-    refused(error(kState, "SPE_ACQREF already set"), abecs_cmd_gcx_builder_acqref, 6);
-    refused("Invalid 'acqRef' (maximum: 99, requested: 100)", abecs_cmd_gcx_builder_acqref, 100);
 }
 
 TEST_F(Gcx, ARefusedResetLeavesTheBuilder) {
     set(abecs_cmd_gcx_builder_trntype, 1);
     refused("'trnDate' is NULL", abecs_cmd_gcx_builder_reset, nullptr, "1");
     refused("'trnTime' is NULL", abecs_cmd_gcx_builder_reset, "1", nullptr);
-    refused("'trnDate' is too short (minimum: 6, requested: 5)", abecs_cmd_gcx_builder_reset, "25123", "1");
     refused("trnTime: invalid char (0x3A) at index 2", abecs_cmd_gcx_builder_reset, "251231", "23:59A");
     expect_sent("GCX025" + kMoment + "0021 0001 01"_hex);
     EXPECT_REFUSED(kArgument, "'trnDate' is too long (maximum: 6, requested: 8)",
@@ -155,7 +143,6 @@ TEST_F(Gox, NeedsTheWorkingKeyOfItsMethod) {
         refused("'szWkenc' is invalid " + sizes[i], abecs_cmd_gox_builder_wkenc, kKey, 24 - size);
         expect_incomplete(error(kState, "SPE_WKENC not set"));
         set(abecs_cmd_gox_builder_wkenc, kKey, size);
-        refused(error(kState, "SPE_WKENC already set"), abecs_cmd_gox_builder_wkenc, kKey, size);
         expect_sent(requests[i]);
     }
     for (const int32_t i : {2, 3}) {
@@ -164,22 +151,16 @@ TEST_F(Gox, NeedsTheWorkingKeyOfItsMethod) {
         refused(error(kState, "PIN encryption method (" + name + ") does not use SPE_WKENC parameter"),
                 abecs_cmd_gox_builder_wkenc, nullptr, 0);
     }
-    EXPECT_STREQ(abecs::mthd_pin_to_string(ABECS_SPE_MTHD_PIN_MK_WK_DES), "ABECS_SPE_MTHD_PIN_MK_WK_DES");
-    EXPECT_STREQ(abecs::mthd_pin_to_string(ABECS_SPE_MTHD_PIN_MK_WK_TDES), "ABECS_SPE_MTHD_PIN_MK_WK_TDES");
-    EXPECT_RAISES(kRuntime, "Unhandled case", abecs::mthd_pin_to_string(method(4)));
 }
 
 TEST_F(Gox, ChecksEveryArgumentInOrder) {
     const auto reset = abecs_cmd_gox_builder_reset;
     refused("Invalid 'acqRef': 100 (min: 0, max: 99)", reset, 100, method(4), 100);
     refused("Invalid enumerator for AbecsSpeMthdPin_E: 4", reset, 99, method(4), 100);
-    refused("Invalid enumerator for AbecsSpeMthdPin_E: -1", reset, 99, method(-1), 100);
     refused("Invalid 'keyIdx': 100 (min: 0, max: 99)", reset, 99, method(0), 100);
     refused("goxOpt: invalid char (0x61) at index 4", abecs_cmd_gox_builder_goxopt, "0123a");
     refused("'trmPar' is NULL", abecs_cmd_gox_builder_trmpar, nullptr);
-    refuses("'builder' is NULL", abecs_cmd_gox, nullptr);
     expect_sent("GOX017" + kFirst);
-    EXPECT_RAISES(kArgument, "Invalid 'keyIdx': 100 (min: 0, max: 99)", abecs_cmd_gox_builder_new(0, method(0), 100));
 }
 
 class Fcx : public Built<AbecsCmdFcxBuilder, abecs_cmd_fcx_builder_delete, abecs_cmd_fcx> {
@@ -214,14 +195,11 @@ TEST_F(Fcx, ChecksEveryArgumentInOrder) {
     set(abecs_cmd_fcx_builder_reset, "2000");
     refused("'fcxOpt' is NULL", abecs_cmd_fcx_builder_reset, nullptr);
     refused("'fcxOpt' is too long (maximum: 4, requested: 5)", abecs_cmd_fcx_builder_reset, "0000x");
-    refused("fcxOpt: invalid char (0x20) at index 0", abecs_cmd_fcx_builder_reset, " 000");
     refused("'arc' is NULL", abecs_cmd_fcx_builder_arc, nullptr);
     refused("Invalid length of 'arc': 3 (expected: 2)", abecs_cmd_fcx_builder_arc, "0-0");
     refused("arc[1] is invalid: 0x2D", abecs_cmd_fcx_builder_arc, "0-");
     refused("arc[0] is invalid: 0xE9", abecs_cmd_fcx_builder_arc, "\xE9-");
-    refuses("'builder' is NULL", abecs_cmd_fcx, nullptr);
     expect_sent("FCX008" + "0019 0004 32303030"_hex);
-    EXPECT_RAISES(kArgument, "'fcxOpt' is too short (minimum: 4, requested: 0)", abecs_cmd_fcx_builder_new(""));
 }
 
 }  // namespace

@@ -36,10 +36,7 @@ TEST(Gin, SplitsTheModelAtItsSemicolons) {
         EXPECT_STREQ(out.modelDetail, detail) << field;
     };
     splits("PLAIN", "PLAIN", "");
-    splits("A;;B", "A", "");
-    splits("", "", "");
     splits("ABCDEFGHIJKLMNOPQR;", "ABCDEFGHIJKLMNOPQR", "");
-    splits(";BCDEFGHIJKLMNOPQRS", "", "BCDEFGHIJKLMNOPQRS");
     splits("A;B C ;D", "A", "B C ");
 }
 
@@ -63,42 +60,19 @@ TEST(Gin, ReadsTheOtherIndexes) {
 }
 
 TEST(Gin, RefusesMalformedAnswersAndKeepsWhatWasReadBefore) {
-    const auto length = [](int index, int expected, int read) {
-        return error(kProtocol, "Invalid RSP_LEN1 for GIN_ACQIDX == " + std::string(index == 0 ? "0" : "02")
-                                    + " (expected " + std::to_string(expected) + ", read: " + std::to_string(read)
-                                    + ")");
-    };
-    const auto damaged = [](size_t at, char with = '\x7F') {
-        std::string fields = kIndex00;
-        fields[at] = with;
-        return "100" + fields;
-    };
-    const auto character = [](int at) {
-        return error(kIo, "Invalid character (0x7F) at position " + std::to_string(at));
-    };
-    gin(0, "", too_few(3, 0));
-    gin(3, "041", length(3, 42, 41));
-    gin(1, "100", length(1, 42, 100));
+    gin(3, "041", error(kProtocol, "Invalid RSP_LEN1 for GIN_ACQIDX == 02 (expected 42, read: 41)"));
     gin(3, "042AAAAA BBB CCC DD EE FFFFFFFFFFFF GGG H t42", error(kProtocol, "Invalid value for GIN_DUKPT: 0x74"));
-    gin(0, "100MANUFACTURER", too_few(20, 12));
-    const AbecsCmdGinOut none = gin(0, "042" + kIndex00, length(0, 100, 42));
+    const AbecsCmdGinOut none =
+        gin(0, "042" + kIndex00, error(kProtocol, "Invalid RSP_LEN1 for GIN_ACQIDX == 0 (expected 100, read: 42)"));
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(&none), sizeof none), std::string(sizeof none, 'k'));
-    AbecsCmdGinOut out = gin(0, damaged(25), character(5));
-    EXPECT_STREQ(out.idx00.mnName, "MANUFACTURER");
-    EXPECT_STREQ(out.idx00.model,
-                 "ABC;D\x7F"
-                 "F;GHI");
-    EXPECT_EQ(out.idx00.modelDetail[0], 'k');
-    out = gin(0, damaged(39, 'X'), error(kProtocol, "Invalid value for GIN_CTLSSUP: 0x58"));
-    EXPECT_STREQ(out.idx00.modelDetail, "DEF");
-    EXPECT_EQ(std::memcmp(&out.idx00.ctlsSup, "k", 1), 0);
-    out = gin(0, damaged(50), character(10));
-    EXPECT_TRUE(out.idx00.ctlsSup);
-    EXPECT_STREQ(out.idx00.soVer, "OS 1.2    \x7F");
-    EXPECT_EQ(out.idx00.specVer[0], 'k');
-    out = gin(2, "042AAAAAAA BBBBBBBBBBB CCCCCCCCCCCC DDD EE xx", error(kIo, "Invalid char (0x78) at index 0"));
-    EXPECT_STREQ(out.idx02.text5, "EE");
-    EXPECT_EQ(out.idx02.number, 'k');
+    std::string fields = kIndex00;
+    fields[39] = 'X';
+    const auto out = gin(0, "100" + fields, error(kProtocol, "Invalid value for GIN_CTLSSUP: 0x58")).idx00;
+    EXPECT_STREQ(out.modelDetail, "DEF");
+    EXPECT_EQ(std::memcmp(&out.ctlsSup, "k", 1), 0);
+    fields[25] = '\x7F';
+    EXPECT_STREQ(gin(0, "100" + fields, error(kIo, "Invalid character (0x7F) at position 5")).idx00.mnName,
+                 "MANUFACTURER");
     const Raised badIndex = error(kIndex, "Invalid acqIdx: 100 (maximum is 99)");
     refuses(badIndex, abecs_cmd_gin, 100, nullptr);
 }
@@ -129,7 +103,6 @@ TEST_F(Gix, ReadsItemsOfBothBlocks) {
                {{0x8001, "SN0042"}, {0x805A, "00FF1617"_hex}});
     expect_gix({}, "GIX", "GIX000005" + one + "009" + "9305 0000 8002 0001 42"_hex, kOk,
                {{0x8001, "A"}, {0x8002, "B"}, {0x9305, ""}});
-    expect_gix({}, "GIX", "GIX000000", kOk, {});
     expect_gix({}, "GIX", "GIX000005" + one + "001A",
                error(kIo, "Malformed packet (remaining bytes on BLK2 cannot be used)"), {});
 }
@@ -142,10 +115,7 @@ TEST_F(Gix, ChecksItsArgumentsInTheirOrder) {
     expect_refused_untouched("'idList' is NULL", nullptr, 1);
     expect_refused_untouched(invalid + "0: 4660 (1234)", bad, 64);
     expect_refused_untouched(invalid + "1: -1 (FFFFFFFF)", negative, 2);
-    refuses(invalid + "0: 4660 (1234)", abecs_cmd_gix, bad, 64, nullptr);
     refuses("'out' is NULL", abecs_cmd_gix, nullptr, 0, nullptr);
-    EXPECT_RAISES(kArgument, "'pinpad' is NULL", abecs_cmd_gix(nullptr, nullptr, 0, map_.get()));
-    EXPECT_EQ(map_.items().size(), 1U);
 }
 
 TEST_F(Gix, KnowsTheIdsThatCanBeAsked) {

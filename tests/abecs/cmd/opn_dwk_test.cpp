@@ -92,23 +92,13 @@ TEST(Opn, BadKeysAreRefusedAndTheOldOneStays) {
         return error(kProtocol, std::string("(OPN) Invalid Ksec length (expected: 16, read: ") + read + ")");
     };
     opens(session("0001"_hex, kSessionKey), error(kProtocol, "(OPN) Invalid PCKS#1 block header"));
-    opens(session("0102"_hex, kSessionKey), error(kProtocol, "(OPN) Invalid PCKS#1 block header"));
     opens(enciphered("OPN000515256", "0002"_hex + std::string(254, 'x')), length("0"));
-    opens(session("0002"_hex, kSessionKey.substr(1)), length("15"));
     opens(session("0002"_hex, "x" + kSessionKey), length("17"));
     opens(text("OPN000514256" + zeros), error(kProtocol, "(OPN) Invalid RSP_LEN1: 514"));
     opens(text("OPN000515255" + zeros), error(kProtocol, "(OPN) Invalid OPN_CRKSLEN: 255"));
-    opens(text("OPN000515256" + zeros.substr(2)), too_few(512, 510));
-    opens(text("OPN000515256" + zeros.substr(2) + "0x"), error(kIo, "Invalid data: 0x"));
-    opens(text("OPN011x"), too_few(3, 1));
     // Without a key it is an invalid call.
     opens(text("OPN000"), ABECS_RSP_STAT_ST_INVCALL);
-    opens(text("OPN046"), ABECS_RSP_STAT_ST_ERRCRYPT);
-    opens(text("ERR010"), ABECS_RSP_STAT_ST_INVCALL);
 }
-
-constexpr uint8_t kMasterKey[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
-                                    0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10};
 
 void expect_link(const Link& link, bool panProtected, bool panKeyInstalled, const AbecsWkPan& key) {
     EXPECT_EQ(link.comm->panProtected, panProtected);
@@ -119,7 +109,7 @@ void expect_link(const Link& link, bool panProtected, bool panKeyInstalled, cons
 
 class Dwk1 : public testing::TestWithParam<AbecsMkType_E> {
 protected:
-    Dwk1() { std::copy(std::begin(kMasterKey), std::end(kMasterKey), std::begin(master_.key)); }
+    Dwk1() { std::copy(std::begin(kTestKey), std::end(kTestKey), std::begin(master_.key)); }
 
     // On a link that has a key. The request carries the key that comes out.
     Outcome loads(const std::string& response, bool setOnLink, AbecsWkPan* key) {
@@ -135,8 +125,8 @@ protected:
         const bool des = GetParam() == ABECS_MK_TYPE_DES;
         EXPECT_EQ(request.substr(1, 10), des ? "DWK0361099" : "DWK0361199");
         EXPECT_EQ(request[43], '\x17');
-        const std::string half(kMasterKey, kMasterKey + 8);
-        sent_ = tdes_decipher(des ? half + half : bytes_of(kMasterKey), from_hex(request.substr(11, 32)));
+        const std::string half(kTestKey, kTestKey + 8);
+        sent_ = tdes_decipher(des ? half + half : bytes_of(kTestKey), from_hex(request.substr(11, 32)));
         return outcome;
     }
 
@@ -178,9 +168,7 @@ TEST_P(Dwk1, DrawsTheKeyFromTheGeneratorThatAnApplicationMaySeed) {
 TEST_P(Dwk1, LeavesTheLinkAsItWasWhenItFails) {
     const std::pair<const char*, Outcome> rows[] = {
         {"DWK042", ABECS_RSP_STAT_ST_ERRKEY},
-        {"ERR010", ABECS_RSP_STAT_ST_INVCALL},
         {"DWK00", error(kProtocol, "Unrecognized response")},
-        {"OPN000", error(kProtocol, "(DWK) Invalid RSP_ID: OPN)")},
     };
     for (const auto& [response, expected] : rows) {
         AbecsWkPan key = kOldKey;
@@ -193,11 +181,8 @@ TEST_P(Dwk1, LeavesTheLinkAsItWasWhenItFails) {
 TEST_P(Dwk1, ChecksItsArgumentsInOrder) {
     AbecsWkPan key{};
     refuses("'mk' is NULL", abecs_cmd_dwk1, nullptr, &key, true);
-    for (const int32_t type : {-1, 2}) {
-        const AbecsMk wrong{static_cast<AbecsMkType_E>(type), 100, {}};
-        const std::string detail = "Invalid enumerator for AbecsMkType_E: " + std::to_string(type);
-        refuses(detail, abecs_cmd_dwk1, &wrong, &key, true);
-    }
+    const AbecsMk wrong{static_cast<AbecsMkType_E>(2), 100, {}};
+    refuses("Invalid enumerator for AbecsMkType_E: 2", abecs_cmd_dwk1, &wrong, &key, true);
     master_.idx = 100;
     refuses("Invalid master key index: 100 (max: 99)", abecs_cmd_dwk1, &master_, &key, true);
 }
@@ -248,15 +233,10 @@ TEST(Dwk2, RefusesBadBlocksAndLeavesTheLinkAsItWas) {
     };
     refused("T1", kKeyDigits, 'Y', "(DWK) Invalid block end (expected: 'X', read: 'Y')");
     refused("U2", kKeyDigits, 'Y', "(DWK) Invalid header: 55 (expected: 0x54)");
-    refused(" 1", kKeyDigits, 'X', "(DWK) Invalid header: 00 (expected: 0x54)");
     refused("T2", kKeyDigits, 'Y', "(DWK) Invalid layout version: 2 (expected: 1)");
-    loads_rsa(pan_key("\0011", kKeyDigits, 'X'), error(kIo, "Invalid character (0x01) at position 0"));
-    loads_rsa(pan_key("Tx", kKeyDigits, 'X'), error(kIo, "Invalid char (0x78) at index 0"));
     loads_rsa(pan_key("T1", kKeyDigits.substr(2) + "?0", 'Y'), error(kIo, "Invalid data: ?0"));
     const std::string zeros(256, '0');
     loads_rsa(text("DWK000255" + zeros), error(kProtocol, "Invalid RSP_LEN: 255 (expected: 256)"));
-    loads_rsa(text("DWK000256" + zeros.substr(2)), too_few(256, 254));
-    loads_rsa(text("DWK000256" + zeros.substr(2) + "0x"), error(kIo, "Invalid data: 0x"));
     loads_rsa(text("DWK010256" + zeros), ABECS_RSP_STAT_ST_INVCALL);
 }
 

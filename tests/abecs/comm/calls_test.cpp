@@ -2,10 +2,8 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <linux/serial.h>
 #include <sys/ioctl.h>
-#include <sys/types.h>
 #include <termios.h>
 #include <vector>
 
@@ -23,6 +21,10 @@ struct Calls {
 };
 thread_local Calls* counted = nullptr;
 
+void count_one(size_t Calls::*kind) {
+    if (counted != nullptr) { ++(counted->*kind); }
+}
+
 // What a driver says and is told of the settings that a pseudo-terminal has not.
 struct Driver {
     int flags = 0;
@@ -38,23 +40,15 @@ Driver* driver = nullptr;
 }  // namespace
 
 // This program is linked with -Wl,--wrap for each of these.
-extern "C" {
-ssize_t __real_write(int fd, const void* bytes, size_t count);
-ssize_t __wrap_write(int fd, const void* bytes, size_t count);
-ssize_t __real_read(int fd, void* bytes, size_t count);
-ssize_t __wrap_read(int fd, void* bytes, size_t count);
-int __real_tcdrain(int fd);
-int __wrap_tcdrain(int fd);
-int __real_tcgetattr(int fd, termios* settings);
-int __wrap_tcgetattr(int fd, termios* settings);
-int __real_tcsetattr(int fd, int when, const termios* settings);
-int __wrap_tcsetattr(int fd, int when, const termios* settings);
-int __real_ioctl(int fd, unsigned long request, void* argument);
-int __wrap_ioctl(int fd, unsigned long request, void* argument);
-}
+#define WRAPS(result, name, ...)       \
+    result __real_##name(__VA_ARGS__); \
+    result __wrap_##name(__VA_ARGS__); \
+    result __wrap_##name(__VA_ARGS__)
 
-ssize_t __wrap_write(int fd, const void* bytes, size_t count) {
-    if (counted != nullptr) { ++counted->writes; }
+extern "C" {
+
+WRAPS(ssize_t, write, int fd, const void* bytes, size_t count) {
+    count_one(&Calls::writes);
     if (counted == nullptr || driver == nullptr) { return __real_write(fd, bytes, count); }
     if (driver->room == 0) { return errno = EAGAIN, -1; }
     const size_t taken = std::min({count, driver->room, driver->most});
@@ -62,27 +56,27 @@ ssize_t __wrap_write(int fd, const void* bytes, size_t count) {
     return __real_write(fd, bytes, taken);
 }
 
-ssize_t __wrap_read(int fd, void* bytes, size_t count) {
-    if (counted != nullptr) { ++counted->reads; }
+WRAPS(ssize_t, read, int fd, void* bytes, size_t count) {
+    count_one(&Calls::reads);
     return __real_read(fd, bytes, count);
 }
 
-int __wrap_tcdrain(int fd) {
-    if (counted != nullptr) { ++counted->drains; }
+WRAPS(int, tcdrain, int fd) {
+    count_one(&Calls::drains);
     return __real_tcdrain(fd);
 }
 
-int __wrap_tcgetattr(int fd, termios* settings) {
-    if (counted != nullptr) { ++counted->settings; }
+WRAPS(int, tcgetattr, int fd, termios* settings) {
+    count_one(&Calls::settings);
     return __real_tcgetattr(fd, settings);
 }
 
-int __wrap_tcsetattr(int fd, int when, const termios* settings) {
-    if (counted != nullptr) { ++counted->settings; }
+WRAPS(int, tcsetattr, int fd, int when, const termios* settings) {
+    count_one(&Calls::settings);
     return __real_tcsetattr(fd, when, settings);
 }
 
-int __wrap_ioctl(int fd, unsigned long request, void* argument) {
+WRAPS(int, ioctl, int fd, unsigned long request, void* argument) {
     if (driver != nullptr && request == TIOCOUTQ) {
         *static_cast<int*>(argument) = driver->unsent;
         driver->unsent -= driver->sends;
@@ -96,6 +90,7 @@ int __wrap_ioctl(int fd, unsigned long request, void* argument) {
     if (driver->refuses) { return -1; }
     driver->told.push_back(driver->flags = settings->flags);
     return 0;
+}
 }
 
 namespace {
@@ -183,27 +178,28 @@ TEST_F(SystemCalls, OfADrainEndWithTheLimit) {
     driver = &stuck;
     const Packet packet(request);
     link.peer.discard(sent);
-    EXPECT_EQ(raised_by([&] { abecs_comm_send_packet(link.comm, packet); }),
-              error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed"));
+    EXPECT_EQ(raised_by_sending(link, packet), error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 300 ms has passed"));
     driver = nullptr;
 }
 
 // What has gone out in part is consumed.
-TEST_F(SystemCalls, ThatWriteAPartOfAFrameConsumeIt) {
+TEST_F(SystemCalls, ThatWriteAPartOfAFrameConsumeItAndEndWithTheLimit) {
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 100));
-    EXPECT_NO_RAISE(abecs_comm_set_whole_frames(link.comm, true));
-    for (const size_t room : {size_t{0}, size_t{5}}) {
+    for (const auto& [whole, room] : {std::pair{true, size_t{0}}, {true, 5}, {false, 0}}) {
+        abecs_comm_set_whole_frames(link.comm, whole);
         Driver full{.room = room};
         driver = &full;
         Calls calls;
         counted = &calls;
         const Packet packet(request);
-        const Raised raised = raised_by([&] { abecs_comm_send_packet(link.comm, packet); });
+        const Elapsed elapsed;
+        const Raised raised = raised_by_sending(link, packet);
         counted = nullptr;
         driver = nullptr;
         EXPECT_EQ(raised, error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 100 ms has passed"));
+        EXPECT_TRUE(elapsed.between(95ms, 600ms));
         EXPECT_EQ(packet.take().size(), room == 0 ? request.size() : 0);
-        if (room != 0) { link.peer.discard(room); }
+        link.peer.discard(room);
     }
 }
 

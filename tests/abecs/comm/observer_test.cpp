@@ -33,42 +33,37 @@ void note(const AbecsLinkEvent* event, void* context) {
 
 using Lines = std::vector<std::string>;
 
-class Observer : public testing::Test {
+class Observer : public OnLink {
 protected:
     void SetUp() override { EXPECT_NO_RAISE(abecs_comm_set_observer(link.comm, note, &log)); }
 
-    Link link;
     const Packet request{"GIN00200"};
-    Packet answer;
     Log log;
 };
 
 TEST_F(Observer, IsToldOfFramesAndRepetitionsAndNoData) {
     link.peer.expect(kGin).send(kNak).expect(kGin).wait(50ms).send(kAck).send(kBad).expect(kNak).send(kGood);
     EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, request));
-    EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
+    EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, packet));
     EXPECT_EQ(log.lines,
               (Lines{"rejected GIN -1 0/12", "sent GIN -1 8/12", "damaged GIN -1 0/10", "received GIN 0 6/10"}));
     ASSERT_EQ(log.durations.size(), 4U);
     EXPECT_GE(log.durations[1], 50'000);
     EXPECT_GE(log.durations[3], 450'000) << "a purge comes first";
-    EXPECT_LT(log.durations[3], 5'000'000);
 }
 
 TEST_F(Observer, SeesClearPacketsOnlyIfAskedTo) {
     abecs_comm_set_key(link.comm, kKey.data());
     const std::string sealed = encrypted_frame("B77D14F3 6CF7E650 2B922EE6 C135B0F1"_hex, 0x21B9);
-    const Packet notice;
     for (const bool show : {true, false}) {
         EXPECT_NO_RAISE(abecs_comm_show_clear_packets(link.comm, show));
         log = {};
         link.peer.expect(sealed).send(kAck).response("NTM000032" + std::string(32, '*')).send(kGood);
-        abecs_packet_clear(request);
-        EXPECT_NO_RAISE(abecs_packet_write_field_b(request, "GIN00200", 8));
+        request.fill("GIN00200");
         EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, request));
-        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, notice));
-        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
-        const auto shown = [=](const std::string& packet) { return show ? " " + packet : ""; };
+        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, packet));
+        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, packet));
+        const auto shown = [=](const std::string& bytes) { return show ? " " + bytes : ""; };
         EXPECT_EQ(log.lines, (Lines{"sent GIN -1 encrypted 8/" + std::to_string(sealed.size()) + shown("GIN00200"),
                                     "received NTM 0 41/45" + shown("NTM000032" + std::string(32, '*')),
                                     "received GIN 0 6/10" + shown("GIN000")}));
@@ -81,19 +76,19 @@ TEST_F(Observer, IsToldOfCancelAndTimeOutsButNotOfPolls) {
     EXPECT_NO_RAISE(abecs_comm_set_poll_time(link.comm, 0));
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
     log = {};
-    EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }), kTimeout);
+    EXPECT_EQ(read(), kTimeout);
     EXPECT_EQ(log.lines, Lines{});
     link.peer.accept_can();
     EXPECT_NO_RAISE(abecs_comm_send_can(link.comm));
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 100));
-    EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }).code, KOR_RESULT_TIMEOUT_ERROR);
+    EXPECT_EQ(read().code, KOR_RESULT_TIMEOUT_ERROR);
     EXPECT_EQ(log.lines, (Lines{"cancelled GIN -1 0/0", "time-out GIN -1 0/0"}));
     EXPECT_NO_RAISE(abecs_comm_set_poll_time(link.comm, 2000));
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GIN"));
-    EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }).code, KOR_RESULT_TIMEOUT_ERROR);
+    EXPECT_EQ(read().code, KOR_RESULT_TIMEOUT_ERROR);
     EXPECT_EQ(log.lines.size(), 2U) << "a poll that the limit has ended";
     EXPECT_NO_RAISE(abecs_comm_set_observer(link.comm, nullptr, nullptr));
-    EXPECT_EQ(raised_by([&] { abecs_comm_read_packet(link.comm, answer); }).code, KOR_RESULT_TIMEOUT_ERROR);
+    EXPECT_EQ(read().code, KOR_RESULT_TIMEOUT_ERROR);
     EXPECT_EQ(log.lines.size(), 2U);
 }
 
@@ -106,16 +101,14 @@ TEST_F(Observer, IsToldOfEachCanThatNobodyConfirms) {
 
 // An answer that is no response has no status.
 TEST_F(Observer, IsToldOfWhatCannotBeRead) {
-    for (const char* payload : {"GI", "GIN00", "GIN0A0",
-                                "G\n\x1B"
-                                "000"}) {
+    for (const std::string& payload : {std::string("GI"), std::string("GIN0A0"), "47 0A 1B 303030"_hex}) {
         link.peer.response(payload);
-        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
+        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, packet));
     }
     link.peer.send(encrypted_frame("B77D14F3 6CF7E650 2B922EE6 C135B0F1"_hex, 0x21B9));
-    EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, answer));
-    EXPECT_EQ(log.lines, (Lines{"received GI -1 2/6", "received GIN -1 5/9", "received GIN -1 6/10",
-                                "received G?? 0 6/10", "received  -1 encrypted 0/21"}));
+    EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, packet));
+    EXPECT_EQ(log.lines, (Lines{"received GI -1 2/6", "received GIN -1 6/10", "received G?? 0 6/10",
+                                "received  -1 encrypted 0/21"}));
 }
 
 }  // namespace

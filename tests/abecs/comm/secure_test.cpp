@@ -13,18 +13,14 @@ using namespace support;
 // Session key 00 01 .. 0F; the enciphered bytes and frame CRCs come from the openssl program.
 constexpr std::array<uint8_t, 16> kKey{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
 
-class SecureChannel : public testing::Test {
+class SecureChannel : public OnLink {
 protected:
     SecureChannel() { abecs_comm_set_key(link.comm, kKey.data()); }
 
-    std::string read(const std::string& response) {
+    std::string deciphered(const std::string& response) {
         link.peer.send(response);
-        const Packet packet;
-        EXPECT_NO_RAISE(abecs_comm_read_packet(link.comm, packet));
-        return packet.take();
+        return receive();
     }
-
-    Link link;
 };
 
 // With four bytes of padding, one, and a whole block. Each packet begins a chain of its own, and a repetition is the
@@ -39,7 +35,7 @@ TEST_F(SecureChannel, EnciphersCommandsWithTheirPadding) {
     for (const auto& [plain, cryptogram, crc] : rows) {
         const std::string sealed = encrypted_frame(cryptogram, crc);
         link.peer.expect(sealed).send(kNak).expect(sealed).send(kAck).expect(sealed).send(kAck);
-        const Packet packet(plain);
+        packet.fill(plain);
         for (int i = 0; i < 2; ++i) {
             EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
             EXPECT_EQ(abecs_packet_available_read(packet), plain.size()) << "what goes enciphered is not consumed";
@@ -52,7 +48,7 @@ TEST_F(SecureChannel, EnciphersCommandsOfUpTo2027Bytes) {
     const std::string longest = "ABC" + std::string(2024, 'x');
     std::string sent;
     link.peer.reply(2 + 2032 + 19 + 3, [&](const std::string& bytes) { return sent = bytes, kAck; });
-    const Packet packet(longest);
+    packet.fill(longest);
     EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
     link.peer.settle();
     EXPECT_EQ(to_hex(sent.substr(0, 18)), to_hex("16 12 E52FAE0D99440AB974E95058CEA3DF2E"_hex));
@@ -69,36 +65,35 @@ TEST_F(SecureChannel, OpnTravelsPlainAndClosingEndsTheSession) {
     const std::string sealed =
         "4D1068AD97E8779FA16448D2AC874E180E28D1EC5B2E1FCFB0CFD97D515D4D6A8A5F29DD8F163C42EB133280197F8098"_hex;
     link.peer.request("OPN").expect(encrypted_frame(sealed)).send(kAck).request("GIN00200");
-    const Packet open("OPN");
-    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, open));
+    packet.fill("OPN");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
     EXPECT_TRUE(link.comm->keySet);
-    const Packet close("CLO032BYE                             ");
-    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, close));
+    packet.fill("CLO032BYE                             ");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
     EXPECT_FALSE(link.comm->keySet);
     EXPECT_EQ(link.comm->key, (std::array<uint8_t, 16>{}));
-    const Packet next("GIN00200");
-    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, next));
+    packet.fill("GIN00200");
+    EXPECT_NO_RAISE(abecs_comm_send_packet(link.comm, packet));
 }
 
 TEST_F(SecureChannel, DeciphersResponses) {
-    EXPECT_EQ(
-        read(encrypted_frame("D8E9CE990FD5E9A8E012873B064CE4DDA6CA21DAC4C3356C97B3C8D4994A2E557106902CDF4E6128F65E"
-                             "6BE8FD945F4881B73CCE84791E70468A18F71A6EF46E"_hex,
-                             0x93D3)),
-        "GIN000042ACQUIRER            BBBBBBBBBBBB CCC DD 99");
-    EXPECT_EQ(read(encrypted_frame("ECE1BDBDAB797287876EFD4C4B271F69"_hex, 0x518B)), "GIN011");
-    EXPECT_EQ(read(encrypted_frame("ECE1BDBDAB797287876EFD4C4B271F6989809C087A55368FC0496B8F6672AAF6"_hex)), "GIN011")
+    EXPECT_EQ(deciphered(
+                  encrypted_frame("D8E9CE990FD5E9A8E012873B064CE4DDA6CA21DAC4C3356C97B3C8D4994A2E557106902CDF4E6128F65E"
+                                  "6BE8FD945F4881B73CCE84791E70468A18F71A6EF46E"_hex,
+                                  0x93D3)),
+              "GIN000042ACQUIRER            BBBBBBBBBBBB CCC DD 99");
+    EXPECT_EQ(deciphered(encrypted_frame("ECE1BDBDAB797287876EFD4C4B271F6989809C087A55368FC0496B8F6672AAF6"_hex)),
+              "GIN011")
         << "more padding than needed";
-    EXPECT_EQ(read(encrypted_frame("C6A13B37878F5B826F4F8162A1C8D879"_hex)), "") << "no data at all";
-    EXPECT_EQ(read(frame("GIN011")), "GIN011") << "a plain response is taken in a session too";
+    EXPECT_EQ(deciphered(encrypted_frame("C6A13B37878F5B826F4F8162A1C8D879"_hex)), "") << "no data at all";
+    EXPECT_EQ(deciphered(frame("GIN011")), "GIN011") << "a plain response is taken in a session too";
 }
 
 TEST_F(SecureChannel, WithoutAKeyAnEncipheredResponseStaysAsItIs) {
     abecs_comm_set_key(link.comm, nullptr);
     const std::string sealed = "ECE1BDBDAB797287876EFD4C4B271F69"_hex;
-    EXPECT_EQ(read(encrypted_frame(sealed)), sealed);
+    EXPECT_EQ(deciphered(encrypted_frame(sealed)), sealed);
     link.peer.send(encrypted_frame(sealed + "x"));
-    const Packet packet;
     EXPECT_RAISES(kProtocol, "Malformed encrypted response", abecs_comm_read_packet(link.comm, packet));
 }
 
@@ -112,7 +107,6 @@ TEST_F(SecureChannel, RefusesMalformedResponses) {
     };
     for (const auto& [sealed, detail] : rows) {
         link.peer.send(encrypted_frame(sealed));
-        const Packet packet;
         EXPECT_RAISES(kProtocol, detail, abecs_comm_read_packet(link.comm, packet));
         EXPECT_EQ(kor_exception_get_frame_node(), nullptr);
     }

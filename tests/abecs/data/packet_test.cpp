@@ -7,12 +7,9 @@
 #include <tuple>
 #include <vector>
 
-#include "abecs/data/packet.h"
-#include "quorvel/abecs/rsp_param_map.h"
-#include "quorvel/abecs/rsp_parser.h"
 #include "quorvel/abecs/rsp_stat.h"
 #include "tests/abecs/data/bytes.h"
-#include "tests/support/malloc/exhaustion.h"
+#include "tests/support/raised.h"
 
 using namespace std::string_literals;
 using namespace support;
@@ -87,8 +84,6 @@ TEST(Packet, HoldsTwoThousandAndFortyFourBytes) {
     EXPECT_EQ(raised_by([&] { abecs_packet_write_byte(packet, 0); }), too_full(1, 0));
     abecs_packet_clear(packet);
     EXPECT_EQ(abecs_packet_available_read(packet), 0U);
-    EXPECT_RAISES(kArgument, "'packet' is NULL",
-                  abecs::read_field_h_bytes(static_cast<AbecsPacket*>(nullptr), nullptr, 0, 2));
 }
 
 TEST(Packet, AParameterIsWrittenAsIdLengthAndData) {
@@ -101,16 +96,11 @@ TEST(Packet, AParameterIsWrittenAsIdLengthAndData) {
               "123456");
     abecs_packet_write_param(packet, param);
     EXPECT_EQ(packet.take(), "\0\x06\0\0"s) << "its data were consumed, its id was not";
-    param.fill(0x1234, "skipped!" + std::string(300, 'y'));
-    abecs_param_read_field_b(param, nullptr, 0, 8);
-    abecs_packet_write_param(packet, param);
-    EXPECT_EQ(packet.take(), "\x12\x34\x01\x2C" + std::string(300, 'y')) << "only what was unread";
     param.fill(0x1234, std::string(690, 'x'));
     abecs_param_read_field_b(param, nullptr, 0, 690);
     abecs_param_write_field_b(param, (std::string(308, 'e') + "begin").c_str(), 313);
     abecs_packet_write_param(packet, param);
     EXPECT_EQ(packet.take(), "\x12\x34\x01\x39" + std::string(308, 'e') + "begin") << "across the storage's end";
-    EXPECT_RAISES(kArgument, "'param' is NULL", abecs_packet_write_param(packet, nullptr));
     packet.fill(std::string(2036, 'x'));
     param.fill(1, "12345");
     EXPECT_EQ(raised_by([&] { abecs_packet_write_param(packet, param); }), too_full(5, 4));
@@ -130,7 +120,6 @@ TEST(Packet, ReadsParametersBack) {
     EXPECT_EQ(abecs_packet_read_param(packet, param), param);
     EXPECT_EQ(abecs_param_get_id(param), 0x9363);
     EXPECT_EQ(param.take(), "");
-    EXPECT_EQ(raised_by([&] { abecs_packet_read_param(packet, param); }), too_few(2, 0));
     EXPECT_RAISES(kArgument, "'out' is NULL", abecs_packet_read_param(packet, nullptr));
     packet.fill("abc");
     EXPECT_EQ(raised_by([&] { abecs_packet_read_param(packet, param); }), too_few(2, 1));
@@ -147,9 +136,6 @@ TEST(Packet, AParameterLongerThanThePacketIsMalformed) {
     EXPECT_EQ(abecs_param_get_id(param), 0x8002);
     EXPECT_EQ(param.take(), "");
     EXPECT_EQ(packet.take(), "abcd") << "id and length were consumed";
-    packet.fill("\x80\x02\xFF\xFF" + std::string(2000, 'x'));
-    EXPECT_RAISES(kProtocol, "Malformed parameter (expected data length: 65535, available: 2000)",
-                  abecs_packet_read_param(packet, param));
     packet.fill("\x80\x02\x03\xE8" + std::string(1000, 'x'));
     EXPECT_EQ(raised_by([&] { abecs_packet_read_param(packet, param); }), too_full(1000, 999));
     EXPECT_EQ(abecs_packet_available_read(packet), 1000U);
@@ -171,8 +157,6 @@ TEST(Packet, ReadsANotificationsText) {
     EXPECT_EQ(packet.take(), "!");
     refused("012", error(kProtocol, "NTM with invalid RSP_STAT: ABECS_RSP_STAT_ST_TIMEOUT"));
     refused("000033" + std::string(33, 'x'), error(kArgument, "sizeTo (33) is not enough to store field data"));
-    refused("0000x2", error(kIo, "Invalid char (0x78) at index 1"));
-    refused("000002A\r", error(kIo, "Invalid character (0x0D) at position 1"));
 }
 
 TEST(Packet, ASavedStateMakesBytesReadableAgain) {
@@ -198,13 +182,6 @@ TEST(Param, ClearingKeepsTheIdAndResettingDoesNot) {
     abecs_param_reset(param);
     EXPECT_EQ(abecs_param_get_id(param), 0);
     EXPECT_EQ(abecs_param_available_read(param), 0U);
-}
-
-TEST(Data, MakingAnObjectLeavesNothingBehindWhenItFails) {
-    EXPECT_EQ(allocations_of(make<abecs_packet_new, abecs_packet_delete>), 1U);
-    EXPECT_EQ(allocations_of(make<abecs_param_new, abecs_param_delete>), 1U);
-    EXPECT_EQ(allocations_of(make<abecs_rsp_parser_new, abecs_rsp_parser_delete>), 1U);
-    EXPECT_EQ(allocations_of(make<abecs_rsp_param_map_new, kor_map_delete>), 2U);
 }
 
 }  // namespace

