@@ -85,7 +85,7 @@ TEST_P(FieldText, EveryCharacterIsAllowedOrRefusedAlikeBothWays) {
                 EXPECT_NO_RAISE(type.read(in, text, sizeof text, 3, allowCr));
                 EXPECT_STREQ(text, field);
             } else {
-                EXPECT_RAISES(kArgument, detail, type.write(out, field, 3, allowCr));
+                EXPECT_EQ(raised_by([&] { type.write(out, field, 3, allowCr); }), error(kArgument, detail));
                 EXPECT_RAISES(kIo, detail, type.read(in, text, sizeof text, 3, allowCr));
                 EXPECT_STREQ(text, field) << "as received";
             }
