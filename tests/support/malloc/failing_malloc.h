@@ -8,7 +8,8 @@
 namespace support {
 
 // While one lives, the n-th malloc from its construction on fails, counted from 1, and all that follow if it says so; 0
-// lets all succeed. Only one at a time. For programs linked with -Wl,--wrap=malloc,--wrap=free, and only for calls from their object files.
+// lets all succeed. Only one at a time. For programs linked with -Wl,--wrap=malloc,--wrap=free, and only for calls from
+// their object files.
 class FailingMalloc {
 public:
     explicit FailingMalloc(size_t n, bool onwards = false);
