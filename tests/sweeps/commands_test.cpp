@@ -23,8 +23,8 @@ bool is_told_of_memory(const Outcome& outcome, const Outcome& good) {
 
 // The system's own code, in the words that the headers have for it.
 bool is_as_the_system_says(const Outcome& outcome, const Outcome& good) {
-    static const std::regex words(R"(\[KOR_RESULT_IO_ERROR\] (\w+\(\w*\) error: (5|11|19)))");
-    return as_good(outcome, good) || std::regex_match(outcome.raised.message, words);
+    static const std::regex kWords(R"(\[KOR_RESULT_IO_ERROR\] (\w+\(\w*\) error: (5|11|19)))");
+    return as_good(outcome, good) || std::regex_match(outcome.raised.message, kWords);
 }
 
 std::string content(const std::filesystem::path& path) {

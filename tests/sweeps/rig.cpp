@@ -26,6 +26,7 @@ int32_t status_of(Call&& call) {
 
 std::vector<std::string> framed(const std::vector<std::string>& payloads, bool inSession) {
     std::vector<std::string> frames;
+    frames.reserve(payloads.size());
     for (const std::string& payload : payloads) {
         frames.push_back(inSession ? sealed(content_of(payload)) : frame(payload));
     }
