@@ -15,7 +15,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) { return 0; }
     // What is printed is made, but is no use to anybody.
     static std::FILE* const kNowhere = std::freopen("/dev/null", "w", stdout);
-    quorvel::fuzz::require(kNowhere != nullptr, "standard output goes kNowhere");
+    quorvel::fuzz::require(kNowhere != nullptr, "standard output goes nowhere");
     constexpr std::array kFrom{"", "--from host", "--from pinpad"};
     CLI::App app;
     const Run run = setup::decode(app);
