@@ -1,6 +1,6 @@
 # What `cmake --install` lays down: the library, its headers, and what CMake's find_package and
 # pkg-config need. Both descriptions find the rest from where they stand, so the installed tree can be moved.
-install(TARGETS quorvel EXPORT quorvel-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS quorvel quorvel_hpp EXPORT quorvel-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/quorvel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 

@@ -100,3 +100,10 @@ target_link_options(quorvel PRIVATE
 if(NOT QUORVEL_SANITIZE)
   target_link_options(quorvel PRIVATE -Wl,-z,defs)
 endif()
+
+# The C++ interface: headers alone, on top of the library.
+add_library(quorvel_hpp INTERFACE)
+add_library(quorvel::hpp ALIAS quorvel_hpp)
+set_target_properties(quorvel_hpp PROPERTIES EXPORT_NAME hpp)
+target_link_libraries(quorvel_hpp INTERFACE quorvel)
+target_compile_features(quorvel_hpp INTERFACE cxx_std_20)

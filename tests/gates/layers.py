@@ -16,8 +16,9 @@ BELOW = {
     "cmd": {"core", "crypt", "data", "comm"},
     "peer": set(),
     "wire": set(),
-    "cli": {"wire", "all of the interface"},
-    "cli/commands": {"cli", "wire", "all of the interface"},
+    "hpp": {"all of the interface"},
+    "cli": {"wire", "all of the interface", "hpp"},
+    "cli/commands": {"cli", "wire", "all of the interface", "hpp"},
 }
 # The simulator's rooms, each with those that it may know beside what crosses the line.
 ROOMS = {
@@ -43,6 +44,7 @@ FOLDERS = {
     "core": "core", "include/quorvel/kor": "core",
     "crypt": "crypt", "include/quorvel/crypt": "crypt",
     "abecs/data": "data", "abecs/comm": "comm", "abecs/cmd": "cmd", "include/quorvel/abecs/cmd": "cmd",
+    "include/quorvel/hpp": "hpp",
     "wire": "wire", "cli": "cli", "cli/commands": "cli/commands", "simulator": "simulator",
 } | {f"simulator/{room}": f"simulator/{room}" for room in ROOMS if room != "pin pad"}
 LIBRARYS_CRYPTO = re.compile(r"tomcrypt")
@@ -62,6 +64,8 @@ def layer_of(root: Path, name: str):
     if folder == "include/quorvel/abecs":
         source = Path(name).stem + ".cpp"
         return "comm" if (root / "abecs/comm" / source).exists() else "data"
+    if name == "include/quorvel/quorvel.hpp":
+        return "hpp"
     if folder == "include/quorvel":
         return "all of the interface"
     while folder and folder not in FOLDERS:

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#ifndef QUORVEL_HPP_ERROR_HPP
+#define QUORVEL_HPP_ERROR_HPP
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string_view>
+#include <type_traits>
+
+#include "quorvel/quorvel.h"
+
+namespace quorvel {
+
+/// The kinds of errors: those of the library (quorvel/kor/result.h), by the same numbers, and two of the wrapper.
+enum class ErrorCode : int16_t {
+    runtime = KOR_RESULT_RUNTIME_ERROR,
+    illegal_argument = KOR_RESULT_ILLEGAL_ARGUMENT,
+    illegal_state = KOR_RESULT_ILLEGAL_STATE,
+    index_out_of_bounds = KOR_RESULT_INDEX_OUT_OF_BOUNDS,
+    out_of_memory = KOR_RESULT_MALLOC_ERROR,
+    io = KOR_RESULT_IO_ERROR,
+    timeout = KOR_RESULT_TIMEOUT_ERROR,
+    not_found = KOR_RESULT_FILE_NOT_FOUND,
+    encoding = KOR_RESULT_ENCODING_ERROR,
+    busy = KOR_RESULT_DEVICE_BUSY,
+    permission = KOR_RESULT_PERMISSION_DENIED,
+    protocol = KOR_RESULT_PROTOCOL_ERROR,
+    crypt = KOR_RESULT_CRYPT_ERROR,
+    refused = 100,  ///< Refused: the PIN pad's status was not OK
+    ended = 101,    ///< Ended: the caller ended the wait
+};
+
+/// What the library raises, and the base of what the wrapper throws. Copying it allocates nothing.
+class Error : public std::exception {
+public:
+    explicit Error(const KorException& raised) noexcept : record_(raised) {}
+    Error(ErrorCode code, std::string_view text) noexcept {
+        record_.error = static_cast<int16_t>(code);
+        std::memcpy(record_.message, text.data(), std::min(text.size(), sizeof record_.message - 1));
+    }
+
+    [[nodiscard]] ErrorCode code() const noexcept { return static_cast<ErrorCode>(record_.error); }
+    /// The whole text, "[KOR_RESULT_IO_ERROR] read() error: 5" for instance; at most 255 characters.
+    [[nodiscard]] std::string_view text() const noexcept { return record_.message; }
+    /// The text without the name in brackets.
+    [[nodiscard]] std::string_view detail() const noexcept {
+        const std::string_view all = text();
+        const size_t end = all.starts_with('[') ? all.find("] ") : std::string_view::npos;
+        return end == std::string_view::npos ? all : all.substr(end + 2);
+    }
+    [[nodiscard]] const char* what() const noexcept override { return record_.message; }
+
+private:
+    KorException record_{};
+};
+
+namespace detail {
+
+// Runs body(context) in a try block and throws once that is closed again. The locals have no destructors, and neither
+// has anything in `body`, so that a raise jumps over nothing.
+inline void run(void (*body)(void*) noexcept, void* context) {
+    volatile bool ended = false;
+    KorException raised{};
+    KOR_TRY {
+        body(context);
+        ended = true;
+    }
+    KOR_CATCH(KOR_RESULT_OK) { kor_exception_get(&raised); }
+    KOR_END_TRY;
+    if (raised.error != KOR_RESULT_OK) { throw Error(raised); }
+    if (!ended) { throw Error(ErrorCode::out_of_memory, "[KOR_RESULT_MALLOC_ERROR] no memory for a try block"); }
+}
+
+/// What `body` returns, which calls the library; throws Error for what it raises. A raise is a longjmp: nothing that
+/// has a destructor may be made inside, and no exception may leave it. Capture by reference.
+template <typename Body>
+auto call(Body body) {
+    using Result = std::invoke_result_t<Body&>;
+    static_assert(std::is_trivially_destructible_v<Body>, "capture by reference");
+    if constexpr (std::is_void_v<Result>) {
+        run([](void* context) noexcept { (*static_cast<Body*>(context))(); }, &body);
+    } else {
+        static_assert(std::is_trivially_destructible_v<Result>, "return what a longjmp may pass over");
+        struct Frame {
+            Body& body;
+            Result result;
+        } frame{body, Result{}};
+        run(
+            [](void* context) noexcept {
+                auto& inner = *static_cast<Frame*>(context);
+                inner.result = inner.body();
+            },
+            &frame);
+        return frame.result;
+    }
+}
+
+// The wrapper's own errors read like the library's.
+[[noreturn]] inline void refuse_argument(const char* what) {
+    char text[sizeof(KorException::message)];
+    std::snprintf(text, sizeof text, "[KOR_RESULT_ILLEGAL_ARGUMENT] %s", what);
+    throw Error(ErrorCode::illegal_argument, text);
+}
+
+}  // namespace detail
+
+/// The PIN pad's answer to a command, RSP_STAT: a value, no error. Made by the wrapper of the statuses that the
+/// protocol knows.
+class Status {
+public:
+    constexpr Status() noexcept = default;
+    constexpr explicit Status(int32_t code) noexcept : code_(code) {}
+
+    /// The three digits that travel.
+    [[nodiscard]] constexpr int32_t code() const noexcept { return code_; }
+    [[nodiscard]] constexpr bool is_ok() const noexcept { return code_ == 0; }
+    /// The protocol's name, "ST_TIMEOUT" for instance; "unknown" for a number that it does not know.
+    [[nodiscard]] std::string_view name() const noexcept {
+        try {
+            const char* name =
+                detail::call([this] { return abecs_rsp_stat_to_string(static_cast<AbecsRspStat_E>(code_)); });
+            constexpr std::string_view kPrefix = "ABECS_RSP_STAT_";
+            return std::string_view(name).substr(kPrefix.size());
+        } catch (const Error&) { return "unknown"; }
+    }
+    friend constexpr bool operator==(Status, Status) noexcept = default;
+
+    static const Status ok, nosec, f1, f2, f3, f4, backspace, errpktsec, invalid_call, invalid_parameter, timeout,
+        cancel, mandatory, tables_differ, tables_error, internal_error, stripe_error, key_missing, no_card, pin_busy,
+        response_overflow, crypt_error, no_sam, dumb_card, card_error, card_invalidated, card_problems, card_bad_data,
+        card_no_application, card_application_not_allowed, fallback_refused, invalid_amount, too_many_applications,
+        card_blocked, ctls_multiple, ctls_error, ctls_invalidated, ctls_problems, ctls_no_application,
+        ctls_application_not_allowed, ctls_external_verification, ctls_interface_change, media_not_found,
+        media_bad_format, media_error;
+
+private:
+    int32_t code_ = 0;
+};
+
+inline constexpr Status Status::ok{ABECS_RSP_STAT_ST_OK};
+inline constexpr Status Status::nosec{ABECS_RSP_STAT_ST_NOSEC};
+inline constexpr Status Status::f1{ABECS_RSP_STAT_ST_F1};
+inline constexpr Status Status::f2{ABECS_RSP_STAT_ST_F2};
+inline constexpr Status Status::f3{ABECS_RSP_STAT_ST_F3};
+inline constexpr Status Status::f4{ABECS_RSP_STAT_ST_F4};
+inline constexpr Status Status::backspace{ABECS_RSP_STAT_ST_BACKSP};
+inline constexpr Status Status::errpktsec{ABECS_RSP_STAT_ST_ERRPKTSEC};
+inline constexpr Status Status::invalid_call{ABECS_RSP_STAT_ST_INVCALL};
+inline constexpr Status Status::invalid_parameter{ABECS_RSP_STAT_ST_INVPARM};
+inline constexpr Status Status::timeout{ABECS_RSP_STAT_ST_TIMEOUT};
+inline constexpr Status Status::cancel{ABECS_RSP_STAT_ST_CANCEL};
+inline constexpr Status Status::mandatory{ABECS_RSP_STAT_ST_MANDAT};
+inline constexpr Status Status::tables_differ{ABECS_RSP_STAT_ST_TABVERDIF};
+inline constexpr Status Status::tables_error{ABECS_RSP_STAT_ST_TABERR};
+inline constexpr Status Status::internal_error{ABECS_RSP_STAT_ST_INTERR};
+inline constexpr Status Status::stripe_error{ABECS_RSP_STAT_ST_MCDATAERR};
+inline constexpr Status Status::key_missing{ABECS_RSP_STAT_ST_ERRKEY};
+inline constexpr Status Status::no_card{ABECS_RSP_STAT_ST_NOCARD};
+inline constexpr Status Status::pin_busy{ABECS_RSP_STAT_ST_PINBUSY};
+inline constexpr Status Status::response_overflow{ABECS_RSP_STAT_ST_RSPOVRFL};
+inline constexpr Status Status::crypt_error{ABECS_RSP_STAT_ST_ERRCRYPT};
+inline constexpr Status Status::no_sam{ABECS_RSP_STAT_ST_NOSAM};
+inline constexpr Status Status::dumb_card{ABECS_RSP_STAT_ST_DUMBCARD};
+inline constexpr Status Status::card_error{ABECS_RSP_STAT_ST_ERRCARD};
+inline constexpr Status Status::card_invalidated{ABECS_RSP_STAT_ST_CARDINVALIDAT};
+inline constexpr Status Status::card_problems{ABECS_RSP_STAT_ST_CARDPROBLEMS};
+inline constexpr Status Status::card_bad_data{ABECS_RSP_STAT_ST_CARDINVDATA};
+inline constexpr Status Status::card_no_application{ABECS_RSP_STAT_ST_CARDAPPNAV};
+inline constexpr Status Status::card_application_not_allowed{ABECS_RSP_STAT_ST_CARDAPPNAUT};
+inline constexpr Status Status::fallback_refused{ABECS_RSP_STAT_ST_ERRFALLBACK};
+inline constexpr Status Status::invalid_amount{ABECS_RSP_STAT_ST_INVAMOUNT};
+inline constexpr Status Status::too_many_applications{ABECS_RSP_STAT_ST_ERRMAXAID};
+inline constexpr Status Status::card_blocked{ABECS_RSP_STAT_ST_CARDBLOCKED};
+inline constexpr Status Status::ctls_multiple{ABECS_RSP_STAT_ST_CTLSMULTIPLE};
+inline constexpr Status Status::ctls_error{ABECS_RSP_STAT_ST_CTLSCOMMERR};
+inline constexpr Status Status::ctls_invalidated{ABECS_RSP_STAT_ST_CTLSINVALIDAT};
+inline constexpr Status Status::ctls_problems{ABECS_RSP_STAT_ST_CTLSPROBLEMS};
+inline constexpr Status Status::ctls_no_application{ABECS_RSP_STAT_ST_CTLSAPPNAV};
+inline constexpr Status Status::ctls_application_not_allowed{ABECS_RSP_STAT_ST_CTLSAPPNAUT};
+inline constexpr Status Status::ctls_external_verification{ABECS_RSP_STAT_ST_CTLSEXTCVM};
+inline constexpr Status Status::ctls_interface_change{ABECS_RSP_STAT_ST_CTLSIFCHG};
+inline constexpr Status Status::media_not_found{ABECS_RSP_STAT_ST_MFNFOUND};
+inline constexpr Status Status::media_bad_format{ABECS_RSP_STAT_ST_MFERRFMT};
+inline constexpr Status Status::media_error{ABECS_RSP_STAT_ST_MFERR};
+
+/// Thrown where a status other than OK has to be an error: by Link::open, and by asking an answer for a value that it
+/// does not have.
+class Refused : public Error {
+public:
+    Refused(std::string_view command, Status status) noexcept
+        : Error(text_of(command, status)), status_(status), size_(std::min(command.size(), sizeof command_)) {
+        std::memcpy(command_, command.data(), size_);
+    }
+
+    [[nodiscard]] Status status() const noexcept { return status_; }
+    /// The id of the command, "GCX" for instance.
+    [[nodiscard]] std::string_view command() const noexcept { return {command_, size_}; }
+
+private:
+    static Error text_of(std::string_view command, Status status) noexcept {
+        char text[64];
+        const std::string_view name = status.name();
+        std::snprintf(text, sizeof text, "[REFUSED] %.*s answered %03d %.*s", static_cast<int>(command.size()),
+                      command.data(), static_cast<int>(status.code()), static_cast<int>(name.size()), name.data());
+        return Error(ErrorCode::refused, text);
+    }
+
+    Status status_;
+    char command_[12]{};
+    size_t size_;
+};
+
+/// A wait that its caller has ended. The PIN pad has been sent CAN and has confirmed it; the session goes on.
+class Ended : public Error {
+public:
+    enum class Why { deadline, cancelled };
+
+    explicit Ended(Why why) noexcept
+        : Error(ErrorCode::ended,
+                why == Why::deadline ? "[ENDED] the deadline has passed" : "[ENDED] the wait was cancelled"),
+          why_(why) {}
+
+    [[nodiscard]] Why why() const noexcept { return why_; }
+
+private:
+    Why why_;
+};
+
+}  // namespace quorvel
+
+#endif
