@@ -160,7 +160,7 @@ TEST_F(Example, SaleTellsWhenTheOutcomeIsUnknown) {
     for (const std::string name : {"sale", "cpp_sale"}) {
         pinPad_.when("GCX", inserted("visa-chip"));
         pinPad_.when("GOX", Gestures().type("1234"));
-        pinPad_.inject({.kind = "hang-up", .command = "FCX", .time = 1ms});
+        pinPad_.inject({.kind = "hang-up", .command = "FCX", .time = std::chrono::milliseconds(1)});
         support::Child program({QUORVEL_EXAMPLES "/" + name, pinPad_.path(), "1234"});
         EXPECT_EQ(program.wait(), EXIT_FAILURE);
         EXPECT_TRUE(program.output().ends_with("the acquirer must be told that there was no sale\nUNKNOWN\n"));
