@@ -43,7 +43,8 @@ auto wait_for(quorvel::Session& session, const Request& request) {
 // A till gets the records from its acquirer. These make two applications known, by what the virtual PIN pad reads.
 void load_tables(quorvel::Session& session) {
     constexpr std::string_view kVersion = "FIRSTSALE1";
-    if (session.run(quorvel::Gts{}).require() == kVersion) { return; }
+    const auto loaded = session.run(quorvel::Gts{});
+    if (loaded.ok() && *loaded == kVersion) { return; }
     quorvel::Tables tables;
     tables.add("0561030107A000000003101000000000000000000001VISA CREDITO");
     tables.add("0541030207A000000004101000000000000000000001MASTERCARD");

@@ -139,7 +139,7 @@ TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
     };
     for (const auto& [card, whileGox, arguments, output] : cases) {
         const bool approved = output.ends_with("\nAPPROVED\n");
-        for (const std::string program : {"sale", "cpp_sale"}) {
+        for (const std::string program : {"cpp_sale", "sale"}) {
             pinPad_.when("GCX", inserted(card));
             if (!whileGox.events().empty()) { pinPad_.when("GOX", whileGox); }
             pinPad_.when("RMC", Gestures().remove());
@@ -156,14 +156,16 @@ TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
 }
 
 // The line breaks after the acquirer's yes: nobody knows what the card has decided.
-TEST_F(Example, SaleTellsWhenTheOutcomeIsUnknown) {
+TEST(BrokenSale, TellsThatTheOutcomeIsUnknown) {
     for (const std::string name : {"sale", "cpp_sale"}) {
-        pinPad_.when("GCX", inserted("visa-chip"));
-        pinPad_.when("GOX", Gestures().type("1234"));
-        pinPad_.inject({.kind = "hang-up", .command = "FCX", .time = std::chrono::milliseconds(1)});
-        support::Child program({QUORVEL_EXAMPLES "/" + name, pinPad_.path(), "1234"});
+        PinPad pinPad;
+        pinPad.start();
+        pinPad.when("GCX", inserted("visa-chip"));
+        pinPad.when("GOX", Gestures().type("1234"));
+        pinPad.inject({.kind = "hang-up", .command = "FCX", .time = std::chrono::milliseconds(1)});
+        support::Child program({QUORVEL_EXAMPLES "/" + name, pinPad.path(), "1234"});
         EXPECT_EQ(program.wait(), EXIT_FAILURE);
-        EXPECT_TRUE(program.output().ends_with("the acquirer must be told that there was no sale\nUNKNOWN\n"));
+        EXPECT_TRUE(program.output().ends_with("the acquirer must be told that there was no sale\nUNKNOWN\n")) << name;
     }
 }
 
