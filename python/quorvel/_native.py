@@ -105,7 +105,7 @@ def library() -> ctypes.CDLL:
             except OSError as error:
                 raise ImportError(f"quorvel: cannot load {name} ({error}). Install the library, or let the environment "
                                   "variable QUORVEL_LIBRARY name its file.") from None
-            loaded.kor_exception_set_uncaught_handler(_handler)
+            loaded["kor_exception_set_uncaught_handler"](_handler)
             _library = loaded
         return _library
 

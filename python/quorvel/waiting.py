@@ -105,9 +105,9 @@ class TableRecord:
     application_type: int | None
 
 
-def _item_enum(items: Items, id: ItemId, kind: type[enum.IntEnum]) -> Any:
-    number = items.number(id)
-    return None if number is None else enumerated(kind, number)
+def _named(kind: type[enum.IntEnum], number: int | None) -> Any:
+    """Makers have codes of their own: one that has no name stays a number."""
+    return kind(number) if number in set(kind) else number
 
 
 def _items_poll(call: Call, name: str, make: Any) -> Poll[Any]:
@@ -144,8 +144,8 @@ def _sale(request: Owned, options: Any) -> None:
 class CardAnswer:
     """What was read. Card data are not printed; `items` holds everything as it came."""
 
-    type: CardType | None
-    chip_status: ChipStatus | None
+    type: CardType | int | None
+    chip_status: ChipStatus | int | None
     table_record: TableRecord | None
     pan: str | None = field(repr=False)
     pan_sequence: int | None = field(repr=False)
@@ -171,8 +171,8 @@ def _table_record(text: str | None) -> TableRecord | None:
 
 def _card(items: Items) -> CardAnswer:
     return CardAnswer(
-        type=_item_enum(items, ItemId.CARDTYPE, CardType),
-        chip_status=_item_enum(items, ItemId.ICCSTAT, ChipStatus),
+        type=_named(CardType, items.number(ItemId.CARDTYPE)),
+        chip_status=_named(ChipStatus, items.number(ItemId.ICCSTAT)),
         table_record=_table_record(items.text(ItemId.AIDTABINFO)),
         pan=items.text(ItemId.PAN), pan_sequence=items.number(ItemId.PANSEQNO),
         cardholder=items.text(ItemId.CHNAME), label=items.text(ItemId.LABEL), expiry=items.text(ItemId.CARDEXP),
@@ -326,8 +326,8 @@ class GcrAnswer:
     """What was read; empty texts for what was not. Card data are not printed. `acquirer_data` and `acquirer_texts`
     come for the acquirers 1 and 2 only."""
 
-    type: CardType
-    chip_status: ChipStatus
+    type: CardType | int
+    chip_status: ChipStatus | int
     application_type: int
     acquirer: int
     record: str
@@ -351,7 +351,7 @@ def _captured(out: Any) -> GcrAnswer:
     data, texts = {1: (own.acqRd01Data, (own.acqRd01Text1, own.acqRd01Text2)),
                    2: (out.acquirer.acqRd02Data, ())}.get(out.acqIdx, (b"", ()))
     return GcrAnswer(
-        enumerated(CardType, out.cardType), enumerated(ChipStatus, out.statChip), out.appType, out.acqIdx,
+        _named(CardType, out.cardType), _named(ChipStatus, out.statChip), out.appType, out.acqIdx,
         *map(decoded, (out.recIdx, out.track1, out.track2, out.track3, out.pan)), out.panSeqNum,
         decoded(out.appLabel), out.serviceCode, decoded(out.cardholderName),
         f"{out.expYear:02}{out.expMonth:02}{out.expDay:02}", bytes(out.extData)[:29], out.issuerCountry, decoded(data),
