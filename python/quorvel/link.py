@@ -13,7 +13,7 @@ from typing import Any, Generic, TypeVar
 
 from . import _native
 from ._records import decoded, display
-from ._request import Answer, Poll, Request, Seconds, answer, milliseconds, nothing, seconds
+from ._request import Answer, Poll, Request, Seconds, answer, milliseconds, seconds
 from .errors import Ended, Error, Refused, Status, Why
 from .observer import Observer, Watch
 
@@ -78,15 +78,19 @@ class Link:
             self._watch.deliver()
 
     def open(self, secure: bool = False) -> "Session":
-        """Opens a session, an encrypted one with `secure`. A PIN pad on which an encrypted session was cut off refuses
-        a plain one, and takes it after an encrypted one was opened and closed: that is done then."""
+        """Opens a session, an encrypted one with `secure`. A PIN pad on which an encrypted session was cut off does not
+        take plain commands, be it OPN or the first one after it, until an encrypted session was opened and closed: that
+        is done then, and the command sent again."""
         status = self._call("abecs_cmd_opn", secure)
         if status == Status.ERRPKTSEC and not secure:
-            self.open(secure=True).close()
-            status = self._call("abecs_cmd_opn", False)
+            status = self._end_what_was_cut_off()
         if status != Status.OK:
             raise Refused("OPN", Status(status))
         return Session(self, secure)
+
+    def _end_what_was_cut_off(self) -> int:
+        self.open(secure=True).close()
+        return self._call("abecs_cmd_opn", False)
 
     @property
     def limit(self) -> float | None:
@@ -216,6 +220,7 @@ class Session:
         self.encrypted = encrypted
         self.closed = False
         self._last = ("", "")
+        self._fresh = not encrypted
 
     def run(self, request: Request[T], deadline: Seconds | None = None) -> Answer[T]:
         """Sends a request and brings its answer. For one that waits see Wait.get()."""
@@ -223,7 +228,10 @@ class Session:
             with self.start(request) as wait:
                 return wait.get(deadline)
         try:
-            return answer(request, request._run(self.link._raw))
+            outcome = request._run(self.link._raw)
+            if self._begins_again(outcome[0]):
+                outcome = request._run(self.link._raw)
+            return answer(request, outcome)
         finally:
             self.link._deliver()
 
@@ -232,9 +240,19 @@ class Session:
         if not request.waits:
             raise TypeError(f"{request.id} is answered at once: use run()")
         try:
-            return Wait(self.link, request, request._start(self.link._raw))
+            return Wait(self, request, request._start(self.link._raw))
         finally:
             self.link._deliver()
+
+    def _begins_again(self, status: int) -> bool:
+        """Whether the first command met an encrypted session that was cut off. It is ended then."""
+        refused = self._fresh and status == Status.ERRPKTSEC
+        self._fresh = False
+        if refused:
+            opened = self.link._end_what_was_cut_off()
+            if opened != Status.OK:
+                raise Refused("OPN", Status(opened))
+        return refused
 
     def leave(self, text: str = "", image: str = "") -> None:
         """What stays on the display when the end of a `with` closes the session."""
@@ -244,13 +262,13 @@ class Session:
         """Closes it and leaves a text or a media file on the display: by CLO, or by CLX if the text is longer than 32
         characters or has several lines, or there is an image."""
         shown = display(text)
-        extended = len(shown) > _SHORT or b"\r" in shown or bool(image)
-        if extended:
-            status = self.link._call("abecs_cmd_clx", shown, display(image))
-        else:
-            status = self.link._call("abecs_cmd_clo", shown)
+        command = "CLX" if len(shown) > _SHORT or b"\r" in shown or image else "CLO"
+        arguments = (shown, display(image)) if command == "CLX" else (shown,)
+        status = self.link._call(f"abecs_cmd_{command.lower()}", *arguments)
+        if self._begins_again(status):
+            status = self.link._call(f"abecs_cmd_{command.lower()}", *arguments)
         self.closed = True
-        return Answer("CLX" if extended else "CLO", Status(status), status == Status.OK, nothing())
+        return Answer(command, Status(status), status == Status.OK)
 
     def __enter__(self) -> "Session":
         return self
@@ -272,8 +290,9 @@ class Wait(Generic[T]):
     """A request that waits for somebody. Use it with `with`, whose end sends CAN unless the answer has come, or with
     `await`."""
 
-    def __init__(self, link: Link, request: Request[T], poll: Poll[T]) -> None:
-        self._link = link
+    def __init__(self, session: Session, request: Request[T], poll: Poll[T]) -> None:
+        self._session = session
+        self._link = session.link
         self._request = request
         self._poll = poll
         self._notice = ctypes.create_string_buffer(33)
@@ -362,6 +381,8 @@ class Wait(Generic[T]):
             if outcome[0] == Status.NOTIFICATION:
                 if self._tell is not None:
                     self._tell(decoded(self._notice.value))
+            elif self._session._begins_again(outcome[0]):
+                self._poll = self._request._start(self._link._raw)
             else:
                 self._answer = answer(self._request, outcome)
         return self._answer
