@@ -212,8 +212,8 @@ class Link:
 
 
 class Session:
-    """A session with the PIN pad, which Link.open() opens. The end of a `with` closes it: it sends CAN where the PIN pad
-    may still be at work, then CLO or CLX. An error in that gives way to the one that ended the block."""
+    """A session with the PIN pad, which Link.open() opens. The end of a `with` closes it: it sends CAN where the PIN
+    pad may still be at work, then CLO or CLX. An error in that gives way to the one that ended the block."""
 
     def __init__(self, link: Link, encrypted: bool) -> None:
         self.link = link
@@ -262,13 +262,13 @@ class Session:
         """Closes it and leaves a text or a media file on the display: by CLO, or by CLX if the text is longer than 32
         characters or has several lines, or there is an image."""
         shown = display(text)
-        command = "CLX" if len(shown) > _SHORT or b"\r" in shown or image else "CLO"
-        arguments = (shown, display(image)) if command == "CLX" else (shown,)
-        status = self.link._call(f"abecs_cmd_{command.lower()}", *arguments)
+        short = len(shown) <= _SHORT and b"\r" not in shown and not image
+        close = ("abecs_cmd_clo", shown) if short else ("abecs_cmd_clx", shown, display(image))
+        status = self.link._call(*close)
         if self._begins_again(status):
-            status = self.link._call(f"abecs_cmd_{command.lower()}", *arguments)
+            status = self.link._call(*close)
         self.closed = True
-        return Answer(command, Status(status), status == Status.OK)
+        return Answer("CLO" if short else "CLX", Status(status), status == Status.OK)
 
     def __enter__(self) -> "Session":
         return self

@@ -582,7 +582,8 @@ def _cke_event(out: Any) -> CkeAnswer:
         return CkeAnswer(event, key=enumerated(Key, out.what.key))
     if event is CkeEvent.MAGNETIC_CARD:
         tracks = out.what.tracks
-        return CkeAnswer(event, None, *(decoded(text) or None for text in (tracks.track1, tracks.track2, tracks.track3)))
+        return CkeAnswer(event, None, *(decoded(text) or None for text in (
+            tracks.track1, tracks.track2, tracks.track3)))
     return CkeAnswer(event, present=out.what.iccPresent)
 
 

@@ -85,8 +85,8 @@ CASES = [
           track1="T1", track2="T2", track3="T3", emv_data=b"\x9A", device_type=1)),
     (Gox(1, PinMethod.MK_WK_TDES, 5, b"k" * 16, options="01000", risk=b"0123456789", **OPTIONS),
      b"GOX132" + p(0x10, b"01") + p(2, b"1") + p(9, b"05") + p(0xA, b"k" * 16) + SALE + p(0x18, b"01000")
-     + p(0x1B, b"A\rB") + p(0x1A, b"0123456789") + COMMON, b"GOX000" + block(p(0x8056, b"210301"), p(0x8057, b"12345678"),
-                                                                         p(0x804C, KSN), p(0x8054, b"\x9A")),
+     + p(0x1B, b"A\rB") + p(0x1A, b"0123456789") + COMMON, b"GOX000" + block(
+         p(0x8056, b"210301"), p(0x8057, b"12345678"), p(0x804C, KSN), p(0x8054, b"\x9A")),
      dict(decision=Decision.ONLINE, signature=True, pin_offline=False, pin_errors=3, pin_blocked=False, pin_online=True,
           pin_block=b"12345678", ksn=KSN, emv_data=b"\x9A")),
     (Fcx("0000", "00", "9A03260304", "829F02", 31), b"FCX035" + p(0x19, b"0000") + p(0x1C, b"00") + COMMON,
@@ -100,13 +100,14 @@ CASES = [
          "NAME", "301231", b"!" * 29, 76, "ABCD", ("TEXT 1", "TEXT 2"))),
     (GcrAgain(), b"GCR", b"GCR013", Status.CANCEL),
     (Goc(1, PinMethod.MK_WK_TDES, 5, b"\x11" * 16, 1, 2, True, False, Risk(0x10, 3, 0x20, 4), "82", "9F02", 5, True),
-     b"GOC089" b"000000000001" b"000000000002" b"1" b"0" b"0" b"1" b"05" + b"11" * 16 + b"1" b"00000010" b"03" b"00000020" b"04" b"03051"
-     b"005001" b"82" b"007002" b"9F02", b"GOC000050" b"201301" + b"30" * 8 + KSN.hex().encode() + b"004" b"\x9F\x26\1\0"
+     b"GOC089" b"000000000001" b"000000000002" b"1" b"0" b"0" b"1" b"05" + b"11" * 16 + b"1" b"00000010" b"03" b"00000020" b"04"
+     b"03051" b"005001" b"82" b"007002" b"9F02", b"GOC000050" b"201301" + b"30" * 8 + KSN.hex().encode() + b"004" b"\x9F\x26\1\0"
      b"000", GocAnswer(Decision.ONLINE, False, True, 3, False, True, b"0" * 8, KSN, b"\x9F\x26\1\0")),
-    (Goc(2, PinMethod.DUKPT_TDES, 5, acquirer_data="X"), b"GOC118" + b"0" * 24 + b"0" b"1" b"0" b"3" b"05" + b"30" * 16 + b"0" * 21 + b"32X"
-     + b" " * 31 + b"003000" b"003000", b"GOC043", Status.NOCARD),
-    (Gpn(PinMethod.MK_WK_TDES, 2, "4111111111111111", [PinEntry(4, 12, "PIN?")], b"\x22" * 16), b"GPN093102" + b"22" * 16
-     + b"16" b"4111111111111111   " b"1" b"0412" + b"PIN?".ljust(32), b"GPN000036" b"3023456789ABCDEF" + KSN.hex().encode(),
+    (Goc(2, PinMethod.DUKPT_TDES, 5, acquirer_data="X"), b"GOC118" + b"0" * 24 + b"0" b"1" b"0" b"3" b"05" + b"30" * 16 + b"0" * 21
+     + b"32X" + b" " * 31 + b"003000" b"003000", b"GOC043", Status.NOCARD),
+    (Gpn(PinMethod.MK_WK_TDES, 2, "4111111111111111", [PinEntry(4, 12, "PIN?")], b"\x22" * 16), b"GPN093102"
+     + b"22" * 16 + b"16" b"4111111111111111   " b"1" b"0412" + b"PIN?".ljust(32),
+     b"GPN000036" b"3023456789ABCDEF" + KSN.hex().encode(),
      GpnAnswer(bytes.fromhex("3023456789ABCDEF"), KSN)),
     (Gcd(3, 4, 5, 6), b"GCD021" + p(0xB, b"\0\3") + p(0xD, b"\4") + p(0xE, b"\5") + p(0xC, b"\6"),
      b"GCD000" + block(p(0x804D, b"0042")), Secret("0042")),
@@ -121,8 +122,8 @@ CASES = [
      + p(0x23, b"0604"), b"CEX000" + block(p(0x8040, b"90"), p(0x8042, b"T2")),
      CexAnswer(CexEvent.MAGNETIC_CARD, None, "T2", None)),
     (Rmc("OUT"), b"RMC032" + b"OUT".ljust(32), b"RMC000", None),
-    (Chp(1, ChipOperation.VERIFY, "00200080", 9, "PIN"), b"CHP04613004002000809" + b"PIN".ljust(32), b"CHP000009003" b"306AFF",
-     b"\x6A\xFF"),
+    (Chp(1, ChipOperation.VERIFY, "00200080", 9, "PIN"), b"CHP04613004002000809" + b"PIN".ljust(32),
+     b"CHP000009003" b"306AFF", b"\x6A\xFF"),
     (GenPin(1, "00200080", "2", 4, 12, "PIN"), b"GEN053040480310020008020412" + b"PIN".ljust(32), b"GEN000008005163C2",
      ChipAnswer(1, "63C2")),
     (Raw("ABC", blocks=[b"x"], waits=True), b"ABC001x", b"ABC000" + block(p(0x8001, b"X")), dict()),

@@ -32,7 +32,7 @@ def declared():
     """Each function's prototype without the names of its parameters, by header."""
     for header, text in HEADERS.items():
         for result, name, rest in re.findall(r"KOR_API\s+([^;{}()]*?)\s*(\w+)\(((?:[^;()]|\([^)]*\))*)\);", text):
-            rest = "" if rest == "void" else re.sub(r"(?<=[\w*] )\w+(?=,|$)|(?<=\*)\w+(?=\))", "", " ".join(rest.split()))
+            rest = re.sub(r"(?<=[\w*] )\w+(?=,|$)|(?<=\*)\w+(?=\))|^void$", "", " ".join(rest.split()))
             yield header, name, re.sub(r"\s+(?=[,*)])", "", f"{result} {name}({rest})")
 
 

@@ -15,12 +15,14 @@ from quorvel.testing import ControlError, virtual_pin_pad
 
 ROOT = Path(__file__).resolve().parents[2]
 KEY = WorkingKey(WorkingKeyType.DES, Secret(bytes.fromhex("0123456789ABCDEFFEDCBA9876543210")))
+CARD = "insert the card\ncard 411111******1111\n"
 RECORD = "0561{:02}{:02}07A000000003101000000000000000000001VISA CREDITO".format
 
 
 def run(*command, **environment):
-    done = subprocess.run([sys.executable, *map(str, command)], stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
-                          env={**os.environ, "PYTHONPATH": str(ROOT / "python"), **environment})
+    done = subprocess.run([sys.executable, *map(str, command)], env={
+        **os.environ, "PYTHONPATH": str(ROOT / "python"), **environment}, stdin=subprocess.DEVNULL, capture_output=True,
+        text=True, timeout=60)
     return done.returncode, done.stdout + done.stderr
 
 
@@ -35,7 +37,8 @@ def test_the_virtual_pin_pad_is_played(pin_pad, session):
     assert session.run(Mnu(["TEA", "MATE"]), deadline=5).require() == 2
     pin_pad.when("CEX", ("swipe", "visa-magnetic"))
     event = session.run(Cex(stripe=True, pan_mask=(6, 4)), deadline=5).require()
-    assert (event.event, event.track2[:16]) == (CexEvent.MAGNETIC_CARD, "401288******1881") and "1881" not in repr(event)
+    assert (event.event, event.track2[:16]) == (CexEvent.MAGNETIC_CARD, "401288******1881")
+    assert "1881" not in repr(event)
     session.run(Dsp("OLA"))
     assert pin_pad.screen()["text"].startswith("OLA") and "visa-chip" in pin_pad.cards()
     pin_pad.fault("status", status=12, command="GIN")
@@ -107,8 +110,8 @@ def test_a_secret_is_hard_to_lose():
 
 
 @pytest.mark.parametrize("example, arguments, scenario, status, output", [
-    ("sale.py", ["1234"], "chip-online-pin", 0, "insert the card\ncard 411111******1111\nthe acquirer answers: 00\nAPPROVED\n"),
-    ("sale.py", ["1234"], "user-cancel", 1, "insert the card\ncard 411111******1111\nGOX was answered with ST_CANCEL\n"),
+    ("sale.py", ["1234"], "chip-online-pin", 0, CARD + "the acquirer answers: 00\nAPPROVED\n"),
+    ("sale.py", ["1234"], "user-cancel", 1, CARD + "GOX was answered with ST_CANCEL\n"),
     ("cancel_button.py", ["30"], None, 0, "waiting for a key\nthe cashier has cancelled\n"),
     ("two_pin_pads.py", [], None, 0, "lane 1: F1\nlane 2: CLEAR\n")])
 def test_an_example_does_what_it_says(example, arguments, scenario, status, output):
