@@ -38,7 +38,7 @@ _NUMBERS: dict[str, Any] = {
 }
 
 
-def _type(name: str) -> Any:
+def c_type(name: str) -> Any:
     """A parameter's or a result's type: texts, other pointers, numbers; an enumeration is an int32_t."""
     if name in ("char*", "const char*"):
         return ctypes.c_char_p
@@ -53,9 +53,9 @@ class _Function:
     def __init__(self, name: str, result: str, arguments: list[str]) -> None:
         self.name = name
         # A card number in clear is not copied by ctypes: whoever calls does that, and wipes the copy.
-        self.result = ctypes.c_void_p if name.startswith("abecs_pan_") else _type(result)
+        self.result = ctypes.c_void_p if name.startswith("abecs_pan_") else c_type(result)
         self.declared = arguments
-        self.types = [_type(argument) for argument in arguments]
+        self.types = [c_type(argument) for argument in arguments]
         self.bound: Callable[..., Any] | None = None
 
     def bind(self) -> Callable[..., Any]:

@@ -84,7 +84,7 @@ def _parse(lines: str) -> dict[str, Any]:
     def member(text: str) -> tuple[str, Any]:
         kind, name = text.rsplit(" ", 1)
         base, count = re.fullmatch(r"([\w*]+)(?:\[(\d+)\])?", kind).groups()  # type: ignore[union-attr]
-        found = records.get(base) or _native._type(base)
+        found = records.get(base) or _native.c_type(base)
         found = ctypes.c_void_p if base == "char*" else found
         return name, found * int(count) if count else found
 

@@ -134,7 +134,7 @@ def test_the_wheel_is_built_offline_and_works(tmp_path):
     code, output = run("-m", "pip", "wheel", "--no-build-isolation", "--no-deps", "--no-index", "-w", tmp_path,
                        source)
     assert code == 0, output
-    wheel, = tmp_path.glob("*.whl")
+    wheel, = tmp_path.glob(f"quorvel-{library_version()}-py3-none-any.whl")
     assert run("-c", "import importlib.resources as r, quorvel; print(quorvel.library_version(), quorvel.__file__, "
                "(r.files('quorvel') / 'py.typed').is_file())", PYTHONPATH=str(wheel)) == (
                    0, f"{library_version()} {wheel}/quorvel/__init__.py True\n")

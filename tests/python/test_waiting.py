@@ -7,7 +7,9 @@ import select
 import signal
 import threading
 import time
+from concurrent.futures import ThreadPoolExecutor
 from datetime import timedelta
+from unittest import mock
 
 import pytest
 from peer import Peer, frame
@@ -41,16 +43,18 @@ def cancel_from_a_signal_handler(wait):
 
 
 @pytest.mark.parametrize("cancel, deadline, why", [
-    (lambda wait: None, 0.05, Why.DEADLINE), (cancel_at_once, None, Why.CANCELLED),
+    (lambda wait: None, 0.4, Why.DEADLINE), (cancel_at_once, None, Why.CANCELLED),
     (cancel_from_a_thread, None, Why.CANCELLED), (cancel_from_a_signal_handler, None, Why.CANCELLED)])
 def test_a_wait_is_ended_by_its_caller(peer, session, cancel, deadline, why):
-    with session.start(Gky()) as wait:
+    session.link.limit = 9
+    with session.start(Gky()) as wait, mock.patch.object(session.link, "_look", wraps=session.link._look) as look:
         cancel(wait)
         for _ in range(2):
             with pytest.raises(Ended) as ended:
                 wait.get(deadline)
-            assert (ended.value.why, peer.cans, session.link.waiting_for) == (why, 1, FREE)
-    assert peer.cans == 1
+            assert (ended.value.why, peer.cans, session.link.waiting_for, session.link.limit) == (why, 1, FREE, 9)
+    assert peer.cans == 1 and look.call_count < 5  # it sleeps in between
+    session.link.limit = None
 
 
 def test_a_poll_brings_the_answer_or_nothing(peer, session):
@@ -88,6 +92,16 @@ def test_an_answer_that_dribbles_in_holds_nobody_up(peer, session):
     session.link.observe(None)
     assert [(event.type, event.command, event.status) for event in events] == [
         (EventType.SENT, "GKY", -1), (EventType.RECEIVED, "GKY", 0)]
+
+
+def test_threads_get_their_own_errors(session):
+    def ask(acquirer):
+        for _ in range(200):
+            with pytest.raises(Error, match=f"acqIdx: {acquirer} "):
+                session.run(Gts(acquirer))
+
+    with ThreadPoolExecutor(4) as pool:
+        list(pool.map(ask, range(100, 104)))
 
 
 def test_notices_are_told_in_order_and_what_that_raises_comes_out(peer, session):
@@ -203,6 +217,7 @@ def test_an_observer_that_fails_is_logged_and_sees_packets_only_when_it_asks(pee
     (Gcx(timeout=256), None, Code.ILLEGAL_ARGUMENT, "256 does not fit into uint8_t"),
     (Gcx(application_types=[256]), None, Code.ILLEGAL_ARGUMENT, "does not fit into uint8_t"),
     (Gox(1, PinMethod.DUKPT_DES, 0, risk=b"9 bytes.."), None, Code.ILLEGAL_ARGUMENT, "9 bytes where 10 are due"),
+    (Cex(pan_mask=(6,)), None, Code.ILLEGAL_ARGUMENT, "of two numbers"),
     (GenPower(1, 300), None, Code.ILLEGAL_ARGUMENT, "300 does not fit into 'slot'"),
     (Chp(1, 3, "00200080", 0, "x" * 33), None, Code.ILLEGAL_ARGUMENT, "33 bytes do not fit into 'message'"),
     (Mnu(["x" * 25]), None, Code.ILLEGAL_ARGUMENT, "more than 24 characters"),
