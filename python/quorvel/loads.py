@@ -84,7 +84,7 @@ class Media:
             raise Incomplete("a media file", done, len(data)) from error
 
     @staticmethod
-    def list(session: Session) -> list[str]:
+    def list(session: Session) -> Sequence[str]:
         return session.run(Lmf()).require()
 
     @staticmethod

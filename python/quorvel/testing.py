@@ -128,16 +128,18 @@ class PinPad:
 
 @contextmanager
 def virtual_pin_pad(keys: str | os.PathLike[str] | None = None, scenario: str | os.PathLike[str] | None = None,
-                    speed: int | None = None, seed: int | None = None, trace: bool = False) -> Iterator[PinPad]:
+                    ends: str | None = None, speed: int | None = None, seed: int | None = None,
+                    trace: bool = False) -> Iterator[PinPad]:
     """A virtual PIN pad for the time of a `with`, by the program that QUORVEL_SIM names, or quorvel-sim. The arguments
-    are its options; --trace goes to standard error."""
+    are its options; --trace goes to standard error. Whether a scenario went as expected its exit status tells:
+    `pin_pad.process.wait()` is 0 then."""
     program = os.environ.get("QUORVEL_SIM") or shutil.which("quorvel-sim")
     if program is None:
         raise FileNotFoundError("quorvel-sim is not installed: let the environment variable QUORVEL_SIM name it")
     with tempfile.TemporaryDirectory(prefix="quorvel-") as folder:
         port, control = Path(folder, "port"), Path(folder, "control")
         command = [program, "--link", str(port), "--control", str(control)] + ["--trace"] * trace
-        for name, value in {"keys": keys, "scenario": scenario, "speed": speed, "seed": seed}.items():
+        for name, value in {"keys": keys, "scenario": scenario, "ends": ends, "speed": speed, "seed": seed}.items():
             if value is not None:
                 command += [f"--{name}", os.fspath(value) if isinstance(value, os.PathLike) else str(value)]
         with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as process:

@@ -79,7 +79,7 @@ def test_an_answer_that_dribbles_in_holds_nobody_up(peer, session):
     events, other = [], Peer()
     session.link.observe(events.append)
     with Link(other.port) as link, session.start(Gky()) as wait:
-        asked = threading.Thread(target=wait.get)
+        asked = threading.Thread(target=wait.get, args=(30,))
         asked.start()
         os.write(peer.end, frame(b"GKY000")[:4])
         time.sleep(0.1)  # several slices
