@@ -48,24 +48,31 @@ def sell(session: Session, amount: int, answer: str) -> bool:
         return first.decision == Decision.APPROVED
     code = ask_acquirer(answer)
     finish = Fcx("2000" if code is None else "0000", response_code=code, timeout=SECONDS)
-    approved = session.run(finish, deadline=SECONDS + 30).require().decision == Decision.APPROVED
-    if code == "00" and not approved:
-        print("the acquirer must be told that there was no sale")
+    approved = False
+    try:
+        approved = session.run(finish, deadline=SECONDS + 30).require().decision == Decision.APPROVED
+    finally:
+        if code == "00" and not approved:
+            print("the acquirer must be told that there was no sale")
     return approved
 
 
 def main(port: str, cents: str, answer: str = "00") -> int:
-    with Link(port) as link, link.open(secure=True) as session:
-        session.leave("NOT APPROVED")  # what an error or Ctrl-C leaves on the display
-        outcome = "APPROVED" if sell(session, int(cents), answer) else "NOT APPROVED"
-        session.run(Rmc(f"{outcome:16}REMOVE THE CARD"), deadline=SECONDS)
-        session.close(outcome)
+    outcome = "NOT APPROVED"
+    try:
+        with Link(port) as link, link.open(secure=True) as session:
+            session.leave(outcome)  # on the display, whatever ends the block
+            if sell(session, int(cents), answer):
+                outcome = "APPROVED"
+            session.leave(outcome)
+            session.run(Rmc(f"{outcome:16}REMOVE THE CARD"), deadline=SECONDS)
+    except Error as error:
+        print(error)
+    except KeyboardInterrupt:
+        print("given up at the till")
     print(outcome)
     return 0 if outcome == "APPROVED" else 1
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main(*sys.argv[1:]))
-    except Error as error:
-        sys.exit(str(error))
+    sys.exit(main(*sys.argv[1:]))

@@ -7,7 +7,7 @@ from collections.abc import Callable, Iterator, Sequence
 from pathlib import Path
 
 from . import _native
-from .errors import Error, Incomplete
+from .errors import Error, Incomplete, Status
 from .immediate import Dmf, Dsi, Gts, Lmf, Mle, Mli, Mlr, Tle, Tli, Tlr
 from .link import Session
 
@@ -42,9 +42,10 @@ class Tables:
             raise Incomplete("tables", done, len(self.records)) from error
 
     @staticmethod
-    def version(session: Session, acquirer: int) -> str:
-        """The version of the tables that are loaded."""
-        return session.run(Gts(acquirer)).require()
+    def version(session: Session, acquirer: int) -> str | None:
+        """The version of the tables that are loaded; None if the PIN pad has none."""
+        answer = session.run(Gts(acquirer))
+        return None if answer.status is Status.TABERR else answer.require()
 
     def _batches(self) -> Iterator[list[str]]:
         """As much as one request takes. A record that does not fit into one is left to the library to refuse; a key

@@ -102,7 +102,8 @@ CASES = [
     (Goc(1, PinMethod.MK_WK_TDES, 5, b"\x11" * 16, 1, 2, True, False, Risk(0x10, 3, 0x20, 4), "82", "9F02", 5, True),
      b"GOC089" b"000000000001" b"000000000002" b"1" b"0" b"0" b"1" b"05" + b"11" * 16 + b"1" b"00000010" b"03"
      b"00000020" b"04" b"03051" b"005001" b"82" b"007002" b"9F02",
-     b"GOC000050" b"201301" + b"30" * 8 + KSN.hex().encode() + b"004" b"\x9F\x26\1\0" b"000", GocAnswer(Decision.ONLINE, False, True, 3, False, True, b"0" * 8, KSN, b"\x9F\x26\1\0")),
+     b"GOC000050" b"201301" + b"30" * 8 + KSN.hex().encode() + b"004" b"\x9F\x26\1\0" b"000",
+     GocAnswer(Decision.ONLINE, False, True, 3, False, True, b"0" * 8, KSN, b"\x9F\x26\1\0")),
     (Goc(2, PinMethod.DUKPT_TDES, 5, acquirer_data="X"), b"GOC118" + b"0" * 24 + b"0" b"1" b"0" b"3" b"05"
      + b"30" * 16 + b"0" * 21 + b"32X" + b" " * 31 + b"003000" b"003000", b"GOC043", Status.NOCARD),
     (Gpn(PinMethod.MK_WK_TDES, 2, "4111111111111111", [PinEntry(4, 12, "PIN?")], b"\x22" * 16), b"GPN093102"

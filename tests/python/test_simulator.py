@@ -50,6 +50,7 @@ def test_the_virtual_pin_pad_is_played(pin_pad, session):
 def test_tables_and_media_are_loaded_and_tell_how_far_they_came(pin_pad, session):
     told = []
     tables = Tables([RECORD(1, number) for number in range(40)])
+    assert Tables.version(session, 1) is None
     tables.load(session, 1, "V1", on_progress=lambda *at: told.append(at))
     assert told == [(17, 40), (34, 40), (40, 40)] and Tables.version(session, 1) == "V1"
     pin_pad.fault("status", status=21, command="TLR", every=2)
@@ -111,7 +112,7 @@ def test_a_secret_is_hard_to_lose():
 
 @pytest.mark.parametrize("example, arguments, scenario, status, output", [
     ("sale.py", ["1234"], "chip-online-pin", 0, CARD + "the acquirer answers: 00\nAPPROVED\n"),
-    ("sale.py", ["1234"], "user-cancel", 1, CARD + "GOX was answered with ST_CANCEL\n"),
+    ("sale.py", ["1234"], "user-cancel", 1, CARD + "GOX was answered with ST_CANCEL\nNOT APPROVED\n"),
     ("cancel_button.py", ["30"], None, 0, "waiting for a key\nthe cashier has cancelled\n"),
     ("two_pin_pads.py", [], None, 0, "lane 1: F1\nlane 2: CLEAR\n")])
 def test_an_example_does_what_it_says(example, arguments, scenario, status, output):
