@@ -7,7 +7,7 @@ The acquirer is played. ANSWER is its response code: 00, as without it, approves
 for an acquirer that cannot be reached. Ctrl-C gives up."""
 import sys
 
-from quorvel import Decision, Error, Fcx, Gcx, Gox, Link, PinMethod, Rmc, Session, Tables
+from quorvel import Decision, Error, Fcx, FinalDecision, Gcx, Gox, Link, PinMethod, Rmc, Session, Tables
 
 REAIS = 986
 SECONDS = 60
@@ -32,46 +32,61 @@ def ask_acquirer(answer: str) -> str | None:
     return None if answer == "none" else answer
 
 
-def sell(session: Session, amount: int, answer: str) -> bool:
-    """Whether the card, which has the last word, has approved. Whatever the PIN pad refuses is raised by require()."""
+class Sale:
+    """What is known of the money, whatever goes wrong."""
+
+    authorised = False  # by the acquirer
+    approved = False  # by the card, which has the last word
+    in_doubt = False  # the card was told, and has not answered
+
+    @property
+    def outcome(self) -> str:
+        return "APPROVED" if self.approved else "UNKNOWN" if self.in_doubt else "NOT APPROVED"
+
+
+def sell(session: Session, amount: int, answer: str, sale: Sale) -> None:
+    """Whatever the PIN pad refuses is raised by require()."""
     load_tables(session)
     print("insert the card", flush=True)
     with session.start(Gcx(amount, currency=REAIS, type=0, options="00000", pan_mask=(6, 4), timeout=SECONDS)) as wait:
         card = wait.on_notice(show).get(deadline=SECONDS + 30).require()
     print("card", card.pan)
     if card.table_record is None:
-        return False
+        return
     go = Gox(card.table_record.acquirer, PinMethod.DUKPT_TDES, 0, amount=amount, currency=REAIS, type=0, risk=bytes(10),
              tags="82 95 9A 9C 5F2A 9F02 9F10 9F26 9F27 9F36 9F37", timeout=SECONDS)
     first = session.run(go, deadline=SECONDS + 30).require()
+    sale.approved = first.decision == Decision.APPROVED
     if first.decision != Decision.ONLINE:
-        return first.decision == Decision.APPROVED
+        return
     code = ask_acquirer(answer)
-    finish = Fcx("2000" if code is None else "0000", response_code=code, timeout=SECONDS)
-    approved = False
-    try:
-        approved = session.run(finish, deadline=SECONDS + 30).require().decision == Decision.APPROVED
-    finally:
-        if code == "00" and not approved:
-            print("the acquirer must be told that there was no sale")
-    return approved
+    sale.authorised = code == "00"
+    sale.in_doubt = True
+    finish = session.run(Fcx("2000" if code is None else "0000", response_code=code, timeout=SECONDS),
+                         deadline=SECONDS + 30)
+    sale.in_doubt = False  # a refusal is an answer, too: the card was not told
+    sale.approved = finish.require().decision == FinalDecision.APPROVED
 
 
 def main(port: str, cents: str, answer: str = "00") -> int:
-    outcome = "NOT APPROVED"
+    sale = Sale()
     try:
         with Link(port) as link, link.open(secure=True) as session:
-            session.leave(outcome)  # on the display, whatever ends the block
-            if sell(session, int(cents), answer):
-                outcome = "APPROVED"
-            session.leave(outcome)
-            session.run(Rmc(f"{outcome:16}REMOVE THE CARD"), deadline=SECONDS)
+            try:
+                sell(session, int(cents), answer, sale)
+            except Error as error:
+                print(error)
+            finally:
+                session.leave(sale.outcome)  # on the display, whatever ends the block
+            session.run(Rmc(f"{sale.outcome:16}REMOVE THE CARD"), deadline=SECONDS)
     except Error as error:
         print(error)
     except KeyboardInterrupt:
         print("given up at the till")
-    print(outcome)
-    return 0 if outcome == "APPROVED" else 1
+    if sale.authorised and not sale.approved:
+        print("the acquirer must be told that there was no sale")
+    print(sale.outcome)
+    return 0 if sale.approved else 1
 
 
 if __name__ == "__main__":

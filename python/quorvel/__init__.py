@@ -15,6 +15,7 @@ from .observer import EventType, LinkEvent
 from .protection import (pan_decrypt_track, pan_encrypt, pan_identify, prepare_block, prepare_data,
                          prepare_working_key)
 from .raw import Raw, RawAnswer
+from .repeat import Advice, Failure, Repeat, failure_of, repeat_safety
 from .secret import Octets, Secret
 from .waiting import (CardAnswer, CardType, Cex, CexAnswer, CexEvent, ChipCheck, ChipOperation, ChipStatus, Chp, Cke,
                       CkeAnswer, CkeEvent, Decision, Fcx, FcxAnswer, Gcd, Gcr, GcrAgain, GcrAnswer, Gcx, GenPin, Gky,
@@ -22,17 +23,17 @@ from .waiting import (CardAnswer, CardType, Cex, CexAnswer, CexEvent, ChipCheck,
                       TableRecord)
 
 __all__ = [
-    "Answer", "CardAnswer", "CardType", "Cex", "CexAnswer", "CexEvent", "ChipAnswer", "ChipCheck", "ChipOperation",
+    "Advice", "Answer", "CardAnswer", "CardType", "Cex", "CexAnswer", "CexEvent", "ChipAnswer", "ChipCheck", "ChipOperation",
     "ChipStatus", "Chp", "Cke", "CkeAnswer", "CkeEvent", "Cng", "Code", "DataMethod", "Decision", "Dex", "Dmf", "Dsi",
-    "Dsp", "Dwk1", "Dwk2", "Ebx", "EbxAnswer", "Enb", "Ended", "Error", "EventType", "Fcx", "FcxAnswer",
+    "Dsp", "Dwk1", "Dwk2", "Ebx", "EbxAnswer", "Enb", "Ended", "Error", "EventType", "Failure", "Fcx", "FcxAnswer",
     "FinalDecision", "Fnc", "FncAnswer", "Gcd", "Gcr", "GcrAgain", "GcrAnswer", "Gcx", "Gdu", "Ged", "GenApdu",
     "GenCardData", "GenChipData", "GenEncrypt", "GenEncrypted", "GenKeys", "GenPin", "GenPower", "Gin", "GinAnswer",
     "Gix", "GixAnswer", "Gky", "Goc", "GocAnswer", "Gox", "GoxAnswer", "Gpn", "GpnAnswer", "Gtk", "GtkAnswer", "Gts",
     "Incomplete", "ItemId", "Items", "Key", "Link", "LinkEvent", "Lmf", "MasterKey", "MasterKeyType", "Media", "Mle",
-    "Mli", "Mlr", "Mnu", "Octets", "PinEntry", "PinMethod", "Raw", "RawAnswer", "Reached", "Refused", "Request",
+    "Mli", "Mlr", "Mnu", "Octets", "PinEntry", "PinMethod", "Raw", "RawAnswer", "Reached", "Refused", "Repeat", "Request",
     "Risk", "Rmc", "Seconds", "Secret", "Session", "SlotPower", "Status", "TableRecord", "Tables", "Tle", "Tli",
-    "Tlr", "Wait", "Why", "WorkingKey", "WorkingKeyType", "library_version", "pan_decrypt_track", "pan_encrypt",
-    "pan_identify", "prepare_block", "prepare_data", "prepare_working_key",
+    "Tlr", "Wait", "Why", "WorkingKey", "WorkingKeyType", "failure_of", "library_version", "pan_decrypt_track", "pan_encrypt",
+    "pan_identify", "prepare_block", "prepare_data", "prepare_working_key", "repeat_safety",
 ]
 
 

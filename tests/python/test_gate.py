@@ -90,3 +90,20 @@ def test_enumerations_are_those_of_the_headers(prefix, kind):
     assert sorted(there.values()) == sorted(kind)
     if kind not in (quorvel.CexEvent, quorvel.CkeEvent, quorvel.CardType):  # these have words of their own
         assert there == {member: int(value) for member, value in kind.__members__.items()}
+
+
+def test_what_may_be_repeated_is_what_the_guide_says():
+    def words(repeat):
+        return f"from {repeat.first}" if repeat.advice is quorvel.Advice.FROM_START else repeat.advice.value
+    rows = re.findall(r"^\| ((?:[A-Z]{3}(?:, )?)+) \| (\w+(?: [A-Z]{3})?) \| (\w+(?: [A-Z]{3})?) \|",
+                      (ROOT / "docs/cpp.md").read_text(), re.M)
+    said = {command: row[1:] for row in rows for command in row[0].split(", ")}
+    assert len(said) == 39
+    for command, expected in said.items():
+        assert expected == tuple(words(quorvel.repeat_safety(command, failure))
+                                 for failure in (quorvel.Failure.REFUSED, quorvel.Failure.LOST)), command
+        assert words(quorvel.repeat_safety(command, quorvel.Failure.NOT_SENT)) == "again"
+    assert words(quorvel.repeat_safety("XYZ", quorvel.Failure.REFUSED)) == "never"
+    errors = (quorvel.Refused("GCX", quorvel.Status.TIMEOUT), quorvel.Ended(quorvel.Why.DEADLINE),
+              quorvel.Error(quorvel.Code.ILLEGAL_ARGUMENT, ""), quorvel.Error(quorvel.Code.IO_ERROR, ""))
+    assert [quorvel.failure_of(error).value for error in errors] == ["refused", "lost", "not sent", "lost"]

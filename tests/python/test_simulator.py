@@ -125,6 +125,15 @@ def test_an_example_does_what_it_says(example, arguments, scenario, status, outp
         assert first.process.wait(10) == 0 if scenario else not first.findings() + second.findings()
 
 
+def test_a_sale_whose_line_breaks_behind_the_acquirer_is_unknown():
+    with virtual_pin_pad() as pad:
+        pad.when("GCX", ("insert", "visa-chip"))
+        pad.when("GOX", ("type", "1234"))
+        pad.fault("hang-up", command="FCX", ms=1)
+        code, output = run(ROOT / "examples/python/sale.py", pad.port, "1234")
+        assert code == 1 and output.endswith("the acquirer must be told that there was no sale\nUNKNOWN\n"), output
+
+
 def test_a_library_that_is_not_there_is_told_of():
     code, output = run("-c", "import quorvel; quorvel.library_version()", QUORVEL_LIBRARY="/nowhere/libquorvel0.so.0")
     assert code == 1 and "ImportError: quorvel: cannot load /nowhere/libquorvel0.so.0" in output
