@@ -104,22 +104,19 @@ namespace detail {
 // A text for the C interface, wiped at its end. Throws Error for one with a NUL in it, which would be cut short there.
 class CText {
 public:
-    explicit CText(std::optional<std::string_view> text) {
+    explicit CText(std::optional<std::string_view> text) : there_(text.has_value()) {
         if (!text) { return; }
         if (text->find('\0') != std::string_view::npos) { refuse_argument("a text has a NUL in it"); }
-        text_.emplace(*text);
-    }
-    CText(const CText&) = delete;
-    CText& operator=(const CText&) = delete;
-    ~CText() {
-        if (text_) { wipe(text_->data(), text_->size()); }
+        terminated_ = Secret::filled(
+            text->size() + 1, [&](std::span<uint8_t> room) { std::copy(text->begin(), text->end(), room.begin()); });
     }
 
     // Null for none.
-    [[nodiscard]] const char* get() const noexcept { return text_ ? text_->c_str() : nullptr; }
+    [[nodiscard]] const char* get() const noexcept { return there_ ? terminated_.reveal().data() : nullptr; }
 
 private:
-    std::optional<std::string> text_;
+    bool there_;
+    Secret terminated_;
 };
 
 // Into the `room` characters of a record's member, which is zeroes. Throws Error for more than fit with a NUL behind.
