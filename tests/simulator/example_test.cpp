@@ -131,7 +131,7 @@ TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
     const std::tuple<const char*, Gestures, const char*, std::string> cases[]{
         {"visa-chip", Gestures().type("1234"), "1234",
          "card 411111******1111\nthe PIN pad says: ENTER THE PIN\nthe acquirer answers: 00\nAPPROVED\n"},
-        {"visa-signature", {}, "1234 none", "card 424242******4242\nthe acquirer answers: nothing\nNOT APPROVED\n"},
+        {"visa-signature", {}, "1234 none", "card 424242******4242\nthe acquirer answers: nothing\n" + reversed},
         {"declining-chip", {}, "1234", "card 400000******0069\nthe acquirer answers: 00\n" + reversed},
         {"mastercard-chip", Gestures().press(Key::kCancel), "1234",
          "card 510510******5100\nthe PIN pad says: ENTER THE PIN\n"
