@@ -41,10 +41,19 @@ struct Stoppable {
 // The PIN pad has time-outs of its own; the deadline is for one that never answers.
 template <typename Request>
 auto wait_for(quorvel::Session& session, const Request& request) {
-    if (stopped) { throw std::runtime_error("given up at the till"); }
+    const auto check = [] {
+        if (stopped) { throw std::runtime_error("given up at the till"); }
+    };
+    check();
     auto wait = session.start(request);
+    check();
     wait.on_notice([](std::string_view text) { std::cout << "the PIN pad says: " << text << std::endl; });
-    return wait.get(kTimeout + 30s).require();
+    try {
+        return wait.get(kTimeout + 30s).require();
+    } catch (const quorvel::Ended&) {
+        check();
+        throw;
+    }
 }
 
 // A till gets the records from its acquirer. These make two applications known, by what the virtual PIN pad reads.
