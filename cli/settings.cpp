@@ -5,9 +5,9 @@
 #include <array>
 #include <cstdlib>
 #include <fmt/format.h>
-#include <toml++/toml.h>
 
 #include "cli/error.h"
+#include "wire/toml.h"
 
 namespace quorvel::cli {
 
@@ -23,15 +23,15 @@ std::optional<std::string> environment(const char* name) {
 }
 
 // An error in a configuration file, with its place in the file.
-Error fault(const fs::path& file, const toml::source_region& place, std::string_view text) {
-    return {Exit::kUsage, fmt::format("{}:{}: {}", file.string(), place.begin.line, text),
+Error fault(const fs::path& file, size_t line, std::string_view text) {
+    return {Exit::kUsage, fmt::format("{}:{}: {}", file.string(), line, text),
             "The keys are described in quorvel(1), under CONFIGURATION."};
 }
 
 template <typename Type>
 Type value_of(const fs::path& file, const toml::key& key, const toml::node& node, std::string_view kind) {
     const std::optional<Type> value = node.value_exact<Type>();
-    if (!value) { throw fault(file, node.source(), fmt::format("'{}' must be {}", key.str(), kind)); }
+    if (!value) { throw fault(file, node.source().begin.line, fmt::format("'{}' must be {}", key.str(), kind)); }
     return *value;
 }
 
@@ -46,15 +46,17 @@ void apply(Settings& settings, const fs::path& file, const toml::key& key, const
     } else if (key == "tables") {
         settings.tables = (file.parent_path() / value_of<std::string>(file, key, node, "a text")).string();
     } else {
-        throw fault(file, node.source(), fmt::format("there is no key '{}'", key.str()));
+        throw fault(file, node.source().begin.line, fmt::format("there is no key '{}'", key.str()));
     }
 }
 
 void apply(Settings& settings, const fs::path& file) {
     toml::table parsed;
     try {
-        parsed = toml::parse_file(file.string());
-    } catch (const toml::parse_error& error) { throw fault(file, error.source(), error.description()); }
+        parsed = wire::parse_toml(wire::text_of_file(file.string()));
+    } catch (const wire::TomlError& error) {
+        throw fault(file, error.line(), error.fault());
+    } catch (const std::runtime_error& error) { throw Error(Exit::kUsage, fmt::format("{}.", error.what())); }
     for (const auto& [key, node] : parsed) { apply(settings, file, key, node); }
 }
 

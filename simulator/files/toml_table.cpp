@@ -3,8 +3,6 @@
 #include "simulator/files/toml_table.h"
 
 #include <fmt/format.h>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "wire/fields.h"
@@ -114,22 +112,6 @@ void TomlTable::end() const {
     for (const auto& [key, node] : *table_) {
         if (!taken_.contains(key.str())) { refuse(key.str(), "there is no such key"); }
     }
-}
-
-toml::table parse_toml(std::string_view text) {
-    try {
-        return toml::parse(text);
-    } catch (const toml::parse_error& error) {
-        throw std::runtime_error(fmt::format("line {}: {}", error.source().begin.line, error.description()));
-    }
-}
-
-std::string text_of_file(const std::string& path) {
-    std::ifstream file(path);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file || !text) { throw std::runtime_error(path + " cannot be read"); }
-    return text.str();
 }
 
 }  // namespace quorvel::sim

@@ -11,11 +11,11 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <toml++/toml.h>
 #include <utility>
 #include <vector>
 
 #include "simulator/wire.h"
+#include "wire/toml.h"
 
 namespace quorvel::sim {
 
@@ -76,10 +76,6 @@ private:
     std::set<std::string, std::less<>> taken_;
 };
 
-// Both throw std::runtime_error: with the line of what is no TOML, and with the path of what cannot be read.
-[[nodiscard]] toml::table parse_toml(std::string_view text);
-[[nodiscard]] std::string text_of_file(const std::string& path);
-
 // Calls `read`, and names the file in what it complains of.
 template <typename Read>
 [[nodiscard]] auto blaming_file(const std::string& file, Read read) {
@@ -88,7 +84,8 @@ template <typename Read>
     } catch (const std::runtime_error& error) { throw std::runtime_error(file + ": " + error.what()); }
 }
 
-// What `Whole::from_table` makes of a document, and of a file that holds one.
+// What `Whole::from_table` makes of a document, and of a file that holds one. Throws std::runtime_error with the line
+// of what is no TOML.
 template <typename Whole>
 [[nodiscard]] Whole from_document(std::string_view text) {
     const toml::table document = parse_toml(text);
