@@ -19,7 +19,8 @@ std::chrono::nanoseconds monotonic_now() {
 void sleep_out(std::chrono::milliseconds time) {
     if (time <= 0ms) { return; }
     const auto whole = std::chrono::floor<std::chrono::seconds>(time);
-    timespec left{whole.count(), std::chrono::nanoseconds(time - whole).count()};
+    const std::chrono::nanoseconds rest = time - whole;
+    timespec left{whole.count(), static_cast<decltype(timespec::tv_nsec)>(rest.count())};
     while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR) {}
 }
 

@@ -46,7 +46,7 @@ void write_request(AbecsPacket* packet, const AbecsCmdChpParam& param) {
 
 void read_response(AbecsPacket* packet, char* out) {
     const uint64_t length = abecs_packet_read_field_n(packet, 3);
-    const uint64_t count = length != 0 ? abecs_packet_read_field_n(packet, 3) : 0;
+    const size_t count = length != 0 ? static_cast<size_t>(abecs_packet_read_field_n(packet, 3)) : 0;
     abecs_packet_read_field_h(packet, out, kOutSize, 2 * count);
 }
 

@@ -26,7 +26,7 @@ void write_gen_head(AbecsPacket* packet, const SubCommand& sub, size_t length) {
 
 size_t read_gen_head(AbecsPacket* packet) {
     abecs_packet_read_field_n(packet, kLengthWidth);
-    return abecs_packet_read_field_n(packet, kLengthWidth);
+    return static_cast<size_t>(abecs_packet_read_field_n(packet, kLengthWidth));
 }
 
 bool refuse_tags(const AbecsComm* pinpad, const char* tags, const AbecsCmdGenTagsOut* out) {

@@ -92,7 +92,7 @@ void read_response(AbecsPacket* packet, AbecsCmdGocResponse& out) {
     out.pinOnline = read_digit(packet) != 0;
     abecs_packet_read_field_b(packet, out.pinBlock, sizeof out.pinBlock, sizeof out.pinBlock);
     abecs_packet_read_field_b(packet, out.ksn, sizeof out.ksn, sizeof out.ksn);
-    const uint64_t length = abecs_packet_read_field_n(packet, 3);
+    const auto length = static_cast<size_t>(abecs_packet_read_field_n(packet, 3));
     abecs_packet_read_field_b(packet, out.emvData, sizeof out.emvData, length);
     out.emvDataLen = static_cast<uint16_t>(length);
     abecs_packet_read_field_n(packet, 3);

@@ -40,7 +40,7 @@ struct Batch {
 
 Head read_head(KorBuffer* text) {
     Head head{};
-    head.length = abecs_data_read_field_n(text, 3);
+    head.length = static_cast<size_t>(abecs_data_read_field_n(text, 3));
     head.table = static_cast<int>(abecs_data_read_field_n(text, 1));
     head.acquirer = static_cast<int>(abecs_data_read_field_n(text, 2));
     abecs_data_read_field_a(text, head.index, sizeof head.index, 2, false);

@@ -162,7 +162,7 @@ char* abecs_packet_read_notification(AbecsPacket* packet, char* text) {
     }
     const auto length = codec::read_n(packet->buffer, 3);
     if (!length) { return text; }
-    return abecs_data_read_field_s(packet->buffer, text, kNotificationSize, *length, false);
+    return abecs_data_read_field_s(packet->buffer, text, kNotificationSize, static_cast<size_t>(*length), false);
 }
 
 KorBufferState* abecs_packet_save_state(const AbecsPacket* packet, KorBufferState* out) {

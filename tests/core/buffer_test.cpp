@@ -118,6 +118,8 @@ TEST(Buffer, ANumberThatIsNotAllThereStaysUnread) {
     EXPECT_EQ(read(buffer, 4), (Bytes{1, 2, 3}));
     EXPECT_RAISES(KOR_RESULT_IO_ERROR, "No enough space in buffer (available: 0, requested: 1)",
                   kor_buffer_read_byte(buffer));
+    const support::ReturningRaises raises;
+    EXPECT_EQ(kor_buffer_read_byte(buffer), 0);
 }
 
 TEST(Buffer, ARestoredStateMakesTheSameBytesReadableAgain) {

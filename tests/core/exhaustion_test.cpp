@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "tests/support/malloc/exhaustion.h"
 
+#include <array>
 #include <csignal>
 #include <unistd.h>
 
@@ -54,6 +55,7 @@ TEST(Exhaustion, AFailedChangeChangesNothing) {
     expect_all_or_nothing<KorList, kor_list_delete>(2, "a b 2", list_of_a, append, look_at_list);
     expect_all_or_nothing<KorMap, kor_map_delete>(4, "a=1 bb=2 ccc=new of 8", map_of_two, put_third, look_at_map);
     expect_all_or_nothing<KorMap, kor_map_delete>(1, "a=1 bb=new of 4", map_of_two, replace, look_at_map);
+    EXPECT_EQ(support::allocations_of([] { kor_map_delete(std::array{counted::new_map(4)}.data()); }), 2U);
 }
 
 // No error can be raised through a try block that cannot be opened.

@@ -170,6 +170,10 @@ TEST(Rsa, ShapesOfLoadedKeys) {
     EXPECT_RAISES(KOR_RESULT_RUNTIME_ERROR, "Unsupported exponent size: 5",
                   crypt_rsa_get_public_key(longExponent, &out));
     EXPECT_EQ(out.modulusSize, 0U);
+    for (const Private* odd : {&shortModulus, &longExponent}) {
+        const support::ReturningRaises raises;
+        EXPECT_EQ(crypt_rsa_get_public_key(*odd, &out), nullptr);
+    }
 
     // A modulus of fewer bytes than its padding must not reach the padding.
     for (const std::string& tail : {"00"_hex, "FB"_hex, "0100"_hex}) {

@@ -56,6 +56,7 @@ private:
 };
 
 TEST(Opening, LeavesNothingBehindWhereverItFails) {
+    EXPECT_EQ((allocations_of(make<abecs_rsp_parser_new, abecs_rsp_parser_delete>)), 1U);
     for (const Opening::Open open : {abecs_comm_open, abecs_comm_claim}) {
         Opening opening(open);
         for (const Raise raise : kBothRaises) {

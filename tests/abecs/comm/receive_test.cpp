@@ -20,7 +20,7 @@ int __wrap_clock_gettime(clockid_t clock, timespec* now) {
     const int result = __real_clock_gettime(clock, now);
     if (clock == CLOCK_MONOTONIC) {
         const int64_t fast = clockSpeed * (now->tv_sec * kSecond + now->tv_nsec);
-        *now = {fast / kSecond, fast % kSecond};
+        *now = {fast / kSecond, static_cast<decltype(now->tv_nsec)>(fast % kSecond)};
     }
     return result;
 }

@@ -130,13 +130,14 @@ TEST(FieldH, ReadingDropsLeadingPairsThirty) {
     for (const auto& [field, digits, expected] : cases) {
         SCOPED_TRACE(field);
         const size_t length = field.size();
-        const Bytes bytes(std::string(field).append(field).append(field));
+        const Bytes bytes(field + field + field + field);
         char text[9] = "????????";
         uint8_t raw[4]{};
         EXPECT_STREQ(abecs_data_read_field_h(bytes, text, length + 1, length), digits);
         const size_t count = abecs_data_read_field_h_raw(bytes, raw, length / 2, length);
         EXPECT_EQ(std::vector<uint8_t>(raw, raw + count), expected);
         EXPECT_EQ(abecs_data_read_field_h_raw(bytes, nullptr, 0, length), expected.size());
+        EXPECT_EQ(abecs_data_read_field_h(bytes, nullptr, 0, length), nullptr);
     }
     const Bytes exact("3030AB30");
     uint8_t raw[4]{};
@@ -149,12 +150,13 @@ TEST(FieldH, AnythingButPairsOfHexadecimalDigitsIsRefused) {
         SCOPED_TRACE(pair);
         const std::string field = "30AB" + std::string(pair) + "CD";
         const Bytes text(field + "rest");
-        const Bytes raw(field + "rest");
+        const Bytes raw(field + field + "rest");
         char to[9];
         std::fill(std::begin(to), std::end(to), 'x');
         EXPECT_RAISES(kIo, "Invalid data: " + std::string(pair), abecs_data_read_field_h(text, to, sizeof to, 8));
         EXPECT_STREQ(to, "") << "no pairs without an end";
         EXPECT_RAISES(kIo, "Invalid data: " + std::string(pair), abecs_data_read_field_h_raw(raw, nullptr, 0, 8));
+        EXPECT_RAISES(kIo, "Invalid data: " + std::string(pair), abecs_data_read_field_h(raw, nullptr, 0, 8));
         EXPECT_EQ(text.take(), "rest");
         EXPECT_EQ(raw.take(), "rest");
         const Bytes out;
@@ -221,6 +223,7 @@ TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
         refused({"", "ABCDE"}, "Field does not have enough room for data", type.write, "ABCDE\x01", 5, false);
         refused("", "'data' is NULL", type.write, nullptr, 5, false);
         refused("abc", "sizeTo (4) is not enough to store field data", type.read, text, 4, 4, false);
+        refused("abc", "sizeTo (0) is not enough to store field data", type.read, text, 0, 0, false);
         refused({"de\0f"s, ""}, error(kIo, "Invalid character (0x00) at position 2"), type.read, text, 5, 4, false);
         const Bytes skipped("a\x01");
         EXPECT_EQ(type.read(skipped, nullptr, 0, 2, false), nullptr) << "which is not checked";
@@ -233,12 +236,16 @@ TEST(Fields, RefuseWhatDoesNotFitInTheirOrder) {
     refused("", "fieldLen (5) is not even", writeH, "x", 5);
     refused("", "Field does not have enough room for data", writeH, "0102xx", 4);
     refused("", "'data' is NULL", writeH, nullptr, 4);
+    refused("", "Invalid hex byte at index 2", abecs_data_write_field_h_cdata, "012", 3, 4);
     refused("", "'data' is NULL", writeRaw, nullptr, 1, 2);
     refused("", "fieldLen (7) must be even", writeRaw, raw, 4, 7);
     refused("", "fieldLen < (dataLen * 2) ==> (4 < (3 * 2))", writeRaw, raw, 3, 4);
     refused("30ABC", too_few(7, 5), readH, text, 4, 7);
     refused("30ABC", "fieldLen (5) is not an even number", readH, text, 4, 5);
     refused("30ABC", "sizeTo (4) is not enough to store field (length: 4)", readH, text, 4, 4);
+    refused("30ABC", "sizeTo (0) is not enough to store field (length: 0)", readH, text, 0, 0);
+    refused({"30XYrest", "rest"}, error(kIo, "Invalid data: XY"), readH, text, 5, 4);
+    refused("30ABC", "fieldLen (5) must be even", readRaw, raw, 4, 5);
     refused("30ABC", "sizeTo (1) < (fieldLen / 2) (2)", readRaw, raw, 1, 4);
 
     const auto writeX = abecs_data_write_field_x;
@@ -257,9 +264,11 @@ TEST(Fields, AFullBufferIsRaisedOnce) {
     abecs_data_write_field_a(full, "long text", 12, false);
     abecs_data_write_field_h(full, "ABCD", 20);
     abecs_data_write_field_h_raw(full, raw, 0, 20);
+    abecs_data_write_field_h(full, "ABCD", 4);
+    abecs_data_write_field_h_raw(full, raw, 4, 8);
     abecs_data_write_field_x(full, 1, 4);
     abecs_data_write_field_b(full, "x", 1);
-    ASSERT_EQ(raises.all().size(), 6U);
+    ASSERT_EQ(raises.all().size(), 8U);
     EXPECT_EQ(raises.all()[1], too_full(1, 0));
 }
 

@@ -148,7 +148,9 @@ TEST(Packet, ReadsANotificationsText) {
     };
     const auto refused = [&](const std::string& content, const Raised& error) {
         const Packet packet(content);
-        EXPECT_EQ(raised_by([&] { abecs_packet_read_notification(packet, text); }), error);
+        const ReturningRaises raises;
+        EXPECT_EQ(abecs_packet_read_notification(packet, text), text);
+        EXPECT_EQ(raises.all(), std::vector{error});
     };
     reads("000005SALDO", "SALDO");
     reads("000032" + std::string(32, '\xC7'), std::string(32, '\xC7'));

@@ -88,6 +88,8 @@ TEST_F(RspParser, RefusesBadHeads) {
     refused(error(kIo, "Invalid character (0x0D) at position 1"), "G\rX000");
     refused(error(kProtocol, "Unknown value for RSP_STAT: 001"), "GIX001");
     refused(error(kIo, "Invalid packet (malformed)"), "GIX000005four");
+    refused(error(kIo, "Invalid char (0x78) at index 0"), "GIX000x05four");
+    refused(error(kIo, "Invalid char (0x78) at index 1"), "GIX000004four0x4four");
     refused(error(kIo, "Invalid packet (malformed)"), "GIX000004four005four");
     refused(error(kIo, "Invalid packet (unsupported block)"), "GIX000004four004four!");
     refused(error(kProtocol, "Malformed notification"), "NTM000033123456789012345678901234567890123");
@@ -100,7 +102,9 @@ TEST_F(RspParser, ABlockMustEndWithAParameterThatEndsInIt) {
     const auto refused = [&](const Raised& error, size_t good, const std::string& blocks) {
         set("GIX000" + blocks);
         for (size_t i = 0; i < good; ++i) { EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), param_); }
-        EXPECT_EQ(raised_by([&] { abecs_rsp_parser_read_param(parser_, param_); }), error);
+        const ReturningRaises raises;
+        EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
+        EXPECT_EQ(raises.all(), std::vector{error});
     };
     const Raised block1 = error(kIo, "Malformed packet (remaining bytes on BLK1 cannot be used)");
     const Raised block2 = error(kIo, "Malformed packet (remaining bytes on BLK2 cannot be used)");
@@ -109,6 +113,11 @@ TEST_F(RspParser, ABlockMustEndWithAParameterThatEndsInIt) {
     refused(block2, 2, "004" + kNoByte + "007" + kNoByte + "xyz");
     refused(block1, 0, "005\x80\x40\0\x05"s + "x" + "004" + kNoByte);
     refused(tooLong, 0, "005\x80\x40\0\x02"s + "x");
+    set("GIX000000005" + kOneByte);
+    abecs_packet_read_field_n(packet_, 1);  // a digit of the block's length, which the caller has no business to read
+    const ReturningRaises raises;
+    EXPECT_EQ(abecs_rsp_parser_read_param(parser_, param_), nullptr);
+    EXPECT_EQ(raises.all(), std::vector{error(kIo, "Invalid char (0x80) at index 2")});
 }
 
 TEST_F(RspParser, ReadsANotificationsText) {

@@ -251,7 +251,7 @@ QUORVEL_WRAPS(int, clock_gettime, clockid_t clock, timespec* out) {
     current->pass(memory::Time(1));
     const auto seconds = std::chrono::floor<std::chrono::seconds>(current->now());
     out->tv_sec = seconds.count();
-    out->tv_nsec = std::chrono::nanoseconds(current->now() - seconds).count();
+    out->tv_nsec = static_cast<decltype(out->tv_nsec)>(std::chrono::nanoseconds(current->now() - seconds).count());
     return 0;
 }
 
