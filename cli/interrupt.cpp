@@ -3,6 +3,7 @@
 #include "cli/interrupt.h"
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <ctime>
 #include <string_view>
@@ -37,12 +38,15 @@ void end_if_meant_again(int signal) {
 
 void remember(int signal) {
     if (received != 0) { return end_if_meant_again(signal); }
+    // What it interrupts may be about to look at it.
+    const int error = errno;
     received = signal;
     receivedAt = now();
     abecs_comm_wake(woken);
     // What does not wait for people may take its seconds; until then the user should know that the key was heard.
     constexpr std::string_view kHeard = "\nStopping...\n";
     if (isatty(STDERR_FILENO) == 1) { static_cast<void>(!write(STDERR_FILENO, kHeard.data(), kHeard.size())); }
+    errno = error;
 }
 
 }  // namespace
