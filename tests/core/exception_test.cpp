@@ -256,8 +256,8 @@ TEST(Enum, ChecksListsAndRanges) {
 }
 
 TEST(Heap, ExhaustionRaisesUnlessNullable) {
-    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(SIZE_MAX / 2, 0));
-    EXPECT_EQ(kor_heap_alloc(SIZE_MAX / 2, 1), nullptr);
+    EXPECT_RAISES(KOR_RESULT_MALLOC_ERROR, "", kor_heap_alloc(SIZE_MAX / 2 + 1, 0));
+    EXPECT_EQ(kor_heap_alloc(SIZE_MAX / 2 + 1, 1), nullptr);
     void* empty = kor_heap_alloc(0, 1);
     EXPECT_NE(empty, nullptr);
     kor_heap_free(empty);

@@ -29,13 +29,20 @@ void forget_results() {
     abecs_pan_identify("");
 }
 
+// Records are smaller where pointers are: only what was wiped can be told there, and not how many bytes.
+std::vector<std::string> comparable(std::vector<std::string> wiped) {
+    if (sizeof(void*) == 4) {
+        for (std::string& each : wiped) { each.erase(0, each.find(": ")); }
+    }
+    std::sort(wiped.begin(), wiped.end());
+    return wiped;
+}
+
 }  // namespace
 
 TEST_P(Secrets, AreWiped) { expect(GetParam()); }
 
 void expect(const Row& row) {
-    std::vector<std::string> wiped = row.wiped;
-    std::sort(wiped.begin(), wiped.end());
     std::vector<support::Raised> raised;
     if (row.raised != support::Raised{}) { raised.push_back(row.raised); }
     for (const Raising raising : {Raising::kCaught, Raising::kReturning}) {
@@ -43,7 +50,7 @@ void expect(const Row& row) {
         const Row::Call call = row.prepare();
         const Seen seen = watch(row.secrets, raising, call);
         EXPECT_EQ(seen.raised, raised);
-        EXPECT_EQ(seen.wiped, wiped);
+        EXPECT_EQ(comparable(seen.wiped), comparable(row.wiped));
         EXPECT_EQ(seen.left, row.left);
         EXPECT_EQ(watch(row.secrets, raising, forget_results).left, std::vector<std::string>{});
     }

@@ -239,7 +239,6 @@ Seen watch(const std::vector<Secret>& secrets, Raising raising, const std::funct
     }
     look_around();
     current = nullptr;
-    std::sort(seen.wiped.begin(), seen.wiped.end());
     return std::move(seen);
 }
 

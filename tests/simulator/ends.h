@@ -42,7 +42,7 @@ public:
     }
 
     // Whether the other end closes, whatever there is left to read.
-    bool is_left() { return await(0, 5000); }
+    bool is_left() { return await(0, 20000); }
 
     // The next line; what there was of it when the connection ends first.
     std::string line() {
@@ -56,7 +56,7 @@ protected:
 
 private:
     // Only a failing test waits that long.
-    bool next(char& c) { return await(POLLIN, 5000) && read(descriptor_, &c, 1) == 1; }
+    bool next(char& c) { return await(POLLIN, 20000) && read(descriptor_, &c, 1) == 1; }
 
     bool await(short event, int limitMs) {
         pollfd polled{descriptor_, event, 0};
