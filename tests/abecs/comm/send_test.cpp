@@ -94,9 +94,9 @@ TEST_F(Pacing, WaitsAtMostTheIntervalWhenTheClockWasSetBack) {
 }
 
 TEST_F(Pacing, IsSleptOutWhateverSignalsCome) {
+    const Elapsed elapsed;
     set_pace(300);
     const Signals signals(0);
-    const Elapsed elapsed;
     send_gin();
     EXPECT_TRUE(elapsed.between(299ms, 2s));
     EXPECT_GT(signals.seen(), 10);
