@@ -101,7 +101,6 @@ TEST(Cards, ErrorsNameTheKeyAndTheLine) {
         const std::string fault = thrown([&, &wrong = text] { static_cast<void>(Cards::from_toml(wrong)); });
         EXPECT_TRUE(fault.starts_with(due)) << fault;
     }
-    EXPECT_THROW(static_cast<void>(Cards::from_file("/nowhere/cards.toml")), std::runtime_error);
 }
 
 // At the threshold the share begins to grow from 10, at the floor limit it would be 90.
