@@ -32,6 +32,7 @@ typedef struct Sale {
     uint8_t acquirer;
     bool authorised; /* by the acquirer */
     bool approved;   /* by the card, which has the last word */
+    bool in_doubt;   /* the card was told, and has not answered */
 } Sale;
 
 enum { REAIS = 986, SECONDS = 60 };
@@ -70,6 +71,7 @@ static void wait_for(const char* command, Poll* poll, Sale* sale) {
             kor_exception_fthrow(KOR_RESULT_TIMEOUT_ERROR, "%s takes too long", command);
         }
     }
+    sale->in_doubt = false;
     require_ok(command, status);
 }
 
@@ -154,6 +156,7 @@ static bool tell_card(Sale* sale, const char* code) {
     sale->fcx = abecs_cmd_fcx_builder_new(code != NULL ? "0000" : "2000");
     if (code != NULL) { abecs_cmd_fcx_builder_arc(sale->fcx, code); }
     abecs_cmd_fcx_builder_timeout(sale->fcx, SECONDS);
+    sale->in_doubt = true; /* whatever happens from here on, only an answer tells */
     abecs_cmd_fcx(sale->pinpad, sale->fcx);
     wait_for("FCX", abecs_cmd_fcx_response, sale);
     get(sale, ABECS_RSP_DATID_PP_FCXRES, result, sizeof result);
@@ -173,7 +176,9 @@ static int32_t poll_removal(AbecsComm* pinpad, AbecsRspParamMap* items, char* no
     return abecs_cmd_rmc_response(pinpad, notice);
 }
 
-static const char* outcome(const Sale* sale) { return sale->approved ? "APPROVED" : "NOT APPROVED"; }
+static const char* outcome(const Sale* sale) {
+    return sale->approved ? "APPROVED" : sale->in_doubt ? "UNKNOWN" : "NOT APPROVED";
+}
 
 static void give_back(Sale* sale) {
     char text[33];

@@ -14,7 +14,7 @@
 /// at
 ///    once, Session::start one that waits for the cardholder. Their texts and bytes are only looked at during the call.
 /// 4. After an error in the middle of an exchange, the next command begins with CAN.
-/// 5. One thread at a time, for all links of a process; Link::wake and Wait::cancel may be called by any.
+/// 5. One thread at a time, for all links of a process; Link::cancel and Wait::cancel may be called by any.
 
 #include "quorvel/hpp/answer.hpp"
 #include "quorvel/hpp/cardholder.hpp"

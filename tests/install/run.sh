@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
-# run.sh <cmake> <source folder> <build folder> <C compiler> <library folder> [<C flag> ...]: installs the build into
-# an empty prefix, then builds and runs a small C program against it through find_package and through pkg-config.
+# run.sh <cmake> <source folder> <build folder> <C compiler> <C++ compiler> <library folder> [<flag> ...]: installs the
+# build into an empty prefix, then builds and runs a small program in C and one in C++ against it through find_package,
+# and the former through pkg-config.
 set -euo pipefail
-cmake=$1 source=$2 build=$3 cc=$4 libdir=$5
-shift 5
+cmake=$1 source=$2 build=$3 cc=$4 cxx=$5 libdir=$6
+shift 6
 flags=(-Wall -Wextra -Wpedantic -Werror "$@")
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
@@ -35,9 +36,10 @@ check() {
 }
 
 "$cmake" -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_C_COMPILER="$cc" -DCMAKE_C_FLAGS="${flags[*]}" \
-    -DCMAKE_PREFIX_PATH="$prefix" >"$work/log"
+    -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="${flags[*]}" -DCMAKE_PREFIX_PATH="$prefix" >"$work/log"
 "$cmake" --build "$work/consumer" >>"$work/log" || { cat "$work/log"; exit 1; }
 check find_package "$work/consumer/consumer"
+check "find_package and C++" "$work/consumer/cpp_consumer"
 
 export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
 [ "$(pkg-config --modversion quorvel)" = 0.1.0 ]

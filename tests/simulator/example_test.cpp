@@ -82,11 +82,16 @@ TEST_F(Example, TwoPinPadsAreServedAsTheyAnswer) {
     other.start();
     other.when("GKY", Gestures().press(Key::kF1));
     pinPad_.when("GKY", Gestures().notify("ANY KEY").press(Key::kF2));
-    support::Child program({QUORVEL_EXAMPLES "/two_pin_pads", pinPad_.path(), other.path()});
-    const std::set<std::string> told{program.line(), program.line()};
-    EXPECT_EQ(program.wait(), EXIT_SUCCESS);
-    EXPECT_EQ(told, (std::set<std::string>{other.path() + ": ABECS_RSP_STAT_ST_F1",
-                                           pinPad_.path() + ": ABECS_RSP_STAT_ST_F2"}));
+    for (const std::string named : {"two_pin_pads|ABECS_RSP_STAT_ST_", "cpp_two_pin_pads|"}) {
+        const size_t bar = named.find('|');
+        support::Child program({QUORVEL_EXAMPLES "/" + named.substr(0, bar), pinPad_.path(), other.path()});
+        const std::string key = ": " + named.substr(bar + 1);
+        const std::set<std::string> told{program.line(), program.line()};
+        EXPECT_EQ(program.wait(), EXIT_SUCCESS);
+        EXPECT_EQ(told, (std::set<std::string>{other.path() + key + "F1", pinPad_.path() + key + "F2"}));
+        other.when("GKY", Gestures().press(Key::kF1));
+        pinPad_.when("GKY", Gestures().notify("ANY KEY").press(Key::kF2));
+    }
     EXPECT_EQ(pinPad_.screen().text, "THANK YOU");
     EXPECT_EQ(other.screen().text, "THANK YOU");
     EXPECT_TRUE(other.findings().empty());
@@ -137,6 +142,7 @@ TEST(Steady, WaitsForThePortToComeBack) {
 }
 
 TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
+    const std::string kRefusedInC = "GOX was answered with ABECS_RSP_STAT_ST_CANCEL";
     const std::string reversed = "the acquirer must be told that there was no sale\nNOT APPROVED\n";
     const std::tuple<const char*, Gestures, const char*, std::string> cases[]{
         {"visa-chip", Gestures().type("1234"), "1234",
@@ -149,21 +155,45 @@ TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
     };
     for (const auto& [card, whileGox, arguments, output] : cases) {
         const bool approved = output.ends_with("\nAPPROVED\n");
-        pinPad_.when("GCX", inserted(card));
-        if (!whileGox.events().empty()) { pinPad_.when("GOX", whileGox); }
-        pinPad_.when("RMC", Gestures().remove());
-        expect_example("sale" + port_ + " " + arguments, approved ? EXIT_SUCCESS : EXIT_FAILURE,
-                       "insert the card\n" + output);
-        EXPECT_EQ(pinPad_.screen().text, approved ? "APPROVED" : "NOT APPROVED");
+        for (const std::string program : {"cpp_sale", "sale"}) {
+            pinPad_.when("GCX", inserted(card));
+            if (!whileGox.events().empty()) { pinPad_.when("GOX", whileGox); }
+            pinPad_.when("RMC", Gestures().remove());
+            std::string told = output;
+            const size_t refused = program == "sale" ? std::string::npos : told.find(kRefusedInC);
+            if (refused != std::string::npos) {
+                told.replace(refused, kRefusedInC.size(), "[REFUSED] GOX answered 013 ST_CANCEL");
+            }
+            expect_example(program + port_ + " " + arguments, approved ? EXIT_SUCCESS : EXIT_FAILURE,
+                           "insert the card\n" + told);
+            EXPECT_EQ(pinPad_.screen().text, approved ? "APPROVED" : "NOT APPROVED");
+        }
+    }
+}
+
+// The line breaks after the acquirer's yes: nobody knows what the card has decided.
+TEST(BrokenSale, TellsThatTheOutcomeIsUnknown) {
+    for (const std::string name : {"sale", "cpp_sale"}) {
+        PinPad pinPad;
+        pinPad.start();
+        pinPad.when("GCX", inserted("visa-chip"));
+        pinPad.when("GOX", Gestures().type("1234"));
+        pinPad.inject({.kind = "hang-up", .command = "FCX", .time = std::chrono::milliseconds(1)});
+        support::Child program({QUORVEL_EXAMPLES "/" + name, pinPad.path(), "1234"});
+        EXPECT_EQ(program.wait(), EXIT_FAILURE);
+        EXPECT_TRUE(program.output().ends_with("the acquirer must be told that there was no sale\nUNKNOWN\n")) << name;
     }
 }
 
 TEST_F(Example, SaleIsGivenUpOnASignalAndLeavesThePinPadIdle) {
-    support::Child program({QUORVEL_EXAMPLES "/sale", pinPad_.path(), "1234"});
-    EXPECT_EQ(program.line(), "insert the card");
-    EXPECT_EQ(program.end(SIGINT), EXIT_FAILURE);
-    EXPECT_EQ(program.output() + program.errors(), "NOT APPROVED\ngiven up at the till\n");
-    EXPECT_EQ(pinPad_.screen().text, "NOT APPROVED");
+    for (const std::string name : {"sale", "cpp_sale"}) {
+        support::Child program({QUORVEL_EXAMPLES "/" + name, pinPad_.path(), "1234"});
+        EXPECT_EQ(program.line(), "insert the card");
+        EXPECT_EQ(program.end(SIGINT), EXIT_FAILURE);
+        const char* why = name == "sale" ? "given up at the till" : "[ENDED] the wait was cancelled";
+        EXPECT_EQ(program.output() + program.errors(), std::string("NOT APPROVED\n") + why + "\n");
+        EXPECT_EQ(pinPad_.screen().text, "NOT APPROVED");
+    }
 }
 
 TEST_F(Example, SwipeShowsTheMaskedCardNumberAndThePinBlock) {
@@ -175,8 +205,14 @@ TEST_F(Example, SwipeShowsTheMaskedCardNumberAndThePinBlock) {
 }
 
 TEST_F(Example, InCppPrintsTheIdentificationOrTheError) {
-    expect_example("in_cpp" + port_, EXIT_SUCCESS, "QUORVEL QV00000001\n");
-    expect_example("in_cpp /nowhere/port", EXIT_FAILURE, "[KOR_RESULT_FILE_NOT_FOUND] No such port: /nowhere/port\n");
+    expect_example("cpp_who" + port_, EXIT_SUCCESS, "QUORVEL QV00000001\n");
+    expect_example("cpp_who /nowhere/port", EXIT_FAILURE, "[KOR_RESULT_FILE_NOT_FOUND] No such port: /nowhere/port\n");
+}
+
+TEST_F(Example, AButtonCancelsTheWaitForACard) {
+    expect_run("echo | " QUORVEL_EXAMPLES "/cpp_cancel_button" + port_, EXIT_SUCCESS,
+               "insert the card, or press ENTER to cancel\ncancelled\n");
+    EXPECT_EQ(pinPad_.screen().text, "CANCELLED");
 }
 
 // A sanitizer must be loaded before the program, which here is the interpreter.

@@ -130,9 +130,12 @@ public:
     bool doubtful = true;
     std::string lastText;
     std::string lastImage;
-    // Of the wait: set from another thread or a signal handler.
-    std::atomic<uint64_t> cancelledTurn{0};
-    static_assert(std::atomic<uint64_t>::is_always_lock_free, "a signal handler sets it");
+    // Which wait is to end: from any thread and from a signal handler.
+    void cancel(uint64_t turn) noexcept {
+        cancelled_ = turn;
+        abecs_comm_wake(link_);
+    }
+    [[nodiscard]] bool is_cancelled(uint64_t turn) const noexcept { return cancelled_ == turn; }
 
 private:
     static bool is_of_the_exchange(ErrorCode code) noexcept {
@@ -165,7 +168,9 @@ private:
     AbecsComm* link_ = nullptr;
     std::function<void(const Event&)> observer_;
     std::exception_ptr thrown_;
-    uint64_t turn_ = 0;
+    std::atomic<uint64_t> turn_{0};
+    std::atomic<uint64_t> cancelled_{0};
+    static_assert(std::atomic<uint64_t>::is_always_lock_free, "a signal handler sets it");
     bool unsettled_ = false;
 };
 

@@ -95,19 +95,19 @@ struct Gcx {
     auto on(detail::Line& line) const {
         const auto built = builder(line);
         return detail::started<detail::ItemsReceiver<abecs_cmd_gcx_response, CardAnswer::of>>(
-            line, [&](AbecsComm* link) { abecs_cmd_gcx(link, built->get()); });
+            line, [&](AbecsComm* link) { abecs_cmd_gcx(link, built.get()); });
     }
 
 private:
     using Builder = detail::Owned<abecs_cmd_gcx_builder_delete>;
 
-    [[nodiscard]] std::unique_ptr<Builder> builder(detail::Line& line) const {
+    [[nodiscard]] Builder builder(detail::Line& line) const {
         char date[16];
         char time[16];
         std::snprintf(date, sizeof date, "%02d%02d%02d", when.year, when.month, when.day);
         std::snprintf(time, sizeof time, "%02d%02d%02d", when.hour, when.minute, when.second);
-        auto built = std::make_unique<Builder>(line.call([&] { return abecs_cmd_gcx_builder_new(date, time); }));
-        AbecsCmdGcxBuilder* const to = built->get();
+        Builder built(line.call([&] { return abecs_cmd_gcx_builder_new(date, time); }));
+        AbecsCmdGcxBuilder* const to = built.get();
         const detail::CText records(applications);
         const std::string_view implied = contactless.value_or(false) ? "10000" : "00000";
         const detail::CText choice(options ? options : contactless ? std::optional(implied) : std::nullopt);
@@ -204,17 +204,16 @@ struct Gox {
     auto on(detail::Line& line) const {
         const auto built = builder(line);
         return detail::started<detail::ItemsReceiver<abecs_cmd_gox_response, GoxAnswer::of>>(
-            line, [&](AbecsComm* link) { abecs_cmd_gox(link, built->get()); });
+            line, [&](AbecsComm* link) { abecs_cmd_gox(link, built.get()); });
     }
 
 private:
     using Builder = detail::Owned<abecs_cmd_gox_builder_delete>;
 
-    [[nodiscard]] std::unique_ptr<Builder> builder(detail::Line& line) const {
+    [[nodiscard]] Builder builder(detail::Line& line) const {
         const auto method = static_cast<AbecsSpeMthdPin_E>(pin_method);
-        auto built = std::make_unique<Builder>(
-            line.call([&] { return abecs_cmd_gox_builder_new(acquirer, method, key_index); }));
-        AbecsCmdGoxBuilder* const to = built->get();
+        Builder built(line.call([&] { return abecs_cmd_gox_builder_new(acquirer, method, key_index); }));
+        AbecsCmdGoxBuilder* const to = built.get();
         const detail::CText choice(options);
         const detail::CText shown(text);
         const AbecsEmvData data = detail::emv_data(emv_data.value_or(Bytes()));
@@ -270,16 +269,16 @@ struct Fcx {
     auto on(detail::Line& line) const {
         const auto built = builder(line);
         return detail::started<detail::ItemsReceiver<abecs_cmd_fcx_response, FcxAnswer::of>>(
-            line, [&](AbecsComm* link) { abecs_cmd_fcx(link, built->get()); });
+            line, [&](AbecsComm* link) { abecs_cmd_fcx(link, built.get()); });
     }
 
 private:
     using Builder = detail::Owned<abecs_cmd_fcx_builder_delete>;
 
-    [[nodiscard]] std::unique_ptr<Builder> builder(detail::Line& line) const {
+    [[nodiscard]] Builder builder(detail::Line& line) const {
         const detail::CText choice(options.value_or(response_code ? "0000" : "2000"));
-        auto built = std::make_unique<Builder>(line.call([&] { return abecs_cmd_fcx_builder_new(choice.get()); }));
-        AbecsCmdFcxBuilder* const to = built->get();
+        Builder built(line.call([&] { return abecs_cmd_fcx_builder_new(choice.get()); }));
+        AbecsCmdFcxBuilder* const to = built.get();
         const detail::CText code(response_code);
         const AbecsEmvData data = detail::emv_data(emv_data.value_or(Bytes()));
         const uint8_t seconds = detail::seconds_of(timeout.value_or(std::chrono::seconds(0)));

@@ -73,20 +73,15 @@ auto started(Line& line, Send send) {
 
 // Texts of hexadecimal digits come without the leading pairs "30" that they may have had: puts them back.
 inline Secret refilled(std::string_view digits, size_t size) {
-    std::string all;
-    all.reserve(size);
-    while (all.size() + digits.size() + 2 <= size) { all += "30"; }
-    all += digits;
-    Secret whole(all);
-    wipe(all.data(), all.size());
-    return whole;
+    const size_t missing = digits.size() < size ? (size - digits.size()) / 2 * 2 : 0;
+    return Secret::filled(missing + digits.size(), [&](std::span<uint8_t> all) {
+        for (size_t i = 0; i < missing; ++i) { all[i] = i % 2 == 0 ? '3' : '0'; }
+        std::copy(digits.begin(), digits.end(), all.begin() + static_cast<std::ptrdiff_t>(missing));
+    });
 }
 // The same as bytes.
 inline Secret refilled_bytes(std::string_view digits, size_t bytes) {
-    std::vector<uint8_t> all = from_hex(refilled(digits, 2 * bytes).reveal());
-    Secret whole{Bytes(all)};
-    wipe(all.data(), all.size());
-    return whole;
+    return from_hex(refilled(digits, 2 * bytes).reveal());
 }
 
 inline AbecsEmvData emv_data(Bytes bytes) {

@@ -167,7 +167,7 @@ struct LinkOptions {
 };
 
 /// The link to a PIN pad on a serial port. It, its sessions and their waits are used by one thread at a time, and so
-/// are all links of a process together; wake() and Wait::cancel() may be called by any.
+/// are all links of a process together; cancel() and Wait::cancel() may be called by any.
 class Link {
 public:
     /// Opens the port and has the PIN pad answer CAN. Throws Error; see abecs_comm_open and abecs_comm_claim.
@@ -244,8 +244,9 @@ public:
     [[nodiscard]] bool has_input() const {
         return line_->call([this] { return abecs_comm_has_input(line_->get()); });
     }
-    /// Ends one look of a Wait at the line; from any thread and from a signal handler.
-    void wake() const noexcept { abecs_comm_wake(line_->get()); }
+    /// Cancels the Wait that is on, if there is one, as Wait::cancel does: from any thread and from a signal handler,
+    /// as long as this object is there and open.
+    void cancel() noexcept { line_->cancel(line_->turn()); }
 
     /// The link of the C interface; see Session::native.
     [[nodiscard]] AbecsComm* native() const noexcept { return line_->get(); }

@@ -57,6 +57,15 @@ public:
     explicit Secret(Bytes bytes) : bytes_(std::make_unique<uint8_t[]>(bytes.size())), size_(bytes.size()) {
         std::copy(bytes.begin(), bytes.end(), bytes_.get());
     }
+    /// One of so many bytes, zeroes until `fill` is handed them.
+    template <typename Fill>
+    static Secret filled(size_t size, const Fill& fill) {
+        Secret made;
+        made.bytes_ = std::make_unique<uint8_t[]>(size);
+        made.size_ = size;
+        fill(std::span(made.bytes_.get(), size));
+        return made;
+    }
     Secret(const Secret& other) : Secret(other.bytes()) {}
     Secret(Secret&& other) noexcept : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, 0)) {}
     Secret& operator=(Secret other) noexcept {
@@ -95,22 +104,19 @@ namespace detail {
 // A text for the C interface, wiped at its end. Throws Error for one with a NUL in it, which would be cut short there.
 class CText {
 public:
-    explicit CText(std::optional<std::string_view> text) {
+    explicit CText(std::optional<std::string_view> text) : there_(text.has_value()) {
         if (!text) { return; }
         if (text->find('\0') != std::string_view::npos) { refuse_argument("a text has a NUL in it"); }
-        text_.emplace(*text);
-    }
-    CText(const CText&) = delete;
-    CText& operator=(const CText&) = delete;
-    ~CText() {
-        if (text_) { wipe(text_->data(), text_->size()); }
+        terminated_ = Secret::filled(
+            text->size() + 1, [&](std::span<uint8_t> room) { std::copy(text->begin(), text->end(), room.begin()); });
     }
 
     // Null for none.
-    [[nodiscard]] const char* get() const noexcept { return text_ ? text_->c_str() : nullptr; }
+    [[nodiscard]] const char* get() const noexcept { return there_ ? terminated_.reveal().data() : nullptr; }
 
 private:
-    std::optional<std::string> text_;
+    bool there_;
+    Secret terminated_;
 };
 
 // Into the `room` characters of a record's member, which is zeroes. Throws Error for more than fit with a NUL behind.
@@ -127,32 +133,29 @@ void put(char (&member)[room], std::string_view text, const char* name) {
     put(member, room, text, name);
 }
 
-// Hexadecimal digits of bytes, wiped at the end.
+// Hexadecimal digits of bytes.
 inline Secret to_hex(Bytes bytes) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    const auto digits = std::make_unique<char[]>(2 * bytes.size());
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        digits[2 * i] = kDigits[bytes[i] >> 4];
-        digits[2 * i + 1] = kDigits[bytes[i] & 0x0F];
-    }
-    Secret hex(std::string_view(digits.get(), 2 * bytes.size()));
-    wipe(digits.get(), 2 * bytes.size());
-    return hex;
+    return Secret::filled(2 * bytes.size(), [&](std::span<uint8_t> digits) {
+        constexpr std::string_view kDigits = "0123456789ABCDEF";
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            digits[2 * i] = static_cast<uint8_t>(kDigits[bytes[i] >> 4]);
+            digits[2 * i + 1] = static_cast<uint8_t>(kDigits[bytes[i] & 0x0F]);
+        }
+    });
 }
 
 // Bytes of hexadecimal digits; what is no digit counts as 0, and an odd last one is left out.
-inline std::vector<uint8_t> from_hex(std::string_view digits) {
+inline Secret from_hex(std::string_view digits) {
     const auto value = [](char c) {
         if (c >= '0' && c <= '9') { return c - '0'; }
         const char lower = static_cast<char>(c | 0x20);
         return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 0;
     };
-    std::vector<uint8_t> bytes;
-    bytes.reserve(digits.size() / 2);
-    for (size_t i = 0; i + 1 < digits.size(); i += 2) {
-        bytes.push_back(static_cast<uint8_t>(value(digits[i]) * 16 + value(digits[i + 1])));
-    }
-    return bytes;
+    return Secret::filled(digits.size() / 2, [&](std::span<uint8_t> bytes) {
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            bytes[i] = static_cast<uint8_t>(value(digits[2 * i]) * 16 + value(digits[2 * i + 1]));
+        }
+    });
 }
 
 // The up to `room` characters of a member, before its NUL if it has one.

@@ -71,10 +71,7 @@ public:
 
     /// Has the wait end: sends CAN in the next or present get() or poll(), which throws Ended. May be called from any
     /// thread and from a signal handler, as long as this object is there and not moved.
-    void cancel() noexcept {
-        line_->cancelledTurn = turn_;
-        abecs_comm_wake(line_->get());
-    }
+    void cancel() noexcept { line_->cancel(turn_); }
 
     /// Whether the answer is still to come.
     [[nodiscard]] bool is_waiting() const noexcept {
@@ -93,11 +90,11 @@ private:
     std::optional<Answer<Value>> look(std::chrono::milliseconds patience, std::optional<Clock::time_point> deadline) {
         for (;;) {
             require_waiting();
-            if (line_->cancelledTurn == turn_) { end(Ended::Why::cancelled); }
+            if (line_->is_cancelled(turn_)) { end(Ended::Why::cancelled); }
             char text[33]{};
             const int32_t status = ask(patience, deadline, text);
             if (status == ABECS_RSP_STAT_ST_PROCESSING) {
-                if (line_->cancelledTurn == turn_) { end(Ended::Why::cancelled); }
+                if (line_->is_cancelled(turn_)) { end(Ended::Why::cancelled); }
                 return std::nullopt;
             }
             if (status != ABECS_RSP_STAT_ST_NOTIFICATION) { return finish(status); }

@@ -27,6 +27,7 @@ public:
     void answer(std::vector<std::string> answers) {
         state_ = State::kIdle;
         last_.clear();
+        heard_.clear();
         answers_.assign(std::make_move_iterator(answers.begin()), std::make_move_iterator(answers.end()));
     }
     // Of itself, as after a request that came before.
@@ -37,6 +38,8 @@ public:
         line_.send(noise(last_));
     }
     [[nodiscard]] size_t requests() const { return requests_; }
+    // The frames since then.
+    [[nodiscard]] const std::vector<std::string>& heard() const { return heard_; }
 
     // Whether it refuses the frame that has come, and what becomes of an answer on the way.
     std::function<bool()> refuses = [] { return false; };
@@ -47,10 +50,14 @@ private:
 
     // What stops for a second in the middle of a frame was given up.
     void hear(uint8_t byte) {
-        if (line_.now() - std::exchange(heard_, line_.now()) > std::chrono::seconds(1)) { state_ = State::kIdle; }
+        if (line_.now() - std::exchange(lastHeard_, line_.now()) > std::chrono::seconds(1)) { state_ = State::kIdle; }
+        if (state_ != State::kIdle) { heard_.back() += static_cast<char>(byte); }
         switch (state_) {
             case State::kIdle:
-                if (byte == 0x16) { state_ = State::kFrame; }
+                if (byte == 0x16) {
+                    state_ = State::kFrame;
+                    heard_.emplace_back(1, static_cast<char>(byte));
+                }
                 if (byte == 0x15) { line_.send(noise(last_)); }
                 if (byte == 0x18) {
                     answer({});
@@ -73,7 +80,8 @@ private:
     }
 
     Line& line_;
-    Time heard_{0};
+    Time lastHeard_{0};
+    std::vector<std::string> heard_;
     State state_ = State::kIdle;
     std::deque<std::string> answers_;
     std::string last_;

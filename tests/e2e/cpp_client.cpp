@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "tests/e2e/cpp_client.h"
+
+#include "quorvel/quorvel.hpp"
+
+namespace client {
+
+std::string plain(const std::string& port) {
+    quorvel::Link link(port);
+    auto session = link.open();
+    return std::string(session.run(quorvel::Dsp{"PLAIN"}).status().name());
+}
+
+std::string encrypted(const std::string& port) {
+    quorvel::Link link(port);
+    auto session = link.open(quorvel::secure);
+    const auto key = session.run(quorvel::Dwk2{}).require();
+    auto wait = session.start(quorvel::Gky{});
+    std::string all = std::to_string(key.key().size()) + ' ';
+    wait.on_notice([&](std::string_view text) { all.append(text) += ' '; });
+    all += name(wait.get(std::chrono::seconds(10)).value());
+    session.close("BYE");
+    return all;
+}
+
+}  // namespace client
