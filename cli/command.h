@@ -4,12 +4,14 @@
 #define QUORVEL_CLI_COMMAND_H
 
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "cli/error.h"
+#include "cli/option.h"
 #include "cli/output.h"
 #include "cli/settings.h"
 #include "cli/value.h"
@@ -29,6 +31,8 @@ struct Outcome {
     Exit exit = Exit::kOk;
     // In place of the report, for what is no result but a text of its own.
     std::string raw = {};
+    // What went wrong, where the report tells what has come of it all the same.
+    std::exception_ptr failure = nullptr;
 };
 
 using Run = std::function<Outcome(Context&)>;
@@ -43,16 +47,6 @@ struct Command {
 
 [[nodiscard]] std::span<const Command> commands() noexcept;
 
-// An option that takes a number in a range; what it holds already is its default.
-template <typename Number>
-CLI::Option* add_number(CLI::App& app, const std::string& name, Number& number, const std::string& summary,
-                        const char* type, int lowest = 0, int highest = 255) {
-    return app.add_option(name, number, summary)
-        ->check(CLI::Range(lowest, highest).description(""))
-        ->type_name(type)
-        ->default_str(std::to_string(number));
-}
-
 // What a group of commands is about.
 [[nodiscard]] std::string_view group_summary(std::string_view group) noexcept;
 
@@ -66,6 +60,13 @@ Run display(CLI::App& app);
 Run menu(CLI::App& app);
 Run key(CLI::App& app);
 Run event(CLI::App& app);
+Run watch(CLI::App& app);
+Run number(CLI::App& app);
+Run remove(CLI::App& app);
+Run emv(CLI::App& app);
+Run tracks(CLI::App& app);
+Run encipher(CLI::App& app);
+Run command(CLI::App& app);
 Run card(CLI::App& app);
 Run sale(CLI::App& app);
 Run pin(CLI::App& app);

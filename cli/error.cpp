@@ -2,32 +2,67 @@
 // Copyright (c) 2026 the quorvel authors
 #include "cli/error.h"
 
+#include <cerrno>
+#include <charconv>
 #include <fmt/format.h>
+#include <optional>
+#include <system_error>
 
 #include "cli/explain.h"
+#include "cli/interrupt.h"
 
 namespace quorvel::cli {
 
 namespace {
 
-std::string status_text(std::string_view command, int32_t status) {
-    const StatusMeaning meaning = explain_status(status);
-    return fmt::format("{} answered {:03} {}: {}.", command, status, meaning.name, meaning.meaning);
+std::string status_text(std::string_view command, quorvel::Status status) {
+    const StatusMeaning meaning = explain_status(status.code());
+    return fmt::format("{} answered {:03} {}: {}.", command, meaning.code, meaning.name, meaning.meaning);
 }
 
-// "[KOR_RESULT_IO_ERROR] read() error: 5" without what stands in brackets.
-std::string detail_of(std::string_view message) {
-    const size_t end = message.starts_with('[') ? message.find("] ") : std::string_view::npos;
-    return std::string(end == std::string_view::npos ? message : message.substr(end + 2));
+// The number of the system's error at the end of "read() error: 5", if there is one.
+std::optional<int> system_error_of(std::string_view detail) {
+    constexpr std::string_view kBefore = ") error: ";
+    const size_t at = detail.find(kBefore);
+    int error = 0;
+    if (at == std::string_view::npos) { return std::nullopt; }
+    const std::string_view digits = detail.substr(at + kBefore.size());
+    const auto [end, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), error);
+    return fault == std::errc() && end == digits.data() + digits.size() ? std::optional(error) : std::nullopt;
+}
+
+// The detail in words where it is a call of the system and a number.
+std::string words_for(std::string_view detail) {
+    const auto error = system_error_of(detail);
+    if (!error) { return std::string(detail); }
+    const bool gone = *error == EIO || *error == ENXIO || *error == ENODEV;
+    return fmt::format("The port {}: {}", gone ? "has gone away" : "fails", std::generic_category().message(*error));
 }
 
 }  // namespace
 
-LibraryError::LibraryError(int16_t code, std::string_view message)
-    : Error(explain_error(code).exit, detail_of(message), std::string(explain_error(code).remedy)), code_(code) {}
+LibraryError::LibraryError(const quorvel::Error& raised)
+    : Error(explain_error(raised.code()).exit, words_for(raised.detail()),
+            std::string(explain_error(raised.code()).remedy)),
+      code_(raised.code()) {}
 
-StatusError::StatusError(std::string_view command, int32_t status)
-    : Error(Exit::kRefused, status_text(command, status), std::string(explain_status(status).remedy)),
+StatusError::StatusError(std::string_view command, quorvel::Status status)
+    : Error(Exit::kRefused, status_text(command, status), std::string(explain_status(status.code()).remedy)),
       status_(status) {}
+
+LateError::LateError(std::string_view command)
+    : Error(Exit::kLink, fmt::format("{} was not answered in time, and was cancelled.", command),
+            "Be at the PIN pad, or wait longer with --timeout.") {}
+
+void explain(const quorvel::Error& error, std::string_view command) {
+    if (const auto* refused = dynamic_cast<const Refused*>(&error)) {
+        throw StatusError(refused->command(), refused->status());
+    }
+    const auto* ended = dynamic_cast<const Ended*>(&error);
+    if (ended != nullptr && ended->why() == Ended::Why::deadline) { throw LateError(command); }
+    // What a signal has cut short need not say what that looked like.
+    interrupt::check();
+    throw LibraryError(error);
+}
 
 }  // namespace quorvel::cli

@@ -6,7 +6,10 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
+
+#include "quorvel/quorvel.hpp"
 
 namespace quorvel::cli {
 
@@ -18,7 +21,10 @@ enum class Exit : int {
     kPort = 3,      // the port cannot be opened
     kLink = 4,      // the PIN pad does not answer, or not as it should
     kDeclined = 5,  // the sale was not approved
+    kUnknown = 6,   // nobody knows whether the sale was approved
     kInternal = 70,
+    kUnwritten = 74,  // the result could not be written
+    kHungUp = 129,
     kInterrupted = 130,
     kTerminated = 143,
 };
@@ -37,33 +43,43 @@ private:
     std::string remedy_;
 };
 
-// What the library raised; the text is without the code's name.
+// What the library raised, in words.
 class LibraryError : public Error {
 public:
-    LibraryError(int16_t code, std::string_view message);
+    explicit LibraryError(const quorvel::Error& raised);
 
-    [[nodiscard]] int16_t code() const noexcept { return code_; }
+    [[nodiscard]] ErrorCode code() const noexcept { return code_; }
 
 private:
-    int16_t code_;
+    ErrorCode code_;
 };
 
 // A status that a command does not end well with.
 class StatusError : public Error {
 public:
-    StatusError(std::string_view command, int32_t status);
+    StatusError(std::string_view command, quorvel::Status status);
 
-    [[nodiscard]] int32_t status() const noexcept { return status_; }
+    [[nodiscard]] quorvel::Status status() const noexcept { return status_; }
 
 private:
-    int32_t status_;
+    quorvel::Status status_;
 };
 
-// SIGINT or SIGTERM.
+// A wait that has lasted as long as it may.
+class LateError : public Error {
+public:
+    explicit LateError(std::string_view command);
+};
+
+// A signal that asks the program to end.
 class Interrupted : public Error {
 public:
     explicit Interrupted(Exit exit) : Error(exit, "Interrupted.") {}
 };
+
+// Throws the one that stands for what the library's interface throws in the course of a command. Who ended a wait
+// before its deadline was a signal.
+[[noreturn]] void explain(const quorvel::Error& error, std::string_view command);
 
 }  // namespace quorvel::cli
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 
-#include "quorvel/quorvel.h"
 #include "wire/status.h"
 
 namespace quorvel::cli {
@@ -90,16 +89,16 @@ constexpr std::string_view kIsItOn =
 constexpr std::string_view kReport = "This is a fault of quorvel: please report it.";
 
 constexpr std::array kErrors{
-    ErrorMeaning{KOR_RESULT_ILLEGAL_ARGUMENT, Exit::kUsage, ""},
-    ErrorMeaning{KOR_RESULT_INDEX_OUT_OF_BOUNDS, Exit::kUsage, ""},
-    ErrorMeaning{KOR_RESULT_IO_ERROR, Exit::kLink, kIsItOn},
-    ErrorMeaning{KOR_RESULT_TIMEOUT_ERROR, Exit::kLink, kIsItOn},
-    ErrorMeaning{KOR_RESULT_FILE_NOT_FOUND, Exit::kPort, kWhichPort},
-    ErrorMeaning{KOR_RESULT_DEVICE_BUSY, Exit::kPort, "Another program uses the port; `quorvel doctor` tells which."},
-    ErrorMeaning{KOR_RESULT_PERMISSION_DENIED, Exit::kPort,
+    ErrorMeaning{ErrorCode::illegal_argument, Exit::kUsage, ""},
+    ErrorMeaning{ErrorCode::index_out_of_bounds, Exit::kUsage, ""},
+    ErrorMeaning{ErrorCode::io, Exit::kLink, kIsItOn},
+    ErrorMeaning{ErrorCode::timeout, Exit::kLink, kIsItOn},
+    ErrorMeaning{ErrorCode::not_found, Exit::kPort, kWhichPort},
+    ErrorMeaning{ErrorCode::busy, Exit::kPort, "Another program uses the port; `quorvel doctor` tells which."},
+    ErrorMeaning{ErrorCode::permission, Exit::kPort,
                  "You may not open the port; `quorvel doctor` tells what to do about it."},
-    ErrorMeaning{KOR_RESULT_PROTOCOL_ERROR, Exit::kLink, "See what was said with --trace."},
-    ErrorMeaning{KOR_RESULT_CRYPT_ERROR, Exit::kLink, "See what was said with --trace."},
+    ErrorMeaning{ErrorCode::protocol, Exit::kLink, "See what was said with --trace."},
+    ErrorMeaning{ErrorCode::crypt, Exit::kLink, "See what was said with --trace."},
 };
 
 }  // namespace
@@ -114,7 +113,7 @@ StatusMeaning explain_status(int32_t code) noexcept {
     return {code, "UNKNOWN", "no status that the protocol has", ""};
 }
 
-ErrorMeaning explain_error(int16_t code) noexcept {
+ErrorMeaning explain_error(ErrorCode code) noexcept {
     const auto* found = std::ranges::find(kErrors, code, &ErrorMeaning::code);
     return found != kErrors.end() ? *found : ErrorMeaning{code, Exit::kInternal, kReport};
 }

@@ -23,12 +23,12 @@ struct StatusMeaning {
 
 // The exit code and the remedy of what the library raised.
 struct ErrorMeaning {
-    int16_t code;
+    ErrorCode code;
     Exit exit;
     std::string_view remedy;
 };
 
-[[nodiscard]] ErrorMeaning explain_error(int16_t code) noexcept;
+[[nodiscard]] ErrorMeaning explain_error(ErrorCode code) noexcept;
 
 }  // namespace quorvel::cli
 

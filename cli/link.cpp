@@ -3,16 +3,13 @@
 #include "cli/link.h"
 
 #include <fmt/format.h>
-#include <system_error>
 
-#include "cli/interrupt.h"
 #include "cli/port.h"
+#include "cli/trace.h"
 
 namespace quorvel::cli {
 
 namespace {
-
-constexpr size_t kShortMessage = 32;
 
 std::string required_port(const Settings& settings) {
     if (!settings.port.empty()) { return settings.port; }
@@ -27,69 +24,62 @@ std::string required_port(const Settings& settings) {
 }  // namespace
 
 Link::Link(const Settings& settings, Output& output) : output_(output) {
-    const std::string port = required_port(settings);
-    std::string path = port;
-    if (settings.trace) {
-        // The tap would hide why the port itself cannot be opened.
-        probe_port(port);
-        try {
-            tap_ = std::make_unique<Tap>(port, output);
-        } catch (const std::system_error& error) { throw Error(Exit::kPort, error.what()); }
-        path = tap_->path();
-    }
-    pinPad_ = call([&] { return abecs_comm_open(path.c_str()); });
-    interrupt::wake(pinPad_);
+    open(required_port(settings), settings.force);
+    open_session(settings.secure);
+}
+
+// Claimed, so that nobody else opens it meanwhile.
+void Link::open(const std::string& port, bool force) {
+    if (!force) { require_free(port); }
     try {
-        open_session(settings.secure);
-    } catch (...) {
-        interrupt::wake(nullptr);
-        call([this] { abecs_comm_close(&pinPad_); });
-        throw;
+        const interrupt::Opening opening;
+        link_.emplace(port, LinkOptions{.claim = true});
+    } catch (const quorvel::Error& error) {
+        explain_opening(port, error);
+        explain(error, "CAN");
     }
+    if (output_.traces()) {
+        trace::remark(output_, fmt::format("{} is open, and the PIN pad has confirmed CAN", port));
+    }
+    observe();
+}
+
+// A PIN pad whose encrypted session was cut off, by a cable for instance, takes plain commands for wrong ones.
+void Link::observe() {
+    link_->observe(
+        [this](const Event& event) {
+            cutOff_ |= !event.encrypted && event.status == quorvel::Status::errpktsec;
+            if (output_.traces()) { trace::tell(output_, event); }
+        },
+        output_.traces() ? Packets::shown : Packets::withheld);
+}
+
+void Link::open_session(bool secure) {
+    interrupt::check();
+    const interrupt::Exchange exchange(link_->descriptor());
+    in_words("OPN", [&] { session_.emplace(link_->open(secure ? quorvel::secure : plain)); });
+    if (cutOff_) { output_.notice("The PIN pad was still in an encrypted session that was cut off; it is ended."); }
 }
 
 // Nothing may leave a destructor, and whatever brought us here matters more than how the end went.
 Link::~Link() {
-    if (pinPad_ == nullptr) { return; }
+    if (!session_ || !session_->is_open()) { return; }
     try {
-        if (*abecs_comm_get_blk_wait_id(pinPad_) != '\0') {
-            call([this] { abecs_comm_send_can(pinPad_); });
-        }
-        if (inSession_) { close_session(); }
-    } catch (const Error& error) { output_.notice(fmt::format("The PIN pad was not left idle: {}", error.what())); }
-    interrupt::wake(nullptr);
-    try {
-        call([this] { abecs_comm_close(&pinPad_); });
-    } catch (const Error&) {}  // the port is closed in any case
-}
-
-void Link::open_session(bool secure) {
-    require_ok("OPN", answer([this, secure] { return abecs_cmd_opn(pinPad_, secure); }));
-    inSession_ = true;
-}
-
-void Link::close_session() {
-    inSession_ = false;
-    const char* text = lastText_.c_str();
-    const char* image = lastImage_.empty() ? nullptr : lastImage_.c_str();
-    const bool simple =
-        image == nullptr && lastText_.size() <= kShortMessage && lastText_.find('\r') == std::string::npos;
-    const int32_t status =
-        call([&] { return simple ? abecs_cmd_clo(pinPad_, text) : abecs_cmd_clx(pinPad_, text, image); });
-    require_ok(simple ? "CLO" : "CLX", status);
+        const interrupt::Exchange exchange(link_->descriptor());
+        session_->close(lastText_, lastImage_);
+    } catch (const std::exception& error) {
+        output_.notice(fmt::format("The PIN pad was not left idle: {}", error.what()));
+    }
 }
 
 void Link::close() {
-    close_session();
-    interrupt::wake(nullptr);
-    call([this] { abecs_comm_close(&pinPad_); });
-    pinPad_ = nullptr;
+    with_session("CLO", [this](Session& session) {
+        const auto status = session.close(lastText_, lastImage_);
+        if (!status.is_ok()) { throw Refused("CLO", status); }
+    });
+    session_.reset();
+    in_words("CLO", [this] { link_->close(); });
+    interrupt::check();
 }
-
-void Link::require_ok(std::string_view id, int32_t status) {
-    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError(id, status); }
-}
-
-void Link::interrupt_point() { interrupt::check(); }
 
 }  // namespace quorvel::cli

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cctype>
 #include <exception>
-#include <fmt/format.h>
 #include <optional>
+#include <sstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "cli/command.h"
 #include "cli/interrupt.h"
+#include "cli/option.h"
+#include "cli/stream.h"
 
 namespace quorvel::cli {
 
@@ -21,6 +22,8 @@ struct Globals {
     std::optional<std::string> config;
     bool json = false;
     bool reveal = false;
+    bool trace = false;
+    std::string traceFile;
 };
 
 void add_globals(CLI::App& app, Globals& globals) {
@@ -28,7 +31,9 @@ void add_globals(CLI::App& app, Globals& globals) {
     app.add_option("--config", globals.config, "Read this configuration file")->type_name("FILE");
     app.add_flag("--secure", globals.settings.secure, "Use an encrypted session");
     app.add_flag("--json", globals.json, "Print one JSON object");
-    app.add_flag("--trace", globals.settings.trace, "Tell in words what crosses the line");
+    app.add_flag("--trace", globals.trace, "Tell in words what crosses the line");
+    app.add_option("--trace-file", globals.traceFile, "Write the same to the end of this file")->type_name("FILE");
+    app.add_flag("--force", globals.settings.force, "Use the port although another program has it open");
     app.add_flag("--reveal", globals.reveal, "Show card numbers, tracks and PIN blocks as they are");
     app.set_version_flag("--version", QUORVEL_VERSION);
 }
@@ -73,41 +78,42 @@ const Ready* chosen(const std::vector<Ready>& ready) {
     return nullptr;
 }
 
+Exit finish(const Output& output, const Outcome& outcome) {
+    if (!outcome.raw.empty()) { return output.deliver(outcome.raw); }
+    if (outcome.failure == nullptr) { return output.result(outcome.report, outcome.exit); }
+    try {
+        std::rethrow_exception(outcome.failure);
+    } catch (const Error& error) { return output.result(outcome.report, outcome.exit, &error); }
+}
+
 Exit run(const Ready& command, Globals& globals, Output& output, const CLI::App& app) {
     try {
         complete(globals.settings, globals.config);
-        interrupt::watch();
+        if (!globals.traceFile.empty()) { output.trace_to(globals.traceFile); }
+        output.last_words({});
         Context context{globals.settings, output, app};
-        const Outcome outcome = command.run(context);
-        if (outcome.raw.empty()) {
-            output.result(outcome.report, outcome.exit);
-        } else {
-            Output::raw(outcome.raw);
-        }
-        return outcome.exit;
+        return finish(output, command.run(context));
     } catch (const Error& error) {
         output.failure(error);
         return error.exit();
+    } catch (const quorvel::Error& error) {
+        output.failure(LibraryError(error));
+        return LibraryError(error).exit();
     } catch (const std::exception& error) {
         output.failure(Error(Exit::kInternal, error.what()));
         return Exit::kInternal;
     }
 }
 
-// Names what is too much on the command line, unless it might be private: a card number, for one.
-std::string text_of(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<std::string> extras = app.remaining(true);
-    if (extras.empty()) { return error.what(); }
-    const std::string& first = extras.front();
-    const bool named = std::ranges::none_of(first, [](unsigned char c) { return std::isdigit(c) != 0; });
-    return named ? fmt::format("There is no command or option '{}' here.", first) : "An argument was not expected.";
-}
-
 // A program that asked for JSON gets it also for a command line that cannot be parsed.
 Exit refuse(const CLI::App& app, const CLI::ParseError& error, bool json) {
-    if (error.get_exit_code() == 0) { return static_cast<Exit>(app.exit(error)); }
-    Output({.json = json})
-        .failure(Error(Exit::kUsage, text_of(app, error), "See `quorvel --help` and `quorvel COMMAND --help`."));
+    const Output output({.json = json});
+    if (error.get_exit_code() == 0) {
+        std::ostringstream asked;
+        app.exit(error, asked, asked);
+        return output.deliver(asked.str());
+    }
+    output.failure(Error(Exit::kUsage, words_of(app, error), "See `quorvel --help` and `quorvel COMMAND --help`."));
     return Exit::kUsage;
 }
 
@@ -128,7 +134,10 @@ Exit run(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { return refuse(app, error, asks_for_json(argc, argv)); }
     const Ready* command = chosen(ready);
-    Output output({.json = globals.json, .reveal = globals.reveal, .command = std::string(command->name)});
+    Output output({.json = globals.json,
+                   .reveal = globals.reveal,
+                   .trace = globals.trace,
+                   .command = std::string(command->name)});
     return run(*command, globals, output, app);
 }
 
@@ -137,10 +146,12 @@ Exit run(int argc, char** argv) {
 }  // namespace quorvel::cli
 
 int main(int argc, char** argv) {
+    quorvel::cli::stream::secure();
+    quorvel::cli::interrupt::watch();
     try {
         return static_cast<int>(quorvel::cli::run(argc, argv));
     } catch (const std::exception& error) {
-        fmt::print(stderr, "quorvel: {}\n", error.what());
+        quorvel::cli::stream::write(STDERR_FILENO, std::string("quorvel: ") + error.what() + "\n");
         return static_cast<int>(quorvel::cli::Exit::kInternal);
     }
 }

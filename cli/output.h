@@ -4,14 +4,15 @@
 #define QUORVEL_CLI_OUTPUT_H
 
 #include <cstdint>
-#include <exception>
-#include <mutex>
-#include <nlohmann/json.hpp>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "cli/error.h"
 #include "cli/value.h"
+#include "wire/descriptor.h"
 
 namespace quorvel::cli {
 
@@ -23,10 +24,15 @@ public:
         bool json = false;
         // Card numbers and secrets as they are.
         bool reveal = false;
+        // What crosses the line, beside the result.
+        bool trace = false;
         std::string command = {};
     };
 
-    explicit Output(Style style) : style_(std::move(style)) {}
+    explicit Output(Style style);
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
 
     [[nodiscard]] bool reveals() const noexcept { return style_.reveal; }
 
@@ -35,13 +41,32 @@ public:
     // How far something that takes its time has come; shown on a terminal only.
     void progress(std::string_view label, uint64_t done, uint64_t total) const;
 
-    // One frame, from any thread. Part of the object with JSON, a line at once without.
-    void trace(char arrow, const Group& words);
+    // What crossed the line, or went wrong there.
+    struct Traced {
+        // When it did: "2026-07-14 09:15:02.125".
+        std::string time;
+        // > is from the host, < from the PIN pad, ! from neither.
+        char arrow = '!';
+        bool encrypted = false;
+        Group words;
+    };
+    // Has it written to this file, too, behind what stands there. Throws Error.
+    void trace_to(const std::string& path);
+    [[nodiscard]] bool traces() const noexcept { return style_.trace || traceFile_; }
+    // Part of the object with JSON, a line at once without.
+    void trace(const Traced& traced);
 
-    void result(const Group& report, Exit exit) const;
+    // Returns the exit code, which is another one where nobody got the result. Where standard error can be written, it
+    // stands there then.
+    Exit result(const Group& report, Exit exit, const Error* failure = nullptr) const;
+    // One of many, as it comes: a line, also with JSON. Throws Error when nobody gets it.
+    void line(const Group& report) const;
+    // What is said where a signal must end the program before the command has; with the signal's own exit code if there
+    // is no other.
+    void last_words(const Group& report, std::optional<Exit> exit = {}) const;
+    // The same of a text that is for no program to take apart, such as a completion script.
+    Exit deliver(const std::string& text, Exit exit = Exit::kOk) const;
     void failure(const Error& error) const;
-    // A text that is for no program to take apart, such as a completion script.
-    static void raw(std::string_view text);
 
 private:
     using Json = nlohmann::ordered_json;
@@ -54,12 +79,23 @@ private:
     [[nodiscard]] Json json_of(const Group& group) const;
     [[nodiscard]] Json json_of(const Table& table) const;
     [[nodiscard]] Json envelope(Exit exit) const;
+    [[nodiscard]] Json json_of(const Error& error) const;
+    [[nodiscard]] std::string last_text(const Group& report, Exit exit) const;
+    [[nodiscard]] Json object_of(const Group& report, Exit exit, const Error* failure) const;
     void print(const Group& group, size_t indent, std::string& to) const;
     void print(const Table& table, size_t indent, std::string& to) const;
 
+    [[nodiscard]] std::string trace_line(const Traced& traced) const;
+    // A line on standard error, below a bar that is not full yet.
+    [[nodiscard]] std::string below_bar(std::string_view text) const;
+    void say(std::string_view text) const;
+    void say_at_last(std::string_view text) const;
+
     Style style_;
-    std::mutex tracing_;
-    Json traced_ = Json::array();
+    std::optional<wire::Descriptor> traceFile_;
+    mutable bool barOpen_ = false;
+    // A list.
+    std::unique_ptr<Json> traced_;
 };
 
 }  // namespace quorvel::cli

@@ -18,7 +18,8 @@ struct Settings {
     std::string port = {};
     Origin portFrom = Origin::kNowhere;
     bool secure = false;
-    bool trace = false;
+    // Use a port that another program has open.
+    bool force = false;
     // For `sale` and `tables load`, when they name none; relative to the configuration file.
     std::string tables = {};
 };

@@ -3,7 +3,6 @@
 #include "cli/table_file.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <fmt/format.h>
 #include <fstream>
@@ -16,8 +15,7 @@ namespace quorvel::cli {
 namespace {
 
 constexpr size_t kHeadWidth = 8;
-constexpr size_t kBatchWidth = 997;
-constexpr size_t kBatchRecords = 99;
+constexpr size_t kMostWidth = 997;
 constexpr size_t kVersionWidth = 10;
 
 std::optional<int> digits(std::string_view text) {
@@ -76,28 +74,14 @@ private:
         if (static_cast<size_t>(*length) != line.size()) {
             fail(fmt::format("the record says that it has {} characters, but it has {}", *length, line.size()));
         }
-        // It may be longer than a batch can be, though no batch holds it then.
-        if (line.size() > kBatchWidth) { fail(fmt::format("a record has at most {} characters", kBatchWidth)); }
+        if (line.size() > kMostWidth) { fail(fmt::format("a record has at most {} characters", kMostWidth)); }
         const auto [first, added] = lines_.emplace(line.substr(3, 5), number_);
         if (!added) { fail(fmt::format("the same table, acquirer and index as in line {}", first->second)); }
-        add(line);
-    }
-
-    void add(std::string_view line) {
-        const bool full = inLast_ == kBatchRecords
-                          || (!file_.batches.empty() && file_.batches.back().size() + line.size() > kBatchWidth);
-        if (file_.batches.empty() || full) {
-            file_.batches.emplace_back();
-            inLast_ = 0;
-        }
-        file_.batches.back() += line;
-        ++inLast_;
-        ++file_.records;
+        file_.records.add(line);
     }
 
     const std::string& path_;
     size_t number_ = 0;
-    size_t inLast_ = 0;
     std::map<std::string, size_t, std::less<>> lines_;
     TableFile file_;
 };
@@ -107,21 +91,21 @@ private:
 TableFile TableFile::read(const std::string& path) { return Loader(path).load(); }
 
 std::string table_version(Link& link, int acquirer) {
-    std::array<char, 11> version{};
-    const int32_t status =
-        link.answer([&] { return abecs_cmd_gts(link.get(), static_cast<uint8_t>(acquirer), version.data()); });
-    return status == ABECS_RSP_STAT_ST_OK ? version.data() : "";
+    const auto answer = link.answer(Gts{static_cast<uint8_t>(acquirer)});
+    return answer.ok() ? *answer : "";
 }
 
 void load_tables(Link& link, const TableFile& file, const Output& output) {
-    const auto acquirer = static_cast<uint8_t>(file.acquirer);
-    link.ask("TLI", [&] { return abecs_cmd_tli(link.get(), acquirer, file.version.c_str()); });
-    for (size_t i = 0; i < file.batches.size(); ++i) {
-        output.progress("Loading tables", i, file.batches.size());
-        link.ask("TLR", [&] { return abecs_cmd_tlr(link.get(), file.batches[i].c_str()); });
-    }
-    link.ask("TLE", [&] { return abecs_cmd_tle(link.get()); });
-    output.progress("Loading tables", file.batches.size(), file.batches.size());
+    constexpr const char* kLabel = "Loading tables";
+    const auto progress = [&](size_t done, size_t total) {
+        interrupt::check();
+        output.progress(kLabel, done, total);
+    };
+    output.progress(kLabel, 0, std::max<size_t>(file.records.records(), 1));
+    const auto answer = link.with_session("TLR", [&](Session& session) {
+        return file.records.load(session, static_cast<uint8_t>(file.acquirer), file.version, progress);
+    });
+    if (!answer.ok()) { throw StatusError(answer.command(), answer.status()); }
 }
 
 }  // namespace quorvel::cli

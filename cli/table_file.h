@@ -4,10 +4,10 @@
 #define QUORVEL_CLI_TABLE_FILE_H
 
 #include <string>
-#include <vector>
 
 #include "cli/link.h"
 #include "cli/output.h"
+#include "quorvel/quorvel.hpp"
 
 namespace quorvel::cli {
 
@@ -15,9 +15,7 @@ namespace quorvel::cli {
 struct TableFile {
     std::string version;
     int acquirer = 0;
-    // Of up to 99 records and 997 characters each.
-    std::vector<std::string> batches;
-    size_t records = 0;
+    Tables records;
 
     // Throws Error with the line that is wrong.
     [[nodiscard]] static TableFile read(const std::string& path);

@@ -2,7 +2,8 @@
 /* Copyright (c) 2026 the quorvel authors */
 
 /*
- * Shows a text on the PIN pad, and tries again when the line or the PIN pad fails:
+ * Shows a text on the PIN pad, and tries again when the line or the PIN pad fails; while the cable is out, for as long
+ * as that takes:
  *
  *     steady /dev/ttyACM0 "CLOSED TODAY"
  */
@@ -12,6 +13,8 @@
 #include <stdlib.h>
 
 #include "quorvel/quorvel.h"
+
+#define PAUSE 500 /* milliseconds from one look for the port to the next */
 
 typedef struct Till {
     const char* port;
@@ -74,8 +77,15 @@ int main(int argc, char** argv) {
     }
     Till till = {argv[1], NULL, false};
     bool shown = try_to_show(&till, argv[2]);
-    for (int tries = 2; !shown && tries != 0; --tries) {
+    for (int tries = 2; !shown && tries != 0;) {
+        const bool opened = till.pinpad != NULL;
         make_ready(&till);
+        /* Nobody was there to refuse anything: that is no try. */
+        if (opened) {
+            --tries;
+        } else {
+            kor_thread_sleep(PAUSE);
+        }
         shown = try_to_show(&till, argv[2]);
     }
     disconnect(&till);

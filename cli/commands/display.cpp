@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
-#include <array>
-#include <cstring>
+#include <cctype>
 #include <fmt/format.h>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/command.h"
-#include "cli/items.h"
 #include "cli/link.h"
+#include "cli/text.h"
 
 namespace quorvel::cli::setup {
 
@@ -19,23 +19,15 @@ namespace {
 constexpr size_t kShortMessage = 32;
 constexpr size_t kLongMessage = 128;
 
-// What the shell hands over as "\n" is a line break for the PIN pad.
-std::string with_breaks(std::string text) {
-    for (size_t at = text.find("\\n"); at != std::string::npos; at = text.find("\\n", at)) {
-        text.replace(at, 2, "\r");
-    }
-    std::ranges::replace(text, '\n', '\r');
-    return text;
-}
-
 // The text stays when the session is over, which a short one and a long one do by different commands.
 Outcome run_display(Context& context, const std::string& given) {
-    const std::string text = with_breaks(given);
+    const std::string text = lines_to_pin_pad(given);
+    if (text.size() > kLongMessage) { throw Error(Exit::kUsage, "A text has at most 128 characters."); }
     Link link(context.settings, context.output);
     if (text.size() <= kShortMessage && text.find('\r') == std::string::npos) {
-        link.ask("DSP", [&] { return abecs_cmd_dsp(link.get(), text.c_str()); });
+        link.ask(Dsp{text});
     } else {
-        link.ask("DEX", [&] { return abecs_cmd_dex(link.get(), text.c_str()); });
+        link.ask(Dex{text});
     }
     link.leave_text(text);
     link.close();
@@ -48,132 +40,81 @@ struct MenuOptions {
     uint8_t timeout = 0;
 };
 
-using Slots = std::array<char[25], 20>;
+constexpr size_t kMostOptions = 20;
+constexpr size_t kOptionWidth = 24;
+// Of a PIN pad that is not told how long to wait, nobody knows how long it does.
+constexpr std::chrono::seconds kLongest{300};
 
 Outcome run_menu(Context& context, const MenuOptions& menu) {
-    Slots slots{};
-    for (size_t i = 0; i < menu.options.size(); ++i) {
-        const std::string& option = menu.options[i];
-        if (option.empty() || option.size() >= sizeof slots[i]) {
-            throw Error(Exit::kUsage, fmt::format("'{}' is no option: it takes 1 to 24 characters.", option));
+    for (const std::string& option : menu.options) {
+        const bool plain =
+            std::ranges::all_of(option, [](unsigned char c) { return c < 0x80 && std::isalnum(c) != 0; });
+        if (!plain || option.empty() || option.size() > kOptionWidth) {
+            throw Error(Exit::kUsage, fmt::format("'{}' is no option: it takes 1 to 24 letters and digits.", option));
         }
-        std::memcpy(slots[i], option.c_str(), option.size() + 1);
     }
-    const std::string title = with_breaks(menu.title);
+    const std::string title = lines_to_pin_pad(menu.title);
+    if (title.size() > kLongMessage) { throw Error(Exit::kUsage, "A title has at most 128 characters."); }
+    const std::vector<std::string_view> options(menu.options.begin(), menu.options.end());
+    const std::chrono::seconds timeout(menu.timeout);
     Link link(context.settings, context.output);
     context.output.notice("Choose on the PIN pad.");
-    uint32_t chosen = 0;
-    const int32_t status =
-        link.wait([&] { abecs_cmd_mnu(link.get(), menu.timeout, title.c_str(), slots.data(), menu.options.size()); },
-                  [&](char* notification) { return abecs_cmd_mnu_response(link.get(), &chosen, notification); });
-    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError("MNU", status); }
+    const uint32_t chosen = link.await(Mnu{options, title, timeout}, menu.timeout == 0 ? kLongest : timeout + kMargin);
     link.close();
     const bool known = chosen >= 1 && chosen <= menu.options.size();
     return {{{"Choice", chosen}, {"Option", known ? menu.options[chosen - 1] : "unknown"}}};
 }
 
-// The keys that GKY tells by its status.
-const char* key_name(int32_t status) {
-    switch (status) {
-        case ABECS_RSP_STAT_ST_OK:
-            return "ENTER";
-        case ABECS_RSP_STAT_ST_F1:
-            return "F1";
-        case ABECS_RSP_STAT_ST_F2:
-            return "F2";
-        case ABECS_RSP_STAT_ST_F3:
-            return "F3";
-        case ABECS_RSP_STAT_ST_F4:
-            return "F4";
-        case ABECS_RSP_STAT_ST_BACKSP:
-            return "CLEAR";
-        case ABECS_RSP_STAT_ST_CANCEL:
-            return "CANCEL";
-        default:
-            throw StatusError("GKY", status);
-    }
-}
-
-Outcome run_key(Context& context) {
+// GKY has no time-out of its own.
+Outcome run_key(Context& context, uint8_t timeout) {
     Link link(context.settings, context.output);
     context.output.notice("Press ENTER, CLEAR, CANCEL or a function key on the PIN pad.");
-    const char* key =
-        key_name(link.wait([&] { abecs_cmd_gky(link.get()); },
-                           [&](char* notification) { return abecs_cmd_gky_response(link.get(), notification); }));
+    const Key key = link.await(Gky{}, std::chrono::seconds(timeout));
     link.close();
-    return {{{"Key", key}}};
+    return {{{"Key", std::string(quorvel::name(key))}}};
 }
 
-struct EventOptions {
-    std::vector<std::string> kinds;
+struct RemoveOptions {
+    std::string message = "REMOVE THE CARD";
     uint8_t timeout = 60;
 };
 
-// A digit for keys, stripe, chip and contactless each, and two that stand for nothing.
-std::string event_options(const std::vector<std::string>& kinds) {
-    const auto has = [&](const char* kind) { return kinds.empty() || std::ranges::find(kinds, kind) != kinds.end(); };
-    const bool removal = std::ranges::find(kinds, "removal") != kinds.end();
-    if (removal && !kinds.empty() && std::ranges::find(kinds, "chip") != kinds.end()) {
-        throw Error(Exit::kUsage, "The PIN pad waits for a chip card to come or to go, not for both.");
-    }
-    return fmt::format("{:d}{:d}{}{:d}00", has("key"), has("stripe"), removal ? 1 : has("chip") ? 2 : 0, has("tap"));
-}
-
-std::string event_words(AbecsPpEvent_E event) {
-    switch (event) {
-        case ABECS_PP_EVENT_MAGNETIC_CARD:
-            return "a card was swiped";
-        case ABECS_PP_EVENT_ICC_REMOVED:
-            return "the chip card is out";
-        case ABECS_PP_EVENT_ICC_INSERTED:
-            return "a chip card is in";
-        case ABECS_PP_EVENT_CTLS_NOT_DETECTED:
-            return "there is no contactless card";
-        case ABECS_PP_EVENT_CTLS_DETECTED:
-            return "a contactless card is there";
-        case ABECS_PP_EVENT_PRESSED_KEY:
-            return "ENTER was pressed";
-        case ABECS_PP_EVENT_PRESSED_KEY_CLEAR:
-            return "CLEAR was pressed";
-        case ABECS_PP_EVENT_PRESSED_KEY_CANCEL:
-            return "CANCEL was pressed";
-        default:
-            return "a key was pressed";
-    }
-}
-
-// "ABECS_PP_EVENT_PRESSED_KEY_F1" without what they all begin with.
-std::string event_name(AbecsPpEvent_E event) {
-    return std::string(call([&] { return abecs_pp_event_to_string(event); })).substr(std::strlen("ABECS_PP_EVENT_"));
-}
-
-Outcome run_event(Context& context, const EventOptions& options) {
-    const std::string wanted = event_options(options.kinds);
-    constexpr std::array<uint8_t, 2> kMask{6, 4};
+// RMC has no time-out of its own.
+Outcome run_remove(Context& context, const RemoveOptions& options) {
+    const std::string message = to_pin_pad(options.message);
+    if (message.size() > kShortMessage) { throw Error(Exit::kUsage, "The message has at most 32 characters."); }
     Link link(context.settings, context.output);
-    Items items;
-    context.output.notice("Waiting for an event at the PIN pad.");
-    const int32_t status =
-        link.wait([&] { abecs_cmd_cex(link.get(), wanted.c_str(), &options.timeout, kMask.data()); },
-                  [&](char* notification) { return abecs_cmd_cex_response(link.get(), items.get(), notification); });
-    if (status != ABECS_RSP_STAT_ST_OK) { throw StatusError("CEX", status); }
-    const AbecsPpEvent_E event = call([&] { return abecs_cmd_cex_response_get_event(items.get()); });
+    context.output.notice("Remove the card.");
+    link.await(Rmc{message}, std::chrono::seconds(options.timeout));
     link.close();
-    Group report{{"Event", event_name(event)}, {"Meaning", event_words(event)}};
-    items.add(report, "Track 1", ABECS_RSP_DATID_PP_TRK1INC);
-    items.add(report, "Track 2", ABECS_RSP_DATID_PP_TRK2INC);
-    items.add(report, "Track 3", ABECS_RSP_DATID_PP_TRK3INC);
-    return {report};
+    return {{{"Removed", true}}};
+}
+
+struct NumberOptions {
+    uint16_t prompt = 0;
+    uint8_t fewest = 0;
+    uint8_t most = 32;
+    uint8_t timeout = 0;
+};
+
+// What somebody types may be anything, a password too.
+Outcome run_number(Context& context, const NumberOptions& options) {
+    const std::chrono::seconds timeout(options.timeout);
+    Link link(context.settings, context.output);
+    context.output.notice("Type the number on the PIN pad.");
+    const quorvel::Secret typed = link.await(Gcd{options.prompt, options.fewest, options.most, timeout},
+                                             options.timeout == 0 ? kLongest : timeout + kMargin);
+    link.close();
+    return {{{"Digits", typed.size()}, {"Number", Secret{std::string(typed.reveal())}}}};
 }
 
 }  // namespace
 
 Run display(CLI::App& app) {
     const auto text = std::make_shared<std::string>();
-    app.add_option("text", *text, "What to show; \\n begins a new line")
+    app.add_option("text", *text, "What to show, up to 128 characters; \\n begins a new line")
         ->required()
-        ->check(CLI::Validator(
-            [](std::string& given) { return given.size() > kLongMessage ? "at most 128 characters" : ""; }, ""));
+        ->type_name("TEXT");
     return [text](Context& context) { return run_display(context, *text); };
 }
 
@@ -181,21 +122,36 @@ Run menu(CLI::App& app) {
     const auto menu = std::make_shared<MenuOptions>();
     app.add_option("option", menu->options, "1 to 20 options of up to 24 letters and digits")
         ->required()
-        ->expected(1, static_cast<int>(std::tuple_size_v<Slots>));
+        ->type_name("OPTION")
+        ->expected(1, static_cast<int>(kMostOptions));
     app.add_option("--title", menu->title, "What stands above; \\n begins a new line")->type_name("TEXT");
     add_number(app, "--timeout", menu->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
     return [menu](Context& context) { return run_menu(context, *menu); };
 }
 
-Run key(CLI::App&) { return run_key; }
+Run key(CLI::App& app) {
+    const auto timeout = std::make_shared<uint8_t>(uint8_t{60});
+    add_number(app, "--timeout", *timeout, "Seconds to wait", "SECONDS", 1);
+    return [timeout](Context& context) { return run_key(context, *timeout); };
+}
 
-Run event(CLI::App& app) {
-    const auto options = std::make_shared<EventOptions>();
-    app.add_option("kind", options->kinds,
-                   "What to wait for: key, stripe, chip, tap or removal; without any, all but the last")
-        ->check(CLI::IsMember({"key", "stripe", "chip", "tap", "removal"}).description(""));
-    add_number(app, "--timeout", options->timeout, "Seconds to wait", "SECONDS");
-    return [options](Context& context) { return run_event(context, *options); };
+Run remove(CLI::App& app) {
+    const auto options = std::make_shared<RemoveOptions>();
+    app.add_option("--message", options->message, "What is shown meanwhile")->type_name("TEXT")->capture_default_str();
+    add_number(app, "--timeout", options->timeout, "Seconds to wait", "SECONDS", 1);
+    return [options](Context& context) { return run_remove(context, *options); };
+}
+
+Run number(CLI::App& app) {
+    const auto options = std::make_shared<NumberOptions>();
+    app.add_option("--prompt", options->prompt, "Index of the text that asks for it, one of the PIN pad's own")
+        ->check(number_between(0, UINT16_MAX))
+        ->type_name("INDEX")
+        ->capture_default_str();
+    add_number(app, "--min", options->fewest, "Fewest digits", "DIGITS", 0, 32);
+    add_number(app, "--max", options->most, "Most digits", "DIGITS", 0, 32);
+    add_number(app, "--timeout", options->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
+    return [options](Context& context) { return run_number(context, *options); };
 }
 
 }  // namespace quorvel::cli::setup

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <filesystem>
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 #include "cli/command.h"
 #include "cli/link.h"
@@ -42,53 +40,29 @@ private:
     Table remedies_{{"Check", "Remedy"}};
 };
 
-std::string words(const std::vector<Holder>& holders) {
-    std::string text;
-    for (const Holder& holder : holders) {
-        text += fmt::format("{}{} (process {})", text.empty() ? "" : ", ", holder.program, holder.process);
-    }
-    return text;
+// What the reason why a port cannot be used has kept from holding.
+const char* check_of(PortError::Reason reason) {
+    return reason == PortError::Reason::kMissing ? "port exists"
+           : reason == PortError::Reason::kHeld  ? "port is free"
+                                                 : "port opens";
 }
 
-// The virtual PIN pad has its own port open, as it must.
-bool is_foreign(const Holder& holder) { return holder.program != "quorvel-sim"; }
-
-std::string permission_remedy(const std::string& path) {
-    const Access access = access_of(path);
-    return fmt::format(
-        "It belongs to {}, group {}, mode {}. Join the group and log in again: sudo usermod -aG {} $USER", access.owner,
-        access.group, access.mode, access.group);
-}
-
-struct Failure {
-    std::string found;
-    std::string remedy;
-};
-
-// Why the port cannot be opened, from the general to the particular.
-Failure opening_failure(const std::string& path, const LibraryError& error, const std::vector<Holder>& holders) {
-    if (error.code() == KOR_RESULT_PERMISSION_DENIED) { return {error.what(), permission_remedy(path)}; }
-    if (error.code() == KOR_RESULT_DEVICE_BUSY) {
-        const std::string who = holders.empty() ? "a program of another user" : words(holders);
-        return {fmt::format("{} is held by {}", path, who), "End that program, or name another port."};
+// What only the settings of the line, or another device, can explain.
+Outcome no_answer(Findings& findings, const std::string& port, const LibraryError& error) {
+    findings.ok("port opens", "it exists, nobody else has it open, and it may be opened");
+    if (babbles(port)) {
+        return findings.failed(error.exit(), "answer", "the line is never silent: is this a PIN pad, at 19200?",
+                               "Unplug what sends there, and see with `quorvel ports` which port is the PIN pad's.");
     }
-    if (error.code() == KOR_RESULT_IO_ERROR) {
-        return {error.what(), "It is no serial port: see some with `quorvel ports`."};
-    }
-    return {error.what(), error.remedy()};
-}
-
-std::string silence_remedy(const std::vector<Holder>& holders) {
-    const std::string sharing = holders.empty() ? "" : fmt::format("End {}, which reads the answers. ", words(holders));
-    return sharing + "Check that the PIN pad is on, that the cable is in, that this is its port and that it speaks ABECS "
-                     "at 19200 baud; then unplug and plug it.";
+    return findings.failed(error.exit(), "answer", error.what(),
+                           "Check that the PIN pad is on, that the cable is in, that this is its port and that it "
+                           "speaks ABECS at 19200 baud; then unplug and plug it.");
 }
 
 void tell_versions(Findings& findings, Link& link) {
-    AbecsCmdGinOut who{};
-    link.ask("GIN", [&] { return abecs_cmd_gin(link.get(), 0, &who); });
-    findings.ok("versions", fmt::format("{} {}, protocol {}, software {}, library {}", who.idx00.mnName,
-                                        who.idx00.model, who.idx00.specVer, who.idx00.manVers, kor_version_project()));
+    const GinAnswer who = link.ask(Gin{});
+    findings.ok("versions", fmt::format("{} {}, protocol {}, software {}, library {}", who.manufacturer, who.model,
+                                        who.protocol_version, who.vendor_version, quorvel::version()));
 }
 
 // Plain and encrypted sessions are checked whatever the settings say: not having the latter is no failure by itself.
@@ -97,6 +71,7 @@ Outcome check_sessions(Context& context, Findings& findings) {
     settings.secure = false;
     {
         Link link(settings, context.output);
+        findings.ok("port opens", "it exists and may be opened");
         findings.ok("answer", "the PIN pad answers");
         findings.ok("session", "a session can be opened");
         tell_versions(findings, link);
@@ -123,35 +98,15 @@ Outcome run_doctor(Context& context) {
     }
     findings.ok("port named", fmt::format("{}, by {}", port, origin_name(context.settings.portFrom)));
 
-    std::error_code unseen;
-    if (!std::filesystem::exists(port, unseen)) {
-        return findings.failed(
-            Exit::kPort, "port exists", fmt::format("there is no {}", port),
-            "Plug the PIN pad in and see its port with `quorvel ports`; without one, start the virtual "
-            "PIN pad: quorvel-sim");
-    }
-    const std::vector<Holder> holders = holders_of(port);
     try {
-        probe_port(port);
-    } catch (const LibraryError& error) {
-        const Failure failure = opening_failure(port, error, holders);
-        return findings.failed(Exit::kPort, "port opens", failure.found, failure.remedy);
-    }
-    findings.ok("port opens", "it exists and may be opened");
-
-    std::vector<Holder> foreign;
-    std::ranges::copy_if(holders, std::back_inserter(foreign), is_foreign);
-    if (foreign.empty()) {
-        findings.ok("port is free", holders.empty() ? "no other program has it open" : "the virtual PIN pad has it");
-    } else {
-        findings.remark("port is free", fmt::format("also open in {}", words(foreign)),
-                        "Two programs on one port steal each other's answers: end the other one.");
-    }
-    try {
+        if (!context.settings.force) {
+            require_free(port);
+            findings.ok("port is free", "no other program has it open");
+        }
         return check_sessions(context, findings);
-    } catch (const LibraryError& error) {
-        return findings.failed(error.exit(), "answer", error.what(), silence_remedy(foreign));
-    } catch (const StatusError& error) {
+    } catch (const PortError& error) {
+        return findings.failed(error.exit(), check_of(error.reason()), error.what(), error.remedy());
+    } catch (const LibraryError& error) { return no_answer(findings, port, error); } catch (const StatusError& error) {
         return findings.failed(error.exit(), "session", error.what(), error.remedy());
     }
 }

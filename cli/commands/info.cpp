@@ -7,6 +7,7 @@
 #include "cli/command.h"
 #include "cli/items.h"
 #include "cli/link.h"
+#include "wire/param_id.h"
 
 namespace quorvel::cli::setup {
 
@@ -50,7 +51,7 @@ bool all_digits(const std::string& text) { return text.find_first_not_of("012345
 
 void add_sizes(Group& report, const Items& items) {
     const auto add = [&](const char* label, uint16_t id, std::string (*words)(const std::string&)) {
-        const std::string digits = items.raw(id);
+        const std::string digits(items.text(id).value_or(""));
         if (items.has(id)) { report.push_back({label, all_digits(digits) ? words(digits) : digits}); }
     };
     add("Text display", ABECS_RSP_DATID_PP_DSPTXTSZ, text_size);
@@ -58,21 +59,16 @@ void add_sizes(Group& report, const Items& items) {
     add("Media formats", ABECS_RSP_DATID_PP_MFSUP, media_formats);
 }
 
-void ask(Link& link, const std::vector<int32_t>& ids, Items& items) {
-    link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });
-}
-
 Outcome run_info(Context& context) {
     Link link(context.settings, context.output);
     std::vector<int32_t> ids{ABECS_CMD_GIX_ID_PP_DSPTXTSZ, ABECS_CMD_GIX_ID_PP_DSPGRSZ, ABECS_CMD_GIX_ID_PP_MFSUP};
     for (const Wanted& item : kWanted) { ids.push_back(item.id); }
-    Items items;
-    ask(link, ids, items);
+    const Items items = link.ask(Gix{ids});
     link.close();
     Group report;
-    for (const Wanted& item : kWanted) { items.add(report, item.label, static_cast<uint16_t>(item.id)); }
+    for (const Wanted& item : kWanted) { add_item(report, item.label, items, static_cast<uint16_t>(item.id)); }
     add_sizes(report, items);
-    report.push_back({"Library version", kor_version_project()});
+    report.push_back({"Library version", std::string(quorvel::version())});
     return {report};
 }
 
@@ -86,14 +82,16 @@ Outcome run_gix(Context& context, const std::vector<std::string>& names) {
         ids.push_back(*id);
     }
     Link link(context.settings, context.output);
-    Items items;
-    ask(link, ids, items);
+    const Items items = link.ask(Gix{ids});
     link.close();
     Group report;
-    for (const uint16_t id : items.ids()) { report.push_back({item_name(id), items.value(id), item_name(id)}); }
+    const auto add = [&](int32_t id, const auto& value) {
+        const std::string name = wire::param_name(static_cast<uint16_t>(id));
+        report.push_back({name, value, name});
+    };
+    for (const int32_t id : items.ids()) { add(id, item_value(items, static_cast<uint16_t>(id))); }
     for (const int32_t id : ids) {
-        const auto asked = static_cast<uint16_t>(id);
-        if (!items.has(asked)) { report.push_back({item_name(asked), "not told", item_name(asked)}); }
+        if (!items.has(id)) { add(id, "not told"); }
     }
     return {report};
 }
@@ -104,7 +102,8 @@ Run info(CLI::App&) { return run_info; }
 
 Run gix(CLI::App& app) {
     const auto names = std::make_shared<std::vector<std::string>>();
-    app.add_option("item", *names, "SERNUM, TABVER0, 0x8001, ...; without any, all that the PIN pad tells");
+    app.add_option("item", *names, "SERNUM, TABVER0, 0x8001, ...; without any, all that the PIN pad tells")
+        ->type_name("ITEM");
     return [names](Context& context) { return run_gix(context, *names); };
 }
 

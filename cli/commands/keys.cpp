@@ -31,31 +31,27 @@ constexpr std::array kFamilies{
     Family{ABECS_CMD_GIX_ID_PP_DKPTTDESD, "DUKPT", "triple DES", "data"},
 };
 
-std::string reason(int32_t status) {
-    return status == ABECS_RSP_STAT_ST_ERRKEY ? "not told" : fmt::format("status {:03}", status);
+std::string reason(quorvel::Status status) {
+    return status == quorvel::Status::key_missing ? "not told" : fmt::format("status {:03}", status.code());
 }
 
-std::string pin_ksn(Link& link, AbecsCmdGduMethod_E method, size_t slot) {
-    std::array<char, 21> ksn{};
-    const int32_t status =
-        link.answer([&] { return abecs_cmd_gdu(link.get(), method, static_cast<uint8_t>(slot), ksn.data()); });
-    return status == ABECS_RSP_STAT_ST_OK ? ksn.data() : reason(status);
+std::string pin_ksn(Link& link, Gdu::Method method, size_t slot) {
+    const auto answer = link.answer(Gdu{method, static_cast<uint8_t>(slot)});
+    return answer.ok() ? *answer : reason(answer.status());
 }
 
 // GDU knows the keys for PINs only.
 Value data_ksn(Link& link, size_t slot) {
     const int32_t id = ABECS_CMD_GIX_ID_PP_KSNTDESD0 + static_cast<int32_t>(slot);
-    Items items;
-    link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), &id, 1, items.get()); });
-    return items.value(static_cast<uint16_t>(id));
+    return item_value(link.ask(Gix{std::span(&id, 1)}), static_cast<uint16_t>(id));
 }
 
 Value ksn(Link& link, const Family& family, size_t slot) {
     switch (family.map) {
         case ABECS_CMD_GIX_ID_PP_DKPTDESP:
-            return pin_ksn(link, ABECS_CMD_GDU_METHOD_2, slot);
+            return pin_ksn(link, Gdu::Method::des, slot);
         case ABECS_CMD_GIX_ID_PP_DKPTTDESP:
-            return pin_ksn(link, ABECS_CMD_GDU_METHOD_3, slot);
+            return pin_ksn(link, Gdu::Method::tdes, slot);
         case ABECS_CMD_GIX_ID_PP_DKPTTDESD:
             return data_ksn(link, slot);
         default:
@@ -68,11 +64,10 @@ Outcome run_keys(Context& context) {
     std::vector<int32_t> ids;
     ids.reserve(kFamilies.size());
     for (const Family& family : kFamilies) { ids.push_back(family.map); }
-    Items items;
-    link.ask("GIX", [&] { return abecs_cmd_gix(link.get(), ids.data(), ids.size(), items.get()); });
+    const Items items = link.ask(Gix{ids});
     Table table{{"Kind", "Cipher", "Use", "Index", "Key serial number"}};
     for (const Family& family : kFamilies) {
-        const std::string slots = items.raw(static_cast<uint16_t>(family.map));
+        const std::string slots(items.text(family.map).value_or(""));
         for (size_t slot = 0; slot < slots.size(); ++slot) {
             if (slots[slot] != '1') { continue; }
             table.rows.push_back({family.kind, family.cipher, family.use, slot, ksn(link, family, slot)});

@@ -6,14 +6,14 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
-#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/command.h"
 #include "cli/link.h"
-#include "cli/names.h"
+#include "wire/crc.h"
 
 namespace quorvel::cli::setup {
 
@@ -22,9 +22,21 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t kNameWidth = 8;
-constexpr size_t kBlockSize = 995;
 
-const std::map<std::string, uint8_t> kTypes{{".png", 1}, {".jpg", 2}, {".jpeg", 2}, {".gif", 3}};
+// What a file of each type begins with.
+struct MediaType {
+    std::string_view name;
+    std::string_view title;
+    uint8_t number;
+    std::string_view signature;
+};
+
+constexpr std::array kTypes{
+    MediaType{"png", "PNG", 1, "\x89PNG\r\n\x1A\n"},
+    MediaType{"jpg", "JPEG", 2, "\xFF\xD8\xFF"},
+    MediaType{"jpeg", "JPEG", 2, "\xFF\xD8\xFF"},
+    MediaType{"gif", "GIF", 3, "GIF8"},
+};
 
 std::string lower(std::string text) {
     std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -47,16 +59,6 @@ std::string media_name(const PutOptions& options) {
     return name;
 }
 
-uint8_t media_type(const PutOptions& options) {
-    const std::string suffix =
-        options.type.empty() ? lower(fs::path(options.file).extension().string()) : "." + lower(options.type);
-    const auto found = kTypes.find(suffix);
-    if (found == kTypes.end()) {
-        throw Error(Exit::kUsage, fmt::format("'{}' tells no format.", suffix), "Name it: --type png, jpg or gif");
-    }
-    return found->second;
-}
-
 std::vector<uint8_t> contents(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -65,40 +67,50 @@ std::vector<uint8_t> contents(const std::string& path) {
     return bytes;
 }
 
-// Step by step, in place of the library's one call, for the sake of the bar.
-Outcome run_put(Context& context, const PutOptions& options) {
-    const std::string name = media_name(options);
-    const uint8_t type = media_type(options);
-    const std::vector<uint8_t> bytes = contents(options.file);
-    const auto size = static_cast<uint32_t>(bytes.size());
-    const uint16_t crc = call([&] { return abecs_cmd_mlx_crc16(options.file.c_str()); });
-    Link link(context.settings, context.output);
-    link.ask("MLI", [&] { return abecs_cmd_mli(link.get(), name.c_str(), size, crc, type); });
-    for (size_t sent = 0; sent < bytes.size();) {
-        context.output.progress(name, sent, bytes.size());
-        const size_t count = std::min(kBlockSize, bytes.size() - sent);
-        link.ask("MLR", [&] { return abecs_cmd_mlr(link.get(), bytes.data() + sent, count); });
-        sent += count;
+// The one that is named, by the option or by the file's name, which the contents must not contradict.
+uint8_t media_type(const PutOptions& options, const std::vector<uint8_t>& bytes) {
+    const std::string suffix = lower(fs::path(options.file).extension().string());
+    const std::string named = options.type.empty() && !suffix.empty() ? suffix.substr(1) : options.type;
+    const auto* type = std::ranges::find(kTypes, std::string_view(named), &MediaType::name);
+    if (type == kTypes.end()) {
+        throw Error(Exit::kUsage, fmt::format("'{}' tells no format.", suffix), "Name it: --type png, jpg or gif");
     }
-    link.ask("MLE", [&] { return abecs_cmd_mle(link.get()); });
-    context.output.progress(name, bytes.size(), bytes.size());
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (!text.starts_with(type->signature)) {
+        throw Error(Exit::kUsage, fmt::format("{} is no {} image.", options.file, type->title),
+                    "The PIN pad would refuse it, or show nothing. Convert it, or name its format with --type.");
+    }
+    return type->number;
+}
+
+Outcome run_put(Context& context, const PutOptions& options) {
+    const std::vector<uint8_t> bytes = contents(options.file);
+    const uint8_t type = media_type(options, bytes);
+    const std::string name = media_name(options);
+    const auto progress = [&](size_t done, size_t total) {
+        interrupt::check();
+        context.output.progress(name, done, total);
+    };
+    Link link(context.settings, context.output);
+    context.output.progress(name, 0, bytes.size());
+    Link::value_of(
+        link.with_session("MLR", [&](Session& session) { return Media::put(session, name, type, bytes, progress); }));
     link.close();
-    return {{{"Name", name}, {"Size", size}, {"CRC", fmt::format("{:04X}", crc)}}};
+    return {{{"Name", name}, {"Size", bytes.size()}, {"CRC", fmt::format("{:04X}", wire::crc16(bytes))}}};
 }
 
 Outcome run_list(Context& context) {
     Link link(context.settings, context.output);
-    const Names names;
-    link.ask("LMF", [&] { return abecs_cmd_lmf(link.get(), names.get()); });
+    const std::vector<std::string> names = link.ask(Lmf{});
     link.close();
     Table table{{"Name"}};
-    for (const std::string& name : names.all()) { table.rows.push_back({name}); }
+    for (const std::string& name : names) { table.rows.push_back({name}); }
     return {{{"Files", table}}};
 }
 
 Outcome run_show(Context& context, const std::string& name) {
     Link link(context.settings, context.output);
-    link.ask("DSI", [&] { return abecs_cmd_dsi(link.get(), name.c_str()); });
+    link.ask(Dsi{name});
     link.leave_image(name);
     link.close();
     return {{{"Shown", name}}};
@@ -106,13 +118,10 @@ Outcome run_show(Context& context, const std::string& name) {
 
 Outcome run_delete(Context& context, const std::vector<std::string>& names) {
     Link link(context.settings, context.output);
-    Names list;
+    const std::vector<std::string_view> files(names.begin(), names.end());
     Table table{{"Name"}};
-    for (const std::string& name : names) {
-        list.add(name);
-        table.rows.push_back({name});
-    }
-    link.ask("DMF", [&] { return abecs_cmd_dmf(link.get(), list.get()); });
+    for (const std::string& name : names) { table.rows.push_back({name}); }
+    link.ask(Dmf{files});
     link.close();
     return {{{"Deleted", table}}};
 }
@@ -121,9 +130,9 @@ Outcome run_delete(Context& context, const std::vector<std::string>& names) {
 
 Run media_put(CLI::App& app) {
     const auto options = std::make_shared<PutOptions>();
-    app.add_option("file", options->file, "An image of a format that the PIN pad takes")->required();
+    app.add_option("file", options->file, "An image of a format that the PIN pad takes")->required()->type_name("FILE");
     app.add_option("--name", options->name, "Its name in the PIN pad, else that of the file")->type_name("NAME");
-    app.add_option("--type", options->type, "png, jpg or gif, else what the file's name says")->type_name("TYPE");
+    add_word(app, "--type", options->type, {"png", "jpg", "jpeg", "gif"}, "Its format, else what the file's name says");
     return [options](Context& context) { return run_put(context, *options); };
 }
 
@@ -131,13 +140,13 @@ Run media_list(CLI::App&) { return run_list; }
 
 Run media_show(CLI::App& app) {
     const auto name = std::make_shared<std::string>();
-    app.add_option("name", *name, "The file's name in the PIN pad")->required();
+    app.add_option("name", *name, "The file's name in the PIN pad")->required()->type_name("NAME");
     return [name](Context& context) { return run_show(context, *name); };
 }
 
 Run media_delete(CLI::App& app) {
     const auto names = std::make_shared<std::vector<std::string>>();
-    app.add_option("name", *names, "The files' names in the PIN pad")->required();
+    app.add_option("name", *names, "The files' names in the PIN pad")->required()->type_name("NAME");
     return [names](Context& context) { return run_delete(context, *names); };
 }
 

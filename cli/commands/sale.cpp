@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <algorithm>
-#include <cctype>
+#include <array>
+#include <exception>
 #include <fmt/format.h>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "cli/amount.h"
 #include "cli/command.h"
@@ -20,8 +21,8 @@ namespace {
 // What the acquirer that is played here does.
 enum class Host { kApproves, kDeclines, kUnreachable };
 
-const std::map<std::string, Host> kHosts{
-    {"approves", Host::kApproves}, {"declines", Host::kDeclines}, {"unreachable", Host::kUnreachable}};
+constexpr auto kHosts = std::to_array<std::pair<std::string_view, Host>>(
+    {{"approves", Host::kApproves}, {"declines", Host::kDeclines}, {"unreachable", Host::kUnreachable}});
 
 struct SaleOptions {
     std::string amount;
@@ -34,33 +35,25 @@ struct SaleOptions {
     bool keepCard = false;
 };
 
-// The first digit of PP_GOXRES.
-enum class Decision { kApproved, kDeclined, kOnline };
-
-// PP_GOXRES, a digit for each.
-struct GoResult {
-    Decision decision = Decision::kDeclined;
-    bool signature = false;
-    bool pinOffline = false;
-    bool pinBlocked = false;
-    bool pinOnline = false;
-
-    static GoResult of(const std::string& digits) {
-        const bool known = digits.size() >= 6 && digits[0] >= '0' && digits[0] <= '2';
-        if (!known) { throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided."); }
-        return {static_cast<Decision>(digits[0] - '0'), digits[1] != '0', digits[2] != '0', digits[4] != '0',
-                digits[5] != '0'};
-    }
-};
-
-std::string verification_words(const GoResult& result) {
-    if (result.pinBlocked) { return "the card's PIN is blocked"; }
-    if (result.pinOnline) { return "PIN, for the acquirer to check"; }
-    if (result.pinOffline) { return "PIN, checked by the card"; }
+std::string verification_words(const GoxAnswer& result) {
+    if (result.pin_blocked) { return "the card's PIN is blocked"; }
+    if (result.pin_online) { return "PIN, for the acquirer to check"; }
+    if (result.pin_offline) { return "PIN, checked by the card"; }
     return result.signature ? "signature" : "none asked for";
 }
 
-// One sale, step by step; each tells the user what comes and leaves a line in the report.
+enum class Ending { kApproved, kDeclined, kUnknown };
+
+constexpr const char* kEndings[]{"approved", "declined", "unknown"};
+
+// What an acquirer wants to see; never the card number nor the track.
+Tags authorisation_tags() {
+    return {0x5F24, 0x84,   0x82,   0x95,   0x9A,   0x9C,   0x5F2A, 0x5F34, 0x9F02, 0x9F03,
+            0x9F10, 0x9F1A, 0x9F26, 0x9F27, 0x9F33, 0x9F34, 0x9F35, 0x9F36, 0x9F37};
+}
+
+// One sale, step by step; each tells the user what comes and leaves a line in the report. From the acquirer's yes on
+// money may have moved, so whatever happens then ends in a report that says what has become of it.
 class Sale {
 public:
     Sale(Context& context, const SaleOptions& options)
@@ -68,6 +61,7 @@ public:
           options_(options),
           amount_(parse_amount(options.amount)),
           floorLimit_(parse_amount(options.floorLimit)),
+          timeout_(options.timeout),
           tables_(options.tables.empty() ? context.settings.tables : options.tables) {
         if (floorLimit_ > UINT32_MAX) { throw Error(Exit::kUsage, "The floor limit is too high."); }
         if (!tables_.empty()) { file_ = TableFile::read(tables_); }
@@ -75,26 +69,54 @@ public:
     }
 
     Outcome run() {
-        prepare_tables();
-        take_card();
-        const bool approved = runs_emv(type_) ? decide_with_card() : ask_acquirer("the card's data");
-        const char* outcome = approved ? "APPROVED" : "DECLINED";
-        give_back(outcome);
-        link_->leave_text(outcome);
-        link_->close();
-        Group report{
-            {"Outcome", outcome}, {"Amount", amount_words(amount_)}, {"Steps", steps_}, {"Card", card_group(card_)}};
-        for (Field& field : details_) { report.push_back(std::move(field)); }
-        return {std::move(report), approved ? Exit::kOk : Exit::kDeclined};
+        try {
+            prepare_tables();
+            take_card();
+            if (runs_emv(*card_->type)) {
+                decide_with_card();
+            } else {
+                ask_acquirer("the card's data");
+                end(authorised_ ? Ending::kApproved : Ending::kDeclined, "the acquirer has said so");
+            }
+        } catch (const Error& error) { fail(error); }
+        give_back();
+        say_goodbye();
+        return outcome();
     }
 
 private:
-    void step(const char* command, const char* what, std::string result) {
+    void step(const std::string& command, const char* what, std::string result) {
         steps_.rows.push_back({steps_.rows.size() + 1, command, what, std::move(result)});
+    }
+
+    // Before each step that may fail: what it would leave unsaid.
+    void begin(const char* command) {
+        at_ = command;
+        output_.last_words(report(), authorised_ ? std::optional(Exit::kUnknown) : std::nullopt);
+    }
+
+    void end(Ending ending, std::string_view why) {
+        ending_ = ending;
+        why_ = why;
+        output_.last_words(report(), exit_of(ending));
+    }
+
+    // What an error means for the money: nothing before the acquirer's yes, and after it what can be said of the
+    // command that has failed.
+    void fail(const Error& error) {
+        failure_ = std::current_exception();
+        failedWith_ = error.exit();
+        lineLost_ = dynamic_cast<const LibraryError*>(&error) != nullptr;
+        step(at_, "Failed", error.what());
+        if (!authorised_) { return end(Ending::kDeclined, "no acquirer has authorised it"); }
+        const auto* refused = dynamic_cast<const StatusError*>(&error);
+        const auto repeat = repeat_safety(at_, refused != nullptr ? Failure::refused : Failure::lost);
+        end(refused != nullptr ? Ending::kDeclined : Ending::kUnknown, repeat.why);
     }
 
     void prepare_tables() {
         if (!file_) { return; }
+        begin("TLI");
         const bool due = table_version(*link_, file_->acquirer) != file_->version;
         if (due) { load_tables(*link_, *file_, output_); }
         step(due ? "TLI TLR TLE" : "GTS", "Load the acquirer tables",
@@ -102,101 +124,152 @@ private:
     }
 
     void take_card() {
+        begin("GCX");
         output_.notice(fmt::format("{}: insert, swipe or tap the card.", amount_words(amount_)));
         const CardRequest request{
-            .amount = amount_, .currency = options_.currency, .timeout = options_.timeout, .whole = output_.reveals()};
-        read_card(*link_, request, card_);
-        type_ = card_type(card_);
-        step("GCX", "Read the card", card_type_words(type_));
+            .amount = amount_, .currency = options_.currency, .timeout = timeout_, .whole = output_.reveals()};
+        card_ = read_card(*link_, request);
+        step("GCX", "Read the card", card_type_words(*card_->type));
     }
 
-    // The first two digits of PP_AIDTABINFO.
     [[nodiscard]] uint8_t acquirer() const {
-        const std::string record = card_.raw(ABECS_RSP_DATID_PP_AIDTABINFO);
-        const bool known = record.size() >= 2 && std::isdigit(static_cast<unsigned char>(record[0])) != 0
-                           && std::isdigit(static_cast<unsigned char>(record[1])) != 0;
-        if (!known) { throw Error(Exit::kLink, "The PIN pad does not tell which table record the card has selected."); }
-        return static_cast<uint8_t>(std::stoi(record.substr(0, 2)));
+        if (const auto index = card_->acquirer()) { return *index; }
+        throw Error(Exit::kLink, "The PIN pad does not tell which table record the card has selected.");
     }
 
-    bool decide_with_card() {
+    void decide_with_card() {
+        begin("GOX");
         output_.notice("Follow the PIN pad: it may ask for the PIN.");
-        Items decision;
-        go_on_chip(*link_,
-                   {.amount = amount_,
-                    .currency = options_.currency,
-                    .acquirer = acquirer(),
-                    .floorLimit = static_cast<uint32_t>(floorLimit_),
-                    .pinKey = options_.pinKey},
-                   decision);
-        const GoResult result = GoResult::of(decision.raw(ABECS_RSP_DATID_PP_GOXRES));
+        const GoxAnswer result = link_->await(Gox{.acquirer = acquirer(),
+                                                  .key_index = options_.pinKey,
+                                                  .type = 0,
+                                                  .amount = amount_,
+                                                  .currency = options_.currency,
+                                                  .risk = risk(static_cast<uint32_t>(floorLimit_)),
+                                                  .tags = authorisation_tags(),
+                                                  .timeout = timeout_},
+                                              timeout_ + kMargin);
         details_.push_back({"Verification", verification_words(result)});
-        decision.add(details_, "PIN block", ABECS_RSP_DATID_PP_PINBLK);
-        decision.add(details_, "Key serial number", ABECS_RSP_DATID_PP_KSN);
-        decision.add(details_, "Card to acquirer", ABECS_RSP_DATID_PP_EMVDATA);
-        switch (result.decision) {
-            case Decision::kApproved:
+        add_item(details_, "PIN block", result.items, ABECS_RSP_DATID_PP_PINBLK);
+        add_item(details_, "Key serial number", result.items, ABECS_RSP_DATID_PP_KSN);
+        add_item(details_, "Card to acquirer", result.items, ABECS_RSP_DATID_PP_EMVDATA);
+        if (!result.decision) { throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided."); }
+        switch (*result.decision) {
+            case GoxAnswer::Decision::approved:
                 step("GOX", "The card decides", "approved without the acquirer");
-                return true;
-            case Decision::kDeclined:
+                return end(Ending::kApproved, "the card has approved it without the acquirer");
+            case GoxAnswer::Decision::declined:
                 step("GOX", "The card decides", "declined without the acquirer");
-                return false;
-            case Decision::kOnline:
+                return end(Ending::kDeclined, "the card has declined it without the acquirer");
+            case GoxAnswer::Decision::online:
                 break;
         }
         step("GOX", "The card decides", "the acquirer must be asked");
-        const bool approved = ask_acquirer("the card's cryptogram");
-        return type_ == CardType::kChip ? finish() : approved;
+        ask_acquirer("the card's cryptogram");
+        if (card_->type == CardType::chip) { return finish(); }
+        end(authorised_ ? Ending::kApproved : Ending::kDeclined, "the acquirer has said so");
     }
 
-    [[nodiscard]] std::optional<std::string> response_code() const {
+    [[nodiscard]] std::optional<std::string_view> response_code() const {
         if (options_.host == Host::kUnreachable) { return std::nullopt; }
         return options_.host == Host::kApproves ? "00" : "05";
     }
 
     // Nobody is asked: this is where an application would send its own message.
-    bool ask_acquirer(const char* with) {
+    void ask_acquirer(const char* with) {
         const auto code = response_code();
-        const bool approved = options_.host == Host::kApproves;
+        authorised_ = options_.host == Host::kApproves;
         step("-", "Ask the acquirer (played here)",
-             code ? fmt::format("gets {}, {} with code {}", with, approved ? "approves" : "declines", *code)
+             code ? fmt::format("gets {}, {} with code {}", with, authorised_ ? "approves" : "declines", *code)
                   : "cannot be reached");
-        return approved;
     }
 
-    bool finish() {
-        Items decision;
-        finish_chip(*link_, response_code(), decision);
-        decision.add(details_, "Card at the end", ABECS_RSP_DATID_PP_EMVDATA);
-        decision.add(details_, "Issuer script results", ABECS_RSP_DATID_PP_ISRESULTS);
-        const auto result = decision.number(ABECS_RSP_DATID_PP_FCXRES);
-        if (!result) { throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided in the end."); }
-        step("FCX", "Tell the card, which has the last word",
-             *result == 0   ? "approved"
-             : *result == 1 ? "declined by the card"
-                            : "declined by the acquirer");
-        return *result == 0;
+    void finish() {
+        begin("FCX");
+        const FcxAnswer result = link_->await(
+            Fcx{.response_code = response_code(), .tags = Tags{0x8A, 0x95, 0x9B, 0x9F26, 0x9F27}, .timeout = timeout_},
+            timeout_ + kMargin);
+        add_item(details_, "Card at the end", result.items, ABECS_RSP_DATID_PP_EMVDATA);
+        add_item(details_, "Issuer script results", result.items, ABECS_RSP_DATID_PP_ISRESULTS);
+        if (!result.decision) {
+            throw Error(Exit::kLink, "The PIN pad does not tell what the card has decided in the end.");
+        }
+        constexpr const char* kWords[]{"approved", "declined by the card", "declined by the acquirer"};
+        const char* words = kWords[static_cast<size_t>(*result.decision)];
+        step("FCX", "Tell the card, which has the last word", words);
+        const bool approved = *result.decision == FcxAnswer::Decision::approved;
+        end(approved ? Ending::kApproved : Ending::kDeclined, approved ? "the card has approved it" : words);
     }
 
-    void give_back(const char* outcome) {
-        if (type_ != CardType::kChip || options_.keepCard) { return; }
-        output_.notice("Remove the card.");
-        const std::string message = fmt::format("{:<16}REMOVE THE CARD", outcome);
-        const int32_t status =
-            link_->wait([&] { abecs_cmd_rmc(link_->get(), message.c_str()); },
-                        [&](char* notification) { return abecs_cmd_rmc_response(link_->get(), notification); });
-        step("RMC", "Have the card removed", status == ABECS_RSP_STAT_ST_OK ? "removed" : "still there");
+    // What the PIN pad shows at the end, where the sale came to one.
+    [[nodiscard]] const char* shown() const {
+        return ending_ == Ending::kApproved ? "APPROVED" : failure_ != nullptr ? "" : "DECLINED";
+    }
+
+    // The outcome stands, whatever comes of this.
+    void give_back() {
+        const bool inside = card_ ? card_->type == CardType::chip : false;
+        if (!inside || options_.keepCard || lineLost_ || interrupt::requested()) { return; }
+        try {
+            begin("RMC");
+            output_.notice("Remove the card.");
+            const std::string message = fmt::format("{:<16}REMOVE THE CARD", shown());
+            const auto status = link_->wait(Rmc{message}, timeout_).status();
+            step("RMC", "Have the card removed", status.is_ok() ? "removed" : "still there");
+        } catch (const Error& error) { step("RMC", "Have the card removed", error.what()); }
+    }
+
+    void say_goodbye() {
+        link_->leave_text(shown());
+        try {
+            if (!lineLost_) { link_->close(); }
+        } catch (const Interrupted&) {  // the outcome stands
+        } catch (const Error& error) { output_.notice(fmt::format("The session was not closed: {}", error.what())); }
+        link_.reset();
+    }
+
+    [[nodiscard]] static Exit exit_of(Ending ending) {
+        return ending == Ending::kApproved ? Exit::kOk : ending == Ending::kDeclined ? Exit::kDeclined : Exit::kUnknown;
+    }
+
+    // As far as it has come. Until an ending is known it is the one that would be without another word.
+    [[nodiscard]] Group report() const {
+        const Ending ending = ending_.value_or(authorised_ ? Ending::kUnknown : Ending::kDeclined);
+        const bool reverse = authorised_ && ending != Ending::kApproved;
+        Group report{{"Outcome", kEndings[static_cast<size_t>(ending)]},
+                     {"Amount", amount_words(amount_)},
+                     {"Authorised", authorised_},
+                     {"Reverse", reverse},
+                     {"Why", ending_ ? why_ : std::string(authorised_ ? "it was cut off: reverse" : "it was cut off")},
+                     {"Steps", steps_}};
+        if (card_ && card_->type) { report.push_back({"Card", card_group(*card_)}); }
+        report.insert(report.end(), details_.begin(), details_.end());
+        return report;
+    }
+
+    // An error before the acquirer's yes is told as one of any command; after it the outcome counts.
+    [[nodiscard]] Outcome outcome() const {
+        const bool early = failure_ != nullptr && !authorised_;
+        return {.report = report(), .exit = early ? failedWith_ : exit_of(*ending_), .failure = failure_};
     }
 
     Output& output_;
     const SaleOptions& options_;
     const uint64_t amount_;
     const uint64_t floorLimit_;
+    const std::chrono::seconds timeout_;
     const std::string tables_;
     std::optional<TableFile> file_;
     std::optional<Link> link_;
-    Items card_;
-    CardType type_ = CardType::kStripe;
+    std::optional<CardAnswer> card_;
+    bool authorised_ = false;
+    // The command that is on its way.
+    std::string at_;
+    std::optional<Ending> ending_;
+    std::string why_;
+    std::exception_ptr failure_;
+    Exit failedWith_ = Exit::kOk;
+    bool lineLost_ = false;
     Group details_;
     Table steps_{{"No", "Command", "Step", "Result"}};
 };
@@ -212,12 +285,10 @@ Run sale(CLI::App& app) {
         ->capture_default_str();
     app.add_option("--tables", options->tables, "Load this file first if the PIN pad has another version")
         ->type_name("FILE");
-    app.add_option("--host", options->host, "What the acquirer that is played does: approves, declines or unreachable")
-        ->transform(CLI::CheckedTransformer(kHosts).description(""))
-        ->type_name("ANSWER")
-        ->default_str("approves");
+    add_choice<Host>(app, "--host", options->host, kHosts, "What the acquirer that is played here answers");
     add_number(app, "--pin-key", options->pinKey, "Index of the triple DES DUKPT key for the PIN", "INDEX", 0, 99);
-    add_number(app, "--timeout", options->timeout, "Seconds to wait for the card", "SECONDS");
+    add_number(app, "--timeout", options->timeout, "Seconds to wait for the card, and for each that follows", "SECONDS",
+               1);
     app.add_flag("--keep-card", options->keepCard, "Do not wait until the card is removed");
     return [options](Context& context) { return Sale(context, *options).run(); };
 }

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "cli/command.h"
+#include "cli/secret.h"
 #include "cli/table_file.h"
 
 namespace quorvel::cli::setup {
@@ -15,7 +17,17 @@ namespace {
 struct LoadOptions {
     std::string file;
     bool ifNewer = false;
+    bool yes = false;
 };
+
+// A file without records makes the PIN pad forget those that it has, and take no card any more.
+void confirm_wiping(const TableFile& file, bool yes) {
+    if (file.records.records() > 0 || yes) { return; }
+    const Error refused(Exit::kUsage, "The file has no records: loading it wipes the tables of the PIN pad.",
+                        "If that is meant, say so with --yes.");
+    if (isatty(STDIN_FILENO) != 1) { throw refused; }
+    if (ask("The file has no records. Wipe the tables of the PIN pad? [y/N] ") != "y") { throw refused; }
+}
 
 Outcome run_load(Context& context, const LoadOptions& options) {
     const std::string& path = options.file.empty() ? context.settings.tables : options.file;
@@ -23,8 +35,9 @@ Outcome run_load(Context& context, const LoadOptions& options) {
         throw Error(Exit::kUsage, "No file is named.", "Name it, or give `tables` in the configuration.");
     }
     const TableFile file = TableFile::read(path);
+    confirm_wiping(file, options.yes);
     Link link(context.settings, context.output);
-    Group report{{"Acquirer", file.acquirer}, {"Version", file.version}, {"Records", file.records}};
+    Group report{{"Acquirer", file.acquirer}, {"Version", file.version}, {"Records", file.records.records()}};
     const std::string before = table_version(link, file.acquirer);
     const bool due = !options.ifNewer || before != file.version;
     if (due) { load_tables(link, file, context.output); }
@@ -49,15 +62,17 @@ Outcome run_version(Context& context, const std::vector<int>& acquirers) {
 
 Run tables_load(CLI::App& app) {
     const auto options = std::make_shared<LoadOptions>();
-    app.add_option("file", options->file, "The records; else the configured file");
+    app.add_option("file", options->file, "The records; else the configured file")->type_name("FILE");
     app.add_flag("--if-different", options->ifNewer, "Only if the PIN pad has another version");
+    app.add_flag("--yes", options->yes, "Load a file without records, which wipes the tables, without asking");
     return [options](Context& context) { return run_load(context, *options); };
 }
 
 Run tables_version(CLI::App& app) {
     const auto acquirers = std::make_shared<std::vector<int>>();
     app.add_option("acquirer", *acquirers, "0 to 99, 0 standing for all of them together")
-        ->check(CLI::Range(0, 99))
+        ->check(number_between(0, 99))
+        ->type_name("INDEX")
         ->default_val(std::vector<int>{0});
     return [acquirers](Context& context) { return run_version(context, *acquirers); };
 }

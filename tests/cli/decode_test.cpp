@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include "simulator/watch/trace.h"
 #include "tests/cli/tool.h"
 
 namespace {
@@ -39,6 +40,10 @@ TEST_F(DecodeTest, PutsFramesAndPacketsIntoWords) {
         {"4749583030380001000480018003", "host/GIX device information//{\"SPE_IDLIST\":\"80018003\"}\n"},
     };
     for (const auto& [hex, words] : cases) { EXPECT_EQ(rows({hex}), words) << hex; }
+    // "DSP" with what a terminal would act on, what is no UTF-8, and accents in both.
+    std::string shown = "445350303332C29BE28080EDA080C9C389";
+    for (int i = 0; i < 21; ++i) { shown += "20"; }
+    EXPECT_EQ(rows({shown}), "host/DSP show a message//{\"DSP_MSG\":\"Â\\\\x9Bâ\\\\x80\\\\x80í\u00A0\\\\x80ÉÉ\"}\n");
     for (const char* damaged : {"16434C4F170000", "16434C4F"}) {
         EXPECT_NE(rows({damaged}).find("damaged frame"), std::string::npos);
     }
@@ -53,17 +58,57 @@ TEST_F(DecodeTest, ReadsACapture) {
     EXPECT_NE(run({"decode", "--file", folder_.file("words", "hello\n")}).err.find("Line 1"), std::string::npos);
 }
 
+// Of one sale, the virtual PIN pad and the tool tell the same; the former also each byte.
+using DecodeSaleTest = PinPadToolTest;
+TEST_F(DecodeSaleTest, ReadsTheTracesOfASale) {
+    pinPad_.when("GCX", Gestures().insert(card("visa-chip")));
+    pinPad_.when("GOX", Gestures().type("1234"));
+    const std::string own = folder_ / "own";
+    const Ended ended = run({"sale", "--amount", "12.34", "--tables", QUORVEL_TABLES, "--keep-card", "--secure",
+                             "--json", "--trace", "--trace-file", own});
+    ASSERT_EQ(ended.exit, 0) << ended.err;
+    std::string wire;
+    for (const sim::Traffic& traffic : pinPad_.traffic()) { wire += sim::to_text(traffic); }
+    std::vector<std::string> read;
+    for (const std::string& file : {own, folder_.file("json", ended.out), folder_.file("wire", wire)}) {
+        const Json object = ToolTest::run_json({"decode", "--file", file});
+        std::string rows;
+        for (const Json& row : object["result"]["frames"]) {
+            const std::string what = row["what"];
+            if (row["from"] == "line" || what.size() == 3) { continue; }
+            rows += row["from"].get<std::string>() + " " + what + (row["status"].is_object() ? " ok" : "")
+                    + (row["contents"].empty() ? "" : " +") + "\n";
+        }
+        read.push_back(rows);
+    }
+    EXPECT_EQ(read[0], read[2]);
+    EXPECT_EQ(read[1], read[2]);
+    EXPECT_NE(read[0].find("host FCX finish with the chip +\nPIN pad FCX finish with the chip ok +\n"),
+              std::string::npos)
+        << read[0];
+}
+
 // As a shell would complete them.
 TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
     const std::string script = folder_.file("completion", run({"completion", "bash"}).out);
     for (const auto& [words, at, due] : {std::tuple("quorvel dec", 1, "decode"),
                                          {"quorvel tables l", 2, "load"},
-                                         {"quorvel --port /dev/ttyS0 sale --sec", 4, "--secure"}}) {
-        const std::string test =
-            folder_.file("test", ". " + script + "\nCOMP_WORDS=(" + words + ")\nCOMP_CWORD=" + std::to_string(at)
-                                     + "\n_quorvel\n[ \"${COMPREPLY[*]}\" = '" + due + "' ]\n");
+                                         {"quorvel --port /dev/ttyS0 sale --sec", 4, "--secure"},
+                                         {"quorvel sale --host ''", 3, "approves declines unreachable"},
+                                         {"quorvel pin --method mk", 3, "mk-des mk-tdes"},
+                                         {"quorvel event st", 2, "stripe"},
+                                         {QUORVEL_SIM " --ends s", 2, "stop"},
+                                         {QUORVEL_SIM " --scenario chip-on", 2, "chip-online-pin"}}) {
+        const bool own = std::string_view(words).starts_with("quorvel ");
+        const std::string test = folder_.file(
+            "test", std::string("set -u; . ") + (own ? script : QUORVEL_SIM_COMPLETION) + "\nCOMP_WORDS=(" + words
+                        + ")\nCOMP_CWORD=" + std::to_string(at) + "\n" + (own ? "_quorvel" : "_quorvel_sim")
+                        + "\n[ \"${COMPREPLY[*]}\" = '" + due + "' ]\n");
         EXPECT_EQ(std::system(("bash " + test).c_str()), 0) << words;
     }
+    const std::string all = std::string(QUORVEL_SIM) + " --help | grep -o -e ' --[a-z-]*' | sort -u | while read o; do "
+                            "grep -q -e \"[ (|]$o[ '|)]\" " QUORVEL_SIM_COMPLETION " || exit 1; done";
+    EXPECT_EQ(std::system(all.c_str()), 0);
     EXPECT_EQ(run({"completion", "zsh"}).out.substr(0, 17), "#compdef quorvel\n");
 }
 

@@ -19,19 +19,31 @@ TEST_F(ErrorTest, SaysWhatIsWrongAndEndsWithACodeForIt) {
         {{"info"}, 2, "No port is named."},
         {{"info", "--port", missing}, 3, "No such port: " + missing},
         {{"info", "--config", missing}, 2, "There is no configuration file"},
+        {{"info", "--port", "/dev/null"}, 3, "/dev/null is no serial port."},
         {{"display", std::string(129, 'x')}, 2, "at most 128 characters"},
-        {{"menu", "TEA", std::string(25, 'x')}, 2, "takes 1 to 24 characters"},
-        {{"event", "earthquake"}, 2, "earthquake"},
+        {{"display", "5 €"}, 2, "a character that the PIN pad does not have"},
+        {{"display", "\xE9"}, 2, "a character that the PIN pad does not have"},
+        {{"menu", "TEA", "two words"}, 2, "takes 1 to 24 letters and digits"},
+        {{"menu", "TEA", std::string(25, 'x')}, 2, "takes 1 to 24 letters and digits"},
+        {{"event", "earthquake"}, 2, "kind takes key, stripe, chip, tap or removal."},
+        {{"event", "--timeout", "0"}, 2, "--timeout takes a number from 1 to 255."},
         {{"event", "chip", "removal"}, 2, "not for both"},
         {{"pin", "--method", "mk-des"}, 2, "16 hexadecimal digits for mk-des"},
-        {{"pin", "--key", "100"}, 2, "100"},
+        {{"pin", "--method", "3"}, 2, "--method takes mk-des, mk-tdes, dukpt-des or dukpt-tdes."},
+        {{"pin", "--key", "1x"}, 2, "--key takes a number from 0 to 99."},
+        {{"pin", "--pan", "-"}, 2, "Standard input has no line with the card number."},
+        {{"pin", "--pan", "@" + missing}, 2, "The card number cannot be read"},
         {{"sale"}, 2, "--amount is required"},
         {{"sale", "--amount", "1.5"}, 2, "'1.5' is no amount."},
         {{"gix", "nonsense"}, 2, "There is no item 'nonsense'."},
         {{"tables", "load"}, 2, "No file is named."},
         {{"tables", "load", missing}, 2, "cannot be read"},
         {{"media", "put", missing + ".png"}, 2, "cannot be read"},
-        {{"media", "put", missing}, 2, "tells no format"},
+        {{"media", "put", missing}, 2, "cannot be read"},
+        {{"media", "put", folder_.file("logo", "x")}, 2, "tells no format"},
+        {{"media", "put", folder_.file("logo.png", "x")}, 2, "logo.png is no PNG image."},
+        {{"media", "put", folder_ / "logo.png", "--type", "jpg"}, 2, "is no JPEG image."},
+        {{"tables", "load", folder_.file("none", "version 1\n")}, 2, "wipes the tables of the PIN pad"},
         {{"decode", "4"}, 2, "not in hexadecimal"},
     };
     for (const auto& [arguments, exit, said] : cases) {
@@ -45,13 +57,19 @@ TEST_F(ErrorTest, SaysWhatIsWrongAndEndsWithACodeForIt) {
     }
 }
 
+TEST_F(ErrorTest, AValueThatIsMissingIsNamed) {
+    EXPECT_EQ(run({"info", "--config"}).err.substr(0, 33), "quorvel: --config needs a value.\n");
+}
+
 TEST_F(ErrorTest, WhatIsPrivateInTheCommandLineIsNotRepeated) {
     const std::string number = "4111111111111111";
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"pin", "--pan", number + "x"},
-                                                      {"pin", "--pan", number + number},
-                                                      {"pin", "--method", "mk-tdes", "--working-key", number}}) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"pin", "--pan", number},
+          {"pin", "--pan", "@" + folder_.file("pan", number + "x")},
+          {"pin", "--pan", "@" + folder_.file("long", number + number)},
+          {"pin", "--method", "mk-tdes", "--working-key", "@" + folder_.file("key", number)}}) {
         const Ended ended = run(arguments);
-        EXPECT_EQ(ended.exit, 2);
+        EXPECT_EQ(ended.exit, 2) << ended.err;
         EXPECT_EQ(ended.err.find(number), std::string::npos) << ended.err;
     }
 }

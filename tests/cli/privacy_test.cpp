@@ -41,6 +41,7 @@ protected:
 TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
     sim::Card stripe = card("visa-chip");
     stripe.serviceCode = "101";
+    const std::string pan = "@" + folder_.file("pan", kPan + "\n");
     const struct {
         Arguments arguments;
         const char* waits = "";
@@ -48,7 +49,7 @@ TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
         int exit = 0;
     } cases[]{
         {{"ports"}},
-        {{"doctor"}},
+        {{"doctor", "--secure"}},
         {{"info"}},
         {{"gix"}},
         {{"display", "HELLO"}},
@@ -58,10 +59,13 @@ TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
         {{"tables", "load", QUORVEL_TABLES}},
         {{"tables", "version"}},
         {{"card"}, "GCX", Gestures().swipe(stripe)},
+        {{"card", "--secure"}, "GCX", Gestures().swipe(stripe)},
         {{"sale", "--amount", "1", "--keep-card"}, "GCX", Gestures().insert(card("visa-chip"))},
-        {{"pin", "--pan", kPan}, "GPN", Gestures().type("1234")},
-        {{"pin", "--pan", kPan, "--method", "mk-tdes", "--working-key", kWorkingKey}, "GPN", Gestures().type("1234")},
-        {{"media", "put", folder_.file("logo.png", "image")}},
+        {{"pin", "--pan", pan}, "GPN", Gestures().type("1234")},
+        {{"pin", "--pan", pan, "--method", "mk-tdes", "--working-key", "@" + folder_.file("key", kWorkingKey)},
+         "GPN",
+         Gestures().type("1234")},
+        {{"media", "put", folder_.file("logo.png", "\x89PNG\r\n\x1A\nimage")}},
         {{"media", "list"}},
         {{"media", "show", "logo"}},
         {{"media", "delete", "logo"}},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include "tests/cli/tool.h"
+#include "tests/support/elapsed.h"
 
 namespace {
 
@@ -26,7 +27,8 @@ TEST_F(SaleTest, GoesFromTheTablesToTheRemovalOfTheCard) {
     const Json object = sell({});
     EXPECT_EQ(object["exit"], 0);
     const Json& result = object["result"];
-    EXPECT_EQ(result["outcome"], "APPROVED");
+    EXPECT_EQ(result["outcome"], "approved");
+    EXPECT_EQ(result["reverse"], false);
     EXPECT_EQ(result["amount"], "12.34");
     EXPECT_EQ(result["card"]["cardNumber"], "411111******1111");
     EXPECT_EQ(result["card"]["application"], "VISA CREDITO");
@@ -62,6 +64,104 @@ TEST_F(SaleTest, TellsHowItEndedAndWhy) {
         EXPECT_EQ(commands(object), steps);
         EXPECT_EQ(object["result"]["steps"].back()["result"], result);
         EXPECT_EQ(pinPad_.screen().text, approved ? "APPROVED" : "DECLINED");
+        pinPad_.remove();
+    }
+}
+
+// Whatever goes wrong from the acquirer's yes on, and before it. FCX that is not answered in time is cancelled, and the
+// card given back; one that was not answered because the line is gone is the last that is said.
+TEST_F(SaleTest, LeavesNoMoneyInDoubt) {
+    const struct {
+        sim::Fault fault;
+        std::string_view card;
+        const char* outcome;
+        bool authorised;
+        bool reverse;
+        int exit;
+        const char* steps;
+        const char* why;
+    } cases[]{
+        {{.kind = "no-answer", .command = "GCX"},
+         "visa-signature",
+         "declined",
+         false,
+         false,
+         4,
+         "TLI TLR TLE;GCX;",
+         ""},
+        {{.kind = "status", .command = "GOX", .status = 13},
+         "visa-signature",
+         "declined",
+         false,
+         false,
+         1,
+         "GTS;GCX;GOX;RMC;",
+         "no acquirer"},
+        {{.kind = "no-answer", .command = "FCX"},
+         "visa-signature",
+         "unknown",
+         true,
+         true,
+         6,
+         "GTS;GCX;GOX;-;FCX;RMC;",
+         "the card may have decided"},
+        {{.kind = "wrong-id", .command = "FCX"},
+         "visa-signature",
+         "unknown",
+         true,
+         true,
+         6,
+         "GTS;GCX;GOX;-;FCX;",
+         "the card may have decided"},
+        {{.kind = "status", .command = "FCX", .status = 40},
+         "visa-signature",
+         "declined",
+         true,
+         true,
+         5,
+         "GTS;GCX;GOX;-;FCX;RMC;",
+         "the card has not been told"},
+        {{.kind = "no-answer", .command = "CLO"},
+         "declining-chip",
+         "declined",
+         true,
+         true,
+         5,
+         "GTS;GCX;GOX;-;FCX;RMC;",
+         "declined by the card"},
+        {{.kind = "no-answer", .command = "RMC"},
+         "visa-signature",
+         "approved",
+         true,
+         false,
+         0,
+         "GTS;GCX;GOX;-;FCX;RMC;",
+         "the card has approved it"},
+        {{.kind = "hang-up", .command = "FCX", .time = std::chrono::seconds(1)},
+         "visa-signature",
+         "unknown",
+         true,
+         true,
+         6,
+         "GTS;GCX;GOX;-;FCX;",
+         "the card may have decided"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.fault.kind + " " + each.fault.command);
+        pinPad_.inject(each.fault);
+        pinPad_.when("GCX", Gestures().insert(sim::Cards::standard().at(std::string(each.card))));
+        pinPad_.when("RMC", Gestures().remove());
+        const support::Elapsed elapsed;
+        const Json object = sell({"--timeout", "2"});
+        EXPECT_TRUE(elapsed.between({}, std::chrono::seconds(25)));
+        const Json& result = object["result"];
+        EXPECT_EQ(object["exit"], each.exit) << object;
+        EXPECT_EQ(result["outcome"], each.outcome);
+        EXPECT_EQ(result["authorised"], each.authorised);
+        EXPECT_EQ(result["reverse"], each.reverse);
+        EXPECT_EQ(commands(object), each.steps) << object;
+        EXPECT_NE(result.value("why", "").find(each.why), std::string::npos) << result;
+        EXPECT_EQ(object.contains("error"), each.exit != 0 && each.card != "declining-chip") << object;
         pinPad_.remove();
     }
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <fstream>
+
 #include "simulator/scenario/performance.h"
 #include "tests/cli/tool.h"
 
@@ -8,9 +10,10 @@ namespace {
 using namespace quorvel::sim;
 
 struct Case {
-    const char* name;
+    std::string name;
     int exit;
     const char* host = "approves";
+    std::string amount = "12.34";
 };
 
 const std::vector<Case> kCases{
@@ -28,8 +31,8 @@ protected:
         Performance performance(Scenario::find(scenario.name));
         PinPad pinPad(performance.prepare({}));
         pinPad.start();
-        const Ended ended = run({"--port", pinPad.path(), "sale", "--amount", "12.34", "--tables", QUORVEL_TABLES,
-                                 "--host", scenario.host});
+        const Ended ended = run({"--port", pinPad.path(), "sale", "--amount", scenario.amount, "--tables",
+                                 QUORVEL_TABLES, "--host", scenario.host});
         EXPECT_EQ(ended.exit, scenario.exit) << scenario.name << ended.err;
         pinPad.stop();
         std::string said;
@@ -41,6 +44,16 @@ protected:
 TEST_F(ScenariosTest, HoldForATill) {
     EXPECT_EQ(kCases.size(), shipped_scenarios().size());
     for (const Case& each : kCases) { EXPECT_EQ(sell(each), "") << each.name; }
+}
+
+// The one that the guide writes.
+TEST_F(ScenariosTest, HoldForATillAsInTheGuide) {
+    std::ifstream guide(QUORVEL_GUIDE);
+    const std::string text{std::istreambuf_iterator<char>(guide), {}};
+    const size_t begin = text.find("```toml\ntitle = ") + 8;
+    ASSERT_GT(text.size(), begin);
+    const std::string scenario = text.substr(begin, text.find("```", begin) - begin);
+    EXPECT_EQ(sell({folder_.file("cancel.toml", scenario), 1, "approves", "10"}), "");
 }
 
 TEST_F(ScenariosTest, FailForATillThatDoesOtherwise) {

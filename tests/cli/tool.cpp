@@ -33,6 +33,13 @@ Ended ToolTest::run(Arguments arguments, std::vector<std::string> environment) c
     return Tool(std::move(arguments), folder_ / "", std::move(environment)).wait();
 }
 
+Ended ToolTest::redirected(const std::string& streams, Arguments arguments) const {
+    arguments.insert(arguments.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" " + streams, QUORVEL_CLI});
+    support::Child child(std::move(arguments), with_home({}, folder_ / ""));
+    const int exit = child.wait();
+    return {.exit = exit, .out = child.output(), .err = child.errors()};
+}
+
 ToolTest::Json ToolTest::run_json(Arguments arguments) const {
     arguments.emplace_back("--json");
     const Ended ended = run(std::move(arguments));

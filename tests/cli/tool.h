@@ -42,6 +42,8 @@ protected:
     Ended run(Arguments arguments, std::vector<std::string> environment = {}) const;
     // The same with --json.
     Json run_json(Arguments arguments) const;
+    // With its streams as the shell makes them of this: ">/dev/full".
+    Ended redirected(const std::string& streams, Arguments arguments) const;
 
     TempDir folder_;
 };
@@ -58,6 +60,9 @@ protected:
     Arguments with_port(Arguments arguments) const;
     Ended run(Arguments arguments) const { return ToolTest::run(with_port(std::move(arguments))); }
     Json run_json(Arguments arguments) const { return ToolTest::run_json(with_port(std::move(arguments))); }
+    Ended redirected(const std::string& streams, Arguments arguments) const {
+        return ToolTest::redirected(streams, with_port(std::move(arguments)));
+    }
 
     // The ids of the commands that the PIN pad was sent, and CAN.
     std::vector<std::string> sent();

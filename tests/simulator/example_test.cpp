@@ -4,7 +4,10 @@
 #include <cstdlib>
 #include <set>
 #include <string>
+#include <thread>
+#include <unistd.h>
 
+#include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
 #include "tests/support/child.h"
 #include "tests/support/peer.h"
@@ -123,6 +126,19 @@ TEST(Steady, GoesOnWithOrWithoutOpeningTheLinkAnew) {
         expect_run(QUORVEL_EXAMPLES "/steady " + peer.path() + " HI", EXIT_SUCCESS,
                    "[KOR_RESULT_PROTOCOL_ERROR] Packet was rejected\n");
     }
+}
+
+// However long the cable is out: the port's name leads nowhere at first.
+TEST(Steady, WaitsForThePortToComeBack) {
+    const TempDir folder;
+    const std::string link = folder / "port";
+    support::Child steady({QUORVEL_EXAMPLES "/steady", link, "HI"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(1700));
+    PinPad pinPad;
+    pinPad.start();
+    ASSERT_EQ(symlink(pinPad.path().c_str(), link.c_str()), 0);
+    EXPECT_EQ(steady.wait(), EXIT_SUCCESS) << steady.errors();
+    EXPECT_NE(steady.errors().find("No such port"), std::string::npos);
 }
 
 TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {

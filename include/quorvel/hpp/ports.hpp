@@ -23,6 +23,9 @@ inline void probe(std::string_view port) {
     });
 }
 
+/// The version of the library that is loaded.
+[[nodiscard]] inline std::string_view version() noexcept { return kor_version_project(); }
+
 /// The library's name of an error, "KOR_RESULT_IO_ERROR" for instance; "" for those of the wrapper.
 [[nodiscard]] constexpr std::string_view name(ErrorCode code) noexcept {
     constexpr std::string_view kNames[] = {"",
