@@ -30,9 +30,9 @@ typedef struct Sale {
     AbecsCmdGoxBuilder* gox;
     AbecsCmdFcxBuilder* fcx;
     uint8_t acquirer;
-    bool authorised; /* by the acquirer */
-    bool approved;   /* by the card, which has the last word */
-    bool in_doubt;   /* the card was told, and has not answered */
+    bool asked;    /* the acquirer, and it has not declined: it may believe in a sale */
+    bool approved; /* by the card, which has the last word */
+    bool in_doubt; /* the card was told, and has not answered */
 } Sale;
 
 enum { REAIS = 986, SECONDS = 60 };
@@ -144,8 +144,9 @@ static char let_card_decide(Sale* sale) {
  * for it, which is in sale->items: EMV data, PIN block and the serial number of its key.
  */
 static const char* ask_acquirer(Sale* sale) {
+    sale->asked = true;
     const char* code = strcmp(sale->host_answer, "none") != 0 ? sale->host_answer : NULL;
-    sale->authorised = code != NULL && strcmp(code, "00") == 0;
+    if (code != NULL && strcmp(code, "00") != 0) { sale->asked = false; }
     printf("the acquirer answers: %s\n", code != NULL ? code : "nothing");
     return code;
 }
@@ -234,7 +235,7 @@ int main(int argc, char** argv) {
     signal(SIGINT, stop);
     run(&sale);
     done(disconnect, &sale);
-    if (sale.authorised && !sale.approved) { printf("the acquirer must be told that there was no sale\n"); }
+    if (sale.asked && !sale.approved) { printf("the acquirer must be told that there was no sale\n"); }
     printf("%s\n", outcome(&sale));
     return sale.approved ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -30,14 +30,30 @@ extern "C" void stop(int) {
     stopped = true;
     if (quorvel::Link* link = linkToStop) { link->cancel(); }
 }
+// While one lives, the signal reaches the link.
+struct Stoppable {
+    explicit Stoppable(quorvel::Link& link) { linkToStop = &link; }
+    ~Stoppable() { linkToStop = nullptr; }
+    Stoppable(const Stoppable&) = delete;
+    Stoppable& operator=(const Stoppable&) = delete;
+};
 
 // The PIN pad has time-outs of its own; the deadline is for one that never answers.
 template <typename Request>
 auto wait_for(quorvel::Session& session, const Request& request) {
+    const auto check = [] {
+        if (stopped) { throw std::runtime_error("given up at the till"); }
+    };
+    check();
     auto wait = session.start(request);
-    if (stopped) { wait.cancel(); }
+    check();
     wait.on_notice([](std::string_view text) { std::cout << "the PIN pad says: " << text << std::endl; });
-    return wait.get(kTimeout + 30s).require();
+    try {
+        return wait.get(kTimeout + 30s).require();
+    } catch (const quorvel::Ended&) {
+        check();
+        throw;
+    }
 }
 
 // A till gets the records from its acquirer. These make two applications known, by what the virtual PIN pad reads.
@@ -53,9 +69,9 @@ void load_tables(quorvel::Session& session) {
 
 // What is known of the money, whatever goes wrong.
 struct Sale {
-    bool authorised = false;  // by the acquirer
-    bool approved = false;    // by the card, which has the last word
-    bool inDoubt = false;     // the card was told, and has not answered
+    bool asked = false;     // the acquirer, and it has not declined: it may believe in a sale
+    bool approved = false;  // by the card, which has the last word
+    bool inDoubt = false;   // the card was told, and has not answered
 
     [[nodiscard]] const char* outcome() const { return approved ? "APPROVED" : inDoubt ? "UNKNOWN" : "NOT APPROVED"; }
 };
@@ -90,15 +106,16 @@ void sell(quorvel::Session& session, uint64_t amount, std::string_view answer, S
                                                          .timeout = kTimeout});
     sale.approved = decision.decision == quorvel::GoxAnswer::Decision::approved;
     if (decision.decision != quorvel::GoxAnswer::Decision::online) { return; }
+    sale.asked = true;
     const auto code = ask_acquirer(answer, decision);
-    sale.authorised = code == "00";
+    if (code && code != "00") { sale.asked = false; }
     sale.inDoubt = true;
     const auto end = wait_for(session, quorvel::Fcx{.response_code = code, .timeout = kTimeout});
-    sale.inDoubt = false;
+    sale.inDoubt = !end.decision;
     sale.approved = end.decision == quorvel::FcxAnswer::Decision::approved;
 }
 
-// An error ends this step only. A refusal of FCX is an answer: the card was not told.
+// An error ends this step only. A refusal of FCX is an answer: the card has not approved.
 template <typename Step>
 void attempt(Sale& sale, const Step& step) {
     try {
@@ -121,17 +138,15 @@ int main(int argc, char** argv) {
     std::signal(SIGINT, stop);
     attempt(sale, [&] {
         quorvel::Link link(argv[1]);
-        linkToStop = &link;
+        const Stoppable stoppable(link);
         auto session = link.open(quorvel::secure);
         attempt(sale, [&] { sell(session, amount, argc == 4 ? argv[3] : "00", sale); });
         stopped = false;
         session.leave(sale.outcome());
         attempt(sale, [&] { wait_for(session, quorvel::Rmc{.text = "REMOVE THE CARD"}); });
-        linkToStop = nullptr;
         session.close();
     });
-    linkToStop = nullptr;
-    if (sale.authorised && !sale.approved) { std::cout << "the acquirer must be told that there was no sale\n"; }
+    if (sale.asked && !sale.approved) { std::cout << "the acquirer must be told that there was no sale\n"; }
     std::cout << sale.outcome() << '\n';
     return sale.approved ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -12,8 +12,8 @@
 
 extern "C" void* __real_malloc(size_t size);
 
-// What the wrapper allocates fails and is counted as what the library does. Within the library's calls it is the line in
-// memory that allocates, which does not count.
+// What the wrapper allocates fails and is counted as what the library does. Within the library's calls it is the line
+// in memory that allocates, which does not count.
 void* operator new(size_t size) {
     const bool ofTheLine = kor_exception_get_frame_node() != nullptr;
     if (void* block = ofTheLine ? __real_malloc(size) : std::malloc(size)) { return block; }

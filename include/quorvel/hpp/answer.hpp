@@ -15,6 +15,11 @@ class Items {
 public:
     Items() : map_(detail::call([] { return abecs_rsp_param_map_new(); }), [](KorMap* map) { kor_map_delete(&map); }) {}
 
+    // Copied where others are moved, so that none is without its map.
+    Items(const Items&) = default;
+    Items& operator=(const Items&) = default;
+    ~Items() = default;
+
     [[nodiscard]] bool has(int32_t id) const noexcept { return bytes(id).has_value(); }
     /// The value, which lives as long as these items; nothing when the answer does not have it.
     [[nodiscard]] std::optional<Bytes> bytes(int32_t id) const noexcept {

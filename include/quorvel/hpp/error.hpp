@@ -54,8 +54,14 @@ public:
     }
     [[nodiscard]] const char* what() const noexcept override { return record_.message; }
 
+    /// Whether the PIN pad had accepted a request when this was raised, and may have carried it out.
+    [[nodiscard]] bool was_sent() const noexcept { return sent_; }
+    /// For the wrapper: it had.
+    void mark_sent() noexcept { sent_ = true; }
+
 private:
     KorException record_{};
+    bool sent_ = false;
 };
 
 namespace detail {
@@ -119,13 +125,101 @@ public:
     [[nodiscard]] constexpr int32_t code() const noexcept { return code_; }
     [[nodiscard]] constexpr bool is_ok() const noexcept { return code_ == 0; }
     /// The protocol's name, "ST_TIMEOUT" for instance; "unknown" for a number that it does not know.
-    [[nodiscard]] std::string_view name() const noexcept {
-        try {
-            const char* name =
-                detail::call([this] { return abecs_rsp_stat_to_string(static_cast<AbecsRspStat_E>(code_)); });
-            constexpr std::string_view kPrefix = "ABECS_RSP_STAT_";
-            return std::string_view(name).substr(kPrefix.size());
-        } catch (const Error&) { return "unknown"; }
+    [[nodiscard]] constexpr std::string_view name() const noexcept {
+        switch (code_) {
+            case ABECS_RSP_STAT_ST_OK:
+                return "ST_OK";
+            case ABECS_RSP_STAT_ST_NOSEC:
+                return "ST_NOSEC";
+            case ABECS_RSP_STAT_ST_F1:
+                return "ST_F1";
+            case ABECS_RSP_STAT_ST_F2:
+                return "ST_F2";
+            case ABECS_RSP_STAT_ST_F3:
+                return "ST_F3";
+            case ABECS_RSP_STAT_ST_F4:
+                return "ST_F4";
+            case ABECS_RSP_STAT_ST_BACKSP:
+                return "ST_BACKSP";
+            case ABECS_RSP_STAT_ST_ERRPKTSEC:
+                return "ST_ERRPKTSEC";
+            case ABECS_RSP_STAT_ST_INVCALL:
+                return "ST_INVCALL";
+            case ABECS_RSP_STAT_ST_INVPARM:
+                return "ST_INVPARM";
+            case ABECS_RSP_STAT_ST_TIMEOUT:
+                return "ST_TIMEOUT";
+            case ABECS_RSP_STAT_ST_CANCEL:
+                return "ST_CANCEL";
+            case ABECS_RSP_STAT_ST_MANDAT:
+                return "ST_MANDAT";
+            case ABECS_RSP_STAT_ST_TABVERDIF:
+                return "ST_TABVERDIF";
+            case ABECS_RSP_STAT_ST_TABERR:
+                return "ST_TABERR";
+            case ABECS_RSP_STAT_ST_INTERR:
+                return "ST_INTERR";
+            case ABECS_RSP_STAT_ST_MCDATAERR:
+                return "ST_MCDATAERR";
+            case ABECS_RSP_STAT_ST_ERRKEY:
+                return "ST_ERRKEY";
+            case ABECS_RSP_STAT_ST_NOCARD:
+                return "ST_NOCARD";
+            case ABECS_RSP_STAT_ST_PINBUSY:
+                return "ST_PINBUSY";
+            case ABECS_RSP_STAT_ST_RSPOVRFL:
+                return "ST_RSPOVRFL";
+            case ABECS_RSP_STAT_ST_ERRCRYPT:
+                return "ST_ERRCRYPT";
+            case ABECS_RSP_STAT_ST_NOSAM:
+                return "ST_NOSAM";
+            case ABECS_RSP_STAT_ST_DUMBCARD:
+                return "ST_DUMBCARD";
+            case ABECS_RSP_STAT_ST_ERRCARD:
+                return "ST_ERRCARD";
+            case ABECS_RSP_STAT_ST_CARDINVALIDAT:
+                return "ST_CARDINVALIDAT";
+            case ABECS_RSP_STAT_ST_CARDPROBLEMS:
+                return "ST_CARDPROBLEMS";
+            case ABECS_RSP_STAT_ST_CARDINVDATA:
+                return "ST_CARDINVDATA";
+            case ABECS_RSP_STAT_ST_CARDAPPNAV:
+                return "ST_CARDAPPNAV";
+            case ABECS_RSP_STAT_ST_CARDAPPNAUT:
+                return "ST_CARDAPPNAUT";
+            case ABECS_RSP_STAT_ST_ERRFALLBACK:
+                return "ST_ERRFALLBACK";
+            case ABECS_RSP_STAT_ST_INVAMOUNT:
+                return "ST_INVAMOUNT";
+            case ABECS_RSP_STAT_ST_ERRMAXAID:
+                return "ST_ERRMAXAID";
+            case ABECS_RSP_STAT_ST_CARDBLOCKED:
+                return "ST_CARDBLOCKED";
+            case ABECS_RSP_STAT_ST_CTLSMULTIPLE:
+                return "ST_CTLSMULTIPLE";
+            case ABECS_RSP_STAT_ST_CTLSCOMMERR:
+                return "ST_CTLSCOMMERR";
+            case ABECS_RSP_STAT_ST_CTLSINVALIDAT:
+                return "ST_CTLSINVALIDAT";
+            case ABECS_RSP_STAT_ST_CTLSPROBLEMS:
+                return "ST_CTLSPROBLEMS";
+            case ABECS_RSP_STAT_ST_CTLSAPPNAV:
+                return "ST_CTLSAPPNAV";
+            case ABECS_RSP_STAT_ST_CTLSAPPNAUT:
+                return "ST_CTLSAPPNAUT";
+            case ABECS_RSP_STAT_ST_CTLSEXTCVM:
+                return "ST_CTLSEXTCVM";
+            case ABECS_RSP_STAT_ST_CTLSIFCHG:
+                return "ST_CTLSIFCHG";
+            case ABECS_RSP_STAT_ST_MFNFOUND:
+                return "ST_MFNFOUND";
+            case ABECS_RSP_STAT_ST_MFERRFMT:
+                return "ST_MFERRFMT";
+            case ABECS_RSP_STAT_ST_MFERR:
+                return "ST_MFERR";
+            default:
+                return "unknown";
+        }
     }
     friend constexpr bool operator==(Status, Status) noexcept = default;
 

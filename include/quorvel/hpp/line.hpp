@@ -4,7 +4,6 @@
 #define QUORVEL_HPP_LINE_HPP
 
 #include <atomic>
-#include <exception>
 #include <functional>
 
 #include "quorvel/additions.h"
@@ -45,6 +44,7 @@ public:
     Line(std::string_view port, bool claim) {
         const CText name(port);
         link_ = detail::call([&] { return claim ? abecs_comm_claim(name.get()) : abecs_comm_open(name.get()); });
+        detail::call([this] { abecs_comm_set_observer(link_, &Line::tell, this); });
     }
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
@@ -61,20 +61,10 @@ public:
 
     [[nodiscard]] AbecsComm* get() const noexcept { return link_; }
 
-    // Calls the library, and throws what it raises or, behind that, what an observer has thrown meanwhile.
     template <typename Body>
     auto call(Body body) {
         require_open();
-        thrown_ = nullptr;
-        using Result = std::invoke_result_t<Body&>;
-        if constexpr (std::is_void_v<Result>) {
-            detail::call(body);
-            rethrow();
-        } else {
-            const Result result = detail::call(body);
-            rethrow();
-            return result;
-        }
+        return detail::call(body);
     }
 
     // The same for what speaks to the PIN pad. After an error in the middle of an exchange nobody knows what the PIN
@@ -82,13 +72,16 @@ public:
     template <typename Body>
     auto exchange(Body body) {
         if (unsettled_) { settle(); }
+        sent_ = false;
         try {
             return call(body);
-        } catch (const Error& error) {
-            if (is_of_the_exchange(error.code())) { unsettled_ = true; }
+        } catch (Error& error) {
+            if (sent_) { error.mark_sent(); }
+            if (sent_ || is_of_the_exchange(error.code())) { unsettled_ = true; }
             throw;
         }
     }
+    void unsettle() noexcept { unsettled_ = true; }
 
     void send_can() {
         ++turn_;
@@ -105,11 +98,8 @@ public:
     }
 
     void observe(std::function<void(const Event&)> observer, Packets packets) {
-        const bool on = static_cast<bool>(observer);
-        call([&] {
-            abecs_comm_set_observer(link_, on ? &Line::tell : nullptr, this);
-            abecs_comm_show_clear_packets(link_, on && packets == Packets::shown);
-        });
+        const bool shown = observer && packets == Packets::shown;
+        call([&] { abecs_comm_show_clear_packets(link_, shown); });
         observer_ = std::move(observer);
     }
 
@@ -124,15 +114,17 @@ public:
     }
 
     // Of the session.
-    bool sessionOpen = false;
+    uint64_t session = 0;  // the number of the one that is open, or 0
+    uint64_t sessions = 0;
     bool encrypted = false;
     // Whether the PIN pad may still be in an encrypted session that was cut off.
     bool doubtful = true;
     std::string lastText;
     std::string lastImage;
-    // Which wait is to end: from any thread and from a signal handler.
+    // Which wait is to end: from any thread and from a signal handler. A late word on an earlier one changes nothing.
     void cancel(uint64_t turn) noexcept {
-        cancelled_ = turn;
+        uint64_t former = cancelled_;
+        while (former < turn && !cancelled_.compare_exchange_weak(former, turn)) {}
         abecs_comm_wake(link_);
     }
     [[nodiscard]] bool is_cancelled(uint64_t turn) const noexcept { return cancelled_ == turn; }
@@ -143,9 +135,11 @@ private:
                || code == ErrorCode::crypt || code == ErrorCode::out_of_memory;
     }
 
-    // Called by C: nothing may be thrown through it.
+    // Called by C: nothing may be thrown through it, and no log may stop a sale.
     static void tell(const AbecsLinkEvent* event, void* context) noexcept {
         auto& line = *static_cast<Line*>(context);
+        if (event->type == ABECS_LINK_EVENT_SENT) { line.sent_ = true; }
+        if (!line.observer_) { return; }
         try {
             const bool received = event->type == ABECS_LINK_EVENT_RECEIVED && event->status >= 0;
             line.observer_({.type = static_cast<Event::Type>(event->type),
@@ -158,20 +152,16 @@ private:
                             .packet = event->packet == nullptr
                                           ? std::nullopt
                                           : std::optional(Bytes(event->packet, event->packetSize))});
-        } catch (...) { line.thrown_ = std::current_exception(); }
-    }
-
-    void rethrow() {
-        if (thrown_) { std::rethrow_exception(std::exchange(thrown_, nullptr)); }
+        } catch (...) {}  // told of where Link::observe is
     }
 
     AbecsComm* link_ = nullptr;
     std::function<void(const Event&)> observer_;
-    std::exception_ptr thrown_;
     std::atomic<uint64_t> turn_{0};
     std::atomic<uint64_t> cancelled_{0};
     static_assert(std::atomic<uint64_t>::is_always_lock_free, "a signal handler sets it");
     bool unsettled_ = false;
+    bool sent_ = false;
 };
 
 // A handle of the C interface, ended by its function.

@@ -9,9 +9,17 @@
 // it was. The library's own copies are left to its next call, so each function has one more call wipe them.
 namespace quorvel {
 
+namespace detail {
+
+// A text without characters may have no address either.
+inline const char* start_of(std::string_view text) noexcept { return text.empty() ? "" : text.data(); }
+
+}  // namespace detail
+
 /// The number that a command takes to a PIN pad with this working key.
 [[nodiscard]] inline Secret pan_encrypt(std::string_view pan, const WorkingKey& key) {
-    const auto* text = detail::call([&] { return abecs_pan_encrypt2(pan.data(), pan.size(), &key.native()); });
+    const auto* text =
+        detail::call([&] { return abecs_pan_encrypt2(detail::start_of(pan), pan.size(), &key.native()); });
     Secret result{std::string_view(text)};
     detail::call([&] { abecs_pan_encrypt2("", 0, &key.native()); });
     return result;
@@ -20,7 +28,7 @@ namespace quorvel {
 /// A track in clear that the PIN pad has sent under this working key.
 [[nodiscard]] inline Secret pan_decrypt_track(std::string_view track, const WorkingKey& key) {
     const auto* text =
-        detail::call([&] { return abecs_pan_decrypt_track2(track.data(), track.size(), &key.native()); });
+        detail::call([&] { return abecs_pan_decrypt_track2(detail::start_of(track), track.size(), &key.native()); });
     Secret result{std::string_view(text)};
     detail::call([&] { abecs_pan_decrypt_track2("", 0, &key.native()); });
     return result;
@@ -28,7 +36,7 @@ namespace quorvel {
 
 /// The card number in a clear track; empty when there is none.
 [[nodiscard]] inline Secret pan_identify(std::string_view track) {
-    const auto* text = detail::call([&] { return abecs_pan_identify2(track.data(), track.size()); });
+    const auto* text = detail::call([&] { return abecs_pan_identify2(detail::start_of(track), track.size()); });
     Secret result{std::string_view(text)};
     detail::call([] { abecs_pan_identify2("", 0); });
     return result;

@@ -75,13 +75,13 @@ struct CardAnswer {
 
 /// GCX: has a card inserted, swiped or tapped, and reads it.
 struct Gcx {
-    std::optional<uint64_t> amount = {};
-    std::optional<uint64_t> cashback = {};
-    std::optional<uint16_t> currency = {};  ///< its numeric code, 986 for instance
-    std::optional<uint8_t> acquirer = {};   ///< any, when there is none
+    std::optional<Whole<uint64_t>> amount = {};
+    std::optional<Whole<uint64_t>> cashback = {};
+    std::optional<Whole<uint16_t>> currency = {};  ///< its numeric code, 986 for instance
+    std::optional<Whole<uint8_t>> acquirer = {};   ///< any, when there is none
     std::optional<Bytes> application_types = {};
     std::optional<std::string_view> applications = {};  ///< records of the AID table, four characters each
-    std::optional<uint8_t> type = {};                   ///< of the transaction
+    std::optional<Whole<uint8_t>> type = {};            ///< of the transaction
     std::optional<bool> contactless = {};               ///< takes a contactless card: the first digit of the options
     std::optional<std::string_view> options = {};       ///< all five digits, in place of `contactless`
     std::optional<PanMask> pan_mask = {};
@@ -89,7 +89,7 @@ struct Gcx {
     std::optional<Tags> tags = {};  ///< whose values are to be in the answer
     std::optional<std::chrono::seconds> timeout = {};
     std::optional<std::string_view> text = {};  ///< on the display, up to 128 characters
-    DateTime when = DateTime::now();
+    std::optional<DateTime> when = {};          ///< the time of sending, when there is none
 
     static constexpr std::string_view id = "GCX";
     auto on(detail::Line& line) const {
@@ -104,8 +104,9 @@ private:
     [[nodiscard]] Builder builder(detail::Line& line) const {
         char date[16];
         char time[16];
-        std::snprintf(date, sizeof date, "%02d%02d%02d", when.year, when.month, when.day);
-        std::snprintf(time, sizeof time, "%02d%02d%02d", when.hour, when.minute, when.second);
+        const DateTime moment = when.value_or(DateTime::now());
+        std::snprintf(date, sizeof date, "%02d%02d%02d", moment.year, moment.month, moment.day);
+        std::snprintf(time, sizeof time, "%02d%02d%02d", moment.hour, moment.minute, moment.second);
         Builder built(line.call([&] { return abecs_cmd_gcx_builder_new(date, time); }));
         AbecsCmdGcxBuilder* const to = built.get();
         const detail::CText records(applications);
@@ -114,7 +115,7 @@ private:
         const PanMask digits = pan_mask.value_or(PanMask{});
         char mask[16];
         std::snprintf(mask, sizeof mask, "%02d%02d", digits.leading, digits.trailing);
-        const AbecsEmvData data = detail::emv_data(emv_data.value_or(Bytes()));
+        const detail::EmvData data(emv_data.value_or(Bytes()));
         const uint8_t seconds = detail::seconds_of(timeout.value_or(std::chrono::seconds(0)));
         const detail::CText shown(text);
         line.call([&] {
@@ -129,7 +130,7 @@ private:
             if (currency) { abecs_cmd_gcx_builder_trncurr(to, *currency); }
             if (choice.get() != nullptr) { abecs_cmd_gcx_builder_gcxopt(to, choice.get()); }
             if (pan_mask) { abecs_cmd_gcx_builder_panmask(to, mask); }
-            if (emv_data) { abecs_cmd_gcx_builder_emvdata(to, &data); }
+            if (emv_data) { abecs_cmd_gcx_builder_emvdata(to, &data.record); }
             if (tags) { abecs_cmd_gcx_builder_taglist(to, &tags->native()); }
             if (timeout) { abecs_cmd_gcx_builder_timeout(to, seconds); }
             if (text) { abecs_cmd_gcx_builder_dspmsg(to, shown.get()); }
@@ -188,11 +189,11 @@ struct Gox {
     uint8_t acquirer = 0;  ///< CardAnswer::acquirer()
     PinMethod pin_method = PinMethod::dukpt_tdes;
     uint8_t key_index = 0;
-    std::optional<Bytes> working_key = {};  ///< under the master key, for the methods that take one: 8 or 16 bytes
-    std::optional<uint8_t> type = {};       ///< of the transaction
-    std::optional<uint64_t> amount = {};
-    std::optional<uint64_t> cashback = {};
-    std::optional<uint16_t> currency = {};
+    std::optional<Bytes> working_key = {};    ///< under the master key, for the methods that take one: 8 or 16 bytes
+    std::optional<Whole<uint8_t>> type = {};  ///< of the transaction
+    std::optional<Whole<uint64_t>> amount = {};
+    std::optional<Whole<uint64_t>> cashback = {};
+    std::optional<Whole<uint16_t>> currency = {};
     std::optional<std::string_view> options = {};      ///< five digits
     std::optional<std::string_view> text = {};         ///< on the display, up to 128 characters
     std::optional<std::array<uint8_t, 10>> risk = {};  ///< see quorvel::risk
@@ -216,7 +217,7 @@ private:
         AbecsCmdGoxBuilder* const to = built.get();
         const detail::CText choice(options);
         const detail::CText shown(text);
-        const AbecsEmvData data = detail::emv_data(emv_data.value_or(Bytes()));
+        const detail::EmvData data(emv_data.value_or(Bytes()));
         const uint8_t seconds = detail::seconds_of(timeout.value_or(std::chrono::seconds(0)));
         line.call([&] {
             if (working_key) { abecs_cmd_gox_builder_wkenc(to, working_key->data(), working_key->size()); }
@@ -227,7 +228,7 @@ private:
             if (options) { abecs_cmd_gox_builder_goxopt(to, choice.get()); }
             if (text) { abecs_cmd_gox_builder_dspmsg(to, shown.get()); }
             if (risk) { abecs_cmd_gox_builder_trmpar(to, risk->data()); }
-            if (emv_data) { abecs_cmd_gox_builder_emvdata(to, &data); }
+            if (emv_data) { abecs_cmd_gox_builder_emvdata(to, &data.record); }
             if (tags) { abecs_cmd_gox_builder_taglist(to, &tags->native()); }
             if (timeout) { abecs_cmd_gox_builder_timeout(to, seconds); }
         });
@@ -280,11 +281,11 @@ private:
         Builder built(line.call([&] { return abecs_cmd_fcx_builder_new(choice.get()); }));
         AbecsCmdFcxBuilder* const to = built.get();
         const detail::CText code(response_code);
-        const AbecsEmvData data = detail::emv_data(emv_data.value_or(Bytes()));
+        const detail::EmvData data(emv_data.value_or(Bytes()));
         const uint8_t seconds = detail::seconds_of(timeout.value_or(std::chrono::seconds(0)));
         line.call([&] {
             if (response_code) { abecs_cmd_fcx_builder_arc(to, code.get()); }
-            if (emv_data) { abecs_cmd_fcx_builder_emvdata(to, &data); }
+            if (emv_data) { abecs_cmd_fcx_builder_emvdata(to, &data.record); }
             if (tags) { abecs_cmd_fcx_builder_taglist(to, &tags->native()); }
             if (timeout) { abecs_cmd_fcx_builder_timeout(to, seconds); }
         });
@@ -356,16 +357,17 @@ struct Gcr {
     std::string_view tables_version = {};
     bool contactless = false;
     std::optional<std::string_view> applications = {};  ///< records of the AID table, four characters each
-    DateTime when = DateTime::now();
+    std::optional<DateTime> when = {};                  ///< the time of sending, when there is none
 
     static constexpr std::string_view id = "GCR";
     using Reader = detail::RecordReceiver<AbecsCmdGcrResponse, abecs_cmd_gcr_response, GcrAnswer::of>;
     auto on(detail::Line& line) const {
+        const DateTime moment = when.value_or(DateTime::now());
         AbecsCmdGcrData data{.acqIdxReq = acquirer,
                              .appTypReq = application_type,
                              .amount = amount,
-                             .date = {when.year, when.month, when.day},
-                             .time = {when.hour, when.minute, when.second},
+                             .date = {moment.year, moment.month, moment.day},
+                             .time = {moment.hour, moment.minute, moment.second},
                              .tabVer = {},
                              .ctlsOn = contactless};
         detail::put(data.tabVer, tables_version, "the version of the tables");
@@ -543,8 +545,8 @@ struct Gtk {
     std::optional<std::string_view> tracks = {};  ///< four digits: tracks 1, 2 and 3 and the number
     std::optional<DataMethod> method = {};
     std::optional<std::array<uint8_t, 8>> iv = {};
-    std::optional<int32_t> open_digits = {};
-    std::optional<uint8_t> key_index = {};
+    std::optional<Whole<int32_t>> open_digits = {};
+    std::optional<Whole<uint8_t>> key_index = {};
     std::optional<Bytes> working_key = {};                 ///< under the master key: 8 or 16 bytes
     std::optional<std::array<uint8_t, 256>> modulus = {};  ///< of the host's RSA key, for the methods with a random key
     std::optional<Bytes> exponent = {};                    ///< up to 3 bytes

@@ -118,6 +118,7 @@ struct Raw {
     bool waits = false;                  ///< for the cardholder: start() it; anything else is run()
 
     Answer<RawAnswer> on(detail::Line& line) const {
+        if (waits) { detail::refuse_argument("a request that waits is to be started"); }
         const detail::Packet packet = built();
         detail::RawReader reader;
         reader.expect(command);

@@ -84,13 +84,14 @@ inline Secret refilled_bytes(std::string_view digits, size_t bytes) {
     return from_hex(refilled(digits, 2 * bytes).reveal());
 }
 
-inline AbecsEmvData emv_data(Bytes bytes) {
-    AbecsEmvData data{};
-    if (bytes.size() > sizeof data.data) { refuse_argument("more than 512 bytes of EMV data"); }
-    std::copy(bytes.begin(), bytes.end(), data.data);
-    data.szData = bytes.size();
-    return data;
-}
+// EMV data for a builder, wiped at the end.
+struct EmvData : Wiped<AbecsEmvData> {
+    explicit EmvData(Bytes bytes) {
+        if (bytes.size() > sizeof record.data) { refuse_argument("more than 512 bytes of EMV data"); }
+        std::copy(bytes.begin(), bytes.end(), record.data);
+        record.szData = bytes.size();
+    }
+};
 
 }  // namespace quorvel::detail
 

@@ -17,8 +17,9 @@ enum class Failure {
     lost,      ///< it went out, or a part of it, and no answer came, or none that can be read; or the wait was ended
 };
 
-/// Which failure an error stands for. What had not been sent is told by its code alone, so any doubt counts as lost.
+/// Which failure an error stands for; any doubt counts as lost.
 [[nodiscard]] inline Failure failure_of(const Error& error) noexcept {
+    if (error.code() != ErrorCode::refused && error.was_sent()) { return Failure::lost; }
     switch (error.code()) {
         case ErrorCode::refused:
             return Failure::refused;
@@ -60,7 +61,7 @@ struct Repeat {
     const bool lost = failure == Failure::lost;
     if (is_one_of({"FCX", "FNC"})) {
         return lost ? Repeat{Advice::never, "", "the card may have decided: the outcome is unknown, reverse"}
-                    : Repeat{Advice::never, "", "the card has not been told: it counts as declined, reverse"};
+                    : Repeat{Advice::never, "", "the card has not approved: it counts as declined, reverse"};
     }
     if (is_one_of({"GOX"})) {
         return {Advice::from_start, "GCX", "the card's transaction is begun anew with the card"};
@@ -73,12 +74,12 @@ struct Repeat {
     if (is_one_of({"CHP", "GEN"}) && lost) {
         return {Advice::never, "", "a chip may have carried out the command, a security module have counted it"};
     }
-    if (is_one_of({"CLO", "CLX"}) && lost) { return {Advice::from_start, "OPN", "the session is over on this side"}; }
+    if (is_one_of({"CLO", "CLX"})) { return {Advice::from_start, "OPN", "the session is over on this side"}; }
     if (is_one_of({"GCX", "GCR", "GPN", "GCD", "GKY", "MNU", "CKE", "CEX", "RMC"})) {
         return {Advice::again, "", "the cardholder is asked once more"};
     }
-    if (is_one_of({"OPN", "GIN", "GIX", "GTS", "GDU", "GED", "GTK", "DSP", "DEX", "DSI", "TLI",
-                   "MLI", "LMF", "DMF", "CNG", "DWK", "ENB", "EBX", "CHP", "GEN", "CLO", "CLX"})) {
+    if (is_one_of({"OPN", "GIN", "GIX", "GTS", "GDU", "GED", "GTK", "DSP", "DEX", "DSI",
+                   "TLI", "MLI", "LMF", "DMF", "CNG", "DWK", "ENB", "EBX", "CHP", "GEN"})) {
         return {Advice::again, "", "a second time changes nothing"};
     }
     return {Advice::never, "", "it is no command that is known here"};

@@ -35,30 +35,35 @@ inline Status say_goodbye(Line& line, const std::string& text, const std::string
 
 // Whatever the PIN pad is at is cancelled, and the session closed.
 inline Status end_session(Line& line) {
-    line.sessionOpen = false;
+    line.session = 0;
     line.settle();
     const Status status = say_goodbye(line, line.lastText, line.lastImage);
     line.doubtful = line.encrypted && !status.is_ok();
     return status;
 }
 
+inline Status ask_to_open(Line& line, bool encrypted) {
+    return Status(line.exchange([&] { return abecs_cmd_opn(line.get(), encrypted); }));
+}
 inline void open_session(Line& line, bool encrypted) {
-    const auto status = Status(line.exchange([&] { return abecs_cmd_opn(line.get(), encrypted); }));
+    const Status status = ask_to_open(line, encrypted);
     if (!status.is_ok()) { throw Refused("OPN", status); }
 }
 
-// After an encrypted session was cut off, by a cable for instance, the PIN pad takes plain commands for wrong ones
-// until an encrypted session is opened anew and closed. GTS is asked because it changes nothing.
+// After an encrypted session was cut off, by a cable for instance, the PIN pad takes plain commands for wrong ones, OPN
+// perhaps among them, until an encrypted session is opened anew and closed. GTS is asked because it changes nothing.
 inline bool is_cut_off(Line& line) {
     char version[11];
     return Status(line.exchange([&] { return abecs_cmd_gts(line.get(), 0, version); })) == Status::errpktsec;
 }
 inline void open_plain(Line& line) {
-    open_session(line, false);
-    if (line.doubtful && is_cut_off(line)) {
+    const Status status = ask_to_open(line, false);
+    if (status == Status::errpktsec || (status.is_ok() && line.doubtful && is_cut_off(line))) {
         open_session(line, true);
         say_goodbye(line, "", "");
         open_session(line, false);
+    } else if (!status.is_ok()) {
+        throw Refused("OPN", status);
     }
     line.doubtful = false;
 }
@@ -77,7 +82,7 @@ class Session {
 public:
     /// For Link::open.
     Session(std::shared_ptr<detail::Line> line, Encryption encryption) : line_(std::move(line)) {
-        if (line_->sessionOpen) {
+        if (line_->session != 0) {
             throw Error(ErrorCode::illegal_state, "[KOR_RESULT_ILLEGAL_STATE] a session is open on this link");
         }
         line_->lastText.clear();
@@ -90,7 +95,7 @@ public:
         } else {
             detail::open_plain(*line_);
         }
-        line_->sessionOpen = true;
+        number_ = line_->session = ++line_->sessions;
     }
     Session(Session&&) noexcept = default;
     Session& operator=(Session&&) = delete;
@@ -99,7 +104,7 @@ public:
         if (!is_open()) { return; }
         try {
             detail::end_session(*line_);
-        } catch (const std::exception&) {}
+        } catch (...) {}  // told of above
     }
 
     /// Sends a request that is answered at once, and returns the answer.
@@ -143,7 +148,7 @@ public:
         return detail::end_session(*line_);
     }
 
-    [[nodiscard]] bool is_open() const noexcept { return line_ != nullptr && line_->sessionOpen; }
+    [[nodiscard]] bool is_open() const noexcept { return line_ != nullptr && line_->session == number_; }
     [[nodiscard]] bool is_encrypted() const noexcept { return is_open() && line_->encrypted; }
 
     /// The link of the C interface, for what it has beyond this. Its try blocks and quorvel::detail::call do not mix
@@ -156,6 +161,7 @@ private:
     }
 
     std::shared_ptr<detail::Line> line_;
+    uint64_t number_ = 0;
 };
 
 /// How a link uses its port; see quorvel/abecs/line.h.
@@ -182,17 +188,20 @@ public:
 
     /// Opens a session. A plain one on a PIN pad whose encrypted session was cut off ends that first. Throws Refused
     /// for a status other than OK, and Error, illegal_state, when a session is open.
-    [[nodiscard]] Session open(Encryption encryption = plain) { return {line_, encryption}; }
+    [[nodiscard]] Session open(Encryption encryption = plain) {
+        line().require_open();
+        return {line_, encryption};
+    }
 
     /// Closes the session, if one is open, and the port, and throws what goes wrong. The port is closed in any case.
     void close() {
-        detail::Line& line = *line_;
+        detail::Line& open = line();
         std::exception_ptr first;
         try {
-            if (line.sessionOpen) { detail::end_session(line); }
+            if (open.session != 0) { detail::end_session(open); }
         } catch (...) { first = std::current_exception(); }
         try {
-            line.close();
+            open.close();
         } catch (...) {
             if (!first) { first = std::current_exception(); }
         }
@@ -201,57 +210,66 @@ public:
     [[nodiscard]] bool is_open() const noexcept { return line_ != nullptr && line_->get() != nullptr; }
 
     /// Aborts what the PIN pad is doing, in whatever session.
-    void send_can() { line_->send_can(); }
+    void send_can() { line().send_can(); }
 
     void set_whole_frames(bool whole) {
-        line_->call([&] { abecs_comm_set_whole_frames(line_->get(), whole); });
+        line().call([&] { abecs_comm_set_whole_frames(line_->get(), whole); });
     }
     void set_limit(std::chrono::milliseconds limit) {
         const int32_t time = milliseconds_of(limit);
-        line_->call([&] { abecs_comm_set_limit(line_->get(), time); });
+        line().call([&] { abecs_comm_set_limit(line_->get(), time); });
     }
     void set_send_interval(std::chrono::milliseconds interval) {
-        line_->call([&] { abecs_comm_set_send_interval(line_->get(), interval.count()); });
+        line().call([&] { abecs_comm_set_send_interval(line_->get(), interval.count()); });
     }
     [[nodiscard]] bool whole_frames() const {
-        return line_->call([this] { return abecs_comm_get_whole_frames(line_->get()); });
+        return line().call([this] { return abecs_comm_get_whole_frames(line_->get()); });
     }
     [[nodiscard]] std::chrono::milliseconds limit() const {
-        return std::chrono::milliseconds(line_->call([this] { return abecs_comm_get_limit(line_->get()); }));
+        return std::chrono::milliseconds(line().call([this] { return abecs_comm_get_limit(line_->get()); }));
     }
     [[nodiscard]] std::chrono::milliseconds send_interval() const {
-        return std::chrono::milliseconds(line_->call([this] { return abecs_comm_get_send_interval(line_->get()); }));
+        return std::chrono::milliseconds(line().call([this] { return abecs_comm_get_send_interval(line_->get()); }));
     }
 
     /// Has the link decipher card data with a working key, or no longer. In an encrypted session the latter breaks the
     /// session: see abecs_comm_set_wk_pan.
     void set_pan_key(const std::optional<WorkingKey>& key) {
         const AbecsWkPan* record = key ? &key->native() : nullptr;
-        line_->call([&] { abecs_comm_set_wk_pan(line_->get(), record); });
+        line().call([&] { abecs_comm_set_wk_pan(line_->get(), record); });
     }
 
     /// Has `observer` told of each event of the link; none ends it. It is called in the middle of a call and may call
-    /// nothing of the link. What it throws is thrown by that call once it is through, unless that fails itself.
+    /// nothing of the link. What it throws is lost: a log must not stop a sale.
     void observe(std::function<void(const Event&)> observer, Packets packets = Packets::withheld) {
-        line_->observe(std::move(observer), packets);
+        line().observe(std::move(observer), packets);
     }
 
     /// For event loops: where to wait, with poll(2), while a Wait is on; then Wait::poll. Nobody else may use it.
     [[nodiscard]] int descriptor() const {
-        return line_->call([this] { return abecs_comm_get_fd(line_->get()); });
+        return line().call([this] { return abecs_comm_get_fd(line_->get()); });
     }
     /// Whether Wait::poll should be called at once, without waiting at the descriptor.
     [[nodiscard]] bool has_input() const {
-        return line_->call([this] { return abecs_comm_has_input(line_->get()); });
+        return line().call([this] { return abecs_comm_has_input(line_->get()); });
     }
     /// Cancels the Wait that is on, if there is one, as Wait::cancel does: from any thread and from a signal handler,
     /// as long as this object is there and open.
-    void cancel() noexcept { line_->cancel(line_->turn()); }
+    void cancel() noexcept {
+        if (line_ != nullptr) { line_->cancel(line_->turn()); }
+    }
 
     /// The link of the C interface; see Session::native.
-    [[nodiscard]] AbecsComm* native() const noexcept { return line_->get(); }
+    [[nodiscard]] AbecsComm* native() const noexcept { return line_ == nullptr ? nullptr : line_->get(); }
 
 private:
+    // Of a link that was moved from there is none.
+    [[nodiscard]] detail::Line& line() const {
+        if (line_ == nullptr) {
+            throw Error(ErrorCode::illegal_state, "[KOR_RESULT_ILLEGAL_STATE] the link is closed");
+        }
+        return *line_;
+    }
     static int32_t milliseconds_of(std::chrono::milliseconds time) {
         if (time.count() < 0 || time.count() > INT32_MAX) { detail::refuse_argument("a time of no use"); }
         return static_cast<int32_t>(time.count());

@@ -87,11 +87,7 @@ public:
     /// The same of a file on disk, which is read first. Throws Error, not_found, when it cannot be read.
     static Answer<Nothing> put_file(Session& session, std::string_view name, uint8_t type, const std::string& path,
                                     const Progress& progress = nullptr) {
-        std::ifstream file(path, std::ios::binary);
-        const std::vector<char> content{std::istreambuf_iterator<char>(file), {}};
-        if (!file.good() && !file.eof()) {
-            throw Error(ErrorCode::not_found, "[KOR_RESULT_FILE_NOT_FOUND] the file cannot be read");
-        }
+        const std::vector<char> content = content_of(path);
         return put(session, name, type, detail::bytes_of({content.data(), content.size()}), progress);
     }
 
@@ -102,6 +98,14 @@ public:
     }
 
 private:
+    // Of a folder the stream throws what is no Error.
+    static std::vector<char> content_of(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        try {
+            if (file) { return {std::istreambuf_iterator<char>(file), {}}; }
+        } catch (const std::ios_base::failure&) {}
+        throw Error(ErrorCode::not_found, "[KOR_RESULT_FILE_NOT_FOUND] the file cannot be read");
+    }
     static uint16_t crc_of(Bytes content) {
         uint16_t crc = 0;
         detail::call([&] { abecs_crc16(content.data(), content.size(), &crc); });

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <chrono>
+#include <concepts>
 #include <cstddef>
 #include <ctime>
 #include <initializer_list>
@@ -172,6 +173,21 @@ inline uint8_t seconds_of(std::chrono::seconds time) {
 
 }  // namespace detail
 
+/// A whole number of a field's width: any integer that fits is taken; one that does not throws Error, illegal_argument,
+/// and what is no integer does not compile, so that no amount loses its cents on the way.
+template <typename Number>
+class Whole {
+public:
+    template <std::integral Other>
+    requires(!std::same_as<Other, bool>) constexpr Whole(Other number) : number_(static_cast<Number>(number)) {
+        if (!std::in_range<Number>(number)) { detail::refuse_argument("a number does not fit its field"); }
+    }
+    constexpr operator Number() const noexcept { return number_; }
+
+private:
+    Number number_;
+};
+
 /// Tags of EMV data objects, one behind the other: Tags{0x9F26, 0x82}. At most 128 bytes; throws Error for more.
 class Tags {
 public:
@@ -299,6 +315,21 @@ private:
             (byte == 0xC2 || byte == 0xC3) && i + 1 < text.size() && (static_cast<uint8_t>(text[i + 1]) & 0xC0) == 0x80;
         if (!latin) { detail::refuse_argument("a character that the PIN pad cannot show"); }
         out += static_cast<char>(((byte & 0x03) << 6) | (static_cast<uint8_t>(text[++i]) & 0x3F));
+    }
+    return out;
+}
+
+/// What the PIN pad has sent as a text, which is in ISO 8859-1, in UTF-8.
+[[nodiscard]] inline std::string to_utf8(std::string_view text) {
+    std::string out;
+    for (const char c : text) {
+        const auto byte = static_cast<uint8_t>(c);
+        if (byte < 0x80) {
+            out += c;
+        } else {
+            out += static_cast<char>(0xC0 | byte >> 6);
+            out += static_cast<char>(0x80 | (byte & 0x3F));
+        }
     }
     return out;
 }

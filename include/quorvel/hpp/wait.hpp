@@ -3,6 +3,7 @@
 #ifndef QUORVEL_HPP_WAIT_HPP
 #define QUORVEL_HPP_WAIT_HPP
 
+#include <exception>
 #include <stop_token>
 
 #include "quorvel/hpp/line.hpp"
@@ -49,18 +50,25 @@ public:
         if (!is_waiting()) { return; }
         try {
             line_->send_can();
-        } catch (const std::exception&) {}
+        } catch (...) {}  // the next command begins with CAN
     }
 
-    /// Called, by get() and poll(), with each text that the PIN pad has for the cardholder meanwhile. It may throw, and
-    /// call cancel(), but nothing else of the link.
+    /// Called, by get() and poll(), with each text that the PIN pad has for the cardholder meanwhile, in ISO 8859-1
+    /// (to_utf8). It may throw, which get() throws on, the wait going on; it may call cancel(), and nothing else of the
+    /// link.
     void on_notice(std::function<void(std::string_view)> notice) { notice_ = std::move(notice); }
 
     /// Waits for the answer, without an end. Throws Ended once it was cancelled, Error for what goes wrong.
     Answer<Value> get() { return wait(std::nullopt, {}); }
     /// The same with a deadline, at which CAN is sent and Ended thrown, whatever arrives meanwhile. CAN may take its
     /// time after that: up to 6.5 s where nobody answers, and then its error is what is thrown.
-    Answer<Value> get(Clock::duration within, std::stop_token stop = {}) { return wait(Clock::now() + within, stop); }
+    template <typename Rep, typename Period>
+    Answer<Value> get(std::chrono::duration<Rep, Period> within, std::stop_token stop = {}) {
+        // What the clock cannot tell is without an end.
+        constexpr std::chrono::duration<double> kLongest = std::chrono::hours(24 * 3650);
+        if (std::chrono::duration<double>(within) > kLongest) { return wait(std::nullopt, stop); }
+        return wait(Clock::now() + std::chrono::duration_cast<Clock::duration>(within), stop);
+    }
     Answer<Value> get(Clock::time_point deadline, std::stop_token stop = {}) { return wait(deadline, stop); }
     /// Without a deadline, until a stop is asked for.
     Answer<Value> get(std::stop_token stop) { return wait(std::nullopt, stop); }
@@ -71,11 +79,13 @@ public:
 
     /// Has the wait end: sends CAN in the next or present get() or poll(), which throws Ended. May be called from any
     /// thread and from a signal handler, as long as this object is there and not moved.
-    void cancel() noexcept { line_->cancel(turn_); }
+    void cancel() noexcept {
+        if (line_ != nullptr) { line_->cancel(turn_); }
+    }
 
     /// Whether the answer is still to come.
     [[nodiscard]] bool is_waiting() const noexcept {
-        return line_ != nullptr && !over_ && line_->turn() == turn_ && line_->blocked();
+        return line_ != nullptr && !over_ && !failed_ && line_->turn() == turn_ && line_->blocked();
     }
 
 private:
@@ -99,6 +109,7 @@ private:
             }
             if (status != ABECS_RSP_STAT_ST_NOTIFICATION) { return finish(status); }
             if (notice_) { notice_(text); }
+            if (deadline && Clock::now() >= *deadline) { return std::nullopt; }
         }
     }
 
@@ -130,12 +141,12 @@ private:
             });
             line.call(restore);
             return status;
-        } catch (const Error& error) {
+        } catch (Error& error) {
             put_back(restore);
             if (error.code() == ErrorCode::timeout) { return ABECS_RSP_STAT_ST_PROCESSING; }
-            throw;
-        } catch (...) {
-            put_back(restore);
+            error.mark_sent();
+            line.unsettle();
+            failed_ = std::current_exception();
             throw;
         }
     }
@@ -149,24 +160,38 @@ private:
 
     Answer<Value> finish(int32_t status) {
         over_ = true;
-        if (receiver_->is_good(status)) { return {id_, Status(status), receiver_->value(status)}; }
-        return {id_, Status(status)};
+        if (!receiver_->is_good(status)) { return {id_, Status(status)}; }
+        try {
+            return {id_, Status(status), receiver_->value(status)};
+        } catch (Error& error) {
+            error.mark_sent();
+            failed_ = std::current_exception();
+            throw;
+        }
     }
 
     [[noreturn]] void end(Ended::Why why) {
+        Ended ended(why);
+        ended.mark_sent();
+        failed_ = std::make_exception_ptr(ended);
         line_->send_can();
-        over_ = true;
-        throw Ended(why);
+        throw ended;
     }
 
+    // What has ended it once ends it again: nobody is to believe that the command was not sent.
     void require_waiting() const {
-        if (!is_waiting()) { throw Error(ErrorCode::illegal_state, "[KOR_RESULT_ILLEGAL_STATE] the wait is over"); }
+        if (is_waiting()) { return; }
+        if (failed_) { std::rethrow_exception(failed_); }
+        Error over(ErrorCode::illegal_state, "[KOR_RESULT_ILLEGAL_STATE] the wait is over");
+        over.mark_sent();
+        throw over;
     }
 
     std::shared_ptr<detail::Line> line_;
     std::string id_;
     std::unique_ptr<detail::Receiver<Value>> receiver_;
     std::function<void(std::string_view)> notice_;
+    std::exception_ptr failed_;
     uint64_t turn_ = 0;
     bool over_ = false;
 };
