@@ -31,6 +31,8 @@ struct Outcome {
     Exit exit = Exit::kOk;
     // In place of the report, for what is no result but a text of its own.
     std::string raw = {};
+    // Everything has been told line by line.
+    bool told = false;
     // What went wrong, where the report tells what has come of it all the same.
     std::exception_ptr failure = nullptr;
 };

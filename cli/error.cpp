@@ -52,7 +52,7 @@ StatusError::StatusError(std::string_view command, quorvel::Status status)
 
 LateError::LateError(std::string_view command)
     : Error(Exit::kLink, fmt::format("{} was not answered in time, and was cancelled.", command),
-            "Be at the PIN pad, or wait longer with --timeout.") {}
+            "Where somebody was to act: be at the PIN pad, or wait longer with --timeout. Else restart the PIN pad.") {}
 
 void explain(const quorvel::Error& error, std::string_view command) {
     if (const auto* refused = dynamic_cast<const Refused*>(&error)) {

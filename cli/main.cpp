@@ -79,7 +79,8 @@ const Ready* chosen(const std::vector<Ready>& ready) {
 }
 
 Exit finish(const Output& output, const Outcome& outcome) {
-    if (!outcome.raw.empty()) { return output.deliver(outcome.raw); }
+    if (outcome.told) { return outcome.exit; }
+    if (!outcome.raw.empty()) { return output.raw(outcome.raw); }
     if (outcome.failure == nullptr) { return output.result(outcome.report, outcome.exit); }
     try {
         std::rethrow_exception(outcome.failure);
@@ -111,7 +112,7 @@ Exit refuse(const CLI::App& app, const CLI::ParseError& error, bool json) {
     if (error.get_exit_code() == 0) {
         std::ostringstream asked;
         app.exit(error, asked, asked);
-        return output.deliver(asked.str());
+        return output.raw(asked.str());
     }
     output.failure(Error(Exit::kUsage, words_of(app, error), "See `quorvel --help` and `quorvel COMMAND --help`."));
     return Exit::kUsage;

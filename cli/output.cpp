@@ -271,12 +271,17 @@ void Output::trace(const Traced& traced) {
     traced_->push_back(std::move(entry));
 }
 
-Exit Output::deliver(const std::string& text, Exit exit) const {
-    const int error = stream::write(STDOUT_FILENO, text);
+Exit Output::deliver(const std::function<std::string(Exit)>& text, Exit exit) const {
+    const int error = stream::write(STDOUT_FILENO, text(exit));
     if (error == 0) { return exit; }
+    const Exit lost = exit == Exit::kOk ? Exit::kUnwritten : exit;
     say_at_last(fmt::format("quorvel: The result cannot be written to standard output: {}. This is it:\n{}",
-                            std::generic_category().message(error), text));
-    return exit == Exit::kOk ? Exit::kUnwritten : exit;
+                            std::generic_category().message(error), text(lost)));
+    return lost;
+}
+
+Exit Output::raw(const std::string& text) const {
+    return deliver([&](Exit) { return text; }, Exit::kOk);
 }
 
 Output::Json Output::json_of(const Error& error) const {
@@ -300,16 +305,18 @@ Output::Json Output::object_of(const Group& report, Exit exit, const Error* fail
 }
 
 Exit Output::result(const Group& report, Exit exit, const Error* failure) const {
-    if (style_.json) { return deliver(object_of(report, exit, failure).dump(2) + "\n", exit); }
+    if (style_.json) {
+        return deliver([&](Exit end) { return object_of(report, end, failure).dump(2) + "\n"; }, exit);
+    }
     if (failure != nullptr) { this->failure(*failure); }
     std::string text;
     print(report, 0, text);
-    return deliver(text, exit);
+    return deliver([&](Exit) { return text; }, exit);
 }
 
 void Output::line(const Group& report) const {
     const std::string text = (style_.json ? json_of(report).dump() : line_of(report)) + "\n";
-    if (deliver(text) != Exit::kOk) { throw Error(Exit::kUnwritten, "Nobody reads what is told."); }
+    if (raw(text) != Exit::kOk) { throw Error(Exit::kUnwritten, "Nobody reads what is told."); }
 }
 
 std::string Output::last_text(const Group& report, Exit exit) const {
@@ -333,7 +340,7 @@ void Output::last_words(const Group& report, std::optional<Exit> exit) const {
 
 void Output::failure(const Error& error) const {
     if (style_.json) {
-        deliver(object_of({}, error.exit(), &error).dump(2) + "\n", error.exit());
+        deliver([&](Exit end) { return object_of({}, end, &error).dump(2) + "\n"; }, error.exit());
         return;
     }
     say_at_last("quorvel: " + printable(error.what()) + (error.remedy().empty() ? "" : "\n  " + error.remedy()));

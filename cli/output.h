@@ -4,6 +4,7 @@
 #define QUORVEL_CLI_OUTPUT_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
@@ -65,7 +66,7 @@ public:
     // is no other.
     void last_words(const Group& report, std::optional<Exit> exit = {}) const;
     // The same of a text that is for no program to take apart, such as a completion script.
-    Exit deliver(const std::string& text, Exit exit = Exit::kOk) const;
+    Exit raw(const std::string& text) const;
     void failure(const Error& error) const;
 
 private:
@@ -85,6 +86,8 @@ private:
     void print(const Group& group, size_t indent, std::string& to) const;
     void print(const Table& table, size_t indent, std::string& to) const;
 
+    // What `text` makes for an exit code.
+    Exit deliver(const std::function<std::string(Exit)>& text, Exit exit) const;
     [[nodiscard]] std::string trace_line(const Traced& traced) const;
     // A line on standard error, below a bar that is not full yet.
     [[nodiscard]] std::string below_bar(std::string_view text) const;

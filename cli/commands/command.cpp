@@ -211,6 +211,7 @@ public:
             throw Error(Exit::kUsage, fmt::format("{} belongs to the session, which is opened and closed here.", id_));
         }
         std::vector<Given> given;
+        given.reserve(values.size());
         for (const std::string& pair : values) { given.push_back(split(pair)); }
         if (command->form == wire::Command::Form::kParams) {
             params_ = params_of(given);

@@ -85,9 +85,10 @@ Outcome run_event(Context& context, const EventOptions& options) {
 }
 
 // One event after the other on one link. Where a chip card is in, what comes next is that it goes.
-void tell_events(Context& context, const std::vector<std::string>& kinds) {
+void tell_events(Context& context, const std::vector<std::string>& kinds, bool& opened) {
     constexpr std::chrono::seconds kRound{60};
     Link link(context.settings, context.output);
+    opened = true;
     context.output.notice("Watching the PIN pad.");
     for (bool inserted = false;;) {
         Cex wanted = request(kinds, kRound);
@@ -101,23 +102,23 @@ void tell_events(Context& context, const std::vector<std::string>& kinds) {
     }
 }
 
-// Until a signal comes, whatever becomes of the line meanwhile.
+// Until a signal comes, whatever becomes of the line meanwhile. Only what was wrong from the start ends it: a port that
+// has just come back may not be ready yet.
 Outcome run_watch(Context& context, const std::vector<std::string>& kinds) {
     constexpr std::chrono::milliseconds kPause{500};
-    for (std::string last;;) {
+    std::string last;
+    for (bool opened = false;;) {
         try {
-            tell_events(context, kinds);
-        } catch (const Interrupted&) { throw; } catch (const PortError& error) {
-            if (error.reason() != PortError::Reason::kMissing || context.settings.port.empty()) { throw; }
-            if (last != error.what()) { context.output.notice(error.what()); }
-            last = error.what();
-        } catch (const LibraryError& error) {
+            interrupt::check();
+            tell_events(context, kinds, opened);
+        } catch (const Interrupted& error) { return {.exit = error.exit(), .told = true}; } catch (const Error& error) {
+            const auto* port = dynamic_cast<const PortError*>(&error);
+            const bool missing = port != nullptr && (opened || port->reason() == PortError::Reason::kMissing);
+            if (!missing && error.exit() != Exit::kLink) { throw; }
             if (last != error.what()) { context.output.notice(error.what()); }
             last = error.what();
         }
-        interrupt::check();
-        std::this_thread::sleep_for(kPause);
-        interrupt::check();
+        if (!interrupt::requested()) { std::this_thread::sleep_for(kPause); }
     }
 }
 

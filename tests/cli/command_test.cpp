@@ -201,6 +201,7 @@ TEST_F(ToolTest, WatchTellsOfEventsAndComesBack) {
     pinPad.remove();
     EXPECT_EQ(tool.line(), R"({"event":"ICC_REMOVED","meaning":"the chip card is out"})");
     EXPECT_EQ(tool.end(SIGINT), 130);
+    EXPECT_EQ(tool.output(), "");
 }
 
 TEST_F(CommandTest, KeysListsTheSlotsWithTheirSerialNumbers) {
