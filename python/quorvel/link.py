@@ -513,6 +513,7 @@ class Wait(Generic[T]):
                     outcome = self._ask()
                 finally:
                     _native.lock.release()
+                    self._link._watch.deliver()
                 more = self._take(outcome)
                 if self._answer is None and self._cancelled:
                     await asyncio.to_thread(self._end, Why.CANCELLED)
@@ -520,12 +521,12 @@ class Wait(Generic[T]):
                     await self._link._readable()
             return self._answer
         except (Exception, asyncio.CancelledError) as error:
+            if isinstance(error, Error):
+                self._fail(error)
             # In a thread, for the loop's other tasks, and not to be cut short by a second cancellation.
             if self._is_on():
                 with contextlib.suppress(Error):
                     await asyncio.shield(asyncio.get_running_loop().run_in_executor(None, self.close))
-            if isinstance(error, Error):
-                error.sent = True
             raise
 
     def __enter__(self) -> "Wait[T]":
