@@ -35,7 +35,7 @@ def ask_acquirer(answer: str) -> str | None:
 class Sale:
     """What is known of the money, whatever goes wrong."""
 
-    authorised = False  # by the acquirer
+    asked = False  # the acquirer, which may have approved unless its answer declines
     approved = False  # by the card, which has the last word
     in_doubt = False  # the card was told, and has not answered
 
@@ -59,8 +59,9 @@ def sell(session: Session, amount: int, answer: str, sale: Sale) -> None:
     sale.approved = first.decision == Decision.APPROVED
     if first.decision != Decision.ONLINE:
         return
+    sale.asked = True
     code = ask_acquirer(answer)
-    sale.authorised = code == "00"
+    sale.asked = code in ("00", None)
     sale.in_doubt = True
     finish = session.run(Fcx("2000" if code is None else "0000", response_code=code, timeout=SECONDS),
                          deadline=SECONDS + 30)
@@ -83,7 +84,7 @@ def main(port: str, cents: str, answer: str = "00") -> int:
         print(error)
     except KeyboardInterrupt:
         print("given up at the till")
-    if sale.authorised and not sale.approved:
+    if sale.asked and not sale.approved:
         print("the acquirer must be told that there was no sale")
     print(sale.outcome)
     return 0 if sale.approved else 1

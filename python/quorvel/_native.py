@@ -9,6 +9,7 @@ library raises by longjmp, which must not cross the interpreter's frames. It doe
 so a raise calls the uncaught handler, and when that returns, the function that raised leaves in the ordinary way.
 """
 import ctypes
+import itertools
 import os
 import re
 import threading
@@ -110,8 +111,9 @@ def library() -> ctypes.CDLL:
         return _library
 
 
-def call(name: str, *arguments: Any) -> Any:
-    """Calls a function of the library; raises what it raised first, and nothing else that it raised."""
+def keep(results: list[Any], name: str, *arguments: Any) -> None:
+    """Calls a function of the library; raises what it raised first, and nothing else that it raised. The result goes
+    into `results` within one call of C's, so that no interrupt of the interpreter's comes in between and loses it."""
     global _calling
     function = _functions[name]
     function.check(arguments)
@@ -122,9 +124,25 @@ def call(name: str, *arguments: Any) -> Any:
         _raised.clear()
         _calling = True
         try:
-            result = bound(*arguments)
+            results.extend(itertools.starmap(bound, (arguments,)))
         finally:
             _calling = False
         for code, text in _raised.items():
             raise Error(code, (text or b"").decode("latin-1"))
-    return result
+
+
+def call(name: str, *arguments: Any) -> Any:
+    """The same; returns the result."""
+    results: list[Any] = []
+    keep(results, name, *arguments)
+    return results[0]
+
+
+def _begin_child() -> None:
+    """After a fork nobody is left to release the lock, and the call in which it was held never ends."""
+    global lock, _calling
+    lock = threading.RLock()
+    _calling = False
+
+
+os.register_at_fork(after_in_child=_begin_child)

@@ -88,7 +88,10 @@ class Status(enum.IntEnum):
 
 
 class Error(Exception):
-    """What the library raised: its code, and its text, which reads "[KOR_RESULT_NAME] detail"."""
+    """What the library raised: its code, and its text, which reads "[KOR_RESULT_NAME] detail". `sent` tells that the
+    PIN pad had taken the request by then."""
+
+    sent = False
 
     def __init__(self, code: int, text: str) -> None:
         super().__init__(code, text)
@@ -113,6 +116,7 @@ class Ended(Error):
         super().__init__(Code.OK, why.value)
         self.args = (why,)
         self.why = why
+        self.sent = True
 
 
 class Refused(Error):
@@ -139,6 +143,11 @@ class Incomplete(Error):
 def illegal(detail: str) -> Error:
     """An argument that the package refuses before the library sees it, in the library's words."""
     return Error(Code.ILLEGAL_ARGUMENT, f"[KOR_RESULT_ILLEGAL_ARGUMENT] {detail}")
+
+
+def state(detail: str) -> Error:
+    """What the package refuses at this time."""
+    return Error(Code.ILLEGAL_STATE, f"[KOR_RESULT_ILLEGAL_STATE] {detail}")
 
 
 def malformed(detail: str) -> Error:

@@ -7,9 +7,12 @@ import logging
 from collections import deque
 from collections.abc import Callable, Generator
 from dataclasses import dataclass, field
-from typing import Any
+from typing import Any, TypeVar
 
 from ._records import RECORDS, decoded
+
+
+E = TypeVar("E")
 
 
 class EventType(enum.IntEnum):
@@ -45,8 +48,10 @@ _TELL = ctypes.CFUNCTYPE(None, ctypes.POINTER(RECORDS["AbecsLinkEvent"]))
 class Watch:
     """Collects the events of a call, in the middle of which nothing else can be done, and tells of them after it."""
 
-    def __init__(self, tell: Observer) -> None:
-        self._tell = tell
+    def __init__(self) -> None:
+        self.tell: Observer | None = None
+        # How many there were, by which a link sees whether a request has gone out.
+        self.seen = 0
         self._events: deque[LinkEvent] = deque()
         self._interrupts: deque[BaseException] = deque()
         collector = self._collect()
@@ -60,7 +65,9 @@ class Watch:
             try:
                 while True:
                     event = yield
-                    self._events.append(_event(event.contents))
+                    self.seen += 1
+                    if self.tell is not None:
+                        self._events.append(_event(event.contents))
             except GeneratorExit:
                 return
             except BaseException as error:
@@ -72,14 +79,22 @@ class Watch:
 
     def deliver(self) -> None:
         """An observer that fails is logged, and disturbs neither the call nor its error."""
-        while self._events:
-            event = self._events.popleft()
+        while (event := _first(self._events)) is not None:
             try:
-                self._tell(event)
+                if self.tell is not None:
+                    self.tell(event)
             except Exception:
                 logging.getLogger("quorvel").exception("an observer of a link has failed")
-        if self._interrupts:
-            raise self._interrupts.popleft()
+        if (interrupt := _first(self._interrupts)) is not None:
+            raise interrupt
+
+
+def _first(queue: "deque[E]") -> E | None:
+    """Several threads may take from it."""
+    try:
+        return queue.popleft()
+    except IndexError:
+        return None
 
 
 def _event(raw: Any) -> LinkEvent:

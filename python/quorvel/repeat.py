@@ -4,7 +4,7 @@
 import dataclasses
 import enum
 
-from .errors import Code, Ended, Error, Refused
+from .errors import Code, Error, Refused
 
 
 class Failure(enum.Enum):
@@ -21,7 +21,7 @@ def failure_of(error: Error) -> Failure:
         return Failure.REFUSED
     refused_here = (Code.ILLEGAL_ARGUMENT, Code.ILLEGAL_STATE, Code.INDEX_OUT_OF_BOUNDS, Code.FILE_NOT_FOUND,
                     Code.DEVICE_BUSY, Code.PERMISSION_DENIED)
-    return Failure.NOT_SENT if not isinstance(error, Ended) and error.code in refused_here else Failure.LOST
+    return Failure.NOT_SENT if not error.sent and error.code in refused_here else Failure.LOST
 
 
 class Advice(enum.Enum):

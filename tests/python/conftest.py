@@ -24,6 +24,8 @@ def line():
 
 @pytest.fixture
 def peer(line):
+    line[1].send_can()  # whatever the last test has left
+    line[1]._session = lambda: None
     line[0].answers, line[0].requests, line[0].cans = [], [], 0
     return line[0]
 

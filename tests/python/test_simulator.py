@@ -75,7 +75,7 @@ def test_an_encrypted_session_that_was_cut_off_does_not_keep_a_plain_one_away(pi
         with Link(pin_pad.port, claim=True, whole_frames=True) as link, link.open() as session:
             assert link.whole_frames
             pin_pad.when("GKY", ("press", "enter"))
-            assert session.run(first, deadline=5).ok and pin_pad.state()["session"] == "plain"
+            assert session.run(first).ok and pin_pad.state()["session"] == "plain"
             with pytest.raises(Error, match="Port is busy"):
                 Link(pin_pad.port, claim=True)
 
@@ -125,13 +125,22 @@ def test_an_example_does_what_it_says(example, arguments, scenario, status, outp
         assert first.process.wait(10) == 0 if scenario else not first.findings() + second.findings()
 
 
-def test_a_sale_whose_line_breaks_behind_the_acquirer_is_unknown():
+@pytest.mark.parametrize("answer, fault, told, outcome", [
+    ("00", dict(fault="hang-up", command="FCX", ms=1), True, "UNKNOWN"), ("none", None, True, "NOT APPROVED"),
+    ("05", None, False, "NOT APPROVED"), ("interrupt", None, True, "NOT APPROVED")])
+def test_an_acquirer_that_may_have_approved_is_told_that_there_was_no_sale(tmp_path, answer, fault, told, outcome):
+    sale = ROOT / "examples/python/sale.py"
+    if answer == "interrupt":  # Ctrl-C while it is asked
+        text = sale.read_text().replace('    print("the acq', '    raise KeyboardInterrupt\n    print("the acq', 1)
+        sale = tmp_path / "sale.py"
+        sale.write_text(text)
     with virtual_pin_pad() as pad:
-        pad.when("GCX", ("insert", "visa-chip"))
-        pad.when("GOX", ("type", "1234"))
-        pad.fault("hang-up", command="FCX", ms=1)
-        code, output = run(ROOT / "examples/python/sale.py", pad.port, "1234")
-        assert code == 1 and output.endswith("the acquirer must be told that there was no sale\nUNKNOWN\n"), output
+        for command, act in dict(GCX=("insert", "visa-chip"), GOX=("type", "1234"), RMC=("remove",)).items():
+            pad.when(command, act)
+        fault and pad.fault(**fault)
+        code, output = run(sale, pad.port, "1234", answer)
+    last = "the acquirer must be told that there was no sale\n" * told + f"{outcome}\n"
+    assert code == 1 and output.endswith(last) and output.count("must be told") == told, output
 
 
 def test_a_library_that_is_not_there_is_told_of():

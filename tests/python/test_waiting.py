@@ -234,7 +234,159 @@ def test_an_observer_that_fails_is_logged_and_sees_packets_only_when_it_asks(pee
 def test_what_is_wrong_is_raised(peer, session, request_, answered, code, text):
     peer.answers.append([answered])
     with pytest.raises((Error, UnicodeEncodeError), match=text) as error:
-        session.run(request_, deadline=10)
+        session.run(request_, deadline=10 if request_.waits else None)
     if code is not UnicodeEncodeError:
         assert error.value.code is code and str(error.value).startswith(f"[KOR_RESULT_{code.name}] ")
     assert len(peer.requests) == (answered is not None) and session.link.waiting_for == FREE
+
+
+def test_a_late_answer_is_not_taken_for_the_next_one(peer, session):
+    session.link.limit = 0.2
+    with pytest.raises(Error, match="limit of 200 ms"):
+        session.run(Gts(1))
+    session.link.limit = None
+    peer.say(b"GTS000010LATE      ")
+    peer.answers.append([b"GTS000010IN TIME   "])
+    assert session.run(Gts(2)).value == "IN TIME"
+
+
+@pytest.mark.parametrize("request_, answered, failure", [
+    (Gts(100), b"", Failure.NOT_SENT), (Gky(), b"GIN000", Failure.LOST),
+    (Fnc(0, "00"), b"FNC000610" b"0300" + b"AB" * 300 + b"000000", Failure.LOST),
+    (Fcx("0000", "00"), b"FCX000007\x80\x59\0\x03100", Failure.LOST)], ids="GTS GKY FNC FCX".split())
+def test_an_error_tells_whether_the_request_was_sent(peer, session, request_, answered, failure):
+    peer.answers.append([answered])
+    wait = session.start(request_) if request_.waits else None
+    raised = []
+    for _ in range(2 if wait else 1):  # the second get() has the same to tell
+        with pytest.raises(Error) as error:
+            wait.get(5) if wait else session.run(request_)
+        raised.append((str(error.value), failure_of(error.value)))
+        wait and wait.close()
+    assert {told for _, told in raised} == {failure} and len(set(raised)) == 1
+
+
+async def awaited(wait):
+    return await wait
+
+
+@pytest.mark.parametrize("get", [lambda wait: wait.get(), lambda wait: asyncio.run(awaited(wait))])
+@pytest.mark.parametrize("end, text", [
+    (lambda wait: wait._link.send_can(), "cancelled"), (lambda wait: wait.close(), "cancelled"),
+    (lambda wait: wait._session.close(), "cancelled"),
+    (lambda wait: wait._link.close(), "the link is closed")])
+def test_whoever_waits_is_told_when_another_ends_it(end, text, get):
+    other = Peer()
+    with Link(other.port) as link:
+        other.answers[:] = [[], [b"CLO000"]]
+        wait = Session(link, False).start(Gky())
+        with ThreadPoolExecutor(1) as pool:
+            ended = pool.submit(lambda: time.sleep(0.05) or end(wait))
+            for _ in range(2):
+                with pytest.raises(Error, match=text) as error:
+                    get(wait)
+                assert failure_of(error.value) is Failure.LOST
+            ended.result()
+
+
+def test_an_event_loop_leaves_the_link_free_and_is_not_held_up(peer, session):
+    async def use():
+        task = asyncio.ensure_future(session.start(Gky()))
+        task.cancel()  # before its first step
+        with pytest.raises(asyncio.CancelledError):
+            await task
+        while session.link.waiting_for:
+            await asyncio.sleep(0.01)
+        peer.answers.append([b"NTM000003ONE"])
+        with pytest.raises(ZeroDivisionError):
+            await session.start(Gky()).on_notice(lambda text: 1 / 0)
+        assert (peer.cans, session.link.waiting_for) == (2, FREE)
+        task = asyncio.create_task(awaited(session.start(Gky())))
+        held = threading.Event()
+
+        def hold():
+            with _native.lock:
+                held.set()
+                time.sleep(0.5)
+        threading.Thread(target=hold).start()
+        held.wait()
+        begun = time.monotonic()
+        await asyncio.sleep(0.05)
+        assert time.monotonic() - begun < 0.4
+        peer.say(b"GKY000")
+        assert (await task).require() == Key.ENTER
+
+    asyncio.run(asyncio.wait_for(use(), 20))
+
+
+def test_there_is_one_session_at_a_time_and_one_that_is_over_does_nothing(peer, link):
+    peer.answers[:] = [[b"OPN000"], [b"CLO000"], [b"OPN000"], [b"CLO000"]]
+    first = link.open()
+    with pytest.raises(Error, match="a session is open on this link"):
+        link.open()
+    first.close()
+    with link.open():
+        for act in (lambda: first.run(Gin()), lambda: first.start(Gky()), first.close):
+            with pytest.raises(Error, match="the session is closed"):
+                act()
+        first.__exit__(None, None, None)
+        assert [request[:3] for request in peer.requests] == [b"OPN", b"CLO", b"OPN"]
+
+
+def test_an_interrupt_leaves_the_link_free_and_a_port_that_nobody_holds_is_closed(peer, session):
+    def interrupt(*_):
+        raise Interrupted
+
+    signal.signal(signal.SIGALRM, interrupt)
+    peer.answers.append([b"DSP000"])
+    session.run(Dsp("HI"))
+    session.link.send_interval = 0.3
+    signal.setitimer(signal.ITIMER_REAL, 0.1)
+    with pytest.raises(Interrupted):
+        session.start(Gky())
+    session.link.send_interval = 0
+    assert (peer.cans, session.link.waiting_for, peer.requests[-1]) == (1, FREE, b"GKY")
+    other = Peer()
+    signal.setitimer(signal.ITIMER_REAL, 0.1)
+    with pytest.raises(Interrupted):
+        Link(other.port, claim=True)
+    Link(other.port, claim=True)  # dropped
+    Link(other.port, claim=True).close()
+
+
+def test_notices_without_end_hold_up_neither_a_deadline_nor_a_cancel(peer, session):
+    for why in Why:
+        told = []
+        peer.answers.append([b"NTM000003ONE"] * 40)
+        with pytest.raises(Ended) as ended, session.start(Gky()) as wait:
+            wait.on_notice(lambda text: told.append(text) or time.sleep(0.05) or why is Why.CANCELLED and wait.cancel())
+            wait.get(0.15 if why is Why.DEADLINE else float("inf"))
+        assert ended.value.why is why and len(told) < 10
+
+
+def test_a_deadline_and_cancel_are_for_what_waits(peer, session):
+    with pytest.raises(TypeError, match="takes no deadline"):
+        session.run(Gin(), deadline=1)
+    peer.answers[:] = [[], [b"CLO000"]]
+    with pytest.raises(Ended), session, session.start(Gky()) as wait:
+        wait.cancel()
+        wait.poll()
+    assert peer.cans == 1 and [request[:3] for request in peer.requests] == [b"GKY", b"CLO"]
+
+
+def test_a_child_process_need_not_wait_for_its_parents_thread(session):
+    def hold():
+        with _native.lock:
+            held.set()
+            time.sleep(1)
+
+    held = threading.Event()
+    threading.Thread(target=hold).start()
+    held.wait()
+    child = os.fork()
+    if child == 0:
+        signal.signal(signal.SIGALRM, signal.SIG_DFL)
+        signal.alarm(5)
+        library_version()
+        os._exit(0)
+    assert os.waitpid(child, 0)[1] == 0
