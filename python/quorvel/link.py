@@ -14,9 +14,10 @@ from types import TracebackType
 from typing import Any, Generic, TypeVar
 
 from . import _native
-from ._records import decoded, display
+from ._records import decoded, display, wiped
 from ._request import Answer, Outcome, Poll, Request, Seconds, answer, milliseconds, seconds
 from .errors import Code, Ended, Error, Refused, Status, Why, state
+from .immediate import WorkingKey
 from .observer import Observer, Watch
 
 T = TypeVar("T")
@@ -233,6 +234,15 @@ class Link:
             self._raw("abecs_comm_show_clear_packets", packets and tell is not None)
             self._watch.tell = tell
 
+    def set_pan_key(self, key: WorkingKey | None) -> None:
+        """Has the link decipher card data with a working key, or no longer. In an encrypted session the latter breaks
+        the session, so remove the key outside of one."""
+        if key is None:
+            self._call("abecs_comm_set_wk_pan", None)
+            return
+        with wiped(key._record()) as native:
+            self._call("abecs_comm_set_wk_pan", ctypes.byref(native))
+
     def wake(self) -> None:
         """Ends the waiting of a poll(), from another thread or from a signal handler."""
         self._waker.wake()
@@ -408,8 +418,9 @@ class Session:
         self._last = (text, image)
 
     def close(self, text: str = "", image: str = "") -> Answer[None]:
-        """Ends what waits, closes the session and leaves a text or a media file on the display: by CLO, or by CLX if the text is longer than 32
-        characters or has several lines, or there is an image. Whatever goes wrong, the session is over on this side."""
+        """Ends what waits, closes the session and leaves a text or a media file on the display: by CLO, or by CLX if
+        the text is longer than 32 characters or has several lines, or there is an image. Whatever goes wrong, the
+        session is over on this side."""
         self._require_open()
         shown = display(text)
         short = len(shown) <= _SHORT and b"\r" not in shown and not image
