@@ -29,6 +29,8 @@ _SLICE_MS = 20
 _SLICE = _SLICE_MS / 1000
 # Nobody sleeps for longer without a look round: another waiter may have taken the wake-up.
 _NAP = 1.0
+# So long a close waits for those who wait: for one that has gone without a word, a loop that was stopped for instance.
+_PATIENCE = 5.0
 # What leaves it open what the PIN pad is at.
 _OF_THE_EXCHANGE = (Code.IO_ERROR, Code.TIMEOUT_ERROR, Code.PROTOCOL_ERROR, Code.CRYPT_ERROR, Code.MALLOC_ERROR)
 # A CLO takes so many characters, in one line.
@@ -148,7 +150,7 @@ class Link:
     def _end_turn(self, turn: int) -> None:
         """Sends CAN if that wait is still on."""
         with _native.lock:
-            if self._turn == turn and self.waiting_for:
+            if self._turn == turn and self._opened and self.waiting_for:
                 self.send_can()
 
     def open(self, secure: bool = False) -> "Session":
@@ -260,11 +262,11 @@ class Link:
             self._closing = True
             self._waker.wake()
             for loop, leave in list(self._looping.items()):
-                if asyncio._get_running_loop() is loop:
-                    leave()
-                else:
+                if loop.is_running() and asyncio._get_running_loop() is not loop:
                     loop.call_soon_threadsafe(leave)
-            self._left.wait_for(lambda: not self._inside and not self._looping)
+                else:
+                    leave()
+            self._left.wait_for(lambda: not self._inside and not self._looping, _PATIENCE)
         self._session = lambda: None
         try:
             with _native.lock:
@@ -332,6 +334,8 @@ class Link:
             with self._left:
                 if self._looping.get(loop) is leave:
                     del self._looping[loop]
+                    if loop.is_closed():
+                        return
                     for descriptor in descriptors:
                         loop.remove_reader(descriptor)
                     self._left.notify_all()

@@ -289,6 +289,17 @@ def test_whoever_waits_is_told_when_another_ends_it(end, text, get):
             ended.result()
 
 
+def test_a_loop_that_stands_still_does_not_keep_a_link_from_closing():
+    other, loop = Peer(), asyncio.new_event_loop()
+    with Link(other.port) as link:
+        wait = Session(link, False).start(Gky())
+        task = loop.create_task(awaited(wait))
+        loop.run_until_complete(asyncio.sleep(0.05))
+    with pytest.raises(Error, match="the link is closed"):
+        loop.run_until_complete(task)
+    loop.close()
+
+
 def test_an_event_loop_leaves_the_link_free_and_is_not_held_up(peer, session):
     async def use():
         task = asyncio.ensure_future(session.start(Gky()))
