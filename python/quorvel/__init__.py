@@ -12,6 +12,7 @@ from .items import ItemId, Items
 from .link import Link, Session, Wait
 from .loads import Media, Tables
 from .observer import EventType, LinkEvent
+from .ports import ports, probe
 from .protection import (pan_decrypt_track, pan_encrypt, pan_identify, prepare_block, prepare_data,
                          prepare_working_key)
 from .raw import Raw, RawAnswer
@@ -23,17 +24,18 @@ from .waiting import (CardAnswer, CardType, Cex, CexAnswer, CexEvent, ChipCheck,
                       TableRecord)
 
 __all__ = [
-    "Advice", "Answer", "CardAnswer", "CardType", "Cex", "CexAnswer", "CexEvent", "ChipAnswer", "ChipCheck", "ChipOperation",
-    "ChipStatus", "Chp", "Cke", "CkeAnswer", "CkeEvent", "Cng", "Code", "DataMethod", "Decision", "Dex", "Dmf", "Dsi",
-    "Dsp", "Dwk1", "Dwk2", "Ebx", "EbxAnswer", "Enb", "Ended", "Error", "EventType", "Failure", "Fcx", "FcxAnswer",
-    "FinalDecision", "Fnc", "FncAnswer", "Gcd", "Gcr", "GcrAgain", "GcrAnswer", "Gcx", "Gdu", "Ged", "GenApdu",
-    "GenCardData", "GenChipData", "GenEncrypt", "GenEncrypted", "GenKeys", "GenPin", "GenPower", "Gin", "GinAnswer",
-    "Gix", "GixAnswer", "Gky", "Goc", "GocAnswer", "Gox", "GoxAnswer", "Gpn", "GpnAnswer", "Gtk", "GtkAnswer", "Gts",
-    "Incomplete", "ItemId", "Items", "Key", "Link", "LinkEvent", "Lmf", "MasterKey", "MasterKeyType", "Media", "Mle",
-    "Mli", "Mlr", "Mnu", "Octets", "PinEntry", "PinMethod", "Raw", "RawAnswer", "Reached", "Refused", "Repeat", "Request",
-    "Risk", "Rmc", "Seconds", "Secret", "Session", "SlotPower", "Status", "TableRecord", "Tables", "Tle", "Tli",
-    "Tlr", "Wait", "Why", "WorkingKey", "WorkingKeyType", "failure_of", "library_version", "pan_decrypt_track", "pan_encrypt",
-    "pan_identify", "prepare_block", "prepare_data", "prepare_working_key", "repeat_safety",
+    "Advice", "Answer", "CardAnswer", "CardType", "Cex", "CexAnswer", "CexEvent", "ChipAnswer", "ChipCheck",
+    "ChipOperation", "ChipStatus", "Chp", "Cke", "CkeAnswer", "CkeEvent", "Cng", "Code", "DataMethod", "Decision",
+    "Dex", "Dmf", "Dsi", "Dsp", "Dwk1", "Dwk2", "Ebx", "EbxAnswer", "Enb", "Ended", "Error", "EventType", "Failure",
+    "Fcx", "FcxAnswer", "FinalDecision", "Fnc", "FncAnswer", "Gcd", "Gcr", "GcrAgain", "GcrAnswer", "Gcx", "Gdu",
+    "Ged", "GenApdu", "GenCardData", "GenChipData", "GenEncrypt", "GenEncrypted", "GenKeys", "GenPin", "GenPower",
+    "Gin", "GinAnswer", "Gix", "GixAnswer", "Gky", "Goc", "GocAnswer", "Gox", "GoxAnswer", "Gpn", "GpnAnswer",
+    "Gtk", "GtkAnswer", "Gts", "Incomplete", "ItemId", "Items", "Key", "Link", "LinkEvent", "Lmf", "MasterKey",
+    "MasterKeyType", "Media", "Mle", "Mli", "Mlr", "Mnu", "Octets", "PinEntry", "PinMethod", "Raw", "RawAnswer",
+    "Reached", "Refused", "Repeat", "Request", "Risk", "Rmc", "Seconds", "Secret", "Session", "SlotPower", "Status",
+    "TableRecord", "Tables", "Tle", "Tli", "Tlr", "Wait", "Why", "WorkingKey", "WorkingKeyType", "failure_of",
+    "library_version", "pan_decrypt_track", "pan_encrypt", "pan_identify", "ports", "prepare_block", "prepare_data",
+    "prepare_working_key", "probe", "repeat_safety",
 ]
 
 

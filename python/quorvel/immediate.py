@@ -229,7 +229,7 @@ class Cng(Immediate[None]):
     """Changes EMV data of the transaction."""
 
     id = "CNG"
-    emv_data: Octets
+    emv_data: Octets = field(repr=False)
 
     def _run(self, call: Call) -> Outcome[None]:
         return call("abecs_cmd_cng", hexadecimal(self.emv_data)), nothing
@@ -257,7 +257,7 @@ class Fnc(Immediate[FncAnswer]):
     id = "FNC"
     reached: int
     response_code: str = ""
-    issuer_data: Octets = b""
+    issuer_data: Octets = field(default=b"", repr=False)
     tags: Octets = b""
 
     def _run(self, call: Call) -> Outcome[FncAnswer]:
@@ -273,7 +273,7 @@ class Fnc(Immediate[FncAnswer]):
 @dataclass(frozen=True)
 class GtkAnswer:
     """Bytes, enciphered unless no method was given; with their keys' serial numbers, and the random key under the
-    host's RSA key."""
+    host's RSA key. `items` holds everything as it came."""
 
     enc_pan: bytes | None = field(repr=False)
     track1: bytes | None = field(repr=False)
@@ -284,6 +284,7 @@ class GtkAnswer:
     track3_ksn: bytes | None
     pan_ksn: bytes | None
     random_key: bytes | None = field(repr=False)
+    items: Items = field(default_factory=Items, compare=False)
 
 
 @dataclass(frozen=True)
@@ -315,13 +316,14 @@ class Gtk(Immediate[GtkAnswer]):
             status, items = fetch(lambda out: call("abecs_cmd_gtk", request.handle, out))
         wanted = (ItemId.ENCPAN, ItemId.TRACK1, ItemId.TRACK2, ItemId.TRACK3, ItemId.TRK1KSN, ItemId.TRK2KSN,
                   ItemId.TRK3KSN, ItemId.ENCPANKSN, ItemId.ENCKRAND)
-        return status, lambda: GtkAnswer(*map(items.bytes, wanted))
+        return status, lambda: GtkAnswer(*map(items.bytes, wanted), items)
 
 
 @dataclass(frozen=True)
 class EbxAnswer:
-    data: bytes | None
+    data: bytes | None = field(repr=False)
     ksn: bytes | None
+    items: Items = field(default_factory=Items, compare=False)
 
 
 @dataclass(frozen=True)
@@ -343,7 +345,7 @@ class Ebx(Immediate[EbxAnswer]):
                 request("wkenc", key, len(key))
             request.put("ivcbc", self.iv, _block)
             status, items = fetch(lambda out: call("abecs_cmd_ebx", request.handle, out))
-        return status, lambda: EbxAnswer(items.bytes(ItemId.DATAOUT), items.bytes(ItemId.KSN))
+        return status, lambda: EbxAnswer(items.bytes(ItemId.DATAOUT), items.bytes(ItemId.KSN), items)
 
 
 @dataclass(frozen=True)
@@ -398,6 +400,15 @@ class Dwk2(Immediate[WorkingKey]):
         return _new_key(call, "abecs_cmd_dwk2", self.on_link)
 
 
+def texts_of(found: Owned) -> list[str]:
+    texts = []
+    node = found("first")
+    while node:
+        texts.append(decoded(_native.call("kor_string_list_item", node)))
+        node = _native.call("kor_string_list_next", node)
+    return texts
+
+
 @dataclass(frozen=True)
 class Lmf(Immediate[list[str]]):
     """The names of the media files."""
@@ -405,13 +416,8 @@ class Lmf(Immediate[list[str]]):
     id = "LMF"
 
     def _run(self, call: Call) -> Outcome[list[str]]:
-        names: list[str] = []
         with Owned("kor_string_list") as found:
-            status = call("abecs_cmd_lmf", found.handle)
-            node = found("first")
-            while node:
-                names.append(decoded(_native.call("kor_string_list_item", node)))
-                node = _native.call("kor_string_list_next", node)
+            status, names = call("abecs_cmd_lmf", found.handle), texts_of(found)
         return status, lambda: names
 
 
@@ -545,7 +551,7 @@ class GenChipData(Immediate[bytes]):
 @dataclass(frozen=True)
 class GenEncrypted:
     ksn: bytes
-    data: bytes
+    data: bytes = field(repr=False)
 
 
 @dataclass(frozen=True)
@@ -606,7 +612,7 @@ class GenApdu(Immediate[ChipAnswer]):
     slot: int
     header: Octets
     data: Octets = field(default=b"", repr=False)
-    le: int = 0
+    le: int = 256
 
     def _run(self, call: Call) -> Outcome[ChipAnswer]:
         data = hexadecimal(self.data)

@@ -85,8 +85,8 @@ class ItemId(enum.IntEnum):
 class Items:
     """The parameters of an answer by their ids, in the order of the ids. What they hold is not printed."""
 
-    def __init__(self, values: Mapping[int, builtins.bytes]) -> None:
-        self._values = dict(sorted(values.items()))
+    def __init__(self, values: Mapping[int, builtins.bytes] | None = None) -> None:
+        self._values = dict(sorted((values or {}).items()))
 
     def has(self, id: int) -> bool:
         return id in self._values

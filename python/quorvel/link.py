@@ -14,9 +14,10 @@ from types import TracebackType
 from typing import Any, Generic, TypeVar
 
 from . import _native
-from ._records import decoded, display
+from ._records import decoded, display, wiped
 from ._request import Answer, Outcome, Poll, Request, Seconds, answer, milliseconds, seconds
 from .errors import Code, Ended, Error, Refused, Status, Why, state
+from .immediate import WorkingKey
 from .observer import Observer, Watch
 
 T = TypeVar("T")
@@ -28,6 +29,8 @@ _SLICE_MS = 20
 _SLICE = _SLICE_MS / 1000
 # Nobody sleeps for longer without a look round: another waiter may have taken the wake-up.
 _NAP = 1.0
+# So long a close waits for those who wait: for one that has gone without a word, a loop that was stopped for instance.
+_PATIENCE = 5.0
 # What leaves it open what the PIN pad is at.
 _OF_THE_EXCHANGE = (Code.IO_ERROR, Code.TIMEOUT_ERROR, Code.PROTOCOL_ERROR, Code.CRYPT_ERROR, Code.MALLOC_ERROR)
 # A CLO takes so many characters, in one line.
@@ -147,7 +150,7 @@ class Link:
     def _end_turn(self, turn: int) -> None:
         """Sends CAN if that wait is still on."""
         with _native.lock:
-            if self._turn == turn and self.waiting_for:
+            if self._turn == turn and self._opened and self.waiting_for:
                 self.send_can()
 
     def open(self, secure: bool = False) -> "Session":
@@ -233,6 +236,15 @@ class Link:
             self._raw("abecs_comm_show_clear_packets", packets and tell is not None)
             self._watch.tell = tell
 
+    def set_pan_key(self, key: WorkingKey | None) -> None:
+        """Has the link decipher card data with a working key, or no longer. In an encrypted session the latter breaks
+        the session, so remove the key outside of one."""
+        if key is None:
+            self._call("abecs_comm_set_wk_pan", None)
+            return
+        with wiped(key._record()) as native:
+            self._call("abecs_comm_set_wk_pan", ctypes.byref(native))
+
     def wake(self) -> None:
         """Ends the waiting of a poll(), from another thread or from a signal handler."""
         self._waker.wake()
@@ -250,11 +262,11 @@ class Link:
             self._closing = True
             self._waker.wake()
             for loop, leave in list(self._looping.items()):
-                if asyncio._get_running_loop() is loop:
-                    leave()
-                else:
+                if loop.is_running() and asyncio._get_running_loop() is not loop:
                     loop.call_soon_threadsafe(leave)
-            self._left.wait_for(lambda: not self._inside and not self._looping)
+                else:
+                    leave()
+            self._left.wait_for(lambda: not self._inside and not self._looping, _PATIENCE)
         self._session = lambda: None
         try:
             with _native.lock:
@@ -322,6 +334,8 @@ class Link:
             with self._left:
                 if self._looping.get(loop) is leave:
                     del self._looping[loop]
+                    if loop.is_closed():
+                        return
                     for descriptor in descriptors:
                         loop.remove_reader(descriptor)
                     self._left.notify_all()
@@ -408,8 +422,9 @@ class Session:
         self._last = (text, image)
 
     def close(self, text: str = "", image: str = "") -> Answer[None]:
-        """Ends what waits, closes the session and leaves a text or a media file on the display: by CLO, or by CLX if the text is longer than 32
-        characters or has several lines, or there is an image. Whatever goes wrong, the session is over on this side."""
+        """Ends what waits, closes the session and leaves a text or a media file on the display: by CLO, or by CLX if
+        the text is longer than 32 characters or has several lines, or there is an image. Whatever goes wrong, the
+        session is over on this side."""
         self._require_open()
         shown = display(text)
         short = len(shown) <= _SHORT and b"\r" not in shown and not image

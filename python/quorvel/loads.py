@@ -10,6 +10,7 @@ from . import _native
 from .errors import Error, Incomplete, Status
 from .immediate import Dmf, Dsi, Gts, Lmf, Mle, Mli, Mlr, Tle, Tli, Tlr
 from .link import Session
+from .repeat import Failure, failure_of
 
 # Told how much was taken, of how much.
 Progress = Callable[[int, int], object]
@@ -26,12 +27,13 @@ class Tables:
         self.records = tuple(records)
 
     def load(self, session: Session, acquirer: int, version: str, on_progress: Progress | None = None) -> None:
-        """Replaces the tables of an acquirer by these. When it fails, Refused or Error before the PIN pad has begun
-        the load, and Incomplete after that."""
+        """Replaces the tables of an acquirer by these. When it fails, Refused or Error if the PIN pad has not begun
+        the load, and Incomplete once it may have."""
         batches = list(self._batches())
-        session.run(Tli(acquirer, version)).require()
-        done = 0
+        begun, done = False, 0
         try:
+            session.run(Tli(acquirer, version)).require()
+            begun = True
             for batch in batches:
                 session.run(Tlr(batch)).require()
                 done += len(batch)
@@ -39,6 +41,8 @@ class Tables:
                     on_progress(done, len(self.records))
             session.run(Tle()).require()
         except Error as error:
+            if not begun and failure_of(error) is not Failure.LOST:
+                raise
             raise Incomplete("tables", done, len(self.records)) from error
 
     @staticmethod
@@ -67,14 +71,15 @@ class Media:
     @staticmethod
     def put(session: Session, source: bytes | str | os.PathLike[str], name: str, type: int,
             on_progress: Progress | None = None) -> None:
-        """Loads a file, from a path or from bytes. When it fails, Refused or Error before the PIN pad has begun the
-        load, and Incomplete after that."""
+        """Loads a file, from a path or from bytes. When it fails, Refused or Error if the PIN pad has not begun the
+        load, and Incomplete once it may have."""
         data = bytes(source) if isinstance(source, (bytes, bytearray)) else Path(source).read_bytes()
         crc = ctypes.c_uint16(0)
         _native.call("abecs_crc16", data, len(data), ctypes.byref(crc))
-        session.run(Mli(name, len(data), crc.value, type)).require()
-        done = 0
+        begun, done = False, 0
         try:
+            session.run(Mli(name, len(data), crc.value, type)).require()
+            begun = True
             while done < len(data):
                 session.run(Mlr(data[done:done + _BLOCK])).require()
                 done = min(done + _BLOCK, len(data))
@@ -82,6 +87,8 @@ class Media:
                     on_progress(done, len(data))
             session.run(Mle()).require()
         except Error as error:
+            if not begun and failure_of(error) is not Failure.LOST:
+                raise
             raise Incomplete("a media file", done, len(data)) from error
 
     @staticmethod

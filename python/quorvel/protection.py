@@ -6,27 +6,36 @@ from typing import Any
 
 from . import _native
 from ._records import RECORDS, hexadecimal, record, wiped
+from .errors import illegal
 from .immediate import MasterKey, WorkingKey
 from .secret import Octets, Secret
 
 
-def _text(value: str | Secret) -> bytes:
-    return value.reveal_bytes() if isinstance(value, Secret) else value.encode("latin-1")
+def _text(value: str | Secret) -> Any:
+    """A text in a buffer, which can be wiped."""
+    secret = value if isinstance(value, Secret) else Secret(value)
+    if 0 in secret._value:
+        raise illegal("a text has a NUL in it")
+    text = ctypes.create_string_buffer(len(secret._value) + 1)
+    ctypes.memmove(text, (ctypes.c_char * len(secret._value)).from_buffer(secret._value), len(secret._value))
+    return text
 
 
 def _pan(name: str, value: str | Secret, key: WorkingKey | None = None) -> Secret:
-    """The library's text is its own until the next call, so it is taken over under the lock. The result is copied
-    byte by byte, to leave no other copy."""
-    with _native.lock:
-        if key is None:
-            address = _native.call(name, _text(value))
-        else:
-            with wiped(key._record()) as native:
-                address = _native.call(name, _text(value), ctypes.byref(native))
-        text = bytearray()
-        while byte := ctypes.c_ubyte.from_address(address + len(text)).value:
-            text.append(byte)
-    return Secret(text)
+    """The library's text is its own until the next call, so it is taken over under the lock, at once into the secret,
+    and one more call wipes it."""
+    with _native.lock, wiped(_text(value)) as text, wiped(key._record() if key else _text("")) as native:
+        more = [ctypes.byref(native)] if key else []
+        try:
+            address = _native.call(name, text, *more)
+            size = 0
+            while ctypes.c_ubyte.from_address(address + size).value:
+                size += 1
+            result = Secret(bytes(size))
+            ctypes.memmove((ctypes.c_char * size).from_buffer(result._value), address, size)
+            return result
+        finally:
+            _native.call(name, b"", *more)
 
 
 def pan_encrypt(pan: str | Secret, key: WorkingKey) -> Secret:

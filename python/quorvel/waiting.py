@@ -197,7 +197,7 @@ class Gcx(Waiting[CardAnswer]):
     type: int | None = None
     options: str | None = None
     pan_mask: tuple[int, int] | None = None
-    emv_data: Octets | None = None
+    emv_data: Octets | None = field(default=None, repr=False)
     tags: Octets | None = None
     timeout: Seconds | None = None
     text: str | None = None
@@ -267,7 +267,7 @@ class Gox(Waiting[GoxAnswer]):
     options: str | None = None
     text: str | None = None
     risk: Octets | None = None
-    emv_data: Octets | None = None
+    emv_data: Octets | None = field(default=None, repr=False)
     tags: Octets | None = None
     timeout: Seconds | None = None
 
@@ -309,7 +309,7 @@ class Fcx(Waiting[FcxAnswer]):
     id = "FCX"
     options: str
     response_code: str | None = None
-    emv_data: Octets | None = None
+    emv_data: Octets | None = field(default=None, repr=False)
     tags: Octets | None = None
     timeout: Seconds | None = None
 
@@ -372,7 +372,7 @@ class Gcr(Waiting[GcrAnswer]):
     amount: int = 0
     when: datetime | None = None
     tables_version: str = ""
-    contactless: bool = True
+    contactless: bool = False
     applications: Sequence[str] | None = None
 
     def _start(self, call: Call) -> Poll[GcrAnswer]:
@@ -605,18 +605,20 @@ class Cke(Waiting[CkeAnswer]):
 
 @dataclass(frozen=True)
 class CexAnswer:
-    """Tracks come with a magnetic card, and are not printed."""
+    """Tracks come with a magnetic card, and are not printed; `items` holds everything as it came."""
 
     event: CexEvent
     track1: str | None = field(default=None, repr=False)
     track2: str | None = field(default=None, repr=False)
     track3: str | None = field(default=None, repr=False)
+    items: Items = field(default_factory=Items, compare=False)
 
 
 @dataclass(frozen=True)
 class Cex(Waiting[CexAnswer]):
     """Waits for the first of the events that are asked for. Card numbers in tracks come masked: `pan_mask` tells how
-    many leading and trailing digits are left."""
+    many leading and trailing digits are left. `options` are the six characters themselves, in place of the first
+    four members."""
 
     id = "CEX"
     keys: bool = False
@@ -625,9 +627,12 @@ class Cex(Waiting[CexAnswer]):
     contactless: bool = False
     timeout: Seconds | None = None
     pan_mask: tuple[int, int] | None = None
+    options: str | None = None
 
     def _start(self, call: Call) -> Poll[CexAnswer]:
         options = b"%d%d%d%d00" % (self.keys, self.stripe, self.chip, self.contactless)
+        if self.options is not None:
+            options = display(self.options)
         timeout = None if self.timeout is None else _small_numbers([whole_seconds(self.timeout)])
         mask = None if self.pan_mask is None else _small_numbers(self.pan_mask)
         if mask is not None and len(mask) != 2:
@@ -644,7 +649,7 @@ class Cex(Waiting[CexAnswer]):
                 return status
             status, items = fetch(look)
             return status, lambda: CexAnswer(CexEvent(events[0]), *map(items.text, (
-                ItemId.TRK1INC, ItemId.TRK2INC, ItemId.TRK3INC)))
+                ItemId.TRK1INC, ItemId.TRK2INC, ItemId.TRK3INC)), items)
         return poll
 
 

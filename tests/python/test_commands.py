@@ -92,6 +92,10 @@ CASES = [
     (Fcx("0000", "00", "9A03260304", "829F02", 31), b"FCX035" + p(0x19, b"0000") + p(0x1C, b"00") + COMMON,
      b"FCX000" + block(p(0x8058, b"002"), p(0x8054, b"\x9A"), p(0x8059, b"\xAB")),
      dict(decision=FinalDecision.DECLINED_BY_ACQUIRER, emv_data=b"\x9A", script_results=b"\xAB")),
+    (Gcr(1, 0, 0, WHEN), b"GCR0400100000000000000260304050607" + b" " * 10 + b"00" b"0", b"GCR013", Status.CANCEL),
+    (Cex(options="012345"), b"CEX010" + p(6, b"012345"), b"CEX000" + block(p(0x8040, b"04"), p(0x9001, b"X")),
+     dict(event=CexEvent.F1)),
+    (GenApdu(1, "00A40400"), b"GEN02204017021" b"00A40400" b"000" b"256", b"GEN020", Status.TABVERDIF),
     (Gcr(1, 0, 12, WHEN, "V1", True, ["0102"]), b"GCR0440100000000000012260304050607V1        010102", b"GCR000"
      + b"414" b"03" b"1" b"06" b"01" b"Z1" + b"02T1".ljust(78) + b"02T2".ljust(39) + b"002" + b"T3".ljust(104)
      + b"164111111111111111".ljust(21) + b"07CREDIT".ljust(18) + b"201" + b"NAME".ljust(26) + b"301231" + b"!" * 29

@@ -2,6 +2,7 @@
 # Copyright (c) 2026 the quorvel authors
 """Whole conversations with the virtual PIN pad, the examples, and the package as it is installed."""
 import copy
+import ctypes
 import os
 import pickle
 import shutil
@@ -11,6 +12,7 @@ from pathlib import Path
 
 import pytest
 from quorvel import *
+from quorvel import _native
 from quorvel.testing import ControlError, virtual_pin_pad
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -94,7 +96,19 @@ def test_card_numbers_under_a_working_key():
     assert pan_encrypt("4111111111111111", KEY).equals("BEC8C7B720B1ED83")
     assert pan_decrypt_track(Secret("F0157C5DA1787BED=2512201"), KEY).reveal() == "4111111111111111=2512201"
     assert prepare_block("4111111111111111", KEY).upper() == "BEC8C7B720B1ED83"
+    with pytest.raises(Error, match="NUL"):
+        pan_identify("4111\x00")
     assert prepare_data("4111111111111111" * 2, KEY).upper() == "BEC8C7B720B1ED83" * 2
+
+
+@pytest.mark.parametrize("name, ask", [("decrypt_track", lambda: pan_decrypt_track("F0157C5DA1787BED=2512201", KEY)),
+                                       ("identify", lambda: pan_identify("4111111111111111=2512201"))])
+def test_the_library_keeps_no_card_number(monkeypatch, name, ask):
+    call, results = _native.call, {}
+    monkeypatch.setattr(_native, "call", lambda *all: results.setdefault(all[0], []).append(call(*all)) or
+                        results[all[0]][-1])
+    assert ask().reveal().startswith("4111111111111111")
+    assert b"1111" not in ctypes.string_at(results[f"abecs_pan_{name}"][0], 64)
 
 
 def test_a_secret_is_hard_to_lose():
@@ -107,7 +121,9 @@ def test_a_secret_is_hard_to_lose():
             forbidden()
     with secret:
         held = secret._value
-    assert held == b"\0\0\0\0" and "4111" not in repr([Gpn(0, 0, "4111", []), Ebx("4111", 0, 0), KEY])
+    assert held == b"\0\0\0\0" and "4111" not in repr([
+        Gpn(0, 0, "4111", []), Ebx("4111", 0, 0), KEY, Gcx(emv_data="4111"), Gox(1, 1, 1, emv_data="4111"), Cng("4111"),
+        Fcx("0000", emv_data="4111"), Fnc(0, issuer_data="4111"), GenEncrypted(b"", b"4111"), EbxAnswer(b"4111", b"")])
 
 
 @pytest.mark.parametrize("example, arguments, scenario, status, output", [

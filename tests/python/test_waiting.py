@@ -289,6 +289,17 @@ def test_whoever_waits_is_told_when_another_ends_it(end, text, get):
             ended.result()
 
 
+def test_a_loop_that_stands_still_does_not_keep_a_link_from_closing():
+    other, loop = Peer(), asyncio.new_event_loop()
+    with Link(other.port) as link:
+        wait = Session(link, False).start(Gky())
+        task = loop.create_task(awaited(wait))
+        loop.run_until_complete(asyncio.sleep(0.05))
+    with pytest.raises(Error, match="the link is closed"):
+        loop.run_until_complete(task)
+    loop.close()
+
+
 def test_an_event_loop_leaves_the_link_free_and_is_not_held_up(peer, session):
     async def use():
         task = asyncio.ensure_future(session.start(Gky()))
@@ -372,6 +383,32 @@ def test_a_deadline_and_cancel_are_for_what_waits(peer, session):
         wait.cancel()
         wait.poll()
     assert peer.cans == 1 and [request[:3] for request in peer.requests] == [b"GKY", b"CLO"]
+
+
+def test_a_load_whose_first_answer_is_lost_may_have_begun(peer, session):
+    session.link.limit = 0.1
+    for load, expected in ((lambda: Tables(["x"]).load(session, 1, "V1"), Incomplete),
+                           (lambda: Media.put(session, b"x", "NAME", 1), Incomplete),
+                           (lambda: Tables(["x"]).load(session, 100, "V1"), Error)):
+        with pytest.raises(Error) as error:
+            load()
+        assert type(error.value) is expected
+    session.link.limit = None
+
+
+def test_a_port_is_probed_and_a_key_for_card_numbers_taken(peer, session, tmp_path):
+    other = Peer()
+    probe(other.port)
+    assert (other.requests, other.cans) == ([], 0) and all(os.path.exists(port) for port in ports())
+    with pytest.raises(Error) as error:
+        probe(tmp_path / "none")
+    assert error.value.code is Code.FILE_NOT_FOUND
+    key = WorkingKey(WorkingKeyType.DES, Secret(bytes.fromhex("0123456789ABCDEFFEDCBA9876543210")))
+    enciphered = "F0157C5DA1787BED=2512201"
+    for given, rest, track in ((key, b" " * 16, "4111111111111111=2512201"), (None, b" " * 13 + b"000", enciphered)):
+        session.link.set_pan_key(given)
+        peer.answers.append([b"CKE000225" b"100" + b" " * 76 + b"24" + enciphered.encode() + rest + b" " * 104])
+        assert session.run(Cke(stripe=True), deadline=5).require().track2 == track
 
 
 def test_a_child_process_need_not_wait_for_its_parents_thread(session):
