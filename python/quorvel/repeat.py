@@ -39,14 +39,13 @@ class Repeat:
 
 _CARD = "the card's transaction is begun anew with the card"
 _LOAD = "a load is made from its start"
+_OVER = "the session is over on this side"
 _FROM_START = {"GOX": ("GCX", _CARD), "GOC": ("GCR", _CARD), "TLR": ("TLI", _LOAD), "TLE": ("TLI", _LOAD),
-               "MLR": ("MLI", _LOAD), "MLE": ("MLI", _LOAD)}
-_WHEN_LOST = {"CLO": Repeat(Advice.FROM_START, "OPN", "the session is over on this side"),
-              "CHP": Repeat(Advice.NEVER, why="a chip may have carried out the command"),
+               "MLR": ("MLI", _LOAD), "MLE": ("MLI", _LOAD), "CLO": ("OPN", _OVER), "CLX": ("OPN", _OVER)}
+_WHEN_LOST = {"CHP": Repeat(Advice.NEVER, why="a chip may have carried out the command"),
               "GEN": Repeat(Advice.NEVER, why="a chip may have carried out the command, a security module counted it")}
-_WHEN_LOST["CLX"] = _WHEN_LOST["CLO"]
 _ASKS_THE_CARDHOLDER = set("GCX GCR GPN GCD GKY MNU CKE CEX RMC".split())
-_HARMLESS = set("OPN GIN GIX GTS GDU GED GTK DSP DEX DSI TLI MLI LMF DMF CNG DWK ENB EBX CHP GEN CLO CLX".split())
+_HARMLESS = set("OPN GIN GIX GTS GDU GED GTK DSP DEX DSI TLI MLI LMF DMF CNG DWK ENB EBX CHP GEN".split())
 
 
 def repeat_safety(command: str, failure: Failure) -> Repeat:
@@ -56,7 +55,7 @@ def repeat_safety(command: str, failure: Failure) -> Repeat:
     if command in ("FCX", "FNC"):
         lost = failure is Failure.LOST
         return Repeat(Advice.NEVER, why="the card may have decided: the outcome is unknown, reverse" if lost else
-                      "the card has not been told: it counts as declined, reverse")
+                      "the card has not approved: it counts as declined, reverse")
     if command in _FROM_START:
         first, why = _FROM_START[command]
         return Repeat(Advice.FROM_START, first, why)
