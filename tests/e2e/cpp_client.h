@@ -5,7 +5,8 @@
 
 #include <string>
 
-// What a program in C++ comes to at a virtual PIN pad. In a source of their own, because both have words such as Status.
+// What a program in C++ comes to at a virtual PIN pad. In a source of their own, because both have words such as
+// Status.
 namespace client {
 
 // A plain session that shows a text.
