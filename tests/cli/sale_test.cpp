@@ -120,7 +120,7 @@ TEST_F(SaleTest, LeavesNoMoneyInDoubt) {
          true,
          5,
          "GTS;GCX;GOX;-;FCX;RMC;",
-         "the card has not been told"},
+         "it counts as declined"},
         {{.kind = "no-answer", .command = "CLO"},
          "declining-chip",
          "declined",
