@@ -66,7 +66,7 @@ Link::~Link() {
     if (!session_ || !session_->is_open()) { return; }
     try {
         const interrupt::Exchange exchange(link_->descriptor());
-        session_->close(lastText_, lastImage_);
+        in_words("CLO", [this] { session_->close(lastText_, lastImage_); });
     } catch (const std::exception& error) {
         output_.notice(fmt::format("The PIN pad was not left idle: {}", error.what()));
     }

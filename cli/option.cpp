@@ -65,7 +65,7 @@ CLI::Option* add_word(CLI::App& app, const std::string& name, std::string& given
 std::string words_of(const CLI::App& app, const CLI::ParseError& error) {
     const std::vector<std::string> extras = app.remaining(true);
     if (!extras.empty()) { return extra_words(extras.front()); }
-    const std::string text = error.what();
+    std::string text = error.what();
     const size_t behindName = text.find(": ");
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr && text.ends_with(" missing")) {
         return fmt::format("{} needs a value.", text.substr(0, behindName));

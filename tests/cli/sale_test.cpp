@@ -120,7 +120,7 @@ TEST_F(SaleTest, LeavesNoMoneyInDoubt) {
          true,
          5,
          "GTS;GCX;GOX;-;FCX;RMC;",
-         "the card has not approved"},
+         "it counts as declined"},
         {{.kind = "no-answer", .command = "CLO"},
          "declining-chip",
          "declined",

@@ -55,6 +55,7 @@ if [ -e "$prefix/bin/quorvel" ]; then
     "$prefix/bin/quorvel" info --port "$work/none" 2>/dev/null && { echo "a port that is not there was opened"; exit 1; }
     . "$prefix/share/bash-completion/completions/quorvel"
     [ -s "$prefix/share/zsh/site-functions/_quorvel" ]
+    for file in bash-completion/completions/quorvel-sim zsh/site-functions/_quorvel-sim; do [ -s "$prefix/share/$file" ]; done
     [ -s "$prefix/share/doc/quorvel/virtual.tables" ]
     if command -v scdoc >/dev/null; then
         for page in man1/quorvel.1 man1/quorvel-sim.1 man5/quorvel-tables.5; do [ -s "$prefix/share/man/$page" ]; done
