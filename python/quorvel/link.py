@@ -227,7 +227,7 @@ class Link:
     @property
     def waiting_for(self) -> str:
         """The command whose answer the link waits for, or ""."""
-        return decoded(self._call("abecs_comm_get_blk_wait_id"))
+        return decoded(self._raw("abecs_comm_get_blk_wait_id"))
 
     def observe(self, tell: Observer | None, packets: bool = False) -> None:
         """Has `tell` called with a LinkEvent for each thing that happens, after the call in which it did, in that
