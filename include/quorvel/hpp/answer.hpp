@@ -35,11 +35,9 @@ public:
         const std::string_view all = detail::text_of(*value);
         return all.substr(0, all.find_last_not_of(' ') + 1);
     }
-    /// The same as a copy that is wiped.
-    [[nodiscard]] std::optional<Secret> secret(int32_t id) const {
-        const auto value = text(id);
-        return value ? std::optional<Secret>(*value) : std::nullopt;
-    }
+    /// The same as a copy that is wiped: of a text, and of bytes as they are.
+    [[nodiscard]] std::optional<Secret> secret(int32_t id) const { return copied(text(id)); }
+    [[nodiscard]] std::optional<Secret> secret_bytes(int32_t id) const { return copied(bytes(id)); }
     /// The same of 1 to 18 decimal digits; nothing when it is something else.
     [[nodiscard]] std::optional<uint64_t> number(int32_t id) const noexcept {
         const auto digits = text(id);
@@ -66,6 +64,13 @@ public:
     [[nodiscard]] AbecsRspParamMap* native() const noexcept { return map_.get(); }
 
 private:
+    template <typename Value>
+    static std::optional<Secret> copied(const std::optional<Value>& value) {
+        std::optional<Secret> copy;
+        if (value) { copy.emplace(*value); }
+        return copy;
+    }
+
     std::shared_ptr<AbecsRspParamMap> map_;
 };
 

@@ -49,10 +49,6 @@ struct CardAnswer {
             const auto value = items.text(id);
             return value ? std::optional<std::string>(*value) : std::nullopt;
         };
-        const auto bytes = [&](int32_t id) {
-            const auto value = items.bytes(id);
-            return value ? std::optional<Secret>(*value) : std::nullopt;
-        };
         const auto type = items.number(ABECS_RSP_DATID_PP_CARDTYPE);
         const bool known = type && (*type == 0 || *type == 3 || *type == 5 || *type == 6);
         return {.type = known ? std::optional(static_cast<CardType>(*type)) : std::nullopt,
@@ -67,7 +63,7 @@ struct CardAnswer {
                 .track1 = items.secret(ABECS_RSP_DATID_PP_TRK1INC),
                 .track2 = items.secret(ABECS_RSP_DATID_PP_TRK2INC),
                 .track3 = items.secret(ABECS_RSP_DATID_PP_TRK3INC),
-                .emv_data = bytes(ABECS_RSP_DATID_PP_EMVDATA),
+                .emv_data = items.secret_bytes(ABECS_RSP_DATID_PP_EMVDATA),
                 .device_type = text(ABECS_RSP_DATID_PP_DEVTYPE),
                 .items = items};
     }
@@ -164,13 +160,9 @@ struct GoxAnswer {
     Items items;
 
     [[nodiscard]] static GoxAnswer of(const Items& items) {
-        const auto bytes = [&](int32_t id) {
-            const auto value = items.bytes(id);
-            return value ? std::optional<Secret>(*value) : std::nullopt;
-        };
-        GoxAnswer answer{.pin_block = bytes(ABECS_RSP_DATID_PP_PINBLK),
-                         .ksn = bytes(ABECS_RSP_DATID_PP_KSN),
-                         .emv_data = bytes(ABECS_RSP_DATID_PP_EMVDATA),
+        GoxAnswer answer{.pin_block = items.secret_bytes(ABECS_RSP_DATID_PP_PINBLK),
+                         .ksn = items.secret_bytes(ABECS_RSP_DATID_PP_KSN),
+                         .emv_data = items.secret_bytes(ABECS_RSP_DATID_PP_EMVDATA),
                          .items = items};
         const std::string_view digits = items.text(ABECS_RSP_DATID_PP_GOXRES).value_or("");
         if (digits.size() < 6 || digits[0] < '0' || digits[0] > '2') { return answer; }
@@ -246,14 +238,10 @@ struct FcxAnswer {
     Items items;
 
     [[nodiscard]] static FcxAnswer of(const Items& items) {
-        const auto bytes = [&](int32_t id) {
-            const auto value = items.bytes(id);
-            return value ? std::optional<Secret>(*value) : std::nullopt;
-        };
         const auto result = items.number(ABECS_RSP_DATID_PP_FCXRES);
         return {.decision = result && *result <= 2 ? std::optional(static_cast<Decision>(*result)) : std::nullopt,
-                .emv_data = bytes(ABECS_RSP_DATID_PP_EMVDATA),
-                .script_results = bytes(ABECS_RSP_DATID_PP_ISRESULTS),
+                .emv_data = items.secret_bytes(ABECS_RSP_DATID_PP_EMVDATA),
+                .script_results = items.secret_bytes(ABECS_RSP_DATID_PP_ISRESULTS),
                 .items = items};
     }
 };
