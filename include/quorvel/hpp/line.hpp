@@ -61,6 +61,7 @@ public:
 
     [[nodiscard]] AbecsComm* get() const noexcept { return link_; }
 
+    // Calls the library.
     template <typename Body>
     auto call(Body body) {
         require_open();

@@ -33,8 +33,8 @@ inline constexpr std::chrono::milliseconds kLook{2000};
 }  // namespace detail
 
 /// A command that waits for the cardholder, from when it was sent to its answer. One that ends without it, by its
-/// destructor for instance, sends CAN, so that the PIN pad is idle. It may outlive neither its thread's use of the link
-/// nor another start(); the session and the link it keeps open. One thread uses it, but for cancel().
+/// destructor for instance, sends CAN, so that the PIN pad is idle. One is on at a time; it keeps the port open, and is
+/// over when its session ends. One thread uses it, but for cancel().
 template <typename Value>
 class [[nodiscard]] Wait {
 public:
