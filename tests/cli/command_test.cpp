@@ -185,20 +185,25 @@ TEST_F(CommandTest, CommandSendsAnyRequestByItsNames) {
 // The cable is out for a while, and the PIN pad comes back under the same name.
 TEST_F(ToolTest, WatchTellsOfEventsAndComesBack) {
     const std::string port = folder_ / "port";
+    sim::PinPad* plugged = nullptr;
+    // What is to happen is planned before the tool can find the port again.
     const auto link = [&](const std::string& path) {
+        if (plugged != nullptr) {
+            plugged->when("CEX", Gestures().insert({.pan = "4111111111111111"}));
+            plugged->when("CEX", Gestures().remove());
+        }
         std::filesystem::remove(port);
         std::filesystem::create_symlink(path, port);
     };
     sim::PinPad pinPad({.returned = link});
     link(pinPad.path());
+    plugged = &pinPad;
     pinPad.start();
-    Tool tool({"--port", port, "watch", "--json"}, folder_ / "");
     pinPad.when("CEX", Gestures().press(Key::kF1));
+    Tool tool({"--port", port, "watch", "--json"}, folder_ / "");
     EXPECT_EQ(tool.line(), R"({"event":"PRESSED_KEY_F1","meaning":"a key was pressed"})");
     pinPad.hang_up(std::chrono::milliseconds(700));
-    pinPad.when("CEX", Gestures().insert({.pan = "4111111111111111"}));
     EXPECT_EQ(tool.line(), R"({"event":"ICC_INSERTED","meaning":"a chip card is in"})");
-    pinPad.remove();
     EXPECT_EQ(tool.line(), R"({"event":"ICC_REMOVED","meaning":"the chip card is out"})");
     EXPECT_EQ(tool.end(SIGINT), 130);
     EXPECT_EQ(tool.output(), "");

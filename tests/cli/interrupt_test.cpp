@@ -50,11 +50,12 @@ TEST_F(InterruptTest, EndsAtAnyMoment) {
     std::minstd_rand random(7);
     const std::pair<int, int> signals[]{{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
     int interrupted = 0;
-    for (int i = 0; i < 24; ++i) {
+    // Later and later, where the program takes long to begin.
+    for (int i = 0; i < 24 || (interrupted <= 6 && i < 120); ++i) {
         const Arguments commands[]{{"info"}, {"display", "HI"}, {"keys"}, {"sale", "--amount", "1", "--secure"}};
         const auto& [signal, exit] = signals[i % 3];
         Tool tool(with_port(commands[i % 4]), folder_ / "");
-        std::this_thread::sleep_for(std::chrono::milliseconds(10 + random() % 150));
+        std::this_thread::sleep_for(std::chrono::milliseconds(10 + random() % static_cast<unsigned>(150 + 10 * i)));
         tool.signal(signal);
         const support::Elapsed elapsed;
         const Ended ended = tool.wait();
