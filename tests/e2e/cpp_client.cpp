@@ -24,4 +24,18 @@ std::string encrypted(const std::string& port) {
     return all;
 }
 
+std::string plain_after_encrypted(const std::string& port, const std::function<void()>& spoil) {
+    quorvel::Link link(port);
+    auto session = link.open(quorvel::secure);
+    spoil();
+    try {
+        session.close();
+        return "it could be closed";
+    } catch (const quorvel::Error&) {}  // as it was meant to be
+    std::string enciphered;
+    auto next = link.open();
+    link.observe([&](const quorvel::Event& event) { enciphered += event.encrypted ? 'E' : 'P'; });
+    return std::string(next.run(quorvel::Dsp{"PLAIN"}).status().name()) + ' ' + enciphered;
+}
+
 }  // namespace client

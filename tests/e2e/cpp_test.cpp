@@ -28,6 +28,8 @@ TEST(Cpp, GetsOutOfAnEncryptedSessionThatWasCutOff) {
     pinPad.when("GKY", Gestures().notify("ANY KEY").press(Key::kF2));
     EXPECT_EQ(client::encrypted(pinPad.path()), "16 ANY KEY F2");
     EXPECT_EQ(pinPad.screen().text, "BYE");
+    const auto spoil = [&] { pinPad.inject({.kind = "nak", .command = "CLO", .times = 3}); };
+    EXPECT_EQ(client::plain_after_encrypted(pinPad.path(), spoil), "ST_OK PP");
 }
 
 }  // namespace

@@ -20,7 +20,6 @@ LEFT_OUT = {
     "abecs_cmd_cex_response_get_trk3inc": "the same",
     "abecs_cmd_gcr_card_type_to_string": "enumerations have names of their own",
     "abecs_cmd_gcr_stat_chip_to_string": "the same",
-    "abecs_comm_set_key": "a session has the key that it agreed on",
     "abecs_comm_get_cmd_id": "what is sent is known",
     "abecs_comm_crc16": "of a frame, not of what is in it",
     "abecs_pan_encrypt": "abecs_pan_encrypt2 takes texts of any end",

@@ -57,6 +57,8 @@ inline bool is_cut_off(Line& line) {
     return Status(line.exchange([&] { return abecs_cmd_gts(line.get(), 0, version); })) == Status::errpktsec;
 }
 inline void open_plain(Line& line) {
+    // The key of a session that could not be closed would encipher what is to be plain.
+    line.call([&] { abecs_comm_set_key(line.get(), nullptr); });
     const Status status = ask_to_open(line, false);
     if (status == Status::errpktsec || (status.is_ok() && line.doubtful && is_cut_off(line))) {
         open_session(line, true);
