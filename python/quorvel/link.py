@@ -161,6 +161,8 @@ class Link:
             if self._session() is not None:
                 raise state("a session is open on this link")
             self._settle()
+            if not secure:  # the key of a session that could not be closed would encipher what is to be plain
+                self._raw("abecs_comm_set_key", None)
             status = self._do("abecs_cmd_opn", secure)
             if status == Status.ERRPKTSEC and not secure:
                 status = self._end_what_was_cut_off()

@@ -23,7 +23,6 @@ LEFT_OUT = {
     r"abecs_cmd_mlx|abecs_cmd_mlx_crc16": "Media.put() tells of progress, and takes bytes",
     r"abecs_pan_\w+2": "a text of Python's knows its length",
     r"abecs_comm_get_poll_time|abecs_comm_wake": "the package waits by itself, outside of the library",
-    r"abecs_comm_set_key": "OPN does that",
     r"abecs_comm_check_busy|abecs_comm_get_cmd_id|abecs_comm_crc16": "for those who make packets themselves",
 }
 

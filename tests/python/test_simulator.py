@@ -80,6 +80,12 @@ def test_an_encrypted_session_that_was_cut_off_does_not_keep_a_plain_one_away(pi
             assert session.run(first).ok and pin_pad.state()["session"] == "plain"
             with pytest.raises(Error, match="Port is busy"):
                 Link(pin_pad.port, claim=True)
+    with Link(pin_pad.port) as link:
+        session = link.open(secure=True)
+        pin_pad.fault("nak", command="CLO", times=3)
+        with pytest.raises(Error, match="rejected"):
+            session.close()
+        assert link.open().run(Dsp("HI")).ok and pin_pad.state()["session"] == "plain"
 
 
 def test_a_working_key_protects_card_numbers_and_both_sides_agree_on_it(pin_pad, session):
