@@ -77,8 +77,9 @@ void load_tables(Tables& tables, TomlTable table) {
         key.acquirer = static_cast<int>(record.number("acquirer", 0, 99, std::nullopt));
         key.index = record.required_text("index");
         if (key.index.size() != kIndexWidth) { record.refuse("index", "not of two characters"); }
+        const std::string body = record.text("body");
         record.end();
-        records[std::move(key)] = {};
+        records[std::move(key)] = to_bytes(body);
     }
     table.end();
     tables.load(acquirer, version, std::move(records));
