@@ -242,11 +242,11 @@ Outcome run_decode(const DecodeOptions& options) {
 
 }  // namespace
 
-Run decode(CLI::App& app) {
+Run decode(CommandLine& line) {
     const auto options = std::make_shared<DecodeOptions>();
-    app.add_option("hex", options->hex, "Bytes in hexadecimal: frames, control bytes or a packet")->type_name("HEX");
-    app.add_option("--file", options->file, "A capture, or a trace; else standard input")->type_name("FILE");
-    add_word(app, "--from", options->from, {"host", "pinpad"}, "Who sent it, where no arrow tells");
+    line.text("hex", options->hex, "HEX", "Bytes in hexadecimal: frames, control bytes or a packet");
+    line.text("--file", options->file, "FILE", "A capture, or a trace; else standard input");
+    line.word("--from", options->from, {"host", "pinpad"}, "Who sent it, where no arrow tells");
     return [options](Context&) { return run_decode(*options); };
 }
 
