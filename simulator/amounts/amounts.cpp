@@ -64,6 +64,14 @@ std::optional<uint64_t> amount_of(Reader request) {
     return std::nullopt;
 }
 
+// GPN asks for one PIN up to so many times; what nobody asks for any more is lost.
+Gestures repeated() {
+    static constexpr int kMostEntries = 9;
+    Gestures gestures;
+    for (int i = 0; i < kMostEntries; ++i) { gestures.type(kRightPin); }
+    return gestures;
+}
+
 // None where there is none; a request that breaks its layout is told of elsewhere.
 std::optional<uint64_t> amount_in(const Exchange& exchange) {
     const Row row = row_of(exchange.command);
@@ -184,7 +192,7 @@ Gestures Amounts::gestures() const {
         case Asks::kCard:
             return present();
         case Asks::kPin:
-            return waiting_ == "GPN" ? Gestures().type(kRightPin) : type();
+            return waiting_ == "GPN" ? repeated() : type();
         case Asks::kRemoval:
             return Gestures().remove();
         case Asks::kKey:

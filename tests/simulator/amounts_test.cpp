@@ -151,6 +151,7 @@ TEST_F(AmountsTest, GoesAsTheCentsSay) {
             // It could strike three times, and is not for the next payment.
             static_cast<void>(hear());
             EXPECT_EQ(pinPad_->faults().front().times, 2U);
+            EXPECT_TRUE(pay(1200).ends_with(" FCX000:000"));
         }
         if (fault != "hang-up") { exchange(kCan, kEot); }
         play_amounts();
@@ -169,6 +170,11 @@ TEST_F(AmountsTest, YieldsToWhoeverActs) {
     call("CLO032" + std::string(32, 'X'), "CLO000");
     EXPECT_EQ(read(1060), "GCX085");
     call("GKY", "GKY000");
+    EXPECT_EQ(ask("GPN129300"
+                  "3030303030303030303030303030303000"
+                  + padded("", 19) + "2" + padded("0412PIN", 36) + padded("0412AGAIN", 36))
+                  .substr(0, 6),
+              "GPN000");
     EXPECT_EQ(ask("GCD016" + "000B 0002 0007 000D 0001 00 000E 0001 04"_hex), "GCD000008" + "804D 0004"_hex + "1111");
 }
 

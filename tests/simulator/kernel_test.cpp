@@ -171,6 +171,7 @@ TEST_F(KernelTest, VerifiesAndDecidesByTheCardAndTheTables) {
              {card("visa-pin-or-signature"), {}, 100, pin, "200001 0000040000 420300"},
              {card("visa-pin-or-signature"), {}, 100, enter, "210000 0000080000 5E0300"},
              {card("visa-chip"), {}, 100, enter, "100000 0000880000 420301"},
+             {with("visa-chip", "8E0C000000000000000002031E03"), {}, 100, enter, "100000 0000880000 020301"},
              {card("visa-offline-pin"), {}, 100, Gestures().type("9999").type("1234"), "001100 0000000000 410302"},
              {card("visa-pin-or-signature"), {{kCapabilities, "E020C8"}}, 100, none, "010000 0000000000 5E0300"},
              {card("visa-chip"), {{kCapabilities, "E000C8"}}, 100, none, "100000 0000800000 3F0000"},
@@ -199,6 +200,12 @@ TEST_F(KernelTest, GoesByTheDefaultCodesWhenNobodyCanBeAsked) {
         ASSERT_EQ(read(Gestures().insert(with("visa-signature", objects)), 100), "000");
         EXPECT_EQ(decide({}, "0018 0005"_hex + "01000").front(), due[2]);
     }
+}
+
+TEST_F(KernelTest, TheHostsLimitsStandAboveTheTables) {
+    play_with({{kFloorLimit, "00000001"}});
+    ASSERT_EQ(read(inserted("visa-signature"), 100), "000");
+    EXPECT_EQ(decide({}, "001A 000A 00000065 00 00000065 00"_hex), "010000 0000000000 1E0300");
 }
 
 TEST_F(KernelTest, TapsByTheTablesLimits) {
