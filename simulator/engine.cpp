@@ -33,6 +33,7 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
     : device_(std::move(options.device)),
       second_(options.second),
       patience_(options.patience),
+      begins_(std::move(options.begins)),
       waits_(std::move(options.waits)),
       exchanged_(std::move(options.exchanged)),
       journal_(journal),
@@ -151,6 +152,7 @@ void Engine::obey(const Request& request) {
         return refuse({Finding::Kind::kUnsupported, fmt::format("there is no command {:?}", id)}, Status::kInvcall,
                       request);
     }
+    begins_(*exchange_);
     Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(kIdWidth))};
     const Screen::Content before = screen_.content();
     Outcome outcome = run(*command, call);
@@ -190,10 +192,17 @@ void Engine::post_state() {
                  .encrypted = channel_.active(),
                  .cardInserted = device_.chip.has_value(),
                  .cardNumber = device_.chip ? device_.chip->pan : ""});
+    const std::lock_guard lock(keysMutex_);
+    if (keys_ != device_.keys) { keys_ = device_.keys; }
 }
 
 std::optional<Engine::Clock::time_point> Engine::deadline() const {
     return pending_ ? std::optional(pending_->deadline) : std::nullopt;
+}
+
+KeyStore Engine::keys() const {
+    const std::lock_guard lock(keysMutex_);
+    return keys_;
 }
 
 void Engine::poll(Clock::time_point now) {

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,7 +39,9 @@ public:
         std::chrono::milliseconds second{1000};
         // How long a command waits that says nothing about it.
         std::chrono::seconds patience{120};
-        // Called with the id of each command that begins to wait, and when a command has ended.
+        // Called with each command before it is carried out, with the id of each that begins to wait, and when a
+        // command has ended.
+        std::function<void(const Exchange&)> begins = [](const Exchange&) {};
         std::function<void(const std::string&)> waits = [](const std::string&) {};
         std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
     };
@@ -61,6 +64,8 @@ public:
     void restart();
 
     [[nodiscard]] const Device& device() const noexcept { return device_; }
+    // As they were after the last command. Safe from any thread.
+    [[nodiscard]] KeyStore keys() const;
 
 private:
     // What a frame holds, or why it is refused.
@@ -109,6 +114,7 @@ private:
     Device device_;
     const std::chrono::milliseconds second_;
     const std::chrono::seconds patience_;
+    const std::function<void(const Exchange&)> begins_;
     const std::function<void(const std::string&)> waits_;
     const std::function<void(const Exchange&)> exchanged_;
     Journal& journal_;
@@ -123,6 +129,8 @@ private:
     std::optional<Exchange> exchange_;
     std::optional<Message> lastResponse_;
     int resends_ = 0;
+    mutable std::mutex keysMutex_;
+    KeyStore keys_;
 };
 
 }  // namespace quorvel::sim

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/amounts/amounts.h"
 #include "simulator/control/control.h"
 #include "simulator/control/control_server.h"
 #include "simulator/face/face.h"
@@ -60,6 +61,7 @@ struct Settings {
     std::optional<sim::Scenario::End> ends;
     std::optional<unsigned> speed;
     uint32_t seed = 1;
+    bool amounts = false;
     bool trace = false;
     bool face = false;
     bool listScenarios = false;
@@ -132,8 +134,10 @@ int list_scenarios() {
 int play(const Settings& settings) {
     Port port(settings.link, !may_print(settings, STDOUT_FILENO));
     const auto performance = performance_of(settings);
+    sim::Amounts amounts;
     sim::Feed feed;
     sim::PinPad::Options pinPadOptions = options(settings, port, performance.get());
+    if (settings.amounts) { pinPadOptions.companion = &amounts; }
     if (settings.face) { feed.listen(pinPadOptions); }
     sim::PinPad pinPad(std::move(pinPadOptions));
     const StopOnSignals stopOnSignals(pinPad);
@@ -167,6 +171,9 @@ int main(int argc, char** argv) {
         ->type_name("close|done|stop")
         ->transform(CLI::CheckedTransformer(kEnds))
         ->needs("--scenario");
+    app.add_flag("--amounts", settings.amounts,
+                 "Have the cardholder act by himself, and the cents of the amount decide how a payment ends")
+        ->excludes("--scenario");
     app.add_flag("--list-scenarios", settings.listScenarios, "Name the scenarios that come with the program");
     app.add_option("--speed", settings.speed, "Take the time of a line of so many bits per second")
         ->type_name("BITS")

@@ -38,6 +38,10 @@ PinPad::PinPad(Options options)
                .sessionKey = options.sessionKey,
                .second = options.second,
                .patience = options.patience,
+               .begins =
+                   [this](const Exchange& exchange) {
+                       if (companion_ != nullptr) { companion_->begins(*this, exchange); }
+                   },
                .waits =
                    [this](const std::string& command) {
                        if (companion_ != nullptr) { companion_->waits(*this, command); }

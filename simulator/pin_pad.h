@@ -86,6 +86,9 @@ public:
     void act(const Gestures& gestures);
     void when(std::string command, const Gestures& gestures) { cardholder_.when(std::move(command), gestures); }
 
+    // How often somebody has acted, a plan that came true included.
+    [[nodiscard]] uint64_t acts() const { return cardholder_.acts(); }
+
     void press(Key key) { act(Gestures().press(key)); }
     void type_pin(std::string_view digits) { act(Gestures().type(digits)); }
     void swipe(Card card) { act(Gestures().swipe(std::move(card))); }
@@ -95,6 +98,8 @@ public:
 
     // What is to go wrong. Throws std::invalid_argument for a fault that cannot be.
     void inject(const Fault& fault) { faults_.add(fault); }
+    // What is left of faults of that kind with that command.
+    void withdraw(const Fault& fault) { faults_.withdraw(fault); }
     void clear_faults() { faults_.clear(); }
     [[nodiscard]] std::vector<Fault> faults() const { return faults_.faults(); }
     // Unplugs the PIN pad for so long. It forgets its session and what it was doing, and returns with another path().
@@ -102,6 +107,9 @@ public:
 
     [[nodiscard]] Screen::Content screen() const { return screen_.content(); }
     [[nodiscard]] StateBoard& board() noexcept { return board_; }
+
+    // As they were after the last command.
+    [[nodiscard]] KeyStore keys() const { return engine_.keys(); }
 
     // What the commands have made of it. Only while nobody plays the PIN pad.
     [[nodiscard]] const Device& device() const noexcept { return engine_.device(); }

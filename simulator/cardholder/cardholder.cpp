@@ -29,7 +29,13 @@ std::vector<Event> Cardholder::take() {
     return std::exchange(done_, {});
 }
 
+uint64_t Cardholder::acts() const {
+    const std::lock_guard lock(mutex_);
+    return acts_;
+}
+
 void Cardholder::add(const Gestures& gestures) {
+    ++acts_;
     done_.insert(done_.end(), gestures.events().begin(), gestures.events().end());
 }
 

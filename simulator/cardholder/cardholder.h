@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_CARDHOLDER_CARDHOLDER_H
 #define QUORVEL_SIMULATOR_CARDHOLDER_CARDHOLDER_H
 
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -22,6 +23,9 @@ public:
     // Does so when a command of that id waits. Each call serves one such command, in the order of the calls.
     void when(std::string command, Gestures gestures);
 
+    // How often somebody has, a plan that came true included.
+    [[nodiscard]] uint64_t acts() const;
+
     // The PIN pad's side: a command begins to wait; what was done since the last call.
     void attend(std::string_view command);
     [[nodiscard]] std::vector<Event> take();
@@ -29,7 +33,8 @@ public:
 private:
     void add(const Gestures& gestures);
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
+    uint64_t acts_ = 0;
     std::vector<Event> done_;
     std::deque<std::pair<std::string, Gestures>> planned_;
 };

@@ -29,6 +29,7 @@ public:
 
     // Once the event ends the entry. Enter does not, with fewer digits than there must be.
     [[nodiscard]] std::optional<Result> on(const Event& event);
+    [[nodiscard]] bool is_empty() const noexcept { return digits_.empty(); }
 
 private:
     [[nodiscard]] std::optional<Result> press(Key key);

@@ -53,6 +53,8 @@ struct Card {
     std::vector<Application> applications = {};
     std::optional<Chip> chip = {};
     std::optional<Contactless> contactless = {};
+    // Comes as it was made, whatever has become of a card of this number before.
+    bool fresh = false;
 
     [[nodiscard]] bool has_stripe() const noexcept { return !track1.empty() || !track2.empty() || !track3.empty(); }
     // The stripe says that there is a chip to use instead.

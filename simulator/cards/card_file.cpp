@@ -18,10 +18,11 @@ namespace {
 template <typename Value, size_t Count>
 using Choices = std::array<std::pair<std::string_view, Value>, Count>;
 
-constexpr Choices<Verification, 4> kVerifications{{{"none", Verification::kNone},
+constexpr Choices<Verification, 5> kVerifications{{{"none", Verification::kNone},
                                                    {"signature", Verification::kSignature},
                                                    {"offline-pin", Verification::kOfflinePin},
-                                                   {"online-pin", Verification::kOnlinePin}}};
+                                                   {"online-pin", Verification::kOnlinePin},
+                                                   {"device", Verification::kDevice}}};
 
 constexpr Choices<Chip::First, 3> kFirstDecisions{
     {{"as-asked", Chip::First::kAsAsked}, {"online", Chip::First::kOnline}, {"declined", Chip::First::kDeclined}}};
@@ -127,6 +128,7 @@ Chip chip(TomlTable table) {
     chip.pinTries = static_cast<int>(table.number("tries", 0, 9, 3));
     chip.verification = table.choice("verification", kVerifications);
     if (chip.verification == Verification::kOfflinePin && chip.pin.empty()) { table.refuse("pin", "is missing"); }
+    if (chip.verification == Verification::kDevice) { table.refuse("verification", "it would need a device"); }
     chip.first = table.choice("first", kFirstDecisions);
     chip.second = table.choice("second", kSecondDecisions);
     chip.fault = table.choice("fault", kChipFaults);

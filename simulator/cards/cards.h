@@ -50,7 +50,7 @@ public:
     //     tags = { 9F07 = "FF00" }
     //
     //     [visa-chip.chip]
-    //     verification = "online-pin"  # "none", "signature", "offline-pin"
+    //     verification = "online-pin"  # "none", "signature", "offline-pin"; a list of its own, 8E in tags, comes first
     //     pin = "1234"
     //     tries = 3
     //     first = "as-asked"           # "online", "declined": the first decision
@@ -62,7 +62,7 @@ public:
     //
     //     [visa-chip.contactless]
     //     mode = "emv"                 # "stripe"
-    //     verification = "none"
+    //     verification = "none"        # "signature", "online-pin", and "device" for a phone
     //     fault = "multiple"
     [[nodiscard]] static Cards from_table(TomlTable table);
     [[nodiscard]] static Cards from_toml(std::string_view text);

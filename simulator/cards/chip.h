@@ -14,7 +14,8 @@
 namespace quorvel::sim {
 
 // How the card wants to know that the cardholder is its owner.
-enum class Verification { kNone, kSignature, kOfflinePin, kOnlinePin };
+// A device, such as a phone, has done so itself.
+enum class Verification { kNone, kSignature, kOfflinePin, kOnlinePin, kDevice };
 
 // The chip of a card, or a security module. It answers from a script.
 struct Chip {

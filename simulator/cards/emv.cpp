@@ -36,6 +36,11 @@ Bytes unpredictable_number() {
 
 }  // namespace
 
+Bytes value_of(const DataObjects& objects, Tag tag, const Bytes& otherwise) {
+    const auto found = objects.find(tag);
+    return found != objects.end() ? found->second : otherwise;
+}
+
 void set(DataObjects& objects, TerminalResult result) {
     Bytes& results = objects[tag::kTerminalResults];
     results.resize(kTerminalResultsSize);
@@ -52,6 +57,14 @@ uint64_t from_bcd(ByteView digits) {
     for (const uint8_t byte : digits) { number = number * 100 + (byte >> 4) * uint64_t{10} + (byte & 0x0F); }
     return number;
 }
+
+uint64_t number(ByteView bytes) {
+    uint64_t number = 0;
+    for (const uint8_t byte : bytes) { number = number << 8 | byte; }
+    return number;
+}
+
+Bytes two_bytes(unsigned number) { return {static_cast<uint8_t>(number >> 8), static_cast<uint8_t>(number)}; }
 
 DataObjects terminal_objects() {
     return {

@@ -8,22 +8,19 @@ namespace quorvel::sim {
 
 namespace {
 
-// Whether the amount, by itself or by chance, needs the issuer.
-bool amount_goes_online(const Risk& risk, unsigned draw, DataObjects& objects) {
-    if (!risk.managed) { return false; }
-    if (risk.amount >= risk.floorLimit) {
-        set(objects, terminal_result::kFloorLimitExceeded);
-        return true;
-    }
-    if (!selected_at_random(risk, draw)) { return false; }
-    set(objects, terminal_result::kSelectedAtRandom);
-    return true;
+// The amount, by itself or by chance, needs the issuer.
+void mark_amount(const Risk& risk, unsigned draw, DataObjects& objects) {
+    if (!risk.managed) { return; }
+    if (risk.amount >= risk.floorLimit) { return set(objects, terminal_result::kFloorLimitExceeded); }
+    if (selected_at_random(risk, draw)) { set(objects, terminal_result::kSelectedAtRandom); }
 }
 
 void mark(const Risk& risk, const Verified& verified, DataObjects& objects) {
     if (risk.onExceptionList) { set(objects, terminal_result::kExceptionList); }
     if (verified.failed) { set(objects, terminal_result::kVerificationFailed); }
     if (verified.pinBlocked) { set(objects, terminal_result::kPinTriesExceeded); }
+    if (verified.pinBypassed) { set(objects, terminal_result::kPinNotEntered); }
+    if (verified.unknownMethod) { set(objects, terminal_result::kUnknownVerification); }
     if (verified.pinOnline) { set(objects, terminal_result::kOnlinePinEntered); }
 }
 
@@ -40,16 +37,19 @@ bool selected_at_random(const Risk& risk, unsigned draw) {
 }
 
 Decision first_decision(const Risk& risk, const Verified& verified, Chip::First wish, unsigned draw,
-                        DataObjects& objects) {
+                        DataObjects& objects, const ActionCodes& codes) {
     mark(risk, verified, objects);
-    const bool needsIssuer = amount_goes_online(risk, draw, objects) || risk.onExceptionList || verified.pinOnline
-                             || wish == Chip::First::kOnline;
-    if (verified.failed || wish == Chip::First::kDeclined) { return Decision::kDeclined; }
-    if (!needsIssuer) { return Decision::kApproved; }
-    return risk.canGoOnline ? Decision::kOnline : Decision::kDeclined;
+    mark_amount(risk, draw, objects);
+    const Bytes results = value_of(objects, tag::kTerminalResults);
+    if (wish == Chip::First::kDeclined || meets(codes.denial, results)) { return Decision::kDeclined; }
+    const bool wantsIssuer = wish == Chip::First::kOnline;
+    if (!risk.canGoOnline) {
+        return wantsIssuer || meets(codes.otherwise, results) ? Decision::kDeclined : Decision::kApproved;
+    }
+    return wantsIssuer || meets(codes.online, results) ? Decision::kOnline : Decision::kApproved;
 }
 
-FinalDecision final_decision(Issuer issuer, Chip::Second wish) {
+FinalDecision final_decision(Issuer issuer, Chip::Second wish, bool denied) {
     switch (issuer) {
         case Issuer::kDeclined:
             return FinalDecision::kDeclinedByIssuer;
@@ -58,7 +58,8 @@ FinalDecision final_decision(Issuer issuer, Chip::Second wish) {
         case Issuer::kUnreachable:
             break;
     }
-    return wish == Chip::Second::kApproved ? FinalDecision::kApproved : FinalDecision::kDeclinedByCard;
+    const bool approves = wish == Chip::Second::kApproved || (wish == Chip::Second::kAsAsked && !denied);
+    return approves ? FinalDecision::kApproved : FinalDecision::kDeclinedByCard;
 }
 
 }  // namespace quorvel::sim

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "simulator/cards/action_codes.h"
 #include "simulator/cards/card.h"
 #include "wire/tlv.h"
 
@@ -19,6 +20,8 @@ struct Risk {
     bool canGoOnline = true;
     // Without it the amount does not matter, only the card does.
     bool managed = false;
+    // The host leaves the limits to the tables.
+    bool byTable = false;
     uint64_t amount = 0;
     uint64_t floorLimit = 0;
     unsigned targetPercentage = 0;
@@ -33,6 +36,8 @@ struct Verified {
     bool signature = false;
     bool failed = false;
     bool pinBlocked = false;
+    bool pinBypassed = false;
+    bool unknownMethod = false;
     int pinErrors = 0;
 };
 
@@ -40,9 +45,9 @@ struct Verified {
 // maximum at the floor limit. `draw` is a number from 1 to 99.
 [[nodiscard]] bool selected_at_random(const Risk& risk, unsigned draw);
 
-// Also marks its grounds in the terminal verification results.
+// Also marks its grounds in the terminal verification results, by which and by the codes it is made.
 [[nodiscard]] Decision first_decision(const Risk& risk, const Verified& verified, Chip::First wish, unsigned draw,
-                                      DataObjects& objects);
+                                      DataObjects& objects, const ActionCodes& codes = ActionCodes::of_card({}));
 
 // What the issuer said, if it could be asked.
 enum class Issuer { kApproved, kDeclined, kUnreachable };
@@ -50,7 +55,8 @@ enum class Issuer { kApproved, kDeclined, kUnreachable };
 // After the issuer; has the protocol's numbers.
 enum class FinalDecision { kApproved = 0, kDeclinedByCard = 1, kDeclinedByIssuer = 2 };
 
-[[nodiscard]] FinalDecision final_decision(Issuer issuer, Chip::Second wish);
+// `denied` is what the card and the terminal say of one whose issuer cannot be asked.
+[[nodiscard]] FinalDecision final_decision(Issuer issuer, Chip::Second wish, bool denied = true);
 
 }  // namespace quorvel::sim
 

@@ -10,13 +10,13 @@
 
 #include "simulator/cardholder/menu.h"
 #include "simulator/cards/emv.h"
+#include "simulator/commands/contactless.h"
 #include "simulator/commands/dialog.h"
+#include "simulator/commands/table_check.h"
 
 namespace quorvel::sim::commands {
 
 namespace {
-
-constexpr size_t kCounterSize = 2;
 
 // After these the stripe may stand in for the chip.
 constexpr std::array kAllowFallback{Status::kDumbcard, Status::kErrcard, Status::kErrfallback};
@@ -122,9 +122,17 @@ private:
         if (card.contactless->fault != Status::kOk) { return Answer{.status = card.contactless->fault}; }
         const auto found = applications(card, kContactlessAbsence);
         if (const auto* status = std::get_if<Status>(&found)) { return Answer{.status = *status}; }
+        return take_tapped(card, std::get<std::vector<Application>>(found).front());
+    }
+
+    Answer take_tapped(const Card& card, const Application& application) {
+        const TableRecord record = device_.record(application);
+        const Status status = contactless_status(device_, card, record, request_.objects);
+        if (status != Status::kOk) { return {.status = status}; }
+        const uint64_t amount = from_bcd(value_of(request_.objects, tag::kAmount));
+        request_.objects.merge(contactless_objects(application, record, amount));
         const CardType type = card.contactless->stripeData ? CardType::kContactlessStripe : CardType::kContactless;
-        return take(type, Transaction::Interface::kContactless, card,
-                    std::get<std::vector<Application>>(found).front());
+        return take(type, Transaction::Interface::kContactless, card, application);
     }
 
     // Those that the host accepts and the tables know.
@@ -141,13 +149,21 @@ private:
     }
 
     Answer take(CardType type, Transaction::Interface interface, const Card& card, const Application& application) {
+        const TableRecord record = device_.record(application);
+        check_record(application, record, journal_);
+        check_currency(application, record, request_.objects, journal_);
         DataObjects objects = request_.objects;
         objects[tag::kAid] = objects[tag::kFileName] = application.aid;
         objects[tag::kLabel] = to_bytes(application.label);
-        objects[tag::kCounter] = bcd(++device_.transactions, kCounterSize);
         objects.merge(DataObjects(application.objects));
         objects.merge(card.objects());
+        objects.merge(record.objects());
         objects.merge(terminal_objects());
+        const CardCounters& counters = device_.count(card, objects);
+        objects[tag::kCounter] = two_bytes(counters.all);
+        if (objects.contains(card_tag::kLastOnlineCounter)) {
+            objects[card_tag::kLastOnlineCounter] = two_bytes(counters.online);
+        }
         device_.lastCard = card;
         device_.transaction =
             Transaction{.interface = interface, .card = card, .application = application, .objects = objects};

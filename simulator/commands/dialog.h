@@ -19,6 +19,7 @@ public:
         : device_(call.device),
           screen_(call.screen),
           notify_(call.notify),
+          journal_(call.journal),
           request_(std::move(request)),
           answer_(std::move(answer)) {}
 
@@ -26,6 +27,7 @@ protected:
     Device& device_;
     Screen& screen_;
     const std::function<void(std::string_view)>& notify_;
+    Journal& journal_;
     Request request_;
     MakeAnswer answer_;
 };

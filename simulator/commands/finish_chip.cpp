@@ -69,6 +69,17 @@ Bytes run_scripts(Chip* chip, const FinishRequest& request, DataObjects& objects
     return results;
 }
 
+// What remains when the issuer cannot be asked. A chip that wanted it asked, whatever the terminal found, does not do
+// without.
+bool is_denied_offline(const Device& device) {
+    const Transaction& transaction = *device.transaction;
+    const bool isChip = transaction.interface == Transaction::Interface::kChip;
+    if (isChip && device.chip->chip->first == Chip::First::kOnline) { return true; }
+    const ActionCodes codes =
+        ActionCodes::of_card(transaction.objects).with(device.record(transaction.application).action_codes(!isChip));
+    return meets(codes.otherwise, value_of(transaction.objects, tag::kTerminalResults));
+}
+
 }  // namespace
 
 std::string response_code(Reader& fields, std::string_view field) {
@@ -86,11 +97,16 @@ Finished finish_chip(Device& device, const FinishRequest& request) {
     DataObjects& objects = transaction.objects;
     Finished finished;
     finished.scriptResults = run_scripts(chip, request, objects);
-    finished.decision = final_decision(issuer(request), chip != nullptr ? chip->second : Chip::Second::kAsAsked);
+    finished.decision = final_decision(issuer(request), chip != nullptr ? chip->second : Chip::Second::kAsAsked,
+                                       is_denied_offline(device));
     const bool approved = finished.decision == FinalDecision::kApproved;
     objects[tag::kResponseCode] = to_bytes(request.responseCode.value_or(approved ? "Y3" : "Z3"));
     if (!finished.scriptResults.empty()) { objects[tag::kScriptResults] = finished.scriptResults; }
     generate(objects, approved ? Cryptogram::kApproved : Cryptogram::kDeclined);
+    if (issuer(request) == Issuer::kApproved) {
+        CardCounters& counters = device.cardCounters[transaction.card.pan];
+        counters.online = counters.all;
+    }
     transaction.stage = Transaction::Stage::kFinished;
     finished.objects = objects;
     return finished;

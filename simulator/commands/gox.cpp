@@ -59,6 +59,7 @@ Risk risk(const Params& params) {
     };
     apply(spe::kGoxOpt, read_options);
     apply(spe::kTrmPar, read_terminal_parameters);
+    risk.byTable = !risk.managed;
     return risk;
 }
 

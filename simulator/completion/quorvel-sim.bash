@@ -6,7 +6,7 @@ _quorvel_sim() {
     --ends) words='close done stop' ;;
     --speed) words='9600 19200 38400 57600 115200' ;;
     --link|--keys|--control|--seed) words='' ;;
-    *) words='--link --keys --control --scenario --ends --list-scenarios --speed --seed --face --trace --version --help' ;;
+    *) words='--link --keys --control --scenario --amounts --ends --list-scenarios --speed --seed --face --trace --version --help' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     [ "${#COMPREPLY[@]}" -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$current")

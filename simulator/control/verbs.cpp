@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "simulator/control/key_verbs.h"
+
 namespace quorvel::sim {
 
 using nlohmann::json;
@@ -250,6 +252,8 @@ constexpr std::array kVerbs{
     Verb{"state", state},
     Verb{"screen", screen},
     Verb{"cards", cards},
+    Verb{"keys", keys},
+    Verb{"decipher-pin", decipher_pin},
     Verb{"findings", findings},
     Verb{"clear-findings", clear_findings},
     Verb{"traffic", traffic},

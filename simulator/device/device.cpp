@@ -6,6 +6,8 @@
 #include <openssl/crypto.h>
 #include <utility>
 
+#include "simulator/cards/emv.h"
+
 namespace quorvel::sim {
 
 AcquirerInfo Device::acquirer(int index) const {
@@ -19,10 +21,18 @@ void Device::drop_pan_key() {
     panKey.reset();
 }
 
+CardCounters& Device::count(const Card& card, const DataObjects& objects) {
+    const auto told = [&](Tag tag) { return static_cast<uint16_t>(number(value_of(objects, tag))); };
+    const CardCounters first{.all = told(tag::kCounter), .online = told(card_tag::kLastOnlineCounter)};
+    CardCounters& counters = cardCounters.try_emplace(card.pan, first).first->second;
+    ++counters.all;
+    return counters;
+}
+
 void Device::insert(Card card) {
     remove_card();
     const auto left = pinTries.find(card.pan);
-    if (card.chip && left != pinTries.end()) { card.chip->pinTries = left->second; }
+    if (card.chip && !card.fresh && left != pinTries.end()) { card.chip->pinTries = left->second; }
     chip = std::move(card);
 }
 

@@ -21,6 +21,12 @@ namespace quorvel::sim {
 
 inline constexpr int kIndexCount = 100;
 
+// How many transactions a card has been through, and at which of them its issuer was asked last.
+struct CardCounters {
+    uint16_t all = 0;
+    uint16_t online = 0;
+};
+
 // What the PIN pad tells of itself, in the fields of GIN for index 0 and in the items of GIX.
 struct Identity {
     std::string manufacturer = "QUORVEL";
@@ -81,12 +87,14 @@ struct Device {
     // The one that was read last, by whatever command, in the chip reader or not.
     std::optional<Card> lastCard;
     std::optional<Transaction> transaction;
-    uint64_t transactions = 0;
     // What GCR asked for last, so that it can go on after tables were loaded.
     std::optional<CardRequest> cardRequest;
     ChipReading lastChipReading = ChipReading::kGood;
     // What is left of each chip that has been in the reader, by card number: it stays so when the card comes again.
     std::map<std::string, int> pinTries;
+    std::map<std::string, CardCounters> cardCounters;
+    // The number in a phone whose owner has just been told to look at it, and confirms there.
+    std::optional<std::string> confirming;
     // Security modules in the slots from 1 on.
     std::map<int, Chip> modules;
     // Card numbers and tracks leave enciphered under it: 8 bytes for DES, 16 for triple DES. A session's end drops it.
@@ -94,6 +102,13 @@ struct Device {
 
     [[nodiscard]] AcquirerInfo acquirer(int index) const;
     void drop_pan_key();
+
+    // Counts a transaction. A card that has not been here begins with what it tells itself.
+    CardCounters& count(const Card& card, const DataObjects& objects);
+    // What the tables say of an application.
+    [[nodiscard]] TableRecord record(const Application& application) const {
+        return tables.record(static_cast<int>(application.acquirer), application.record);
+    }
 
     // Of the chip reader. A card takes the place of the one that is there.
     void insert(Card card);

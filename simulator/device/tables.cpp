@@ -27,6 +27,12 @@ bool Tables::has_record(int acquirer, std::string_view index) const {
         records_, [&](const auto& record) { return record.first.acquirer == acquirer && record.first.index == index; });
 }
 
+TableRecord Tables::record(int acquirer, std::string_view index) const {
+    static constexpr int kApplications = 1;
+    const auto found = records_.find({kApplications, acquirer, std::string(index)});
+    return found != records_.end() ? TableRecord(found->second) : TableRecord();
+}
+
 void Tables::begin(int acquirer, std::string version) {
     load_ = Load{.acquirer = acquirer, .version = std::move(version)};
 }

@@ -9,12 +9,13 @@
 #include <string>
 #include <string_view>
 
+#include "simulator/device/table_record.h"
 #include "simulator/wire.h"
 
 namespace quorvel::sim {
 
 // What hosts have loaded: a version and records for each acquirer, or for all of them at once. What stands inside a
-// record is not looked at.
+// record is looked at when a card selects it.
 class Tables {
 public:
     static constexpr int kAllAcquirers = 0;
@@ -36,6 +37,8 @@ public:
     [[nodiscard]] std::optional<std::string> version(int acquirer) const;
     // Whichever table it is in.
     [[nodiscard]] bool has_record(int acquirer, std::string_view index) const;
+    // What the record says of an application; nothing for one of another table.
+    [[nodiscard]] TableRecord record(int acquirer, std::string_view index) const;
     [[nodiscard]] const Records& records() const noexcept { return records_; }
 
     // A load is not seen before it ends. One that begins takes the place of one that did not end.

@@ -13,6 +13,13 @@ void FaultPlan::add(const Fault& fault) {
     entries_.push_back(Entry{fault, find_fault_kind(fault.kind)});
 }
 
+void FaultPlan::withdraw(const Fault& fault) {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(entries_, [&](const Entry& entry) {
+        return entry.fault.kind == fault.kind && entry.fault.command == fault.command;
+    });
+}
+
 void FaultPlan::clear() {
     const std::lock_guard lock(mutex_);
     entries_.clear();

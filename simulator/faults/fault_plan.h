@@ -22,6 +22,8 @@ public:
 
     // Throws std::invalid_argument.
     void add(const Fault& fault);
+    // Drops those of that kind that strike that command.
+    void withdraw(const Fault& fault);
     void clear();
     // Those that may still strike, each with the times that are left.
     [[nodiscard]] std::vector<Fault> faults() const;

@@ -71,6 +71,8 @@ std::optional<Ksn> next(const Ksn& ksn) {
     return with_counter(ksn, value);
 }
 
+bool is_same_device(const Ksn& one, const Ksn& other) { return with_counter(one, 0) == with_counter(other, 0); }
+
 // One step down for each one bit of the counter, from the highest on.
 Bytes transaction_key(ByteView initialKey, const Ksn& ksn) {
     Bytes key(initialKey.begin(), initialKey.end());

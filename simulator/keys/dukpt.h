@@ -26,6 +26,9 @@ namespace dukpt {
 
 [[nodiscard]] Bytes transaction_key(ByteView initialKey, const Ksn& ksn);
 
+// Whether both are serial numbers of the same initial key.
+[[nodiscard]] bool is_same_device(const Ksn& one, const Ksn& other);
+
 // The variants of a transaction's key for a PIN block and for the data of a request.
 [[nodiscard]] Bytes pin_key(ByteView transactionKey);
 [[nodiscard]] Bytes data_key(ByteView transactionKey);

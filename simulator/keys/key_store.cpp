@@ -28,6 +28,13 @@ void require_room(KeyStrength strength, int index, const Bytes& key) {
     }
 }
 
+Bytes check_value(ByteView key) {
+    static constexpr size_t kSize = 3;
+    Bytes value = encipher(key, Bytes(kBlockSize));
+    value.resize(kSize);
+    return value;
+}
+
 template <typename Value>
 std::optional<Value> find(const std::map<std::tuple<KeyStrength, KeyUse, int>, Value>& values, KeyStrength strength,
                           KeyUse use, int index) {
@@ -70,8 +77,14 @@ std::optional<DukptKey> KeyStore::next_dukpt(KeyStrength strength, KeyUse use, i
     const auto ksn = dukpt::next(stored.ksn);
     if (!ksn) { return std::nullopt; }
     stored.ksn = *ksn;
-    const Bytes key = dukpt::transaction_key(stored.key, *ksn);
-    return DukptKey{use == KeyUse::kPin ? dukpt::pin_key(key) : dukpt::data_key(key), *ksn};
+    return DukptKey{*dukpt_key(strength, use, index, *ksn), *ksn};
+}
+
+std::optional<Bytes> KeyStore::dukpt_key(KeyStrength strength, KeyUse use, int index, const Ksn& ksn) const {
+    const auto found = find(dukpt_, strength, use, index);
+    if (!found || !dukpt::is_same_device(found->ksn, ksn)) { return std::nullopt; }
+    const Bytes key = dukpt::transaction_key(found->key, ksn);
+    return use == KeyUse::kPin ? dukpt::pin_key(key) : dukpt::data_key(key);
 }
 
 std::optional<Ksn> KeyStore::ksn(KeyStrength strength, KeyUse use, int index) const {
@@ -83,6 +96,19 @@ std::optional<Ksn> KeyStore::ksn(KeyStrength strength, KeyUse use, int index) co
 void KeyStore::set_dukpt(KeyStrength strength, KeyUse use, int index, Bytes initialKey, const Ksn& ksn) {
     require_room(strength, index, initialKey);
     dukpt_[{strength, use, index}] = {std::move(initialKey), ksn};
+}
+
+std::vector<KeySlot> KeyStore::slots() const {
+    std::vector<KeySlot> slots;
+    for (const auto& [slot, key] : masters_) {
+        const auto& [strength, use, index] = slot;
+        slots.push_back({KeySlot::Kind::kMaster, strength, use, index, check_value(key)});
+    }
+    for (const auto& [slot, stored] : dukpt_) {
+        const auto& [strength, use, index] = slot;
+        slots.push_back({KeySlot::Kind::kDukpt, strength, use, index, check_value(stored.key), stored.ksn});
+    }
+    return slots;
 }
 
 std::string KeyStore::master_map(KeyStrength strength, KeyUse use) const { return digits(masters_, strength, use); }

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <vector>
 
 #include "simulator/keys/dukpt.h"
 #include "simulator/wire.h"
@@ -23,6 +24,22 @@ enum class KeyUse { kPin, kData };
 struct DukptKey {
     Bytes key;
     Ksn ksn{};
+
+    bool operator==(const DukptKey&) const = default;
+};
+
+// A place for a key that has one, and what may be told of it.
+struct KeySlot {
+    enum class Kind { kMaster, kDukpt };
+
+    Kind kind = Kind::kMaster;
+    KeyStrength strength = KeyStrength::kTdes;
+    KeyUse use = KeyUse::kPin;
+    int index = 0;
+    // The first three bytes of eight zeros under the key; of DUKPT, under the initial key.
+    Bytes checkValue = {};
+    // Of the last transaction.
+    std::optional<Ksn> ksn = {};
 };
 
 // The keys of the PIN pad, by strength, use and index from 0 to 99.
@@ -40,8 +57,11 @@ public:
     [[nodiscard]] std::optional<DukptKey> next_dukpt(KeyStrength strength, KeyUse use, int index);
     // The serial number without counting on: that of the last transaction.
     [[nodiscard]] std::optional<Ksn> ksn(KeyStrength strength, KeyUse use, int index) const;
+    // The key of one of the slot's transactions, whether it has been or is to come. None for another slot's number.
+    [[nodiscard]] std::optional<Bytes> dukpt_key(KeyStrength strength, KeyUse use, int index, const Ksn& ksn) const;
     void set_dukpt(KeyStrength strength, KeyUse use, int index, Bytes initialKey, const Ksn& ksn);
 
+    [[nodiscard]] std::vector<KeySlot> slots() const;
     // A digit for each index, '1' where there is a key.
     [[nodiscard]] std::string master_map(KeyStrength strength, KeyUse use) const;
     [[nodiscard]] std::string dukpt_map(KeyStrength strength, KeyUse use) const;
@@ -66,6 +86,8 @@ public:
     [[nodiscard]] static KeyStore from_table(TomlTable keys);
     [[nodiscard]] static KeyStore from_toml(std::string_view text);
     [[nodiscard]] static KeyStore from_file(const std::string& path);
+
+    bool operator==(const KeyStore&) const = default;
 
 private:
     using Slot = std::tuple<KeyStrength, KeyUse, int>;

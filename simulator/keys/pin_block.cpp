@@ -19,6 +19,10 @@ constexpr size_t kBlockDigits = 2 * kBlockSize;
 // The digits of the PAN that enter the block, without its check digit.
 constexpr size_t kPanDigits = 12;
 
+constexpr int kFirstDukpt = 2;
+
+KeyStrength strength_of(const PinKey& key) { return key.method % 2 == 0 ? KeyStrength::kDes : KeyStrength::kTdes; }
+
 std::string pan_field(std::string_view pan) {
     pan.remove_suffix(std::min<size_t>(pan.size(), 1));
     return fmt::format("{:0>16}", pan.substr(pan.size() - std::min(pan.size(), kPanDigits)));
@@ -35,9 +39,20 @@ Bytes pin_block(std::string_view pin, std::string_view pan) {
     return masked(from_hex(pinField), from_hex(pan_field(pan)));
 }
 
+std::optional<std::string> pin_of(ByteView block, std::string_view pan) {
+    static constexpr size_t kHead = 2;
+    const std::string digits = to_hex(masked(block, from_hex(pan_field(pan))));
+    const size_t size =
+        digits[1] <= '9' ? static_cast<size_t>(digits[1] - '0') : static_cast<size_t>(digits[1] - 'A' + 10);
+    if (digits[0] != '0' || size < kMinPinDigits || size > kMaxPinDigits) { return std::nullopt; }
+    const std::string pin = digits.substr(kHead, size);
+    const bool whole = pin.find_first_not_of("0123456789") == std::string::npos
+                       && digits.find_first_not_of('F', kHead + size) == std::string::npos;
+    return whole ? std::optional(pin) : std::nullopt;
+}
+
 std::optional<PinBlock> encipher_pin(KeyStore& keys, const PinKey& key, std::string_view pan, std::string_view pin) {
-    static constexpr int kFirstDukpt = 2;
-    const KeyStrength strength = key.method % 2 == 0 ? KeyStrength::kDes : KeyStrength::kTdes;
+    const KeyStrength strength = strength_of(key);
     const Bytes block = pin_block(pin, pan);
     if (key.method >= kFirstDukpt) {
         const auto transaction = keys.next_dukpt(strength, KeyUse::kPin, key.index);
@@ -47,6 +62,14 @@ std::optional<PinBlock> encipher_pin(KeyStore& keys, const PinKey& key, std::str
     const auto working = keys.working(strength, KeyUse::kPin, key.index, key.workingKey);
     if (!working) { return std::nullopt; }
     return PinBlock{encipher(*working, block)};
+}
+
+std::optional<Bytes> decipher_pin(const KeyStore& keys, const PinKey& key, const PinBlock& enciphered) {
+    const KeyStrength strength = strength_of(key);
+    const auto with = key.method >= kFirstDukpt ? keys.dukpt_key(strength, KeyUse::kPin, key.index, enciphered.ksn)
+                                                : keys.working(strength, KeyUse::kPin, key.index, key.workingKey);
+    if (!with) { return std::nullopt; }
+    return decipher(*with, enciphered.block);
 }
 
 }  // namespace quorvel::sim

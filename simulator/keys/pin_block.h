@@ -4,6 +4,7 @@
 #define QUORVEL_SIMULATOR_KEYS_PIN_BLOCK_H
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "simulator/keys/key_store.h"
@@ -26,6 +27,9 @@ struct PinKey {
     Bytes workingKey = {};
 };
 
+// The opposite of pin_block(); none for a block that no PIN is in, under that card number.
+[[nodiscard]] std::optional<std::string> pin_of(ByteView block, std::string_view pan);
+
 struct PinBlock {
     Bytes block;
     // All zeros when it was no DUKPT key.
@@ -35,6 +39,9 @@ struct PinBlock {
 // None when the key is not there or has served all its transactions. Counts a DUKPT key on.
 [[nodiscard]] std::optional<PinBlock> encipher_pin(KeyStore& keys, const PinKey& key, std::string_view pan,
                                                    std::string_view pin);
+
+// In clear again, as the acquirer has it. None when the key is not there.
+[[nodiscard]] std::optional<Bytes> decipher_pin(const KeyStore& keys, const PinKey& key, const PinBlock& enciphered);
 
 }  // namespace quorvel::sim
 

@@ -3,9 +3,11 @@
 #ifndef QUORVEL_SIMULATOR_SCENARIO_PERFORMANCE_H
 #define QUORVEL_SIMULATOR_SCENARIO_PERFORMANCE_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "simulator/amounts/amounts.h"
 #include "simulator/pin_pad.h"
 #include "simulator/scenario/judge.h"
 #include "simulator/scenario/player.h"
@@ -37,17 +39,20 @@ public:
     // What did not go as the scenario says, in words; none when all did. Once the PIN pad has stopped.
     [[nodiscard]] std::vector<std::string> complaints(const std::vector<Finding>& findings) const;
 
+    void begins(PinPad& pinPad, const Exchange& exchange) override;
     void waits(PinPad& pinPad, const std::string& command) override;
     void exchanged(PinPad& pinPad, const Exchange& exchange) override;
     void left(PinPad& pinPad) override;
     void work(PinPad& pinPad, Clock::time_point now) override;
-    [[nodiscard]] std::optional<Clock::time_point> due() const override { return player_.due(); }
+    [[nodiscard]] std::optional<Clock::time_point> due() const override;
 
 private:
     const Scenario scenario_;
     Scenario::End end_;
     Player player_;
     Judge judge_;
+    // The cardholder by the amounts' cents, if the scenario has him.
+    std::optional<Amounts> amounts_;
 };
 
 }  // namespace quorvel::sim

@@ -83,6 +83,8 @@ struct Scenario {
     std::chrono::milliseconds second{1000};
     std::chrono::seconds patience{120};
     Cards cards;
+    // Whether the amounts' cents have the cardholder act beside the script.
+    bool amounts = false;
 
     std::vector<Step> script;
     std::vector<Expectation> expectations;

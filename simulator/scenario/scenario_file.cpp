@@ -39,7 +39,7 @@ constexpr std::array kIdentityFields{
     IdentityField{"part_number", &Identity::partNumber, 32},
 };
 
-Identity identity(TomlTable table) {
+Identity identity(TomlTable& table) {
     Identity identity;
     for (const auto& [name, text, width] : kIdentityFields) {
         if (!table.has(name)) { continue; }
@@ -47,7 +47,6 @@ Identity identity(TomlTable table) {
         if ((identity.*text).size() > width) { table.refuse(name, fmt::format("longer than {} characters", width)); }
     }
     if (table.has("contactless")) { identity.contactless = table.flag("contactless"); }
-    table.end();
     return identity;
 }
 
@@ -77,8 +76,9 @@ void load_tables(Tables& tables, TomlTable table) {
         key.acquirer = static_cast<int>(record.number("acquirer", 0, 99, std::nullopt));
         key.index = record.required_text("index");
         if (key.index.size() != kIndexWidth) { record.refuse("index", "not of two characters"); }
+        const std::string body = record.text("body");
         record.end();
-        records[std::move(key)] = {};
+        records[std::move(key)] = to_bytes(body);
     }
     table.end();
     tables.load(acquirer, version, std::move(records));
@@ -135,7 +135,11 @@ void read_time(Scenario& scenario, TomlTable table) {
 
 void read_device(Scenario& scenario, TomlTable& table, const fs::path& folder) {
     scenario.device = Device::standard();
-    if (auto device = table.table("device")) { scenario.device.identity = identity(std::move(*device)); }
+    if (auto device = table.table("device")) {
+        scenario.device.identity = identity(*device);
+        scenario.amounts = device->flag("amounts");
+        device->end();
+    }
     if (auto inner = table.table("keys")) { scenario.device.keys = keys(std::move(*inner), folder); }
     for (TomlTable& each : table.tables("tables")) { load_tables(scenario.device.tables, std::move(each)); }
     if (auto time = table.table("time")) { read_time(scenario, std::move(*time)); }

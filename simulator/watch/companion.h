@@ -25,6 +25,8 @@ public:
     Companion(const Companion&) = delete;
     Companion& operator=(const Companion&) = delete;
 
+    // A command has come, and will be carried out now.
+    virtual void begins(PinPad&, const Exchange&) {}
     // A command has begun to wait for the cardholder.
     virtual void waits(PinPad& pinPad, const std::string& command) = 0;
     // A command has ended.

@@ -32,8 +32,9 @@ ROOMS = {
     "commands": {"keys", "cards", "device", "cardholder", "watch"},
     "faults": {"line"},
     "pin pad": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults"},
-    "control": {"cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
-    "scenario": {"files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
+    "control": {"keys", "cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
+    "amounts": {"cards", "device", "cardholder", "watch", "faults", "pin pad"},
+    "scenario": {"amounts", "files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
     "face": {"cards", "device", "cardholder", "watch", "pin pad"},
 }
 PIN_PAD = ("engine", "pin_pad", "transmitter")

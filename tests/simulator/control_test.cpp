@@ -100,6 +100,15 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
         {R"({"do":"await","ms":-1})", refused("\"ms\" is not from 0 to 86400000")},
         {R"({"do":"fault","fault":"delay"})", refused("\"delay\" needs a time")},
         {R"({"do":"fault","fault":"nak","chance":"high"})", refused("\"chance\" is no number")},
+        {R"({"do":"keys","use":"both"})", refused("\"use\" is neither \"pin\" nor \"data\"")},
+        {R"({"do":"decipher-pin","pan":"41","block":"12","ksn":""})",
+         refused("\"block\" is not of 16 hexadecimal digits")},
+        {R"({"do":"decipher-pin","pan":"41","block":"0011223344556677","ksn":"FFFF"})",
+         refused("\"ksn\" is not of 20 hexadecimal digits")},
+        {R"({"do":"decipher-pin","pan":"41","block":"0011223344556677","ksn":"00009876543210E00001"})",
+         refused("there is no such key")},
+        {R"({"do":"decipher-pin","pan":"4X","block":"0011223344556677","ksn":"FFFF9876543210E00001"})",
+         refused("\"pan\" is no card number")},
         {R"({"do":"traffic","last":1001})", refused("\"last\" is not from 1 to 1000")},
     });
     // None of it has left a trace.
@@ -193,6 +202,27 @@ TEST_F(ControlTest, DoesWhatAClientAsksThatGoesAtOnce) {
     // Clients are served in the order of their coming.
     EXPECT_EQ(ControlClient(path_).ask(R"({"do":"remove"})"), kDone);
     call("GKY", "GKY005");
+}
+
+// By each method, and with a serial number that counts on.
+TEST_F(ControlTest, KnowsThePinThatLeftThePinPad) {
+    for (const auto& [method, key, members] : {
+             std::tuple("0", "3030303030303030B4CC3FD9D8D95214"s, R"("working":"B4CC3FD9D8D95214")"s),
+             {"1", "3EB3B72576BBBE834F0B96AAA5A8B548", R"("working":"3eb3b72576bbbe834f0b96aaa5a8b548")"},
+             {"2", "30303030303030303030303030303030", R"("strength":"des","ksn":"FFFF9876543210E00001")"},
+             {"3", "30303030303030303030303030303030", R"("ksn":"FFFF9876543210E00001")"},
+             {"3", "30303030303030303030303030303030", R"("ksn":"FFFF9876543210E00002")"},
+         }) {
+        pinPad_->when("GPN", Gestures().type("907654321"));
+        const std::string answer =
+            ask("GPN093"s + method + "00" + key + "16" + padded("4111111111111111", 19) + "1" + padded("0412PIN", 36));
+        const std::string block = answer.substr(9, 16);
+        expect_answers({{R"({"do":"decipher-pin","pan":"4111111111111111","block":")" + block + "\"," + members + "}",
+                         R"({"ok":true,"pin":"907654321"})"}});
+    }
+    EXPECT_EQ(told("keys").at("keys").back().at("ksn"), "FFFF9876543210E00000");
+    EXPECT_EQ(json::parse(client_->ask(R"({"do":"keys","use":"pin","strength":"tdes"})"))["keys"].back()["ksn"],
+              "FFFF9876543210E00002");
 }
 
 TEST_F(ControlTest, InjectsFaults) {

@@ -107,6 +107,7 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
         {{"--speed", "299"}, "--speed: Value 299 not in range 300 to 4000000"},
         {{"--seed", "-1"}, "Could not convert: --seed = -1"},
+        {{"--amounts", "--scenario", "magnetic"}, "--scenario excludes --amounts"},
         {{"--control", folder}, "quorvel-sim: " + folder + " is there and no socket"},
         {{"--scenario", link_},
          "quorvel-sim: there is no scenario \"" + link_ + "\": no file, and none of those that --list-scenarios names"},
