@@ -125,10 +125,13 @@ private:
         return verified_.pinBlocked ? std::optional(Ending::kFailed) : std::nullopt;
     }
 
-    void ask() {
+    // What the host has to say stands in place of the amount and of what the PIN pad asks for itself.
+    void ask(std::optional<Text> wrong = {}) {
         const std::string& message = request_.message;
-        entry_.emplace(screen_, message.empty() ? "ENTER THE PIN" : message, kFewestPinDigits, kMaxPinDigits,
-                       DigitEntry::Echo::kCount);
+        std::string text = message.empty() ? amount_line(transaction().objects) : "";
+        if (wrong) { text += device_.text(Text::kWrongPin) + "\r"; }
+        text += message.empty() ? device_.text(wrong.value_or(Text::kEnterPin)) : message;
+        entry_.emplace(screen_, text, kFewestPinDigits, kMaxPinDigits, DigitEntry::Echo::kCount);
     }
 
     // The rule is not fulfilled: the next one has its turn, if this one leads on.
@@ -160,8 +163,9 @@ private:
         ++verified_.pinErrors;
         verified_.pinBlocked = chip().pinTries == 0;
         if (verified_.pinBlocked) { return give_up(); }
-        notify_(chip().pinTries == 1 ? "WRONG PIN, LAST TRY" : "WRONG PIN");
-        ask();
+        const bool last = chip().pinTries == 1;
+        notify_(last ? "WRONG PIN, LAST TRY" : "WRONG PIN");
+        ask(last ? Text::kLastTry : Text::kEnterPin);
         return std::nullopt;
     }
 
@@ -203,7 +207,14 @@ private:
         generate(objects, cryptogram(decision));
         transaction().stage =
             decision == Decision::kOnline ? Transaction::Stage::kOnline : Transaction::Stage::kFinished;
-        return answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects});
+        return showing(answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects}),
+                       outcome(decision));
+    }
+
+    [[nodiscard]] Text outcome(Decision decision) const {
+        if (decision == Decision::kOnline) { return Text::kProcessing; }
+        if (decision == Decision::kApproved) { return Text::kApproved; }
+        return verified_.pinBlocked ? Text::kPinBlocked : Text::kDeclined;
     }
 
     TableRecord record_;

@@ -4,9 +4,11 @@ _quorvel_sim() {
     case "$previous" in
     --scenario) words=$("${COMP_WORDS[0]}" --list-scenarios 2>/dev/null | cut -d' ' -f1) ;;
     --ends) words='close done stop' ;;
+    --session) words='strict lenient' ;;
+    --language) words='en pt' ;;
     --speed) words='9600 19200 38400 57600 115200' ;;
     --link|--keys|--control|--seed) words='' ;;
-    *) words='--link --keys --control --scenario --amounts --ends --list-scenarios --speed --seed --face --trace --version --help' ;;
+    *) words='--link --keys --control --scenario --amounts --ends --list-scenarios --speed --session --language --seed --face --trace --version --help' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     [ "${#COMPREPLY[@]}" -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$current")

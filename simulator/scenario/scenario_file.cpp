@@ -136,6 +136,7 @@ void read_time(Scenario& scenario, TomlTable table) {
 void read_device(Scenario& scenario, TomlTable& table, const fs::path& folder) {
     scenario.device = Device::standard();
     if (auto device = table.table("device")) {
+        scenario.device.language = device->choice("language", kLanguages);
         scenario.device.identity = identity(*device);
         scenario.amounts = device->flag("amounts");
         device->end();
