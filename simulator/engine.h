@@ -41,6 +41,8 @@ public:
         // Called with the id of each command that begins to wait, and when a command has ended.
         std::function<void(const std::string&)> waits = [](const std::string&) {};
         std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
+        // Called with what the cardholder does, before it is done, and the id of the command that waits, if one does.
+        std::function<void(const Event&, const std::string&)> acted = [](const Event&, const std::string&) {};
     };
 
     Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
@@ -103,7 +105,8 @@ private:
     void end_exchange(std::optional<int> status);
 
     // `as` stands in the response where the command's id does otherwise.
-    void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed);
+    void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed,
+                 bool refused = false);
     void find(Finding::Kind kind, std::string text);
 
     Device device_;
@@ -111,6 +114,7 @@ private:
     const std::chrono::seconds patience_;
     const std::function<void(const std::string&)> waits_;
     const std::function<void(const Exchange&)> exchanged_;
+    const std::function<void(const Event&, const std::string&)> acted_;
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;

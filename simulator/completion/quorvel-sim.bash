@@ -5,8 +5,9 @@ _quorvel_sim() {
     --scenario) words=$("${COMP_WORDS[0]}" --list-scenarios 2>/dev/null | cut -d' ' -f1) ;;
     --ends) words='close done stop' ;;
     --speed) words='9600 19200 38400 57600 115200' ;;
-    --link|--keys|--control|--seed) words='' ;;
-    *) words='--link --keys --control --scenario --ends --list-scenarios --speed --seed --face --trace --version --help' ;;
+    --link|--keys|--control|--seed|--record|--replay|--pace|--ignore|scenario-from) words='' ;;
+    *) words='--link --keys --control --scenario --ends --list-scenarios --speed --seed --face --trace '
+       words+='--record --record-private --replay --pace --ignore --version --help scenario-from' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     [ "${#COMPREPLY[@]}" -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -100,6 +100,7 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
         {R"({"do":"await","ms":-1})", refused("\"ms\" is not from 0 to 86400000")},
         {R"({"do":"fault","fault":"delay"})", refused("\"delay\" needs a time")},
         {R"({"do":"fault","fault":"nak","chance":"high"})", refused("\"chance\" is no number")},
+        {R"({"do":"fault","fault":"status","before":1})", refused("\"before\" is neither true nor false")},
         {R"({"do":"traffic","last":1001})", refused("\"last\" is not from 1 to 1000")},
     });
     // None of it has left a trace.
@@ -200,9 +201,11 @@ TEST_F(ControlTest, InjectsFaults) {
         {R"({"do":"fault","fault":"wrong-id","command":"OPN"})", kDone},
         {R"({"do":"fault","fault":"status","status":42,"every":2})", kDone},
         {R"({"do":"fault","fault":"delay","ms":1,"chance":0.5,"times":3})", kDone},
+        {R"({"do":"fault","fault":"status","status":10,"command":"CLX","before":true,"as-error":true})", kDone},
         {R"({"do":"faults"})",
          R"({"faults":[{"command":"OPN","fault":"wrong-id","times":1},{"every":2,"fault":"status","status":42},)"
-         R"({"chance":0.5,"fault":"delay","ms":1,"times":3}],"ok":true})"},
+         R"({"chance":0.5,"fault":"delay","ms":1,"times":3},)"
+         R"({"as-error":true,"before":true,"command":"CLX","fault":"status","status":10,"times":1}],"ok":true})"},
     });
     for (const char* due : {"XXX000", "OPN000", "OPN042", "OPN000", "OPN042"}) { call("OPN", due); }
     expect_answers({{R"({"do":"clear-faults"})", kDone}, {R"({"do":"faults"})", R"({"faults":[],"ok":true})"}});
