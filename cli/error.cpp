@@ -47,8 +47,10 @@ LibraryError::LibraryError(const quorvel::Error& raised)
       code_(raised.code()) {}
 
 StatusError::StatusError(std::string_view command, quorvel::Status status)
-    : Error(Exit::kRefused, status_text(command, status), std::string(explain_status(status.code()).remedy)),
-      status_(status) {}
+    : StatusError(command, status, std::string(explain_status(status.code()).remedy)) {}
+
+StatusError::StatusError(std::string_view command, quorvel::Status status, std::string remedy)
+    : Error(Exit::kRefused, status_text(command, status), std::move(remedy)), status_(status) {}
 
 LateError::LateError(std::string_view command)
     : Error(Exit::kLink, fmt::format("{} was not answered in time, and was cancelled.", command),

@@ -58,6 +58,8 @@ private:
 class StatusError : public Error {
 public:
     StatusError(std::string_view command, quorvel::Status status);
+    // With something better to do about it than is known of the status.
+    StatusError(std::string_view command, quorvel::Status status, std::string remedy);
 
     [[nodiscard]] quorvel::Status status() const noexcept { return status_; }
 

@@ -11,6 +11,9 @@ namespace quorvel::cli {
 
 namespace {
 
+constexpr const char* kPlainInstead =
+    "The PIN pad may not know encrypted sessions: without --secure the session is plain.";
+
 std::string required_port(const Settings& settings) {
     if (!settings.port.empty()) { return settings.port; }
     std::string found;
@@ -57,7 +60,12 @@ void Link::observe() {
 void Link::open_session(bool secure) {
     interrupt::check();
     const interrupt::Exchange exchange(link_->descriptor());
-    in_words("OPN", [&] { session_.emplace(link_->open(secure ? quorvel::secure : plain)); });
+    try {
+        in_words("OPN", [&] { session_.emplace(link_->open(secure ? quorvel::secure : plain)); });
+    } catch (const StatusError& error) {
+        if (!secure || error.status() != quorvel::Status::invalid_call) { throw; }
+        throw StatusError("OPN", error.status(), kPlainInstead);
+    }
     if (cutOff_) { output_.notice("The PIN pad was still in an encrypted session that was cut off; it is ended."); }
 }
 

@@ -37,6 +37,7 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
       sessions_(options.session),
       waits_(std::move(options.waits)),
       exchanged_(std::move(options.exchanged)),
+      acted_(std::move(options.acted)),
       journal_(journal),
       screen_(screen),
       cardholder_(cardholder),
@@ -90,7 +91,9 @@ void Engine::cancel() {
 
 void Engine::accept(const Reception& reception) {
     const Request request = open(reception);
-    journal_.record(Traffic{Sender::kHost, reception.wire, request.words, is_private(reception)});
+    const bool readable = request.sealed || !reception.frame.encrypted;
+    journal_.record(Traffic{Sender::kHost, reception.wire, request.words, is_private(reception),
+                            readable ? std::optional(request.packet) : std::nullopt, request.sealed});
     if (!transmitter_.acknowledge(id_of(request.packet))) { return; }
     if (pending_) {
         find(Finding::Kind::kSequence, fmt::format("a command came while {} waited", stop_waiting().command.id));
@@ -158,11 +161,15 @@ void Engine::obey(const Request& request) {
         return refuse({Finding::Kind::kSequence, fmt::format("{} before OPN: there is no session", id)},
                       Status::kInvcall, request);
     }
+    const bool ends = command->session == Command::Session::kEnds;
+    if (const auto fault = transmitter_.refusal(id)) {
+        const Answer answer{.status = static_cast<Status>(fault->status), .blocks = {}};
+        return respond(id, fault->asError ? kErrorId : id, answer, request.sealed && !ends, true);
+    }
     begins_(*exchange_);
     Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(kIdWidth))};
     const Screen::Content before = to_go_back_to();
     Outcome outcome = run(*command, call);
-    const bool ends = command->session == Command::Session::kEnds;
     if (ends) {
         find_card_left("the session was closed");
         end_session();
@@ -228,6 +235,7 @@ void Engine::poll(Clock::time_point now) {
 
 // A card goes in and out of the reader whether or not a command waits for it.
 void Engine::perform(const Event& event) {
+    acted_(event, pending_ ? std::string(pending_->command.id) : "");
     if (const auto* inserted = std::get_if<CardInserted>(&event)) { device_.insert(inserted->card); }
     if (std::holds_alternative<CardRemoved>(event)) { device_.remove_card(); }
     post_state();
@@ -256,8 +264,9 @@ void Engine::finish(const Answer& answer) {
     respond(ended.command.id, ended.command.id, answer, ended.sealed);
 }
 
-void Engine::respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed) {
-    lastResponse_ = Message{.command = std::string(command), .packet = response_packet(as, answer), .sealed = sealed};
+void Engine::respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed, bool refused) {
+    lastResponse_ = Message{
+        .command = std::string(command), .packet = response_packet(as, answer), .sealed = sealed, .refused = refused};
     resends_ = 0;
     post_state();
     const int status = transmitter_.send(*lastResponse_, channel_);

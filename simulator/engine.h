@@ -49,6 +49,8 @@ public:
         std::function<void(const Exchange&)> begins = [](const Exchange&) {};
         std::function<void(const std::string&)> waits = [](const std::string&) {};
         std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
+        // Called with what the cardholder does, before it is done, and the id of the command that waits, if one does.
+        std::function<void(const Event&, const std::string&)> acted = [](const Event&, const std::string&) {};
     };
 
     Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
@@ -124,7 +126,8 @@ private:
     void end_exchange(std::optional<int> status);
 
     // `as` stands in the response where the command's id does otherwise.
-    void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed);
+    void respond(std::string_view command, std::string_view as, const Answer& answer, bool sealed,
+                 bool refused = false);
     void find(Finding::Kind kind, std::string text);
 
     Device device_;
@@ -134,6 +137,7 @@ private:
     const Sessions sessions_;
     const std::function<void(const std::string&)> waits_;
     const std::function<void(const Exchange&)> exchanged_;
+    const std::function<void(const Event&, const std::string&)> acted_;
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;

@@ -19,19 +19,22 @@
 #include "simulator/face/face.h"
 #include "simulator/line/port_link.h"
 #include "simulator/pin_pad.h"
+#include "simulator/recording/recorder.h"
+#include "simulator/recording/replayer.h"
+#include "simulator/recording/scenario_maker.h"
 #include "simulator/scenario/performance.h"
 
 namespace {
 
 namespace sim = quorvel::sim;
 
-sim::PinPad* running = nullptr;
-
-// While one lives, SIGINT and SIGTERM end the PIN pad's run; afterwards they are ignored, as the program ends anyway.
+// While one lives, SIGINT and SIGTERM end the player's run; afterwards they are ignored, as the program ends anyway.
+template <typename Player>
 class StopOnSignals {
 public:
-    explicit StopOnSignals(sim::PinPad& pinPad) {
-        running = &pinPad;
+    explicit StopOnSignals(Player& player) {
+        static Player* running = nullptr;
+        running = &player;
         handle([](int) { running->request_stop(); });
     }
     ~StopOnSignals() { handle(SIG_IGN); }
@@ -64,6 +67,12 @@ struct Settings {
     std::optional<sim::Language> language;
     uint32_t seed = 1;
     bool amounts = false;
+    std::string record;
+    bool recordPrivate = false;
+    std::string replay;
+    double pace = 0;
+    std::vector<std::string> ignore;
+    std::string recording;
     bool trace = false;
     bool face = false;
     bool listScenarios = false;
@@ -117,6 +126,14 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
     return options;
 }
 
+sim::Recorder make_recorder(const Settings& settings, sim::Cards cards) {
+    const auto values = settings.recordPrivate ? sim::Recorder::Values::kKept : sim::Recorder::Values::kWithheld;
+    const bool prints = may_print(settings, STDERR_FILENO);
+    return {settings.record, values, std::move(cards), [prints](const std::string& what) {
+                if (prints) { print_error(fmt::format("quorvel-sim: {}\n", what)); }
+            }};
+}
+
 std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
     if (settings.scenario.empty()) { return nullptr; }
     auto performance = std::make_unique<sim::Performance>(sim::Scenario::find(settings.scenario));
@@ -139,17 +156,47 @@ int list_scenarios() {
     return kKept;
 }
 
+int replay(const Settings& settings) {
+    sim::require_known(settings.ignore);
+    Port port(settings.link, false);
+    sim::Replayer::Options options{.pace = settings.pace};
+    options.ignored.insert(settings.ignore.begin(), settings.ignore.end());
+    options.differs = [](const std::string& how) { print_error(fmt::format("difference: {}\n", how)); };
+    options.returned = [&port](const std::string& path) { port.announce(path); };
+    if (settings.trace) {
+        options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
+    }
+    sim::Replayer replayer(sim::Recording::from_file(settings.replay), std::move(options));
+    const StopOnSignals stopOnSignals(replayer);
+    port.announce(replayer.path());
+    replayer.run();
+    fmt::print("replay: {}\n", replayer.is_same() ? "the same" : "different");
+    return replayer.is_same() ? kKept : kBroken;
+}
+
+int print_scenario(const std::string& path) {
+    const auto recording = sim::Recording::from_file(path);
+    fmt::print("{}", sim::scenario_from(recording, fmt::format("Recorded in {}", path)));
+    return kKept;
+}
+
 int play(const Settings& settings) {
     Port port(settings.link, !may_print(settings, STDOUT_FILENO));
     const auto performance = performance_of(settings);
     sim::Amounts amounts;
+    const sim::Cards cards = performance ? performance->scenario().cards : sim::Cards::standard();
+    std::optional<sim::Recorder> recorder;
     sim::Feed feed;
     sim::PinPad::Options pinPadOptions = options(settings, port, performance.get());
     if (settings.amounts) { pinPadOptions.companion = &amounts; }
     if (settings.face) { feed.listen(pinPadOptions); }
+    if (!settings.record.empty()) {
+        recorder.emplace(make_recorder(settings, cards));
+        recorder->listen(pinPadOptions);
+    }
     sim::PinPad pinPad(std::move(pinPadOptions));
     const StopOnSignals stopOnSignals(pinPad);
-    sim::Control control(pinPad, performance ? performance->scenario().cards : sim::Cards::standard());
+    sim::Control control(pinPad, cards);
     std::optional<sim::ControlServer> server;
     if (!settings.control.empty()) { server.emplace(settings.control, control); }
     const auto announce = [&] { port.announce(pinPad.path()); };
@@ -160,6 +207,33 @@ int play(const Settings& settings) {
         pinPad.run();
     }
     return !performance || report(*performance, pinPad) ? kKept : kBroken;
+}
+
+// What a session is written to, and what is made of it.
+void add_recording(CLI::App& app, Settings& settings) {
+    CLI::Option* const record =
+        app.add_option("--record", settings.record, "Write all that happens to this file, with test values for secrets")
+            ->type_name("FILE");
+    app.add_flag("--record-private", settings.recordPrivate, "Record card numbers, PINs and keys as they are")
+        ->needs(record);
+    CLI::Option* const replay = app.add_option("--replay", settings.replay,
+                                               "Answer as the PIN pad did in this recording, and tell what differs")
+                                    ->type_name("FILE");
+    for (const char* other : {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed"}) {
+        replay->excludes(app.get_option(other));
+    }
+    app.add_option("--pace", settings.pace, "Let the pauses of a recording last, times this factor; 0 for none")
+        ->type_name("FACTOR")
+        ->check(CLI::Range(0.0, 1000.0))
+        ->needs(replay);
+    app.add_option("--ignore", settings.ignore, "Fields and parameters in which the till may differ, too")
+        ->type_name("NAME,...")
+        ->delimiter(',')
+        ->needs(replay);
+    app.add_subcommand("scenario-from", "Print a scenario that is made of a recording")
+        ->add_option("recording", settings.recording, "What --record has written")
+        ->type_name("FILE")
+        ->required();
 }
 
 }  // namespace
@@ -201,9 +275,10 @@ int main(int argc, char** argv) {
                  "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
                  "place of what would be printed there; what goes into files and pipes is printed as usual");
     app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
+    add_recording(app, settings);
     app.set_version_flag("--version", QUORVEL_VERSION);
     app.footer(
-        "Exit status: 0 when it was told to end, or a scenario went as expected; 1 when a scenario did not; 2 when "
+        "Exit status: 0 when it was told to end, or a scenario or a replay went as expected; 1 when it did not; 2 when "
         "the command line or a file is wrong, or there is no line.");
     try {
         app.parse(argc, argv);
@@ -211,7 +286,8 @@ int main(int argc, char** argv) {
 
     try {
         if (settings.listScenarios) { return list_scenarios(); }
-        return play(settings);
+        if (!settings.recording.empty()) { return print_scenario(settings.recording); }
+        return settings.replay.empty() ? play(settings) : replay(settings);
     } catch (const std::exception& error) {
         print_error(fmt::format("quorvel-sim: {}\n", error.what()));
         return kUnable;

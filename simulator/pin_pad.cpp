@@ -35,8 +35,9 @@ static_assert(std::atomic<bool>::is_always_lock_free, "request_stop() is called 
 PinPad::PinPad(Options options)
     : journal_(std::move(options.listeners)),
       companion_(options.companion),
-      faults_(options.seed),
-      line_(options.companion != nullptr),
+      witness_(std::move(options.witness)),
+      faults_(options.seed, witness_.struck),
+      line_(options.companion != nullptr || witness_.left),
       screen_(options.changed),
       board_(options.changed),
       transmitter_(byte_time(options.speed), faults_, journal_,
@@ -58,6 +59,10 @@ PinPad::PinPad(Options options)
                .exchanged =
                    [this](const Exchange& exchange) {
                        if (companion_ != nullptr) { companion_->exchanged(*this, exchange); }
+                   },
+               .acted =
+                   [this](const Event& event, const std::string& waiting) {
+                       if (witness_.acted) { witness_.acted(event, waiting); }
                    }},
               journal_, screen_, cardholder_, board_, transmitter_),
       heard_(byte_time(options.speed)),
@@ -130,6 +135,7 @@ void PinPad::see_off(uint64_t begun) {
     if (!std::exchange(spoken_, false)) { return; }
     engine_.leave(own);
     if (companion_ != nullptr) { companion_->left(*this); }
+    if (witness_.left) { witness_.left(); }
 }
 
 void PinPad::come_and_go() {

@@ -39,6 +39,16 @@ namespace quorvel::sim {
 //     EXPECT_TRUE(pinPad.findings().empty());
 class PinPad {
 public:
+    // Who keeps a record of what comes from elsewhere than the line. All is called on the PIN pad's thread.
+    struct Witness {
+        // What the cardholder does, before it is done, and the id of the command that waits, if one does.
+        std::function<void(const Event&, const std::string&)> acted;
+        // A fault, before it strikes what comes next.
+        std::function<void(const Fault&)> struck;
+        // A host has closed the line, after it had sent something.
+        std::function<void()> left;
+    };
+
     struct Options {
         Device device = Device::standard();
         Journal::Listeners listeners = {};
@@ -65,6 +75,7 @@ public:
         std::function<void(const std::string&)> returned = {};
         // Goes along with the PIN pad, which it must outlive; null for none.
         Companion* companion = nullptr;
+        Witness witness = {};
         // Called after each change of screen() or board(), on the PIN pad's thread.
         std::function<void()> changed = {};
     };
@@ -137,6 +148,7 @@ private:
 
     Journal journal_;
     Companion* const companion_;
+    const Witness witness_;
     FaultPlan faults_;
     Line line_;
     Screen screen_;

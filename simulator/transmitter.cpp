@@ -31,14 +31,18 @@ const FaultKind* kind_of(const std::optional<Fault>& fault) { return fault ? fin
 Transmitter::Transmitter(std::chrono::nanoseconds perByte, FaultPlan& faults, Journal& journal, Line line)
     : faults_(faults), journal_(journal), line_(std::move(line)), bytes_(perByte) {}
 
-void Transmitter::send_byte(uint8_t byte) { put({byte}, control_words(byte)); }
+std::optional<Fault> Transmitter::refusal(std::string_view command) {
+    return faults_.strike({.kind = Message::Kind::kRequest, .command = std::string(command)});
+}
+
+void Transmitter::send_byte(uint8_t byte) { put({Sender::kPinPad, {byte}, control_words(byte)}); }
 
 bool Transmitter::acknowledge(std::string_view command) {
     const auto fault = faults_.strike({.kind = Message::Kind::kAcknowledgement, .command = std::string(command)});
     Bytes wire{control::kAck};
     apply(kind_of(fault), &FaultKind::wire, wire);
     const bool accepted = wire != Bytes{control::kNak};
-    put(std::move(wire), control_words(control::kAck), fault);
+    put({Sender::kPinPad, std::move(wire), control_words(control::kAck)}, fault);
     return accepted;
 }
 
@@ -53,9 +57,10 @@ int Transmitter::send(const Message& message, const SecureChannel& channel) {
     Bytes wire = encode({.encrypted = message.sealed, .data = std::move(content)});
     apply(kind, &FaultKind::wire, wire);
     // In words, what was meant: of what a fault has made of it they might tell more than they should.
-    const std::string words = response_words(message.packet);
-    put(std::move(wire), message.sealed ? enciphered_words(words) : words, fault,
-        !message.sealed && !is_open(Sender::kPinPad, message.packet));
+    const std::string words = response_words(message.packet) + (message.refused ? " (fault: status)" : "");
+    put({Sender::kPinPad, std::move(wire), message.sealed ? enciphered_words(words) : words,
+         !message.sealed && !is_open(Sender::kPinPad, message.packet), message.packet, message.sealed},
+        fault);
     if (kind != nullptr && kind->hangsUp) { line_.hangUp(fault->time); }
     return status;
 }
@@ -70,14 +75,14 @@ void Transmitter::flush() {
 }
 
 // Recorded first: whoever has read the answer can rely on finding it in the journal.
-void Transmitter::put(Bytes wire, std::string words, const std::optional<Fault>& fault, bool withheld) {
+void Transmitter::put(Traffic traffic, const std::optional<Fault>& fault) {
     PacedBytes::Pace pace;
     if (fault) {
         apply(kind_of(fault), &FaultKind::pace, pace, fault->time);
-        words += fmt::format(" (fault: {})", fault->kind);
+        traffic.words += fmt::format(" (fault: {})", fault->kind);
     }
-    bytes_.push(wire, pace, Clock::now());
-    journal_.record(Traffic{Sender::kPinPad, std::move(wire), std::move(words), withheld});
+    bytes_.push(traffic.wire, pace, Clock::now());
+    journal_.record(std::move(traffic));
     flush();
 }
 

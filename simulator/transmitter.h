@@ -31,6 +31,8 @@ public:
 
     Transmitter(std::chrono::nanoseconds perByte, FaultPlan& faults, Journal& journal, Line line);
 
+    // The fault that has the command refused in place of being carried out.
+    [[nodiscard]] std::optional<Fault> refusal(std::string_view command);
     // One that belongs to no command.
     void send_byte(uint8_t byte);
     // False when the host heard a refusal instead, and will repeat the command.
@@ -46,7 +48,7 @@ public:
     [[nodiscard]] std::optional<Clock::time_point> due() const { return bytes_.due(); }
 
 private:
-    void put(Bytes wire, std::string words, const std::optional<Fault>& fault = {}, bool withheld = false);
+    void put(Traffic traffic, const std::optional<Fault>& fault = {});
 
     FaultPlan& faults_;
     Journal& journal_;

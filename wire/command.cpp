@@ -106,7 +106,7 @@ constexpr std::array kGpnRequest{kBlock,
 constexpr std::array kGpnResponse{kBlock, withheld("GPN_PINBLK", 16), hex("GPN_KSN", 20)};
 constexpr std::array kGtsRequest{kBlock, digits("GTS_ACQIDX", 2)};
 constexpr std::array kGtsResponse{kBlock, text("GTS_TABVER", 10)};
-constexpr std::array kNtmResponse{kBlock, text("NTM_MSG", 32)};
+constexpr std::array kNtmResponse{kBlock, rest(text("NTM_MSG", 0))};
 constexpr std::array kOpnRequest{kBlock,
                                  digits("OPN_OPMODE", 1),
                                  digits("OPN_MODLEN", 3),

@@ -50,6 +50,8 @@ struct Item {
     Privacy privacy = Privacy::kWithheld;
     // What data objects consist of.
     std::vector<Item> parts = {};
+    // Where the value begins in its packet.
+    size_t at = 0;
 };
 
 [[nodiscard]] Item item(std::string name, uint32_t id, ByteView value, const Content& content);

@@ -15,31 +15,48 @@ namespace {
 using Items = std::vector<Item>;
 using Size = Field::Size;
 
-Items unknown(ByteView bytes) { return bytes.empty() ? Items() : Items{item("", 0, bytes, {})}; }
+Item placed(Item item, size_t at) {
+    item.at = at;
+    return item;
+}
+
+// The positions are those in what stands behind the head.
+Items unknown(ByteView bytes, size_t at = 0) {
+    return bytes.empty() ? Items() : Items{placed(item("", 0, bytes, {}), at)};
+}
 
 Items params_in(ByteView blocks) {
+    static constexpr size_t kLengthDigits = 3;
     Items items;
-    for (const Param& param : Reader("", blocks).params()) { items.push_back(param_item(param.id, param.data)); }
+    const size_t second = kLengthDigits + Reader("", blocks).block("block").left();
+    size_t at = kLengthDigits;
+    for (const Param& param : Reader("", blocks).params()) {
+        if (at == second) { at += kLengthDigits; }
+        items.push_back(placed(param_item(param.id, param.data), at + kParamHead));
+        at += kParamHead + param.data.size();
+    }
     return items;
 }
 
 // Fields in their order, off the front of what is left.
 class Fields {
 public:
-    explicit Fields(ByteView bytes) : reader_("", bytes) {}
+    explicit Fields(ByteView bytes) : reader_("", bytes), size_(bytes.size()) {}
 
     void take(const Field& field) {
         if (field.size == Size::kLength) { return claim(); }
         if (field.size == Size::kOptional && reader_.left() == 0) { return; }
+        const size_t at = size_ - reader_.left();
         const Bytes value = reader_.b(field.name, size_of(field));
         const bool exact = field.size == Size::kFixed || field.size == Size::kOptional;
         Item taken = item(std::string(field.name), 0, value, exact ? field.content : any_size(field.content));
         if (taken.privacy != field.content.privacy) { throw LayoutError(std::string(field.name)); }
-        items_.push_back(std::move(taken));
+        items_.push_back(placed(std::move(taken), at));
     }
 
     [[nodiscard]] Items all() && {
-        for (Item& item : unknown(reader_.b("", reader_.left()))) { items_.push_back(std::move(item)); }
+        const size_t at = size_ - reader_.left();
+        for (Item& item : unknown(reader_.b("", reader_.left()), at)) { items_.push_back(std::move(item)); }
         return std::move(items_);
     }
 
@@ -66,6 +83,7 @@ private:
     }
 
     Reader reader_;
+    size_t size_;
     Items items_;
 };
 
@@ -99,12 +117,13 @@ Packet take_apart(Sender sender, ByteView packet) {
     if (sender == Sender::kPinPad) {
         if (!rest.empty()) { apart.status = status_in(packet); }
         if (!apart.status) {
-            apart.items = unknown(rest);
+            apart.items = unknown(rest, head.size());
             return apart;
         }
         rest = rest.subspan(kStatusWidth);
     }
     apart.items = items_in(apart, sender, rest);
+    for (Item& each : apart.items) { each.at += packet.size() - rest.size(); }
     return apart;
 }
 

@@ -17,6 +17,7 @@
 #include "cli/words.h"
 #include "wire/command.h"
 #include "wire/hex.h"
+#include "wire/recording.h"
 
 namespace quorvel::cli::setup {
 
@@ -216,10 +217,35 @@ Table decoded(const std::vector<Line>& lines) {
     return table;
 }
 
+// What crossed the line as a trace has it; what was done to the PIN pad, and what it found, as it stands there.
+void tell(Table& table, const wire::Recorded& recorded) {
+    using Mark = wire::Recorded::Mark;
+    const Sender sender = recorded.mark == Mark::kHost ? Sender::kHost : Sender::kPinPad;
+    if (wire::is_frame(recorded)) { return add(table, name_of(sender), packet_words(sender, recorded.bytes)); }
+    if (recorded.mark == Mark::kHost || recorded.mark == Mark::kPinPad) {
+        return add(table, name_of(sender), words_of(recorded.text.empty() ? recorded.kind : recorded.text));
+    }
+    const std::string kind =
+        recorded.mark == Mark::kFinding ? fmt::format("finding ({})", recorded.kind) : recorded.kind;
+    add(table, name_of({}), {{"What", recorded.text.empty() ? kind : fmt::format("{}: {}", kind, recorded.text)}});
+}
+
+Table recorded(const std::string& text) {
+    Table table{kColumns};
+    try {
+        for (const wire::Recorded& each : wire::Recording::parse(text).events) { tell(table, each); }
+    } catch (const std::runtime_error& error) {
+        throw Error(Exit::kUsage, fmt::format("In the recording, {}.", error.what()));
+    }
+    return table;
+}
+
 Table decoded(const std::vector<std::string>& texts, std::optional<Sender> sender) {
-    if (texts.empty() || !texts.front().starts_with('{')) { return decoded(capture(texts, sender)); }
+    const bool records = !texts.empty() && texts.front() == wire::Recording::kFirstLine;
+    if (!records && (texts.empty() || !texts.front().starts_with('{'))) { return decoded(capture(texts, sender)); }
     std::string all;
     for (const std::string& text : texts) { all += text + "\n"; }
+    if (records) { return recorded(all); }
     try {
         return traced(Json::parse(all));
     } catch (const Json::exception&) { throw Error(Exit::kUsage, "This is no object that quorvel has printed."); }
@@ -245,7 +271,7 @@ Outcome run_decode(const DecodeOptions& options) {
 Run decode(CommandLine& line) {
     const auto options = std::make_shared<DecodeOptions>();
     line.text("hex", options->hex, "HEX", "Bytes in hexadecimal: frames, control bytes or a packet");
-    line.text("--file", options->file, "FILE", "A capture, or a trace; else standard input");
+    line.text("--file", options->file, "FILE", "A capture, a trace or a recording; else standard input");
     line.word("--from", options->from, {"host", "pinpad"}, "Who sent it, where no arrow tells");
     return [options](Context&) { return run_decode(*options); };
 }

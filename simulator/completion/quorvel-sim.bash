@@ -7,8 +7,9 @@ _quorvel_sim() {
     --session) words='strict lenient' ;;
     --language) words='en pt' ;;
     --speed) words='9600 19200 38400 57600 115200' ;;
-    --link|--keys|--control|--seed) words='' ;;
-    *) words='--link --keys --control --scenario --amounts --ends --list-scenarios --speed --session --language --seed --face --trace --version --help' ;;
+    --link|--keys|--control|--seed|--record|--replay|--pace|--ignore|scenario-from) words='' ;;
+    *) words='--link --keys --control --scenario --amounts --ends --list-scenarios --speed --session --language --seed --face '
+       words+='--trace --record --record-private --replay --pace --ignore --version --help scenario-from' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     [ "${#COMPREPLY[@]}" -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$current")

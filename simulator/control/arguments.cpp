@@ -41,6 +41,13 @@ std::optional<double> Arguments::fraction(std::string_view name) {
     return value->get<double>();
 }
 
+bool Arguments::flag(std::string_view name) {
+    const json* value = find(name);
+    if (value == nullptr) { return false; }
+    if (!value->is_boolean()) { throw RequestError(fmt::format("\"{}\" is neither true nor false", name)); }
+    return value->get<bool>();
+}
+
 const json& Arguments::list(std::string_view name) {
     const json& value = get(name);
     if (!value.is_array()) { throw RequestError(fmt::format("\"{}\" is no list", name)); }

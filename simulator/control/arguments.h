@@ -30,6 +30,8 @@ public:
     [[nodiscard]] int64_t number(std::string_view name, int64_t lowest, int64_t highest,
                                  std::optional<int64_t> otherwise = {});
     [[nodiscard]] std::optional<double> fraction(std::string_view name);
+    // False when it is not there.
+    [[nodiscard]] bool flag(std::string_view name);
     [[nodiscard]] const nlohmann::json& list(std::string_view name);
     [[nodiscard]] bool has(std::string_view name) const { return request_.contains(name); }
 

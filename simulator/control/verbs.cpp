@@ -119,32 +119,6 @@ std::chrono::milliseconds milliseconds_of(Arguments& arguments, std::optional<in
     return std::chrono::milliseconds(arguments.number("ms", 0, kLongestMs, otherwise));
 }
 
-// Faults that come again and again have no end unless it is told.
-Fault fault_of(Arguments& arguments) {
-    Fault fault{.kind = arguments.text("fault"),
-                .command = arguments.has("command") ? arguments.text("command") : "",
-                .time = milliseconds_of(arguments, 0),
-                .status = static_cast<int>(arguments.number("status", 0, 999, 0)),
-                .every = static_cast<unsigned>(arguments.number("every", 1, UINT32_MAX, 1)),
-                .chance = arguments.fraction("chance").value_or(1)};
-    const bool again = arguments.has("every") || arguments.has("chance");
-    const auto times = static_cast<unsigned>(arguments.number("times", 1, UINT32_MAX, 1));
-    fault.times = again && !arguments.has("times") ? std::nullopt : std::optional(times);
-    arguments.end();
-    return fault;
-}
-
-json to_json(const Fault& fault) {
-    json object{{"fault", fault.kind}};
-    if (!fault.command.empty()) { object["command"] = fault.command; }
-    if (fault.time != std::chrono::milliseconds::zero()) { object["ms"] = fault.time.count(); }
-    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::kStatus) { object["status"] = fault.status; }
-    if (fault.every != 1) { object["every"] = fault.every; }
-    if (fault.chance < 1) { object["chance"] = fault.chance; }
-    if (fault.times) { object["times"] = *fault.times; }
-    return object;
-}
-
 Verb::Deed inject(Arguments& arguments) {
     const Fault fault = fault_of(arguments);
     try {
@@ -266,6 +240,41 @@ constexpr std::array kVerbs{
 };
 
 }  // namespace
+
+std::string name_of(Key key) {
+    if (is_digit(key)) { return {static_cast<char>(key)}; }
+    return std::string(std::ranges::find(kKeys, key, &NamedKey::key)->name);
+}
+
+// Faults that come again and again have no end unless it is told.
+Fault fault_of(Arguments& arguments) {
+    Fault fault{.kind = arguments.text("fault"),
+                .command = arguments.has("command") ? arguments.text("command") : "",
+                .time = milliseconds_of(arguments, 0),
+                .status = static_cast<int>(arguments.number("status", 0, 999, 0)),
+                .before = arguments.flag("before"),
+                .asError = arguments.flag("as-error"),
+                .every = static_cast<unsigned>(arguments.number("every", 1, UINT32_MAX, 1)),
+                .chance = arguments.fraction("chance").value_or(1)};
+    const bool again = arguments.has("every") || arguments.has("chance");
+    const auto times = static_cast<unsigned>(arguments.number("times", 1, UINT32_MAX, 1));
+    fault.times = again && !arguments.has("times") ? std::nullopt : std::optional(times);
+    arguments.end();
+    return fault;
+}
+
+json to_json(const Fault& fault) {
+    json object{{"fault", fault.kind}};
+    if (!fault.command.empty()) { object["command"] = fault.command; }
+    if (fault.time != std::chrono::milliseconds::zero()) { object["ms"] = fault.time.count(); }
+    if (find_fault_kind(fault.kind)->detail == FaultKind::Detail::kStatus) { object["status"] = fault.status; }
+    if (fault.before) { object["before"] = true; }
+    if (fault.asError) { object["as-error"] = true; }
+    if (fault.every != 1) { object["every"] = fault.every; }
+    if (fault.chance < 1) { object["chance"] = fault.chance; }
+    if (fault.times) { object["times"] = *fault.times; }
+    return object;
+}
 
 std::span<const Verb> all_verbs() noexcept { return kVerbs; }
 

@@ -6,6 +6,7 @@
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
+#include <string>
 #include <string_view>
 #include <variant>
 
@@ -13,6 +14,7 @@
 #include "simulator/cards/cards.h"
 #include "simulator/control/arguments.h"
 #include "simulator/control/control.h"
+#include "simulator/faults/fault.h"
 
 namespace quorvel::sim {
 
@@ -32,6 +34,13 @@ struct Verb {
     // The member whose value stands beside the name where there is room for no more; empty when there is none.
     std::string_view member = {};
 };
+
+// What "press" calls the key.
+[[nodiscard]] std::string name_of(Key key);
+// The request that injects it, and the fault that a request injects, which may be none that can be; throws
+// RequestError.
+[[nodiscard]] nlohmann::json to_json(const Fault& fault);
+[[nodiscard]] Fault fault_of(Arguments& arguments);
 
 [[nodiscard]] std::span<const Verb> all_verbs() noexcept;
 // Throws RequestError.

@@ -4,8 +4,9 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <functional>
 #include <utility>
+
+#include "simulator/watch/listen.h"
 
 namespace quorvel::sim {
 
@@ -18,14 +19,6 @@ template <typename Item>
 void keep(std::deque<Item>& items, Item item, size_t most) {
     items.push_back(std::move(item));
     if (items.size() > most) { items.pop_front(); }
-}
-
-template <typename... Arguments, typename More>
-void listen_too(std::function<void(Arguments...)>& listener, More more) {
-    listener = [first = std::move(listener), more](Arguments... arguments) {
-        if (first) { first(arguments...); }
-        more(arguments...);
-    };
 }
 
 Feed::Entry entry_of(const Traffic& traffic) {

@@ -100,12 +100,17 @@ void check(const Fault& fault) {
             fmt::format("\"{}\" {}", fault.kind, timed ? "needs a time" : "takes no time"));
     require(fault.status >= 0 && fault.status <= kHighestStatus, "a status is from 0 to 999");
     require(fault.status == 0 || kind->detail == Detail::kStatus, fmt::format("\"{}\" takes no status", fault.kind));
+    require(!fault.before || kind->detail == Detail::kStatus,
+            fmt::format("\"{}\" strikes nothing before it is carried out", fault.kind));
+    require(!fault.asError || fault.before, "an error is what refuses a command before it is carried out");
     require(fault.every > 0, "every 0th occasion is none");
     require(fault.chance > 0 && fault.chance <= 1, "a chance is above 0 and at most 1");
     require(fault.times != 0U, "0 times is never");
 }
 
-bool concerns(const FaultKind& kind, const Message& message) noexcept {
+bool concerns(const Fault& fault, const FaultKind& kind, const Message& message) noexcept {
+    const bool request = message.kind == Message::Kind::kRequest;
+    if (fault.before || request) { return fault.before && request; }
     const bool response = message.kind == Message::Kind::kResponse;
     switch (kind.target) {
         case Target::kAcknowledgement:

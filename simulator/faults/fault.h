@@ -47,6 +47,10 @@ struct Fault {
     std::string command = {};
     std::chrono::milliseconds time{};
     int status = 0;
+    // Of a status: whether the command is answered with it in place of being carried out, and that in the name of ERR,
+    // as what refuses a command as a whole.
+    bool before = false;
+    bool asError = false;
     // It strikes at every so many-th occasion, with that probability, and so many times in all; without `times`, for
     // ever.
     unsigned every = 1;
@@ -59,7 +63,7 @@ struct Fault {
 // Throws std::invalid_argument for a fault that cannot be.
 void check(const Fault& fault);
 
-[[nodiscard]] bool concerns(const FaultKind& kind, const Message& message) noexcept;
+[[nodiscard]] bool concerns(const Fault& fault, const FaultKind& kind, const Message& message) noexcept;
 
 }  // namespace quorvel::sim
 

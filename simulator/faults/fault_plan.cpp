@@ -7,6 +7,19 @@
 
 namespace quorvel::sim {
 
+namespace {
+
+// The same, but for this occasion alone.
+Fault this_once(Fault fault, const Message& message) {
+    fault.command = message.command;
+    fault.every = 1;
+    fault.chance = 1;
+    fault.times = 1;
+    return fault;
+}
+
+}  // namespace
+
 void FaultPlan::add(const Fault& fault) {
     check(fault);
     const std::lock_guard lock(mutex_);
@@ -33,6 +46,12 @@ std::vector<Fault> FaultPlan::faults() const {
 }
 
 std::optional<Fault> FaultPlan::strike(const Message& message) {
+    auto fault = next(message);
+    if (fault && struck_) { struck_(this_once(*fault, message)); }
+    return fault;
+}
+
+std::optional<Fault> FaultPlan::next(const Message& message) {
     const std::lock_guard lock(mutex_);
     for (Entry& entry : entries_) {
         if (!strikes(entry, message)) { continue; }
@@ -49,7 +68,7 @@ std::optional<Fault> FaultPlan::strike(const Message& message) {
 bool FaultPlan::strikes(Entry& entry, const Message& message) {
     const Fault& fault = entry.fault;
     if (!fault.command.empty() && fault.command != message.command) { return false; }
-    if (!concerns(*entry.kind, message)) { return false; }
+    if (!concerns(fault, *entry.kind, message)) { return false; }
     if (++entry.occasions % fault.every != 0) { return false; }
     // Not std::bernoulli_distribution, which draws otherwise in each library: a seed means the same everywhere.
     return fault.chance >= 1 || static_cast<double>(random_()) < fault.chance * 0x1p32;

@@ -4,9 +4,11 @@
 #define QUORVEL_SIMULATOR_FAULTS_FAULT_PLAN_H
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "simulator/faults/fault.h"
@@ -17,8 +19,10 @@ namespace quorvel::sim {
 // The faults that are to come. Safe from any thread.
 class FaultPlan {
 public:
-    // The seed decides about faults that strike by chance.
-    explicit FaultPlan(uint32_t seed) : random_(seed) {}
+    // The seed decides about faults that strike by chance. `struck` is called with each that strikes,
+    // before it does, as what strikes this command once.
+    explicit FaultPlan(uint32_t seed, std::function<void(const Fault&)> struck = {})
+        : struck_(std::move(struck)), random_(seed) {}
 
     // Throws std::invalid_argument.
     void add(const Fault& fault);
@@ -39,8 +43,10 @@ private:
         unsigned occasions = 0;
     };
 
+    [[nodiscard]] std::optional<Fault> next(const Message& message);
     [[nodiscard]] bool strikes(Entry& entry, const Message& message);
 
+    const std::function<void(const Fault&)> struck_;
     mutable std::mutex mutex_;
     std::mt19937 random_;
     std::vector<Entry> entries_;

@@ -9,9 +9,10 @@
 
 namespace quorvel::sim {
 
-// What the PIN pad sends about a command: the ACK when it came, then its notifications and its response.
+// A command that came, before it is carried out, and what the PIN pad sends about it: the ACK, then its notifications
+// and its response.
 struct Message {
-    enum class Kind { kAcknowledgement, kResponse };
+    enum class Kind { kRequest, kAcknowledgement, kResponse };
 
     Kind kind = Kind::kResponse;
     // The command's id; NTM for a notification.
@@ -19,6 +20,8 @@ struct Message {
     // Of a response, in clear.
     Bytes packet = {};
     bool sealed = false;
+    // Whether a fault has had the command refused.
+    bool refused = false;
 };
 
 }  // namespace quorvel::sim

@@ -18,6 +18,7 @@ using nlohmann::json;
 namespace {
 
 constexpr std::string_view kPlanned = "when";
+constexpr std::string_view kActs = "acts";
 constexpr int64_t kLongestPause = int64_t{24} * 60 * 60 * 1000;
 
 json to_json(const toml::node& node) {
@@ -25,16 +26,21 @@ json to_json(const toml::node& node) {
     if (const auto* number = node.as_integer()) { return number->get(); }
     if (const auto* fraction = node.as_floating_point()) { return fraction->get(); }
     if (const auto* flag = node.as_boolean()) { return flag->get(); }
-    return nullptr;
+    json whole;
+    if (const auto* list = node.as_array()) {
+        for (const toml::node& each : *list) { whole.push_back(to_json(each)); }
+    }
+    if (const auto* table = node.as_table()) {
+        for (const auto& [key, each] : *table) { whole[std::string(key.str())] = to_json(each); }
+    }
+    return whole;
 }
 
 // As the file has it.
 std::string words_of(TomlTable& table) {
     std::string words;
     for (const std::string& key : table.keys()) {
-        json value = to_json(*table.node(key));
-        if (value.is_null()) { value = table.texts(key); }
-        words += fmt::format("{}{} = {}", words.empty() ? "" : ", ", key, value.dump());
+        words += fmt::format("{}{} = {}", words.empty() ? "" : ", ", key, to_json(*table.node(key)).dump());
     }
     return words;
 }
@@ -76,13 +82,47 @@ json request_for(const Verb& verb, TomlTable& table) {
     return request;
 }
 
-// Now, or whenever a command waits next.
-Step::Deed gesture(Verb::Gesture add, Arguments& arguments, const Cards& cards, const CommandIds& when) {
+// What the table's verb says, of whose members the first stands behind `do`.
+template <typename Take>
+auto with_arguments(const Verb& verb, TomlTable& table, Take take) {
+    const json request = request_for(verb, table);
+    try {
+        Arguments arguments(request);
+        static_cast<void>(arguments.text("do"));
+        return take(arguments);
+    } catch (const RequestError& error) { table.refuse(verb.name, error.what()); }
+}
+
+void add_act(Gestures& gestures, TomlTable& act, const Cards& cards, std::string_view blamed) {
+    const Verb& verb = verb_of(act);
+    const auto* add = std::get_if<Verb::Gesture>(&verb.run);
+    if (add == nullptr) { act.refuse(blamed, fmt::format("{} is nothing that a cardholder does", verb.name)); }
+    with_arguments(verb, act, [&](Arguments& arguments) {
+        (*add)(gestures, arguments, cards);
+        arguments.end();
+    });
+}
+
+Gestures several_acts(TomlTable& table, const Cards& cards) {
     Gestures gestures;
-    add(gestures, arguments, cards);
-    arguments.end();
-    if (when.empty()) {
-        return [gestures](PinPad& pinPad) { pinPad.act(gestures); };
+    for (const std::string& key : table.keys()) {
+        if (key != kPlanned && key != kActs) { table.refuse(key, "not in one step with acts"); }
+    }
+    for (TomlTable& act : table.tables(kActs)) {
+        if (act.has(kPlanned)) { act.refuse(kPlanned, "has no place in acts"); }
+        add_act(gestures, act, cards, verb_of(act).name);
+    }
+    return gestures;
+}
+
+// For the next of these commands that waits.
+Step::Deed plan(TomlTable& table, const Cards& cards) {
+    const CommandIds when = command_ids(table, kPlanned);
+    Gestures gestures;
+    if (table.has(kActs)) {
+        gestures = several_acts(table, cards);
+    } else {
+        add_act(gestures, table, cards, kPlanned);
     }
     return [gestures, when](PinPad& pinPad) {
         for (const std::string& command : when) { pinPad.when(command, gestures); }
@@ -90,16 +130,12 @@ Step::Deed gesture(Verb::Gesture add, Arguments& arguments, const Cards& cards, 
 }
 
 Step::Deed deed(TomlTable& table, const Cards& cards) {
+    if (table.has(kPlanned)) { return plan(table, cards); }
     const Verb& verb = verb_of(table);
-    const json request = request_for(verb, table);
-    const CommandIds when = table.has(kPlanned) ? command_ids(table, kPlanned) : CommandIds();
-    try {
-        Arguments arguments(request);
-        static_cast<void>(arguments.text("do"));
-        if (const auto* add = std::get_if<Verb::Gesture>(&verb.run)) { return gesture(*add, arguments, cards, when); }
-        if (!when.empty()) { table.refuse(kPlanned, fmt::format("{} is nothing that a cardholder does", verb.name)); }
-        return std::get<Verb::Plan>(verb.run)(arguments);
-    } catch (const RequestError& error) { table.refuse(verb.name, error.what()); }
+    if (const auto* deed = std::get_if<Verb::Plan>(&verb.run)) { return with_arguments(verb, table, *deed); }
+    Gestures gestures;
+    add_act(gestures, table, cards, verb.name);
+    return [gestures](PinPad& pinPad) { pinPad.act(gestures); };
 }
 
 void require_alone(TomlTable& table, std::string_view name) {

@@ -20,6 +20,7 @@ void keep(std::deque<Entry>& entries, Entry entry) {
 
 void Journal::record(Traffic traffic) {
     if (listeners_.traffic) { listeners_.traffic(traffic); }
+    traffic.packet.reset();
     const std::lock_guard lock(mutex_);
     keep(traffic_, std::move(traffic));
 }

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_WATCH_TRACE_H
 #define QUORVEL_SIMULATOR_WATCH_TRACE_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ struct Traffic {
     std::string words;
     // Whether the bytes hold something that the words withhold.
     bool withheld = false;
+    // What a good frame holds, in clear, and before a fault has made something else of it. Only for who listens.
+    std::optional<Bytes> packet = {};
+    bool sealed = false;
 };
 
 // The words for what crossed the line enciphered.

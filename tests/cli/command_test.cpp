@@ -32,6 +32,15 @@ TEST_F(CommandTest, InfoTellsWhatThePinPadIs) {
     EXPECT_EQ(object["result"]["osVersion"], "QSO 0.1.0");
 }
 
+// As a PIN pad refuses one that does not know what it is.
+TEST_F(CommandTest, ASessionThatIsRefusedIsExplained) {
+    pinPad_.inject({.kind = "status", .command = "OPN", .status = 10, .before = true, .asError = true});
+    const Ended ended = run({"info", "--secure"});
+    EXPECT_EQ(ended.exit, 1);
+    EXPECT_NE(ended.err.find("may not know encrypted sessions: without --secure"), std::string::npos) << ended.err;
+    EXPECT_EQ(run({"info"}).exit, 0);
+}
+
 TEST_F(CommandTest, GixTakesNamesAndNumbers) {
     expect_lines(run({"gix", "sernum", "PP_TLRMEM", "0x9305"}),
                  {"PP_SERNUM   QV00000001", "PP_TLRMEM   262144", "PP_TABVER5  not told"});

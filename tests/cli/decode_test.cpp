@@ -1,5 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <thread>
+
+#include "simulator/recording/recorder.h"
+#include "simulator/recording/replayer.h"
+#include "simulator/recording/scenario_maker.h"
+#include "simulator/scenario/performance.h"
 #include "simulator/watch/trace.h"
 #include "tests/cli/tool.h"
 
@@ -89,6 +95,90 @@ TEST_F(DecodeSaleTest, ReadsTheTracesOfASale) {
         << read[0];
 }
 
+// A sale by the tool on a PIN pad that is recorded.
+class RecordedSaleTest : public ToolTest {
+protected:
+    std::string sell(const std::string& port, const std::string& amount, const std::string& session) const {
+        Arguments sale{"--port", port, "sale", "--amount", amount, "--tables", QUORVEL_TABLES};
+        if (!session.empty()) { sale.push_back(session); }
+        const Ended ended = run(sale);
+        EXPECT_EQ(ended.exit, 0) << ended.err;
+        return ended.out;
+    }
+
+    // What the tool came to, and the trace.
+    std::pair<std::string, std::string> record(const std::string& session, sim::Recorder::Values values) {
+        sim::PinPad::Options options;
+        sim::Recorder recorder(path_, values, sim::Cards::standard(), {});
+        std::string trace;
+        recorder.listen(options);
+        options.listeners.traffic = [&trace, first = options.listeners.traffic](const sim::Traffic& traffic) {
+            first(traffic);
+            trace += sim::to_text(traffic);
+        };
+        sim::PinPad pinPad(std::move(options));
+        pinPad.start();
+        pinPad.when("GCX", Gestures().insert(sim::Cards::standard().at("mastercard-chip")));
+        pinPad.when("GOX", Gestures().type("1234"));
+        pinPad.when("RMC", Gestures().remove());
+        std::string out = sell(pinPad.path(), "12.34", session);
+        pinPad.stop();
+        return {out, trace};
+    }
+
+    std::pair<std::string, std::string> replay(const std::string& amount, const std::string& session) const {
+        std::string differences;
+        sim::Replayer replayer(sim::Recording::from_file(path_),
+                               {.differs = [&](const std::string& how) { differences += how + "\n"; }});
+        std::thread thread([&] { replayer.run(); });
+        std::string out = sell(replayer.path(), amount, session);
+        thread.join();
+        return {out, differences};
+    }
+
+    std::string rows(const std::string& file) const {
+        std::string rows;
+        for (const Json& row : ToolTest::run_json({"decode", "--file", file})["result"]["frames"]) {
+            const std::string what = row["what"];
+            if (row["from"] == "line" || what.size() == 3) { continue; }
+            rows += row["from"].get<std::string>() + " " + what + (row["contents"].empty() ? "\n" : " +\n");
+        }
+        EXPECT_NE(rows.find("PIN pad GOX go on with the chip +\n"), std::string::npos);
+        return rows;
+    }
+
+    const std::string path_ = folder_ / "recorded";
+};
+
+TEST_F(RecordedSaleTest, IsReplayedDecodedAndMadeAScenarioOf) {
+    for (const std::string session : {"", "--secure"}) {
+        const bool kept = session.empty();
+        const auto [out, trace] =
+            record(session, kept ? sim::Recorder::Values::kKept : sim::Recorder::Values::kWithheld);
+        EXPECT_EQ(rows(path_), rows(folder_.file("trace", trace)));
+        const auto [again, same] = replay("12.34", session);
+        EXPECT_EQ(same, "");
+        EXPECT_EQ(again == out, kept) << again;
+        EXPECT_EQ(again.find("411111******1111") == std::string::npos, kept) << again;
+        const std::string differences = replay("99.00", session).second;
+        EXPECT_NE(differences.find(": GCX: expected SPE_AMOUNT=\"000000001234\", got SPE_AMOUNT=\"000000009900\"\n"),
+                  std::string::npos)
+            << differences;
+        const std::string text = sim::scenario_from(sim::Recording::from_file(path_), "Recorded");
+        for (const auto& [amount, good] : {std::pair("12.34", true), {"99.00", false}}) {
+            sim::Performance performance(sim::Scenario::from_toml("recorded", text));
+            sim::PinPad pinPad(performance.prepare({}));
+            pinPad.start();
+            sell(pinPad.path(), amount, session);
+            pinPad.stop();
+            EXPECT_EQ(performance.complaints(pinPad.findings()).empty(), good) << text;
+        }
+    }
+    const Ended wrong = run({"decode", "--file", folder_.file("wrong", "quorvel-recording 1\n1 > can\n")});
+    EXPECT_EQ(wrong.exit, 2);
+    EXPECT_NE(wrong.err.find("In the recording, line 2: \"1\" is no time"), std::string::npos) << wrong.err;
+}
+
 // As a shell would complete them.
 TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
     const std::string script = folder_.file("completion", run({"completion", "bash"}).out);
@@ -99,7 +189,8 @@ TEST_F(DecodeTest, CompletionKnowsCommandsAndOptions) {
                                          {"quorvel pin --method mk", 3, "mk-des mk-tdes"},
                                          {"quorvel event st", 2, "stripe"},
                                          {QUORVEL_SIM " --ends s", 2, "stop"},
-                                         {QUORVEL_SIM " --scenario chip-on", 2, "chip-online-pin"}}) {
+                                         {QUORVEL_SIM " --scenario chip-on", 2, "chip-online-pin"},
+                                         {QUORVEL_SIM " scen", 1, "scenario-from"}}) {
         const bool own = std::string_view(words).starts_with("quorvel ");
         const std::string test = folder_.file(
             "test", std::string("set -u; . ") + (own ? script : QUORVEL_SIM_COMPLETION) + "\nCOMP_WORDS=(" + words

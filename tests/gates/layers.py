@@ -35,6 +35,7 @@ ROOMS = {
     "control": {"keys", "cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
     "amounts": {"cards", "device", "cardholder", "watch", "faults", "pin pad"},
     "scenario": {"amounts", "files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
+    "recording": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults", "control", "pin pad"},
     "face": {"cards", "device", "cardholder", "watch", "pin pad"},
 }
 PIN_PAD = ("engine", "pin_pad", "transmitter")

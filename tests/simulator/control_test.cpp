@@ -110,6 +110,7 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
          refused("there is no such key")},
         {R"({"do":"decipher-pin","pan":"4X","block":"0011223344556677","ksn":"FFFF9876543210E00001"})",
          refused("\"pan\" is no card number")},
+        {R"({"do":"fault","fault":"status","before":1})", refused("\"before\" is neither true nor false")},
         {R"({"do":"traffic","last":1001})", refused("\"last\" is not from 1 to 1000")},
     });
     // None of it has left a trace.
@@ -233,9 +234,11 @@ TEST_F(ControlTest, InjectsFaults) {
         {R"({"do":"fault","fault":"wrong-id","command":"OPN"})", kDone},
         {R"({"do":"fault","fault":"status","status":42,"every":2})", kDone},
         {R"({"do":"fault","fault":"delay","ms":1,"chance":0.5,"times":3})", kDone},
+        {R"({"do":"fault","fault":"status","status":10,"command":"CLX","before":true,"as-error":true})", kDone},
         {R"({"do":"faults"})",
          R"({"faults":[{"command":"OPN","fault":"wrong-id","times":1},{"every":2,"fault":"status","status":42},)"
-         R"({"chance":0.5,"fault":"delay","ms":1,"times":3}],"ok":true})"},
+         R"({"chance":0.5,"fault":"delay","ms":1,"times":3},)"
+         R"({"as-error":true,"before":true,"command":"CLX","fault":"status","status":10,"times":1}],"ok":true})"},
     });
     for (const char* due : {"XXX000", "OPN000", "OPN042", "OPN000", "OPN042"}) { call("OPN", due); }
     expect_answers({{R"({"do":"clear-faults"})", kDone}, {R"({"do":"faults"})", R"({"faults":[],"ok":true})"}});

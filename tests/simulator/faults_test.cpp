@@ -35,6 +35,8 @@ TEST_F(FaultsTest, StrikeWhatGoesOverTheLineOnce) {
     strike({.kind = "wrong-id"}, "OPN", kAck + frame("XXX000"));
     strike({.kind = "status", .status = 42}, "GIN00204", kAck + frame("GIN042"));
     strike({.kind = "status"}, "GIN00204", kAck + frame("GIN000"));
+    strike({.kind = "status", .command = "GKY", .status = 13, .before = true}, "GKY", kAck + frame("GKY013"));
+    strike({.kind = "status", .status = 10, .before = true, .asError = true}, "OPN", kAck + frame("ERR010"));
     strike({.kind = "nak"}, "OPN", kNak);
     strike({.kind = "lost-ack"}, "OPN", kOpnDone);
     strike({.kind = "too-long"}, "GIN00204", kAck + frame("GIN000999ACQUIRER 04         001.00 2601010001A0000"));
@@ -74,6 +76,15 @@ TEST_F(FaultsTest, StrikeOnlyTheirCommandAndInTheirTurn) {
     call("OPN", "OPN000");
 }
 
+TEST_F(FaultsTest, LeaveUndoneWhatTheyRefuse) {
+    play({.faults = {{.kind = "status", .command = "TLE", .status = 40, .before = true}}});
+    call("TLI01203V000000001", "TLI000");
+    call("TLE", "TLE040");
+    call("GTS00203", "GTS021");
+    call("TLE", "TLE000");
+    call("GTS00203", "GTS000010V000000001");
+}
+
 TEST_F(FaultsTest, ShowInTheTraceAndKeepItsSecrets) {
     play({.faults = {{.kind = "bad-crc", .command = "OPN"}, {.kind = "garbage", .command = "GEN"}}});
     exchange(kOpn, kAck + "\x16OPN000\x17\x77\x5F");
@@ -107,6 +118,8 @@ TEST(FaultPlan, TakesNoFaultThatCannotBe) {
         {{.kind = "nak", .time = 1ms}, "\"nak\" takes no time"},
         {{.kind = "status", .status = 1000}, "a status is from 0 to 999"},
         {{.kind = "nak", .status = 1}, "\"nak\" takes no status"},
+        {{.kind = "nak", .before = true}, "\"nak\" strikes nothing before it is carried out"},
+        {{.kind = "status", .asError = true}, "an error is what refuses a command before it is carried out"},
         {{.kind = "nak", .every = 0}, "every 0th occasion is none"},
         {{.kind = "nak", .chance = 0}, "a chance is above 0 and at most 1"},
         {{.kind = "nak", .chance = 1.5}, "a chance is above 0 and at most 1"},

@@ -108,6 +108,8 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
         {{"--speed", "299"}, "--speed: Value 299 not in range 300 to 4000000"},
         {{"--seed", "-1"}, "Could not convert: --seed = -1"},
         {{"--amounts", "--scenario", "magnetic"}, "--scenario excludes --amounts"},
+        {{"--replay", "x", "--seed", "1"}, "--seed excludes --replay"},
+        {{"--pace", "1"}, "--pace requires --replay"},
         {{"--control", folder}, "quorvel-sim: " + folder + " is there and no socket"},
         {{"--scenario", link_},
          "quorvel-sim: there is no scenario \"" + link_ + "\": no file, and none of those that --list-scenarios names"},
@@ -174,6 +176,44 @@ TEST_F(ProgramTest, TalksToTheCardholderInTheLanguageThatItIsTold) {
     Program program({"--language", "pt", "--control", socket});
     program.ready();
     EXPECT_NE(ControlClient(socket).ask(R"({"do":"screen"})").find("BEM-VINDO"), std::string::npos);
+}
+
+// A session is recorded, played again to a host that does the same and to one that does not, and made a scenario of.
+TEST_F(ProgramTest, RecordsAndReplays) {
+    const std::string path = folder_ / "recorded";
+    const auto call = [](const std::string& port, const std::string& text) {
+        Host host(port);
+        host.send(frame("DSP032" + padded(text, 32)));
+        EXPECT_EQ(host.receive(11), kAck + frame("DSP000"));
+    };
+    Program recording({"--session", "lenient", "--record", path});
+    call(recording.ready(), "PAY");
+    EXPECT_EQ(recording.end(SIGTERM), 0);
+    for (const auto& [text, ignored, due] : {std::tuple("PAY", "GIN_ACQIDX", "replay: the same"),
+                                             {"DAY", "SPE_AMOUNT,DSP_MSG", "replay: the same"},
+                                             {"DAY", "DSP_MESSAGE", ""},
+                                             {"DAY", "9A", "replay: different"}}) {
+        Program replaying({"--replay", path, "--link", link_, "--pace", "0.5", "--ignore", ignored});
+        if (*due == 0) {
+            replaying.expect_refusal("no request has a \"DSP_MESSAGE\"");
+            continue;
+        }
+        call(replaying.ready(), text);
+        const bool same = due == "replay: the same"s;
+        EXPECT_EQ(replaying.wait(), same ? 0 : 1);
+        EXPECT_EQ(replaying.line(), due);
+        EXPECT_EQ(replaying.errors(), same ? ""
+                                           : "difference: line 5: DSP: expected DSP_MSG=\"" + padded("PAY", 32)
+                                                 + "\", got DSP_MSG=\"" + padded("DAY", 32) + "\"\n");
+    }
+    Program making({"scenario-from", path});
+    EXPECT_EQ(making.wait(), 0);
+    EXPECT_EQ(making.line(), "title = \"Recorded in " + path + "\"");
+    folder_.file("recorded", "quorvel-recording 1\nGKY\n");
+    const std::string wrong = path + ": line 2: \"GKY\" is no setting, and no time either";
+    Program({"scenario-from", path}).expect_refusal(wrong);
+    Program({"--replay", path}).expect_refusal(wrong);
+    Program({"--record", folder_ / "no/where"}).expect_refusal(folder_ / "no/where: No such file or directory");
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {

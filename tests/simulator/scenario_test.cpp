@@ -41,6 +41,15 @@ TEST(ScenarioFile, SaysWhatIsWrongAndWhere) {
         {step("{ fault = 'bad-crc', evry = 2 }"), "line 4: script.fault: \"evry\" has no place in it"},
         {step("{ when = 'RMC', hang-up = 1 }"), "line 4: script.when: hang-up is nothing that a cardholder does"},
         {step("{}"), "line 4: a step without anything to do"},
+        {step("{ when = 'GOX', acts = [] }"), "line 4: script.acts: no list of tables"},
+        {step("{ acts = [{ remove = true }] }"), "line 4: script.acts: there is no such step"},
+        {step("{ when = 'GOX', acts = [{ remove = true }], type = '1' }"),
+         "line 4: script.type: not in one step with acts"},
+        {step("{ when = 'GOX', acts = [{ type = 1 }] }"), "line 4: script.acts.type: \"digits\" is no text"},
+        {step("{ when = 'GOX', acts = [{ stop = true }] }"),
+         "line 4: script.acts.stop: stop is nothing that a cardholder does"},
+        {step("{ when = 'GOX', acts = [{ when = 'RMC', remove = true }] }"),
+         "line 4: script.acts.when: has no place in acts"},
         {expect("status = 'OK'"), "line 2: expect.command: is missing"},
         {expect("command = 'GCX'\nstatus = 'FINE'"), "line 4: expect.status: there is no status \"FINE\""},
         {expect("command = 'GCX'\ntimes = 0"), "line 4: expect.times: 0 is not from 1 to 1000000"},
@@ -195,7 +204,8 @@ protected:
 
 TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
     perform(
-        "script = [\n{ when = 'RMC', remove = true },\n{ insert = 'visa-chip' },\n{ wait = ['CKE', 'GKY'] },\n"
+        "script = [\n{ when = 'RMC', acts = [{ press = '1' }, { remove = true }] },\n{ insert = 'visa-chip' },\n{ wait "
+        "= ['CKE', 'GKY'] },\n"
         "{ notify = 'SOON' },\n{ pause = 1 },\n{ press = 'f1' },\n{ fault = 'status', status = 40 },\n"
         "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n{ wait = 'MNU' },\n{ choose = 1 },\n]\n"
         "[device]\nserial_number = 'MINE'\nlanguage = 'pt'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
