@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <CLI/CLI.hpp>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -9,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -17,6 +19,7 @@
 #include "simulator/control/control_server.h"
 #include "simulator/face/face.h"
 #include "simulator/line/port_link.h"
+#include "simulator/many.h"
 #include "simulator/pin_pad.h"
 #include "simulator/scenario/performance.h"
 
@@ -24,14 +27,16 @@ namespace {
 
 namespace sim = quorvel::sim;
 
-sim::PinPad* running = nullptr;
+std::vector<sim::PinPad*> running;
 
-// While one lives, SIGINT and SIGTERM end the PIN pad's run; afterwards they are ignored, as the program ends anyway.
+// While one lives, SIGINT and SIGTERM end the PIN pads' run; afterwards they are ignored, as the program ends anyway.
 class StopOnSignals {
 public:
-    explicit StopOnSignals(sim::PinPad& pinPad) {
-        running = &pinPad;
-        handle([](int) { running->request_stop(); });
+    explicit StopOnSignals(std::vector<sim::PinPad*> pinPads) {
+        running = std::move(pinPads);
+        handle([](int) {
+            for (sim::PinPad* pinPad : running) { pinPad->request_stop(); }
+        });
     }
     ~StopOnSignals() { handle(SIG_IGN); }
     StopOnSignals(const StopOnSignals&) = delete;
@@ -60,6 +65,9 @@ struct Settings {
     std::optional<sim::Scenario::End> ends;
     std::optional<unsigned> speed;
     uint32_t seed = 1;
+    unsigned count = 1;
+    // Which of several this is about, from 1 on.
+    unsigned number = 0;
     bool trace = false;
     bool face = false;
     bool listScenarios = false;
@@ -71,19 +79,21 @@ const std::map<std::string, sim::Scenario::End> kEnds{
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {
 public:
-    Port(std::string link, bool silent) : link_(std::move(link)), silent_(silent) {}
+    Port(std::string link, bool silent, unsigned number) : link_(std::move(link)), silent_(silent), number_(number) {}
 
     void announce(const std::string& path) {
         portLink_.reset();
         if (!link_.empty()) { portLink_.emplace(link_, path); }
         if (silent_) { return; }
-        fmt::print("READY {}\n", path);
+        fmt::print("{}", sim::told_by(number_, fmt::format("READY {}\n", path)));
         std::fflush(stdout);
     }
+    void withdraw() { portLink_.reset(); }
 
 private:
     std::string link_;
     bool silent_;
+    unsigned number_;
     std::optional<sim::PortLink> portLink_;
 };
 
@@ -97,12 +107,15 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
     options.seed = settings.seed;
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
+    std::string& serial = options.device.identity.serialNumber;
+    serial = sim::serial_of(serial, settings.number);
     if (!may_print(settings, STDERR_FILENO)) { return options; }
+    const auto tell = [number = settings.number](const std::string& text) { print_error(sim::told_by(number, text)); };
     if (settings.trace) {
-        options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
+        options.listeners.traffic = [tell](const sim::Traffic& traffic) { tell(sim::to_text(traffic)); };
     }
-    options.listeners.finding = [](const sim::Finding& finding) {
-        print_error(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
+    options.listeners.finding = [tell](const sim::Finding& finding) {
+        tell(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
     };
     return options;
 }
@@ -115,10 +128,11 @@ std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
 }
 
 // Whether all went as the scenario says.
-bool report(const sim::Performance& performance, const sim::PinPad& pinPad) {
+bool report(const sim::Performance& performance, const sim::PinPad& pinPad, unsigned number) {
     const std::vector<std::string> complaints = performance.complaints(pinPad.findings());
-    fmt::print("scenario: {}\n", complaints.empty() ? "ok" : "failed");
-    for (const std::string& complaint : complaints) { fmt::print("{}\n", complaint); }
+    std::string report = fmt::format("scenario: {}\n", complaints.empty() ? "ok" : "failed");
+    for (const std::string& complaint : complaints) { report += complaint + "\n"; }
+    fmt::print("{}", sim::told_by(number, report));
     return complaints.empty();
 }
 
@@ -129,25 +143,101 @@ int list_scenarios() {
     return kKept;
 }
 
-int play(const Settings& settings) {
-    Port port(settings.link, !may_print(settings, STDOUT_FILENO));
-    const auto performance = performance_of(settings);
-    sim::Feed feed;
-    sim::PinPad::Options pinPadOptions = options(settings, port, performance.get());
-    if (settings.face) { feed.listen(pinPadOptions); }
-    sim::PinPad pinPad(std::move(pinPadOptions));
-    const StopOnSignals stopOnSignals(pinPad);
-    sim::Control control(pinPad, performance ? performance->scenario().cards : sim::Cards::standard());
-    std::optional<sim::ControlServer> server;
-    if (!settings.control.empty()) { server.emplace(settings.control, control); }
-    const auto announce = [&] { port.announce(pinPad.path()); };
-    if (settings.face) {
-        sim::show_face(pinPad, control.cards(), feed, announce);
-    } else {
-        announce();
-        pinPad.run();
+// One PIN pad with all that belongs to it.
+class Place {
+public:
+    explicit Place(const Settings& settings)
+        : settings_(settings),
+          port_(settings.link, !may_print(settings, STDOUT_FILENO), settings.number),
+          performance_(performance_of(settings)),
+          pinPad_(pin_pad_options()),
+          control_(pinPad_, performance_ ? performance_->scenario().cards : sim::Cards::standard()) {
+        if (!settings.control.empty()) { server_.emplace(settings.control, control_); }
     }
-    return !performance || report(*performance, pinPad) ? kKept : kBroken;
+
+    [[nodiscard]] sim::PinPad& pin_pad() noexcept { return pinPad_; }
+    [[nodiscard]] unsigned number() const noexcept { return settings_.number; }
+
+    void announce() { port_.announce(pinPad_.path()); }
+    // When it has ended, nothing leads to it any more.
+    void play() {
+        pinPad_.run();
+        port_.withdraw();
+        server_.reset();
+    }
+    void play_by_hand() {
+        sim::show_face(pinPad_, control_.cards(), feed_, [this] { announce(); });
+    }
+    [[nodiscard]] bool went_well() { return !performance_ || report(*performance_, pinPad_, settings_.number); }
+
+private:
+    sim::PinPad::Options pin_pad_options() {
+        sim::PinPad::Options made = options(settings_, port_, performance_.get());
+        if (settings_.face) { feed_.listen(made); }
+        return made;
+    }
+
+    const Settings settings_;
+    Port port_;
+    const std::unique_ptr<sim::Performance> performance_;
+    sim::Feed feed_;
+    sim::PinPad pinPad_;
+    sim::Control control_;
+    std::optional<sim::ControlServer> server_;
+};
+
+Settings numbered(Settings settings, unsigned number) {
+    settings.number = number;
+    settings.link = sim::path_of(settings.link, number);
+    settings.control = sim::path_of(settings.control, number);
+    settings.seed += number - 1;
+    return settings;
+}
+
+std::vector<std::unique_ptr<Place>> places_of(const Settings& settings) {
+    std::vector<std::unique_ptr<Place>> places;
+    if (settings.count == 1) { places.push_back(std::make_unique<Place>(settings)); }
+    for (unsigned number = 1; settings.count > 1 && number <= settings.count; ++number) {
+        places.push_back(std::make_unique<Place>(numbered(settings, number)));
+    }
+    return places;
+}
+
+// Each on a thread of its own. Whether no line has failed; the others go on without one that has.
+bool play_all(const std::vector<std::unique_ptr<Place>>& places) {
+    std::atomic<bool> whole = true;
+    std::vector<std::jthread> threads;
+    for (const auto& place : places) { place->announce(); }
+    for (const auto& place : places) {
+        threads.emplace_back([&place = *place, &whole] {
+            try {
+                place.play();
+            } catch (const std::exception& error) {
+                print_error(sim::told_by(place.number(), fmt::format("quorvel-sim: {}\n", error.what())));
+                whole = false;
+            }
+        });
+    }
+    threads.clear();
+    return whole;
+}
+
+int play(const Settings& settings) {
+    const auto places = places_of(settings);
+    std::vector<sim::PinPad*> pinPads;
+    for (const auto& place : places) { pinPads.push_back(&place->pin_pad()); }
+    const StopOnSignals stopOnSignals(std::move(pinPads));
+    if (places.size() > 1) {
+        if (!play_all(places)) { return kUnable; }
+    } else if (settings.face) {
+        places.front()->play_by_hand();
+    } else {
+        places.front()->announce();
+        places.front()->play();
+    }
+    bool kept = true;
+    for (const auto& place : places) { kept = place->went_well() && kept; }
+    return kept ? kKept : kBroken;
 }
 
 }  // namespace
@@ -174,9 +264,14 @@ int main(int argc, char** argv) {
     app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
         ->type_name("NUMBER")
         ->capture_default_str();
+    auto* const count =
+        app.add_option("--count", settings.count, "Play so many PIN pads; what is told of each has its number in front")
+            ->type_name("NUMBER")
+            ->check(CLI::Range(1, 999));
     app.add_flag("--face", settings.face,
                  "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
-                 "place of what would be printed there; what goes into files and pipes is printed as usual");
+                 "place of what would be printed there; what goes into files and pipes is printed as usual")
+        ->excludes(count);
     app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
     app.set_version_flag("--version", QUORVEL_VERSION);
     app.footer(
