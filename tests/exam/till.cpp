@@ -72,7 +72,7 @@ class Till {
             for (; std::chrono::steady_clock::now() < deadline; std::this_thread::sleep_for(10ms)) {
                 if (auto answer = wait.poll()) { return std::move(*answer); }
             }
-            std::_Exit(static_cast<int>(Outcome::kNotPaid));
+            std::_Exit(static_cast<int>(outcome_));
         }
         return makes("waits-forever") ? wait.get() : wait.get(limit);
     }
