@@ -17,6 +17,7 @@
 
 #include "simulator/control/control.h"
 #include "simulator/control/control_server.h"
+#include "simulator/exam/exam.h"
 #include "simulator/face/face.h"
 #include "simulator/line/port_link.h"
 #include "simulator/many.h"
@@ -240,6 +241,30 @@ int play(const Settings& settings) {
     return kept ? kKept : kBroken;
 }
 
+CLI::App* add_exam(CLI::App& app, sim::exam::Request& request, bool& listed) {
+    CLI::App* exam = app.add_subcommand("exam", "Run a till against many cases, and judge what it does");
+    exam->add_option("--till", request.till, "How the till is spoken to: a TOML file")->type_name("FILE");
+    exam->add_flag("--list", listed, "Name the cases");
+    exam->add_option("--case", request.cases, "Only these: a number, its beginning, or a pattern")
+        ->type_name("NUMBER|PATTERN")
+        ->expected(1)
+        ->take_all();
+    exam->add_option("--jobs", request.jobs, "So many cases side by side")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 256));
+    exam->add_option("--report", request.report, "Write exam.json, exam.xml and index.html into this folder")
+        ->type_name("FOLDER");
+    exam->add_option("command", request.command, "Behind --: the till, in place of the file's command");
+    exam->footer("Exit status: 0 when nothing failed, 1 when something did, 2 when it cannot be run.");
+    return exam;
+}
+
+int run_exam(const sim::exam::Request& request, bool listed) {
+    if (!listed) { return sim::exam::run(request) ? kKept : kBroken; }
+    sim::exam::list(request.cases);
+    return kKept;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -277,11 +302,15 @@ int main(int argc, char** argv) {
     app.footer(
         "Exit status: 0 when it was told to end, or a scenario went as expected; 1 when a scenario did not; 2 when "
         "the command line or a file is wrong, or there is no line.");
+    sim::exam::Request examined;
+    bool examListed = false;
+    const CLI::App* const exam = add_exam(app, examined, examListed);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
 
     try {
+        if (exam->parsed()) { return run_exam(examined, examListed); }
         if (settings.listScenarios) { return list_scenarios(); }
         return play(settings);
     } catch (const std::exception& error) {

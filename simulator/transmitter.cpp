@@ -77,7 +77,7 @@ void Transmitter::put(Bytes wire, std::string words, const std::optional<Fault>&
         words += fmt::format(" (fault: {})", fault->kind);
     }
     bytes_.push(wire, pace, Clock::now());
-    journal_.record(Traffic{Sender::kPinPad, std::move(wire), std::move(words), withheld});
+    journal_.record(Traffic{Sender::kPinPad, std::move(wire), std::move(words), withheld, fault ? fault->kind : ""});
     flush();
 }
 

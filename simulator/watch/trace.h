@@ -18,6 +18,8 @@ struct Traffic {
     std::string words;
     // Whether the bytes hold something that the words withhold.
     bool withheld = false;
+    // The kind of fault that has struck it; empty when none did.
+    std::string fault = {};
 };
 
 // The words for what crossed the line enciphered.

@@ -34,6 +34,7 @@ ROOMS = {
     "pin pad": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults"},
     "control": {"cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
     "scenario": {"files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
+    "exam": {"files", "cards", "device", "cardholder", "watch", "line", "faults", "scenario", "pin pad"},
     "face": {"cards", "device", "cardholder", "watch", "pin pad"},
 }
 PIN_PAD = ("engine", "pin_pad", "transmitter")
