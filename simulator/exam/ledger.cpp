@@ -111,7 +111,11 @@ bool Ledger::left_undecided() const {
 
 Outcomes Ledger::allowed(Host host) const {
     using enum Outcome;
-    if (finish_.asked) { return at_the_end(host == Host::kApproves || host == Host::kLate); }
+    if (finish_.asked) {
+        const Outcomes right = at_the_end(host == Host::kApproves || host == Host::kLate);
+        // A card that has approved was told something else than the acquirer's no, which stays one.
+        return host == Host::kDeclines && right.has(kPaid) ? Outcomes{kNotPaid, kReversal, kUnknown} : right;
+    }
     if (!go_.asked) {
         return cardType_.empty() || cardType_ == "03" ? Outcomes{kNotPaid} : settled(card_.delivery, host);
     }
