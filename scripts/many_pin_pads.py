@@ -31,9 +31,10 @@ def frame(text: str) -> bytes:
 
 
 class Till:
-    """Wakes when an answer is whole, so that what it takes of the processor is little beside the PIN pads."""
-    request = frame("DSP032" + "WELCOME".ljust(32))
-    answer = bytes([ACK]) + frame("DSP000")
+    """Wakes when an answer is whole, so that what it takes of the processor is little beside the PIN pads. OPN's has as many
+    bytes as DSP's."""
+    opening, opened = frame("OPN"), bytes([ACK]) + frame("OPN000")
+    request, answer = frame("DSP032" + "WELCOME".ljust(32)), bytes([ACK]) + frame("DSP000")
 
     def __init__(self, path: str):
         self.port = os.open(path, os.O_RDWR | os.O_NOCTTY)
@@ -41,16 +42,21 @@ class Till:
         settings = termios.tcgetattr(self.port)
         settings[6][termios.VMIN] = len(self.answer)
         termios.tcsetattr(self.port, termios.TCSANOW, settings)
+        os.write(self.port, self.opening)
+        self.expect(self.opened)
         self.exchanges = 0
 
     def ask(self):
         os.write(self.port, self.request)
 
     def hear(self):
-        heard = os.read(self.port, len(self.answer))
-        if heard != self.answer:
-            sys.exit(f"many_pin_pads: a PIN pad has answered {heard.hex(' ')}")
+        self.expect(self.answer)
         self.exchanges += 1
+
+    def expect(self, due: bytes):
+        heard = os.read(self.port, len(due))
+        if heard != due:
+            sys.exit(f"many_pin_pads: a PIN pad has answered {heard.hex(' ')}")
 
 
 IDLE_SECONDS = 2

@@ -206,9 +206,12 @@ private:
         return ending_ == Ending::kApproved ? "APPROVED" : failure_ != nullptr ? "" : "DECLINED";
     }
 
+    // The card that could not be read may be inside all the same; with none there RMC is answered at once.
+    [[nodiscard]] bool was_refused() const { return at_ == "GCX" && failedWith_ == Exit::kRefused; }
+
     // The outcome stands, whatever comes of this.
     void give_back() {
-        const bool inside = card_ ? card_->type == CardType::chip : false;
+        const bool inside = card_ ? card_->type == CardType::chip : was_refused();
         if (!inside || options_.keepCard || lineLost_ || interrupt::requested()) { return; }
         try {
             begin("RMC");

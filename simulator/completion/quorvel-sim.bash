@@ -1,12 +1,15 @@
 # bash completion of quorvel-sim
 _quorvel_sim() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} words
+    local exam='--till --case --list --jobs --report --help'
     case "$previous" in
     --scenario) words=$("${COMP_WORDS[0]}" --list-scenarios 2>/dev/null | cut -d' ' -f1) ;;
     --ends) words='close done stop' ;;
     --speed) words='9600 19200 38400 57600 115200' ;;
-    --link|--keys|--control|--seed|--count) words='' ;;
-    *) words='--link --keys --control --scenario --ends --list-scenarios --speed --seed --count --face --trace --version --help' ;;
+    --case) words=$("${COMP_WORDS[0]}" exam --list 2>/dev/null | sed -n 's/^  \([0-9.]*\).*/\1/p') ;;
+    --link|--keys|--control|--seed|--count|--till|--jobs|--report) words='' ;;
+    *) words='exam --link --keys --control --scenario --ends --list-scenarios --speed --seed --count --face --trace --version --help'
+       [ "${COMP_WORDS[1]:-}" != exam ] || words=$exam ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     [ "${#COMPREPLY[@]}" -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$current")

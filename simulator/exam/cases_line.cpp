@@ -58,6 +58,9 @@ struct Trouble {
     unsigned seconds = 5;
 };
 
+// An answer is sent four times at most.
+constexpr unsigned kEachTime = 4;
+
 constexpr const char* kGoOn = "The till must go on as if nothing had been: the sale is paid.";
 
 constexpr std::array kTroubles{
@@ -67,7 +70,7 @@ constexpr std::array kTroubles{
             milliseconds(1500), true},
     Trouble{"the answer is damaged once", "A bit was turned over, and the PIN pad would send it again.", "bad-crc", 1,
             milliseconds(0), true},
-    Trouble{"the answer is damaged three times", "No attempt brings the answer whole.", "bad-crc", 3},
+    Trouble{"the answer is damaged each time", "No attempt brings the answer whole.", "bad-crc", kEachTime},
     Trouble{"the answer is cut short once", "Half of the answer comes, and the PIN pad would send it again.",
             "truncated", 1, milliseconds(0), true},
     Trouble{"the confirmation is lost", "The command was carried out, and the byte that confirms it never comes.",
@@ -174,6 +177,8 @@ void add_ports(std::vector<Case>& all) {
         if (row.sells) { each.goal = kMustBePaid; }
         if (!row.sells && row.before != Before::kLocked) { each.goal = {Outcome::kNotPaid}; }
         if (row.before == Before::kHalf) { each.pardons = {"frame"}; }
+        // A till cannot know of it before it is told.
+        if (row.before == Before::kEncrypted) { each.pardons = {"a plain command inside an encrypted session"}; }
     }
     Family speeds(all, 9, 2);
     for (const unsigned speed : {4800U, 9600U, 19200U, 115200U}) {

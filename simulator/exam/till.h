@@ -51,7 +51,7 @@ struct Order {
     uint64_t cents = 0;
     Host host = Host::kApproves;
     bool encrypted = false;
-    std::string number;
+    std::string number = {};
 };
 
 // A program that sells, and how it is spoken to. docs/exam.md describes the file.

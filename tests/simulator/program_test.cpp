@@ -204,8 +204,9 @@ TEST_F(ProgramTest, JudgesEachOfSeveralPinPadsByItself) {
     Program program({"--count", "2", "--scenario", path});
     for (const std::string command : {"DSP", "DEX"}) {
         Host host(program.line().substr(9));
-        host.send(frame(command == "DSP" ? "DSP032" + padded("HI", 32) : "DEX005002HI"));
-        EXPECT_EQ(host.receive(11), kAck + frame(command + "000"));
+        const std::string text = "032" + padded("HI", 32);
+        host.send(kOpn + frame(command == "DSP" ? "DSP" + text : "DEX005002HI") + frame("CLO" + text));
+        EXPECT_EQ(host.receive(33), kAck + kOpnDone + kAck + frame(command + "000") + kAck + frame("CLO000"));
     }
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(program.output(), "1: scenario: ok\n2: scenario: failed\n2: " + path
