@@ -4,8 +4,27 @@ install(TARGETS quorvel quorvel_hpp EXPORT quorvel-targets LIBRARY DESTINATION $
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/quorvel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
+# The virtual PIN pad for tests in C++: its headers stand beside the library's, under a folder of their own, as they are
+# included as "simulator/..." and "wire/...".
+if(TARGET quorvel_sim)
+  foreach(part IN ITEMS simulator wire)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/${part} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quorvel-sim
+      FILES_MATCHING PATTERN "*.h" PATTERN face EXCLUDE PATTERN exam EXCLUDE PATTERN scenarios EXCLUDE PATTERN completion EXCLUDE)
+  endforeach()
+  set_target_properties(quorvel_sim PROPERTIES EXPORT_NAME simulator)
+  set_target_properties(quorvel_wire PROPERTIES EXPORT_NAME wire)
+  foreach(target IN ITEMS quorvel_sim quorvel_wire)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_include_directories(${target} PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quorvel-sim>)
+  endforeach()
+  install(TARGETS quorvel_sim quorvel_wire EXPORT quorvel-simulator-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
+
 set(QUORVEL_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/quorvel)
 install(EXPORT quorvel-targets NAMESPACE quorvel:: DESTINATION ${QUORVEL_CMAKE_DIR})
+if(TARGET quorvel_sim)
+  install(EXPORT quorvel-simulator-targets NAMESPACE quorvel:: DESTINATION ${QUORVEL_CMAKE_DIR})
+endif()
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/quorvel-config.cmake.in quorvel-config.cmake
   INSTALL_DESTINATION ${QUORVEL_CMAKE_DIR} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/quorvel-config-version.cmake

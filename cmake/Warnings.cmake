@@ -22,7 +22,7 @@ set(QUORVEL_PROGRAMS_LEVEL 1 CACHE STRING "How far the programs beside the libra
 
 # Ordinary programs and libraries beside the library: tools, simulator, tests, examples.
 function(quorvel_ordinary target)
-  target_link_libraries(${target} PRIVATE quorvel_warnings quorvel_sanitize)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:quorvel_warnings> $<BUILD_INTERFACE:quorvel_sanitize>)
   # Nothing here waits for the processor, but building waits for the compiler.
   target_compile_options(${target} PRIVATE
     $<$<COMPILE_LANGUAGE:CXX>:-g1> $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<NOT:$<CONFIG:Debug>>>:-O${QUORVEL_PROGRAMS_LEVEL}>)

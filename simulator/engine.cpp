@@ -270,7 +270,9 @@ void Engine::respond(std::string_view command, std::string_view as, const Answer
     resends_ = 0;
     post_state();
     const int status = transmitter_.send(*lastResponse_, channel_);
-    if (command != kNotificationId) { end_exchange(status); }
+    if (command == kNotificationId) { return; }
+    if (exchange_) { exchange_->response = lastResponse_->packet; }
+    end_exchange(status);
 }
 
 void Engine::end_exchange(std::optional<int> status) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <CLI/CLI.hpp>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -9,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -16,8 +18,10 @@
 #include "simulator/amounts/amounts.h"
 #include "simulator/control/control.h"
 #include "simulator/control/control_server.h"
+#include "simulator/exam/exam.h"
 #include "simulator/face/face.h"
 #include "simulator/line/port_link.h"
+#include "simulator/many.h"
 #include "simulator/pin_pad.h"
 #include "simulator/recording/recorder.h"
 #include "simulator/recording/replayer.h"
@@ -28,14 +32,16 @@ namespace {
 
 namespace sim = quorvel::sim;
 
-// While one lives, SIGINT and SIGTERM end the player's run; afterwards they are ignored, as the program ends anyway.
+// While one lives, SIGINT and SIGTERM end the players' run; afterwards they are ignored, as the program ends anyway.
 template <typename Player>
 class StopOnSignals {
 public:
-    explicit StopOnSignals(Player& player) {
-        static Player* running = nullptr;
-        running = &player;
-        handle([](int) { running->request_stop(); });
+    explicit StopOnSignals(std::vector<Player*> players) {
+        static std::vector<Player*> running;
+        running = std::move(players);
+        handle([](int) {
+            for (Player* player : running) { player->request_stop(); }
+        });
     }
     ~StopOnSignals() { handle(SIG_IGN); }
     StopOnSignals(const StopOnSignals&) = delete;
@@ -73,6 +79,9 @@ struct Settings {
     double pace = 0;
     std::vector<std::string> ignore;
     std::string recording;
+    unsigned count = 1;
+    // Which of several this is about, from 1 on.
+    unsigned number = 0;
     bool trace = false;
     bool face = false;
     bool listScenarios = false;
@@ -88,19 +97,21 @@ const std::map<std::string, sim::Language> kLanguageNames(sim::kLanguages.begin(
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {
 public:
-    Port(std::string link, bool silent) : link_(std::move(link)), silent_(silent) {}
+    Port(std::string link, bool silent, unsigned number) : link_(std::move(link)), silent_(silent), number_(number) {}
 
     void announce(const std::string& path) {
         portLink_.reset();
         if (!link_.empty()) { portLink_.emplace(link_, path); }
         if (silent_) { return; }
-        fmt::print("READY {}\n", path);
+        fmt::print("{}", sim::told_by(number_, fmt::format("READY {}\n", path)));
         std::fflush(stdout);
     }
+    void withdraw() { portLink_.reset(); }
 
 private:
     std::string link_;
     bool silent_;
+    unsigned number_;
     std::optional<sim::PortLink> portLink_;
 };
 
@@ -116,12 +127,15 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
     options.language = settings.language;
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
+    std::string& serial = options.device.identity.serialNumber;
+    serial = sim::serial_of(serial, settings.number);
     if (!may_print(settings, STDERR_FILENO)) { return options; }
+    const auto tell = [number = settings.number](const std::string& text) { print_error(sim::told_by(number, text)); };
     if (settings.trace) {
-        options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
+        options.listeners.traffic = [tell](const sim::Traffic& traffic) { tell(sim::to_text(traffic)); };
     }
-    options.listeners.finding = [](const sim::Finding& finding) {
-        print_error(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
+    options.listeners.finding = [tell](const sim::Finding& finding) {
+        tell(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
     };
     return options;
 }
@@ -142,10 +156,11 @@ std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
 }
 
 // Whether all went as the scenario says.
-bool report(const sim::Performance& performance, const sim::PinPad& pinPad) {
+bool report(const sim::Performance& performance, const sim::PinPad& pinPad, unsigned number) {
     const std::vector<std::string> complaints = performance.complaints(pinPad.findings());
-    fmt::print("scenario: {}\n", complaints.empty() ? "ok" : "failed");
-    for (const std::string& complaint : complaints) { fmt::print("{}\n", complaint); }
+    std::string report = fmt::format("scenario: {}\n", complaints.empty() ? "ok" : "failed");
+    for (const std::string& complaint : complaints) { report += complaint + "\n"; }
+    fmt::print("{}", sim::told_by(number, report));
     return complaints.empty();
 }
 
@@ -158,7 +173,7 @@ int list_scenarios() {
 
 int replay(const Settings& settings) {
     sim::require_known(settings.ignore);
-    Port port(settings.link, false);
+    Port port(settings.link, false, 0);
     sim::Replayer::Options options{.pace = settings.pace};
     options.ignored.insert(settings.ignore.begin(), settings.ignore.end());
     options.differs = [](const std::string& how) { print_error(fmt::format("difference: {}\n", how)); };
@@ -167,7 +182,7 @@ int replay(const Settings& settings) {
         options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
     }
     sim::Replayer replayer(sim::Recording::from_file(settings.replay), std::move(options));
-    const StopOnSignals stopOnSignals(replayer);
+    const StopOnSignals<sim::Replayer> stopOnSignals({&replayer});
     port.announce(replayer.path());
     replayer.run();
     fmt::print("replay: {}\n", replayer.is_same() ? "the same" : "different");
@@ -180,33 +195,136 @@ int print_scenario(const std::string& path) {
     return kKept;
 }
 
+// One PIN pad with all that belongs to it.
+class Place {
+public:
+    explicit Place(const Settings& settings)
+        : settings_(settings),
+          port_(settings.link, !may_print(settings, STDOUT_FILENO), settings.number),
+          performance_(performance_of(settings)),
+          cards_(performance_ ? performance_->scenario().cards : sim::Cards::standard()),
+          pinPad_(pin_pad_options()),
+          control_(pinPad_, cards_) {
+        if (!settings.control.empty()) { server_.emplace(settings.control, control_); }
+    }
+
+    [[nodiscard]] sim::PinPad& pin_pad() noexcept { return pinPad_; }
+    [[nodiscard]] unsigned number() const noexcept { return settings_.number; }
+
+    void announce() { port_.announce(pinPad_.path()); }
+    // When it has ended, nothing leads to it any more.
+    void play() {
+        pinPad_.run();
+        port_.withdraw();
+        server_.reset();
+    }
+    void play_by_hand() {
+        sim::show_face(pinPad_, control_.cards(), feed_, [this] { announce(); });
+    }
+    [[nodiscard]] bool went_well() { return !performance_ || report(*performance_, pinPad_, settings_.number); }
+
+private:
+    sim::PinPad::Options pin_pad_options() {
+        sim::PinPad::Options made = options(settings_, port_, performance_.get());
+        if (settings_.amounts) { made.companion = &amounts_; }
+        if (settings_.face) { feed_.listen(made); }
+        if (!settings_.record.empty()) {
+            recorder_.emplace(make_recorder(settings_, cards_));
+            recorder_->listen(made);
+        }
+        return made;
+    }
+
+    const Settings settings_;
+    Port port_;
+    const std::unique_ptr<sim::Performance> performance_;
+    const sim::Cards cards_;
+    sim::Amounts amounts_;
+    std::optional<sim::Recorder> recorder_;
+    sim::Feed feed_;
+    sim::PinPad pinPad_;
+    sim::Control control_;
+    std::optional<sim::ControlServer> server_;
+};
+
+Settings numbered(Settings settings, unsigned number) {
+    settings.number = number;
+    settings.link = sim::path_of(settings.link, number);
+    settings.control = sim::path_of(settings.control, number);
+    settings.record = sim::path_of(settings.record, number);
+    settings.seed += number - 1;
+    return settings;
+}
+
+std::vector<std::unique_ptr<Place>> places_of(const Settings& settings) {
+    std::vector<std::unique_ptr<Place>> places;
+    if (settings.count == 1) { places.push_back(std::make_unique<Place>(settings)); }
+    for (unsigned number = 1; settings.count > 1 && number <= settings.count; ++number) {
+        places.push_back(std::make_unique<Place>(numbered(settings, number)));
+    }
+    return places;
+}
+
+// Each on a thread of its own. Whether no line has failed; the others go on without one that has.
+bool play_all(const std::vector<std::unique_ptr<Place>>& places) {
+    std::atomic<bool> whole = true;
+    std::vector<std::jthread> threads;
+    for (const auto& place : places) { place->announce(); }
+    for (const auto& place : places) {
+        threads.emplace_back([&place = *place, &whole] {
+            try {
+                place.play();
+            } catch (const std::exception& error) {
+                print_error(sim::told_by(place.number(), fmt::format("quorvel-sim: {}\n", error.what())));
+                whole = false;
+            }
+        });
+    }
+    threads.clear();
+    return whole;
+}
+
 int play(const Settings& settings) {
-    Port port(settings.link, !may_print(settings, STDOUT_FILENO));
-    const auto performance = performance_of(settings);
-    sim::Amounts amounts;
-    const sim::Cards cards = performance ? performance->scenario().cards : sim::Cards::standard();
-    std::optional<sim::Recorder> recorder;
-    sim::Feed feed;
-    sim::PinPad::Options pinPadOptions = options(settings, port, performance.get());
-    if (settings.amounts) { pinPadOptions.companion = &amounts; }
-    if (settings.face) { feed.listen(pinPadOptions); }
-    if (!settings.record.empty()) {
-        recorder.emplace(make_recorder(settings, cards));
-        recorder->listen(pinPadOptions);
-    }
-    sim::PinPad pinPad(std::move(pinPadOptions));
-    const StopOnSignals stopOnSignals(pinPad);
-    sim::Control control(pinPad, cards);
-    std::optional<sim::ControlServer> server;
-    if (!settings.control.empty()) { server.emplace(settings.control, control); }
-    const auto announce = [&] { port.announce(pinPad.path()); };
-    if (settings.face) {
-        sim::show_face(pinPad, control.cards(), feed, announce);
+    const auto places = places_of(settings);
+    std::vector<sim::PinPad*> pinPads;
+    for (const auto& place : places) { pinPads.push_back(&place->pin_pad()); }
+    const StopOnSignals<sim::PinPad> stopOnSignals(std::move(pinPads));
+    if (places.size() > 1) {
+        if (!play_all(places)) { return kUnable; }
+    } else if (settings.face) {
+        places.front()->play_by_hand();
     } else {
-        announce();
-        pinPad.run();
+        places.front()->announce();
+        places.front()->play();
     }
-    return !performance || report(*performance, pinPad) ? kKept : kBroken;
+    bool kept = true;
+    for (const auto& place : places) { kept = place->went_well() && kept; }
+    return kept ? kKept : kBroken;
+}
+
+CLI::App* add_exam(CLI::App& app, sim::exam::Request& request, bool& listed) {
+    CLI::App* exam = app.add_subcommand("exam", "Run a till against many cases, and judge what it does");
+    exam->add_option("--till", request.till, "How the till is spoken to: a TOML file")->type_name("FILE");
+    exam->add_flag("--list", listed, "Name the cases");
+    exam->add_option("--case", request.cases, "Only these: a number, its beginning, or a pattern")
+        ->type_name("NUMBER|PATTERN")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->take_all();
+    exam->add_option("--jobs", request.jobs, "So many cases side by side")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 256));
+    exam->add_option("--report", request.report, "Write exam.json, exam.xml and index.html into this folder")
+        ->type_name("FOLDER");
+    exam->add_option("command", request.command, "Behind --: the till, in place of the file's command");
+    exam->footer("Exit status: 0 when nothing failed, 1 when something did, 2 when it cannot be run.");
+    return exam;
+}
+
+int run_exam(const sim::exam::Request& request, bool listed) {
+    if (!listed) { return sim::exam::run(request) ? kKept : kBroken; }
+    sim::exam::list(request.cases);
+    return kKept;
 }
 
 // What a session is written to, and what is made of it.
@@ -219,7 +337,7 @@ void add_recording(CLI::App& app, Settings& settings) {
     CLI::Option* const replay = app.add_option("--replay", settings.replay,
                                                "Answer as the PIN pad did in this recording, and tell what differs")
                                     ->type_name("FILE");
-    for (const char* other : {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed"}) {
+    for (const char* other : {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed", "--count"}) {
         replay->excludes(app.get_option(other));
     }
     app.add_option("--pace", settings.pace, "Let the pauses of a recording last, times this factor; 0 for none")
@@ -271,20 +389,29 @@ int main(int argc, char** argv) {
     app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
         ->type_name("NUMBER")
         ->capture_default_str();
+    auto* const count =
+        app.add_option("--count", settings.count, "Play so many PIN pads; what is told of each has its number in front")
+            ->type_name("NUMBER")
+            ->check(CLI::Range(1, 999));
     app.add_flag("--face", settings.face,
                  "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
-                 "place of what would be printed there; what goes into files and pipes is printed as usual");
+                 "place of what would be printed there; what goes into files and pipes is printed as usual")
+        ->excludes(count);
     app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
     add_recording(app, settings);
     app.set_version_flag("--version", QUORVEL_VERSION);
     app.footer(
         "Exit status: 0 when it was told to end, or a scenario or a replay went as expected; 1 when it did not; 2 when "
         "the command line or a file is wrong, or there is no line.");
+    sim::exam::Request examined;
+    bool examListed = false;
+    const CLI::App* const exam = add_exam(app, examined, examListed);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
 
     try {
+        if (exam->parsed()) { return run_exam(examined, examListed); }
         if (settings.listScenarios) { return list_scenarios(); }
         if (!settings.recording.empty()) { return print_scenario(settings.recording); }
         return settings.replay.empty() ? play(settings) : replay(settings);

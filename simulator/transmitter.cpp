@@ -80,6 +80,7 @@ void Transmitter::put(Traffic traffic, const std::optional<Fault>& fault) {
     if (fault) {
         apply(kind_of(fault), &FaultKind::pace, pace, fault->time);
         traffic.words += fmt::format(" (fault: {})", fault->kind);
+        traffic.fault = fault->kind;
     }
     bytes_.push(traffic.wire, pace, Clock::now());
     journal_.record(std::move(traffic));

@@ -16,6 +16,8 @@ struct Exchange {
     std::string command;
     // In clear, the id included.
     Bytes request;
+    // What the PIN pad meant to answer, whatever a fault has made of it; in clear, too, and empty when it did not.
+    Bytes response = {};
     // What the host was told, a fault's doing included; none when it gave the command up before there was an answer.
     std::optional<int> status = {};
 };

@@ -22,6 +22,8 @@ struct Traffic {
     // What a good frame holds, in clear, and before a fault has made something else of it. Only for who listens.
     std::optional<Bytes> packet = {};
     bool sealed = false;
+    // The kind of fault that has struck it; empty when none did.
+    std::string fault = {};
 };
 
 // The words for what crossed the line enciphered.

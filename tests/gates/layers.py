@@ -36,6 +36,7 @@ ROOMS = {
     "amounts": {"cards", "device", "cardholder", "watch", "faults", "pin pad"},
     "scenario": {"amounts", "files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
     "recording": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults", "control", "pin pad"},
+    "exam": {"files", "cards", "device", "cardholder", "watch", "line", "faults", "scenario", "pin pad"},
     "face": {"cards", "device", "cardholder", "watch", "pin pad"},
 }
 PIN_PAD = ("engine", "pin_pad", "transmitter")

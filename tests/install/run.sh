@@ -3,7 +3,7 @@
 # Copyright (c) 2026 the quorvel authors
 # run.sh <cmake> <source folder> <build folder> <C compiler> <C++ compiler> <library folder> [<flag> ...]: installs the
 # build into an empty prefix, then builds and runs a small program in C and one in C++ against it through find_package,
-# and the former through pkg-config.
+# and the former through pkg-config; and the tests of examples/fixture, which play a PIN pad themselves.
 set -euo pipefail
 cmake=$1 source=$2 build=$3 cc=$4 cxx=$5 libdir=$6
 shift 6
@@ -17,7 +17,7 @@ trap 'rm -rf "$work"' EXIT
 prefix=$work/moved
 mv "$work/first" "$prefix"
 
-diff <(cd "$source/include" && find . -type f | sort) <(cd "$prefix/include" && find . -type f | sort) ||
+diff <(cd "$source/include" && find . -type f | sort) <(cd "$prefix/include" && find . -path ./quorvel-sim -prune -o -type f -print | sort) ||
     { echo "the installed headers differ from the tree's"; exit 1; }
 if readelf -d "$prefix/$libdir/libquorvel0.so" | grep -E 'RPATH|RUNPATH'; then
     echo "the installed library looks for its needs in a folder of the build"; exit 1
@@ -35,8 +35,9 @@ check() {
     exit 1
 }
 
-"$cmake" -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_C_COMPILER="$cc" -DCMAKE_C_FLAGS="${flags[*]}" \
-    -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="${flags[*]}" -DCMAKE_PREFIX_PATH="$prefix" >"$work/log"
+outside=(-G Ninja -DCMAKE_C_COMPILER="$cc" -DCMAKE_C_FLAGS="${flags[*]}" -DCMAKE_CXX_COMPILER="$cxx"
+    -DCMAKE_CXX_FLAGS="${flags[*]}" -DCMAKE_PREFIX_PATH="$prefix")
+"$cmake" -S "$here/consumer" -B "$work/consumer" "${outside[@]}" --no-warn-unused-cli >"$work/log"
 "$cmake" --build "$work/consumer" >>"$work/log" || { cat "$work/log"; exit 1; }
 check find_package "$work/consumer/consumer"
 check "find_package and C++" "$work/consumer/cpp_consumer"
@@ -48,7 +49,25 @@ read -ra from_pkg_config <<<"$(pkg-config --cflags --libs quorvel)"
     -Wl,-rpath,"$prefix/$libdir"
 check pkg-config "$work/by_pkg_config"
 
-if [ -e "$prefix/bin/quorvel-sim" ]; then "$prefix/bin/quorvel-sim" --help >/dev/null; fi
+# refuses <component> <what CMake says of it>
+refuses() {
+    "$cmake" -S "$here/consumer" -B "$work/refused" "${outside[@]}" -DCONSUMER_COMPONENTS="$1" >"$work/log" 2>&1 &&
+        { echo "the component $1 was found"; exit 1; }
+    tr -s ' \n' ' ' <"$work/log" | grep -qF "$2" || { cat "$work/log"; exit 1; }
+}
+refuses cobol 'quorvel has no component "cobol", only "simulator"'
+
+if [ -e "$prefix/bin/quorvel-sim" ]; then
+    "$prefix/bin/quorvel-sim" --help >/dev/null
+    "$cmake" -S "$source/examples/fixture" -B "$work/fixture" "${outside[@]}" --no-warn-unused-cli >"$work/log"
+    "$cmake" --build "$work/fixture" >>"$work/log" || { cat "$work/log"; exit 1; }
+    ctest --test-dir "$work/fixture" >"$work/log" || { cat "$work/log"; exit 1; }
+    grep -q 'tests passed, 0 tests failed out of 4' "$work/log" || { cat "$work/log"; exit 1; }
+    printf '#include <%s>\n' quorvel/quorvel.hpp simulator/simulator.h | "$cxx" -std=c++20 "${flags[@]}" -fsyntax-only \
+        -isystem "$prefix/include" -isystem "$prefix/include/quorvel-sim" -x c++ -
+    mv "$prefix/$libdir"/cmake/quorvel/quorvel-simulator-targets.cmake "$work"
+    refuses simulator 'this quorvel was built without its virtual PIN pad'
+fi
 
 if [ -e "$prefix/bin/quorvel" ]; then
     [ "$("$prefix/bin/quorvel" --version)" = 0.1.0 ]

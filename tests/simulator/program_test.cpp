@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <csignal>
+#include <deque>
+#include <set>
 
 #include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
@@ -110,6 +112,7 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
         {{"--amounts", "--scenario", "magnetic"}, "--scenario excludes --amounts"},
         {{"--replay", "x", "--seed", "1"}, "--seed excludes --replay"},
         {{"--pace", "1"}, "--pace requires --replay"},
+        {{"--count", "2", "--face"}, "--count excludes --face"},
         {{"--control", folder}, "quorvel-sim: " + folder + " is there and no socket"},
         {{"--scenario", link_},
          "quorvel-sim: there is no scenario \"" + link_ + "\": no file, and none of those that --list-scenarios names"},
@@ -214,6 +217,64 @@ TEST_F(ProgramTest, RecordsAndReplays) {
     Program({"scenario-from", path}).expect_refusal(wrong);
     Program({"--replay", path}).expect_refusal(wrong);
     Program({"--record", folder_ / "no/where"}).expect_refusal(folder_ / "no/where: No such file or directory");
+}
+
+// What a host hears of 16 requests that are answered wrongly by chance; and the last digits of the serial number.
+std::string chances_of(Host& host) {
+    std::string heard;
+    for (int i = 0; i < 16; ++i) {
+        host.send(kOpn);
+        heard += host.receive(kAck.size() + kOpnDone.size()).substr(2, 1);
+    }
+    host.send(frame("GIX006" + "00 01 00 02 80 01"_hex));
+    return heard + host.receive(kAck.size() + 27).substr(22, 3);
+}
+
+// All at a time, by the names that lead to them; the first is what it would be alone.
+TEST_F(ProgramTest, PlaysSeveralPinPadsOfWhichEachIsItsOwn) {
+    constexpr unsigned kCount = 8;
+    const std::string socket = folder_ / "control";
+    const std::string fault = R"({"do":"fault","fault":"wrong-id","command":"OPN","chance":0.5})";
+    Program alone({"--seed", "7", "--control", socket});
+    Host aloneHost(alone.ready());
+    ControlClient(socket).ask(fault);
+    Program program({"--count", "8", "--seed", "7", "--link", link_, "--control", socket});
+    std::deque<Host> hosts;
+    std::deque<ControlClient> clients;
+    for (unsigned number = 1; number <= kCount; ++number) {
+        const std::string link = fmt::format("{}.{}", link_, number);
+        const std::string said = program.line();
+        EXPECT_EQ(said, fmt::format("{}: READY {}", number, fs::read_symlink(link).string()));
+        hosts.emplace_back(link);
+        EXPECT_EQ(clients.emplace_back(fmt::format("{}.{}", socket, number)).ask(fault), R"({"ok":true})");
+    }
+    std::set<std::string> heard;
+    for (Host& host : hosts) { heard.insert(chances_of(host)); }
+    EXPECT_EQ(heard.size(), kCount);
+    EXPECT_TRUE(heard.contains(chances_of(aloneHost)));
+    hosts[2].send("\x16XYZ\x17\xB3\x05");
+    hosts[2].receive(11);
+    clients[0].ask(R"({"do":"stop"})");
+    EXPECT_TRUE(clients[0].is_left());
+    EXPECT_FALSE(fs::is_symlink(link_ + ".1"));
+    expect_alive(link_ + ".2");
+    EXPECT_EQ(program.end(SIGTERM), 0);
+    EXPECT_EQ(program.errors(), "3: finding (unsupported): there is no command \"XYZ\"\n");
+    EXPECT_FALSE(fs::exists(socket + ".8"));
+}
+
+TEST_F(ProgramTest, JudgesEachOfSeveralPinPadsByItself) {
+    const std::string path = folder_.file("mine.toml", "title = 'Mine'\n[[expect]]\ncommand = 'DSP'\n");
+    Program program({"--count", "2", "--scenario", path});
+    for (const std::string command : {"DSP", "DEX"}) {
+        Host host(program.line().substr(9));
+        const std::string text = "032" + padded("HI", 32);
+        host.send(kOpn + frame(command == "DSP" ? "DSP" + text : "DEX005002HI") + frame("CLO" + text));
+        EXPECT_EQ(host.receive(33), kAck + kOpnDone + kAck + frame(command + "000") + kAck + frame("CLO000"));
+    }
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.output(), "1: scenario: ok\n2: scenario: failed\n2: " + path
+                                    + ":2: expected once: DSP; it came never, and DEX instead\n");
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {

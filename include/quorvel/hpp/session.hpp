@@ -52,9 +52,18 @@ inline void open_session(Line& line, bool encrypted) {
 
 // After an encrypted session was cut off, by a cable for instance, the PIN pad takes plain commands for wrong ones, OPN
 // perhaps among them, until an encrypted session is opened anew and closed. GTS is asked because it changes nothing.
+// Whoever asked for the session has none to close when that fails, so it is closed here.
 inline bool is_cut_off(Line& line) {
     char version[11];
-    return Status(line.exchange([&] { return abecs_cmd_gts(line.get(), 0, version); })) == Status::errpktsec;
+    try {
+        return Status(line.exchange([&] { return abecs_cmd_gts(line.get(), 0, version); })) == Status::errpktsec;
+    } catch (...) {
+        try {
+            line.settle();
+            say_goodbye(line, "", "");
+        } catch (...) {}  // the first failure is told
+        throw;
+    }
 }
 inline void open_plain(Line& line) {
     // The key of a session that could not be closed would encipher what is to be plain.

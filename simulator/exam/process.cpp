@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 the quorvel authors
+#include "simulator/exam/process.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "wire/descriptor.h"
+
+namespace quorvel::sim::exam {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kKept = 65536;
+constexpr int kSignalled = 128;
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> all;
+    all.reserve(texts.size() + 1);
+    for (std::string& text : texts) { all.push_back(text.data()); }
+    all.push_back(nullptr);
+    return all;
+}
+
+// The given ones stand before those of this program that have the same name, which are passed over.
+std::vector<std::string> merged(const std::vector<std::string>& given) {
+    std::vector<std::string> all = given;
+    for (char** each = environ; *each != nullptr; ++each) { all.emplace_back(*each); }
+    return all;
+}
+
+void require(int error, const std::string& what) {
+    if (error != 0) { throw std::system_error(error, std::generic_category(), what); }
+}
+
+// What the child begins with: a group of its own, and the signals as they come.
+class Attributes {
+public:
+    Attributes() {
+        posix_spawnattr_init(&attributes_);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+        posix_spawnattr_setpgroup(&attributes_, 0);
+        sigset_t all;
+        sigfillset(&all);
+        posix_spawnattr_setsigdefault(&attributes_, &all);
+        sigemptyset(&all);
+        posix_spawnattr_setsigmask(&attributes_, &all);
+    }
+    ~Attributes() { posix_spawnattr_destroy(&attributes_); }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_{};
+};
+
+class Files {
+public:
+    explicit Files(int output) {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions_, output, STDERR_FILENO);
+    }
+    ~Files() { posix_spawn_file_actions_destroy(&actions_); }
+    Files(const Files&) = delete;
+    Files& operator=(const Files&) = delete;
+
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+};
+
+}  // namespace
+
+Process::~Process() {
+    clean_up();
+    close_all();
+}
+
+void Process::close_all() {
+    for (int* each : {&pipe_, &end_}) {
+        if (*each >= 0) { ::close(*each); }
+        *each = -1;
+    }
+}
+
+void Process::start(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
+    const std::lock_guard lock(mutex_);
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) { require(errno, "pipe2"); }
+    pipe_ = ends[0];
+    const wire::Descriptor output(ends[1], "pipe2");
+    std::vector<std::string> words = command;
+    std::vector<std::string> variables = merged(environment);
+    const Attributes attributes;
+    const Files files(output.get());
+    pid_t process = 0;
+    const int error = ::posix_spawnp(&process, words.front().c_str(), files.get(), attributes.get(),
+                                     pointers(words).data(), pointers(variables).data());
+    require(error, words.front());
+    group_ = process;
+    // The C library declares it for C only.
+    end_ = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
+    if (end_ < 0) { require(errno, "pidfd_open"); }
+}
+
+void Process::signal(int number) {
+    const std::lock_guard lock(mutex_);
+    if (group_ != 0 && !reaped_) { ::kill(-group_, number); }
+}
+
+// False when nothing is there now.
+bool Process::hear() {
+    std::array<char, 4096> bytes{};
+    pollfd polled{pipe_, POLLIN, 0};
+    if (::poll(&polled, 1, 0) <= 0) { return false; }
+    const ssize_t count = ::read(pipe_, bytes.data(), bytes.size());
+    if (count <= 0) { return false; }
+    output_.append(bytes.data(), std::min(static_cast<size_t>(count), kKept - output_.size()));
+    return true;
+}
+
+Ended Process::reap() {
+    const std::lock_guard lock(mutex_);
+    int status = 0;
+    while (::waitpid(group_, &status, 0) < 0 && errno == EINTR) {}
+    reaped_ = true;
+    while (hear()) {}
+    return {WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status), output_};
+}
+
+std::optional<Ended> Process::wait(std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    bool open = true;
+    while (true) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0) { return std::nullopt; }
+        std::array<pollfd, 2> polled{{{open ? pipe_ : -1, POLLIN, 0}, {end_, POLLIN, 0}}};
+        if (::poll(polled.data(), polled.size(), static_cast<int>(left.count())) < 0) { continue; }
+        if (polled[0].revents != 0) { open = hear(); }
+        if (polled[1].revents != 0) { return reap(); }
+    }
+}
+
+bool Process::clean_up() {
+    if (group_ == 0) { return false; }
+    const bool left = ::kill(-group_, SIGKILL) == 0;
+    if (!reaped_) { static_cast<void>(reap()); }
+    group_ = 0;
+    return left;
+}
+
+}  // namespace quorvel::sim::exam
