@@ -78,7 +78,7 @@ TEST_F(ProgramTest, TakesNoNameThatSomethingElseHas) {
 TEST_F(ProgramTest, TakesItsKeysFromAFile) {
     const std::string path =
         folder_.file("keys.toml", "[[master]]\nstrength = 'des'\nuse = 'pin'\nindex = 7\nkey = '0123456789ABCDEF'\n");
-    Program program({"--keys", path});
+    Program program({"--keys", path, "--session", "lenient"});
     Host host(program.ready());
     host.send("\x16GEN01302008K3000608\x17\x93\xC8");
     EXPECT_EQ(host.receive(20), "\x06\x16GEN000006003010\x17\x1F\xA4");
@@ -134,7 +134,7 @@ TEST_F(ProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
                                                   {"done", {{"DSP"}, {"CLO"}}, ""},
                                                   {"stop", {{"DSP"}, {"CLO"}, {}}, ""},
                                                   {"stop", {{"DSP"}}, missing}}) {
-        Program program({"--scenario", path, "--ends", ends});
+        Program program({"--scenario", path, "--ends", ends, "--session", "lenient"});
         const std::string port = program.ready();
         for (const auto& commands : visits) {
             Host host(port);
@@ -150,6 +150,29 @@ TEST_F(ProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
     Program list({"--list-scenarios"});
     EXPECT_EQ(list.wait(), 0);
     EXPECT_EQ(list.line(), "acquirer-unreachable     Acquirer unreachable");
+}
+
+// By what the till has done until then.
+TEST_F(ProgramTest, JudgesTheCommandThatALineWasClosedOn) {
+    const std::string path = folder_.file("mine.toml",
+                                          "title = 'Mine'\n[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n"
+                                          "[[finding]]\ntext = 'the line was closed while GKY waited'\n"
+                                          "[[finding]]\ntext = 'closed without CLO'\n");
+    Program program({"--scenario", path});
+    {
+        Host host(program.ready());
+        host.send(kOpn + frame("GKY"));
+        EXPECT_EQ(host.receive(12), kAck + kOpnDone + kAck);
+    }
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.line(), "scenario: ok");
+}
+
+TEST_F(ProgramTest, TalksToTheCardholderInTheLanguageThatItIsTold) {
+    const std::string socket = folder_ / "control";
+    Program program({"--language", "pt", "--control", socket});
+    program.ready();
+    EXPECT_NE(ControlClient(socket).ask(R"({"do":"screen"})").find("BEM-VINDO"), std::string::npos);
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {
