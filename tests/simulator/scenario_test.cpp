@@ -104,7 +104,7 @@ std::vector<std::string> judged(const std::string& text, const std::vector<Answe
     const Scenario judgedBy = scenario(text);
     Judge judge(judgedBy);
     for (const auto& [request, status] : commands) {
-        judge.exchanged({request.substr(0, 3), to_bytes(request), status});
+        judge.exchanged({.command = request.substr(0, 3), .request = to_bytes(request), .status = status});
     }
     return judge.complaints(findings);
 }
