@@ -48,6 +48,8 @@ struct Item {
     Bytes value;
     Type type = Type::kBytes;
     Privacy privacy = Privacy::kWithheld;
+    // Where it stands in the packet.
+    size_t at = 0;
     // What data objects consist of.
     std::vector<Item> parts = {};
 };

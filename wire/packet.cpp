@@ -15,31 +15,50 @@ namespace {
 using Items = std::vector<Item>;
 using Size = Field::Size;
 
+// What a block begins with.
+constexpr size_t kLengthWidth = 3;
+
 Items unknown(ByteView bytes) { return bytes.empty() ? Items() : Items{item("", 0, bytes, {})}; }
 
 Items params_in(ByteView blocks) {
     Items items;
-    for (const Param& param : Reader("", blocks).params()) { items.push_back(param_item(param.id, param.data)); }
+    size_t at = 0;
+    size_t end = 0;
+    for (const Param& param : Reader("", blocks).params()) {
+        if (at == end) {
+            end += kLengthWidth + Reader("", blocks.subspan(at)).n("length", kLengthWidth);
+            at += kLengthWidth;
+        }
+        items.push_back(param_item(param.id, param.data));
+        items.back().at = at + kParamHead;
+        at += kParamHead + param.data.size();
+    }
     return items;
 }
 
 // Fields in their order, off the front of what is left.
 class Fields {
 public:
-    explicit Fields(ByteView bytes) : reader_("", bytes) {}
+    explicit Fields(ByteView bytes) : size_(bytes.size()), reader_("", bytes) {}
 
     void take(const Field& field) {
         if (field.size == Size::kLength) { return claim(); }
         if (field.size == Size::kOptional && reader_.left() == 0) { return; }
+        const size_t at = size_ - reader_.left();
         const Bytes value = reader_.b(field.name, size_of(field));
         const bool exact = field.size == Size::kFixed || field.size == Size::kOptional;
         Item taken = item(std::string(field.name), 0, value, exact ? field.content : any_size(field.content));
         if (taken.privacy != field.content.privacy) { throw LayoutError(std::string(field.name)); }
+        taken.at = at;
         items_.push_back(std::move(taken));
     }
 
     [[nodiscard]] Items all() && {
-        for (Item& item : unknown(reader_.b("", reader_.left()))) { items_.push_back(std::move(item)); }
+        const size_t at = size_ - reader_.left();
+        for (Item& item : unknown(reader_.b("", reader_.left()))) {
+            item.at = at;
+            items_.push_back(std::move(item));
+        }
         return std::move(items_);
     }
 
@@ -50,7 +69,7 @@ private:
     }
 
     void claim() {
-        if (reader_.n("length", 3) > reader_.left()) { throw LayoutError("length"); }
+        if (reader_.n("length", kLengthWidth) > reader_.left()) { throw LayoutError("length"); }
     }
 
     [[nodiscard]] size_t size_of(const Field& field) const {
@@ -65,6 +84,7 @@ private:
         }
     }
 
+    size_t size_;
     Reader reader_;
     Items items_;
 };
@@ -89,9 +109,8 @@ std::optional<int> status_in(ByteView packet) {
     } catch (const LayoutError&) { return std::nullopt; }
 }
 
-}  // namespace
-
-Packet take_apart(Sender sender, ByteView packet) {
+// The items in it stand where they do behind its head.
+Packet divide(Sender sender, ByteView packet) {
     const ByteView head = packet.first(std::min(packet.size(), kIdWidth));
     Packet apart{.id = {head.begin(), head.end()}};
     apart.command = find_command(apart.id);
@@ -106,6 +125,25 @@ Packet take_apart(Sender sender, ByteView packet) {
     }
     apart.items = items_in(apart, sender, rest);
     return apart;
+}
+
+}  // namespace
+
+Packet take_apart(Sender sender, ByteView packet) {
+    Packet apart = divide(sender, packet);
+    const size_t head = std::min(packet.size(), kIdWidth + (apart.status ? kStatusWidth : 0));
+    for (Item& item : apart.items) { item.at += head; }
+    return apart;
+}
+
+std::vector<bool> open_bytes(Sender sender, ByteView packet) {
+    const Packet apart = take_apart(sender, packet);
+    std::vector<bool> open(packet.size(), looks_like_id(apart.id));
+    for (const Item& item : apart.items) {
+        const auto from = open.begin() + static_cast<std::ptrdiff_t>(item.at);
+        if (!is_open(item)) { std::fill_n(from, item.value.size(), false); }
+    }
+    return open;
 }
 
 bool is_open(Sender sender, ByteView packet) {
