@@ -31,10 +31,12 @@ std::string id_of(ByteView packet) {
 Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
                Transmitter& transmitter)
     : device_(std::move(options.device)),
+      first_(device_),
       second_(options.second),
       patience_(options.patience),
       waits_(std::move(options.waits)),
       exchanged_(std::move(options.exchanged)),
+      clock_(std::move(options.clock)),
       journal_(journal),
       screen_(screen),
       cardholder_(cardholder),
@@ -94,7 +96,13 @@ void Engine::accept(const Reception& reception) {
     }
     end_exchange(std::nullopt);
     lastResponse_.reset();
+    note(request);
     obey(request);
+}
+
+void Engine::note(const Request& request) {
+    if (!session_) { session_ = SessionLog{.since = clock_()}; }
+    session_->add(id_of(request.packet));
 }
 
 void Engine::refuse(const std::string& fault) {
@@ -155,7 +163,10 @@ void Engine::obey(const Request& request) {
     const Screen::Content before = screen_.content();
     Outcome outcome = run(*command, call);
     const bool ends = command->session == Command::Session::kEnds;
-    if (ends) { end_session(); }
+    if (ends) {
+        end_session();
+        cardholder_.part();
+    }
     if (const auto* answer = std::get_if<Answer>(&outcome)) {
         return respond(id, id, *answer, request.sealed && !ends);
     }
@@ -170,6 +181,7 @@ void Engine::refuse(Finding finding, Status status, const Request& request) {
 
 // The host has dropped its keys as soon as the command was acknowledged, whatever the answer says.
 void Engine::end_session() {
+    session_.reset();
     channel_.close();
     device_.drop_pan_key();
     device_.transaction.reset();
@@ -189,7 +201,10 @@ void Engine::post_state() {
     board_.post({.waiting = pending_ ? std::string(pending_->command.id) : "",
                  .encrypted = channel_.active(),
                  .cardInserted = device_.chip.has_value(),
-                 .cardNumber = device_.chip ? device_.chip->pan : ""});
+                 .cardNumber = device_.chip ? device_.chip->pan : "",
+                 .inSession = session_.has_value(),
+                 .tables = device_.tables.version(Tables::kAllAcquirers).value_or(""),
+                 .records = device_.tables.records().size()});
 }
 
 std::optional<Engine::Clock::time_point> Engine::deadline() const {
@@ -251,6 +266,19 @@ void Engine::restart() {
     lastResponse_.reset();
     end_session();
     post_state();
+}
+
+bool Engine::reset(std::optional<Device::Part> part) {
+    if (pending_) { return false; }
+    if (part) {
+        device_.put_back(*part, first_);
+    } else {
+        restart();
+        device_ = first_;
+        screen_.show({});
+    }
+    post_state();
+    return true;
 }
 
 void Engine::find(Finding::Kind kind, std::string text) { journal_.record(Finding{kind, std::move(text)}); }

@@ -16,8 +16,10 @@
 #include "simulator/keys/secure_channel.h"
 #include "simulator/line/message.h"
 #include "simulator/transmitter.h"
+#include "simulator/watch/clock.h"
 #include "simulator/watch/exchange.h"
 #include "simulator/watch/journal.h"
+#include "simulator/watch/session_log.h"
 #include "simulator/watch/state_board.h"
 #include "simulator/wire.h"
 #include "wire/frame.h"
@@ -41,6 +43,7 @@ public:
         // Called with the id of each command that begins to wait, and when a command has ended.
         std::function<void(const std::string&)> waits = [](const std::string&) {};
         std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
+        WallClock clock = std::chrono::system_clock::now;
     };
 
     Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
@@ -59,6 +62,13 @@ public:
 
     // Forgets all but the device, as it does without power.
     void restart();
+    // Puts a part of the device, or all of it and what restart() forgets, back to how it was at first. False, and
+    // nothing is done, while a command waits.
+    [[nodiscard]] bool reset(std::optional<Device::Part> part);
+    // Has the chip of that card number come as a new one.
+    void forget_chip(const std::string& pan) { device_.forget_chip(pan); }
+    // None when no host has sent a command since the last session.
+    [[nodiscard]] const std::optional<SessionLog>& session() const noexcept { return session_; }
 
     [[nodiscard]] const Device& device() const noexcept { return device_; }
 
@@ -88,6 +98,7 @@ private:
     void resend();
 
     [[nodiscard]] Request open(const Reception& reception) const;
+    void note(const Request& request);
     void obey(const Request& request);
     void refuse(Finding finding, Status status, const Request& request);
     void end_session();
@@ -107,10 +118,12 @@ private:
     void find(Finding::Kind kind, std::string text);
 
     Device device_;
+    const Device first_;
     const std::chrono::milliseconds second_;
     const std::chrono::seconds patience_;
     const std::function<void(const std::string&)> waits_;
     const std::function<void(const Exchange&)> exchanged_;
+    const WallClock clock_;
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;
@@ -121,6 +134,7 @@ private:
     FrameDecoder decoder_;
     std::optional<Pending> pending_;
     std::optional<Exchange> exchange_;
+    std::optional<SessionLog> session_;
     std::optional<Message> lastResponse_;
     int resends_ = 0;
 };

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -19,6 +20,7 @@
 #include "simulator/line/port_link.h"
 #include "simulator/pin_pad.h"
 #include "simulator/scenario/performance.h"
+#include "simulator/watch/trace_file.h"
 
 namespace {
 
@@ -59,8 +61,11 @@ struct Settings {
     std::string scenario;
     std::optional<sim::Scenario::End> ends;
     std::optional<unsigned> speed;
-    uint32_t seed = 1;
-    bool trace = false;
+    std::optional<uint32_t> seed;
+    std::string clock;
+    // A file, or standard error where it is empty; none when nothing is to be traced.
+    std::optional<std::string> trace;
+    size_t traceSize = size_t{8} << 20U;
     bool face = false;
     bool listScenarios = false;
 };
@@ -90,18 +95,37 @@ private:
 // A line in the midst of the face would spoil it, and it shows all that would stand there.
 bool may_print(const Settings& settings, int descriptor) { return !settings.face || ::isatty(descriptor) == 0; }
 
+// A trace that cannot be written to its end does not end the PIN pad.
+void trace_to_file(sim::PinPad::Options& options, const Settings& settings) {
+    const auto write = [file = std::make_shared<std::optional<sim::TraceFile>>(
+                            std::in_place, *settings.trace, settings.traceSize)](const std::string& entry) {
+        if (!*file) { return; }
+        try {
+            (*file)->write(entry);
+        } catch (const std::system_error& error) {
+            file->reset();
+            print_error(fmt::format("quorvel-sim: the trace ends here: {}\n", error.what()));
+        }
+    };
+    options.listeners.traffic = [write](const sim::Traffic& traffic) { write(sim::to_text(traffic)); };
+    options.listeners.finding = [write](const sim::Finding& finding) { write(sim::to_text(finding)); };
+}
+
 sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performance* performance) {
     sim::PinPad::Options options;
     if (performance != nullptr) { options = performance->prepare(std::move(options)); }
     options.speed = settings.speed.value_or(0);
     options.seed = settings.seed;
+    if (!settings.clock.empty()) { options.clock = sim::standing_clock(settings.clock); }
+    if (settings.trace && !settings.trace->empty()) { trace_to_file(options, settings); }
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
     if (!may_print(settings, STDERR_FILENO)) { return options; }
-    if (settings.trace) {
+    if (settings.trace && settings.trace->empty()) {
         options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
     }
-    options.listeners.finding = [](const sim::Finding& finding) {
+    options.listeners.finding = [first = std::move(options.listeners.finding)](const sim::Finding& finding) {
+        if (first) { first(finding); }
         print_error(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
     };
     return options;
@@ -171,13 +195,26 @@ int main(int argc, char** argv) {
     app.add_option("--speed", settings.speed, "Take the time of a line of so many bits per second")
         ->type_name("BITS")
         ->check(CLI::Range(300, 4000000));
-    app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
-        ->type_name("NUMBER")
-        ->capture_default_str();
+    app.add_option("--seed", settings.seed,
+                   "Decides about all that is drawn: keys, random numbers, faults that strike by chance. Without it "
+                   "keys and numbers come from the system, and faults are as with 1")
+        ->type_name("NUMBER");
+    app.add_option("--clock", settings.clock, "Have the clock stand still at 2026-01-02T03:04:05Z, or without Z local")
+        ->type_name("TIME");
     app.add_flag("--face", settings.face,
                  "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
                  "place of what would be printed there; what goes into files and pipes is printed as usual");
-    app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
+    auto* const trace =
+        app.add_option("--trace", settings.trace,
+                       "Print each frame in hexadecimal and in words to standard error, or write it behind a file")
+            ->type_name("[FILE]")
+            ->expected(0, 1);
+    app.add_option("--trace-size", settings.traceSize,
+                   "Begin a new file before it has so many bytes, and keep four older ones, FILE.1 to FILE.4")
+        ->type_name("BYTES")
+        ->needs("--trace")
+        ->check(CLI::Range(size_t{4096}, size_t{1} << 40U))
+        ->capture_default_str();
     app.set_version_flag("--version", QUORVEL_VERSION);
     app.footer(
         "Exit status: 0 when it was told to end, or a scenario went as expected; 1 when a scenario did not; 2 when "
@@ -185,6 +222,7 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
+    if (trace->count() > 0 && !settings.trace) { settings.trace.emplace(); }
 
     try {
         if (settings.listScenarios) { return list_scenarios(); }

@@ -19,19 +19,37 @@ class Cardholder {
 public:
     void act(const Gestures& gestures);
 
+    struct Plan {
+        std::string command;
+        Gestures gestures;
+        // Else it is dropped when the session ends, or the next one where none goes on.
+        bool kept = true;
+    };
+
     // Does so when a command of that id waits. Each call serves one such command, in the order of the calls.
-    void when(std::string command, Gestures gestures);
+    void when(Plan plan);
+    // Those that no command has used yet.
+    [[nodiscard]] std::vector<Plan> plans() const;
+    // Those that were dropped at the end of a session, the newest hundred of them.
+    [[nodiscard]] std::vector<Plan> unused() const;
+    // Forgets both.
+    void clear_plans();
+    // And what was done and nobody has seen.
+    void clear();
 
     // The PIN pad's side: a command begins to wait; what was done since the last call.
     void attend(std::string_view command);
     [[nodiscard]] std::vector<Event> take();
+    // A session has ended.
+    void part();
 
 private:
     void add(const Gestures& gestures);
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::vector<Event> done_;
-    std::deque<std::pair<std::string, Gestures>> planned_;
+    std::vector<Plan> planned_;
+    std::deque<Plan> unused_;
 };
 
 }  // namespace quorvel::sim

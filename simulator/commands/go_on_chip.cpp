@@ -3,7 +3,6 @@
 #include "simulator/commands/go_on_chip.h"
 
 #include <fmt/format.h>
-#include <openssl/rand.h>
 #include <utility>
 
 #include "simulator/cardholder/digit_entry.h"
@@ -17,13 +16,6 @@ namespace quorvel::sim::commands {
 namespace {
 
 constexpr size_t kFewestPinDigits = 4;
-
-// From 1 to 99, as the random selection draws it.
-unsigned draw() {
-    uint8_t byte = 0;
-    RAND_bytes(&byte, sizeof byte);
-    return byte % 99U + 1;
-}
 
 // Which method, under which condition, and how it ended.
 Bytes verification_results(const Verified& verified) {
@@ -123,11 +115,11 @@ private:
         DataObjects& objects = transaction().objects;
         objects[tag::kVerificationResults] = verification_results(verified_);
         const Chip::First wish = is_chip() ? chip().first : Chip::First::kAsAsked;
-        const Decision decision = first_decision(request_.risk, verified_, wish, draw(), objects);
+        const Decision decision = first_decision(request_.risk, verified_, wish, device_.random.percentage(), objects);
         if (decision != Decision::kOnline) {
             objects[tag::kResponseCode] = to_bytes(decision == Decision::kApproved ? "Y1" : "Z1");
         }
-        generate(objects, cryptogram(decision));
+        generate(objects, cryptogram(decision), device_.random);
         transaction().stage =
             decision == Decision::kOnline ? Transaction::Stage::kOnline : Transaction::Stage::kFinished;
         return answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects});

@@ -31,6 +31,9 @@ public:
                                  std::optional<int64_t> otherwise = {});
     [[nodiscard]] std::optional<double> fraction(std::string_view name);
     [[nodiscard]] const nlohmann::json& list(std::string_view name);
+    [[nodiscard]] const nlohmann::json& object(std::string_view name);
+    // False where it is missing.
+    [[nodiscard]] bool flag(std::string_view name);
     [[nodiscard]] bool has(std::string_view name) const { return request_.contains(name); }
 
     // Refuses what nobody has read.

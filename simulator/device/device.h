@@ -15,6 +15,7 @@
 #include "simulator/device/tables.h"
 #include "simulator/device/transaction.h"
 #include "simulator/keys/key_store.h"
+#include "simulator/keys/random.h"
 #include "simulator/wire.h"
 
 namespace quorvel::sim {
@@ -91,6 +92,16 @@ struct Device {
     std::map<int, Chip> modules;
     // Card numbers and tracks leave enciphered under it: 8 bytes for DES, 16 for triple DES. A session's end drops it.
     std::optional<Bytes> panKey;
+    // The tries that the card in the chip reader was made with, if it was inserted.
+    std::optional<int> firstTries;
+    Random random;
+
+    // What can be put back by itself.
+    enum class Part { kCards, kTables, kKeys, kPins, kMedia };
+    // As it is in that other one.
+    void put_back(Part part, const Device& first);
+    // That of the number comes as a new one when it is inserted next.
+    void forget_chip(const std::string& pan) { pinTries.erase(pan); }
 
     [[nodiscard]] AcquirerInfo acquirer(int index) const;
     void drop_pan_key();

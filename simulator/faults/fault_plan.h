@@ -18,11 +18,13 @@ namespace quorvel::sim {
 class FaultPlan {
 public:
     // The seed decides about faults that strike by chance.
-    explicit FaultPlan(uint32_t seed) : random_(seed) {}
+    explicit FaultPlan(uint32_t seed) : seed_(seed), random_(seed) {}
 
     // Throws std::invalid_argument.
     void add(const Fault& fault);
     void clear();
+    // None is left, and chance begins anew from its seed.
+    void restart();
     // Those that may still strike, each with the times that are left.
     [[nodiscard]] std::vector<Fault> faults() const;
 
@@ -39,6 +41,7 @@ private:
 
     [[nodiscard]] bool strikes(Entry& entry, const Message& message);
 
+    const uint32_t seed_;
     mutable std::mutex mutex_;
     std::mt19937 random_;
     std::vector<Entry> entries_;

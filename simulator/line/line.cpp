@@ -33,8 +33,9 @@ Line::Terminal::Terminal(bool watched)
       path(slave_path(master)),
       slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
     make_raw(slave.get());
-    if (!watched) { return; }
-    closes.emplace(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "inotify_init1");
+    const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (watch < 0 && !watched) { return; }
+    closes.emplace(watch, "inotify_init1");
     if (::inotify_add_watch(closes->get(), path.c_str(), IN_CLOSE) < 0) { fail_call("inotify_add_watch"); }
 }
 

@@ -19,7 +19,8 @@ class Line {
 public:
     enum class Event { kReadable, kWoken, kTimedOut };
 
-    // `watched` lets has_departed() tell when somebody has closed the device. Throws std::system_error.
+    // `watched` has it fail where the system cannot tell that somebody has closed the device, which has_departed()
+    // tells wherever it can. Throws std::system_error.
     explicit Line(bool watched = false);
 
     // The device to open, for instance /dev/pts/7.
@@ -37,7 +38,7 @@ public:
     // What has come, possibly nothing.
     [[nodiscard]] Bytes read();
 
-    // Whether somebody has closed the device since the last call. Never unless the line is watched.
+    // Whether somebody has closed the device since the last call.
     [[nodiscard]] bool has_departed() noexcept { return std::exchange(departed_, false); }
 
     // What nobody takes is lost, as on a line with nobody at its other end. Returns false then. Not while the line is

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_WATCH_STATE_BOARD_H
 #define QUORVEL_SIMULATOR_WATCH_STATE_BOARD_H
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -19,6 +20,11 @@ struct State {
     bool cardInserted = false;
     // The card number of that card.
     std::string cardNumber = {};
+    // A host has sent a command since the last session was closed.
+    bool inSession = false;
+    // The version that all tables have in common, empty if there is none, and how many records there are.
+    std::string tables = {};
+    size_t records = 0;
 
     bool operator==(const State&) const = default;
 };

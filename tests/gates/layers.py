@@ -32,7 +32,7 @@ ROOMS = {
     "commands": {"keys", "cards", "device", "cardholder", "watch"},
     "faults": {"line"},
     "pin pad": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults"},
-    "control": {"cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
+    "control": {"files", "cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
     "scenario": {"files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
     "face": {"cards", "device", "cardholder", "watch", "pin pad"},
 }
