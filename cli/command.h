@@ -3,7 +3,6 @@
 #ifndef QUORVEL_CLI_COMMAND_H
 #define QUORVEL_CLI_COMMAND_H
 
-#include <CLI/CLI.hpp>
 #include <exception>
 #include <functional>
 #include <span>
@@ -44,7 +43,7 @@ struct Command {
     std::string_view name;
     std::string_view summary;
     // Adds the command's options and tells what to run once they are parsed.
-    Run (*setup)(CLI::App& app);
+    Run (*setup)(CommandLine& line);
 };
 
 [[nodiscard]] std::span<const Command> commands() noexcept;
@@ -54,33 +53,33 @@ struct Command {
 
 namespace setup {
 
-Run ports(CLI::App& app);
-Run doctor(CLI::App& app);
-Run info(CLI::App& app);
-Run gix(CLI::App& app);
-Run display(CLI::App& app);
-Run menu(CLI::App& app);
-Run key(CLI::App& app);
-Run event(CLI::App& app);
-Run watch(CLI::App& app);
-Run number(CLI::App& app);
-Run remove(CLI::App& app);
-Run emv(CLI::App& app);
-Run tracks(CLI::App& app);
-Run encipher(CLI::App& app);
-Run command(CLI::App& app);
-Run card(CLI::App& app);
-Run sale(CLI::App& app);
-Run pin(CLI::App& app);
-Run tables_load(CLI::App& app);
-Run tables_version(CLI::App& app);
-Run media_put(CLI::App& app);
-Run media_list(CLI::App& app);
-Run media_show(CLI::App& app);
-Run media_delete(CLI::App& app);
-Run keys(CLI::App& app);
-Run decode(CLI::App& app);
-Run completion(CLI::App& app);
+Run ports(CommandLine& line);
+Run doctor(CommandLine& line);
+Run info(CommandLine& line);
+Run gix(CommandLine& line);
+Run display(CommandLine& line);
+Run menu(CommandLine& line);
+Run key(CommandLine& line);
+Run event(CommandLine& line);
+Run watch(CommandLine& line);
+Run number(CommandLine& line);
+Run remove(CommandLine& line);
+Run emv(CommandLine& line);
+Run tracks(CommandLine& line);
+Run encipher(CommandLine& line);
+Run command(CommandLine& line);
+Run card(CommandLine& line);
+Run sale(CommandLine& line);
+Run pin(CommandLine& line);
+Run tables_load(CommandLine& line);
+Run tables_version(CommandLine& line);
+Run media_put(CommandLine& line);
+Run media_list(CommandLine& line);
+Run media_show(CommandLine& line);
+Run media_delete(CommandLine& line);
+Run keys(CommandLine& line);
+Run decode(CommandLine& line);
+Run completion(CommandLine& line);
 
 }  // namespace setup
 

@@ -66,7 +66,8 @@ std::vector<Ready> add_commands(CLI::App& app) {
         const std::string leaf = blank == std::string::npos ? name : name.substr(blank + 1);
         CLI::App* own = parent->add_subcommand(leaf, std::string(command.summary));
         own->fallthrough();
-        ready.push_back({own, command.setup(*own), command.name});
+        CommandLine line(*own);
+        ready.push_back({own, command.setup(line), command.name});
     }
     return ready;
 }

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <fmt/format.h>
 #include <fstream>
-#include <string_view>
 #include <termios.h>
 #include <unistd.h>
 
@@ -16,9 +15,6 @@
 namespace quorvel::cli {
 
 namespace {
-
-constexpr std::string_view kDirect =
-    "takes no value itself, as other programs can see it: give - for standard input, or @FILE.";
 
 // While one lives, a terminal at standard input shows nothing of what is typed.
 class Silence {
@@ -78,11 +74,6 @@ std::string first_line(const std::string& path, const std::string& what) {
 
 bool is_source(const std::string& source) noexcept {
     return source == "-" || (source.size() > 1 && source.front() == '@');
-}
-
-CLI::Option* add_secret(CLI::App& app, const std::string& name, std::string& source, const std::string& summary) {
-    const auto check = [](const std::string& given) { return is_source(given) ? std::string() : std::string(kDirect); };
-    return app.add_option(name, source, summary)->check(CLI::Validator(check, ""))->type_name("-|@FILE");
 }
 
 std::string read_secret(const std::string& source, const std::string& what) {

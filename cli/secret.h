@@ -3,14 +3,12 @@
 #ifndef QUORVEL_CLI_SECRET_H
 #define QUORVEL_CLI_SECRET_H
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 namespace quorvel::cli {
 
-// Every program on the machine sees the arguments of every other, so what is secret is not given as one: "-" stands for
-// a line of standard input, which a terminal is asked for without echo, and "@FILE" for the first line of a file.
-CLI::Option* add_secret(CLI::App& app, const std::string& name, std::string& source, const std::string& summary);
+// Where a secret stands that is no argument: "-" is a line of standard input, which a terminal is asked for without
+// echo, and "@FILE" the first line of a file.
 
 // Whether it is one of these two.
 [[nodiscard]] bool is_source(const std::string& source) noexcept;

@@ -18,10 +18,12 @@ if(QUORVEL_FUZZ)
   target_compile_options(quorvel_sanitize INTERFACE -fsanitize=fuzzer-no-link -O1 -U_FORTIFY_SOURCE)
 endif()
 
+set(QUORVEL_PROGRAMS_LEVEL 1 CACHE STRING "How far the programs beside the library are optimised, other than in Debug")
+
 # Ordinary programs and libraries beside the library: tools, simulator, tests, examples.
 function(quorvel_ordinary target)
   target_link_libraries(${target} PRIVATE quorvel_warnings quorvel_sanitize)
   # Nothing here waits for the processor, but building waits for the compiler.
   target_compile_options(${target} PRIVATE
-    $<$<COMPILE_LANGUAGE:CXX>:-g1> $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<NOT:$<CONFIG:Debug>>>:-O1>)
+    $<$<COMPILE_LANGUAGE:CXX>:-g1> $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<NOT:$<CONFIG:Debug>>>:-O${QUORVEL_PROGRAMS_LEVEL}>)
 endfunction()

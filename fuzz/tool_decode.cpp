@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <CLI/CLI.hpp>
 #include <array>
 #include <cstdio>
 #include <iostream>
@@ -18,7 +19,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     quorvel::fuzz::require(kNowhere != nullptr, "standard output goes nowhere");
     constexpr std::array kFrom{"", "--from host", "--from pinpad"};
     CLI::App app;
-    const Run run = setup::decode(app);
+    CommandLine line(app);
+    const Run run = setup::decode(line);
     app.parse(kFrom[data[0] % kFrom.size()]);
     std::istringstream in(std::string(reinterpret_cast<const char*>(data) + 1, size - 1));
     std::streambuf* const before = std::cin.rdbuf(in.rdbuf());

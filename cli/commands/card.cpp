@@ -53,7 +53,7 @@ Outcome run_tracks(Context& context) {
 
 wire::Bytes tags_of(const std::string& digits) {
     try {
-        const wire::Bytes bytes = wire::from_hex(digits);
+        wire::Bytes bytes = wire::from_hex(digits);
         if (!wire::split_tags(bytes).empty()) { return bytes; }
     } catch (const std::exception&) {}  // neither is the tags of data objects
     throw Error(Exit::kUsage, fmt::format("'{}' is no tag.", digits), "Write it like 9F26 or 82.");
@@ -70,22 +70,20 @@ Outcome run_emv(Context& context, const std::vector<std::string>& tags) {
 
 }  // namespace
 
-Run tracks(CLI::App&) { return run_tracks; }
+Run tracks(CommandLine&) { return run_tracks; }
 
-Run emv(CLI::App& app) {
+Run emv(CommandLine& line) {
     const auto tags = std::make_shared<std::vector<std::string>>();
-    app.add_option("tag", *tags, "Tags of data objects, such as 9F26 and 82")->required()->type_name("TAG");
+    line.text("tag", *tags, "TAG", "Tags of data objects, such as 9F26 and 82").required();
     return [tags](Context& context) { return run_emv(context, *tags); };
 }
 
-Run card(CLI::App& app) {
+Run card(CommandLine& line) {
     const auto options = std::make_shared<CardOptions>();
-    app.add_option("--amount", options->amount, "The amount that the card is told")
-        ->type_name("AMOUNT")
-        ->capture_default_str();
-    add_number(app, "--acquirer", options->acquirer, "Look for its applications only", "INDEX", 0, 99);
-    add_number(app, "--timeout", options->timeout, "Seconds to wait for the card", "SECONDS", 1);
-    app.add_flag("--no-tap", options->noTap, "Take no contactless card");
+    line.text("--amount", options->amount, "AMOUNT", "The amount that the card is told").shows(options->amount);
+    line.number("--acquirer", options->acquirer, "Look for its applications only", "INDEX", 0, 99);
+    line.number("--timeout", options->timeout, "Seconds to wait for the card", "SECONDS", 1);
+    line.flag("--no-tap", options->noTap, "Take no contactless card");
     return [options](Context& context) { return run_card(context, *options); };
 }
 

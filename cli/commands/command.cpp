@@ -240,7 +240,7 @@ private:
 std::vector<Request> requests_of_input() {
     std::vector<Request> requests;
     for (std::string line; std::getline(std::cin, line);) {
-        std::vector<std::string> words = CLI::detail::split_up(line);
+        std::vector<std::string> words = split_words(line);
         if (words.empty() || words.front().starts_with('#')) { continue; }
         const std::string id = words.front();
         words.erase(words.begin());
@@ -281,16 +281,14 @@ Outcome run_command(Context& context, const CommandOptions& options) {
 
 }  // namespace
 
-Run command(CLI::App& app) {
+Run command(CommandLine& line) {
     const auto options = std::make_shared<CommandOptions>();
-    app.add_option("id", options->id, "The command's three letters, or - for lines of commands on standard input")
-        ->required()
-        ->type_name("ID");
-    app.add_option("value", options->values,
-                   "Its parameters or fields by their names: SPE_TIMEOUT=60, MSG=HELLO; what is no text or number in "
-                   "hexadecimal, what may be a secret from - or @FILE")
-        ->type_name("NAME=VALUE");
-    add_number(app, "--timeout", options->timeout, "Seconds to wait for the answer", "SECONDS", 1);
+    line.text("id", options->id, "ID", "The command's three letters, or - for lines of commands on standard input")
+        .required();
+    line.text("value", options->values, "NAME=VALUE",
+              "Its parameters or fields by their names: SPE_TIMEOUT=60, MSG=HELLO; what is no text or number in "
+              "hexadecimal, what may be a secret from - or @FILE");
+    line.number("--timeout", options->timeout, "Seconds to wait for the answer", "SECONDS", 1);
     return [options](Context& context) { return run_command(context, *options); };
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <fmt/format.h>
@@ -93,9 +94,9 @@ Outcome run_completion(const Context& context, const std::string& shell) {
 
 }  // namespace
 
-Run completion(CLI::App& app) {
+Run completion(CommandLine& line) {
     const auto shell = std::make_shared<std::string>();
-    add_word(app, "shell", *shell, {"bash", "zsh"}, "For this shell")->required();
+    line.word("shell", *shell, {"bash", "zsh"}, "For this shell").required();
     return [shell](Context& context) { return run_completion(context, *shell); };
 }
 

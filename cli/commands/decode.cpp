@@ -131,7 +131,7 @@ std::optional<Sender> sender_of(std::string_view name) {
 // What stands behind "2026-07-14 09:15:02.125 " in a trace; none where there is no time.
 std::optional<std::string_view> behind_time(std::string_view text) {
     constexpr std::string_view kLike = "0000-00-00 00:00:00.000 ";
-    const auto fits = [](unsigned char c, char like) { return like == '0' ? std::isdigit(c) != 0 : c == like; };
+    const auto fits = [](char c, char like) { return like == '0' ? c >= '0' && c <= '9' : c == like; };
     if (!std::ranges::equal(text.substr(0, kLike.size()), kLike, fits)) { return std::nullopt; }
     return text.substr(kLike.size());
 }
@@ -243,11 +243,11 @@ Outcome run_decode(const DecodeOptions& options) {
 
 }  // namespace
 
-Run decode(CLI::App& app) {
+Run decode(CommandLine& line) {
     const auto options = std::make_shared<DecodeOptions>();
-    app.add_option("hex", options->hex, "Bytes in hexadecimal: frames, control bytes or a packet")->type_name("HEX");
-    app.add_option("--file", options->file, "A capture, or a trace; else standard input")->type_name("FILE");
-    add_word(app, "--from", options->from, {"host", "pinpad"}, "Who sent it, where no arrow tells");
+    line.text("hex", options->hex, "HEX", "Bytes in hexadecimal: frames, control bytes or a packet");
+    line.text("--file", options->file, "FILE", "A capture, or a trace; else standard input");
+    line.word("--from", options->from, {"host", "pinpad"}, "Who sent it, where no arrow tells");
     return [options](Context&) { return run_decode(*options); };
 }
 

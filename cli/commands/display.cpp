@@ -110,47 +110,42 @@ Outcome run_number(Context& context, const NumberOptions& options) {
 
 }  // namespace
 
-Run display(CLI::App& app) {
+Run display(CommandLine& line) {
     const auto text = std::make_shared<std::string>();
-    app.add_option("text", *text, "What to show, up to 128 characters; \\n begins a new line")
-        ->required()
-        ->type_name("TEXT");
+    line.text("text", *text, "TEXT", "What to show, up to 128 characters; \\n begins a new line").required();
     return [text](Context& context) { return run_display(context, *text); };
 }
 
-Run menu(CLI::App& app) {
+Run menu(CommandLine& line) {
     const auto menu = std::make_shared<MenuOptions>();
-    app.add_option("option", menu->options, "1 to 20 options of up to 24 letters and digits")
-        ->required()
-        ->type_name("OPTION")
-        ->expected(1, static_cast<int>(kMostOptions));
-    app.add_option("--title", menu->title, "What stands above; \\n begins a new line")->type_name("TEXT");
-    add_number(app, "--timeout", menu->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
+    line.text("option", menu->options, "OPTION", "1 to 20 options of up to 24 letters and digits")
+        .required()
+        .count(1, static_cast<int>(kMostOptions));
+    line.text("--title", menu->title, "TEXT", "What stands above; \\n begins a new line");
+    line.number("--timeout", menu->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
     return [menu](Context& context) { return run_menu(context, *menu); };
 }
 
-Run key(CLI::App& app) {
+Run key(CommandLine& line) {
     const auto timeout = std::make_shared<uint8_t>(uint8_t{60});
-    add_number(app, "--timeout", *timeout, "Seconds to wait", "SECONDS", 1);
+    line.number("--timeout", *timeout, "Seconds to wait", "SECONDS", 1);
     return [timeout](Context& context) { return run_key(context, *timeout); };
 }
 
-Run remove(CLI::App& app) {
+Run remove(CommandLine& line) {
     const auto options = std::make_shared<RemoveOptions>();
-    app.add_option("--message", options->message, "What is shown meanwhile")->type_name("TEXT")->capture_default_str();
-    add_number(app, "--timeout", options->timeout, "Seconds to wait", "SECONDS", 1);
+    line.text("--message", options->message, "TEXT", "What is shown meanwhile").shows(options->message);
+    line.number("--timeout", options->timeout, "Seconds to wait", "SECONDS", 1);
     return [options](Context& context) { return run_remove(context, *options); };
 }
 
-Run number(CLI::App& app) {
+Run number(CommandLine& line) {
     const auto options = std::make_shared<NumberOptions>();
-    app.add_option("--prompt", options->prompt, "Index of the text that asks for it, one of the PIN pad's own")
-        ->check(number_between(0, UINT16_MAX))
-        ->type_name("INDEX")
-        ->capture_default_str();
-    add_number(app, "--min", options->fewest, "Fewest digits", "DIGITS", 0, 32);
-    add_number(app, "--max", options->most, "Most digits", "DIGITS", 0, 32);
-    add_number(app, "--timeout", options->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
+    line.number("--prompt", options->prompt, "Index of the text that asks for it, one of the PIN pad's own", "INDEX", 0,
+                UINT16_MAX);
+    line.number("--min", options->fewest, "Fewest digits", "DIGITS", 0, 32);
+    line.number("--max", options->most, "Most digits", "DIGITS", 0, 32);
+    line.number("--timeout", options->timeout, "Seconds to wait; 0 leaves it to the PIN pad", "SECONDS");
     return [options](Context& context) { return run_number(context, *options); };
 }
 

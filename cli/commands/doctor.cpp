@@ -113,6 +113,6 @@ Outcome run_doctor(Context& context) {
 
 }  // namespace
 
-Run doctor(CLI::App&) { return run_doctor; }
+Run doctor(CommandLine&) { return run_doctor; }
 
 }  // namespace quorvel::cli::setup

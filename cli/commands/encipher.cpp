@@ -62,14 +62,14 @@ Outcome run_encipher(Context& context, const EncipherOptions& options) {
 
 }  // namespace
 
-Run encipher(CLI::App& app) {
+Run encipher(CommandLine& line) {
     const auto options = std::make_shared<EncipherOptions>();
-    add_secret(app, "--data", options->data, "Where the data are, in hexadecimal: a multiple of 8 bytes");
-    add_choice<DataMethod>(app, "--method", options->method, kMethods, "How they are enciphered");
-    add_number(app, "--key", options->key, "Index of the key in the PIN pad", "INDEX", 0, 99);
-    add_secret(app, "--working-key", options->workingKey,
-               "With a master key: where the enciphered working key is, in hexadecimal");
-    app.add_option("--iv", options->iv, "Initial vector of the cbc methods, 8 bytes in hexadecimal")->type_name("HEX");
+    line.secret("--data", options->data, "Where the data are, in hexadecimal: a multiple of 8 bytes");
+    line.choice<DataMethod>("--method", options->method, kMethods, "How they are enciphered");
+    line.number("--key", options->key, "Index of the key in the PIN pad", "INDEX", 0, 99);
+    line.secret("--working-key", options->workingKey,
+                "With a master key: where the enciphered working key is, in hexadecimal");
+    line.text("--iv", options->iv, "HEX", "Initial vector of the cbc methods, 8 bytes in hexadecimal");
     return [options](Context& context) { return run_encipher(context, *options); };
 }
 

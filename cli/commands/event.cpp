@@ -126,18 +126,18 @@ constexpr std::array<std::string_view, 5> kKinds{"key", "stripe", "chip", "tap",
 
 }  // namespace
 
-Run event(CLI::App& app) {
+Run event(CommandLine& line) {
     const auto options = std::make_shared<EventOptions>();
-    add_words(app, "kind", options->kinds, {kKinds.begin(), kKinds.end()},
-              "What to wait for; without any, all but the removal");
-    add_number(app, "--timeout", options->timeout, "Seconds to wait", "SECONDS", 1);
+    line.words("kind", options->kinds, {kKinds.begin(), kKinds.end()},
+               "What to wait for; without any, all but the removal");
+    line.number("--timeout", options->timeout, "Seconds to wait", "SECONDS", 1);
     return [options](Context& context) { return run_event(context, *options); };
 }
 
-Run watch(CLI::App& app) {
+Run watch(CommandLine& line) {
     const auto kinds = std::make_shared<std::vector<std::string>>();
-    add_words(app, "kind", *kinds, {kKinds.begin(), kKinds.end() - 1},
-              "What to tell of; without any, everything. A chip card that has come is told of again when it goes");
+    line.words("kind", *kinds, {kKinds.begin(), kKinds.end() - 1},
+               "What to tell of; without any, everything. A chip card that has come is told of again when it goes");
     return [kinds](Context& context) { return run_watch(context, *kinds); };
 }
 

@@ -98,12 +98,11 @@ Outcome run_gix(Context& context, const std::vector<std::string>& names) {
 
 }  // namespace
 
-Run info(CLI::App&) { return run_info; }
+Run info(CommandLine&) { return run_info; }
 
-Run gix(CLI::App& app) {
+Run gix(CommandLine& line) {
     const auto names = std::make_shared<std::vector<std::string>>();
-    app.add_option("item", *names, "SERNUM, TABVER0, 0x8001, ...; without any, all that the PIN pad tells")
-        ->type_name("ITEM");
+    line.text("item", *names, "ITEM", "SERNUM, TABVER0, 0x8001, ...; without any, all that the PIN pad tells");
     return [names](Context& context) { return run_gix(context, *names); };
 }
 

@@ -79,6 +79,6 @@ Outcome run_keys(Context& context) {
 
 }  // namespace
 
-Run keys(CLI::App&) { return run_keys; }
+Run keys(CommandLine&) { return run_keys; }
 
 }  // namespace quorvel::cli::setup

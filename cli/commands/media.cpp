@@ -128,25 +128,25 @@ Outcome run_delete(Context& context, const std::vector<std::string>& names) {
 
 }  // namespace
 
-Run media_put(CLI::App& app) {
+Run media_put(CommandLine& line) {
     const auto options = std::make_shared<PutOptions>();
-    app.add_option("file", options->file, "An image of a format that the PIN pad takes")->required()->type_name("FILE");
-    app.add_option("--name", options->name, "Its name in the PIN pad, else that of the file")->type_name("NAME");
-    add_word(app, "--type", options->type, {"png", "jpg", "jpeg", "gif"}, "Its format, else what the file's name says");
+    line.text("file", options->file, "FILE", "An image of a format that the PIN pad takes").required();
+    line.text("--name", options->name, "NAME", "Its name in the PIN pad, else that of the file");
+    line.word("--type", options->type, {"png", "jpg", "jpeg", "gif"}, "Its format, else what the file's name says");
     return [options](Context& context) { return run_put(context, *options); };
 }
 
-Run media_list(CLI::App&) { return run_list; }
+Run media_list(CommandLine&) { return run_list; }
 
-Run media_show(CLI::App& app) {
+Run media_show(CommandLine& line) {
     const auto name = std::make_shared<std::string>();
-    app.add_option("name", *name, "The file's name in the PIN pad")->required()->type_name("NAME");
+    line.text("name", *name, "NAME", "The file's name in the PIN pad").required();
     return [name](Context& context) { return run_show(context, *name); };
 }
 
-Run media_delete(CLI::App& app) {
+Run media_delete(CommandLine& line) {
     const auto names = std::make_shared<std::vector<std::string>>();
-    app.add_option("name", *names, "The files' names in the PIN pad")->required()->type_name("NAME");
+    line.text("name", *names, "NAME", "The files' names in the PIN pad").required();
     return [names](Context& context) { return run_delete(context, *names); };
 }
 

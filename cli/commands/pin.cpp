@@ -79,17 +79,17 @@ Outcome run_pin(Context& context, PinOptions options) {
 
 }  // namespace
 
-Run pin(CLI::App& app) {
+Run pin(CommandLine& line) {
     const auto options = std::make_shared<PinOptions>();
-    add_choice<PinMethod>(app, "--method", options->method, kMethods, "How it is enciphered");
-    add_number(app, "--key", options->key, "Index of the key in the PIN pad", "INDEX", 0, 99);
-    add_secret(app, "--working-key", options->workingKey,
-               "With a master key: where the enciphered working key is, in hexadecimal");
-    add_secret(app, "--pan", options->pan, "Where the card number is that goes into the PIN block");
-    app.add_option("--message", options->message, "What is shown meanwhile")->type_name("TEXT")->capture_default_str();
-    add_number(app, "--min", options->fewest, "Fewest digits", "DIGITS", 4, 99);
-    add_number(app, "--max", options->most, "Most digits", "DIGITS", 4, 99);
-    add_number(app, "--timeout", options->timeout, "Seconds to wait for the PIN", "SECONDS", 1);
+    line.choice<PinMethod>("--method", options->method, kMethods, "How it is enciphered");
+    line.number("--key", options->key, "Index of the key in the PIN pad", "INDEX", 0, 99);
+    line.secret("--working-key", options->workingKey,
+                "With a master key: where the enciphered working key is, in hexadecimal");
+    line.secret("--pan", options->pan, "Where the card number is that goes into the PIN block");
+    line.text("--message", options->message, "TEXT", "What is shown meanwhile").shows(options->message);
+    line.number("--min", options->fewest, "Fewest digits", "DIGITS", 4, 99);
+    line.number("--max", options->most, "Most digits", "DIGITS", 4, 99);
+    line.number("--timeout", options->timeout, "Seconds to wait for the PIN", "SECONDS", 1);
     return [options](Context& context) { return run_pin(context, *options); };
 }
 

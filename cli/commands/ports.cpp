@@ -5,7 +5,7 @@
 
 namespace quorvel::cli::setup {
 
-Run ports(CLI::App&) {
+Run ports(CommandLine&) {
     return [](Context& context) {
         Table table{{"Port", "State", "Device"}};
         for (const PortInfo& port : list_ports()) { table.rows.push_back({port.path, port.state, port.device}); }

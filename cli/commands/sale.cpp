@@ -276,20 +276,17 @@ private:
 
 }  // namespace
 
-Run sale(CLI::App& app) {
+Run sale(CommandLine& line) {
     const auto options = std::make_shared<SaleOptions>();
-    app.add_option("--amount", options->amount, "The amount, like 12.34")->required()->type_name("AMOUNT");
-    add_number(app, "--currency", options->currency, "Its currency's numeric code", "CODE", 0, 999);
-    app.add_option("--floor-limit", options->floorLimit, "The acquirer is asked from this amount on")
-        ->type_name("AMOUNT")
-        ->capture_default_str();
-    app.add_option("--tables", options->tables, "Load this file first if the PIN pad has another version")
-        ->type_name("FILE");
-    add_choice<Host>(app, "--host", options->host, kHosts, "What the acquirer that is played here answers");
-    add_number(app, "--pin-key", options->pinKey, "Index of the triple DES DUKPT key for the PIN", "INDEX", 0, 99);
-    add_number(app, "--timeout", options->timeout, "Seconds to wait for the card, and for each that follows", "SECONDS",
-               1);
-    app.add_flag("--keep-card", options->keepCard, "Do not wait until the card is removed");
+    line.text("--amount", options->amount, "AMOUNT", "The amount, like 12.34").required();
+    line.number("--currency", options->currency, "Its currency's numeric code", "CODE", 0, 999);
+    line.text("--floor-limit", options->floorLimit, "AMOUNT", "The acquirer is asked from this amount on")
+        .shows(options->floorLimit);
+    line.text("--tables", options->tables, "FILE", "Load this file first if the PIN pad has another version");
+    line.choice<Host>("--host", options->host, kHosts, "What the acquirer that is played here answers");
+    line.number("--pin-key", options->pinKey, "Index of the triple DES DUKPT key for the PIN", "INDEX", 0, 99);
+    line.number("--timeout", options->timeout, "Seconds to wait for the card, and for each that follows", "SECONDS", 1);
+    line.flag("--keep-card", options->keepCard, "Do not wait until the card is removed");
     return [options](Context& context) { return Sale(context, *options).run(); };
 }
 

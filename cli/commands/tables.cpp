@@ -60,20 +60,17 @@ Outcome run_version(Context& context, const std::vector<int>& acquirers) {
 
 }  // namespace
 
-Run tables_load(CLI::App& app) {
+Run tables_load(CommandLine& line) {
     const auto options = std::make_shared<LoadOptions>();
-    app.add_option("file", options->file, "The records; else the configured file")->type_name("FILE");
-    app.add_flag("--if-different", options->ifNewer, "Only if the PIN pad has another version");
-    app.add_flag("--yes", options->yes, "Load a file without records, which wipes the tables, without asking");
+    line.text("file", options->file, "FILE", "The records; else the configured file");
+    line.flag("--if-different", options->ifNewer, "Only if the PIN pad has another version");
+    line.flag("--yes", options->yes, "Load a file without records, which wipes the tables, without asking");
     return [options](Context& context) { return run_load(context, *options); };
 }
 
-Run tables_version(CLI::App& app) {
-    const auto acquirers = std::make_shared<std::vector<int>>();
-    app.add_option("acquirer", *acquirers, "0 to 99, 0 standing for all of them together")
-        ->check(number_between(0, 99))
-        ->type_name("INDEX")
-        ->default_val(std::vector<int>{0});
+Run tables_version(CommandLine& line) {
+    const auto acquirers = std::make_shared<std::vector<int>>(1);
+    line.numbers("acquirer", *acquirers, "INDEX", "0 to 99, 0 standing for all of them together", 0, 99);
     return [acquirers](Context& context) { return run_version(context, *acquirers); };
 }
 
