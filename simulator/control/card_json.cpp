@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/control/card_json.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -17,6 +18,8 @@ using nlohmann::json;
 
 namespace {
 
+constexpr int kMostLevels = 5;
+
 // What a cards file could not say is refused; all else is judged by whoever reads one.
 void put_into(toml::table& table, const std::string& key, const json& value);
 void put_into(toml::array& array, const json& value);
@@ -29,6 +32,12 @@ toml::array array_of(const json& list) {
     toml::array array;
     for (const json& each : list) { put_into(array, each); }
     return array;
+}
+
+// A card has lists of tables that have tables; whoever goes deeper would only want to see it break.
+bool fits(const json& value, int levels) {
+    if (!value.is_structured()) { return true; }
+    return levels > 0 && std::ranges::all_of(value, [&](const json& each) { return fits(each, levels - 1); });
 }
 
 [[noreturn]] void refuse(const json& value) { throw RequestError(fmt::format("no card has a {}", value.dump())); }
@@ -77,6 +86,7 @@ void put_into(toml::table& table, const std::string& key, const json& value) {
 }  // namespace
 
 Cards card_from(const json& members, const std::string& name, const Cards& cards, const std::string& like) {
+    if (!fits(members, kMostLevels)) { throw RequestError("no card goes so deep"); }
     try {
         toml::table made = like.empty() ? toml::table() : cards.source(like).table;
         fill(made, members);

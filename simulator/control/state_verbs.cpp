@@ -56,8 +56,10 @@ std::string name_of(Arguments& arguments) {
     return name;
 }
 
-json members_of(Arguments& arguments) {
-    return arguments.has("members") ? arguments.object("members") : json::object();
+// Not copied: who nests deeply enough would have the copy run out of stack.
+const json& members_of(Arguments& arguments) {
+    static const json kNone = json::object();
+    return arguments.has("members") ? arguments.object("members") : kNone;
 }
 
 // The length of an application's identifier, the identifier, the type and the label stand first; what is not so has
@@ -108,7 +110,7 @@ json clear_plans(Control& control, Arguments& arguments) {
 json new_card(Control& control, Arguments& arguments) {
     const std::string name = name_of(arguments);
     const std::string like = arguments.text("like", "");
-    const json members = members_of(arguments);
+    const json& members = members_of(arguments);
     arguments.end();
     const Cards cards = control.cards();
     if (cards.has(name)) { throw RequestError(fmt::format("there is a card \"{}\" already", name)); }
@@ -118,7 +120,7 @@ json new_card(Control& control, Arguments& arguments) {
 
 json edit_card(Control& control, Arguments& arguments) {
     const std::string name = name_of(arguments);
-    const json members = members_of(arguments);
+    const json& members = members_of(arguments);
     arguments.end();
     const Cards edited = card_from(members, name, control.cards(), name);
     control.add_cards(edited);

@@ -205,6 +205,9 @@ TEST_F(StateTest, MakesAndEditsCardsAsACardsFileWould) {
     refused(R"({"do":"edit-card","card":"mine","members":{"colour":"red"}})", "mine.colour: there is no such key");
     refused(R"({"do":"edit-card","card":"mine","members":{"chip":{"tries":10}}})",
             "mine.chip.tries: 10 is not from 0 to 9");
+    const std::string deep(30000, '[');
+    refused(R"({"do":"edit-card","card":"mine","members":{"tags":)" + deep + std::string(30000, ']') + "}}",
+            "no card goes so deep");
     done(R"({"do":"reset","what":"cards"})");
     EXPECT_EQ(control_->cards().names(), Cards::standard().names());
     EXPECT_EQ(control_->cards().at("visa-chip").name, original.name);
