@@ -165,7 +165,9 @@ void Engine::obey(const Request& request) {
     const bool ends = command->session == Command::Session::kEnds;
     if (ends) {
         end_session();
-        cardholder_.part();
+        cardholder_.part(Cardholder::End::kSession);
+    } else if (id != kOpenId) {
+        cardholder_.pass();
     }
     if (const auto* answer = std::get_if<Answer>(&outcome)) {
         return respond(id, id, *answer, request.sealed && !ends);

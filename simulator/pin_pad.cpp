@@ -126,7 +126,7 @@ void PinPad::see_off() {
     hear();
     engine_.poll(Clock::now());
     if (!std::exchange(spoken_, false)) { return; }
-    cardholder_.part();
+    cardholder_.part(Cardholder::End::kHost);
     if (companion_ != nullptr) { companion_->left(*this); }
 }
 

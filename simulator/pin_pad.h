@@ -92,7 +92,7 @@ public:
     void act(const Gestures& gestures);
     void when(std::string command, const Gestures& gestures) { cardholder_.when({std::move(command), gestures}); }
     // For the session that goes on, or the next one where none does: what it does not use is dropped when it ends,
-    // because the host closes it or the line.
+    // because the host closes it or the line; see Cardholder.
     void when_in_session(std::string command, const Gestures& gestures);
     [[nodiscard]] std::vector<Cardholder::Plan> plans() const { return cardholder_.plans(); }
     [[nodiscard]] std::vector<Cardholder::Plan> unused_plans() const { return cardholder_.unused(); }

@@ -3,6 +3,7 @@
 #include "simulator/cardholder/cardholder.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace quorvel::sim {
 
@@ -43,12 +44,16 @@ void Cardholder::clear() {
     static_cast<void>(take());
 }
 
-void Cardholder::part() {
+void Cardholder::pass() {
     const std::lock_guard lock(mutex_);
-    for (Plan& plan : planned_) {
-        if (!plan.kept) { unused_.push_back(plan); }
-    }
-    std::erase_if(planned_, [](const Plan& plan) { return !plan.kept; });
+    for (Plan& plan : planned_) { plan.passed = true; }
+}
+
+void Cardholder::part(End end) {
+    const std::lock_guard lock(mutex_);
+    const auto over = [&](const Plan& plan) { return !plan.kept && (plan.passed || end == End::kHost); };
+    std::ranges::copy_if(planned_, std::back_inserter(unused_), over);
+    std::erase_if(planned_, over);
     while (unused_.size() > kKeptUnused) { unused_.pop_front(); }
 }
 

@@ -24,6 +24,8 @@ public:
         Gestures gestures;
         // Else it is dropped when the session ends, or the next one where none goes on.
         bool kept = true;
+        // A command has been carried out since it was made.
+        bool passed = false;
     };
 
     // Does so when a command of that id waits. Each call serves one such command, in the order of the calls.
@@ -40,8 +42,12 @@ public:
     // The PIN pad's side: a command begins to wait; what was done since the last call.
     void attend(std::string_view command);
     [[nodiscard]] std::vector<Event> take();
-    // A session has ended.
-    void part();
+    // A command that could have used a plan is carried out.
+    void pass();
+    // A session has ended, or the host has gone. One that only ends what another host has left is not yet the session
+    // that a plan is for.
+    enum class End { kSession, kHost };
+    void part(End end);
 
 private:
     void add(const Gestures& gestures);

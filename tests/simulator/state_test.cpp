@@ -100,6 +100,11 @@ TEST_F(StateTest, DropsPlansWithTheSessionTheyAreFor) {
     EXPECT_EQ(told("plans", "unused"), json::parse(R"([{"command":"GKY","acts":1,"keep":false}])"));
     call("GKY", "GKY006");
     call("GKY", "GKY007");
+    // What ends a session that another till has left is not the end of the next.
+    plan("f2");
+    call("CLO032" + padded("", 32), "CLO000");
+    call("OPN", "OPN000");
+    call("GKY", "GKY005");
     // Who comes to close the line is known before the next plan is made; who only looks in is nobody.
     plan("f1");
     host_.reset();
