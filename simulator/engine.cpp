@@ -31,6 +31,7 @@ std::string id_of(ByteView packet) {
 Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
                Transmitter& transmitter)
     : device_(std::move(options.device)),
+      first_(device_),
       second_(options.second),
       patience_(options.patience),
       begins_(std::move(options.begins)),
@@ -38,6 +39,7 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
       waits_(std::move(options.waits)),
       exchanged_(std::move(options.exchanged)),
       acted_(std::move(options.acted)),
+      clock_(std::move(options.clock)),
       journal_(journal),
       screen_(screen),
       cardholder_(cardholder),
@@ -100,7 +102,13 @@ void Engine::accept(const Reception& reception) {
     }
     end_exchange(std::nullopt);
     lastResponse_.reset();
+    note(request);
     obey(request);
+}
+
+void Engine::note(const Request& request) {
+    if (!log_) { log_ = SessionLog{.since = clock_()}; }
+    log_->add(id_of(request.packet));
 }
 
 void Engine::refuse(const std::string& fault) {
@@ -173,6 +181,9 @@ void Engine::obey(const Request& request) {
     if (ends) {
         find_card_left("the session was closed");
         end_session();
+        cardholder_.part(Cardholder::End::kSession);
+    } else if (id != kOpenId) {
+        cardholder_.pass();
     }
     if (const auto* answer = std::get_if<Answer>(&outcome)) {
         const bool opens = command->session == Command::Session::kOpens && answer->status == Status::kOk;
@@ -192,6 +203,7 @@ void Engine::refuse(Finding finding, Status status, const Request& request) {
 // The host has dropped its keys as soon as the command was acknowledged, whatever the answer says.
 void Engine::end_session() {
     session_.reset();
+    log_.reset();
     channel_.close();
     device_.drop_pan_key();
     device_.transaction.reset();
@@ -212,7 +224,9 @@ void Engine::post_state() {
                  .session = session_.has_value(),
                  .encrypted = channel_.active(),
                  .cardInserted = device_.chip.has_value(),
-                 .cardNumber = device_.chip ? device_.chip->pan : ""});
+                 .cardNumber = device_.chip ? device_.chip->pan : "",
+                 .tables = device_.tables.version(Tables::kAllAcquirers).value_or(""),
+                 .records = device_.tables.records().size()});
     const std::lock_guard lock(keysMutex_);
     if (keys_ != device_.keys) { keys_ = device_.keys; }
 }
@@ -324,6 +338,19 @@ void Engine::show_in_passing(const std::optional<std::string>& text) {
 Screen::Content Engine::to_go_back_to() const {
     Screen::Content shown = screen_.content();
     return shown == passing_ ? Screen::Content{.text = device_.text(Text::kIdle)} : shown;
+}
+
+bool Engine::reset(std::optional<Device::Part> part) {
+    if (pending_) { return false; }
+    if (part) {
+        device_.put_back(*part, first_);
+    } else {
+        restart();
+        device_ = first_;
+        show_idle();
+    }
+    post_state();
+    return true;
 }
 
 void Engine::find(Finding::Kind kind, std::string text) { journal_.record(Finding{kind, std::move(text)}); }

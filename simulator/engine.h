@@ -18,8 +18,10 @@
 #include "simulator/keys/secure_channel.h"
 #include "simulator/line/message.h"
 #include "simulator/transmitter.h"
+#include "simulator/watch/clock.h"
 #include "simulator/watch/exchange.h"
 #include "simulator/watch/journal.h"
+#include "simulator/watch/session_log.h"
 #include "simulator/watch/state_board.h"
 #include "simulator/wire.h"
 #include "wire/frame.h"
@@ -51,6 +53,7 @@ public:
         std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
         // Called with what the cardholder does, before it is done, and the id of the command that waits, if one does.
         std::function<void(const Event&, const std::string&)> acted = [](const Event&, const std::string&) {};
+        WallClock clock = std::chrono::system_clock::now;
     };
 
     Engine(Options options, Journal& journal, Screen& screen, Cardholder& cardholder, StateBoard& board,
@@ -74,6 +77,13 @@ public:
     // The host has closed the line whose sessions and waits are the first so many. Its session goes on, as a PIN pad
     // does not notice; a command that waits is given up.
     void leave(uint64_t begun);
+    // Puts a part of the device, or all of it and what restart() forgets, back to how it was at first. False, and
+    // nothing is done, while a command waits.
+    [[nodiscard]] bool reset(std::optional<Device::Part> part);
+    // Has the chip of that card number come as a new one.
+    void forget_chip(const std::string& pan) { device_.forget_chip(pan); }
+    // None when no host has sent a command since the last session.
+    [[nodiscard]] const std::optional<SessionLog>& session() const noexcept { return log_; }
 
     [[nodiscard]] const Device& device() const noexcept { return device_; }
     // As they were after the last command. Safe from any thread.
@@ -106,6 +116,7 @@ private:
     void resend();
 
     [[nodiscard]] Request open(const Reception& reception) const;
+    void note(const Request& request);
     void obey(const Request& request);
     void refuse(Finding finding, Status status, const Request& request);
     void end_session();
@@ -131,6 +142,7 @@ private:
     void find(Finding::Kind kind, std::string text);
 
     Device device_;
+    const Device first_;
     const std::chrono::milliseconds second_;
     const std::chrono::seconds patience_;
     const std::function<void(const Exchange&)> begins_;
@@ -138,6 +150,7 @@ private:
     const std::function<void(const std::string&)> waits_;
     const std::function<void(const Exchange&)> exchanged_;
     const std::function<void(const Event&, const std::string&)> acted_;
+    const WallClock clock_;
     Journal& journal_;
     Screen& screen_;
     Cardholder& cardholder_;
@@ -148,6 +161,7 @@ private:
     FrameDecoder decoder_;
     std::optional<Pending> pending_;
     std::optional<Exchange> exchange_;
+    std::optional<SessionLog> log_;
     std::optional<Message> lastResponse_;
     int resends_ = 0;
     mutable std::mutex keysMutex_;

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -27,6 +28,7 @@
 #include "simulator/recording/replayer.h"
 #include "simulator/recording/scenario_maker.h"
 #include "simulator/scenario/performance.h"
+#include "simulator/watch/trace_file.h"
 
 namespace {
 
@@ -71,7 +73,8 @@ struct Settings {
     std::optional<unsigned> speed;
     sim::Sessions session = sim::Sessions::kStrict;
     std::optional<sim::Language> language;
-    uint32_t seed = 1;
+    std::optional<uint32_t> seed;
+    std::string clock;
     bool amounts = false;
     std::string record;
     bool recordPrivate = false;
@@ -82,7 +85,9 @@ struct Settings {
     unsigned count = 1;
     // Which of several this is about, from 1 on.
     unsigned number = 0;
-    bool trace = false;
+    // A file, or standard error where it is empty; none when nothing is to be traced.
+    std::optional<std::string> trace;
+    size_t traceSize = size_t{8} << 20U;
     bool face = false;
     bool listScenarios = false;
 };
@@ -118,6 +123,22 @@ private:
 // A line in the midst of the face would spoil it, and it shows all that would stand there.
 bool may_print(const Settings& settings, int descriptor) { return !settings.face || ::isatty(descriptor) == 0; }
 
+// A trace that cannot be written to its end does not end the PIN pad.
+void trace_to_file(sim::PinPad::Options& options, const Settings& settings) {
+    const auto write = [file = std::make_shared<std::optional<sim::TraceFile>>(
+                            std::in_place, *settings.trace, settings.traceSize)](const std::string& entry) {
+        if (!*file) { return; }
+        try {
+            (*file)->write(entry);
+        } catch (const std::system_error& error) {
+            file->reset();
+            print_error(fmt::format("quorvel-sim: the trace ends here: {}\n", error.what()));
+        }
+    };
+    options.listeners.traffic = [write](const sim::Traffic& traffic) { write(sim::to_text(traffic)); };
+    options.listeners.finding = [write](const sim::Finding& finding) { write(sim::to_text(finding)); };
+}
+
 sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performance* performance) {
     sim::PinPad::Options options;
     if (performance != nullptr) { options = performance->prepare(std::move(options)); }
@@ -125,16 +146,19 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
     options.seed = settings.seed;
     options.session = settings.session;
     options.language = settings.language;
+    if (!settings.clock.empty()) { options.clock = sim::standing_clock(settings.clock); }
+    if (settings.trace && !settings.trace->empty()) { trace_to_file(options, settings); }
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
     std::string& serial = options.device.identity.serialNumber;
     serial = sim::serial_of(serial, settings.number);
     if (!may_print(settings, STDERR_FILENO)) { return options; }
     const auto tell = [number = settings.number](const std::string& text) { print_error(sim::told_by(number, text)); };
-    if (settings.trace) {
+    if (settings.trace && settings.trace->empty()) {
         options.listeners.traffic = [tell](const sim::Traffic& traffic) { tell(sim::to_text(traffic)); };
     }
-    options.listeners.finding = [tell](const sim::Finding& finding) {
+    options.listeners.finding = [tell, first = std::move(options.listeners.finding)](const sim::Finding& finding) {
+        if (first) { first(finding); }
         tell(fmt::format("finding ({}): {}\n", sim::kind_name(finding.kind), finding.text));
     };
     return options;
@@ -252,7 +276,8 @@ Settings numbered(Settings settings, unsigned number) {
     settings.link = sim::path_of(settings.link, number);
     settings.control = sim::path_of(settings.control, number);
     settings.record = sim::path_of(settings.record, number);
-    settings.seed += number - 1;
+    if (settings.trace) { settings.trace = sim::path_of(*settings.trace, number); }
+    if (settings.seed) { *settings.seed += number - 1; }
     return settings;
 }
 
@@ -337,7 +362,8 @@ void add_recording(CLI::App& app, Settings& settings) {
     CLI::Option* const replay = app.add_option("--replay", settings.replay,
                                                "Answer as the PIN pad did in this recording, and tell what differs")
                                     ->type_name("FILE");
-    for (const char* other : {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed", "--count"}) {
+    for (const char* other :
+         {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed", "--count"}) {
         replay->excludes(app.get_option(other));
     }
     app.add_option("--pace", settings.pace, "Let the pauses of a recording last, times this factor; 0 for none")
@@ -386,9 +412,12 @@ int main(int argc, char** argv) {
     app.add_option("--language", settings.language, "In which it talks to the cardholder: English or Portuguese")
         ->type_name("en|pt")
         ->transform(CLI::CheckedTransformer(kLanguageNames));
-    app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
-        ->type_name("NUMBER")
-        ->capture_default_str();
+    app.add_option("--seed", settings.seed,
+                   "Decides about all that is drawn: keys, random numbers, faults that strike by chance. Without it "
+                   "keys and numbers come from the system, and faults are as with 1")
+        ->type_name("NUMBER");
+    app.add_option("--clock", settings.clock, "Have the clock stand still at 2026-01-02T03:04:05Z, or without Z local")
+        ->type_name("TIME");
     auto* const count =
         app.add_option("--count", settings.count, "Play so many PIN pads; what is told of each has its number in front")
             ->type_name("NUMBER")
@@ -397,7 +426,17 @@ int main(int argc, char** argv) {
                  "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
                  "place of what would be printed there; what goes into files and pipes is printed as usual")
         ->excludes(count);
-    app.add_flag("--trace", settings.trace, "Print each frame in hexadecimal and in words to standard error");
+    auto* const trace =
+        app.add_option("--trace", settings.trace,
+                       "Print each frame in hexadecimal and in words to standard error, or write it behind a file")
+            ->type_name("[FILE]")
+            ->expected(0, 1);
+    app.add_option("--trace-size", settings.traceSize,
+                   "Begin a new file before it has so many bytes, and keep four older ones, FILE.1 to FILE.4")
+        ->type_name("BYTES")
+        ->needs("--trace")
+        ->check(CLI::Range(size_t{4096}, size_t{1} << 40U))
+        ->capture_default_str();
     add_recording(app, settings);
     app.set_version_flag("--version", QUORVEL_VERSION);
     app.footer(
@@ -409,6 +448,7 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
+    if (trace->count() > 0 && !settings.trace) { settings.trace.emplace(); }
 
     try {
         if (exam->parsed()) { return run_exam(examined, examListed); }

@@ -15,6 +15,7 @@ namespace {
 // What has come and is not yet heard; more stays where it is, so that whoever sends without end has to wait.
 constexpr size_t kMaxHeard = 4096;
 constexpr unsigned kBitsPerByte = 10;
+constexpr uint32_t kUsualSeed = 1;
 
 std::chrono::nanoseconds byte_time(unsigned speed) {
     return speed == 0 ? std::chrono::nanoseconds::zero()
@@ -24,7 +25,8 @@ std::chrono::nanoseconds byte_time(unsigned speed) {
 Device device_of(PinPad::Options& options) {
     Device device = std::move(options.device);
     if (options.language) { device.language = *options.language; }
-    if (options.clock) { device.clock = std::move(options.clock); }
+    if (options.seed) { device.random = Random(*options.seed); }
+    device.clock = options.clock;
     return device;
 }
 
@@ -33,10 +35,10 @@ Device device_of(PinPad::Options& options) {
 static_assert(std::atomic<bool>::is_always_lock_free, "request_stop() is called in signal handlers");
 
 PinPad::PinPad(Options options)
-    : journal_(std::move(options.listeners)),
+    : journal_(std::move(options.listeners), options.clock),
       companion_(options.companion),
       witness_(std::move(options.witness)),
-      faults_(options.seed, witness_.struck),
+      faults_(options.seed.value_or(kUsualSeed), witness_.struck),
       line_(options.companion != nullptr || witness_.left),
       screen_(options.changed),
       board_(options.changed),
@@ -63,31 +65,41 @@ PinPad::PinPad(Options options)
                .acted =
                    [this](const Event& event, const std::string& waiting) {
                        if (witness_.acted) { witness_.acted(event, waiting); }
-                   }},
+                   },
+               .clock = options.clock},
               journal_, screen_, cardholder_, board_, transmitter_),
       heard_(byte_time(options.speed)),
+      errands_([this] { line_.wake(); }),
+      firstFaults_(std::move(options.faults)),
       frameTimeout_(options.frameTimeout),
       returned_(std::move(options.returned)),
       path_(line_.path()) {
-    for (const Fault& fault : options.faults) { inject(fault); }
+    restart_faults();
 }
 
 PinPad::~PinPad() { stop(); }
 
 void PinPad::run() {
+    const Errands::Service service(errands_);
     while (!stopping_) {
         if (companion_ != nullptr) { companion_->work(*this, Clock::now()); }
         const uint64_t begun = engine_.begun();
         const bool room = heard_.size() < kMaxHeard;
-        if (line_.wait(patience(), room) == Line::Event::kReadable) { heard_.push(line_.read(), {}, Clock::now()); }
-        // What was done before the host spoke is not for the command that comes.
-        engine_.poll(Clock::now());
-        hear();
-        engine_.poll(Clock::now());
-        transmitter_.flush();
-        see_off(begun);
-        come_and_go();
+        const auto limit = errands_.take() ? std::chrono::milliseconds::zero() : patience();
+        if (line_.wait(limit, room) == Line::Event::kReadable) { heard_.push(line_.read(), {}, Clock::now()); }
+        step(begun);
+        errands_.work();
     }
+}
+
+void PinPad::step(uint64_t begun) {
+    // What was done before the host spoke is not for the command that comes.
+    engine_.poll(Clock::now());
+    hear();
+    engine_.poll(Clock::now());
+    transmitter_.flush();
+    see_off(begun);
+    come_and_go();
 }
 
 void PinPad::hear() {
@@ -134,6 +146,7 @@ void PinPad::see_off(uint64_t begun) {
     const uint64_t own = *std::exchange(leaving_, std::nullopt);
     if (!std::exchange(spoken_, false)) { return; }
     engine_.leave(own);
+    cardholder_.part(Cardholder::End::kHost);
     if (companion_ != nullptr) { companion_->left(*this); }
     if (witness_.left) { witness_.left(); }
 }
@@ -172,6 +185,77 @@ std::string PinPad::path() const {
 void PinPad::act(const Gestures& gestures) {
     cardholder_.act(gestures);
     line_.wake();
+}
+
+// By errand, so that a host that has closed the line before is not the one that it is for.
+void PinPad::when_in_session(std::string command, const Gestures& gestures) {
+    errands_.run([&] { cardholder_.when({std::move(command), gestures, false}); });
+}
+
+bool PinPad::reset(Reset what) {
+    bool done = false;
+    errands_.run([&] { done = reset_now(what); });
+    return done;
+}
+
+bool PinPad::reset_now(Reset what) {
+    switch (what) {
+        case Reset::kAll:
+            return reset_all();
+        case Reset::kCards:
+            return engine_.reset(Device::Part::kCards);
+        case Reset::kTables:
+            return engine_.reset(Device::Part::kTables);
+        case Reset::kKeys:
+            return engine_.reset(Device::Part::kKeys);
+        case Reset::kPins:
+            return engine_.reset(Device::Part::kPins);
+        case Reset::kMedia:
+            return engine_.reset(Device::Part::kMedia);
+        case Reset::kPlans:
+            cardholder_.clear_plans();
+            break;
+        case Reset::kFaults:
+            restart_faults();
+            break;
+        case Reset::kFindings:
+            journal_.restart_findings();
+    }
+    return true;
+}
+
+bool PinPad::reset_all() {
+    if (!engine_.reset(std::nullopt)) { return false; }
+    transmitter_.abandon();
+    heard_.clear();
+    cardholder_.clear();
+    restart_faults();
+    journal_.restart_findings();
+    return true;
+}
+
+void PinPad::restart_faults() {
+    faults_.restart();
+    for (const Fault& fault : firstFaults_) { inject(fault); }
+}
+
+void PinPad::forget_chip(const std::string& pan) {
+    errands_.run([&] { engine_.forget_chip(pan); });
+}
+
+Tables PinPad::tables() {
+    Tables tables;
+    errands_.run([&] { tables = engine_.device().tables; });
+    return tables;
+}
+
+std::optional<SessionLog> PinPad::session() {
+    std::optional<SessionLog> session;
+    errands_.run([&] {
+        session = engine_.session();
+        if (session) { session->hostThere = spoken_; }
+    });
+    return session;
 }
 
 void PinPad::request_stop() noexcept {

@@ -21,9 +21,12 @@
 #include "simulator/line/line.h"
 #include "simulator/line/paced_bytes.h"
 #include "simulator/transmitter.h"
+#include "simulator/watch/clock.h"
 #include "simulator/watch/companion.h"
+#include "simulator/watch/errands.h"
 #include "simulator/watch/finding.h"
 #include "simulator/watch/journal.h"
+#include "simulator/watch/session_log.h"
 #include "simulator/watch/state_board.h"
 #include "simulator/watch/trace.h"
 
@@ -64,13 +67,14 @@ public:
         Sessions session = Sessions::kStrict;
         // In which it talks to the cardholder, in place of the device's.
         std::optional<Language> language = {};
-        // By which dates are judged, in place of the device's.
-        std::function<std::chrono::system_clock::time_point()> clock = {};
         // Bits per second of the line, ten to a byte; 0 for one that takes no time.
         unsigned speed = 0;
-        // What is to go wrong from the start, and the seed for what goes wrong by chance.
+        // What is to go wrong from the start.
         std::vector<Fault> faults = {};
-        uint32_t seed = 1;
+        // Of all that is drawn. Without it the system draws, but for what goes wrong by chance, which is as with 1.
+        std::optional<uint32_t> seed = {};
+        // Of what is written down with its time, and by which dates are judged.
+        WallClock clock = std::chrono::system_clock::now;
         // Called with the new path() when the line is back, on the PIN pad's thread.
         std::function<void(const std::string&)> returned = {};
         // Goes along with the PIN pad, which it must outlive; null for none.
@@ -101,7 +105,13 @@ public:
 
     // What the cardholder does, now or when a command waits for it; see Gestures and Cardholder.
     void act(const Gestures& gestures);
-    void when(std::string command, const Gestures& gestures) { cardholder_.when(std::move(command), gestures); }
+    void when(std::string command, const Gestures& gestures) { cardholder_.when({std::move(command), gestures}); }
+    // For the session that goes on, or the next one where none does: what it does not use is dropped when it ends,
+    // because the host closes it or the line; see Cardholder.
+    void when_in_session(std::string command, const Gestures& gestures);
+    [[nodiscard]] std::vector<Cardholder::Plan> plans() const { return cardholder_.plans(); }
+    [[nodiscard]] std::vector<Cardholder::Plan> unused_plans() const { return cardholder_.unused(); }
+    void clear_plans() { cardholder_.clear_plans(); }
 
     // How often somebody has acted, a plan that came true included.
     [[nodiscard]] uint64_t acts() const { return cardholder_.acts(); }
@@ -121,6 +131,19 @@ public:
     [[nodiscard]] std::vector<Fault> faults() const { return faults_.faults(); }
     // Unplugs the PIN pad for so long. It forgets its session and what it was doing, and returns with another path().
     void hang_up(std::chrono::milliseconds time);
+
+    // What can be put back to how it was at first. The traffic and the line stay in any case.
+    enum class Reset { kAll, kCards, kTables, kKeys, kPins, kMedia, kPlans, kFaults, kFindings };
+    // From any thread; done between two commands. False, and nothing is done, while a command waits, unless it concerns
+    // plans, faults or findings alone.
+    [[nodiscard]] bool reset(Reset what = Reset::kAll);
+    // Has the chip of that card number come as a new one when it is inserted next.
+    void forget_chip(const std::string& pan);
+
+    // What hosts have loaded, and what the host does since its first command; none when it has sent none since the last
+    // session. From any thread.
+    [[nodiscard]] Tables tables();
+    [[nodiscard]] std::optional<SessionLog> session();
 
     [[nodiscard]] Screen::Content screen() const { return screen_.content(); }
     [[nodiscard]] StateBoard& board() noexcept { return board_; }
@@ -145,6 +168,10 @@ private:
     void send(ByteView bytes);
     void come_and_go();
     void see_off(uint64_t begun);
+    void step(uint64_t begun);
+    void restart_faults();
+    [[nodiscard]] bool reset_now(Reset what);
+    [[nodiscard]] bool reset_all();
 
     Journal journal_;
     Companion* const companion_;
@@ -157,6 +184,8 @@ private:
     Transmitter transmitter_;
     Engine engine_;
     PacedBytes heard_;
+    Errands errands_;
+    const std::vector<Fault> firstFaults_;
     const std::chrono::milliseconds frameTimeout_;
     Clock::time_point lastHeard_{};
     // Whether the host that has the line has sent anything.

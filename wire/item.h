@@ -48,10 +48,10 @@ struct Item {
     Bytes value;
     Type type = Type::kBytes;
     Privacy privacy = Privacy::kWithheld;
+    // Where it stands in the packet.
+    size_t at = 0;
     // What data objects consist of.
     std::vector<Item> parts = {};
-    // Where the value begins in its packet.
-    size_t at = 0;
 };
 
 [[nodiscard]] Item item(std::string name, uint32_t id, ByteView value, const Content& content);

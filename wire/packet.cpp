@@ -67,7 +67,7 @@ private:
     }
 
     void claim() {
-        if (reader_.n("length", 3) > reader_.left()) { throw LayoutError("length"); }
+        if (reader_.n("length", kLengthWidth) > reader_.left()) { throw LayoutError("length"); }
     }
 
     [[nodiscard]] size_t size_of(const Field& field) const {
@@ -107,9 +107,8 @@ std::optional<int> status_in(ByteView packet) {
     } catch (const LayoutError&) { return std::nullopt; }
 }
 
-}  // namespace
-
-Packet take_apart(Sender sender, ByteView packet) {
+// The items in it stand where they do behind its head.
+Packet divide(Sender sender, ByteView packet) {
     const ByteView head = packet.first(std::min(packet.size(), kIdWidth));
     Packet apart{.id = {head.begin(), head.end()}};
     apart.command = find_command(apart.id);
@@ -125,6 +124,25 @@ Packet take_apart(Sender sender, ByteView packet) {
     apart.items = items_in(apart, sender, rest);
     for (Item& each : apart.items) { each.at += packet.size() - rest.size(); }
     return apart;
+}
+
+}  // namespace
+
+Packet take_apart(Sender sender, ByteView packet) {
+    Packet apart = divide(sender, packet);
+    const size_t head = std::min(packet.size(), kIdWidth + (apart.status ? kStatusWidth : 0));
+    for (Item& item : apart.items) { item.at += head; }
+    return apart;
+}
+
+std::vector<bool> open_bytes(Sender sender, ByteView packet) {
+    const Packet apart = take_apart(sender, packet);
+    std::vector<bool> open(packet.size(), looks_like_id(apart.id));
+    for (const Item& item : apart.items) {
+        const auto from = open.begin() + static_cast<std::ptrdiff_t>(item.at);
+        if (!is_open(item)) { std::fill_n(from, item.value.size(), false); }
+    }
+    return open;
 }
 
 bool is_open(Sender sender, ByteView packet) {

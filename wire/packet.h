@@ -26,6 +26,9 @@ struct Packet {
 
 [[nodiscard]] Packet take_apart(Sender sender, ByteView packet);
 
+// For each byte, whether it may be shown to anyone. Of data objects that are not all open none is.
+[[nodiscard]] std::vector<bool> open_bytes(Sender sender, ByteView packet);
+
 // Whether everything in it may be shown to anyone.
 [[nodiscard]] bool is_open(Sender sender, ByteView packet);
 

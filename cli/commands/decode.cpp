@@ -129,7 +129,7 @@ std::optional<Sender> sender_of(std::string_view name) {
     return name == "host" ? Sender::kHost : Sender::kPinPad;
 }
 
-// What stands behind "2026-07-14 09:15:02.125 " in a trace of the tool's; none where there is no time.
+// What stands behind "2026-07-14 09:15:02.125 " in a trace; none where there is no time.
 std::optional<std::string_view> behind_time(std::string_view text) {
     constexpr std::string_view kLike = "0000-00-00 00:00:00.000 ";
     const auto fits = [](char c, char like) { return like == '0' ? c >= '0' && c <= '9' : c == like; };
@@ -140,7 +140,7 @@ std::optional<std::string_view> behind_time(std::string_view text) {
 bool has_arrow(std::string_view text) { return !text.empty() && std::string_view("><!").find(text.front()) < 3; }
 
 // A line that begins with an arrow or a time, or has nothing but bytes. Those of the virtual PIN pad have words below
-// them, which count for bytes that are not all there.
+// them, which count for bytes that are not all there; those of the tool have them behind the arrow.
 std::optional<Line> line_of(std::string_view text, std::string_view below, std::optional<Sender> sender) {
     Line line{.sender = sender};
     const auto timed = behind_time(text);
@@ -151,11 +151,12 @@ std::optional<Line> line_of(std::string_view text, std::string_view below, std::
         said = said.substr(std::min(said.find_first_not_of(' ', 1), said.size()));
     }
     if (below.starts_with("  ")) { line.words = below.substr(2); }
-    if (timed) {
+    if (timed && line.words.empty()) {
         line.words = said;
         return line;
     }
-    if (said.find(" ... (") != std::string_view::npos && !line.words.empty()) { return line; }
+    const bool withheld = said.find(" ..") != std::string_view::npos;
+    if (withheld && !line.words.empty()) { return line; }
     const auto bytes = parse_hex(said);
     if (!bytes) { return std::nullopt; }
     line.bytes = *bytes;

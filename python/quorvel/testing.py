@@ -79,10 +79,15 @@ class PinPad:
         """The PIN pad tells the host something."""
         self.ask("notify", text=text)
 
-    def when(self, command: str, *acts: tuple[Any, ...]) -> None:
-        """Plans what happens while the next command of that id waits: when("GPN", ("type", "1234"))."""
+    def when(self, command: str, *acts: tuple[Any, ...], keep: bool = False) -> None:
+        """Plans what happens while the next command of that id waits: when("GPN", ("type", "1234")). What the session
+        does not use is dropped when it ends, unless it is to be kept."""
         plan = [{"do": name, **{_ACTS[name]: value for value in rest}} for name, *rest in acts]
-        self.ask("when", command=command, acts=plan)
+        self.ask("when", command=command, acts=plan, keep=keep)
+
+    def reset(self, what: str = "all") -> None:
+        """All as at first, or cards, tables, keys, pins, media, plans, faults or findings."""
+        self.ask("reset", what=what)
 
     def cards(self) -> list[str]:
         return self.ask("cards")["cards"]
@@ -98,7 +103,7 @@ class PinPad:
     def screen(self) -> dict[str, Any]:
         return self.ask("screen")
 
-    def findings(self) -> list[dict[str, str]]:
+    def findings(self) -> list[dict[str, Any]]:
         """What the host did wrong, or the PIN pad could not do."""
         return self.ask("findings")["findings"]
 

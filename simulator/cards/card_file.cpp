@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "simulator/cards/card_source.h"
 #include "simulator/cards/cards.h"
 #include "simulator/files/toml_table.h"
 #include "simulator/keys/pin_block.h"
@@ -190,7 +191,10 @@ Card card(TomlTable table) {
 
 Cards Cards::from_table(TomlTable table) {
     Cards cards;
-    for (const std::string& name : table.keys()) { cards.cards_[name] = card(*table.table(name)); }
+    for (const std::string& name : table.keys()) {
+        Card read = card(*table.table(name));
+        cards.cards_[name] = {std::move(read), std::make_shared<Source>(Source{*table.node(name)->as_table()})};
+    }
     return cards;
 }
 

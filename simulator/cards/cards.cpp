@@ -15,7 +15,7 @@ constexpr std::string_view kStandardText =
 
 }  // namespace
 
-const Card& Cards::at(std::string_view name) const {
+const Cards::Entry& Cards::entry(std::string_view name) const {
     const auto found = cards_.find(name);
     if (found == cards_.end()) { throw std::out_of_range(fmt::format("there is no card \"{}\"", name)); }
     return found->second;
@@ -23,12 +23,12 @@ const Card& Cards::at(std::string_view name) const {
 
 std::vector<std::string> Cards::names() const {
     std::vector<std::string> names;
-    for (const auto& [name, card] : cards_) { names.push_back(name); }
+    for (const auto& [name, entry] : cards_) { names.push_back(name); }
     return names;
 }
 
 void Cards::add(const Cards& more) {
-    for (const auto& [name, card] : more.cards_) { cards_.insert_or_assign(name, card); }
+    for (const auto& [name, entry] : more.cards_) { cards_.insert_or_assign(name, entry); }
 }
 
 const Cards& Cards::standard() {

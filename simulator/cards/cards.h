@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,8 +20,12 @@ class TomlTable;
 class Cards {
 public:
     // Throws std::out_of_range, with the name, when there is no such card.
-    [[nodiscard]] const Card& at(std::string_view name) const;
+    [[nodiscard]] const Card& at(std::string_view name) const { return entry(name).card; }
     [[nodiscard]] std::vector<std::string> names() const;
+    [[nodiscard]] bool has(std::string_view name) const { return cards_.contains(name); }
+    // What the card was read from, for others like it. Throws as at() does.
+    struct Source;
+    [[nodiscard]] const Source& source(std::string_view name) const { return *entry(name).source; }
     // Those of the same name are replaced.
     void add(const Cards& more);
 
@@ -69,7 +74,14 @@ public:
     [[nodiscard]] static Cards from_file(const std::string& path);
 
 private:
-    std::map<std::string, Card, std::less<>> cards_;
+    struct Entry {
+        Card card;
+        std::shared_ptr<const Source> source;
+    };
+
+    [[nodiscard]] const Entry& entry(std::string_view name) const;
+
+    std::map<std::string, Entry, std::less<>> cards_;
 };
 
 }  // namespace quorvel::sim

@@ -3,7 +3,6 @@
 #include "simulator/cards/emv.h"
 
 #include <fmt/format.h>
-#include <openssl/rand.h>
 
 #include "simulator/keys/block_cipher.h"
 #include "wire/hex.h"
@@ -13,6 +12,7 @@ namespace quorvel::sim {
 namespace {
 
 constexpr size_t kTerminalResultsSize = 5;
+constexpr size_t kUnpredictableSize = 4;
 constexpr std::string_view kTestKey = "0123456789ABCDEFFEDCBA9876543210";
 
 // What enters a cryptogram, as far as it is there.
@@ -27,12 +27,6 @@ constexpr Tag kCovered[]{tag::kAmount,
                          0x82,
                          tag::kCounter,
                          tag::kCryptogramInformation};
-
-Bytes unpredictable_number() {
-    Bytes number(4);
-    RAND_bytes(number.data(), static_cast<int>(number.size()));
-    return number;
-}
 
 }  // namespace
 
@@ -78,8 +72,8 @@ DataObjects terminal_objects() {
     };
 }
 
-void generate(DataObjects& objects, Cryptogram kind) {
-    objects[tag::kUnpredictableNumber] = unpredictable_number();
+void generate(DataObjects& objects, Cryptogram kind, Random& random) {
+    objects[tag::kUnpredictableNumber] = random.bytes(kUnpredictableSize);
     objects[tag::kCryptogramInformation] = {static_cast<uint8_t>(kind)};
     Bytes data;
     for (const Tag each : kCovered) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "simulator/keys/random.h"
 #include "simulator/wire.h"
 #include "wire/tag.h"
 
@@ -75,7 +76,7 @@ void set(DataObjects& objects, TerminalResult result);
 enum class Cryptogram : uint8_t { kDeclined = 0x00, kApproved = 0x40, kOnline = 0x80 };
 
 // As the chip answers GENERATE AC: the kind, and a cryptogram over the transaction's data under a key for tests.
-void generate(DataObjects& objects, Cryptogram kind);
+void generate(DataObjects& objects, Cryptogram kind, Random& random);
 
 }  // namespace quorvel::sim
 

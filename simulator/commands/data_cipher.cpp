@@ -85,7 +85,7 @@ void DataCipher::require_size(uint16_t id, size_t smallest, size_t largest) cons
     if (size < smallest || size > largest) { throw LayoutError(fmt::format("{}: {} bytes", param_name(id), size)); }
 }
 
-void DataCipher::settle() {
+void DataCipher::settle(Random& random) {
     if (const auto found = given_.find(spe::kMthdDat); found != given_.end()) { method_ = &method_of(found->second); }
     for (const uint16_t id : kIds) {
         if (given_.contains(id) && !fits(id)) { throw out_of_place(command_, id); }
@@ -103,7 +103,7 @@ void DataCipher::settle() {
         return;
     }
     if (given_.at(spe::kPbkMod).front() < kHighBit) { throw LayoutError("SPE_PBKMOD: less than 2048 bits"); }
-    randomKey_ = random_bytes(key_size(method_->strength));
+    randomKey_ = random.bytes(key_size(method_->strength));
 }
 
 std::optional<Enciphered> DataCipher::key(KeyStore& keys) const {
@@ -127,8 +127,8 @@ std::optional<Enciphered> DataCipher::encipher(KeyStore& keys, ByteView blocks) 
         method_->chained ? sim::encipher(with->bytes, blocks, vector) : sim::encipher(with->bytes, blocks), with->ksn};
 }
 
-Bytes DataCipher::enciphered_random_key() const {
-    return rsa_padded({given_.at(spe::kPbkMod), given_.at(spe::kPbkExp)}, randomKey_);
+Bytes DataCipher::enciphered_random_key(Random& random) const {
+    return rsa_padded({given_.at(spe::kPbkMod), given_.at(spe::kPbkExp)}, randomKey_, random);
 }
 
 }  // namespace quorvel::sim

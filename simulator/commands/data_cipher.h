@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "simulator/keys/key_store.h"
+#include "simulator/keys/random.h"
 #include "simulator/wire.h"
 #include "wire/fields.h"
 
@@ -38,14 +39,15 @@ public:
     // False for a parameter of another kind.
     bool take(const Param& param);
     // Throws LayoutError unless exactly those came that their method needs. No parameter at all asks for clear data.
-    void settle();
+    // What is random in it is drawn then.
+    void settle(Random& random);
 
     [[nodiscard]] const DataMethod* method() const noexcept { return method_; }
 
     // Whole blocks. With DUKPT each call is a transaction of its own. None when the PIN pad does not have the key.
     [[nodiscard]] std::optional<Enciphered> encipher(KeyStore& keys, ByteView blocks) const;
     // The random key under the host's public key, padded as PKCS #1 v1.5 says.
-    [[nodiscard]] Bytes enciphered_random_key() const;
+    [[nodiscard]] Bytes enciphered_random_key(Random& random) const;
 
 private:
     [[nodiscard]] bool fits(uint16_t id) const;

@@ -29,15 +29,15 @@ Answer under_master_key(Device& device, Reader fields) {
 }
 
 // The host takes the filling for nothing, so it may be anything.
-Bytes key_block(ByteView key) {
+Bytes key_block(ByteView key, Random& random) {
     static constexpr size_t kFillingBefore = 9;
     static constexpr size_t kFillingBehind = 84;
     Writer block;
     block.a("T", 1)
         .n(1, 1)
-        .b(random_bytes(kFillingBefore))
+        .b(random.bytes(kFillingBefore))
         .h(key, 2 * kKeySize)
-        .b(random_bytes(kFillingBehind))
+        .b(random.bytes(kFillingBehind))
         .a("X", 1);
     return block.bytes();
 }
@@ -49,8 +49,8 @@ Answer under_public_key(Device& device, Reader fields) {
     host.exponent = fields.h("DWK_EXP", 2 * kExponentSize);
     fields.end();
     if (host.modulus.front() < kHighBit) { throw LayoutError("DWK: DWK_MOD: less than 1024 bits"); }
-    Bytes key = random_bytes(kKeySize);
-    const Bytes cryptogram = rsa_raw(host, key_block(key));
+    Bytes key = device.random.bytes(kKeySize);
+    const Bytes cryptogram = rsa_raw(host, key_block(key, device.random));
     device.drop_pan_key();
     device.panKey = std::move(key);
     return Answer::of(Writer().h(cryptogram, 2 * kModulusSize));

@@ -42,7 +42,7 @@ Answer ebx(Call& call) {
         if (param.id != spe::kDataIn || data) { throw out_of_place("EBX", param.id); }
         data = param.data;
     }
-    cipher.settle();
+    cipher.settle(call.device.random);
     require_key_of_its_own(cipher.method());
     require_whole_blocks(data);
     const auto enciphered = cipher.encipher(call.device.keys, *data);

@@ -102,7 +102,7 @@ Finished finish_chip(Device& device, const FinishRequest& request) {
     const bool approved = finished.decision == FinalDecision::kApproved;
     objects[tag::kResponseCode] = to_bytes(request.responseCode.value_or(approved ? "Y3" : "Z3"));
     if (!finished.scriptResults.empty()) { objects[tag::kScriptResults] = finished.scriptResults; }
-    generate(objects, approved ? Cryptogram::kApproved : Cryptogram::kDeclined);
+    generate(objects, approved ? Cryptogram::kApproved : Cryptogram::kDeclined, device.random);
     if (issuer(request) == Issuer::kApproved) {
         CardCounters& counters = device.cardCounters[transaction.card.pan];
         counters.online = counters.all;

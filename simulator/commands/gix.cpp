@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "simulator/commands/handlers.h"
-#include "simulator/keys/rsa.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
@@ -88,10 +87,10 @@ std::optional<Bytes> family_item(const Device& device, int family, int index) {
 }
 
 // None for what the PIN pad does not have.
-std::optional<Bytes> item(const Device& device, uint16_t id) {
+std::optional<Bytes> item(Device& device, uint16_t id) {
     const auto* found = std::ranges::lower_bound(kItems, id, {}, &Item::id);
     if (found != kItems.end() && found->id == id) { return to_bytes(found->text(device)); }
-    if (id == pp::kBigRand) { return random_bytes(kBigRandSize); }
+    if (id == pp::kBigRand) { return device.random.bytes(kBigRandSize); }
     if (id == pp::kTlrMem) { return Writer().x(device.tableMemory, 4).bytes(); }
     return family_item(device, id & 0xFF00, id & 0x00FF);
 }

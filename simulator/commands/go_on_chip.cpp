@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 #include <iterator>
-#include <openssl/rand.h>
 #include <utility>
 #include <vector>
 
@@ -24,13 +23,6 @@ namespace {
 
 constexpr size_t kFewestPinDigits = 4;
 constexpr uint8_t kNoRule = 0x3F;
-
-// From 1 to 99, as the random selection draws it.
-unsigned draw() {
-    uint8_t byte = 0;
-    RAND_bytes(&byte, sizeof byte);
-    return byte % 99U + 1;
-}
 
 Cryptogram cryptogram(Decision decision) {
     switch (decision) {
@@ -200,11 +192,11 @@ private:
         find_out();
         const Chip::First wish = is_chip() ? chip().first : Chip::First::kAsAsked;
         const ActionCodes codes = ActionCodes::of_card(objects).with(record_.action_codes(!is_chip()));
-        const Decision decision = first_decision(risk(), verified_, wish, draw(), objects, codes);
+        const Decision decision = first_decision(risk(), verified_, wish, device_.random.percentage(), objects, codes);
         if (decision != Decision::kOnline) {
             objects[tag::kResponseCode] = to_bytes(decision == Decision::kApproved ? "Y1" : "Z1");
         }
-        generate(objects, cryptogram(decision));
+        generate(objects, cryptogram(decision), device_.random);
         transaction().stage =
             decision == Decision::kOnline ? Transaction::Stage::kOnline : Transaction::Stage::kFinished;
         return showing(answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects}),

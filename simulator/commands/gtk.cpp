@@ -82,7 +82,7 @@ size_t open_digits(const Param& param) {
     return digits;
 }
 
-Request read(Reader& reader) {
+Request read(Reader& reader, Random& random) {
     Request request;
     std::optional<size_t> openDigits;
     for (const Param& param : reader.params()) {
@@ -95,7 +95,7 @@ Request read(Reader& reader) {
             throw out_of_place("GTK", param.id);
         }
     }
-    request.cipher.settle();
+    request.cipher.settle(random);
     request.openDigits = openDigits.value_or(0);
     if (request.wanted.empty()) { throw LayoutError("GTK: SPE_TRACKS is missing", Status::kMandat); }
     if (request.wanted.back() == '1' && request.cipher.method() == nullptr) {
@@ -125,7 +125,7 @@ bool add_item(std::vector<Param>& answer, const Item& item, const Card& card, co
 
 // A track that the card does not have is left out.
 Answer gtk(Call& call) {
-    const Request request = read(call.request);
+    const Request request = read(call.request, call.device.random);
     const auto& card = call.device.lastCard;
     if (!card) { return {.status = Status::kNocard, .blocks = {}}; }
     std::vector<Param> answer;
@@ -137,7 +137,7 @@ Answer gtk(Call& call) {
     }
     const DataMethod* method = request.cipher.method();
     if (method != nullptr && method->source == KeySource::kRandomKey) {
-        answer.push_back({pp::kEncKRand, request.cipher.enciphered_random_key()});
+        answer.push_back({pp::kEncKRand, request.cipher.enciphered_random_key(call.device.random)});
     }
     return Answer::of(answer);
 }

@@ -30,7 +30,8 @@ RsaPublicKey public_key(Reader fields) {
 Answer opn(Call& call) {
     if (call.request.left() == 0) { return {}; }
     const Reader fields = only_block(call);
-    return Answer::of(Writer().n(kModulusSize, 3).h(call.channel.open(public_key(fields)), 2 * kModulusSize));
+    return Answer::of(
+        Writer().n(kModulusSize, 3).h(call.channel.open(public_key(fields), call.device.random), 2 * kModulusSize));
 }
 
 }  // namespace quorvel::sim::commands

@@ -42,7 +42,22 @@ Control::Outcome run(const Verb& verb, Control& control, Arguments& arguments) {
 
 json refusal(std::string_view error) { return {{"ok", false}, {"error", error}}; }
 
-Control::Control(PinPad& pinPad, Cards cards) : pinPad_(pinPad), cards_(std::move(cards)) {}
+Control::Control(PinPad& pinPad, Cards cards) : pinPad_(pinPad), firstCards_(std::move(cards)), cards_(firstCards_) {}
+
+Cards Control::cards() const {
+    const std::lock_guard lock(mutex_);
+    return cards_;
+}
+
+void Control::add_cards(const Cards& more) {
+    const std::lock_guard lock(mutex_);
+    cards_.add(more);
+}
+
+void Control::restore_cards() {
+    const std::lock_guard lock(mutex_);
+    cards_ = firstCards_;
+}
 
 Control::Outcome Control::perform(const json& request) {
     try {

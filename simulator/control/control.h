@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <mutex>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -43,12 +44,18 @@ public:
     [[nodiscard]] std::optional<nlohmann::json> answer(const Await& await) const;
 
     [[nodiscard]] PinPad& pin_pad() const noexcept { return pinPad_; }
-    [[nodiscard]] const Cards& cards() const noexcept { return cards_; }
+    // Those that there are now.
+    [[nodiscard]] Cards cards() const;
+    void add_cards(const Cards& more);
+    // Those that there were at first.
+    void restore_cards();
     [[nodiscard]] static std::vector<std::string_view> verbs();
 
 private:
     PinPad& pinPad_;
-    const Cards cards_;
+    const Cards firstCards_;
+    mutable std::mutex mutex_;
+    Cards cards_;
 };
 
 [[nodiscard]] nlohmann::json refusal(std::string_view error);

@@ -11,6 +11,8 @@
 #include <utility>
 
 #include "simulator/control/key_verbs.h"
+#include "simulator/control/state_verbs.h"
+#include "simulator/control/utf8.h"
 
 namespace quorvel::sim {
 
@@ -47,17 +49,6 @@ const Card& card_of(Arguments& arguments, const Cards& cards) {
     try {
         return cards.at(arguments.text("card"));
     } catch (const std::out_of_range& error) { throw RequestError(error.what()); }
-}
-
-// The PIN pad's characters are those of ISO 8859-1.
-std::string utf8(std::string_view latin) {
-    std::string text;
-    for (const char character : latin) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code >= 0x80) { text.push_back(static_cast<char>(0xC0 | (code >> 6))); }
-        text.push_back(code >= 0x80 ? static_cast<char>(0x80 | (code & 0x3F)) : character);
-    }
-    return text;
 }
 
 void press(Gestures& gestures, Arguments& arguments, const Cards&) { gestures.press(key_of(arguments.text("key"))); }
@@ -100,18 +91,20 @@ std::string command_of(Arguments& arguments) {
 json when(Control& control, Arguments& arguments) {
     const std::string command = command_of(arguments);
     const json& acts = arguments.list("acts");
+    const bool keep = arguments.flag("keep");
     arguments.end();
     if (acts.size() > kLongestPlan) { throw RequestError(fmt::format("more than {} acts", kLongestPlan)); }
+    const Cards cards = control.cards();
     Gestures gestures;
     for (const json& act : acts) {
         Arguments members(act);
         const std::string name = members.text("do");
         const auto* gesture = std::get_if<Verb::Gesture>(&find_verb(name).run);
         if (gesture == nullptr) { throw RequestError(fmt::format("\"{}\" is nothing that a cardholder does", name)); }
-        (*gesture)(gestures, members, control.cards());
+        (*gesture)(gestures, members, cards);
         members.end();
     }
-    control.pin_pad().when(command, gestures);
+    keep ? control.pin_pad().when(command, gestures) : control.pin_pad().when_in_session(command, gestures);
     return json::object();
 }
 
@@ -161,7 +154,8 @@ json state(Control& control, Arguments& arguments) {
     return {{"port", control.pin_pad().path()},
             {"waiting", state.waiting.empty() ? json() : json(state.waiting)},
             {"session", session},
-            {"card", state.cardInserted}};
+            {"card", state.cardInserted},
+            {"plans", control.pin_pad().plans().size()}};
 }
 
 json screen(Control& control, Arguments& arguments) {
@@ -180,7 +174,11 @@ json findings(Control& control, Arguments& arguments) {
     arguments.end();
     json list = json::array();
     for (const Finding& finding : control.pin_pad().findings()) {
-        list.push_back({{"kind", kind_name(finding.kind)}, {"text", utf8(finding.text)}});
+        list.push_back({{"number", finding.number},
+                        {"time", time_text(finding.time)},
+                        {"kind", kind_name(finding.kind)},
+                        {"text", utf8(finding.text)}});
+        if (const std::string field = field_in(finding); !field.empty()) { list.back()["field"] = field; }
     }
     return {{"findings", list}};
 }
@@ -196,7 +194,8 @@ json traffic(Control& control, Arguments& arguments) {
     const std::vector<Traffic> all = control.pin_pad().traffic();
     json list = json::array();
     for (size_t i = all.size() - std::min(all.size(), last); i < all.size(); ++i) {
-        list.push_back({{"from", all[i].sender == Sender::kHost ? "host" : "pin-pad"},
+        list.push_back({{"time", time_text(all[i].time)},
+                        {"from", all[i].sender == Sender::kHost ? "host" : "pin-pad"},
                         {"bytes", wire_text(all[i])},
                         {"words", utf8(all[i].words)}});
     }
@@ -223,12 +222,19 @@ constexpr std::array kVerbs{
     Verb{"tap", tap, "card"},
     Verb{"notify", notify, "text"},
     Verb{"when", when},
+    Verb{"plans", verbs::plans},
+    Verb{"clear-plans", verbs::clear_plans},
     Verb{"await", await},
     Verb{"state", state},
     Verb{"screen", screen},
     Verb{"cards", cards},
     Verb{"keys", keys},
     Verb{"decipher-pin", decipher_pin},
+    Verb{"new-card", verbs::new_card},
+    Verb{"edit-card", verbs::edit_card},
+    Verb{"session", verbs::session},
+    Verb{"tables", verbs::tables},
+    Verb{"reset", verbs::reset},
     Verb{"findings", findings},
     Verb{"clear-findings", clear_findings},
     Verb{"traffic", traffic},

@@ -31,6 +31,7 @@ CardCounters& Device::count(const Card& card, const DataObjects& objects) {
 
 void Device::insert(Card card) {
     remove_card();
+    if (card.chip) { firstTries = card.chip->pinTries; }
     const auto left = pinTries.find(card.pan);
     if (card.chip && !card.fresh && left != pinTries.end()) { card.chip->pinTries = left->second; }
     chip = std::move(card);
@@ -41,6 +42,37 @@ void Device::remove_card() {
     if (transaction && transaction->interface == Transaction::Interface::kChip) { transaction->interrupted = true; }
     chip.reset();
     owesCard = false;
+}
+
+void Device::put_back(Part part, const Device& first) {
+    switch (part) {
+        case Part::kCards:
+            chip = first.chip;
+            lastCard = first.lastCard;
+            transaction = first.transaction;
+            transactions = first.transactions;
+            cardRequest = first.cardRequest;
+            lastChipReading = first.lastChipReading;
+            firstTries = first.firstTries;
+            modules = first.modules;
+            return put_back(Part::kPins, first);
+        case Part::kTables:
+            tables = first.tables;
+            cardRequest = first.cardRequest;
+            return;
+        case Part::kKeys:
+            drop_pan_key();
+            panKey = first.panKey;
+            keys = first.keys;
+            return;
+        case Part::kPins:
+            pinTries = first.pinTries;
+            if (chip && chip->chip) { chip->chip->pinTries = firstTries ? *firstTries : first.chip->chip->pinTries; }
+            for (auto& [slot, module] : modules) { module.pinTries = first.modules.at(slot).pinTries; }
+            return;
+        case Part::kMedia:
+            media = first.media;
+    }
 }
 
 Device Device::standard() {

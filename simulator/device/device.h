@@ -18,6 +18,7 @@
 #include "simulator/device/texts.h"
 #include "simulator/device/transaction.h"
 #include "simulator/keys/key_store.h"
+#include "simulator/keys/random.h"
 #include "simulator/wire.h"
 
 namespace quorvel::sim {
@@ -106,6 +107,16 @@ struct Device {
     std::function<std::chrono::system_clock::time_point()> clock = std::chrono::system_clock::now;
     // A host has had the card in the chip reader read, and has not asked for it to be taken out.
     bool owesCard = false;
+    // The tries that the card in the chip reader was made with, if it was inserted.
+    std::optional<int> firstTries;
+    Random random;
+
+    // What can be put back by itself.
+    enum class Part { kCards, kTables, kKeys, kPins, kMedia };
+    // As it is in that other one.
+    void put_back(Part part, const Device& first);
+    // That of the number comes as a new one when it is inserted next.
+    void forget_chip(const std::string& pan) { pinTries.erase(pan); }
 
     [[nodiscard]] AcquirerInfo acquirer(int index) const;
     void drop_pan_key();

@@ -39,6 +39,8 @@ public:
     [[nodiscard]] bool has_record(int acquirer, std::string_view index) const;
     // What the record says of an application; nothing for one of another table.
     [[nodiscard]] TableRecord record(int acquirer, std::string_view index) const;
+    // By acquirer.
+    [[nodiscard]] const std::map<int, std::string>& versions() const noexcept { return versions_; }
     [[nodiscard]] const Records& records() const noexcept { return records_; }
 
     // A load is not seen before it ends. One that begins takes the place of one that did not end.

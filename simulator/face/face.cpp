@@ -21,6 +21,16 @@ std::string waiting_words(const std::string& id) {
     return command != nullptr ? fmt::format("{} {}", id, command->title) : id;
 }
 
+std::string session_words(const State& state) {
+    if (state.encrypted) { return "encrypted session"; }
+    return state.session ? "plain session" : "no session";
+}
+
+std::string table_words(const State& state) {
+    if (state.tables.empty()) { return state.records == 0 ? "no tables" : fmt::format("{} records", state.records); }
+    return fmt::format("{}, {} records", state.tables, state.records);
+}
+
 View::Card shown(const std::string& name, const Card& card) {
     return {name, card.has_stripe(), card.chip.has_value(), card.contactless.has_value()};
 }
@@ -71,6 +81,8 @@ void Face::move(Move move) {
             return scroll(kPage);
         case Move::kNewest:
             return end_.reset();
+        case Move::kReset:
+            return reset();
         case Move::kLeave:
             over_ = true;
     }
@@ -93,6 +105,8 @@ void Face::use(const Slot& slot) {
     remark_ = fmt::format("{} {}", name, fits ? slot.done : slot.refused);
     if (fits) { (pinPad_.*slot.use)(card); }
 }
+
+void Face::reset() { remark_ = pinPad_.reset() ? "all is as at first" : "a command waits"; }
 
 // Back at the newest entry it follows the newest again.
 void Face::scroll(int64_t entries) {
@@ -117,8 +131,8 @@ View Face::view(size_t rows) const {
               .screen = pinPad_.screen(),
               .textSize = textSize_,
               .waiting = waiting_words(state.waiting),
-              .session = state.session,
-              .encrypted = state.encrypted,
+              .session = session_words(state),
+              .tables = table_words(state),
               .inserted = inserted(),
               .taken = taken_,
               .trace = feed_.before(end_.value_or(feed_.end()), rows),

@@ -41,6 +41,7 @@ private:
     void take(size_t index);
     void insert_or_take_out();
     void use(const Slot& slot);
+    void reset();
     void scroll(int64_t entries);
     [[nodiscard]] std::string inserted() const;
 

@@ -53,6 +53,7 @@ constexpr std::array kBindings{
     Binding{KEY_PPAGE, Move::kEarlier, "PgUp", "earlier trace"},
     Binding{KEY_NPAGE, Move::kLater, "PgDn", "later, End: last"},
     Binding{KEY_END, Move::kNewest},
+    Binding{'r', Move::kReset, "r", "reset"},
     Binding{'q', Move::kLeave, "q", "switch off"},
 };
 

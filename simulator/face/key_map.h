@@ -13,7 +13,7 @@
 namespace quorvel::sim {
 
 // What else a person does besides pressing the PIN pad's keys.
-enum class Move { kNextCard, kPreviousCard, kSwipe, kInsertOrTakeOut, kTap, kEarlier, kLater, kNewest, kLeave };
+enum class Move { kNextCard, kPreviousCard, kSwipe, kInsertOrTakeOut, kTap, kEarlier, kLater, kNewest, kReset, kLeave };
 
 using Deed = std::variant<Key, Move>;
 

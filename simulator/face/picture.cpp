@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <optional>
 #include <string_view>
 
 #include "simulator/face/display.h"
@@ -13,10 +14,13 @@ namespace quorvel::sim {
 
 namespace {
 
-// Under these the keys and the cards make room for the display and the trace.
-constexpr Size kRoomy{18, 72};
 constexpr size_t kLeftColumns = 32;
-constexpr size_t kStateRows = 3;
+// Of the trace beside that.
+constexpr size_t kLeastRight = 28;
+// With their borders: of the trace, and of all below the PIN pad, where the trace stands above a finding.
+constexpr size_t kLeastTrace = 5;
+constexpr size_t kLeastBottom = kLeastTrace + 3;
+constexpr size_t kStateRows = 4;
 constexpr size_t kCaptionColumns = 6;
 constexpr size_t kKeyColumns = 23;
 constexpr size_t kSlotColumns = 5;
@@ -43,11 +47,6 @@ void display(Canvas& canvas, const View& view, size_t row, size_t column) {
     }
 }
 
-std::string session(const View& view) {
-    if (!view.session) { return "no session"; }
-    return view.encrypted ? "encrypted session" : "plain session";
-}
-
 void pin_pad(Canvas& canvas, const View& view, const Area& area) {
     canvas.box(area, U"PIN pad");
     const Area inner = area.inner();
@@ -56,7 +55,8 @@ void pin_pad(Canvas& canvas, const View& view, const Area& area) {
     const std::string waiting = view.waiting.empty() ? "idle" : view.waiting;
     canvas.write(row, inner.column + 1, inner.size.columns - 2, from_utf8(waiting),
                  view.waiting.empty() ? Style::kPlain : Style::kChosen);
-    canvas.write(row + 1, inner.column + 1, inner.size.columns - 2, from_utf8(session(view)), Style::kPlain);
+    canvas.write(row + 1, inner.column + 1, inner.size.columns - 2, from_utf8(view.session), Style::kPlain);
+    canvas.write(row + 2, inner.column + 1, inner.size.columns - 2, from_utf8(view.tables), Style::kPlain);
 }
 
 std::vector<Binding> captions() {
@@ -144,10 +144,18 @@ std::u32string squeezed(const std::u32string& text) {
     return result;
 }
 
+std::u32string_view trace_heading(const View& view, size_t columns) {
+    constexpr std::u32string_view kScrolled = U"Trace, End goes to the newest";
+    // Corners, and blanks between them and the heading.
+    constexpr size_t kAround = 6;
+    return view.scrolled && kScrolled.size() + kAround <= columns ? kScrolled : U"Trace";
+}
+
 // From the newest entry at the bottom upwards, as far as there is room.
-void trace(Canvas& canvas, const View& view, const Area& area) {
-    canvas.box(area, view.scrolled ? U"Trace, End goes to the newest" : U"Trace");
-    const Area inner = area.inner();
+void trace_lines(Canvas& canvas, const View& view, const Area& inner) {
+    if (view.trace.empty()) {
+        canvas.write(inner.row, inner.column, inner.size.columns, U"nothing yet", Style::kPlain);
+    }
     size_t left = inner.size.rows;
     for (auto entry = view.trace.rbegin(); entry != view.trace.rend() && left > 0; ++entry) {
         const Mark sign = mark(entry->kind);
@@ -164,8 +172,12 @@ size_t finding_rows(const View& view) {
     return count == 0 ? 0 : count + 2;
 }
 
+void trace(Canvas& canvas, const View& view, const Area& area) {
+    canvas.box(area, trace_heading(view, area.size.columns));
+    trace_lines(canvas, view, area.inner());
+}
+
 void findings(Canvas& canvas, const View& view, const Area& area) {
-    if (area.size.rows == 0) { return; }
     canvas.box(area, from_utf8(fmt::format("Findings: {}", view.findingCount)));
     const Area inner = area.inner();
     const size_t count = std::min(view.findings.size(), inner.size.rows);
@@ -175,33 +187,62 @@ void findings(Canvas& canvas, const View& view, const Area& area) {
     }
 }
 
-void paint_roomy(Canvas& canvas, const View& view) {
-    const auto [rows, columns] = canvas.size();
+struct Layout {
+    size_t left;
+    size_t right;
+    // Rows of the PIN pad, beside which there may be the keys, and of what is below.
+    size_t top;
+    size_t bottom;
+    bool keys;
+};
+
+// None where the display and what belongs to it would leave no room for the rest.
+std::optional<Layout> layout(const View& view, Size size) {
     const size_t left = std::max(kLeftColumns, view.textSize.columns + 4);
-    const size_t right = columns - left;
-    const size_t top = std::max(view.textSize.rows + kStateRows, key_rows(right - 2)) + 2;
-    const size_t bottom = rows - std::min(rows, top + 1);
-    const size_t found = std::min(finding_rows(view), bottom / 2);
-    pin_pad(canvas, view, {1, 0, {top, left}});
-    keys(canvas, {1, left, {top, right}});
-    cards(canvas, view, {top + 1, 0, {bottom, left}});
-    trace(canvas, view, {top + 1, left, {bottom - found, right}});
-    findings(canvas, view, {rows - found, left, {found, right}});
+    if (size.columns < left + kLeastRight) { return std::nullopt; }
+    const size_t right = size.columns - left;
+    const size_t own = view.textSize.rows + kStateRows;
+    const size_t withKeys = std::max(own, key_rows(right - 2));
+    const auto fits = [&](size_t inner) { return size.rows >= 1 + inner + 2 + kLeastBottom; };
+    if (!fits(own)) { return std::nullopt; }
+    const size_t top = (fits(withKeys) ? withKeys : own) + 2;
+    return Layout{left, right, top, size.rows - 1 - top, fits(withKeys)};
 }
 
-// Beside or below each other there is no room for more than what a payment needs.
+// Without room for the keys the trace has their place too.
+void paint_roomy(Canvas& canvas, const View& view, const Layout& layout) {
+    const size_t rows = canvas.size().rows;
+    const size_t above = layout.keys ? 1 + layout.top : 1;
+    const size_t room = rows - above;
+    const size_t found = std::min(finding_rows(view), room - kLeastTrace);
+    pin_pad(canvas, view, {1, 0, {layout.top, layout.left}});
+    if (layout.keys) { keys(canvas, {1, layout.left, {layout.top, layout.right}}); }
+    cards(canvas, view, {1 + layout.top, 0, {layout.bottom, layout.left}});
+    trace(canvas, view, {above, layout.left, {room - found, layout.right}});
+    if (found > 0) { findings(canvas, view, {rows - found, layout.left, {found, layout.right}}); }
+}
+
+// What stands below the display where there is no room beside it, most wanted first.
+std::vector<std::string> narrow_lines(const View& view) {
+    const std::string card =
+        view.cards.empty() ? "no card" : view.cards[view.taken].name + "  " + slots(view.cards[view.taken]);
+    return {view.waiting.empty() ? "idle" : view.waiting, "card: " + card,
+            fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted),
+            fmt::format("findings: {}", view.findingCount), view.session};
+}
+
+// Beside or below each other there is no room for more than what a payment needs. The trace has a border only where
+// that leaves it some lines.
 void paint_narrow(Canvas& canvas, const View& view) {
     const auto [rows, columns] = canvas.size();
     display(canvas, view, 1, 0);
     size_t row = 1 + view.textSize.rows;
-    const std::string card =
-        view.cards.empty() ? "" : view.cards[view.taken].name + "  " + slots(view.cards[view.taken]);
-    for (const std::string& text : {fmt::format("{}, {}", view.waiting.empty() ? "idle" : view.waiting, session(view)),
-                                    fmt::format("reader: {}", view.inserted.empty() ? "empty" : view.inserted),
-                                    "card: " + card, fmt::format("findings: {}", view.findingCount)}) {
+    for (const std::string& text : narrow_lines(view)) {
         canvas.write(row++, 0, columns, from_utf8(text), Style::kPlain);
     }
-    if (row + 2 < rows) { trace(canvas, view, {row, 0, {rows - row, columns}}); }
+    if (row >= rows) { return; }
+    const Area left{row, 0, {rows - row, columns}};
+    left.size.rows >= kLeastTrace ? trace(canvas, view, left) : trace_lines(canvas, view, left);
 }
 
 }  // namespace
@@ -210,9 +251,8 @@ Canvas paint(const View& view, Size size) {
     Canvas canvas(size);
     if (size.rows == 0 || size.columns == 0) { return canvas; }
     bar(canvas, view);
-    const bool hasRoom = size.rows >= kRoomy.rows + view.textSize.rows - 4
-                         && size.columns >= kRoomy.columns + view.textSize.columns - 16;
-    hasRoom ? paint_roomy(canvas, view) : paint_narrow(canvas, view);
+    const auto roomy = layout(view, size);
+    roomy ? paint_roomy(canvas, view, *roomy) : paint_narrow(canvas, view);
     return canvas;
 }
 

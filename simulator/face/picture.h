@@ -29,8 +29,9 @@ struct View {
     Size textSize = {4, 16};
     // "GKY wait for a key"; empty when no command waits.
     std::string waiting = {};
-    bool session = false;
-    bool encrypted = false;
+    // "encrypted session", "TABLES0001, 12 records".
+    std::string session = "no session";
+    std::string tables = "no tables";
     // The name of the card in the chip reader; empty when there is none.
     std::string inserted = {};
     std::vector<Card> cards = {};

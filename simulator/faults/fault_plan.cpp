@@ -38,6 +38,12 @@ void FaultPlan::clear() {
     entries_.clear();
 }
 
+void FaultPlan::restart() {
+    const std::lock_guard lock(mutex_);
+    entries_.clear();
+    random_.seed(seed_);
+}
+
 std::vector<Fault> FaultPlan::faults() const {
     const std::lock_guard lock(mutex_);
     std::vector<Fault> faults;

@@ -22,13 +22,15 @@ public:
     // The seed decides about faults that strike by chance. `struck` is called with each that strikes,
     // before it does, as what strikes this command once.
     explicit FaultPlan(uint32_t seed, std::function<void(const Fault&)> struck = {})
-        : struck_(std::move(struck)), random_(seed) {}
+        : struck_(std::move(struck)), seed_(seed), random_(seed) {}
 
     // Throws std::invalid_argument.
     void add(const Fault& fault);
     // Drops those of that kind that strike that command.
     void withdraw(const Fault& fault);
     void clear();
+    // None is left, and chance begins anew from its seed.
+    void restart();
     // Those that may still strike, each with the times that are left.
     [[nodiscard]] std::vector<Fault> faults() const;
 
@@ -47,6 +49,7 @@ private:
     [[nodiscard]] bool strikes(Entry& entry, const Message& message);
 
     const std::function<void(const Fault&)> struck_;
+    const uint32_t seed_;
     mutable std::mutex mutex_;
     std::mt19937 random_;
     std::vector<Entry> entries_;

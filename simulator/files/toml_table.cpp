@@ -22,7 +22,9 @@ std::string TomlTable::below(std::string_view key) const {
 void TomlTable::refuse(std::string_view key, std::string_view fault) const {
     const toml::node* const node = table_->get(key);
     const auto line = (node != nullptr ? node->source() : table_->source()).begin.line;
-    throw std::runtime_error(fmt::format("line {}: {}: {}", line, below(key), fault));
+    // What was not read from a text has no lines.
+    throw std::runtime_error(
+        fmt::format("{}{}: {}", line == 0 ? "" : fmt::format("line {}: ", line), below(key), fault));
 }
 
 void TomlTable::blame(std::string_view key, const std::function<void()>& read) const {

@@ -7,7 +7,6 @@
 #include <memory>
 #include <openssl/bn.h>
 #include <openssl/crypto.h>
-#include <openssl/rand.h>
 #include <stdexcept>
 
 namespace quorvel::sim {
@@ -36,12 +35,6 @@ BigNumber big_number(ByteView bytes) {
 
 }  // namespace
 
-Bytes random_bytes(size_t count) {
-    Bytes bytes(count);
-    require(RAND_bytes(bytes.data(), static_cast<int>(count)) == 1, "RAND_bytes");
-    return bytes;
-}
-
 Bytes rsa_raw(const RsaPublicKey& key, ByteView block) {
     const BigNumberContext context(BN_CTX_new());
     const BigNumber base = big_number(block);
@@ -55,13 +48,13 @@ Bytes rsa_raw(const RsaPublicKey& key, ByteView block) {
 }
 
 // 00 02, random bytes that are not zero, 00, the message.
-Bytes rsa_padded(const RsaPublicKey& key, ByteView message) {
+Bytes rsa_padded(const RsaPublicKey& key, ByteView message, Random& random) {
     Bytes block{0x00, 0x02};
     // Growing it would leave parts of it behind.
     block.reserve(key.modulus.size());
-    Bytes filling = random_bytes(key.modulus.size() - message.size() - 3);
+    Bytes filling = random.bytes(key.modulus.size() - message.size() - 3);
     for (uint8_t& byte : filling) {
-        while (byte == 0) { byte = random_bytes(1).front(); }
+        while (byte == 0) { byte = random.bytes(1).front(); }
     }
     append(block, filling);
     block.push_back(0x00);

@@ -3,8 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_KEYS_RSA_H
 #define QUORVEL_SIMULATOR_KEYS_RSA_H
 
-#include <cstddef>
-
+#include "simulator/keys/random.h"
 #include "simulator/wire.h"
 
 namespace quorvel::sim {
@@ -14,13 +13,12 @@ struct RsaPublicKey {
     Bytes exponent;
 };
 
-// Throws std::runtime_error when libcrypto cannot.
-[[nodiscard]] Bytes random_bytes(size_t count);
+// Throw std::runtime_error when libcrypto cannot.
 
 // What is as long as the modulus comes back as long as the modulus. No padding is added.
 [[nodiscard]] Bytes rsa_raw(const RsaPublicKey& key, ByteView block);
 // Padded as PKCS #1 v1.5 says for encryption.
-[[nodiscard]] Bytes rsa_padded(const RsaPublicKey& key, ByteView message);
+[[nodiscard]] Bytes rsa_padded(const RsaPublicKey& key, ByteView message, Random& random);
 
 }  // namespace quorvel::sim
 

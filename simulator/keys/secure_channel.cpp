@@ -7,7 +7,6 @@
 #include <memory>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
-#include <openssl/rand.h>
 #include <string_view>
 
 #include "simulator/keys/rsa.h"
@@ -58,11 +57,15 @@ SecureChannel::~SecureChannel() {
     wipe(fixedKey_);
 }
 
-Bytes SecureChannel::open(const RsaPublicKey& hostKey) {
+Bytes SecureChannel::open(const RsaPublicKey& hostKey, Random& random) {
     close();
     key_ = fixedKey_ ? *fixedKey_ : SessionKey{};
-    if (!fixedKey_) { require(RAND_bytes(key_->data(), static_cast<int>(key_->size())) == 1, "RAND_bytes"); }
-    return rsa_padded(hostKey, *key_);
+    if (!fixedKey_) {
+        Bytes drawn = random.bytes(key_->size());
+        std::ranges::copy(drawn, key_->begin());
+        OPENSSL_cleanse(drawn.data(), drawn.size());
+    }
+    return rsa_padded(hostKey, *key_, random);
 }
 
 void SecureChannel::close() noexcept { wipe(key_); }

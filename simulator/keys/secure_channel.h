@@ -8,6 +8,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "simulator/keys/random.h"
 #include "simulator/keys/rsa.h"
 #include "simulator/wire.h"
 
@@ -34,7 +35,7 @@ public:
 
     // Draws a key, in place of the one before, and returns it enciphered under the host's public key: as many bytes as
     // the modulus has.
-    [[nodiscard]] Bytes open(const RsaPublicKey& hostKey);
+    [[nodiscard]] Bytes open(const RsaPublicKey& hostKey, Random& random);
     void close() noexcept;
 
     // The content of an encrypted frame.

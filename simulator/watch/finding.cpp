@@ -2,6 +2,11 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/watch/finding.h"
 
+#include <fmt/format.h>
+#include <regex>
+
+#include "simulator/watch/clock.h"
+
 namespace quorvel::sim {
 
 std::string_view kind_name(Finding::Kind kind) noexcept {
@@ -20,6 +25,16 @@ std::string_view kind_name(Finding::Kind kind) noexcept {
             return "internal";
     }
     return "";
+}
+
+std::string field_in(const Finding& finding) {
+    static const std::regex kName("\\b[A-Z]+_[A-Z0-9]+\\b");
+    std::smatch found;
+    return std::regex_search(finding.text, found, kName) ? found.str() : "";
+}
+
+std::string to_text(const Finding& finding) {
+    return fmt::format("{} ! {}: {}\n", time_text(finding.time), kind_name(finding.kind), finding.text);
 }
 
 }  // namespace quorvel::sim

@@ -3,6 +3,8 @@
 #ifndef QUORVEL_SIMULATOR_WATCH_FINDING_H
 #define QUORVEL_SIMULATOR_WATCH_FINDING_H
 
+#include <chrono>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,11 +23,19 @@ struct Finding {
 
     Kind kind = Kind::kInternal;
     std::string text;
+    // Counted from 1, and when it was.
+    uint64_t number = 0;
+    std::chrono::system_clock::time_point time = {};
 
-    bool operator==(const Finding&) const = default;
+    // The same mistake, whenever it was.
+    bool operator==(const Finding& other) const { return kind == other.kind && text == other.text; }
 };
 
 [[nodiscard]] std::string_view kind_name(Finding::Kind kind) noexcept;
+// The field or parameter that the text names first, as "GIN_ACQIDX"; empty when it names none.
+[[nodiscard]] std::string field_in(const Finding& finding);
+// A line behind its time, with the mark of what neither side has sent.
+[[nodiscard]] std::string to_text(const Finding& finding);
 
 }  // namespace quorvel::sim
 

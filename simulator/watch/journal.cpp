@@ -19,6 +19,7 @@ void keep(std::deque<Entry>& entries, Entry entry) {
 }  // namespace
 
 void Journal::record(Traffic traffic) {
+    traffic.time = clock_();
     if (listeners_.traffic) { listeners_.traffic(traffic); }
     traffic.packet.reset();
     const std::lock_guard lock(mutex_);
@@ -26,6 +27,11 @@ void Journal::record(Traffic traffic) {
 }
 
 void Journal::record(Finding finding) {
+    finding.time = clock_();
+    {
+        const std::lock_guard lock(mutex_);
+        finding.number = ++found_;
+    }
     if (listeners_.finding) { listeners_.finding(finding); }
     const std::lock_guard lock(mutex_);
     keep(findings_, std::move(finding));
@@ -39,6 +45,12 @@ std::vector<Traffic> Journal::traffic() const {
 void Journal::clear_findings() {
     const std::lock_guard lock(mutex_);
     findings_.clear();
+}
+
+void Journal::restart_findings() {
+    const std::lock_guard lock(mutex_);
+    findings_.clear();
+    found_ = 0;
 }
 
 std::vector<Finding> Journal::findings() const {

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <vector>
 
+#include "simulator/watch/clock.h"
 #include "simulator/watch/finding.h"
 #include "simulator/watch/trace.h"
 
@@ -23,7 +24,8 @@ public:
         std::function<void(const Finding&)> finding;
     };
 
-    explicit Journal(Listeners listeners) : listeners_(std::move(listeners)) {}
+    explicit Journal(Listeners listeners, WallClock clock = std::chrono::system_clock::now)
+        : listeners_(std::move(listeners)), clock_(std::move(clock)) {}
 
     void record(Traffic traffic);
     void record(Finding finding);
@@ -31,12 +33,16 @@ public:
     [[nodiscard]] std::vector<Traffic> traffic() const;
     [[nodiscard]] std::vector<Finding> findings() const;
     void clear_findings();
+    // The next one is the first again.
+    void restart_findings();
 
 private:
     const Listeners listeners_;
+    const WallClock clock_;
     mutable std::mutex mutex_;
     std::deque<Traffic> traffic_;
     std::deque<Finding> findings_;
+    uint64_t found_ = 0;
 };
 
 }  // namespace quorvel::sim

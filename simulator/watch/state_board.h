@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_WATCH_STATE_BOARD_H
 #define QUORVEL_SIMULATOR_WATCH_STATE_BOARD_H
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -20,6 +21,9 @@ struct State {
     bool cardInserted = false;
     // The card number of that card.
     std::string cardNumber = {};
+    // The version that all tables have in common, empty if there is none, and how many records there are.
+    std::string tables = {};
+    size_t records = 0;
 
     bool operator==(const State&) const = default;
 };

@@ -3,6 +3,7 @@
 #ifndef QUORVEL_SIMULATOR_WATCH_TRACE_H
 #define QUORVEL_SIMULATOR_WATCH_TRACE_H
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,7 @@ struct Traffic {
     bool sealed = false;
     // The kind of fault that has struck it; empty when none did.
     std::string fault = {};
+    std::chrono::system_clock::time_point time = {};
 };
 
 // The words for what crossed the line enciphered.
@@ -32,9 +34,10 @@ struct Traffic {
 // Whether what was received may hold something private: a frame in clear whose content is not all open, or not whole.
 [[nodiscard]] bool is_private(const Reception& reception);
 
-// The bytes in hexadecimal; of those that are withheld the id and the status.
+// The bytes in hexadecimal. Of a frame that holds something private, ".." stands for each byte of that and for the
+// checksum, which would help to guess it; of one that is not whole there is no more than the id and the status.
 [[nodiscard]] std::string wire_text(const Traffic& traffic);
-// Two lines: the bytes behind an arrow that tells the sender, and the words.
+// Two lines: the time, an arrow that tells the sender, and the bytes; the words.
 [[nodiscard]] std::string to_text(const Traffic& traffic);
 
 }  // namespace quorvel::sim

@@ -32,7 +32,7 @@ ROOMS = {
     "commands": {"keys", "cards", "device", "cardholder", "watch"},
     "faults": {"line"},
     "pin pad": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults"},
-    "control": {"keys", "cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
+    "control": {"files", "keys", "cards", "device", "cardholder", "watch", "commands", "faults", "pin pad"},
     "amounts": {"cards", "device", "cardholder", "watch", "faults", "pin pad"},
     "scenario": {"amounts", "files", "keys", "cards", "device", "cardholder", "watch", "commands", "control", "pin pad"},
     "recording": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults", "control", "pin pad"},

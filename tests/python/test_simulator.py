@@ -47,6 +47,10 @@ def test_the_virtual_pin_pad_is_played(pin_pad, session):
     assert len(pin_pad.faults()) == 1 and session.run(Gin()).status == Status.TIMEOUT
     with pytest.raises(ControlError, match='there is no key "any"'):
         pin_pad.press("any")
+    pin_pad.when("GKY", ("press", "f1"), keep=True)
+    assert pin_pad.state()["plans"] == 1
+    pin_pad.reset("plans")
+    assert pin_pad.state()["plans"] == 0
 
 
 def test_tables_and_media_are_loaded_and_tell_how_far_they_came(pin_pad, session):

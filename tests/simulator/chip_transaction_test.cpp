@@ -329,4 +329,22 @@ TEST_F(ChipTransactionTest, RefusesRequestsThatBreakTheirLayout) {
             {"CNG00503820238", "tags: 82: 2 bytes due, 1 left"}});
 }
 
+// The selection at random, the chip's numbers, and a session under a key that nobody needs to open.
+TEST_F(ChipTransactionTest, DrawsTheSameAgainWithTheSameSeed) {
+    const auto drawn = [this](uint32_t seed) {
+        play({.device = loaded_device(), .seed = seed});
+        std::string all;
+        for (int i = 0; i < 8; ++i) {
+            read(i == 0 ? inserted("visa-signature") : Gestures());
+            all += ask(goc({.risk = "100001000500000100050", .tags = "005001950110049F379F26"}));
+        }
+        return all + ask(kOpenSession);
+    };
+    const std::string first = drawn(3);
+    EXPECT_NE(first.find("95050000001000"_hex), std::string::npos);
+    EXPECT_NE(first.find("95050000000000"_hex), std::string::npos);
+    EXPECT_EQ(drawn(3), first);
+    EXPECT_NE(drawn(4), first);
+}
+
 }  // namespace

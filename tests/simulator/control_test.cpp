@@ -23,7 +23,9 @@ std::string refused(const std::string& error) { return R"({"error":)" + json(err
 class ControlTest : public PinPadTest {
 protected:
     ControlTest() {
-        play();
+        setenv("TZ", "UTC0", 1);
+        tzset();
+        play({.clock = standing_clock("2026-01-02T03:04:05Z")});
         control_.emplace(*pinPad_);
         server_.emplace(path_, *control_);
         client_.emplace(path_);
@@ -124,13 +126,15 @@ TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
     pinPad_->insert(card("visa-chip"));
     exchange(kOpn + frame("GKY"), kAck + kOpnDone + kAck);
     EXPECT_EQ(client_->line(), kDone);
-    const json state{{"ok", true}, {"port", pinPad_->path()}, {"waiting", "GKY"}, {"session", "plain"}, {"card", true}};
+    const json state{{"ok", true}, {"port", pinPad_->path()}, {"waiting", "GKY"}, {"session", "plain"}, {"card", true},
+                     {"plans", 0}};
     EXPECT_EQ(told("state"), state);
     ask(kOpenSession);
     EXPECT_EQ(told("state").at("waiting"), nullptr);
     EXPECT_EQ(told("state").at("session"), "encrypted");
     EXPECT_EQ(told("findings").at("findings"),
-              json::parse(R"([{"kind":"sequence","text":"a command came while GKY waited"}])"));
+              json::parse(R"([{"number":1,"time":"2026-01-02 03:04:05.000","kind":"sequence",)"
+                          R"("text":"a command came while GKY waited"}])"));
     expect_answers({{R"({"do":"clear-findings"})", kDone}, {R"({"do":"findings"})", R"({"findings":[],"ok":true})"}});
 }
 
@@ -245,7 +249,7 @@ TEST_F(ControlTest, InjectsFaults) {
     call("OPN", "OPN000");
     expect_answers({{R"({"do":"traffic","last":1})",
                      R"({"ok":true,"traffic":[{"bytes":"16 4F 50 4E 30 30 30 17 77 5E","from":"pin-pad",)"
-                     R"("words":"OPN 000 OK"}]})"}});
+                     R"("time":"2026-01-02 03:04:05.000","words":"OPN 000 OK"}]})"}});
 }
 
 TEST_F(ControlTest, IsForItsUserAloneAndTakesThePlaceOnlyOfASocketThatNobodyServes) {

@@ -76,7 +76,8 @@ TEST(FaceDisplay, ShowsWhatADisplayOfThatSizeWould) {
 View busy_view() {
     View view{.port = "/dev/pts/7", .remark = "magnetic has no chip", .screen = {.text = "APROXIME, INSIRA"}};
     view.waiting = "GKY wait for a key";
-    view.session = true;
+    view.session = "plain session";
+    view.tables = "TABLES0001, 12 records";
     view.inserted = "inserted-card";
     for (int i = 0; i < 40; ++i) { view.cards.push_back({"card-" + std::to_string(i), true, i == 30, false}); }
     view.taken = 30;
@@ -89,10 +90,11 @@ View busy_view() {
 
 TEST(FacePicture, HasAllOnAUsualTerminalAndBreaksTheTraceBetweenWordsWhereItCan) {
     View view = busy_view();
-    expect_parts(paint(view, {24, 80}), {"/dev/pts/7", "magnetic has no chip", "APROXIME, INSIRA", "GKY wait for a key",
-                                         "plain session", "reader: inserted-card", "> card-30                s i -",
-                                         "  card-31                s - -", "Enter ENTER", "i     insert, take out",
-                                         "> DSP: \"A # Z\"", "! layout: DSP: one byte too many", "Findings: 17"});
+    expect_parts(paint(view, {24, 80}),
+                 {"/dev/pts/7", "magnetic has no chip", "APROXIME, INSIRA", "GKY wait for a key", "plain session",
+                  "TABLES0001, 12 records", "r     reset", "reader: inserted-card", "> card-30                s i -",
+                  "  card-31                s - -", "Enter ENTER", "i     insert, take out", "> DSP: \"A # Z\"",
+                  "! layout: DSP: one byte too many", "Findings: 17"});
     view.trace = {{Feed::Entry::Kind::kHost, std::string(40, 'a') + " bbbbbb " + std::string(60, 'c')}};
     expect_parts(paint(view, {24, 80}),
                  {"|> " + std::string(40, 'a') + "    |", "|  bbbbbb " + std::string(37, 'c') + "|"});
@@ -108,6 +110,58 @@ TEST(FacePicture, ComesDownToTheDisplayOnTerminalsOfAnySize) {
                 if (rows >= 3 && columns >= 16) { expect_parts(canvas, {"APROXIME, INSIRA"}); }
             }
         }
+    }
+}
+
+// The borders of a box whose corner is there, and what stands in it.
+struct Box {
+    std::string heading;
+    std::string inside;
+};
+
+Box box_at(const Canvas& canvas, size_t top, size_t left) {
+    const std::string text = all(canvas);
+    const size_t width = canvas.size().columns + 1;
+    size_t right = left + 1;
+    while (canvas.at(top, right).character != U'┐') { ++right; }
+    size_t bottom = top + 1;
+    while (canvas.at(bottom, left).character != U'└') { ++bottom; }
+    Box box{.heading = text.substr(top * width + left + 1, right - left - 1), .inside = ""};
+    std::erase(box.heading, '#');
+    for (size_t row = top + 1; row < bottom; ++row) {
+        box.inside += text.substr(row * width + left + 1, right - left - 1) + "\n";
+    }
+    return box;
+}
+
+TEST(FacePicture, HasInEachBoxWhatItIsForOrNoBoxWhateverTheSize) {
+    View scrolled = busy_view();
+    scrolled.scrolled = true;
+    View silent = busy_view();
+    silent.trace.clear();
+    silent.findings.clear();
+    for (const View& view : {busy_view(), scrolled, silent}) {
+        const std::string traced = view.trace.empty() ? "nothing yet" : "! layout: DSP";
+        const std::vector<std::pair<std::string, std::string>> boxes{
+            {" PIN pad ", "APROXIME, INSIRA"}, {" Keys ", "switch off"}, {" Cards ", "> card-30"},
+            {" Findings: 17 ", "layout: DSP"}, {" Trace ", traced},      {" Trace, End goes to the newest ", traced}};
+        std::set<std::string> seen;
+        for (size_t rows = 5; rows <= 60; ++rows) {
+            for (size_t columns = 20; columns <= 200; columns += columns < 90 ? 1 : 10) {
+                SCOPED_TRACE(fmt::format("{} rows, {} columns", rows, columns));
+                const Canvas canvas = paint(view, {rows, columns});
+                expect_parts(canvas, {"APROXIME, INSIRA"});
+                for (size_t i = 0; i < rows * columns; ++i) {
+                    if (canvas.at(i / columns, i % columns).character != U'┌') { continue; }
+                    const Box box = box_at(canvas, i / columns, i % columns);
+                    const auto due = std::ranges::find(boxes, box.heading, &decltype(boxes)::value_type::first);
+                    ASSERT_NE(due, boxes.end()) << box.heading;
+                    EXPECT_NE(box.inside.find(due->second), std::string::npos) << box.heading << box.inside;
+                    seen.insert(box.heading);
+                }
+            }
+        }
+        EXPECT_EQ(seen.size(), view.scrolled ? 6U : view.findings.empty() ? 4U : 5U);
     }
 }
 
@@ -157,6 +211,24 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
     face.perform(Move::kSwipe);
     expect(
         frame("CKE000225100" + padded("", 76) + "21" + padded("4012888888881881=3012", 37) + "000" + padded("", 104)));
+}
+
+TEST_F(FaceTest, ResetsThePinPadUnlessACommandWaits) {
+    Face face(*pinPad_, cards_, feed_);
+    EXPECT_EQ(face.view(9).session, "no session");
+    for (const std::string request : {"TLI01200TABLES0001", "TLR0100100810301", "TLE"}) {
+        call(request, request.substr(0, 3) + "000");
+    }
+    EXPECT_EQ(face.view(9).session, "plain session");
+    EXPECT_EQ(face.view(9).tables, "TABLES0001, 1 records");
+    exchange(frame("GKY"), kAck);
+    face.perform(Move::kReset);
+    EXPECT_EQ(face.view(9).remark, "a command waits");
+    exchange(kCan, kEot);
+    face.perform(Move::kReset);
+    EXPECT_EQ(face.view(9).remark, "all is as at first");
+    EXPECT_EQ(face.view(9).tables, "no tables");
+    EXPECT_EQ(face.view(9).session, "no session");
 }
 
 TEST_F(FaceTest, ScrollsThroughTheTraceAndStaysThere) {

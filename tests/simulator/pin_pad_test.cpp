@@ -138,15 +138,29 @@ TEST_F(PinPadTest, StopsThoughNobodyReads) {
     retire();
 }
 
+std::string withheld(int count) {
+    std::string text;
+    while (count-- > 0) { text += " .."; }
+    return text;
+}
+
 TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
-    play();
+    const std::chrono::system_clock::time_point at(std::chrono::milliseconds(1234));
+    play({.clock = [at] { return at; }});
+    const std::string time = time_text(at);
+    EXPECT_EQ(time.substr(19), ".234");
     exchange("\x16XYZ\x17\xB3\x06", kNak);
     exchange(frame("DWK0361100BDBE59C77CF56415BAB6EAD19B49AD8C"), kAck + frame("DWK000"));
     expect_findings({{Kind::kFraming, "bad CRC: 0xB306 received, 0xB305 due"}});
     EXPECT_EQ(to_text(pinPad_->traffic()[0]),
-              "> 16 58 59 5A 17 B3 06\n  damaged frame: bad CRC: 0xB306 received, 0xB305 due\n");
+              time + " > 16 58 59 5A 17 B3 06\n  damaged frame: bad CRC: 0xB306 received, 0xB305 due\n");
     EXPECT_EQ(to_text(pinPad_->traffic()[2]),
-              "> 16 44 57 4B ... (46 bytes)\n  DWK load a PAN working key: DWK_MODE=\"1\", 35 bytes withheld\n");
+              time + " > 16 44 57 4B 30 33 36 31" + withheld(35) + " 17 .. ..\n"
+                     "  DWK load a PAN working key: DWK_MODE=\"1\", 35 bytes withheld\n");
+    // A byte that is stuffed shows so only where it may be seen.
+    const std::string wire = frame("GCX022" + "0013 000C"_hex + "000000001000" + "0FFF 0002 1617"_hex);
+    EXPECT_EQ(wire_text({Sender::kHost, to_bytes(wire), "", true}),
+              "16 47 43 58 30 32 32 00 13 33 00 0C 30 30 30 30 30 30 30 30 31 30 30 30 0F FF 00 02 .. .. 17 .. ..");
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 #include <deque>
 #include <set>
 
+#include "simulator/watch/trace_file.h"
 #include "tests/core/temp_dir.h"
 #include "tests/simulator/fixture.h"
 #include "tests/support/child.h"
+#include "wire/toml.h"
 
 using namespace quorvel::sim;
 
@@ -113,6 +115,9 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
         {{"--replay", "x", "--seed", "1"}, "--seed excludes --replay"},
         {{"--pace", "1"}, "--pace requires --replay"},
         {{"--count", "2", "--face"}, "--count excludes --face"},
+        {{"--clock", "2026-02-30T00:00:00Z"},
+         "quorvel-sim: \"2026-02-30T00:00:00Z\" is no time like 2026-01-02T03:04:05Z"},
+        {{"--trace", folder}, "quorvel-sim: " + folder + ": Is a directory"},
         {{"--control", folder}, "quorvel-sim: " + folder + " is there and no socket"},
         {{"--scenario", link_},
          "quorvel-sim: there is no scenario \"" + link_ + "\": no file, and none of those that --list-scenarios names"},
@@ -279,16 +284,80 @@ TEST_F(ProgramTest, JudgesEachOfSeveralPinPadsByItself) {
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {
     const std::string finding = "finding (unsupported): there is no command \"XYZ\"\n";
-    const std::string trace = "> 16 58 59 5A 17 B3 05\n  \"XYZ\"\n< 06\n  ACK\n" + finding
-                              + "< 16 45 52 52 30 31 30 17 B7 11\n  ERR 010 INVCALL\n";
-    for (const bool asked : {false, true}) {
-        Program program(asked ? std::vector<std::string>{"--trace"} : std::vector<std::string>{});
+    const std::string time = "2026-01-02 03:04:05.000 ";
+    const std::string heard = time + "> 16 58 59 5A 17 B3 05\n  \"XYZ\"\n" + time + "< 06\n  ACK\n";
+    const std::string said = time + "< 16 45 52 52 30 31 30 17 B7 11\n  ERR 010 INVCALL\n";
+    const std::string file = folder_ / "trace";
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string errors;
+        std::string file;
+    };
+    // A file is written behind what is there.
+    for (const auto& [arguments, errors, written] :
+         {Case{{}, finding, ""},
+          {{"--trace", "--clock", "2026-01-02T03:04:05"}, heard + finding + said, ""},
+          {{"--clock", "2026-01-02T03:04:05", "--trace", file},
+           finding,
+           "before\n" + heard + time + "! unsupported: there is no command \"XYZ\"\n" + said}}) {
+        folder_.file("trace", written.empty() ? "" : "before\n");
+        Program program(arguments);
         Host host(program.ready());
         host.send("\x16XYZ\x17\xB3\x05");
         host.receive(11);
         EXPECT_EQ(program.end(SIGTERM), 0);
-        EXPECT_EQ(program.errors(), asked ? trace : finding);
+        EXPECT_EQ(program.errors(), errors);
+        EXPECT_EQ(text_of_file(file), written);
     }
+}
+
+// Everything that is drawn and every time that is told stands in this trace.
+TEST_F(ProgramTest, DoesTheSameAgainWithTheSameSeedAndClock) {
+    const auto traced = [&](const std::string& seed) {
+        const std::string file = folder_ / seed;
+        fs::remove(file);
+        Program program({"--seed", seed, "--clock", "2026-01-02T03:04:05Z", "--trace", file});
+        Host host(program.ready());
+        // 32 random bytes, a key for card numbers, and a session, under a key that needs no pair to be enciphered with.
+        for (const std::string& request :
+             {"GIX006"s + "0001 0002 805A"_hex, "DWK2632" + std::string(256, 'F') + "010001", kOpenSession}) {
+            host.send(frame(request));
+            const std::string head = host.receive(8);
+            EXPECT_EQ(head.substr(2, 3), request.substr(0, 3));
+            while (host.receive(1) != "\x17") {}
+            EXPECT_EQ(host.receive(2).size(), 2U);
+        }
+        EXPECT_EQ(program.end(SIGTERM), 0);
+        return text_of_file(file);
+    };
+    const std::string first = traced("7");
+    EXPECT_GT(first.size(), 1500U);
+    EXPECT_EQ(traced("7"), first);
+    EXPECT_NE(traced("8"), first);
+}
+
+TEST(TraceFile, BeginsAnewBeforeItGrowsTooLargeAndIsForItsUserAlone) {
+    TempDir folder;
+    const std::string path = folder / "trace";
+    TraceFile file(path, 100);
+    for (int i = 0; i < 60; ++i) { file.write(fmt::format("{:02}{}\n", i, std::string(27, '.'))); }
+    for (const auto& [end, first, last] :
+         {std::tuple("", "57", "59"), {".1", "54", "56"}, {".2", "51", "53"}, {".3", "48", "50"}, {".4", "45", "47"}}) {
+        const std::string text = text_of_file(path + end);
+        EXPECT_EQ(text.size(), 90U) << end;
+        EXPECT_EQ(text.substr(0, 2), first);
+        EXPECT_EQ(text.substr(60, 2), last);
+        EXPECT_EQ(fs::status(path + end).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    }
+    EXPECT_FALSE(fs::exists(path + ".5"));
+    file.write(std::string(500, 'x'));
+    EXPECT_EQ(text_of_file(path), std::string(500, 'x'));
+    TraceFile behind(path, 600);
+    behind.write("y");
+    EXPECT_EQ(text_of_file(path).size(), 501U);
+    EXPECT_EQ(thrown([] { TraceFile("/dev/full", 10).write("x"); }), "/dev/full: No space left on device");
+    EXPECT_EQ(thrown([&] { TraceFile(folder / "none/trace", 10).write("x"); }),
+              folder / "none/trace" + ": No such file or directory");
 }
 
 }  // namespace

@@ -49,11 +49,14 @@ protected:
 
 TEST(SecureChannel, DrawsAKeyEachTimeAndKeepsLeadingZerosOfTheCryptogram) {
     const HostKey host;
+    Random random;
     SecureChannel channel(std::nullopt);
     std::set<std::string> keys;
     for (const int first : {0x00, 0x30}) {
         Bytes cryptogram;
-        do { cryptogram = channel.open({to_bytes(host.modulus()), {1, 0, 1}}); } while (cryptogram.front() != first);
+        do {
+            cryptogram = channel.open({to_bytes(host.modulus()), {1, 0, 1}}, random);
+        } while (cryptogram.front() != first);
         ASSERT_EQ(cryptogram.size(), 256U);
         keys.insert(host.open_padded({reinterpret_cast<const char*>(cryptogram.data()), cryptogram.size()}));
         EXPECT_EQ(keys.rbegin()->size(), 16U);

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <regex>
 #include <set>
 
 #include "tests/support/wire.h"
@@ -61,6 +62,31 @@ TEST(Privacy, IsKeptFieldByField) {
     for (const auto& [sender, packet, due] : cases) {
         EXPECT_EQ(words(sender, packet), due);
         EXPECT_EQ(is_open(sender, to_bytes(packet)), due.find("withheld") == std::string::npos) << due;
+        // As many bytes as the words say; of data objects that are not all open, every one.
+        static const std::regex kWithheld("([0-9]+) bytes withheld");
+        int withheld = 0;
+        for (std::sregex_iterator each(due.begin(), due.end(), kWithheld), end; each != end; ++each) {
+            withheld += std::stoi((*each)[1]);
+        }
+        const std::vector<bool> open = open_bytes(sender, to_bytes(packet));
+        EXPECT_EQ(std::ranges::count(open, false), due.find('{') == std::string::npos ? withheld : 19) << due;
+    }
+}
+
+TEST(Privacy, TellsEachByteThatMayBeShown) {
+    const std::tuple<Sender, std::string, std::string> cases[]{
+        {Sender::kPinPad, "GPN0000361B9C1845EB993A7AFFFF9876543210E00001",
+         "GPN000036................FFFF9876543210E00001"},
+        {Sender::kHost, "GCX016" + "0013 000C"_hex + "000000001000" + "020" + "8052 0010"_hex + kPan,
+         "GCX016" + "0013 000C"_hex + "000000001000" + "020" + "8052 0010"_hex + std::string(16, '.')},
+        {Sender::kPinPad, "ERR010", "ERR010"},
+        {Sender::kHost, kPan, std::string(16, '.')},
+    };
+    for (const auto& [sender, packet, due] : cases) {
+        std::string shown = packet;
+        const std::vector<bool> open = open_bytes(sender, to_bytes(packet));
+        for (size_t i = 0; i < shown.size(); ++i) { shown[i] = open.at(i) ? shown[i] : '.'; }
+        EXPECT_EQ(shown, due);
     }
 }
 
