@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): the parser's
 class App;
 class Option;
 class ParseError;

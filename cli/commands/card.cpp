@@ -53,7 +53,7 @@ Outcome run_tracks(Context& context) {
 
 wire::Bytes tags_of(const std::string& digits) {
     try {
-        const wire::Bytes bytes = wire::from_hex(digits);
+        wire::Bytes bytes = wire::from_hex(digits);
         if (!wire::split_tags(bytes).empty()) { return bytes; }
     } catch (const std::exception&) {}  // neither is the tags of data objects
     throw Error(Exit::kUsage, fmt::format("'{}' is no tag.", digits), "Write it like 9F26 or 82.");

@@ -131,7 +131,7 @@ std::optional<Sender> sender_of(std::string_view name) {
 // What stands behind "2026-07-14 09:15:02.125 " in a trace of the tool's; none where there is no time.
 std::optional<std::string_view> behind_time(std::string_view text) {
     constexpr std::string_view kLike = "0000-00-00 00:00:00.000 ";
-    const auto fits = [](unsigned char c, char like) { return like == '0' ? std::isdigit(c) != 0 : c == like; };
+    const auto fits = [](char c, char like) { return like == '0' ? c >= '0' && c <= '9' : c == like; };
     if (!std::ranges::equal(text.substr(0, kLike.size()), kLike, fits)) { return std::nullopt; }
     return text.substr(kLike.size());
 }
