@@ -178,6 +178,15 @@ TEST_F(AmountsTest, YieldsToWhoeverActs) {
     EXPECT_EQ(ask("GCD016" + "000B 0002 0007 000D 0001 00 000E 0001 04"_hex), "GCD000008" + "804D 0004"_hex + "1111");
 }
 
+TEST_F(AmountsTest, FindsTheAmountInCommandsOfFieldsToo) {
+    play_amounts();
+    const auto gcr = [](const std::string& amount) { return "GCR0400099" + amount + "240229235958          00"; };
+    const std::string goc = "086000000001232000000000100010300" + std::string(32 + 21 + 2, '0') + "00500195003000";
+    EXPECT_EQ(ask(gcr("000000001240")), "GCR012");
+    EXPECT_EQ(ask(gcr("000000001232")).substr(0, 6), "GCR000");
+    EXPECT_EQ(ask("GOC" + goc), "GOC013");
+}
+
 TEST_F(AmountsTest, GoesAlongWithAScenario) {
     Performance performance(
         Scenario::from_toml("s.toml",

@@ -173,6 +173,19 @@ TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {
     }
 }
 
+// Nobody is at the PIN pad.
+TEST(AmountsSale, EndsAsTheCentsSay) {
+    support::Child simulator({QUORVEL_SIM, "--amounts"});
+    const std::string port = simulator.line().substr(6);
+    for (const auto& [cents, ending] : {std::pair("2500", "\nAPPROVED\n"), {"2511", "\nNOT APPROVED\n"}}) {
+        support::Child till({QUORVEL_EXAMPLES "/sale", port, cents});
+        EXPECT_EQ(till.wait(), cents[3] == '0' ? EXIT_SUCCESS : EXIT_FAILURE) << till.errors();
+        EXPECT_TRUE(till.output().ends_with(ending)) << till.output();
+    }
+    EXPECT_EQ(simulator.end(SIGTERM), 0);
+    EXPECT_EQ(simulator.errors(), "");
+}
+
 // The line breaks after the acquirer's yes: nobody knows what the card has decided.
 TEST(BrokenSale, TellsThatTheOutcomeIsUnknown) {
     for (const std::string name : {"sale", "cpp_sale"}) {
