@@ -20,18 +20,20 @@ Item placed(Item item, size_t at) {
     return item;
 }
 
+// What a block begins with.
+constexpr size_t kLengthWidth = 3;
+
 // The positions are those in what stands behind the head.
 Items unknown(ByteView bytes, size_t at = 0) {
     return bytes.empty() ? Items() : Items{placed(item("", 0, bytes, {}), at)};
 }
 
 Items params_in(ByteView blocks) {
-    static constexpr size_t kLengthDigits = 3;
     Items items;
-    const size_t second = kLengthDigits + Reader("", blocks).block("block").left();
-    size_t at = kLengthDigits;
+    const size_t second = kLengthWidth + Reader("", blocks).block("block").left();
+    size_t at = kLengthWidth;
     for (const Param& param : Reader("", blocks).params()) {
-        if (at == second) { at += kLengthDigits; }
+        if (at == second) { at += kLengthWidth; }
         items.push_back(placed(param_item(param.id, param.data), at + kParamHead));
         at += kParamHead + param.data.size();
     }

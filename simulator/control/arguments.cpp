@@ -60,14 +60,6 @@ const json& Arguments::object(std::string_view name) {
     return value;
 }
 
-bool Arguments::flag(std::string_view name) {
-    const json* value = find(name);
-    if (value != nullptr && !value->is_boolean()) {
-        throw RequestError(fmt::format("\"{}\" is neither true nor false", name));
-    }
-    return value != nullptr && value->get<bool>();
-}
-
 void Arguments::end() const {
     for (const auto& [name, value] : request_.items()) {
         if (!read_.contains(name)) { throw RequestError(fmt::format("\"{}\" has no place in it", name)); }

@@ -34,8 +34,6 @@ public:
     [[nodiscard]] bool flag(std::string_view name);
     [[nodiscard]] const nlohmann::json& list(std::string_view name);
     [[nodiscard]] const nlohmann::json& object(std::string_view name);
-    // False where it is missing.
-    [[nodiscard]] bool flag(std::string_view name);
     [[nodiscard]] bool has(std::string_view name) const { return request_.contains(name); }
 
     // Refuses what nobody has read.

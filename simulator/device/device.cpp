@@ -50,7 +50,9 @@ void Device::put_back(Part part, const Device& first) {
             chip = first.chip;
             lastCard = first.lastCard;
             transaction = first.transaction;
-            transactions = first.transactions;
+            cardCounters = first.cardCounters;
+            confirming = first.confirming;
+            owesCard = first.owesCard;
             cardRequest = first.cardRequest;
             lastChipReading = first.lastChipReading;
             firstTries = first.firstTries;

@@ -68,7 +68,7 @@ Recorder::Recorder(const std::string& path, Values values, Cards cards, std::fun
 }
 
 void Recorder::listen(PinPad::Options& options) {
-    write(fmt::format("seed {}", options.seed));
+    if (options.seed) { write(fmt::format("seed {}", *options.seed)); }
     write(fmt::format("second {}", options.second.count()));
     listen_too(options.listeners.traffic, [this](const Traffic& traffic) { heard(traffic); });
     listen_too(options.listeners.finding, [this](const Finding& finding) {
