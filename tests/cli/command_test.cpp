@@ -132,10 +132,12 @@ TEST_F(CommandTest, NumberWithholdsWhatIsTyped) {
 TEST_F(CommandTest, WhatIsLeftOfACardIsToldToThoseWhoAsk) {
     pinPad_.when("GCX", Gestures().insert(card("visa-chip")));
     EXPECT_EQ(run({"tables", "load", QUORVEL_TABLES}).exit, 0);
+    pinPad_.when("RMC", Gestures().remove());
     EXPECT_EQ(run({"card"}).exit, 0);
     expect_lines(run({"emv", "5F24", "9F26"}), {"  5F24 Expiration date  301231"});
     EXPECT_EQ(run({"emv", "9F"}).exit, 2);
     expect_lines(run({"tracks"}), {"Track 2  withheld"});
+    pinPad_.insert(card("visa-chip"));
     pinPad_.when("RMC", Gestures().remove());
     expect_lines(run({"remove"}), {"Removed  yes"});
     const std::string data = "@" + folder_.file("data", "00112233445566778899AABBCCDDEEFF");

@@ -151,6 +151,7 @@ TEST_P(Keys, OfPanServeOnTheLinkUntilTheSessionEnds) {
         expect_clear_tracks("4111111111111111");
         EXPECT_EQ(call(abecs_cmd_clo, nullptr), ABECS_RSP_STAT_ST_OK);
         expect_marks(false);
+        EXPECT_EQ(call(abecs_cmd_opn, false), ABECS_RSP_STAT_ST_OK);
         expect_clear_tracks("4111111111111111");
         SetUp();
     }
