@@ -99,6 +99,9 @@ TEST(StandIn, IsAsLongAndAsValidAsWhatItStandsInFor) {
               response("GOX", param(emv, "5A08 4111111111111111 9F3601 08 5F2403 301231 DF0102 0000"_hex)
                                   + param("8057"_hex, "0000000000000000"_hex)),
               "PP_EMVDATA/5A,PP_EMVDATA/5F24,PP_EMVDATA/DF01,PP_PINBLK"},
+             // In two blocks.
+             {Sender::kPinPad, response("GCX", param("805B"_hex, "VISA")) + request("", param(pan, "4000000000006")),
+              response("GCX", param("805B"_hex, "VISA")) + request("", param(pan, "4222222222222")), "PP_PAN"},
              {Sender::kPinPad, response("GCD", param("804D"_hex, "7391")), response("GCD", param("804D"_hex, "0001")),
               "PP_VALUE"},
              {Sender::kPinPad, response("CHP", "0059000AB1234"), response("CHP", "0050000000000"), "rest"},
@@ -372,6 +375,14 @@ TEST_F(ReplayTest, LetsFaultsStrikeAsTheyDid) {
                   Replayer(Recording::parse(recorded({">GKY", "<GKY"})), {});
               }),
               "line 3: this is no response");
+}
+
+TEST_F(ReplayTest, WaitsForAHostThatComesAgain) {
+    replay({">OPN", "<OPN000", "* left", ">GKY", "<GKY004", "* left"});
+    exchange(kOpn, kAck + kOpnDone);
+    host_.emplace(replayer_->path());
+    exchange(frame("GKY"), kAck + frame("GKY004"));
+    EXPECT_EQ(left(), Lines{});
 }
 
 TEST_F(ReplayTest, TakesItsTimeWhenAsked) {
