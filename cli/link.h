@@ -55,6 +55,13 @@ public:
     template <typename Request>
     auto wait(const Request& request, std::chrono::seconds within, std::string_view command = id_of<Request>()) {
         interrupt::check();
+        return wait_regardless(request, within, command);
+    }
+
+    // The same though the user has had enough, for what is owed to whoever stands at the PIN pad.
+    template <typename Request>
+    auto wait_regardless(const Request& request, std::chrono::milliseconds within,
+                         std::string_view command = id_of<Request>()) {
         return in_words(command, [&] {
             auto waiting = start(request);
             waiting.on_notice([this](std::string_view text) { output_.notice("PIN pad: " + std::string(text)); });

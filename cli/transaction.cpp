@@ -18,6 +18,14 @@ CardAnswer read_card(Link& link, const CardRequest& request) {
     return card;
 }
 
+std::string have_card_removed(Link& link, const std::string& message, std::chrono::seconds timeout) {
+    static constexpr std::chrono::milliseconds kMoment{500};
+    try {
+        const auto status = link.wait_regardless(Rmc{message}, interrupt::requested() ? kMoment : timeout).status();
+        return std::string(status.is_ok() ? kRemoved : "still there");
+    } catch (const Error& error) { return error.what(); }
+}
+
 std::string card_type_words(CardType type) {
     switch (type) {
         case CardType::stripe:

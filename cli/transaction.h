@@ -26,6 +26,12 @@ struct CardRequest {
 // Throws StatusError for any status but OK, and Error for a card of a kind that is not known.
 [[nodiscard]] CardAnswer read_card(Link& link, const CardRequest& request);
 
+inline constexpr std::string_view kRemoved = "removed";
+
+// Asks for a card that is in the reader, if one is, to be taken out. Returns what came of it. Once the user has had
+// enough it asks for a moment only.
+[[nodiscard]] std::string have_card_removed(Link& link, const std::string& message, std::chrono::seconds timeout);
+
 [[nodiscard]] std::string card_type_words(CardType type);
 [[nodiscard]] inline bool runs_emv(CardType type) { return type == CardType::chip || type == CardType::contactless; }
 

@@ -35,7 +35,10 @@ def show(quorvel, port, text):
     link = ctypes.c_void_p(quorvel.call("abecs_comm_open", port.encode(), result=ctypes.c_void_p))
     try:
         quorvel.call("abecs_cmd_opn", link, False)
-        return quorvel.call("abecs_cmd_dsp", link, text.encode())
+        try:
+            return quorvel.call("abecs_cmd_dsp", link, text.encode())
+        finally:
+            quorvel.call("abecs_cmd_clo", link, text.encode()[:32])
     finally:
         quorvel.call("abecs_comm_close", ctypes.byref(link), result=None)
 

@@ -70,6 +70,16 @@ static bool try_to_show(Till* till, const char* text) {
     return shown;
 }
 
+/* Closing the session leaves a text on the display. */
+static void finish(Till* till, const char* text) {
+    KOR_TRY {
+        if (till->session) { require_ok(abecs_cmd_clo(till->pinpad, text)); }
+    }
+    KOR_CATCH(KOR_RESULT_OK) { fprintf(stderr, "%s\n", kor_exception_get_message()); }
+    KOR_END_TRY;
+    disconnect(till);
+}
+
 int main(int argc, char** argv) {
     if (argc != 3) {
         fprintf(stderr, "usage: %s PORT TEXT\n", argv[0]);
@@ -88,6 +98,6 @@ int main(int argc, char** argv) {
         }
         shown = try_to_show(&till, argv[2]);
     }
-    disconnect(&till);
+    finish(&till, shown ? argv[2] : NULL);
     return shown ? EXIT_SUCCESS : EXIT_FAILURE;
 }

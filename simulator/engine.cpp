@@ -33,6 +33,7 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
     : device_(std::move(options.device)),
       second_(options.second),
       patience_(options.patience),
+      sessions_(options.session),
       waits_(std::move(options.waits)),
       exchanged_(std::move(options.exchanged)),
       journal_(journal),
@@ -42,6 +43,7 @@ Engine::Engine(Options options, Journal& journal, Screen& screen, Cardholder& ca
       transmitter_(transmitter),
       notify_([this](std::string_view text) { notify(text); }),
       channel_(options.sessionKey) {
+    show_idle();
     post_state();
 }
 
@@ -151,12 +153,22 @@ void Engine::obey(const Request& request) {
         return refuse({Finding::Kind::kUnsupported, fmt::format("there is no command {:?}", id)}, Status::kInvcall,
                       request);
     }
+    if (sessions_ == Sessions::kStrict && !session_ && command->session == Command::Session::kStays) {
+        return refuse({Finding::Kind::kSequence, fmt::format("{} before OPN: there is no session", id)},
+                      Status::kInvcall, request);
+    }
     Call call{device_, journal_, screen_, channel_, notify_, Reader(id, packet.subspan(kIdWidth))};
-    const Screen::Content before = screen_.content();
+    const Screen::Content before = to_go_back_to();
     Outcome outcome = run(*command, call);
     const bool ends = command->session == Command::Session::kEnds;
-    if (ends) { end_session(); }
+    if (ends) {
+        find_card_left("the session was closed");
+        end_session();
+    }
     if (const auto* answer = std::get_if<Answer>(&outcome)) {
+        const bool opens = command->session == Command::Session::kOpens && answer->status == Status::kOk;
+        if (opens && !session_) { session_ = ++begun_; }
+        show_in_passing(answer->shows);
         return respond(id, id, *answer, request.sealed && !ends);
     }
     wait(*command, std::get<Wait>(std::move(outcome)), request.sealed, before);
@@ -170,6 +182,7 @@ void Engine::refuse(Finding finding, Status status, const Request& request) {
 
 // The host has dropped its keys as soon as the command was acknowledged, whatever the answer says.
 void Engine::end_session() {
+    session_.reset();
     channel_.close();
     device_.drop_pan_key();
     device_.transaction.reset();
@@ -177,7 +190,7 @@ void Engine::end_session() {
 
 void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Content before) {
     const auto deadline = Clock::now() + wait.limit.value_or(patience_).count() * second_;
-    pending_.emplace(Pending{command, std::move(wait), sealed, deadline, std::move(before)});
+    pending_.emplace(Pending{command, std::move(wait), sealed, deadline, std::move(before), ++begun_});
     post_state();
     cardholder_.attend(command.id);
     waits_(std::string(command.id));
@@ -187,6 +200,7 @@ void Engine::wait(const Command& command, Wait wait, bool sealed, Screen::Conten
 // Before anything is sent that it led to: whoever has read an answer finds the state that belongs to it.
 void Engine::post_state() {
     board_.post({.waiting = pending_ ? std::string(pending_->command.id) : "",
+                 .session = session_.has_value(),
                  .encrypted = channel_.active(),
                  .cardInserted = device_.chip.has_value(),
                  .cardNumber = device_.chip ? device_.chip->pan : ""});
@@ -198,7 +212,9 @@ std::optional<Engine::Clock::time_point> Engine::deadline() const {
 
 void Engine::poll(Clock::time_point now) {
     for (const Event& event : cardholder_.take()) { perform(event); }
-    if (pending_ && now >= pending_->deadline) { finish({.status = Status::kTimeout, .blocks = {}}); }
+    if (pending_ && now >= pending_->deadline) {
+        finish({.status = Status::kTimeout, .blocks = {}, .shows = pending_->wait.overdue});
+    }
 }
 
 // A card goes in and out of the reader whether or not a command waits for it.
@@ -227,6 +243,7 @@ Engine::Pending Engine::stop_waiting() {
 
 void Engine::finish(const Answer& answer) {
     const Pending ended = stop_waiting();
+    show_in_passing(answer.shows);
     respond(ended.command.id, ended.command.id, answer, ended.sealed);
 }
 
@@ -252,7 +269,43 @@ void Engine::restart() {
     decoder_ = {};
     lastResponse_.reset();
     end_session();
+    show_idle();
     post_state();
+}
+
+void Engine::leave(uint64_t begun) {
+    if (pending_ && pending_->number <= begun) {
+        find(Finding::Kind::kSequence, fmt::format("the line was closed while {} waited", stop_waiting().command.id));
+        lastResponse_.reset();
+        end_exchange(std::nullopt);
+    }
+    find_card_left("the line was closed");
+    if (session_.value_or(begun + 1) <= begun && sessions_ == Sessions::kStrict) {
+        find(Finding::Kind::kSequence, "the line was closed without CLO: the session is still open");
+    }
+}
+
+// Once for each card.
+void Engine::find_card_left(std::string_view when) {
+    if (!std::exchange(device_.owesCard, false)) { return; }
+    find(Finding::Kind::kSequence,
+         fmt::format("{} with a card in the reader: nobody asked for it to be taken out (RMC)", when));
+}
+
+void Engine::show_idle() {
+    passing_.reset();
+    screen_.show({.text = device_.text(Text::kIdle)});
+}
+
+void Engine::show_in_passing(const std::optional<std::string>& text) {
+    if (!text) { return; }
+    passing_ = Screen::Content{.text = *text};
+    screen_.show(*passing_);
+}
+
+Screen::Content Engine::to_go_back_to() const {
+    Screen::Content shown = screen_.content();
+    return shown == passing_ ? Screen::Content{.text = device_.text(Text::kIdle)} : shown;
 }
 
 void Engine::find(Finding::Kind kind, std::string text) { journal_.record(Finding{kind, std::move(text)}); }

@@ -4,6 +4,7 @@
 #define QUORVEL_SIMULATOR_ENGINE_H
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,6 +26,9 @@
 
 namespace quorvel::sim {
 
+// Whether commands need an open session, as with a PIN pad, or are carried out without one, too.
+enum class Sessions { kStrict, kLenient };
+
 // The PIN pad's side of the protocol, without a line: bytes go in, bytes come out.
 class Engine {
 public:
@@ -38,6 +42,7 @@ public:
         std::chrono::milliseconds second{1000};
         // How long a command waits that says nothing about it.
         std::chrono::seconds patience{120};
+        Sessions session = Sessions::kStrict;
         // Called with the id of each command that begins to wait, and when a command has ended.
         std::function<void(const std::string&)> waits = [](const std::string&) {};
         std::function<void(const Exchange&)> exchanged = [](const Exchange&) {};
@@ -59,6 +64,11 @@ public:
 
     // Forgets all but the device, as it does without power.
     void restart();
+    // How many sessions and waits have begun.
+    [[nodiscard]] uint64_t begun() const noexcept { return begun_; }
+    // The host has closed the line whose sessions and waits are the first so many. Its session goes on, as a PIN pad
+    // does not notice; a command that waits is given up.
+    void leave(uint64_t begun);
 
     [[nodiscard]] const Device& device() const noexcept { return device_; }
 
@@ -78,6 +88,7 @@ private:
         bool sealed;
         Clock::time_point deadline;
         Screen::Content before;
+        uint64_t number;
     };
 
     void handle(const Reception& reception);
@@ -91,6 +102,11 @@ private:
     void obey(const Request& request);
     void refuse(Finding finding, Status status, const Request& request);
     void end_session();
+    void find_card_left(std::string_view when);
+    // What is shown until the host has something to show, and is never gone back to.
+    void show_in_passing(const std::optional<std::string>& text);
+    void show_idle();
+    [[nodiscard]] Screen::Content to_go_back_to() const;
 
     void wait(const Command& command, Wait wait, bool sealed, Screen::Content before);
     void perform(const Event& event);
@@ -109,6 +125,7 @@ private:
     Device device_;
     const std::chrono::milliseconds second_;
     const std::chrono::seconds patience_;
+    const Sessions sessions_;
     const std::function<void(const std::string&)> waits_;
     const std::function<void(const Exchange&)> exchanged_;
     Journal& journal_;
@@ -123,6 +140,10 @@ private:
     std::optional<Exchange> exchange_;
     std::optional<Message> lastResponse_;
     int resends_ = 0;
+    uint64_t begun_ = 0;
+    // The number of the session that is open.
+    std::optional<uint64_t> session_;
+    std::optional<Screen::Content> passing_;
 };
 
 }  // namespace quorvel::sim

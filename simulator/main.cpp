@@ -65,6 +65,8 @@ struct Settings {
     std::string scenario;
     std::optional<sim::Scenario::End> ends;
     std::optional<unsigned> speed;
+    sim::Sessions session = sim::Sessions::kStrict;
+    std::optional<sim::Language> language;
     uint32_t seed = 1;
     unsigned count = 1;
     // Which of several this is about, from 1 on.
@@ -76,6 +78,10 @@ struct Settings {
 
 const std::map<std::string, sim::Scenario::End> kEnds{
     {"close", sim::Scenario::End::kClose}, {"done", sim::Scenario::End::kDone}, {"stop", sim::Scenario::End::kStop}};
+
+const std::map<std::string, sim::Sessions> kSessions{{"strict", sim::Sessions::kStrict},
+                                                     {"lenient", sim::Sessions::kLenient}};
+const std::map<std::string, sim::Language> kLanguageNames(sim::kLanguages.begin(), sim::kLanguages.end());
 
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {
@@ -106,6 +112,8 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
     if (performance != nullptr) { options = performance->prepare(std::move(options)); }
     options.speed = settings.speed.value_or(0);
     options.seed = settings.seed;
+    options.session = settings.session;
+    options.language = settings.language;
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
     std::string& serial = options.device.identity.serialNumber;
@@ -287,6 +295,14 @@ int main(int argc, char** argv) {
     app.add_option("--speed", settings.speed, "Take the time of a line of so many bits per second")
         ->type_name("BITS")
         ->check(CLI::Range(300, 4000000));
+    app.add_option("--session", settings.session,
+                   "Whether commands need an open session, as with a PIN pad, or are carried out without, too")
+        ->type_name("strict|lenient")
+        ->transform(CLI::CheckedTransformer(kSessions))
+        ->default_str("strict");
+    app.add_option("--language", settings.language, "In which it talks to the cardholder: English or Portuguese")
+        ->type_name("en|pt")
+        ->transform(CLI::CheckedTransformer(kLanguageNames));
     app.add_option("--seed", settings.seed, "Decides about faults that strike by chance")
         ->type_name("NUMBER")
         ->capture_default_str();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -20,6 +21,13 @@ std::chrono::nanoseconds byte_time(unsigned speed) {
                       : std::chrono::nanoseconds(std::chrono::seconds(kBitsPerByte)) / speed;
 }
 
+Device device_of(PinPad::Options& options) {
+    Device device = std::move(options.device);
+    if (options.language) { device.language = *options.language; }
+    if (options.clock) { device.clock = std::move(options.clock); }
+    return device;
+}
+
 }  // namespace
 
 static_assert(std::atomic<bool>::is_always_lock_free, "request_stop() is called in signal handlers");
@@ -34,10 +42,11 @@ PinPad::PinPad(Options options)
       transmitter_(byte_time(options.speed), faults_, journal_,
                    {.write = [this](ByteView bytes) { send(bytes); },
                     .hangUp = [this](std::chrono::milliseconds time) { hang_up(time); }}),
-      engine_({.device = std::move(options.device),
+      engine_({.device = device_of(options),
                .sessionKey = options.sessionKey,
                .second = options.second,
                .patience = options.patience,
+               .session = options.session,
                .waits =
                    [this](const std::string& command) {
                        if (companion_ != nullptr) { companion_->waits(*this, command); }
@@ -59,6 +68,7 @@ PinPad::~PinPad() { stop(); }
 void PinPad::run() {
     while (!stopping_) {
         if (companion_ != nullptr) { companion_->work(*this, Clock::now()); }
+        const uint64_t begun = engine_.begun();
         const bool room = heard_.size() < kMaxHeard;
         if (line_.wait(patience(), room) == Line::Event::kReadable) { heard_.push(line_.read(), {}, Clock::now()); }
         // What was done before the host spoke is not for the command that comes.
@@ -66,7 +76,7 @@ void PinPad::run() {
         hear();
         engine_.poll(Clock::now());
         transmitter_.flush();
-        see_off();
+        see_off(begun);
         come_and_go();
     }
 }
@@ -103,13 +113,19 @@ std::optional<PinPad::Clock::time_point> PinPad::next() const {
     return next;
 }
 
-// Whatever the host had sent before it closed the line comes first.
-void PinPad::see_off() {
-    if (!line_.has_departed()) { return; }
+// Whatever the host had sent before it closed the line comes first. Of what has been heard meanwhile some may be
+// somebody else's who has the line by now.
+void PinPad::see_off(uint64_t begun) {
+    if (line_.has_departed()) { leaving_ = line_.has_visitors() ? begun : std::numeric_limits<uint64_t>::max() - 1; }
+    if (!leaving_) { return; }
     if (line_.is_open()) { heard_.push(line_.read(), {}, Clock::now()); }
     hear();
     engine_.poll(Clock::now());
-    if (std::exchange(spoken_, false)) { companion_->left(*this); }
+    if (heard_.size() != 0) { return; }
+    const uint64_t own = *std::exchange(leaving_, std::nullopt);
+    if (!std::exchange(spoken_, false)) { return; }
+    engine_.leave(own);
+    if (companion_ != nullptr) { companion_->left(*this); }
 }
 
 void PinPad::come_and_go() {
@@ -118,6 +134,7 @@ void PinPad::come_and_go() {
         transmitter_.abandon();
         heard_.clear();
         spoken_ = false;
+        leaving_.reset();
         engine_.restart();
         line_.hang_up();
         returns_ = Clock::now() + *absence;

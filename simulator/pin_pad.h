@@ -50,6 +50,12 @@ public:
         std::chrono::milliseconds second{1000};
         // How long a command waits that says nothing about it, in such seconds.
         std::chrono::seconds patience{120};
+        // Whether commands need an open session.
+        Sessions session = Sessions::kStrict;
+        // In which it talks to the cardholder, in place of the device's.
+        std::optional<Language> language = {};
+        // By which dates are judged, in place of the device's.
+        std::function<std::chrono::system_clock::time_point()> clock = {};
         // Bits per second of the line, ten to a byte; 0 for one that takes no time.
         unsigned speed = 0;
         // What is to go wrong from the start, and the seed for what goes wrong by chance.
@@ -119,7 +125,7 @@ private:
     void hear();
     void send(ByteView bytes);
     void come_and_go();
-    void see_off();
+    void see_off(uint64_t begun);
 
     Journal journal_;
     Companion* const companion_;
@@ -135,6 +141,8 @@ private:
     Clock::time_point lastHeard_{};
     // Whether the host that has the line has sent anything.
     bool spoken_ = false;
+    // It has closed the line, and perhaps not all that it has sent is heard: which sessions and waits were its own.
+    std::optional<uint64_t> leaving_;
     // While the line is gone.
     Clock::time_point returns_{};
     const std::function<void(const std::string&)> returned_;

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the quorvel authors
 #include <fmt/format.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ struct CardOptions {
     std::optional<uint8_t> acquirer;
     uint8_t timeout = 60;
     bool noTap = false;
+    bool keepCard = false;
 };
 
 Outcome run_card(Context& context, const CardOptions& options) {
@@ -31,9 +33,20 @@ Outcome run_card(Context& context, const CardOptions& options) {
                               .whole = context.output.reveals()};
     Link link(context.settings, context.output);
     context.output.notice(options.noTap ? "Insert or swipe the card." : "Insert, swipe or tap the card.");
-    const CardAnswer card = read_card(link, request);
+    const auto give_back = [&] {
+        if (options.keepCard || interrupt::requested()) { return; }
+        static_cast<void>(have_card_removed(link, "REMOVE THE CARD", request.timeout));
+    };
+    std::optional<CardAnswer> card;
+    try {
+        card = read_card(link, request);
+    } catch (const StatusError&) {
+        give_back();
+        throw;
+    }
+    if (card->type == CardType::chip) { give_back(); }
     link.close();
-    return {card_group(card)};
+    return {card_group(*card)};
 }
 
 // In clear, as the PIN pad gives the tracks, and not the number, without a key.
@@ -84,6 +97,7 @@ Run card(CommandLine& line) {
     line.number("--acquirer", options->acquirer, "Look for its applications only", "INDEX", 0, 99);
     line.number("--timeout", options->timeout, "Seconds to wait for the card", "SECONDS", 1);
     line.flag("--no-tap", options->noTap, "Take no contactless card");
+    line.flag("--keep-card", options->keepCard, "Do not wait until the card is removed");
     return [options](Context& context) { return run_card(context, *options); };
 }
 

@@ -106,7 +106,9 @@ private:
     void fail(const Error& error) {
         failure_ = std::current_exception();
         failedWith_ = error.exit();
-        lineLost_ = dynamic_cast<const LibraryError*>(&error) != nullptr;
+        // After an answer that makes no sense the line is still there.
+        const auto* raised = dynamic_cast<const LibraryError*>(&error);
+        lineLost_ = raised != nullptr && raised->code() != ErrorCode::protocol;
         step(at_, "Failed", error.what());
         if (!authorised_) { return end(Ending::kDeclined, "no acquirer has authorised it"); }
         const auto* refused = dynamic_cast<const StatusError*>(&error);
@@ -125,10 +127,12 @@ private:
 
     void take_card() {
         begin("GCX");
+        inside_ = true;
         output_.notice(fmt::format("{}: insert, swipe or tap the card.", amount_words(amount_)));
         const CardRequest request{
             .amount = amount_, .currency = options_.currency, .timeout = timeout_, .whole = output_.reveals()};
         card_ = read_card(*link_, request);
+        inside_ = card_->type == CardType::chip;
         step("GCX", "Read the card", card_type_words(*card_->type));
     }
 
@@ -206,24 +210,19 @@ private:
         return ending_ == Ending::kApproved ? "APPROVED" : failure_ != nullptr ? "" : "DECLINED";
     }
 
-    // The card that could not be read may be inside all the same; with none there RMC is answered at once.
-    [[nodiscard]] bool was_refused() const { return at_ == "GCX" && failedWith_ == Exit::kRefused; }
-
     // The outcome stands, whatever comes of this.
     void give_back() {
-        const bool inside = card_ ? card_->type == CardType::chip : was_refused();
-        if (!inside || options_.keepCard || lineLost_ || interrupt::requested()) { return; }
-        try {
-            begin("RMC");
-            output_.notice("Remove the card.");
-            const std::string message = fmt::format("{:<16}REMOVE THE CARD", shown());
-            const auto status = link_->wait(Rmc{message}, timeout_).status();
-            step("RMC", "Have the card removed", status.is_ok() ? "removed" : "still there");
-        } catch (const Error& error) { step("RMC", "Have the card removed", error.what()); }
+        if (!inside_ || options_.keepCard || lineLost_) { return; }
+        begin("RMC");
+        if (card_) { output_.notice("Remove the card."); }
+        const std::string result = have_card_removed(*link_, fmt::format("{:<16}REMOVE THE CARD", shown()), timeout_);
+        if (interrupt::requested() && result != kRemoved) { lastText_ = "REMOVE THE CARD"; }
+        // Where no card was read there may have been none.
+        if (card_) { step("RMC", "Have the card removed", result); }
     }
 
     void say_goodbye() {
-        link_->leave_text(shown());
+        link_->leave_text(lastText_.empty() ? shown() : lastText_);
         try {
             if (!lineLost_) { link_->close(); }
         } catch (const Interrupted&) {  // the outcome stands
@@ -273,6 +272,10 @@ private:
     std::exception_ptr failure_;
     Exit failedWith_ = Exit::kOk;
     bool lineLost_ = false;
+    // A chip card, or whatever was inserted and could not be read.
+    bool inside_ = false;
+    // In place of how it ended, for a cardholder whose card is still inside.
+    std::string lastText_;
     Group details_;
     Table steps_{{"No", "Command", "Step", "Result"}};
 };

@@ -36,9 +36,7 @@ public:
     // Before the wait: what the chip in the reader comes to at once.
     std::optional<Answer> begin() {
         if (device_.chip) { return insert(); }
-        const std::string& message = request_.message;
-        const std::string own = request_.contactless ? "INSERT, SWIPE OR TAP THE CARD" : "INSERT OR SWIPE THE CARD";
-        screen_.show({.text = message.empty() ? own : message});
+        ask(request_.contactless ? Text::kAskForCard : Text::kAskForCardWithoutTap);
         return std::nullopt;
     }
 
@@ -60,6 +58,12 @@ public:
     }
 
 private:
+    // The host's message says all that there is to say.
+    void ask(Text own) {
+        const std::string& message = request_.message;
+        screen_.show({.text = message.empty() ? amount_line(request_.objects) + device_.text(own) : message});
+    }
+
     void tell(std::string text) {
         if (waiting_) { return notify_(text); }
         notice_ = std::move(text);
@@ -69,16 +73,17 @@ private:
         if (!card.has_stripe()) { return Answer{.status = Status::kMcdataerr}; }
         const ChipReading last = std::exchange(device_.lastChipReading, ChipReading::kGood);
         if (card.prefers_chip() && last == ChipReading::kGood) {
-            screen_.show({.text = "INSERT THE CHIP"});
+            screen_.show({.text = device_.text(Text::kInsertChip)});
             tell("INSERT THE CHIP");
             return std::nullopt;
         }
         device_.lastCard = card;
-        return answer_({.type = CardType::kStripe, .lastChip = last, .card = card});
+        return showing(answer_({.type = CardType::kStripe, .lastChip = last, .card = card}), Text::kProcessing);
     }
 
     std::optional<Answer> insert() {
         const Card& card = *device_.chip;
+        device_.owesCard = true;
         const Status fault = card.chip ? card.chip->fault : Status::kDumbcard;
         if (fault != Status::kOk) { return chip_failed(fault); }
         const auto found = applications(card, kChipAbsence);
@@ -87,7 +92,7 @@ private:
         if (candidates_.size() == 1) { return take_chip(candidates_.front()); }
         std::vector<std::string> labels;
         for (const Application& each : candidates_) { labels.push_back(each.label); }
-        menu_.emplace(screen_, "CHOOSE", std::move(labels));
+        menu_.emplace(screen_, device_.text(Text::kChoose), std::move(labels));
         tell("CHOOSE THE APPLICATION");
         return std::nullopt;
     }
@@ -149,9 +154,13 @@ private:
         objects.merge(card.objects());
         objects.merge(terminal_objects());
         device_.lastCard = card;
-        device_.transaction =
-            Transaction{.interface = interface, .card = card, .application = application, .objects = objects};
-        return answer_({.type = type, .card = card, .application = application, .objects = std::move(objects)});
+        device_.transaction = Transaction{.interface = interface,
+                                          .card = card,
+                                          .application = application,
+                                          .objects = objects,
+                                          .told = request_.objects};
+        return showing(answer_({.type = type, .card = card, .application = application, .objects = std::move(objects)}),
+                       Text::kProcessing);
     }
 
     std::vector<Application> candidates_;

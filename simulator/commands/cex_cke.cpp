@@ -42,6 +42,7 @@ std::optional<Event> already(const Device& device, const Awaited& awaited) {
 // `answer` makes the answer for an event that is awaited.
 template <typename MakeAnswer>
 Outcome await(Device& device, const Awaited& awaited, std::optional<std::chrono::seconds> limit, MakeAnswer answer) {
+    if (awaited.chip == Chip::kRemoval) { device.owesCard = false; }
     if (const auto event = already(device, awaited)) { return std::visit(answer, *event); }
     return Wait{[&device, awaited, answer](const Event& event) -> std::optional<Answer> {
                     if (!std::visit(awaited, event)) { return std::nullopt; }

@@ -85,7 +85,8 @@ Bytes pin_data(char format, const std::string& pin) {
 
 // The PIN goes to the chip and nowhere else.
 Outcome verify(Call& call, const ChpRequest& request) {
-    DigitEntry entry(call.screen, request.message, kFewestPinDigits, kMaxPinDigits, DigitEntry::Echo::kCount);
+    DigitEntry entry(call.screen, text_or(call, request.message, Text::kEnterPin), kFewestPinDigits, kMaxPinDigits,
+                     DigitEntry::Echo::kCount);
     return Wait{[&device = call.device, request, entry](const Event& event) mutable -> std::optional<Answer> {
         if (request.slot == 0 && std::holds_alternative<CardRemoved>(event)) {
             return Answer{.status = Status::kNocard};

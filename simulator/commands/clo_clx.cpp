@@ -14,7 +14,7 @@ constexpr size_t kMaxDisplay = 128;
 
 Answer clo(Call& call) {
     Reader fields = only_block(call);
-    Screen::Content content{.text = fields.s("CLO_MSG", kMessageWidth)};
+    Screen::Content content{.text = text_or(call, fields.s("CLO_MSG", kMessageWidth), Text::kIdle)};
     fields.end();
     call.screen.show(std::move(content));
     return {};
@@ -40,6 +40,7 @@ Answer clx(Call& call) {
     if (!content.media.empty() && !call.device.media.has(content.media)) {
         return {.status = Status::kMfnfound, .blocks = {}};
     }
+    if (content.media.empty()) { content.text = text_or(call, content.text, Text::kIdle); }
     call.screen.show(std::move(content));
     return {};
 }

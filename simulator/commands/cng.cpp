@@ -28,7 +28,10 @@ Answer cng(Call& call) {
     DataObjects changed = decode(changed_objects(call.request));
     auto& transaction = call.device.transaction;
     if (!transaction) { return out_of_sequence(call, "CNG without a chip that was read"); }
-    for (auto& [tag, value] : changed) { transaction->objects.insert_or_assign(tag, std::move(value)); }
+    for (auto& [tag, value] : changed) {
+        if (transaction->told.contains(tag)) { transaction->told[tag] = value; }
+        transaction->objects.insert_or_assign(tag, std::move(value));
+    }
     return {};
 }
 

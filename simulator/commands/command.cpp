@@ -52,7 +52,7 @@ constexpr std::array kTable{
     Command{"MLI", commands::mli},
     Command{"MLR", commands::mlr},
     Command{"MNU", commands::mnu},
-    Command{"OPN", commands::opn},
+    Command{"OPN", commands::opn, Session::kOpens},
     Command{"RMC", commands::rmc},
     Command{"TLE", commands::tle},
     Command{"TLI", commands::tli},

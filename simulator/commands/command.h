@@ -40,6 +40,8 @@ struct Call {
 struct Answer {
     Status status = Status::kOk;
     std::vector<Bytes> blocks = {};
+    // What is shown from now on, until somebody shows something else; nothing for what is shown anyway.
+    std::optional<std::string> shows = {};
 
     [[nodiscard]] static Answer of(const Writer& fields) { return {.blocks = {fields.bytes()}}; }
     // The parameters in their order, in the second block those from the first that does not fit on.
@@ -54,6 +56,8 @@ struct Wait {
     std::optional<std::chrono::seconds> limit = {};
     // What the host is told as the wait begins, as Call::notify does it later.
     std::string notice = {};
+    // What is shown once its time is over; nothing for what was shown before.
+    std::optional<std::string> overdue = {};
 };
 
 using Outcome = std::variant<Answer, Wait>;
@@ -63,7 +67,7 @@ using Handler = std::variant<Answer (*)(Call&), Outcome (*)(Call&)>;
 
 // What this PIN pad does about a command.
 struct Command {
-    enum class Session { kStays, kEnds };
+    enum class Session { kStays, kOpens, kEnds };
 
     std::string_view id;
     Handler handle;

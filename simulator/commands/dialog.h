@@ -6,7 +6,10 @@
 #include <memory>
 #include <utility>
 
+#include "simulator/cards/emv.h"
 #include "simulator/commands/command.h"
+#include "simulator/device/texts.h"
+#include "wire/tag.h"
 
 namespace quorvel::sim::commands {
 
@@ -22,7 +25,31 @@ public:
           request_(std::move(request)),
           answer_(std::move(answer)) {}
 
+    // With what the cardholder is told of it.
+    [[nodiscard]] Answer shown(Answer answer) const {
+        const auto text = text_for(answer.status);
+        if (text && !answer.shows) { answer.shows = device_.text(*text); }
+        return answer;
+    }
+    [[nodiscard]] std::string overdue() const { return device_.text(Text::kTimeOut); }
+
 protected:
+    [[nodiscard]] Answer showing(Answer answer, Text text) const {
+        if (answer.status == Status::kOk) { answer.shows = device_.text(text); }
+        return answer;
+    }
+
+    // In front of what the PIN pad asks for, when there is an amount.
+    [[nodiscard]] std::string amount_line(const DataObjects& objects) const {
+        const auto number = [&](Tag tag) {
+            const auto found = objects.find(tag);
+            return found != objects.end() ? from_bcd(found->second) : 0;
+        };
+        const uint64_t amount = number(tag::kAmount);
+        const auto currency = static_cast<unsigned>(number(tag::kCurrency));
+        return amount == 0 ? "" : amount_text(amount, currency, device_.language) + "\r";
+    }
+
     Device& device_;
     Screen& screen_;
     const std::function<void(std::string_view)>& notify_;
@@ -33,8 +60,12 @@ protected:
 template <typename Talk, typename... Arguments>
 [[nodiscard]] Outcome hold(std::optional<std::chrono::seconds> limit, Arguments&&... arguments) {
     const auto talk = std::make_shared<Talk>(std::forward<Arguments>(arguments)...);
-    if (const auto atOnce = talk->begin()) { return *atOnce; }
-    return Wait{[talk](const Event& event) { return talk->on(event); }, limit, talk->wait()};
+    if (const auto atOnce = talk->begin()) { return talk->shown(*atOnce); }
+    return Wait{[talk](const Event& event) {
+                    auto answer = talk->on(event);
+                    return answer ? std::optional(talk->shown(*std::move(answer))) : std::nullopt;
+                },
+                limit, talk->wait(), talk->overdue()};
 }
 
 }  // namespace quorvel::sim::commands

@@ -37,7 +37,10 @@ Answer dex(Call& call) {
 
 // With no card in the reader there is nothing to wait for.
 Outcome rmc(Call& call) {
-    call.screen.show(message(call, "RMC_MSG"));
+    Screen::Content content = message(call, "RMC_MSG");
+    content.text = text_or(call, content.text, Text::kRemoveCard);
+    call.screen.show(std::move(content));
+    call.device.owesCard = false;
     if (!call.device.chip) { return Answer{}; }
     return Wait{[](const Event& event) -> std::optional<Answer> {
         if (std::holds_alternative<CardRemoved>(event)) { return Answer{}; }

@@ -8,6 +8,7 @@
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/commands/params.h"
+#include "simulator/commands/plausible.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
@@ -43,11 +44,12 @@ Answer fcx(Call& call) {
     const auto tags = params.find(spe::kTagList, tag_list);
     static_cast<void>(params.timeout());
     if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FCX")) { return *unfit; }
+    judge_money(call, "FCX", {request.issuerData.begin(), request.issuerData.end()});
     const Finished finished = finish_chip(call.device, request);
     std::vector<Param> answer;
     answer.push_back({pp::kFcxRes, Writer().n(static_cast<unsigned>(finished.decision), 3).bytes()});
     if (!finished.scriptResults.empty()) { answer.push_back({pp::kIsResults, finished.scriptResults}); }
-    return with_emv_data(std::move(answer), finished.objects, tags);
+    return finished_answer(call.device, finished, with_emv_data(std::move(answer), finished.objects, tags));
 }
 
 }  // namespace quorvel::sim::commands

@@ -96,4 +96,9 @@ Finished finish_chip(Device& device, const FinishRequest& request) {
     return finished;
 }
 
+Answer finished_answer(const Device& device, const Finished& finished, Answer answer) {
+    answer.shows = device.text(finished.decision == FinalDecision::kApproved ? Text::kApproved : Text::kDeclined);
+    return answer;
+}
+
 }  // namespace quorvel::sim::commands

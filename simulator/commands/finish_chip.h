@@ -33,6 +33,9 @@ struct Finished {
 // Needs a transaction that has asked for the issuer and for which unfit_transaction() finds nothing.
 [[nodiscard]] Finished finish_chip(Device& device, const FinishRequest& request);
 
+// The answer, with what the cardholder is told of the decision.
+[[nodiscard]] Answer finished_answer(const Device& device, const Finished& finished, Answer answer);
+
 }  // namespace quorvel::sim::commands
 
 #endif

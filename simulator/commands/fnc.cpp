@@ -5,6 +5,7 @@
 #include "simulator/commands/finish_chip.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
+#include "simulator/commands/plausible.h"
 
 namespace quorvel::sim::commands {
 
@@ -52,13 +53,15 @@ Answer fnc(Call& call) {
     const std::vector<Tag> wanted = tags(call.request.block("CMD_LEN2"));
     call.request.end();
     if (auto unfit = unfit_transaction(call, Transaction::Stage::kOnline, "FNC")) { return *unfit; }
+    judge_money(call, "FNC", {request.issuerData.begin(), request.issuerData.end()});
     const Finished finished = finish_chip(call.device, request);
     const Bytes found = encode(finished.objects, wanted);
     const Bytes& results = finished.scriptResults;
     if (found.size() > kMaxEmvData || results.size() > kMaxScriptResults) { return {.status = Status::kRspovrfl}; }
     Writer answer;
     answer.n(static_cast<unsigned>(finished.decision), 1).n(found.size(), 3).h(found, 2 * found.size());
-    return Answer::of(answer.n(results.size(), 2).h(results, 2 * results.size()).n(0, 3));
+    answer.n(results.size(), 2).h(results, 2 * results.size()).n(0, 3);
+    return finished_answer(call.device, finished, Answer::of(answer));
 }
 
 }  // namespace quorvel::sim::commands

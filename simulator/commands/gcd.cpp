@@ -15,7 +15,9 @@ namespace {
 
 constexpr uint64_t kMaxDigits = 32;
 
-std::string prompt(uint64_t index) { return fmt::format("NUMBER {:04X}", index); }
+std::string prompt(const Device& device, uint64_t index) {
+    return fmt::format("{} {:04X}", device.text(Text::kNumber), index);
+}
 
 }  // namespace
 
@@ -25,7 +27,7 @@ Outcome gcd(Call& call) {
     const uint64_t fewest = params.get(spe::kMinDig, [](Reader& r) { return r.x("digits", 1, {0, kMaxDigits}); });
     const uint64_t most = params.get(spe::kMaxDig, [&](Reader& r) { return r.x("digits", 1, {fewest, kMaxDigits}); });
     const auto limit = params.timeout();
-    DigitEntry entry(call.screen, prompt(message), fewest, most, DigitEntry::Echo::kDigits);
+    DigitEntry entry(call.screen, prompt(call.device, message), fewest, most, DigitEntry::Echo::kDigits);
     return Wait{[entry](const Event& event) mutable -> std::optional<Answer> {
                     const auto result = entry.on(event);
                     if (!result) { return std::nullopt; }

@@ -9,6 +9,7 @@
 #include "simulator/cards/emv.h"
 #include "simulator/commands/card_reading.h"
 #include "simulator/commands/handlers.h"
+#include "simulator/commands/plausible.h"
 #include "simulator/commands/widths.h"
 #include "simulator/keys/pan_cipher.h"
 #include "wire/hex.h"
@@ -142,6 +143,7 @@ Outcome read_for_gcr(Call& call, const CardRequest& request) {
 Outcome gcr(Call& call) {
     if (call.request.left() == 0) { return read_for_gcr(call, call.device.cardRequest.value_or(CardRequest())); }
     const GcrRequest request = gcr_request(call.request);
+    judge_moment(call, "GCR", request.card.objects.at(tag::kDate), request.card.objects.at(tag::kTime));
     call.device.cardRequest = request.card;
     const Status status = tables_status(call.device.tables, request);
     if (status != Status::kOk) { return Answer{.status = status}; }

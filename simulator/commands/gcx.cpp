@@ -12,6 +12,7 @@
 #include "simulator/commands/emv_params.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/commands/params.h"
+#include "simulator/commands/plausible.h"
 #include "simulator/commands/widths.h"
 #include "wire/param_id.h"
 
@@ -110,6 +111,8 @@ Outcome gcx(Call& call) {
         {spe::kTrnType, spe::kAcqRef, spe::kAppType, spe::kAidList, spe::kAmount, spe::kCashback, spe::kTrnCurr,
          spe::kGcxOpt, spe::kPanMask, spe::kEmvData, spe::kTagList, spe::kTimeout, spe::kDspMsg});
     const CardRequest request = card_request(params);
+    judge_moment(call, "GCX", request.objects.at(tag::kDate), request.objects.at(tag::kTime));
+    judge_twins(call, "GCX", request.objects, params.find(spe::kEmvData, emv_data).value_or(DataObjects()));
     const PanMask mask = params.pan_mask().value_or(PanMask{});
     const auto tags = params.find(spe::kTagList, tag_list);
     return read_card(call, request, params.timeout(),

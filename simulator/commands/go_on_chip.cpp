@@ -88,10 +88,13 @@ private:
         return is_chip() ? chip().verification : transaction().card.contactless->verification;
     }
 
-    void ask() {
+    // What the host has to say stands in place of the amount and of what the PIN pad asks for itself.
+    void ask(std::optional<Text> wrong = {}) {
         const std::string& message = request_.message;
-        entry_.emplace(screen_, message.empty() ? "ENTER THE PIN" : message, kFewestPinDigits, kMaxPinDigits,
-                       DigitEntry::Echo::kCount);
+        std::string text = message.empty() ? amount_line(transaction().objects) : "";
+        if (wrong) { text += device_.text(Text::kWrongPin) + "\r"; }
+        text += message.empty() ? device_.text(wrong.value_or(Text::kEnterPin)) : message;
+        entry_.emplace(screen_, text, kFewestPinDigits, kMaxPinDigits, DigitEntry::Echo::kCount);
     }
 
     Answer take_online(const std::string& pin) {
@@ -109,8 +112,9 @@ private:
         }
         ++verified_.pinErrors;
         if (chip().pinTries == 0) { return pin_blocked(); }
-        notify_(chip().pinTries == 1 ? "WRONG PIN, LAST TRY" : "WRONG PIN");
-        ask();
+        const bool last = chip().pinTries == 1;
+        notify_(last ? "WRONG PIN, LAST TRY" : "WRONG PIN");
+        ask(last ? Text::kLastTry : Text::kEnterPin);
         return std::nullopt;
     }
 
@@ -130,7 +134,14 @@ private:
         generate(objects, cryptogram(decision));
         transaction().stage =
             decision == Decision::kOnline ? Transaction::Stage::kOnline : Transaction::Stage::kFinished;
-        return answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects});
+        return showing(answer_({.decision = decision, .verified = verified_, .pin = pin_, .objects = objects}),
+                       outcome(decision));
+    }
+
+    [[nodiscard]] Text outcome(Decision decision) const {
+        if (decision == Decision::kOnline) { return Text::kProcessing; }
+        if (decision == Decision::kApproved) { return Text::kApproved; }
+        return verified_.pinBlocked ? Text::kPinBlocked : Text::kDeclined;
     }
 
     std::optional<DigitEntry> entry_;

@@ -9,6 +9,7 @@
 #include "simulator/cards/emv.h"
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
+#include "simulator/commands/plausible.h"
 #include "simulator/commands/widths.h"
 #include "wire/hex.h"
 
@@ -129,6 +130,7 @@ Outcome goc(Call& call) {
     const auto& transaction = call.device.transaction;
     const GocRequest request = goc_request(call.request, transaction ? transaction->application.acquirer : 0);
     if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOC")) { return *unfit; }
+    judge_money(call, "GOC", request.go.objects);
     return go_on_chip(
         call, request.go, std::nullopt,
         [tags = request.tags, pinTags = request.pinTags](const Gone& gone) { return goc_answer(gone, tags, pinTags); });

@@ -10,6 +10,7 @@
 #include "simulator/commands/go_on_chip.h"
 #include "simulator/commands/handlers.h"
 #include "simulator/commands/params.h"
+#include "simulator/commands/plausible.h"
 #include "wire/param_id.h"
 
 namespace quorvel::sim::commands {
@@ -96,10 +97,13 @@ Outcome gox(Call& call) {
     request.risk = risk(params);
     request.message = params.find(spe::kDspMsg, message).value_or("");
     request.objects = transaction_objects(params);
-    static_cast<void>(params.get(spe::kAcqRef, two_digits));
+    const unsigned acquirer = params.get(spe::kAcqRef, two_digits);
     const auto tags = params.find(spe::kTagList, tag_list);
     const auto limit = params.timeout();
     if (auto unfit = unfit_transaction(call, Transaction::Stage::kSelected, "GOX")) { return *unfit; }
+    judge_acquirer(call, "GOX", acquirer);
+    judge_twins(call, "GOX", request.objects, params.find(spe::kEmvData, emv_data).value_or(DataObjects()));
+    judge_money(call, "GOX", request.objects);
     const auto amount = request.objects.find(tag::kAmount);
     request.risk.amount = from_bcd(amount != request.objects.end() ? amount->second : known_amount(call.device));
     const int method = request.key.method;

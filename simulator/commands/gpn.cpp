@@ -104,7 +104,9 @@ public:
 private:
     [[nodiscard]] DigitEntry ask() const {
         const Prompt& prompt = request_.prompts[at_];
-        return {screen_, prompt.message, prompt.fewest, prompt.most, DigitEntry::Echo::kCount};
+        const std::string own = device_.text(Text::kEnterPin);
+        return {screen_, prompt.message.empty() ? own : prompt.message, prompt.fewest, prompt.most,
+                DigitEntry::Echo::kCount};
     }
 
     [[nodiscard]] Answer finish() const {

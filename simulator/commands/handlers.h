@@ -54,6 +54,11 @@ Answer tle(Call& call);
 Answer tli(Call& call);
 Answer tlr(Call& call);
 
+// The host's text, or the PIN pad's own where it has none.
+inline std::string text_or(const Call& call, std::string text, Text own) {
+    return text.empty() ? call.device.text(own) : text;
+}
+
 // Answers a command that another one had to come before.
 inline Answer out_of_sequence(Call& call, std::string fault) {
     call.journal.record(Finding{Finding::Kind::kSequence, std::move(fault)});

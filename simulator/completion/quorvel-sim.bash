@@ -5,10 +5,12 @@ _quorvel_sim() {
     case "$previous" in
     --scenario) words=$("${COMP_WORDS[0]}" --list-scenarios 2>/dev/null | cut -d' ' -f1) ;;
     --ends) words='close done stop' ;;
+    --session) words='strict lenient' ;;
+    --language) words='en pt' ;;
     --speed) words='9600 19200 38400 57600 115200' ;;
     --case) words=$("${COMP_WORDS[0]}" exam --list 2>/dev/null | sed -n 's/^  \([0-9.]*\).*/\1/p') ;;
     --link|--keys|--control|--seed|--count|--till|--jobs|--report) words='' ;;
-    *) words='exam --link --keys --control --scenario --ends --list-scenarios --speed --seed --count --face --trace --version --help'
+    *) words='exam --link --keys --control --scenario --ends --list-scenarios --speed --session --language --seed --count --face --trace --version --help'
        [ "${COMP_WORDS[1]:-}" != exam ] || words=$exam ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

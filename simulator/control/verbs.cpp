@@ -181,9 +181,10 @@ Control::Await await(Control& control, Arguments& arguments) {
 json state(Control& control, Arguments& arguments) {
     arguments.end();
     const State state = control.pin_pad().board().state();
+    const std::string_view session = state.encrypted ? "encrypted" : state.session ? "plain" : "none";
     return {{"port", control.pin_pad().path()},
             {"waiting", state.waiting.empty() ? json() : json(state.waiting)},
-            {"session", state.encrypted ? "encrypted" : "plain"},
+            {"session", session},
             {"card", state.cardInserted}};
 }
 

@@ -30,6 +30,7 @@ void Device::remove_card() {
     if (chip && chip->chip) { pinTries[chip->pan] = chip->chip->pinTries; }
     if (transaction && transaction->interface == Transaction::Interface::kChip) { transaction->interrupted = true; }
     chip.reset();
+    owesCard = false;
 }
 
 Device Device::standard() {

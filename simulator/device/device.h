@@ -4,7 +4,9 @@
 #define QUORVEL_SIMULATOR_DEVICE_DEVICE_H
 
 #include <array>
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,6 +15,7 @@
 #include "simulator/cards/chip.h"
 #include "simulator/device/media.h"
 #include "simulator/device/tables.h"
+#include "simulator/device/texts.h"
 #include "simulator/device/transaction.h"
 #include "simulator/keys/key_store.h"
 #include "simulator/wire.h"
@@ -91,9 +94,15 @@ struct Device {
     std::map<int, Chip> modules;
     // Card numbers and tracks leave enciphered under it: 8 bytes for DES, 16 for triple DES. A session's end drops it.
     std::optional<Bytes> panKey;
+    Language language = Language::kEnglish;
+    std::function<std::chrono::system_clock::time_point()> clock = std::chrono::system_clock::now;
+    // A host has had the card in the chip reader read, and has not asked for it to be taken out.
+    bool owesCard = false;
 
     [[nodiscard]] AcquirerInfo acquirer(int index) const;
     void drop_pan_key();
+
+    [[nodiscard]] std::string text(Text text) const { return text_of(text, language); }
 
     // Of the chip reader. A card takes the place of the one that is there.
     void insert(Card card);

@@ -48,6 +48,8 @@ struct Transaction {
     Card card;
     Application application;
     DataObjects objects;
+    // What the host has told of the money so far.
+    DataObjects told = {};
     Stage stage = Stage::kSelected;
     // The chip has left the reader, even if it came back.
     bool interrupted = false;

@@ -134,6 +134,9 @@ private:
                 return other_->lock();
         }
         other_.reset();
+        // What it has left behind is not the till's fault.
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        pinPad_.clear_findings();
     }
 
     void sell(Performer::Sale sale, uint64_t cents, Host host, Outcomes goal, const std::string& which) {

@@ -95,7 +95,7 @@ private:
             fail(Verdict::kState, fmt::format("{} still waits", evidence_.board.waiting));
         }
         if (!line_was_there()) { return; }
-        if (ledger().session_open() && !evidence_.asked.pardonsSession) {
+        if (evidence_.board.session && !evidence_.asked.pardonsSession) {
             fail(Verdict::kState, "the session was left open");
         }
         const bool excused = ledger().was_struck() || ledger().was_interrupted() || ledger().asked_for_removal();
@@ -112,16 +112,20 @@ private:
             fail(Verdict::kConduct, "the card has asked for the acquirer and was never told an answer");
         }
         for (const Finding& finding : evidence_.findings) {
-            if (is_pardoned(finding)) { continue; }
-            fail(Verdict::kConduct,
-                 fmt::format("the PIN pad complains ({}): {}", kind_name(finding.kind), finding.text));
+            if (!is_pardoned(finding)) { complain(finding); }
         }
     }
 
+    void complain(const Finding& finding) {
+        const Verdict verdict = finding.kind == Finding::Kind::kMoney ? Verdict::kMoney : Verdict::kConduct;
+        fail(verdict, fmt::format("the PIN pad complains ({}): {}", kind_name(finding.kind), finding.text));
+    }
+
+    // Whoever could not know of the session, or was cut off, cannot close it.
     [[nodiscard]] bool is_pardoned(const Finding& finding) const {
-        return std::ranges::any_of(evidence_.asked.pardons, [&](const std::string& part) {
-            return finding.text.find(part) != std::string::npos;
-        });
+        const auto tells = [&](std::string_view part) { return finding.text.find(part) != std::string::npos; };
+        if (evidence_.asked.pardonsSession && tells("without CLO")) { return true; }
+        return std::ranges::any_of(evidence_.asked.pardons, tells);
     }
 
     const Evidence& evidence_;

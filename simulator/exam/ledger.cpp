@@ -55,13 +55,19 @@ void Ledger::crossed(const Traffic& traffic) {
 }
 
 void Ledger::host_sent(const std::string& id) {
-    // A card that is read anew begins a sale anew.
-    if (step_of(id) == &card_) { go_ = finish_ = {}; }
+    if (step_of(id) == &card_) { begin_anew(); }
     if (Step* const step = step_of(id)) { *step = {.asked = true}; }
     pinAsked_ |= id == "GPN";
     removal_ |= id == "RMC";
     current_ = id;
     ackLost_ = false;
+}
+
+// A card that is read anew begins a sale anew. Whoever does so behind one that was made has the customer pay twice.
+void Ledger::begin_anew() {
+    doubled_ |= finish_.decision == '0';
+    go_ = finish_ = {};
+    cardType_.clear();
 }
 
 void Ledger::answered(const Traffic& traffic) {
@@ -79,8 +85,6 @@ void Ledger::exchanged(const Exchange& exchange) {
         if (!amount || item.value.empty()) { continue; }
         amounts_.push_back({exchange.command, std::stoull(std::string(item.value.begin(), item.value.end()))});
     }
-    if (exchange.command == "OPN" && exchange.status == 0) { open_ = true; }
-    if (is_one_of(exchange.command, "CLO", "CLX")) { open_ = false; }
     read_answer(exchange, wire::take_apart(Sender::kPinPad, exchange.response).items);
 }
 
@@ -111,6 +115,7 @@ bool Ledger::left_undecided() const {
 
 Outcomes Ledger::allowed(Host host) const {
     using enum Outcome;
+    if (doubled_) { return {kReversal, kUnknown}; }
     if (finish_.asked) {
         const Outcomes right = at_the_end(host == Host::kApproves || host == Host::kLate);
         // A card that has approved was told something else than the acquirer's no, which stays one.
@@ -157,6 +162,7 @@ Outcomes Ledger::settled(Delivery delivery, Host host) const {
 }
 
 std::string Ledger::words() const {
+    if (doubled_) { return "the card has approved, and was then read for another sale"; }
     if (finish_.decision) {
         return fmt::format("in the end the card has {}, and {}", finish_.decision == '0' ? "approved" : "declined",
                            delivery_words(finish_.is_whole()));

@@ -36,8 +36,6 @@ public:
         uint64_t cents = 0;
     };
     [[nodiscard]] const std::vector<Amount>& amounts() const noexcept { return amounts_; }
-    // Whether the session that was opened last, in all its knowledge, was not closed.
-    [[nodiscard]] bool session_open() const noexcept { return open_ && !cut_; }
     [[nodiscard]] bool was_cut() const noexcept { return cut_; }
     [[nodiscard]] bool was_struck() const noexcept { return struck_; }
     [[nodiscard]] bool was_interrupted() const noexcept { return interrupted_; }
@@ -59,6 +57,7 @@ private:
     };
 
     [[nodiscard]] Step* step_of(std::string_view id);
+    void begin_anew();
     void host_sent(const std::string& id);
     void answered(const Traffic& traffic);
     void read_answer(const Exchange& exchange, const std::vector<Item>& items);
@@ -73,7 +72,6 @@ private:
     std::string cardType_;
     std::string current_;
     bool ackLost_ = false;
-    bool open_ = false;
     bool removal_ = false;
     bool struck_ = false;
     bool cut_ = false;
@@ -81,6 +79,8 @@ private:
     // In the midst of what decides about the money.
     bool early_ = false;
     bool pinAsked_ = false;
+    // Behind an approval another card was asked for.
+    bool doubled_ = false;
     std::vector<Amount> amounts_;
 };
 

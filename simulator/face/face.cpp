@@ -117,6 +117,7 @@ View Face::view(size_t rows) const {
               .screen = pinPad_.screen(),
               .textSize = textSize_,
               .waiting = waiting_words(state.waiting),
+              .session = state.session,
               .encrypted = state.encrypted,
               .inserted = inserted(),
               .taken = taken_,

@@ -43,7 +43,10 @@ void display(Canvas& canvas, const View& view, size_t row, size_t column) {
     }
 }
 
-std::string session(const View& view) { return view.encrypted ? "encrypted session" : "plain session"; }
+std::string session(const View& view) {
+    if (!view.session) { return "no session"; }
+    return view.encrypted ? "encrypted session" : "plain session";
+}
 
 void pin_pad(Canvas& canvas, const View& view, const Area& area) {
     canvas.box(area, U"PIN pad");

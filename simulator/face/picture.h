@@ -29,6 +29,7 @@ struct View {
     Size textSize = {4, 16};
     // "GKY wait for a key"; empty when no command waits.
     std::string waiting = {};
+    bool session = false;
     bool encrypted = false;
     // The name of the card in the chip reader; empty when there is none.
     std::string inserted = {};

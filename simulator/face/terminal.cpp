@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -51,6 +52,11 @@ static_assert(kColours.size() == kStyleCount);
 
 // For terminals whose character set does not have it.
 char substitute(char32_t character) {
+    static constexpr std::string_view kLetters = "AAAAAAACEEEEIIIIDNOOOOOxOUUUUYPsaaaaaaaceeeeiiiidnooooo/ouuuuypy";
+    static constexpr char32_t kFirstLetter = U'\u00C0';
+    if (character >= kFirstLetter && character - kFirstLetter < kLetters.size()) {
+        return kLetters[character - kFirstLetter];
+    }
     switch (character) {
         case U'─':
             return '-';

@@ -2,14 +2,18 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/line/line.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
+
+#include "simulator/line/holders.h"
 
 namespace quorvel::sim {
 
@@ -33,21 +37,25 @@ Line::Terminal::Terminal(bool watched)
       path(slave_path(master)),
       slave(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open") {
     make_raw(slave.get());
-    if (!watched) { return; }
-    closes.emplace(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "inotify_init1");
-    if (::inotify_add_watch(closes->get(), path.c_str(), IN_CLOSE) < 0) { fail_call("inotify_add_watch"); }
+    const int events = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (events < 0 && !watched) { return; }
+    visits.emplace(events, "inotify_init1");
+    if (::inotify_add_watch(visits->get(), path.c_str(), IN_OPEN | IN_CLOSE) < 0) { fail_call("inotify_add_watch"); }
 }
 
 Line::Line(bool watched) : watched_(watched) { open(); }
 
-void Line::open() { terminal_.emplace(watched_); }
+void Line::open() {
+    holders_ = 0;
+    terminal_.emplace(watched_);
+}
 
 Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool wanted) {
     // poll() passes over descriptors below 0.
     const int master = wanted && terminal_ ? terminal_->master.get() : -1;
-    const int closes = terminal_ && terminal_->closes ? terminal_->closes->get() : -1;
+    const int visits = terminal_ && terminal_->visits ? terminal_->visits->get() : -1;
     std::array<pollfd, 3> polled{
-        {{master, POLLIN, 0}, {wakeUp_.get(), POLLIN, 0}, {closes, POLLIN, 0}},
+        {{master, POLLIN, 0}, {wakeUp_.get(), POLLIN, 0}, {visits, POLLIN, 0}},
     };
     const int ready = ::poll(polled.data(), polled.size(), limit ? static_cast<int>(limit->count()) : -1);
     if (ready < 0 && errno != EINTR) { fail_call("poll"); }
@@ -60,10 +68,20 @@ Line::Event Line::wait(std::optional<std::chrono::milliseconds> limit, bool want
     return polled[0].revents != 0 ? Event::kReadable : Event::kWoken;
 }
 
-// What they say is known: somebody has closed the device.
+// Of several alike that come at once the system tells one, so whoever seems to be left is looked for.
 void Line::see_departures() {
     std::array<char, 4096> events{};
-    departed_ |= ::read(terminal_->closes->get(), events.data(), events.size()) > 0;
+    const ssize_t count = ::read(terminal_->visits->get(), events.data(), events.size());
+    for (ssize_t at = 0; at < count;) {
+        inotify_event event{};
+        std::memcpy(&event, events.data() + at, sizeof event);
+        at += static_cast<ssize_t>(sizeof event + event.len);
+        if ((event.mask & IN_OPEN) != 0) { ++holders_; }
+        if ((event.mask & IN_CLOSE) == 0) { continue; }
+        holders_ -= std::min<size_t>(holders_, 1);
+        if (holders_ != 0 && !is_held(terminal_->path, terminal_->slave.get())) { holders_ = 0; }
+        departed_ |= holders_ == 0;
+    }
 }
 
 Bytes Line::read() {

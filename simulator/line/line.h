@@ -19,7 +19,8 @@ class Line {
 public:
     enum class Event { kReadable, kWoken, kTimedOut };
 
-    // `watched` lets has_departed() tell when somebody has closed the device. Throws std::system_error.
+    // Who wants it `watched` relies on has_departed(), for which the system has only so many watches. Others have one
+    // if it can be had. Throws std::system_error.
     explicit Line(bool watched = false);
 
     // The device to open, for instance /dev/pts/7.
@@ -37,8 +38,11 @@ public:
     // What has come, possibly nothing.
     [[nodiscard]] Bytes read();
 
-    // Whether somebody has closed the device since the last call. Never unless the line is watched.
+    // Whether the last of those who had the device open has closed it since the last call.
     [[nodiscard]] bool has_departed() noexcept { return std::exchange(departed_, false); }
+
+    // Whether somebody has it open now, as far as that is known.
+    [[nodiscard]] bool has_visitors() const noexcept { return holders_ != 0; }
 
     // What nobody takes is lost, as on a line with nobody at its other end. Returns false then. Not while the line is
     // gone, like read().
@@ -59,10 +63,11 @@ private:
         // Held open, so that the line neither hangs up nor forgets its settings when a client closes it.
         Descriptor slave;
         // Of inotify, as a master whose slave the PIN pad has open itself is not told.
-        std::optional<Descriptor> closes;
+        std::optional<Descriptor> visits;
     };
 
     const bool watched_;
+    size_t holders_ = 0;
     std::optional<Terminal> terminal_;
     WakeUp wakeUp_;
     bool departed_ = false;

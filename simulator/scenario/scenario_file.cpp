@@ -135,7 +135,10 @@ void read_time(Scenario& scenario, TomlTable table) {
 
 void read_device(Scenario& scenario, TomlTable& table, const fs::path& folder) {
     scenario.device = Device::standard();
-    if (auto device = table.table("device")) { scenario.device.identity = identity(std::move(*device)); }
+    if (auto device = table.table("device")) {
+        scenario.device.language = device->choice("language", kLanguages);
+        scenario.device.identity = identity(std::move(*device));
+    }
     if (auto inner = table.table("keys")) { scenario.device.keys = keys(std::move(*inner), folder); }
     for (TomlTable& each : table.tables("tables")) { load_tables(scenario.device.tables, std::move(each)); }
     if (auto time = table.table("time")) { read_time(scenario, std::move(*time)); }

@@ -12,6 +12,8 @@ std::string_view kind_name(Finding::Kind kind) noexcept {
             return "layout";
         case Finding::Kind::kSequence:
             return "sequence";
+        case Finding::Kind::kMoney:
+            return "money";
         case Finding::Kind::kUnsupported:
             return "unsupported";
         case Finding::Kind::kInternal:

@@ -14,6 +14,7 @@ struct Finding {
         kFraming,      // bytes or frames that the link does not know
         kLayout,       // a command whose fields are not as they must be
         kSequence,     // a command or an answer at the wrong time
+        kMoney,        // an amount, a currency, an acquirer or a date that cannot be meant
         kUnsupported,  // a command or an item that this PIN pad does not have
         kInternal,     // the virtual PIN pad's own failure
     };

@@ -15,6 +15,7 @@ namespace quorvel::sim {
 struct State {
     // The id of the command that waits for the cardholder; empty when none does.
     std::string waiting = {};
+    bool session = false;
     bool encrypted = false;
     bool cardInserted = false;
     // The card number of that card.

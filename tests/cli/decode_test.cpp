@@ -63,9 +63,10 @@ using DecodeSaleTest = PinPadToolTest;
 TEST_F(DecodeSaleTest, ReadsTheTracesOfASale) {
     pinPad_.when("GCX", Gestures().insert(card("visa-chip")));
     pinPad_.when("GOX", Gestures().type("1234"));
+    pinPad_.when("RMC", Gestures().remove());
     const std::string own = folder_ / "own";
-    const Ended ended = run({"sale", "--amount", "12.34", "--tables", QUORVEL_TABLES, "--keep-card", "--secure",
-                             "--json", "--trace", "--trace-file", own});
+    const Ended ended = run({"sale", "--amount", "12.34", "--tables", QUORVEL_TABLES, "--secure", "--json", "--trace",
+                             "--trace-file", own});
     ASSERT_EQ(ended.exit, 0) << ended.err;
     std::string wire;
     for (const sim::Traffic& traffic : pinPad_.traffic()) { wire += sim::to_text(traffic); }

@@ -60,7 +60,7 @@ TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
         {{"tables", "version"}},
         {{"card"}, "GCX", Gestures().swipe(stripe)},
         {{"card", "--secure"}, "GCX", Gestures().swipe(stripe)},
-        {{"sale", "--amount", "1", "--keep-card"}, "GCX", Gestures().insert(card("visa-chip"))},
+        {{"sale", "--amount", "1"}, "GCX", Gestures().insert(card("visa-chip"))},
         {{"pin", "--pan", pan}, "GPN", Gestures().type("1234")},
         {{"pin", "--pan", pan, "--method", "mk-tdes", "--working-key", "@" + folder_.file("key", kWorkingKey)},
          "GPN",
@@ -76,7 +76,10 @@ TEST_P(PrivacyTest, NoCommandShowsACardNumberATrackAPinBlockOrAKey) {
     for (const auto& each : cases) {
         const std::string& command = each.arguments.front();
         if (*each.waits != '\0') { pinPad_.when(each.waits, each.gestures); }
-        if (command == "sale") { pinPad_.when("GOX", Gestures().type("1234")); }
+        if (command == "sale") {
+            pinPad_.when("GOX", Gestures().type("1234"));
+            pinPad_.when("RMC", Gestures().remove());
+        }
         Arguments arguments = each.arguments;
         arguments.emplace_back("--trace");
         if (GetParam()) { arguments.emplace_back("--json"); }

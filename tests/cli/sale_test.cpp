@@ -58,6 +58,9 @@ TEST_F(SaleTest, TellsHowItEndedAndWhy) {
         pinPad_.when("GCX", Gestures().insert(card(name)));
         arguments.emplace_back("--keep-card");
         const Json object = sell(arguments);
+        // Whoever wants it so leaves the card where it is.
+        EXPECT_EQ(pinPad_.findings().size(), 1U);
+        pinPad_.clear_findings();
         const bool approved = result.starts_with("approved");
         EXPECT_EQ(object["exit"], approved ? 0 : 5);
         EXPECT_EQ(object["result"]["verification"], verification);
@@ -111,7 +114,7 @@ TEST_F(SaleTest, LeavesNoMoneyInDoubt) {
          true,
          true,
          6,
-         "GTS;GCX;GOX;-;FCX;",
+         "GTS;GCX;GOX;-;FCX;RMC;",
          "the card may have decided"},
         {{.kind = "status", .command = "FCX", .status = 40},
          "visa-signature",
@@ -180,6 +183,7 @@ TEST_F(SaleTest, TakesStripesAndContactlessCards) {
 
 TEST_F(SaleTest, WithoutTablesExplainsWhatIsMissing) {
     pinPad_.insert(card("visa-chip"));
+    pinPad_.when("RMC", Gestures().remove());
     const Ended ended = run({"sale", "--amount", "1"});
     EXPECT_EQ(ended.exit, 1);
     EXPECT_NE(ended.err.find("TABERR"), std::string::npos) << ended.err;
@@ -193,6 +197,14 @@ TEST_F(SaleTest, CardTellsOfTheCard) {
     EXPECT_NE(ended.out.find("Card number  401288******1881\n"), std::string::npos) << ended.out;
     pinPad_.when("GCX", Gestures().swipe(card("visa-magnetic")));
     EXPECT_EQ(run_json({"card", "--reveal"})["result"]["cardNumber"], "4012888888881881");
+    // A chip has to leave the reader, also one that says nothing.
+    run({"tables", "load", QUORVEL_TABLES});
+    for (const auto& [name, exit] : {std::pair("visa-chip", 0), {"mute-chip", 1}}) {
+        pinPad_.when("GCX", Gestures().insert(card(name)));
+        pinPad_.when("RMC", Gestures().remove());
+        EXPECT_EQ(run({"card"}).exit, exit);
+        EXPECT_FALSE(pinPad_.board().state().cardInserted);
+    }
 }
 
 }  // namespace

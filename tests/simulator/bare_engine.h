@@ -76,8 +76,12 @@ private:
                              journal_,
                              {.write = [this](ByteView bytes) { said_.append(bytes.begin(), bytes.end()); },
                               .hangUp = [this](std::chrono::milliseconds) { hungUp_ = true; }}};
-    Engine engine_{
-        {.device = loaded_device(), .sessionKey = kSessionKey}, journal_, screen_, cardholder_, board_, transmitter_};
+    Engine engine_{{.device = loaded_device(), .sessionKey = kSessionKey, .session = Sessions::kLenient},
+                   journal_,
+                   screen_,
+                   cardholder_,
+                   board_,
+                   transmitter_};
 };
 
 }  // namespace quorvel::sim

@@ -67,6 +67,29 @@ TEST_F(CardReadingTest, GcxMasksAndTellsWhatItIsAskedFor) {
                    + "8054 0018 9F0206000000001234 9A03240229 9F2103235958 8202FFFF"_hex);
 }
 
+// A moment that cannot be meant is found and answered like any other.
+TEST_F(CardReadingTest, FindsMomentsThatCannotBe) {
+    const auto at = [](const std::string& date, const std::string& time) {
+        return "GCX020" + "0015 0006"_hex + date + "0016 0006"_hex + time;
+    };
+    play(PinPad::Options{.clock = [] { return std::chrono::sys_days(std::chrono::year(2024) / 2 / 29); }});
+    const std::string far = ", more than a year from the PIN pad's own, 240229";
+    for (const auto& [request, finding] : {
+             std::pair(at("230228", "000000"), ""s),
+             {at("000000", "120000"), "GCX: the date is 000000, which is none"},
+             {at("241301", "120000"), "GCX: the date is 241301, which is none"},
+             {at("240231", "235959"), "GCX: the date is 240231, which is none"},
+             {at("230227", "120000"), "GCX: the date is 230227" + far},
+             {at("250302", "120000"), "GCX: the date is 250302" + far},
+             {at("240229", "240000"), "GCX: the time is 240000, which is none"},
+             {at("240229", "236000"), "GCX: the time is 236000, which is none"},
+             {"GCR0400099000000001234230229235958          00", "GCR: the date is 230229, which is none"},
+         }) {
+        call_while(Gestures().press(Key::kCancel), request, request.substr(0, 3) + "013");
+        if (!finding.empty()) { expect_findings({{Kind::kMoney, finding}}); }
+    }
+}
+
 const std::string kDebitOnly = "0011 0004"_hex + "0203";
 const std::string kDebitAnswer = "GCX000135" + "804F 0002"_hex + "03" + "8050 0001"_hex + "0" + "8052 0010"_hex
                                  + "400000******0002" + "8042 0022"_hex + "400000******0002=30122010000000000"

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <algorithm>
+#include <fstream>
+
 #include "tests/simulator/fixture.h"
 
 // PIN blocks are of the openssl program, under the working key 11223344556677889900AABBCCDDEEFF or by DUKPT.
@@ -164,6 +167,112 @@ TEST_F(ChipTransactionTest, GoxTakesRiskManagementAsParameters) {
         read(inserted("visa-signature"));
         const std::string fields = begin + "3" + index + parameters;
         call("GOX0" + std::to_string(fields.size()) + fields, "GOX000010" + "8056 0006"_hex + due);
+    }
+}
+
+// What the host tells of the money has to stay as it was told first, and be told alike in both places.
+TEST_F(ChipTransactionTest, FindsMoneyThatChangesOnItsWay) {
+    const auto in = [](const std::string& id, const std::string& parameters) {
+        return fmt::format("{}{:03}", id, parameters.size()) + parameters;
+    };
+    const auto amount = [](const std::string& digits) { return "0013 000C"_hex + digits; };
+    const std::string moment = "0015 0006"_hex + "240229" + "0016 0006"_hex + "235958";
+    const std::string reais = "0022 0003"_hex + "986";
+    const auto gox = [&](const std::string& acquirer, const std::string& more) {
+        return in("GOX", "0010 0002"_hex + acquirer + "0002 0001"_hex + "3" + "0009 0002"_hex + "00" + "0018 0005"_hex
+                             + "10000" + more);
+    };
+    const std::string twelve = amount("000000001234");
+    const std::tuple<std::string, std::string, std::string> cases[]{
+        {twelve + reais, gox("03", twelve + reais), ""},
+        {amount("000000000000"), gox("03", twelve), ""},
+        {"", gox("03", twelve + reais), ""},
+        {twelve, gox("04", ""), "GOX: the acquirer is 04, but the card's application was selected for 03"},
+        {twelve, gox("03", amount("000000123400")), "GOX: the amount is 000000123400, but was 000000001234"},
+        {twelve, gox("03", amount("000000000000")), "GOX: the amount is 000000000000, but was 000000001234"},
+        {reais, gox("03", "0022 0003"_hex + "840"), "GOX: the currency is 840, but was 986"},
+        {"0014 000C"_hex + "000000000100", gox("03", "0014 000C"_hex + "000000000200"),
+         "GOX: the cashback is 000000000200, but was 000000000100"},
+        {twelve, gox("03", twelve + "0005 0009 9F02 06 000000009999"_hex),
+         "GOX: the amount is 000000001234, but 000000009999 in SPE_EMVDATA"},
+    };
+    for (const auto& [told, request, finding] : cases) {
+        pinPad_->remove();
+        pinPad_->when("GCX", inserted("visa-signature"));
+        ASSERT_EQ(ask(in("GCX", moment + told)).substr(0, 6), "GCX000");
+        call(request, "GOX000010" + "8056 0006"_hex + "210000");
+        if (!finding.empty()) { expect_findings({{Kind::kMoney, finding}}); }
+    }
+    call("FCX026" + "0019 0004"_hex + "2000" + "0005 000E 9F02 06 000000001235 5F2A 02 0986"_hex,
+         "FCX000007" + "8058 0003"_hex + "001");
+    expect_findings({{Kind::kMoney, "FCX: the amount is 000000001235, but was 000000001234"}});
+    read(Gestures());
+    call(goc({}), went("010000", "0000000000"_hex));
+}
+
+// The display tells each step in the cardholder's language, and what is over is not gone back to.
+TEST_F(ChipTransactionTest, ShowsTheCardholderWhatHappens) {
+    struct Case {
+        Language language;
+        std::string price, ask, pin, wrong, last, blocked, idle;
+    };
+    for (const auto& [language, price, ask, pin, wrong, last, blocked, idle] :
+         {Case{Language::kEnglish, "R$ 12.34\r", "INSERT, SWIPE OR TAP THE CARD", "ENTER THE PIN", "WRONG PIN\r",
+               "LAST TRY", "PIN BLOCKED", "WELCOME"},
+          {Language::kPortuguese, "R$ 12,34\r", "INSIRA, PASSE OU\rAPROXIME CART\xC3O", "DIGITE A SENHA",
+           "SENHA INCORRETA\r", "\xDALTIMA TENTATIVA", "SENHA BLOQUEADA", "BEM-VINDO"}}) {
+        play({.device = loaded_device(), .language = language});
+        const auto shows = [&](const std::string& text) { EXPECT_EQ(pinPad_->screen().text, text); };
+        const auto sync = [&] {
+            pinPad_->act(Gestures().notify("."));
+            expect(frame("NTM000001."));
+        };
+        shows(idle);
+        begin(Gestures().notify("."), "GCR0400099000000001234240229235958          00", "NTM000001.");
+        shows(price + ask);
+        pinPad_->act(inserted("mastercard-chip"));
+        EXPECT_EQ(host_->receive(355).substr(1, 6), "GCR000");
+        shows(text_of(Text::kProcessing, language));
+        exchange(frame(goc({})), kAck + frame("NTM000013ENTER THE PIN"));
+        shows(price + pin);
+        for (const auto& [notice, prompt] :
+             {std::pair("NTM000009WRONG PIN", wrong + pin), {"NTM000019WRONG PIN, LAST TRY", wrong + last}}) {
+            pinPad_->type_pin("1111");
+            expect(frame(notice));
+            sync();
+            shows(price + prompt);
+        }
+        pinPad_->type_pin("1111");
+        expect(frame(went("100310", "0000A00000"_hex)));
+        shows(blocked);
+        // By the end of what comes next.
+        call_while(Gestures().press(Key::kEnter), "GKY", "GKY000");
+        shows(idle);
+    }
+}
+
+TEST(Texts, StandInTheGuideInBothLanguages) {
+    std::ifstream file(QUORVEL_DOCS "/virtual-pin-pad.md");
+    const std::string guide(std::istreambuf_iterator<char>(file), {});
+    for (const auto& [text, english, portuguese] : kTexts) {
+        for (std::string due : {std::string(english), std::string(portuguese)}) {
+            std::ranges::replace(due, '\r', ' ');
+            EXPECT_NE(guide.find(due), std::string::npos) << due;
+        }
+    }
+}
+
+TEST(Texts, ShowAnAmountAsItsCurrencyHasIt) {
+    for (const auto& [amount, currency, english, portuguese] : {
+             std::tuple(5U, 986U, "R$ 0.05", "R$ 0,05"),
+             {123456U, 0U, "R$ 1234.56", "R$ 1234,56"},
+             {1200U, 840U, "USD 12.00", "USD 12,00"},
+             {1200U, 600U, "PYG 1200", "PYG 1200"},
+             {1200U, 788U, "TND 1.200", "TND 1,200"},
+             {1200U, 36U, "036 12.00", "036 12,00"},
+         }) {
+        EXPECT_EQ(amount_text(amount, currency, Language::kEnglish), english);
+        EXPECT_EQ(amount_text(amount, currency, Language::kPortuguese), portuguese);
     }
 }
 

@@ -57,6 +57,7 @@ TEST_F(ControlTest, HasExamplesInTheGuideThatHold) {
         if (line.starts_with("> ")) { request = line.substr(2); }
         if (!line.starts_with("< ")) { continue; }
         const std::string verb = json::parse(request).at("do");
+        if (verb == "await" && !told.contains(verb)) { exchange(kOpn, kAck + kOpnDone); }
         // What the host does before an example that would otherwise have nothing to tell of.
         if (verb == "await" && !told.contains(verb)) { exchange(frame("GKY"), kAck); }
         if (verb == "findings") { exchange(frame("XYZ"), kAck + frame("ERR010")); }
@@ -111,7 +112,7 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
 TEST_F(ControlTest, ShowsTheStateOfTheCommandThatWaits) {
     client_->send("{\"do\":\"await\"}\n");
     pinPad_->insert(card("visa-chip"));
-    exchange(frame("GKY"), kAck);
+    exchange(kOpn + frame("GKY"), kAck + kOpnDone + kAck);
     EXPECT_EQ(client_->line(), kDone);
     const json state{{"ok", true}, {"port", pinPad_->path()}, {"waiting", "GKY"}, {"session", "plain"}, {"card", true}};
     EXPECT_EQ(told("state"), state);
@@ -133,7 +134,9 @@ TEST_F(ControlTest, NoticesACommandHoweverShortItWaits) {
     EXPECT_EQ(other.line(), refused("RMC did not wait in time"));
     exchange(frame("GKY"), kAck + frame("NTM000005HELLO") + frame("GKY004"));
     EXPECT_EQ(client_->line(), kDone);
-    EXPECT_EQ(client_->line(), R"({"media":"","menu":[],"ok":true,"selected":0,"text":"","typed":""})");
+    EXPECT_EQ(client_->line(), R"({"media":"","menu":[],"ok":true,"selected":0,"text":"WELCOME","typed":""})");
+    call("DSP032" + padded("CART\xC3O", 32), "DSP000");
+    EXPECT_EQ(told("screen").at("text"), "CARTÃO");
 }
 
 TEST_F(ControlTest, ServesSeveralClientsWhateverTheyDo) {

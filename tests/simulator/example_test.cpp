@@ -122,7 +122,7 @@ TEST(Steady, GoesOnWithOrWithoutOpeningTheLinkAnew) {
             peer.expect(kCan).expect(kCan).expect(kCan);
             open();
         }
-        peer.request(show).response("DSP000");
+        peer.request(show).response("DSP000").request("CLO032" + padded("HI", 32)).response("CLO000");
         expect_run(QUORVEL_EXAMPLES "/steady " + peer.path() + " HI", EXIT_SUCCESS,
                    "[KOR_RESULT_PROTOCOL_ERROR] Packet was rejected\n");
     }
@@ -139,6 +139,8 @@ TEST(Steady, WaitsForThePortToComeBack) {
     ASSERT_EQ(symlink(pinPad.path().c_str(), link.c_str()), 0);
     EXPECT_EQ(steady.wait(), EXIT_SUCCESS) << steady.errors();
     EXPECT_NE(steady.errors().find("No such port"), std::string::npos);
+    EXPECT_EQ(pinPad.findings(), std::vector<Finding>{});
+    EXPECT_EQ(pinPad.screen().text, "HI");
 }
 
 TEST_F(Example, SaleGoesThroughAllStepsAndTellsHowItEnded) {

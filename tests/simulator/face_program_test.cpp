@@ -111,8 +111,10 @@ TEST(FaceProgram, LetsAPersonPlayTheCardholderAndLeavesTheTerminalAsItWas) {
         EXPECT_TRUE(program.await(ready.substr(6)));
         EXPECT_FALSE(program.is_as_before());
         Host host(ready.substr(6));
-        host.send(frame("DSP032" + padded("APROXIME", 32)));
-        EXPECT_TRUE(program.await("APROXIME")) << program.seen();
+        host.send(kOpn);
+        EXPECT_EQ(host.receive(11), kAck + kOpnDone);
+        host.send(frame("DSP032" + padded("CART\xC3O", 32)));
+        EXPECT_TRUE(program.await(locale == "C" ? "CARTAO" : "CARTÃO")) << program.seen();
         EXPECT_EQ(host.receive(11), kAck + frame("DSP000"));
         host.send(frame("GKY"));
         EXPECT_EQ(host.receive(1), kAck);

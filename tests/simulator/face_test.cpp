@@ -76,6 +76,7 @@ TEST(FaceDisplay, ShowsWhatADisplayOfThatSizeWould) {
 View busy_view() {
     View view{.port = "/dev/pts/7", .remark = "magnetic has no chip", .screen = {.text = "APROXIME, INSIRA"}};
     view.waiting = "GKY wait for a key";
+    view.session = true;
     view.inserted = "inserted-card";
     for (int i = 0; i < 40; ++i) { view.cards.push_back({"card-" + std::to_string(i), true, i == 30, false}); }
     view.taken = 30;

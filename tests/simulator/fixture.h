@@ -3,6 +3,7 @@
 #ifndef QUORVEL_TESTS_SIMULATOR_FIXTURE_H
 #define QUORVEL_TESTS_SIMULATOR_FIXTURE_H
 
+#include <chrono>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <optional>
@@ -58,6 +59,11 @@ protected:
     void play(PinPad::Options options = {}) {
         if (pinPad_) { expect_findings({}); }
         findings_.clear();
+        options.session = sessions_;
+        // By which the dates in these tests are of today.
+        if (!options.clock) {
+            options.clock = [] { return std::chrono::sys_days(std::chrono::year(2024) / 3 / 1); };
+        }
         pinPad_.emplace(std::move(options));
         pinPad_->start();
         host_.emplace(pinPad_->path());
@@ -137,6 +143,8 @@ protected:
         return device;
     }
 
+    // Most tests are not about sessions.
+    Sessions sessions_ = Sessions::kLenient;
     std::optional<PinPad> pinPad_;
     std::optional<Host> host_;
 

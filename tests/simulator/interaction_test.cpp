@@ -18,6 +18,12 @@ TEST_F(InteractionTest, ShowsMessages) {
     play();
     call("DEX163160" + padded("A\r\xC9", 160), "DEX000");
     EXPECT_EQ(pinPad_->screen(), (Screen::Content{.text = "A\r\xC9"}));
+    const std::string accents = padded("\xC9 \xE7\xE3\xFF\xA0", 32);
+    for (const std::string id : {"DSP", "RMC", "CLO"}) {
+        call(id + "032" + accents, id + "000");
+        EXPECT_EQ(pinPad_->screen().text, accents.substr(0, 6)) << id;
+        refuse("011", Kind::kLayout, {{id + "032\x1F" + padded("", 31), id + ": " + id + "_MSG: 0x1F is not allowed"}});
+    }
     call("DEX003000", "DEX000");
     EXPECT_EQ(pinPad_->screen(), Screen::Content{});
     refuse("011", Kind::kLayout,

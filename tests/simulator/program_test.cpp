@@ -80,7 +80,7 @@ TEST_F(ProgramTest, TakesNoNameThatSomethingElseHas) {
 TEST_F(ProgramTest, TakesItsKeysFromAFile) {
     const std::string path =
         folder_.file("keys.toml", "[[master]]\nstrength = 'des'\nuse = 'pin'\nindex = 7\nkey = '0123456789ABCDEF'\n");
-    Program program({"--keys", path});
+    Program program({"--keys", path, "--session", "lenient"});
     Host host(program.ready());
     host.send("\x16GEN01302008K3000608\x17\x93\xC8");
     EXPECT_EQ(host.receive(20), "\x06\x16GEN000006003010\x17\x1F\xA4");
@@ -137,7 +137,7 @@ TEST_F(ProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
                                                   {"done", {{"DSP"}, {"CLO"}}, ""},
                                                   {"stop", {{"DSP"}, {"CLO"}, {}}, ""},
                                                   {"stop", {{"DSP"}}, missing}}) {
-        Program program({"--scenario", path, "--ends", ends});
+        Program program({"--scenario", path, "--ends", ends, "--session", "lenient"});
         const std::string port = program.ready();
         for (const auto& commands : visits) {
             Host host(port);
@@ -155,22 +155,25 @@ TEST_F(ProgramTest, EndsWithTheScenarioAndTellsHowItWent) {
     EXPECT_EQ(list.line(), "acquirer-unreachable     Acquirer unreachable");
 }
 
-// What a host hears of 16 requests that are answered wrongly by chance; and the last digits of the serial number.
+// What a host hears of 16 requests that are answered wrongly by chance, and the last digits of the serial number.
 std::string chances_of(Host& host) {
+    host.send(kOpn);
+    host.receive(kAck.size() + kOpnDone.size());
     std::string heard;
+    std::string answer;
     for (int i = 0; i < 16; ++i) {
-        host.send(kOpn);
-        heard += host.receive(kAck.size() + kOpnDone.size()).substr(2, 1);
+        host.send(frame("GIX006" + "00 01 00 02 80 01"_hex));
+        answer = host.receive(kAck.size() + 27);
+        heard += answer.substr(2, 1);
     }
-    host.send(frame("GIX006" + "00 01 00 02 80 01"_hex));
-    return heard + host.receive(kAck.size() + 27).substr(22, 3);
+    return heard + answer.substr(22, 3);
 }
 
 // All at a time, by the names that lead to them; the first is what it would be alone.
 TEST_F(ProgramTest, PlaysSeveralPinPadsOfWhichEachIsItsOwn) {
     constexpr unsigned kCount = 8;
     const std::string socket = folder_ / "control";
-    const std::string fault = R"({"do":"fault","fault":"wrong-id","command":"OPN","chance":0.5})";
+    const std::string fault = R"({"do":"fault","fault":"wrong-id","command":"GIX","chance":0.5})";
     Program alone({"--seed", "7", "--control", socket});
     Host aloneHost(alone.ready());
     ControlClient(socket).ask(fault);
@@ -211,6 +214,29 @@ TEST_F(ProgramTest, JudgesEachOfSeveralPinPadsByItself) {
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(program.output(), "1: scenario: ok\n2: scenario: failed\n2: " + path
                                     + ":2: expected once: DSP; it came never, and DEX instead\n");
+}
+
+// By what the till has done until then.
+TEST_F(ProgramTest, JudgesTheCommandThatALineWasClosedOn) {
+    const std::string path = folder_.file("mine.toml",
+                                          "title = 'Mine'\n[[expect]]\ncommand = 'GKY'\nstatus = 'none'\n"
+                                          "[[finding]]\ntext = 'the line was closed while GKY waited'\n"
+                                          "[[finding]]\ntext = 'closed without CLO'\n");
+    Program program({"--scenario", path});
+    {
+        Host host(program.ready());
+        host.send(kOpn + frame("GKY"));
+        EXPECT_EQ(host.receive(12), kAck + kOpnDone + kAck);
+    }
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.line(), "scenario: ok");
+}
+
+TEST_F(ProgramTest, TalksToTheCardholderInTheLanguageThatItIsTold) {
+    const std::string socket = folder_ / "control";
+    Program program({"--language", "pt", "--control", socket});
+    program.ready();
+    EXPECT_NE(ControlClient(socket).ask(R"({"do":"screen"})").find("BEM-VINDO"), std::string::npos);
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {

@@ -26,6 +26,7 @@ TEST(ScenarioFile, SaysWhatIsWrongAndWhere) {
         {"title = 'S'\nends = 'soon'", "line 2: ends: \"soon\" is none of its values"},
         {"title = 'S'\nexpct = 1", "line 2: expct: there is no such key"},
         {"title = 'S'\n[device]\nmodel = '01234567890123456789'", "line 3: device.model: longer than 19 characters"},
+        {"title = 'S'\n[device]\nlanguage = 'fr'", "line 3: device.language: \"fr\" is none of its values"},
         {"title = 'S'\n[keys]\nfile = 'none.toml'", "line 3: keys.file: none.toml cannot be read"},
         {"title = 'S'\n[[tables]]\nversion = '1'\nrecords = [{ acquirer = 3, index = '1' }]",
          "line 4: tables.records.index: not of two characters"},
@@ -94,7 +95,7 @@ std::vector<std::string> judged(const std::string& text, const std::vector<Answe
     const Scenario judgedBy = scenario(text);
     Judge judge(judgedBy);
     for (const auto& [request, status] : commands) {
-        judge.exchanged({request.substr(0, 3), to_bytes(request), status});
+        judge.exchanged({.command = request.substr(0, 3), .request = to_bytes(request), .status = status});
     }
     return judge.complaints(findings);
 }
@@ -197,13 +198,14 @@ TEST_F(PerformanceTest, DoesOneStepAfterTheOther) {
         "script = [\n{ when = 'RMC', remove = true },\n{ insert = 'visa-chip' },\n{ wait = ['CKE', 'GKY'] },\n"
         "{ notify = 'SOON' },\n{ pause = 1 },\n{ press = 'f1' },\n{ fault = 'status', status = 40 },\n"
         "{ wait = 'GKY' },\n{ clear-faults = true },\n{ press = 'f2' },\n{ wait = 'MNU' },\n{ choose = 1 },\n]\n"
-        "[device]\nserial_number = 'MINE'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
+        "[device]\nserial_number = 'MINE'\nlanguage = 'pt'\n[[tables]]\nacquirer = 3\nversion = '0123456789'\n");
     call("GKY", "NTM000004SOON");
     expect(frame("GKY040"));
     call("GKY", "GKY005");
     const std::string option = "0020 0018"_hex + padded("TEA", 24);
     call("MNU056" + option + option, "MNU000006" + "804D 0002"_hex + "01");
     call("RMC032" + std::string(32, 'X'), "RMC000");
+    EXPECT_EQ(pinPad_->screen().text, "BEM-VINDO");
     call("GTS00203", "GTS0000100123456789");
     EXPECT_EQ(complaints(), Complaints{});
 }

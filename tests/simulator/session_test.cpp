@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
 #include <algorithm>
+#include <semaphore>
 #include <set>
 
 #include "simulator/keys/secure_channel.h"
@@ -136,6 +137,108 @@ TEST_F(SessionTest, IsRefusedForAPublicKeyOutOfShape) {
             {"OPN5230256d" + kModulus.substr(1) + "3010001", "OPN: OPN_MOD: 0x64 is no hexadecimal digit"},
             {"OPN5240256" + kModulus + "30100010", "OPN: 1 bytes too many"}});
     expect_error(gin_, "ERR003", noSession_);
+}
+
+// What a host does with its session and the line, and what the PIN pad has to say to that.
+class StrictTest : public PinPadTest {
+protected:
+    void SetUp() override {
+        sessions_ = Sessions::kStrict;
+        play({.device = loaded_device(),
+              .listeners = {.traffic = {}, .finding = [this](const Finding&) { found_.release(); }},
+              .returned = [this](const std::string&) { returned_.release(); }});
+    }
+
+    // The line is closed, and opened anew once all of this is found.
+    void close_line(const std::vector<std::string>& findings) {
+        host_.reset();
+        for (const std::string& due : findings) {
+            EXPECT_TRUE(found_.try_acquire_for(std::chrono::seconds(20))) << due;
+        }
+        host_.emplace(pinPad_->path());
+        exchange(kCan, kEot);
+        exchange(kCan, kEot);
+        expect_found(findings);
+    }
+    void expect_found(const std::vector<std::string>& findings) {
+        std::vector<Finding> due;
+        for (const std::string& text : findings) { due.push_back({Kind::kSequence, text}); }
+        expect_findings(due);
+    }
+    void read_chip() {
+        pinPad_->when("GCR", inserted("visa-chip"));
+        EXPECT_EQ(ask("GCR").substr(0, 6), "GCR000");
+    }
+
+    const std::string clo_ = "CLO032" + padded("BYE", 32);
+    const std::string noClo_ = "the line was closed without CLO: the session is still open";
+    const std::string rmc_ = " with a card in the reader: nobody asked for it to be taken out (RMC)";
+
+    std::counting_semaphore<> found_{0};
+    std::counting_semaphore<> returned_{0};
+};
+
+TEST_F(StrictTest, NothingIsDoneOutsideASession) {
+    const auto outside = [&] {
+        refuse("ERR010", Kind::kSequence,
+               {{"GIN00200", "GIN before OPN: there is no session"}, {"GKY", "GKY before OPN: there is no session"}});
+        refuse("ERR010", Kind::kUnsupported, {{"XYZ", "there is no command \"XYZ\""}});
+    };
+    outside();
+    call(clo_, "CLO000");
+    call("CLX", "CLX000");
+    refuse("011", Kind::kLayout, {{"OPN0011", "OPN: OPN_OPMODE: 1 instead of 0"}});
+    outside();
+    for (const std::string open : {"OPN", kOpenSession.c_str()}) {
+        EXPECT_EQ(ask(open).substr(0, 6), "OPN000");
+        if (open == "OPN") { call("GIN00204", "GIN000042ACQUIRER 04         001.00 2601010001A0000"); }
+        pinPad_->hang_up(std::chrono::milliseconds(1));
+        EXPECT_TRUE(returned_.try_acquire_for(std::chrono::seconds(20)));
+        host_.emplace(pinPad_->path());
+        outside();
+    }
+    call("OPN", "OPN000");
+    call(clo_, "CLO000");
+    outside();
+}
+
+TEST_F(StrictTest, OutlivesTheLineAndACommandThatWaitsDoesNot) {
+    close_line({});
+    call("OPN", "OPN000");
+    exchange(frame("GKY"), kAck);
+    // Somebody else who looks at the port in between is not the host.
+    { const Host other(pinPad_->path()); }
+    pinPad_->press(Key::kF1);
+    expect(frame("GKY004"));
+    exchange(frame("GKY"), kAck);
+    close_line({"the line was closed while GKY waited", noClo_});
+    EXPECT_EQ(pinPad_->board().state().waiting, "");
+    call("DSP032" + padded("", 32), "DSP000");
+    close_line({noClo_});
+    call(clo_, "CLO000");
+    close_line({});
+}
+
+TEST_F(StrictTest, NoCardIsLeftInside) {
+    for (const bool byLine : {false, true}) {
+        call("OPN", "OPN000");
+        read_chip();
+        if (byLine) { close_line({"the line was closed" + rmc_, noClo_}); }
+        call(clo_, "CLO000");
+        if (!byLine) { expect_found({"the session was closed" + rmc_}); }
+        pinPad_->remove();
+    }
+    // One that the cardholder does not take, and one that no host knows of.
+    call("OPN", "OPN000");
+    read_chip();
+    exchange(frame("RMC032" + padded("", 32)), kAck);
+    EXPECT_EQ(pinPad_->screen().text, "REMOVE THE CARD");
+    exchange(kCan, kEot);
+    call(clo_, "CLO000");
+    pinPad_->insert(card("visa-chip"));
+    call("OPN", "OPN000");
+    call(clo_, "CLO000");
+    close_line({});
 }
 
 }  // namespace
