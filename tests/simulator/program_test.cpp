@@ -226,20 +226,23 @@ TEST_F(ProgramTest, RecordsAndReplays) {
 
 // What a host hears of 16 requests that are answered wrongly by chance; and the last digits of the serial number.
 std::string chances_of(Host& host) {
+    host.send(kOpn);
+    host.receive(kAck.size() + kOpnDone.size());
     std::string heard;
+    std::string answer;
     for (int i = 0; i < 16; ++i) {
-        host.send(kOpn);
-        heard += host.receive(kAck.size() + kOpnDone.size()).substr(2, 1);
+        host.send(frame("GIX006" + "00 01 00 02 80 01"_hex));
+        answer = host.receive(kAck.size() + 27);
+        heard += answer.substr(2, 1);
     }
-    host.send(frame("GIX006" + "00 01 00 02 80 01"_hex));
-    return heard + host.receive(kAck.size() + 27).substr(22, 3);
+    return heard + answer.substr(22, 3);
 }
 
 // All at a time, by the names that lead to them; the first is what it would be alone.
 TEST_F(ProgramTest, PlaysSeveralPinPadsOfWhichEachIsItsOwn) {
     constexpr unsigned kCount = 8;
     const std::string socket = folder_ / "control";
-    const std::string fault = R"({"do":"fault","fault":"wrong-id","command":"OPN","chance":0.5})";
+    const std::string fault = R"({"do":"fault","fault":"wrong-id","command":"GIX","chance":0.5})";
     Program alone({"--seed", "7", "--control", socket});
     Host aloneHost(alone.ready());
     ControlClient(socket).ask(fault);
