@@ -64,7 +64,8 @@ std::string framed(Bytes data, bool encrypted) {
 const SecureChannel& session() {
     static const SecureChannel& channel = []() -> const SecureChannel& {
         static SecureChannel opened(kSessionKey);
-        static_cast<void>(opened.open({.modulus = Bytes(256, 0xFF), .exponent = {1, 0, 1}}));
+        Random random;
+        static_cast<void>(opened.open({.modulus = Bytes(256, 0xFF), .exponent = {1, 0, 1}}, random));
         return opened;
     }();
     return channel;
