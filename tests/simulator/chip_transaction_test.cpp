@@ -251,6 +251,26 @@ TEST_F(ChipTransactionTest, ShowsTheCardholderWhatHappens) {
     }
 }
 
+TEST_F(ChipTransactionTest, ShowsTheHostsTextsInPlaceOfItsOwn) {
+    const auto says = [](const std::string& text) { return "001B 0005"_hex + text; };
+    const std::string moment =
+        "0013 000C"_hex + "000000001234" + "0015 0006"_hex + "240229" + "0016 0006"_hex + "235958";
+    begin(Gestures().notify("."), "GCX045" + moment + says("CARD?"), "NTM000001.");
+    EXPECT_EQ(pinPad_->screen().text, "CARD?");
+    exchange(kCan, kEot);
+    read(inserted("mastercard-chip"));
+    const std::string gox =
+        "GOX026" + "0010 0002"_hex + "03" + "0002 0001"_hex + "3" + "0009 0002"_hex + "00" + says("CODE?");
+    exchange(frame(gox), kAck + frame("NTM000013ENTER THE PIN"));
+    EXPECT_EQ(pinPad_->screen().text, "CODE?");
+    pinPad_->act(Gestures().type("1111").notify("."));
+    expect(frame("NTM000009WRONG PIN") + frame("NTM000001."));
+    EXPECT_EQ(pinPad_->screen().text, "WRONG PIN\rCODE?");
+    pinPad_->press(Key::kCancel);
+    expect(frame("GOX013"));
+    EXPECT_EQ(pinPad_->screen().text, "CANCELLED");
+}
+
 TEST(Texts, StandInTheGuideInBothLanguages) {
     std::ifstream file(QUORVEL_DOCS "/virtual-pin-pad.md");
     const std::string guide(std::istreambuf_iterator<char>(file), {});

@@ -189,7 +189,9 @@ TEST_F(StrictTest, NothingIsDoneOutsideASession) {
     };
     outside();
     call(clo_, "CLO000");
+    EXPECT_EQ(pinPad_->screen().text, "BYE");
     call("CLX", "CLX000");
+    EXPECT_EQ(pinPad_->screen().text, "WELCOME");
     refuse("011", Kind::kLayout, {{"OPN0011", "OPN: OPN_OPMODE: 1 instead of 0"}});
     outside();
     for (const std::string open : {"OPN", kOpenSession.c_str()}) {
@@ -232,12 +234,14 @@ TEST_F(StrictTest, NoCardIsLeftInside) {
         pinPad_->remove();
     }
     // One that the cardholder does not take, and one that no host knows of.
-    call("OPN", "OPN000");
-    read_chip();
-    exchange(frame("RMC032" + padded("", 32)), kAck);
-    EXPECT_EQ(pinPad_->screen().text, "REMOVE THE CARD");
-    exchange(kCan, kEot);
-    call(clo_, "CLO000");
+    for (const std::string& asks : {"RMC032" + padded("", 32), "CKE003001"s}) {
+        call("OPN", "OPN000");
+        read_chip();
+        exchange(frame(asks), kAck);
+        if (asks.starts_with("RMC")) { EXPECT_EQ(pinPad_->screen().text, "REMOVE THE CARD"); }
+        exchange(kCan, kEot);
+        call(clo_, "CLO000");
+    }
     pinPad_->insert(card("visa-chip"));
     call("OPN", "OPN000");
     call(clo_, "CLO000");
