@@ -166,6 +166,7 @@ CLI::App* add_exam(CLI::App& app, sim::exam::Request& request, bool& listed) {
     exam->add_option("--case", request.cases, "Only these: a number, its beginning, or a pattern")
         ->type_name("NUMBER|PATTERN")
         ->expected(1)
+        ->allow_extra_args(false)
         ->take_all();
     exam->add_option("--jobs", request.jobs, "So many cases side by side")
         ->type_name("NUMBER")
