@@ -89,6 +89,10 @@ private:
     // What a till can still do about it.
     [[nodiscard]] bool line_was_there() const { return evidence_.ended && !ledger().was_cut(); }
 
+    [[nodiscard]] bool may_leave_card() const {
+        return ledger().was_struck() || ledger().was_interrupted() || ledger().asked_for_removal();
+    }
+
     void judge_state() {
         if (evidence_.leftBehind) { fail(Verdict::kState, "something of the till went on running"); }
         if (!evidence_.board.waiting.empty()) {
@@ -98,8 +102,7 @@ private:
         if (evidence_.board.session && !evidence_.asked.pardonsSession) {
             fail(Verdict::kState, "the session was left open");
         }
-        const bool excused = ledger().was_struck() || ledger().was_interrupted() || ledger().asked_for_removal();
-        if (evidence_.board.cardInserted && !excused) {
+        if (evidence_.board.cardInserted && !may_leave_card()) {
             fail(Verdict::kState, "the card was left inside, and nobody was told to take it out");
         }
     }
@@ -125,6 +128,7 @@ private:
     [[nodiscard]] bool is_pardoned(const Finding& finding) const {
         const auto tells = [&](std::string_view part) { return finding.text.find(part) != std::string::npos; };
         if (evidence_.asked.pardonsSession && tells("without CLO")) { return true; }
+        if (may_leave_card() && tells("nobody asked for it to be taken out")) { return true; }
         return std::ranges::any_of(evidence_.asked.pardons, tells);
     }
 

@@ -18,7 +18,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kPatience{1000};
+// Longer than the PIN pad waits for the rest of a frame.
+constexpr std::chrono::milliseconds kPatience{1500};
 constexpr int kTries = 3;
 
 }  // namespace

@@ -85,7 +85,7 @@ TEST(ExamCases, HaveNumbersOfTheirOwnAndAreChosenByThem) {
     EXPECT_EQ(chosen({}).size(), numbers.size());
     EXPECT_GE(numbers.size(), 120U);
     EXPECT_EQ(chosen({"2.8.1", "2.8.1"}).size(), 1U);
-    EXPECT_EQ(chosen({"2.1"}).size() + chosen({"2.1?"}).size(), chosen({"2.1", "2.1?"}).size());
+    EXPECT_EQ(chosen({"2.1"}).size() + chosen({"2.10.*"}).size(), chosen({"2.10", "2.1"}).size());
     EXPECT_EQ(chosen({"*a load was BEGUN*"}).front()->number.words(), "8.1.4");
     EXPECT_EQ(thrown([] { static_cast<void>(chosen({"1", "99"})); }), "there is no case \"99\": --list names them");
 }
@@ -184,13 +184,13 @@ TEST(ExamProgram, ReportsAndEndsAsItShould) {
 TEST(ExamProgram, FindsNoFaultInTheExamples) {
     for (const std::string name : {"sale", "cpp_sale"}) {
         Texts arguments{"--till", QUORVEL_TILLS "/sale-in-c.toml", "--jobs", "12"};
-        for (const char* number : {"1.1.3", "2.6.3", "2.7.5", "2.8.4", "2.8.12", "3.7.4", "4.2.3", "4.3.3", "6.2.1",
-                                   "6.4.1", "7.1.3", "8.1.4", "9.1.2"}) {
+        for (const char* number : {"1.1.3", "2.6.3", "2.7.5", "2.8.12", "3.7.4", "4.2.3", "4.3.3", "6.2.1", "6.4.1",
+                                   "7.1.3", "8.1.4", "9.1.2"}) {
             arguments.insert(arguments.end(), {"--case", number});
         }
         arguments.insert(arguments.end(), {"--", QUORVEL_EXAMPLES "/" + name, "{port}", "{cents}", "{host}"});
         EXPECT_EQ(run(arguments), std::pair(0,
-                                            "13 cases: 13 passed, 0 not applicable; failed: 0 money, 0 state, 0 "
+                                            "12 cases: 12 passed, 0 not applicable; failed: 0 money, 0 state, 0 "
                                             "conduct; 0 broken\n"s))
             << name;
     }
