@@ -22,6 +22,11 @@ std::chrono::nanoseconds byte_time(unsigned speed) {
                       : std::chrono::nanoseconds(std::chrono::seconds(kBitsPerByte)) / speed;
 }
 
+const WallClock& clock_of(PinPad::Options& options) {
+    if (!options.clock) { options.clock = std::chrono::system_clock::now; }
+    return options.clock;
+}
+
 Device device_of(PinPad::Options& options) {
     Device device = std::move(options.device);
     if (options.language) { device.language = *options.language; }
@@ -35,7 +40,7 @@ Device device_of(PinPad::Options& options) {
 static_assert(std::atomic<bool>::is_always_lock_free, "request_stop() is called in signal handlers");
 
 PinPad::PinPad(Options options)
-    : journal_(std::move(options.listeners), options.clock),
+    : journal_(std::move(options.listeners), clock_of(options)),
       companion_(options.companion),
       witness_(std::move(options.witness)),
       faults_(options.seed.value_or(kUsualSeed), witness_.struck),

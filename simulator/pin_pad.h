@@ -73,8 +73,8 @@ public:
         std::vector<Fault> faults = {};
         // Of all that is drawn. Without it the system draws, but for what goes wrong by chance, which is as with 1.
         std::optional<uint32_t> seed = {};
-        // Of what is written down with its time, and by which dates are judged.
-        WallClock clock = std::chrono::system_clock::now;
+        // Of what is written down with its time, and by which dates are judged; empty for the system's.
+        WallClock clock = {};
         // Called with the new path() when the line is back, on the PIN pad's thread.
         std::function<void(const std::string&)> returned = {};
         // Goes along with the PIN pad, which it must outlive; null for none.

@@ -25,7 +25,7 @@ protected:
     ControlTest() {
         setenv("TZ", "UTC0", 1);
         tzset();
-        play({.clock = standing_clock("2026-01-02T03:04:05Z")});
+        play(PinPad::Options{.clock = standing_clock("2026-01-02T03:04:05Z")});
         control_.emplace(*pinPad_);
         server_.emplace(path_, *control_);
         client_.emplace(path_);

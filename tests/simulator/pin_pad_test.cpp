@@ -146,7 +146,7 @@ std::string withheld(int count) {
 
 TEST_F(PinPadTest, TracesEachFrameInHexAndInWords) {
     const std::chrono::system_clock::time_point at(std::chrono::milliseconds(1234));
-    play({.clock = [at] { return at; }});
+    play(PinPad::Options{.clock = [at] { return at; }});
     const std::string time = time_text(at);
     EXPECT_EQ(time.substr(19), ".234");
     exchange("\x16XYZ\x17\xB3\x06", kNak);
