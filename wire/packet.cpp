@@ -109,8 +109,9 @@ std::optional<int> status_in(ByteView packet) {
     } catch (const LayoutError&) { return std::nullopt; }
 }
 
-// The items in it stand where they do behind its head.
-Packet divide(Sender sender, ByteView packet) {
+}  // namespace
+
+Packet take_apart(Sender sender, ByteView packet) {
     const ByteView head = packet.first(std::min(packet.size(), kIdWidth));
     Packet apart{.id = {head.begin(), head.end()}};
     apart.command = find_command(apart.id);
@@ -125,15 +126,6 @@ Packet divide(Sender sender, ByteView packet) {
     }
     apart.items = items_in(apart, sender, rest);
     for (Item& each : apart.items) { each.at += packet.size() - rest.size(); }
-    return apart;
-}
-
-}  // namespace
-
-Packet take_apart(Sender sender, ByteView packet) {
-    Packet apart = divide(sender, packet);
-    const size_t head = std::min(packet.size(), kIdWidth + (apart.status ? kStatusWidth : 0));
-    for (Item& item : apart.items) { item.at += head; }
     return apart;
 }
 
