@@ -138,7 +138,8 @@ protected:
 
     std::string rows(const std::string& file) const {
         std::string rows;
-        for (const Json& row : ToolTest::run_json({"decode", "--file", file})["result"]["frames"]) {
+        const Json object = run_json({"decode", "--file", file});
+        for (const Json& row : object["result"]["frames"]) {
             const std::string what = row["what"];
             if (row["from"] == "line" || what.size() == 3) { continue; }
             rows += row["from"].get<std::string>() + " " + what + (row["contents"].empty() ? "\n" : " +\n");
