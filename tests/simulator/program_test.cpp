@@ -282,7 +282,7 @@ TEST_F(ProgramTest, JudgesEachOfSeveralPinPadsByItself) {
     }
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(program.output(), "1: scenario: ok\n2: scenario: failed\n2: " + path
-                                    + ":2: expected once: DSP; it came never, and DEX instead\n");
+                                    + ":2: expected once: DSP; it came never, and OPN, DEX, CLO instead\n");
 }
 
 TEST_F(ProgramTest, TracesOnlyWhenAsked) {
