@@ -30,7 +30,7 @@ void check_currency(const Application& application, const TableRecord& record, c
     const auto currency = told.find(tag::kCurrency);
     if (!due || currency == told.end() || currency->second == from_hex("0" + *due)) { return; }
     journal.record(Finding{
-        Finding::Kind::kSequence,
+        Finding::Kind::kMoney,
         fmt::format("the currency is {:03}, but {} in {}", from_bcd(currency->second), *due, name_of(application))});
 }
 

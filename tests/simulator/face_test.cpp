@@ -216,6 +216,7 @@ TEST_F(FaceTest, UsesTheCardInTheHandWhereItFits) {
 TEST_F(FaceTest, ResetsThePinPadUnlessACommandWaits) {
     Face face(*pinPad_, cards_, feed_);
     EXPECT_EQ(face.view(9).session, "no session");
+    exchange(kOpn, kAck + kOpnDone);
     for (const std::string request : {"TLI01200TABLES0001", "TLR0100100810301", "TLE"}) {
         call(request, request.substr(0, 3) + "000");
     }

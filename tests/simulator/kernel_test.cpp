@@ -247,14 +247,14 @@ TEST_F(KernelTest, TellsTheTerminalByTheTableAndCountsEachCard) {
     EXPECT_TRUE(told().ends_with("9F1A0208405F2A0209869F36020001")) << told();
     const Finding unreadable{Kind::kLayout, "record 10301 of the tables: floor limit: no such value"};
     const auto another = [](const std::string& currency) {
-        return Finding{Kind::kSequence, "the currency is " + currency + ", but 986 in record 10301 of the tables"};
+        return Finding{Kind::kMoney, "the currency is " + currency + ", but 986 in record 10301 of the tables"};
     };
     expect_findings({unreadable});
     EXPECT_EQ(read({}, 1, "5F2A9F36", "0022 0003"_hex + "840"), "000");
     EXPECT_TRUE(told().ends_with("5F2A0208409F36020002")) << told();
     expect_findings({unreadable, another("840")});
     static_cast<void>(decide(Gestures().type("1234"), "0022 0003"_hex + "032"));
-    expect_findings({another("032")});
+    expect_findings({{Kind::kMoney, "GOX: the currency is 032, but was 840"}, another("032")});
     pinPad_->remove();
     EXPECT_EQ(read(inserted("velocity-chip"), 1, "9F369F13"), "000");
     EXPECT_TRUE(told().ends_with("9F360200089F13020005")) << told();

@@ -247,8 +247,8 @@ TEST_F(RecorderTest, KeepsWhatIsPrivateOnlyWhenAsked) {
     call_while(Gestures().type("12"), kGcd, "GCD000006" + "804D 0002"_hex + "12");
     const Lines all = lines();
     EXPECT_EQ(all.at(1), "values kept");
-    EXPECT_EQ(all.at(6), "* press 1");
-    EXPECT_EQ(all.at(9).substr(0, 38), "< frame 474344303030303036804D00023132");
+    EXPECT_EQ(all.at(5), "* press 1");
+    EXPECT_EQ(all.at(8).substr(0, 38), "< frame 474344303030303036804D00023132");
 }
 
 TEST_F(RecorderTest, GoesOnWhenTheDiskIsFull) {
