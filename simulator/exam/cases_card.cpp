@@ -93,7 +93,7 @@ void add_refusals(std::vector<Case>& all) {
         for (const Status status : row.statuses) {
             Case& each =
                 by_chip(family.add(fmt::format("{}: {}", row.title, name_of_status(status)), row.why, row.must));
-            strike(each, row.commands, {.kind = "status", .status = static_cast<int>(status)});
+            strike(each, row.commands, {.kind = "status", .status = static_cast<int>(status), .before = true});
             each.about = row.commands;
             each.optional = row.optional;
             if (row.needsTables) { each.needs.insert(Feature::kTables); }
