@@ -29,9 +29,8 @@ void check_currency(const Application& application, const TableRecord& record, c
     const auto& due = record.text(RecordField::kCurrency);
     const auto currency = told.find(tag::kCurrency);
     if (!due || currency == told.end() || currency->second == from_hex("0" + *due)) { return; }
-    journal.record(Finding{
-        Finding::Kind::kMoney,
-        fmt::format("the currency is {:03}, but {} in {}", from_bcd(currency->second), *due, name_of(application))});
+    journal.record(Finding{Finding::Kind::kMoney, fmt::format("the currency is {:03}, but {} in {}",
+                                                              from_bcd(currency->second), *due, name_of(application))});
 }
 
 }  // namespace quorvel::sim::commands
