@@ -124,7 +124,7 @@ private:
 bool may_print(const Settings& settings, int descriptor) { return !settings.face || ::isatty(descriptor) == 0; }
 
 // A trace that cannot be written to its end does not end the PIN pad.
-void trace_to_file(sim::PinPad::Options& options, const Settings& settings) {
+void trace_to_file(sim::Journal::Listeners& listeners, const Settings& settings) {
     const auto write = [file = std::make_shared<std::optional<sim::TraceFile>>(
                             std::in_place, *settings.trace, settings.traceSize)](const std::string& entry) {
         if (!*file) { return; }
@@ -135,8 +135,8 @@ void trace_to_file(sim::PinPad::Options& options, const Settings& settings) {
             print_error(fmt::format("quorvel-sim: the trace ends here: {}\n", error.what()));
         }
     };
-    options.listeners.traffic = [write](const sim::Traffic& traffic) { write(sim::to_text(traffic)); };
-    options.listeners.finding = [write](const sim::Finding& finding) { write(sim::to_text(finding)); };
+    listeners.traffic = [write](const sim::Traffic& traffic) { write(sim::to_text(traffic)); };
+    listeners.finding = [write](const sim::Finding& finding) { write(sim::to_text(finding)); };
 }
 
 sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performance* performance) {
@@ -147,7 +147,7 @@ sim::PinPad::Options options(const Settings& settings, Port& port, sim::Performa
     options.session = settings.session;
     options.language = settings.language;
     if (!settings.clock.empty()) { options.clock = sim::standing_clock(settings.clock); }
-    if (settings.trace && !settings.trace->empty()) { trace_to_file(options, settings); }
+    if (settings.trace && !settings.trace->empty()) { trace_to_file(options.listeners, settings); }
     options.returned = [&port](const std::string& path) { port.announce(path); };
     if (!settings.keys.empty()) { options.device.keys = sim::KeyStore::from_file(settings.keys); }
     std::string& serial = options.device.identity.serialNumber;
@@ -202,7 +202,9 @@ int replay(const Settings& settings) {
     options.ignored.insert(settings.ignore.begin(), settings.ignore.end());
     options.differs = [](const std::string& how) { print_error(fmt::format("difference: {}\n", how)); };
     options.returned = [&port](const std::string& path) { port.announce(path); };
-    if (settings.trace) {
+    if (settings.trace && !settings.trace->empty()) {
+        trace_to_file(options.listeners, settings);
+    } else if (settings.trace) {
         options.listeners.traffic = [](const sim::Traffic& traffic) { print_error(sim::to_text(traffic)); };
     }
     sim::Replayer replayer(sim::Recording::from_file(settings.replay), std::move(options));
@@ -347,7 +349,12 @@ CLI::App* add_exam(CLI::App& app, sim::exam::Request& request, bool& listed) {
 }
 
 int run_exam(const sim::exam::Request& request, bool listed) {
-    if (!listed) { return sim::exam::run(request) ? kKept : kBroken; }
+    if (!listed) {
+        struct sigaction action = {};
+        action.sa_handler = [](int) { sim::exam::request_stop(); };
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) { sigaction(signal, &action, nullptr); }
+        return sim::exam::run(request) ? kKept : kBroken;
+    }
     sim::exam::list(request.cases);
     return kKept;
 }
@@ -362,8 +369,8 @@ void add_recording(CLI::App& app, Settings& settings) {
     CLI::Option* const replay = app.add_option("--replay", settings.replay,
                                                "Answer as the PIN pad did in this recording, and tell what differs")
                                     ->type_name("FILE");
-    for (const char* other :
-         {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed", "--count"}) {
+    for (const char* other : {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed", "--count",
+                              "--amounts", "--session", "--language", "--clock"}) {
         replay->excludes(app.get_option(other));
     }
     app.add_option("--pace", settings.pace, "Let the pauses of a recording last, times this factor; 0 for none")
@@ -448,6 +455,13 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kKept : kUnable; }
+    for (const CLI::App* const command : app.get_subcommands()) {
+        for (const CLI::Option* const option : app.get_options()) {
+            if (option->count() == 0) { continue; }
+            print_error(fmt::format("quorvel-sim: {} has no place with {}\n", option->get_name(), command->get_name()));
+            return kUnable;
+        }
+    }
     if (trace->count() > 0 && !settings.trace) { settings.trace.emplace(); }
 
     try {

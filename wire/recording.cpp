@@ -48,7 +48,7 @@ constexpr std::array kKinds{
     Kind{Mark::kDeed, "fault", Rest::kText},       Kind{Mark::kDeed, "left", Rest::kNothing},
     Kind{Mark::kFinding, "framing", Rest::kText},  Kind{Mark::kFinding, "layout", Rest::kText},
     Kind{Mark::kFinding, "sequence", Rest::kText}, Kind{Mark::kFinding, "unsupported", Rest::kText},
-    Kind{Mark::kFinding, "internal", Rest::kText},
+    Kind{Mark::kFinding, "internal", Rest::kText}, Kind{Mark::kFinding, "money", Rest::kText},
 };
 
 constexpr std::array<std::string_view, 3> kSettings{"seed", "second", "values"};

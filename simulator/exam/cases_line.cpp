@@ -215,9 +215,10 @@ void add_encrypted(std::vector<Case>& all) {
     lost.pardonsSession = true;
     lost.again = true;
     lost.seconds = 15;
-    Case& refused = add("the encrypted session is refused, as by a PIN pad that has none",
-                        "Not every PIN pad can encipher, and whether to go on in the clear is for the till's owner to say.",
-                        "The till must sell in a plain session, if it is meant to, or say that it cannot.");
+    Case& refused =
+        add("the encrypted session is refused, as by a PIN pad that has none",
+            "Not every PIN pad can encipher, and whether to go on in the clear is for the till's owner to say.",
+            "The till must sell in a plain session, if it is meant to, or say that it cannot.");
     strike(refused, {"OPN"},
            {.kind = "status", .status = static_cast<int>(Status::kInvcall), .before = true, .asError = true});
     refused.pardonsSession = true;

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "simulator/exam/examiner.h"
+#include "simulator/exam/process.h"
 #include "simulator/exam/report.h"
 
 namespace quorvel::sim::exam {
@@ -61,12 +62,16 @@ void list(const std::vector<std::string>& cases) {
     }
 }
 
+void request_stop() noexcept { stop(); }
+
 bool run(const Request& request) {
     const Till till = till_for(request);
     const std::vector<const Case*> cases = chosen(request.cases);
+    if (!request.report.empty()) { prepare_reports(request.report); }
     Progress progress(cases.size());
     const std::vector<Result> results =
         examine(cases, till, jobs_for(request), [&](const Result& result) { progress.tell(result); });
+    if (is_stopped()) { throw std::runtime_error("the exam was ended before its end"); }
     fmt::print("{}", text_report(results));
     if (!request.report.empty()) { write_reports(request.report, till, results); }
     return std::ranges::all_of(results, &Result::is_good);

@@ -28,6 +28,9 @@ void list(const std::vector<std::string>& cases);
 // std::exception when it cannot be done.
 [[nodiscard]] bool run(const Request& request);
 
+// Ends the tills that run, and the exam: run() throws. Safe in signal handlers.
+void request_stop() noexcept;
+
 }  // namespace quorvel::sim::exam
 
 #endif

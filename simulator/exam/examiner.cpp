@@ -257,7 +257,7 @@ std::vector<Result> examine(const std::vector<const Case*>& all, const Till& til
     std::mutex mutex;
     std::exception_ptr failure;
     const auto work = [&] {
-        for (size_t i = next++; i < order.size(); i = next++) {
+        for (size_t i = next++; i < order.size() && !is_stopped(); i = next++) {
             try {
                 Result& result = results[order[i]] = examine(*all[order[i]], till);
                 const std::lock_guard lock(mutex);

@@ -21,6 +21,7 @@ public:
         if (!concerns() && ended_well()) { return not_applicable(); }
         judge_outcome();
         judge_amounts();
+        judge_last_word();
         judge_state();
         judge_conduct();
         std::ranges::stable_sort(faults_, {}, [](const Fault& each) { return rank(each.first); });
@@ -81,8 +82,21 @@ private:
             fail(Verdict::kMoney, fmt::format("{} is about {}, not about {}", command, amount_words(cents),
                                               amount_words(evidence_.cents)));
         }
-        if (allowed_ == Outcomes{Outcome::kPaid} && ledger().amounts().empty()) {
+        for (const auto& [command, cents] : ledger().cashbacks()) {
+            if (cents == 0) { continue; }
+            fail(Verdict::kMoney,
+                 fmt::format("{} hands out {}, and nobody has asked for it", command, amount_words(cents)));
+        }
+        // With a stripe no command has use for it.
+        if (allowed_ == Outcomes{Outcome::kPaid} && ledger().went_on() && ledger().amounts().empty()) {
             fail(Verdict::kMoney, "the PIN pad was never told the amount");
+        }
+    }
+
+    void judge_last_word() {
+        const bool refused = evidence_.host == Host::kDeclines || evidence_.host == Host::kUnreachable;
+        if (refused && ledger().told_yes()) {
+            fail(Verdict::kMoney, "the card was told a yes that no acquirer has said");
         }
     }
 

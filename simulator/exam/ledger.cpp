@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <fmt/format.h>
 
 #include "wire/command.h"
 #include "wire/frame.h"
+#include "wire/hex.h"
 #include "wire/packet.h"
 
 namespace quorvel::sim::exam {
@@ -21,6 +23,9 @@ constexpr std::string_view kErrorId = "ERR";
 constexpr std::array<std::string_view, 3> kOnlyLater{"delay", "slow-bytes", "split"};
 
 constexpr std::array<std::string_view, 3> kAmountNames{"SPE_AMOUNT", "GCR_AMOUNT", "GOC_AMOUNT"};
+constexpr std::array<std::string_view, 2> kCashbackNames{"SPE_CASHBACK", "GOC_CASHBACK"};
+constexpr uint32_t kAmountTag = 0x9F02;
+constexpr size_t kAmountDigits = 12;
 
 const Item* named(const std::vector<Item>& items, std::string_view name) {
     const auto found = std::ranges::find(items, name, &Item::name);
@@ -28,6 +33,31 @@ const Item* named(const std::vector<Item>& items, std::string_view name) {
 }
 
 bool is_one_of(std::string_view id, std::string_view one, std::string_view other) { return id == one || id == other; }
+
+template <size_t kCount>
+bool has(const std::array<std::string_view, kCount>& names, std::string_view name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
+// None of what is no amount: the PIN pad says so itself.
+std::optional<uint64_t> amount_in(std::string_view digits) {
+    uint64_t amount = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), amount);
+    const bool whole = error == std::errc() && end == digits.data() + digits.size();
+    return whole && digits.size() == kAmountDigits ? std::optional(amount) : std::nullopt;
+}
+
+std::string text_of(const Item& item) { return {item.value.begin(), item.value.end()}; }
+
+// That the issuer was there, and that it has approved.
+bool tells_yes(const std::vector<Item>& items) {
+    const auto begins = [&](std::string_view name, std::string_view with) {
+        const Item* const item = named(items, name);
+        return item != nullptr && text_of(*item).starts_with(with);
+    };
+    return (begins("SPE_FCXOPT", "0") && begins("SPE_ARC", "00"))
+           || (begins("FNC_COMMST", "0") && begins("FNC_ARC", "00"));
+}
 
 std::string delivery_words(bool whole) { return whole ? "the till was told" : "the answer did not come through whole"; }
 
@@ -80,12 +110,25 @@ void Ledger::answered(const Traffic& traffic) {
 }
 
 void Ledger::exchanged(const Exchange& exchange) {
-    for (const Item& item : wire::take_apart(Sender::kHost, exchange.request).items) {
-        const bool amount = std::ranges::find(kAmountNames, item.name) != kAmountNames.end();
-        if (!amount || item.value.empty()) { continue; }
-        amounts_.push_back({exchange.command, std::stoull(std::string(item.value.begin(), item.value.end()))});
-    }
+    const std::vector<Item> items = wire::take_apart(Sender::kHost, exchange.request).items;
+    read_amounts(exchange.command, items);
+    toldYes_ |= tells_yes(items);
     read_answer(exchange, wire::take_apart(Sender::kPinPad, exchange.response).items);
+}
+
+void Ledger::read_amounts(const std::string& command, const std::vector<Item>& items) {
+    for (const Item& item : items) {
+        if (const auto amount = has(kAmountNames, item.name) ? amount_in(text_of(item)) : std::nullopt) {
+            amounts_.push_back({command, *amount});
+        }
+        if (const auto cashback = has(kCashbackNames, item.name) ? amount_in(text_of(item)) : std::nullopt) {
+            cashbacks_.push_back({command, *cashback});
+        }
+        for (const Item& part : item.parts) {
+            if (part.id != kAmountTag) { continue; }
+            if (const auto amount = amount_in(wire::to_hex(part.value))) { amounts_.push_back({command, *amount}); }
+        }
+    }
 }
 
 void Ledger::read_answer(const Exchange& exchange, const std::vector<Item>& items) {

@@ -36,6 +36,12 @@ public:
         uint64_t cents = 0;
     };
     [[nodiscard]] const std::vector<Amount>& amounts() const noexcept { return amounts_; }
+    // What it was asked to hand out besides.
+    [[nodiscard]] const std::vector<Amount>& cashbacks() const noexcept { return cashbacks_; }
+    // A card was told that the acquirer has said yes.
+    [[nodiscard]] bool told_yes() const noexcept { return toldYes_; }
+    // Some command was asked for that cannot do without the amount.
+    [[nodiscard]] bool went_on() const noexcept { return go_.asked; }
     [[nodiscard]] bool was_cut() const noexcept { return cut_; }
     [[nodiscard]] bool was_struck() const noexcept { return struck_; }
     [[nodiscard]] bool was_interrupted() const noexcept { return interrupted_; }
@@ -60,6 +66,7 @@ private:
     void begin_anew();
     void host_sent(const std::string& id);
     void answered(const Traffic& traffic);
+    void read_amounts(const std::string& command, const std::vector<Item>& items);
     void read_answer(const Exchange& exchange, const std::vector<Item>& items);
 
     [[nodiscard]] Outcomes at_the_end(bool authorised) const;
@@ -81,7 +88,9 @@ private:
     bool pinAsked_ = false;
     // Behind an approval another card was asked for.
     bool doubled_ = false;
+    bool toldYes_ = false;
     std::vector<Amount> amounts_;
+    std::vector<Amount> cashbacks_;
 };
 
 // The id of the command that the words of a frame are about.

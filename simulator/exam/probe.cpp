@@ -34,7 +34,7 @@ void Probe::send_command(std::string_view packet) const { send(wire::encode({.da
 bool Probe::hears(ByteView due, std::chrono::milliseconds limit) const {
     const auto deadline = Clock::now() + limit;
     Bytes heard;
-    while (std::ranges::search(heard, due).empty()) {
+    while (std::search(heard.begin(), heard.end(), due.begin(), due.end()) == heard.end()) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         pollfd polled{port_.get(), POLLIN, 0};
         if (left.count() <= 0 || ::poll(&polled, 1, static_cast<int>(left.count())) <= 0) { return false; }

@@ -2,7 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/exam/process.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -66,6 +68,11 @@ private:
     posix_spawnattr_t attributes_{};
 };
 
+static_assert(std::atomic<bool>::is_always_lock_free, "stop() is called in signal handlers");
+std::atomic<bool> stopped{false};
+// How often somebody who waits looks whether it is over.
+constexpr std::chrono::milliseconds kGlance{100};
+
 class Files {
 public:
     explicit Files(int output) {
@@ -85,6 +92,9 @@ private:
 };
 
 }  // namespace
+
+void stop() noexcept { stopped = true; }
+bool is_stopped() noexcept { return stopped; }
 
 Process::~Process() {
     clean_up();
@@ -148,9 +158,9 @@ std::optional<Ended> Process::wait(std::chrono::milliseconds limit) {
     bool open = true;
     while (true) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-        if (left.count() <= 0) { return std::nullopt; }
+        if (left.count() <= 0 || is_stopped()) { return std::nullopt; }
         std::array<pollfd, 2> polled{{{open ? pipe_ : -1, POLLIN, 0}, {end_, POLLIN, 0}}};
-        if (::poll(polled.data(), polled.size(), static_cast<int>(left.count())) < 0) { continue; }
+        if (::poll(polled.data(), polled.size(), static_cast<int>(std::min(left, kGlance).count())) < 0) { continue; }
         if (polled[0].revents != 0) { open = hear(); }
         if (polled[1].revents != 0) { return reap(); }
     }

@@ -15,6 +15,10 @@
 namespace quorvel::sim::exam {
 
 // A program in a process group of its own, with nothing to read, and both of its outputs as one.
+// Has every wait() end, of those that have begun, too. Safe in signal handlers.
+void stop() noexcept;
+[[nodiscard]] bool is_stopped() noexcept;
+
 class Process {
 public:
     Process() = default;
@@ -29,7 +33,8 @@ public:
     // To all of the group, as a terminal does. Safe from any thread.
     void signal(int number);
 
-    // Takes what it says, of which only the beginning is kept. None when it goes on beyond the limit.
+    // Takes what it says, of which only the beginning is kept. None when it goes on beyond the limit, or stop() was
+    // called.
     [[nodiscard]] std::optional<Ended> wait(std::chrono::milliseconds limit);
     // What it has said so far.
     [[nodiscard]] const std::string& output() const noexcept { return output_; }

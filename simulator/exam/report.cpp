@@ -3,6 +3,7 @@
 #include "simulator/exam/report.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -10,6 +11,8 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <system_error>
+#include <unistd.h>
 
 namespace quorvel::sim::exam {
 
@@ -146,10 +149,16 @@ std::string junit_report(const Till& till, const std::vector<Result>& results) {
                        escaped(till.title), suites);
 }
 
-void write_reports(const std::string& folder, const Till& till, const std::vector<Result>& results) {
+void prepare_reports(const std::string& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
     if (error) { throw std::runtime_error(fmt::format("{}: {}", folder, error.message())); }
+    if (::access(folder.c_str(), W_OK) != 0) {
+        throw std::runtime_error(fmt::format("{}: {}", folder, std::generic_category().message(errno)));
+    }
+}
+
+void write_reports(const std::string& folder, const Till& till, const std::vector<Result>& results) {
     write(fs::path(folder) / "exam.json", json_report(till, results));
     write(fs::path(folder) / "exam.xml", junit_report(till, results));
     write(fs::path(folder) / "index.html", page(till, results));

@@ -22,6 +22,7 @@ namespace quorvel::sim::exam {
 [[nodiscard]] std::string page(const Till& till, const std::vector<Result>& results);
 
 // exam.json, exam.xml and index.html. Throws std::runtime_error for what cannot be written.
+void prepare_reports(const std::string& folder);
 void write_reports(const std::string& folder, const Till& till, const std::vector<Result>& results);
 
 // As XML and HTML take it: what would be markup is not, and what is no character becomes the sign for that.

@@ -66,6 +66,7 @@ Rule rule(TomlTable table) {
             rule.output.emplace(table.text("output"));
         } catch (const std::regex_error&) { table.refuse("output", "no regular expression"); }
     }
+    if (rule.exits.empty() && !rule.output) { table.refuse("exit", "is missing, and so is output"); }
     table.end();
     return rule;
 }

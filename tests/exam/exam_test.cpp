@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include "tests/core/temp_dir.h"
@@ -74,6 +76,7 @@ const Row kRows[]{
     {"ignores-gox-decline", {"5.3.1"}, "money"},
     {"ignores-fcx", {"6.4.1", "3.7.1"}, "money"},
     {"accepts-any-code", {"6.1.1", "6.1.4"}, "money"},
+    {"lies-to-card", {"6.1.1", "6.2.1"}, "money"},
     {"pays-stripe-unasked", {"6.1.4", "6.2.4"}, "money"},
     {"pays-contactless-unasked", {"6.1.3", "6.2.3"}, "money"},
     {"not-paid-when-lost", {"2.8.1"}, "money"},
@@ -84,6 +87,7 @@ const Row kRows[]{
     {"amount-differs-in-gox", {"1.1.1"}, "money"},
     {"drops-cents", {"1.4.8"}, "money"},
     {"amount-in-32-bits", {"1.4.13"}, "money"},
+    {"hands-out-cash", {"1.1.1"}, "money"},
     {"ignores-tables-version", {"8.1.1", "8.1.2"}, "conduct"},
     {"loads-tables-halfway", {"8.1.2"}, "conduct"},
     {"swallows-cancel", {"4.1.1"}, "conduct"},
@@ -97,6 +101,19 @@ const Row kRows[]{
     {"retries-fcx", {"2.8.1"}, "conduct"},
     {"dies-of-interrupt", {"7.1.1"}, "broken"},
 };
+TEST(ExamEnds, WithTheTillsThatRun) {
+    const TempDir folder;
+    const std::string pipe = folder / "process";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    support::Child exam(
+        {QUORVEL_SIM, "exam", "--case", "1.1.1", "--", "sh", "-c", "echo $$ >" + pipe + "; exec sleep 60"});
+    pid_t till = 0;
+    std::ifstream(pipe) >> till;
+    EXPECT_EQ(exam.end(SIGTERM), 2);
+    EXPECT_EQ(kill(till, 0), -1);
+    EXPECT_EQ(exam.errors(), "quorvel-sim: the exam was ended before its end\n");
+}
+
 INSTANTIATE_TEST_SUITE_P(Exam, Mistakes, testing::ValuesIn(kRows), [](const auto& row) {
     std::string name = row.param.mistake;
     std::erase(name, '-');

@@ -24,11 +24,11 @@ const std::vector<std::string> kMistakes{
     "none",
     // Of the decision.
     "paid-when-online", "ignores-gox-status", "ignores-gox-decline", "ignores-fcx", "never-tells-card", "gox-twice",
-    "accepts-any-code", "pays-stripe-unasked", "pays-contactless-unasked",
+    "accepts-any-code", "lies-to-card", "pays-stripe-unasked", "pays-contactless-unasked",
     // Of what is lost.
     "retries-fcx", "not-paid-when-lost", "paid-when-lost", "no-reversal-when-card-declines", "forgets-late-yes",
     // Of the amount.
-    "amount-times-100", "amount-differs-in-gox", "drops-cents", "amount-in-32-bits",
+    "amount-times-100", "amount-differs-in-gox", "drops-cents", "amount-in-32-bits", "hands-out-cash",
     // Of the tables.
     "ignores-tables-version", "loads-tables-halfway",
     // Of the end.
@@ -129,8 +129,10 @@ private:
     // A chip that cannot be read makes way for the stripe.
     quorvel::CardAnswer read_card() {
         for (int tries = 1;; ++tries) {
-            auto card = wait(quorvel::Gcx{
-                .amount = amount(), .currency = 986, .type = 0, .contactless = true, .timeout = timeout()});
+            quorvel::Gcx asked{
+                .amount = amount(), .currency = 986, .type = 0, .contactless = true, .timeout = timeout()};
+            if (makes("hands-out-cash")) { asked.cashback = uint64_t{5000}; }
+            auto card = wait(asked);
             if (card.ok() && card->type) { return *card; }
             const bool fallback = card.status() == Status::dumb_card || card.status() == Status::card_error;
             const bool again = fallback && tries < 3;
@@ -180,7 +182,7 @@ private:
     // An answer that is lost leaves the outcome unknown; a status is one: the card has not approved.
     void finish(std::optional<std::string_view> code) {
         outcome_ = authorised_ ? Outcome::kUnknown : Outcome::kNotPaid;
-        const quorvel::Fcx last{.response_code = code, .timeout = timeout()};
+        const quorvel::Fcx last{.response_code = makes("lies-to-card") ? "00" : code, .timeout = timeout()};
         try {
             conclude(wait(last), code);
         } catch (const std::exception&) {

@@ -114,6 +114,8 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithAnOption) {
         {{"--amounts", "--scenario", "magnetic"}, "--scenario excludes --amounts"},
         {{"--replay", "x", "--seed", "1"}, "--seed excludes --replay"},
         {{"--pace", "1"}, "--pace requires --replay"},
+        {{"--seed", "3", "exam", "--", "true"}, "quorvel-sim: --seed has no place with exam"},
+        {{"exam", "--case", "1.1.1", "--report", "/dev/null", "--", "true"}, "quorvel-sim: /dev/null: Not a directory"},
         {{"--count", "2", "--face"}, "--count excludes --face"},
         {{"--clock", "2026-02-30T00:00:00Z"},
          "quorvel-sim: \"2026-02-30T00:00:00Z\" is no time like 2026-01-02T03:04:05Z"},

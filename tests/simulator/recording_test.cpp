@@ -47,12 +47,18 @@ TEST(RecordingFile, SaysWhatIsWrongAndWhere) {
 }
 
 TEST(RecordingFile, IsAsTheGuideHasIt) {
+    using Kind = Finding::Kind;
     const std::string guide = file_of(QUORVEL_DOCS "/recording.md");
     const size_t begin = guide.find(kFirst);
     const Recording shown = Recording::parse(guide.substr(begin, guide.find("```", begin) - begin));
     ASSERT_EQ(shown.events.size(), 5U);
     EXPECT_EQ(to_line(shown.events[2]), "1.009444 < frame 4F504E303030 # OPN 000 OK");
     EXPECT_EQ(shown.events[4].text, "there is no command \"XYZ\"");
+    for (const Kind kind :
+         {Kind::kFraming, Kind::kLayout, Kind::kSequence, Kind::kMoney, Kind::kUnsupported, Kind::kInternal}) {
+        const std::string line = fmt::format("1.000000 ! {} what it is", kind_name(kind));
+        EXPECT_EQ(to_line(Recording::parse(kFirst + line + "\n").events.at(0)), line);
+    }
     for (const std::string& name : changing_values()) { EXPECT_NE(guide.find(name), std::string::npos) << name; }
 }
 
