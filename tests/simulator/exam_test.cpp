@@ -37,13 +37,14 @@ TEST(ExamTill, FileIsRefusedWithTheLineAndTheKey) {
         {"title = 'a'\n[host]\ndeclines = 'no'", "line 2: host.approves: is missing"},
         {"title = 'a'\n[host]\napproves = ''\nnever = ''", "line 4: host.never: there is no such key"},
         {"title = 'a'\n[outcome.paid]\nexit = [0]", "line 2: outcome.not-paid: is missing"},
+        {"title = 'a'\n[outcome.paid]\n", "line 2: outcome.paid.exit: is missing, and so is output"},
         {"title = 'a'\n[outcome.paid]\nexit = [256]", "line 3: outcome.paid.exit: not of numbers from 0 to 255"},
         {"title = 'a'\n[outcome.paid]\nexit = 0", "line 3: outcome.paid.exit: no list of numbers"},
         {"title = 'a'\n[outcome.paid]\noutput = '('", "line 3: outcome.paid.output: no regular expression"},
         {"title = 'a'\n[session]\nsecure = ''", "line 3: session.secure: there is no such key"},
     };
     for (const auto& [text, due] : rows) {
-        EXPECT_EQ(thrown([&] { from_text(text); }), due) << text;
+        EXPECT_EQ(thrown([&, &bad = text] { from_text(bad); }), due) << text;
     }
 }
 
