@@ -179,6 +179,7 @@ TEST_F(KernelTest, VerifiesAndDecidesByTheCardAndTheTables) {
              {with("visa-chip", "8E0C000003E8000000001E064203"), {}, 1000, pin, "200001 0000040000 420300"},
              {with("visa-chip", "8E0C000000000000000060001F00"), {}, 100, none, "200000 0000400000 1F0002"},
              {with("visa-offline-pin", "8E0A00000000000000000300"), {}, 100, pin, "011000 0000000000 030002"},
+             {with("visa-chip", "8E080000000000000000"), {}, 100, none, "000000 0000000000 3F0000"},
          }) {
         SCOPED_TRACE(due);
         play_with(fields);
