@@ -105,7 +105,7 @@ private:
     std::optional<Ending> attempt() {
         const Method method = rule_->method();
         if (method == Method::kUnknown) { verified_.unknownMethod = true; }
-        if (method == Method::kFails || !is_supported(method, context_)) { return Ending::kFailed; }
+        if (method == Method::kFails || !is_supported(*rule_, context_)) { return Ending::kFailed; }
         if (method == Method::kNone) { return Ending::kSucceeded; }
         if (method == Method::kSignature) {
             verified_.signature = true;
