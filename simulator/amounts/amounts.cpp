@@ -155,7 +155,8 @@ Gestures Amounts::present() const {
     const auto& [way, name] = presented();
     if (way == Way::kNone) { return {}; }
     Card card = Cards::standard().at(name);
-    card.fresh = true;
+    // A phone that is tapped again is one whose owner has been asked.
+    card.fresh = !again_ || way != Way::kTap;
     switch (way) {
         case Way::kTap:
             return Gestures().tap(std::move(card));

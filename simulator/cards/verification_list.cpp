@@ -15,12 +15,32 @@ using Method = VerificationRule::Method;
 constexpr uint8_t kPlainPin = 0x80;
 constexpr uint8_t kOnlinePin = 0x40;
 constexpr uint8_t kSignature = 0x20;
+constexpr uint8_t kEncipheredPin = 0x10;
 
 constexpr uint64_t kCash = 0x01;
 constexpr uint64_t kGoodsWithCashback = 0x09;
 
 // The second digit of the terminal's type: 1 to 3 attended, 4 to 6 unattended.
 bool is_unattended(const Bytes& type) { return (number(type) & 0x0F) >= 4; }
+
+uint8_t needed_for(const VerificationRule& rule) {
+    switch (rule.code & 0x3F) {
+        case 0x01:
+            return kPlainPin;
+        case 0x02:
+            return kOnlinePin;
+        case 0x03:
+            return kPlainPin | kSignature;
+        case 0x04:
+            return kEncipheredPin;
+        case 0x05:
+            return kEncipheredPin | kSignature;
+        case 0x1E:
+            return kSignature;
+        default:
+            return 0;
+    }
+}
 
 }  // namespace
 
@@ -87,24 +107,10 @@ VerificationContext VerificationContext::of(const DataObjects& objects) {
             .ownCurrency = currency == value_of(objects, card_tag::kCurrency, currency)};
 }
 
-bool is_supported(Method method, const VerificationContext& context) {
+bool is_supported(const VerificationRule& rule, const VerificationContext& context) {
     const uint8_t able = context.capabilities.size() > 1 ? context.capabilities[1] : uint8_t{0};
-    switch (method) {
-        case Method::kOfflinePin:
-            return (able & kPlainPin) != 0;
-        case Method::kOfflinePinAndSignature:
-            return (able & kPlainPin) != 0 && (able & kSignature) != 0;
-        case Method::kOnlinePin:
-            return (able & kOnlinePin) != 0;
-        case Method::kSignature:
-            return (able & kSignature) != 0;
-        case Method::kFails:
-        case Method::kNone:
-            return true;
-        case Method::kUnknown:
-            break;
-    }
-    return false;
+    const uint8_t needed = needed_for(rule);
+    return rule.method() != Method::kUnknown && (able & needed) == needed;
 }
 
 bool is_meant(const VerificationRule& rule, const VerificationList& list, const VerificationContext& context) {
@@ -117,7 +123,7 @@ bool is_meant(const VerificationRule& rule, const VerificationList& list, const 
         case 0x02:
             return !context.cash && !context.cashback;
         case 0x03:
-            return is_supported(rule.method(), context);
+            return is_supported(rule, context);
         case 0x04:
             return !context.unattended && context.cash;
         case 0x05:

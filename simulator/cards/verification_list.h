@@ -50,7 +50,7 @@ struct VerificationContext {
     [[nodiscard]] static VerificationContext of(const DataObjects& objects);
 };
 
-[[nodiscard]] bool is_supported(VerificationRule::Method method, const VerificationContext& context);
+[[nodiscard]] bool is_supported(const VerificationRule& rule, const VerificationContext& context);
 [[nodiscard]] bool is_meant(const VerificationRule& rule, const VerificationList& list,
                             const VerificationContext& context);
 

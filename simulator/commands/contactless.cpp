@@ -27,9 +27,9 @@ bool is_of_visa(const Application& application) {
     return std::ranges::equal(ByteView(application.aid).first(std::min(application.aid.size(), kVisa.size())), kVisa);
 }
 
-// Every other tap of a phone that wants its owner's word is one after that word was given.
+// Every other tap of a phone that wants its owner's word is one after that word was given, unless it comes fresh.
 Status confirmed(Device& device, const Card& card) {
-    if (device.confirming == card.pan) {
+    if (!card.fresh && device.confirming == card.pan) {
         device.confirming.reset();
         return Status::kOk;
     }

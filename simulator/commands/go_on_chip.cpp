@@ -85,6 +85,7 @@ private:
 
     // Goes through the rules until one is fulfilled, or waits for a PIN.
     std::optional<Answer> verify() {
+        if (list_.rules.empty()) { return decide(Ending::kLeftOpen); }
         for (; rule_ != list_.rules.end(); ++rule_) {
             if (!is_meant(*rule_, list_, context_)) { continue; }
             tried_ = *rule_;
@@ -104,7 +105,7 @@ private:
     std::optional<Ending> attempt() {
         const Method method = rule_->method();
         if (method == Method::kUnknown) { verified_.unknownMethod = true; }
-        if (method == Method::kFails || !is_supported(method, context_)) { return Ending::kFailed; }
+        if (method == Method::kFails || !is_supported(*rule_, context_)) { return Ending::kFailed; }
         if (method == Method::kNone) { return Ending::kSucceeded; }
         if (method == Method::kSignature) {
             verified_.signature = true;

@@ -83,7 +83,13 @@ void Replayer::take(const Recording& recording) {
         if (each.mark != Recorded::Mark::kPinPad || turns_.empty()) { continue; }
         const auto struck = std::exchange(fault, std::nullopt);
         if (each.kind == "ack") { turns_.back().acknowledgement = struck; }
-        if (is_frame(each) && !repeats) { take_reply(each, asked, struck); }
+        if (!is_frame(each)) { continue; }
+        std::vector<Reply>& replies = turns_.back().replies;
+        if (!repeats) {
+            take_reply(each, asked, struck);
+        } else if (!replies.empty()) {
+            replies.back().repeated.push_back(struck);
+        }
     }
 }
 
@@ -147,9 +153,14 @@ void Replayer::handle_byte(uint8_t byte) {
     transmitter_.send_byte(control::kEot);
 }
 
-void Replayer::abandon() {
+void Replayer::forget() {
     due_.clear();
     last_.reset();
+    repeated_.clear();
+}
+
+void Replayer::abandon() {
+    forget();
     transmitter_.abandon();
 }
 
@@ -159,8 +170,7 @@ void Replayer::accept(const Reception& reception) {
     journal_.record(Traffic{Sender::kHost, reception.wire,
                             request && reception.frame.encrypted ? enciphered_words(words) : words,
                             is_private(reception)});
-    due_.clear();
-    last_.reset();
+    forget();
     if (!request) {
         return refuse(reception.frame.data, channel_.active() ? Status::kErrpktsec : Status::kNosec, false);
     }
@@ -253,16 +263,26 @@ void Replayer::send_due() {
 }
 
 void Replayer::send(Reply reply) {
-    if (reply.fault) { faults_.add(*reply.fault); }
-    static_cast<void>(transmitter_.send(reply.message, channel_));
-    faults_.clear();
+    send(reply.message, reply.fault);
     last_ = std::move(reply.message);
+    repeated_ = std::move(reply.repeated);
+}
+
+void Replayer::send(const Message& message, const std::optional<Fault>& fault) {
+    if (fault) { faults_.add(*fault); }
+    static_cast<void>(transmitter_.send(message, channel_));
+    faults_.clear();
 }
 
 void Replayer::resend() {
     if (!last_) { return; }
     transmitter_.abandon();
-    static_cast<void>(transmitter_.send(*last_, channel_));
+    std::optional<Fault> fault;
+    if (!repeated_.empty()) {
+        fault = std::move(repeated_.front());
+        repeated_.pop_front();
+    }
+    send(*last_, fault);
 }
 
 void Replayer::differ(const std::string& how) {

@@ -59,6 +59,8 @@ private:
         Clock::duration after;
         Message message;
         std::optional<Fault> fault;
+        // What struck each time the host had it repeated.
+        std::deque<std::optional<Fault>> repeated = {};
     };
     // A command, and what came of it.
     struct Turn {
@@ -86,7 +88,9 @@ private:
     void refuse(const Bytes& request, Status status, bool sealed);
     void send_due();
     void send(Reply reply);
+    void send(const Message& message, const std::optional<Fault>& fault);
     void resend();
+    void forget();
     void abandon();
 
     [[nodiscard]] bool acknowledge(const std::string& id, const std::optional<Fault>& fault);
@@ -110,6 +114,7 @@ private:
     FrameDecoder decoder_;
     std::deque<Due> due_;
     std::optional<Message> last_;
+    std::deque<std::optional<Fault>> repeated_;
     Clock::time_point lastHeard_{};
     bool spoken_ = false;
     std::optional<std::chrono::milliseconds> absence_;

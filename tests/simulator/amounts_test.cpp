@@ -166,6 +166,10 @@ TEST_F(AmountsTest, YieldsToWhoeverActs) {
     pinPad_->when("GOX", Gestures().press(Key::kCancel));
     EXPECT_EQ(pay(1000), "GCX-chip GOX013 RMC000");
     // A payment that was given up does not count when the till begins anew.
+    EXPECT_EQ(read(1061), "GCX086");
+    call("CLO032" + std::string(32, 'X'), "CLO000");
+    EXPECT_EQ(read(1061), "GCX086");
+    EXPECT_EQ(read(1061), "GCX-chip");
     EXPECT_EQ(read(1060), "GCX085");
     call("CLO032" + std::string(32, 'X'), "CLO000");
     EXPECT_EQ(read(1060), "GCX085");

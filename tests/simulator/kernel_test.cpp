@@ -179,6 +179,22 @@ TEST_F(KernelTest, VerifiesAndDecidesByTheCardAndTheTables) {
              {with("visa-chip", "8E0C000003E8000000001E064203"), {}, 1000, pin, "200001 0000040000 420300"},
              {with("visa-chip", "8E0C000000000000000060001F00"), {}, 100, none, "200000 0000400000 1F0002"},
              {with("visa-offline-pin", "8E0A00000000000000000300"), {}, 100, pin, "011000 0000000000 030002"},
+             {with("visa-chip", "8E080000000000000000"), {}, 100, none, "000000 0000000000 3F0000"},
+             {with("visa-offline-pin", "8E0C000000000000000044031E03"),
+              {{kCapabilities, "E0A0C8"}},
+              100,
+              none,
+              "010000 0000000000 1E0300"},
+             {with("visa-offline-pin", "8E0C000000000000000041034503"),
+              {{kCapabilities, "E030C8"}},
+              100,
+              pin,
+              "011000 0000000000 450302"},
+             {with("visa-offline-pin", "8E0A00000000000000000403"),
+              {{kCapabilities, "E010C8"}},
+              100,
+              pin,
+              "001000 0000000000 040302"},
          }) {
         SCOPED_TRACE(due);
         play_with(fields);

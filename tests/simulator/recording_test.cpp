@@ -373,6 +373,20 @@ TEST_F(ReplayTest, LetsFaultsStrikeAsTheyDid) {
     EXPECT_TRUE(host_->is_left());
     replayer_->request_stop();
     EXPECT_EQ(left(), Lines{"line 6: never asked: GKY"});
+    // A repetition more than there were is sound, and what was left of an answer's is not for the next.
+    const std::string bad = R"(* fault {"fault":"bad-crc"})";
+    const std::string lost = R"(* fault {"fault":"no-answer"})";
+    replay({">OPN",    "< ack", bad,     "<OPN000", "> nak", lost, "<OPN000", "> nak", bad,     "<OPN000", "> nak",
+            "<OPN000", ">OPN",  "< ack", "<OPN000", "> nak", bad,  "<OPN000", ">OPN",  "< ack", "<OPN000"});
+    exchange(kOpn, kAck + "\x16OPN000\x17\x77\x5F");
+    exchange(kNak, "");
+    exchange(kNak, "\x16OPN000\x17\x77\x5F");
+    exchange(kNak, kOpnDone);
+    exchange(kNak, kOpnDone);
+    exchange(kOpn, kAck + kOpnDone);
+    exchange(kOpn, kAck + kOpnDone);
+    exchange(kNak, kOpnDone);
+    EXPECT_EQ(left(), Lines{});
     for (const auto& [event, due] : {std::pair("* fault {}", "line 2: no \"fault\""),
                                      {R"(* fault {"fault":"delay"})", "line 2: \"delay\" needs a time"}}) {
         EXPECT_EQ(thrown([&, &bad = event] { Replayer(Recording::parse(recorded({bad})), {}); }), due);
