@@ -85,7 +85,8 @@ void Replayer::take(const Recording& recording) {
         if (each.kind == "ack") { turns_.back().acknowledgement = struck; }
         if (!is_frame(each)) { continue; }
         std::vector<Reply>& replies = turns_.back().replies;
-        if (!repeats) {
+        // A NAK asks for one frame again, behind which others may come.
+        if (!std::exchange(repeats, false)) {
             take_reply(each, asked, struck);
         } else if (!replies.empty()) {
             replies.back().repeated.push_back(struck);
