@@ -237,7 +237,7 @@ TEST_F(StrictTest, NoCardIsLeftInside) {
     for (const std::string& asks : {"RMC032" + padded("", 32), "CKE003001"s}) {
         call("OPN", "OPN000");
         read_chip();
-        exchange(frame(asks), kAck);
+        begin(Gestures().notify("SEEN"), asks, "NTM000004SEEN");
         if (asks.starts_with("RMC")) { EXPECT_EQ(pinPad_->screen().text, "REMOVE THE CARD"); }
         exchange(kCan, kEot);
         call(clo_, "CLO000");
