@@ -55,7 +55,7 @@ Answer tli(Call& call);
 Answer tlr(Call& call);
 
 // The host's text, or the PIN pad's own where it has none.
-inline std::string text_or(const Call& call, std::string text, Text own) {
+inline std::string text_or(const Call& call, const std::string& text, Text own) {
     return text.empty() ? call.device.text(own) : text;
 }
 

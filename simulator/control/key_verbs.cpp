@@ -25,7 +25,7 @@ std::string one_of(Arguments& arguments, std::string_view name, std::string_view
                    std::string_view otherwise) {
     std::string chosen = arguments.text(name, otherwise);
     if (chosen != first && chosen != second && chosen != otherwise) {
-        throw RequestError(fmt::format("\"{}\" is neither \"{}\" nor \"{}\"", name, first, second));
+        throw RequestError(fmt::format(R"("{}" is neither "{}" nor "{}")", name, first, second));
     }
     return chosen;
 }
