@@ -28,6 +28,7 @@ Till till_for(const Request& request) {
     Till till = request.till.empty() ? Till() : Till::from_file(request.till);
     if (!request.command.empty()) { till.command = request.command; }
     if (till.command.empty()) { throw std::runtime_error("no till: name its command behind --, or in its file"); }
+    till.check_command();
     return till;
 }
 

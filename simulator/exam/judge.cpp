@@ -64,8 +64,7 @@ private:
             return fail(Verdict::kState, fmt::format("the till did not end within {} s", evidence_.till.limit.count()));
         }
         const auto said = evidence_.till.outcome_of(*evidence_.ended);
-        judgement_.said =
-            said ? words_for(*said) : fmt::format("nothing that is known, exit {}", evidence_.ended->exit);
+        judgement_.said = said ? words_for(*said) : evidence_.till.words_for(*evidence_.ended);
         if (!said) { return fail(Verdict::kBroken, "the till says " + judgement_.said); }
         if (!allowed_.has(*said)) {
             return fail(Verdict::kMoney, fmt::format("the till says \"{}\"; right is \"{}\": {}", judgement_.said,

@@ -6,6 +6,7 @@
 #include <array>
 #include <filesystem>
 #include <fmt/format.h>
+#include <stdexcept>
 #include <utility>
 
 #include "simulator/files/toml_table.h"
@@ -173,6 +174,30 @@ std::optional<Outcome> Till::outcome_of(const Ended& ended) const {
     if (isPaid) { return Outcome::kPaid; }
     if (isUnknown) { return Outcome::kUnknown; }
     return isReversed ? Outcome::kReversal : Outcome::kNotPaid;
+}
+
+std::string Till::words_for(const Ended& ended) const {
+    const std::array<std::pair<const char*, const Rule*>, 4> rules{
+        {{"paid", &paid}, {"not-paid", &notPaid}, {"unknown", &unknown}, {"reversal", &reversal}}};
+    std::string said;
+    for (const auto& [name, rule] : rules) {
+        if (rule->is_met(ended)) { said += (said.empty() ? "" : " and ") + std::string(name); }
+    }
+    const bool several = said.find(' ') != std::string::npos;
+    return fmt::format("{}{}, exit {}", said.empty() ? "nothing that is known" : said, several ? " at once" : "",
+                       ended.exit);
+}
+
+void Till::check_command() const {
+    static const std::regex looksLikeOne("\\{[a-z]+\\}");
+    const auto known = values({});
+    for (const std::string& each : command) {
+        const bool isKnown =
+            std::ranges::find(known, each, [](const auto& value) { return value.first; }) != known.end();
+        if (!isKnown && std::regex_match(each, looksLikeOne)) {
+            throw std::runtime_error(fmt::format("there is no placeholder \"{}\"", each));
+        }
+    }
 }
 
 Till Till::from_table(TomlTable table) {

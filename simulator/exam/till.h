@@ -84,6 +84,10 @@ struct Till {
 
     // None when it says nothing that is known, or two things at once.
     [[nodiscard]] std::optional<Outcome> outcome_of(const Ended& ended) const;
+    // In words, what it has said instead of one outcome.
+    [[nodiscard]] std::string words_for(const Ended& ended) const;
+    // Throws std::runtime_error for an argument that looks like a placeholder and is none.
+    void check_command() const;
 
     // Both throw std::runtime_error with what is wrong and where.
     [[nodiscard]] static Till from_table(TomlTable table);

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
+#include <sys/ioctl.h>
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
@@ -82,6 +83,8 @@ void Line::see_departures() {
         if (holders_ != 0 && !is_held(terminal_->path, terminal_->slave.get())) { holders_ = 0; }
         departed_ |= holders_ == 0;
     }
+    // Whoever had it for himself is gone, killed perhaps. The PIN pad's own end would keep others out for ever.
+    if (departed_ && holders_ == 0) { ::ioctl(terminal_->slave.get(), TIOCNXCL); }
 }
 
 Bytes Line::read() {

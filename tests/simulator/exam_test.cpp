@@ -97,6 +97,7 @@ TEST(Exam, TellsOneFaultFromTheOther) {
         {"1.1.1", "exit 0", Verdict::kMoney, "the till says \"paid\"; right is \"not paid\": no card was read"},
         {"1.1.1", "exit 5", Verdict::kConduct, "the till has not come to \"paid\": no card was read"},
         {"1.1.1", "exit 9", Verdict::kBroken, "the till says nothing that is known, exit 9"},
+        {"1.1.1", "echo REVERSE; exit 0", Verdict::kBroken, "the till says paid and reversal at once, exit 0"},
         {"1.1.1", "kill -ABRT $$", Verdict::kBroken, "the till says nothing that is known, exit 134"},
         {"1.1.1", "sleep 60", Verdict::kState, "the till did not end within 2 s"},
         {"9.1.7", "sleep 60 & exit 5", Verdict::kState, "something of the till went on running"},
@@ -173,6 +174,7 @@ TEST(ExamProgram, ReportsAndEndsAsItShould) {
         {{}, "no till: name its command behind --, or in its file"},
         {{"--till", "/nowhere.toml"}, "/nowhere.toml cannot be read"},
         {{"--case", "77", "--", "true"}, "there is no case \"77\": --list names them"},
+        {{"--case", "9.1.7", "--", "true", "{amount}", "{prot}"}, "there is no placeholder \"{prot}\""},
         {{"--case", "9.1.7", "--", "/nowhere/till"}, "/nowhere/till: No such file or directory"},
     };
     for (const auto& [arguments, why] : refused) {

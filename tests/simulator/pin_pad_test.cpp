@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <future>
+#include <sys/ioctl.h>
+
 #include "tests/simulator/fixture.h"
 
 using namespace quorvel::sim;
@@ -29,6 +32,28 @@ TEST_F(PinPadTest, RepeatsItsResponseThreeTimesUntilCan) {
     exchange(kNak + kCan, kEot);
     exchange(kNak + kCan, kEot);
     expect_findings({nothing, {Kind::kSequence, "NAK after the last repetition"}, nothing});
+}
+
+// A program that was killed cannot give the port back, and the PIN pad's own end keeps the system from doing it.
+TEST(PinPadPort, IsFreeAgainWhenWhoClaimedItIsGone) {
+    struct Claimant : Host {
+        using Host::Host;
+        int control(unsigned long request, int* value = nullptr) { return ::ioctl(descriptor_, request, value); }
+    };
+    std::promise<void> left;
+    PinPad pinPad({.witness = {.acted = {}, .struck = {}, .left = [&left] { left.set_value(); }}});
+    pinPad.start();
+    {
+        Claimant first(pinPad.path());
+        ASSERT_EQ(first.control(TIOCEXCL), 0);
+        first.send(kCan);
+        ASSERT_EQ(first.receive(1), kEot);
+    }
+    ASSERT_EQ(left.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    Claimant next(pinPad.path());
+    int isClaimed = 1;
+    ASSERT_EQ(next.control(TIOCGEXCL, &isClaimed), 0);
+    EXPECT_EQ(isClaimed, 0);
 }
 
 TEST_F(PinPadTest, FindsBytesThatHaveNoMeaning) {
