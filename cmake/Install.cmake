@@ -9,7 +9,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/quorvel DESTINATION ${CMAKE_INST
 if(TARGET quorvel_sim)
   foreach(part IN ITEMS simulator wire)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/${part} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quorvel-sim
-      FILES_MATCHING PATTERN "*.h" PATTERN face EXCLUDE PATTERN exam EXCLUDE PATTERN scenarios EXCLUDE PATTERN completion EXCLUDE)
+      FILES_MATCHING PATTERN "*.h" PATTERN face EXCLUDE PATTERN web EXCLUDE PATTERN exam EXCLUDE PATTERN scenarios EXCLUDE PATTERN completion EXCLUDE)
   endforeach()
   set_target_properties(quorvel_sim PROPERTIES EXPORT_NAME simulator)
   set_target_properties(quorvel_wire PROPERTIES EXPORT_NAME wire)

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <sys/mman.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -29,6 +30,8 @@
 #include "simulator/recording/scenario_maker.h"
 #include "simulator/scenario/performance.h"
 #include "simulator/watch/trace_file.h"
+#include "simulator/web/access.h"
+#include "simulator/web/web_server.h"
 
 namespace {
 
@@ -89,6 +92,11 @@ struct Settings {
     std::optional<std::string> trace;
     size_t traceSize = size_t{8} << 20U;
     bool face = false;
+    // Where a page is served; none without it.
+    std::optional<std::string> web;
+    std::string webToken;
+    std::vector<std::string> webNames;
+    bool reveal = false;
     bool listScenarios = false;
 };
 
@@ -172,6 +180,18 @@ sim::Recorder make_recorder(const Settings& settings, sim::Cards cards) {
             }};
 }
 
+// A recording that nobody has asked for stands in memory until the page wants it.
+class UnnamedFile {
+public:
+    UnnamedFile() : descriptor_(::memfd_create("recording", MFD_CLOEXEC), "memfd_create") {}
+    [[nodiscard]] std::string path() const { return fmt::format("/proc/self/fd/{}", descriptor_.get()); }
+
+private:
+    quorvel::wire::Descriptor descriptor_;
+};
+
+constexpr size_t kMostUnnamed = size_t{32} << 20U;
+
 std::unique_ptr<sim::Performance> performance_of(const Settings& settings) {
     if (settings.scenario.empty()) { return nullptr; }
     auto performance = std::make_unique<sim::Performance>(sim::Scenario::find(settings.scenario));
@@ -232,17 +252,24 @@ public:
           pinPad_(pin_pad_options()),
           control_(pinPad_, cards_) {
         if (!settings.control.empty()) { server_.emplace(settings.control, control_); }
+        if (settings.web) { serve_page(); }
     }
 
     [[nodiscard]] sim::PinPad& pin_pad() noexcept { return pinPad_; }
     [[nodiscard]] unsigned number() const noexcept { return settings_.number; }
 
-    void announce() { port_.announce(pinPad_.path()); }
+    void announce() {
+        port_.announce(pinPad_.path());
+        if (!page_) { return; }
+        fmt::print("{}", sim::told_by(settings_.number, fmt::format("WEB {}\n", page_->link())));
+        std::fflush(stdout);
+    }
     // When it has ended, nothing leads to it any more.
     void play() {
         pinPad_.run();
         port_.withdraw();
         server_.reset();
+        page_.reset();
     }
     void play_by_hand() {
         sim::show_face(pinPad_, control_.cards(), feed_, [this] { announce(); });
@@ -257,8 +284,33 @@ private:
         if (!settings_.record.empty()) {
             recorder_.emplace(make_recorder(settings_, cards_));
             recorder_->listen(made);
+        } else if (settings_.web) {
+            unnamed_.emplace();
+            recorder_.emplace(unnamed_->path(), sim::Recorder::Values::kWithheld, cards_, [](const std::string&) {});
+            recorder_->end_at(kMostUnnamed);
+            recorder_->listen(made);
         }
+        if (settings_.web) { bulletin_.listen(made); }
         return made;
+    }
+
+    void serve_page() {
+        sim::web::WebServer::Options options;
+        options.address = sim::web::Address::from(*settings_.web);
+        options.token = settings_.webToken.empty() ? sim::web::new_token() : sim::web::token_in(settings_.webToken);
+        options.names = settings_.webNames;
+        options.version = QUORVEL_VERSION;
+        options.values = values();
+        options.recording = unnamed_ ? unnamed_->path() : settings_.record;
+        options.performance = performance_.get();
+        if (options.address.port != 0 && settings_.number > 1) {
+            options.address.port += static_cast<int>(settings_.number) - 1;
+        }
+        page_.emplace(std::move(options), control_, bulletin_);
+    }
+    [[nodiscard]] sim::web::Bulletin::Values values() const {
+        using Values = sim::web::Bulletin::Values;
+        return settings_.reveal ? Values::kRevealed : Values::kWithheld;
     }
 
     const Settings settings_;
@@ -266,11 +318,14 @@ private:
     const std::unique_ptr<sim::Performance> performance_;
     const sim::Cards cards_;
     sim::Amounts amounts_;
+    std::optional<UnnamedFile> unnamed_;
     std::optional<sim::Recorder> recorder_;
     sim::Feed feed_;
+    sim::web::Bulletin bulletin_{values()};
     sim::PinPad pinPad_;
     sim::Control control_;
     std::optional<sim::ControlServer> server_;
+    std::optional<sim::web::WebServer> page_;
 };
 
 Settings numbered(Settings settings, unsigned number) {
@@ -359,6 +414,29 @@ int run_exam(const sim::exam::Request& request, bool listed) {
     return kKept;
 }
 
+// The page for browsers. Gives the option, as its value may be left out.
+CLI::Option* add_web(CLI::App& app, Settings& settings) {
+    CLI::Option* const web =
+        app.add_option("--web", settings.web,
+                       "Serve a page on which the PIN pad is played in a browser, and print its link behind READY; "
+                       "without a value at 127.0.0.1 and any free port")
+            ->type_name("[[ADDRESS:]PORT]")
+            ->expected(0, 1);
+    app.add_option("--web-token", settings.webToken,
+                   "Keep the link's token in this file, so that links live on after a restart")
+        ->type_name("FILE")
+        ->needs(web);
+    app.add_option("--web-name", settings.webNames,
+                   "A name of this machine that browsers may use, besides addresses and localhost")
+        ->type_name("NAME")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->take_all()
+        ->needs(web);
+    app.add_flag("--reveal", settings.reveal, "Show card numbers, PINs and keys on the page")->needs(web);
+    return web;
+}
+
 // What a session is written to, and what is made of it.
 void add_recording(CLI::App& app, Settings& settings) {
     CLI::Option* const record =
@@ -370,7 +448,7 @@ void add_recording(CLI::App& app, Settings& settings) {
                                                "Answer as the PIN pad did in this recording, and tell what differs")
                                     ->type_name("FILE");
     for (const char* other : {"--record", "--scenario", "--keys", "--control", "--face", "--speed", "--seed", "--count",
-                              "--amounts", "--session", "--language", "--clock"}) {
+                              "--amounts", "--session", "--language", "--clock", "--web"}) {
         replay->excludes(app.get_option(other));
     }
     app.add_option("--pace", settings.pace, "Let the pauses of a recording last, times this factor; 0 for none")
@@ -433,6 +511,7 @@ int main(int argc, char** argv) {
                  "Play the cardholder by hand on a screen in the terminal, which shows READY, findings and trace in "
                  "place of what would be printed there; what goes into files and pipes is printed as usual")
         ->excludes(count);
+    const CLI::Option* const web = add_web(app, settings);
     auto* const trace =
         app.add_option("--trace", settings.trace,
                        "Print each frame in hexadecimal and in words to standard error, or write it behind a file")
@@ -463,6 +542,7 @@ int main(int argc, char** argv) {
         }
     }
     if (trace->count() > 0 && !settings.trace) { settings.trace.emplace(); }
+    if (web->count() > 0 && !settings.web) { settings.web.emplace(); }
 
     try {
         if (exam->parsed()) { return run_exam(examined, examListed); }

@@ -250,8 +250,12 @@ void PinPad::forget_chip(const std::string& pan) {
 
 Tables PinPad::tables() {
     Tables tables;
-    errands_.run([&] { tables = engine_.device().tables; });
+    visit([&](const Device& device) { tables = device.tables; });
     return tables;
+}
+
+void PinPad::visit(const std::function<void(const Device&)>& visitor) {
+    errands_.run([&] { visitor(engine_.device()); });
 }
 
 std::optional<SessionLog> PinPad::session() {

@@ -140,6 +140,8 @@ public:
     // Has the chip of that card number come as a new one when it is inserted next.
     void forget_chip(const std::string& pan);
 
+    // Calls it with all that the PIN pad is, between two commands' steps, from any thread, and waits for that.
+    void visit(const std::function<void(const Device&)>& visitor);
     // What hosts have loaded, and what the host does since its first command; none when it has sent none since the last
     // session. From any thread.
     [[nodiscard]] Tables tables();

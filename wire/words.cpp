@@ -45,6 +45,25 @@ std::string value_words(const Item& item) {
 
 std::string items_words(const std::vector<Item>& items) { return items.empty() ? "" : ": " + list(items); }
 
+void show(std::vector<Item>& items) {
+    for (Item& each : items) {
+        each.privacy = Privacy::kShown;
+        show(each.parts);
+    }
+}
+
+std::string words_of_request(const Packet& apart, size_t size) {
+    if (!looks_like_id(apart.id)) { return fmt::format("{} bytes withheld", size); }
+    const std::string name = apart.command != nullptr ? fmt::format("{} {}", apart.id, apart.command->title)
+                                                      : fmt::format("\"{}\"", apart.id);
+    return name + items_words(apart.items);
+}
+
+std::string words_of_response(const Packet& apart, size_t size) {
+    if (!apart.status || !looks_like_id(apart.id)) { return fmt::format("no response: {} bytes withheld", size); }
+    return fmt::format("{} {:03} {}{}", apart.id, *apart.status, status_name(*apart.status), items_words(apart.items));
+}
+
 }  // namespace
 
 std::string words_for(const Item& item) {
@@ -57,19 +76,17 @@ std::string whole_words_for(const Item& item) {
 }
 
 std::string request_words(ByteView packet) {
-    const Packet apart = take_apart(Sender::kHost, packet);
-    if (!looks_like_id(apart.id)) { return fmt::format("{} bytes withheld", packet.size()); }
-    const std::string name = apart.command != nullptr ? fmt::format("{} {}", apart.id, apart.command->title)
-                                                      : fmt::format("\"{}\"", apart.id);
-    return name + items_words(apart.items);
+    return words_of_request(take_apart(Sender::kHost, packet), packet.size());
 }
 
 std::string response_words(ByteView packet) {
-    const Packet apart = take_apart(Sender::kPinPad, packet);
-    if (!apart.status || !looks_like_id(apart.id)) {
-        return fmt::format("no response: {} bytes withheld", packet.size());
-    }
-    return fmt::format("{} {:03} {}{}", apart.id, *apart.status, status_name(*apart.status), items_words(apart.items));
+    return words_of_response(take_apart(Sender::kPinPad, packet), packet.size());
+}
+
+std::string whole_words_for(Sender sender, ByteView packet) {
+    Packet apart = take_apart(sender, packet);
+    show(apart.items);
+    return sender == Sender::kHost ? words_of_request(apart, packet.size()) : words_of_response(apart, packet.size());
 }
 
 std::string control_words(uint8_t byte) {

@@ -18,6 +18,8 @@ namespace quorvel::wire {
 // "GIX device information: SPE_IDLIST=80018003", "GTS 000 OK: GTS_TABVER=\"TABLES0001\"".
 [[nodiscard]] std::string request_words(ByteView packet);
 [[nodiscard]] std::string response_words(ByteView packet);
+// The same with what is private in them.
+[[nodiscard]] std::string whole_words_for(Sender sender, ByteView packet);
 [[nodiscard]] std::string control_words(uint8_t byte);
 // Of what the host sent.
 [[nodiscard]] std::string reception_words(const Reception& reception);

@@ -173,13 +173,7 @@ json screen(Control& control, Arguments& arguments) {
 json findings(Control& control, Arguments& arguments) {
     arguments.end();
     json list = json::array();
-    for (const Finding& finding : control.pin_pad().findings()) {
-        list.push_back({{"number", finding.number},
-                        {"time", time_text(finding.time)},
-                        {"kind", kind_name(finding.kind)},
-                        {"text", utf8(finding.text)}});
-        if (const std::string field = field_in(finding); !field.empty()) { list.back()["field"] = field; }
-    }
+    for (const Finding& finding : control.pin_pad().findings()) { list.push_back(to_json(finding)); }
     return {{"findings", list}};
 }
 
@@ -193,12 +187,7 @@ json traffic(Control& control, Arguments& arguments) {
     arguments.end();
     const std::vector<Traffic> all = control.pin_pad().traffic();
     json list = json::array();
-    for (size_t i = all.size() - std::min(all.size(), last); i < all.size(); ++i) {
-        list.push_back({{"time", time_text(all[i].time)},
-                        {"from", all[i].sender == Sender::kHost ? "host" : "pin-pad"},
-                        {"bytes", wire_text(all[i])},
-                        {"words", utf8(all[i].words)}});
-    }
+    for (size_t i = all.size() - std::min(all.size(), last); i < all.size(); ++i) { list.push_back(to_json(all[i])); }
     return {{"traffic", list}};
 }
 
@@ -279,6 +268,22 @@ json to_json(const Fault& fault) {
     if (fault.every != 1) { object["every"] = fault.every; }
     if (fault.chance < 1) { object["chance"] = fault.chance; }
     if (fault.times) { object["times"] = *fault.times; }
+    return object;
+}
+
+json to_json(const Traffic& traffic) {
+    return {{"time", time_text(traffic.time)},
+            {"from", traffic.sender == Sender::kHost ? "host" : "pin-pad"},
+            {"bytes", wire_text(traffic)},
+            {"words", utf8(traffic.words)}};
+}
+
+json to_json(const Finding& finding) {
+    json object{{"number", finding.number},
+                {"time", time_text(finding.time)},
+                {"kind", kind_name(finding.kind)},
+                {"text", utf8(finding.text)}};
+    if (std::string field = field_in(finding); !field.empty()) { object["field"] = std::move(field); }
     return object;
 }
 

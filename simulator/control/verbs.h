@@ -41,6 +41,9 @@ struct Verb {
 // RequestError.
 [[nodiscard]] nlohmann::json to_json(const Fault& fault);
 [[nodiscard]] Fault fault_of(Arguments& arguments);
+// As "traffic" and "findings" list them.
+[[nodiscard]] nlohmann::json to_json(const Traffic& traffic);
+[[nodiscard]] nlohmann::json to_json(const Finding& finding);
 
 [[nodiscard]] std::span<const Verb> all_verbs() noexcept;
 // Throws RequestError.

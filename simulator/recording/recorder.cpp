@@ -141,8 +141,10 @@ void Recorder::write(Recorded recorded) {
 void Recorder::write(std::string_view line) {
     if (file_ == nullptr) { return; }
     const std::string text = fmt::format("{}\n", line);
-    const bool written =
-        std::fwrite(text.data(), 1, text.size(), file_.get()) == text.size() && std::fflush(file_.get()) == 0;
+    size_ += text.size();
+    if (size_ > most_) { errno = EFBIG; }
+    const bool written = size_ <= most_ && std::fwrite(text.data(), 1, text.size(), file_.get()) == text.size()
+                         && std::fflush(file_.get()) == 0;
     if (written) { return; }
     const int error = errno;
     file_.reset();

@@ -4,6 +4,7 @@
 #define QUORVEL_SIMULATOR_RECORDING_RECORDER_H
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -24,6 +25,9 @@ public:
     // Makes the file anew, for its owner alone. `cards` gives cards their names; `failed` is told once when no more can
     // be written, and the PIN pad goes on. Throws std::system_error.
     Recorder(const std::string& path, Values values, Cards cards, std::function<void(const std::string&)> failed);
+
+    // It ends before the file would have more bytes, as if no more could be written.
+    void end_at(size_t most) noexcept { most_ = most; }
 
     // Beside whoever listens already. The recorder must outlive the PIN pad that is made of the options.
     void listen(PinPad::Options& options);
@@ -47,6 +51,8 @@ private:
     const std::function<void(const std::string&)> failed_;
     const Clock::time_point begin_ = Clock::now();
     std::unique_ptr<std::FILE, Close> file_;
+    size_t most_ = SIZE_MAX;
+    size_t size_ = 0;
 };
 
 }  // namespace quorvel::sim

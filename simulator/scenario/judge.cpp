@@ -60,10 +60,24 @@ std::string times_words(unsigned times) {
 }
 
 // All that the expectation asks for.
-std::string words_of(const Expectation& expected) {
+std::string words_for(const Expectation& expected) {
     std::string words = ids_words(expected.commands);
     if (!expected.with.empty()) { words += " with " + values_words(expected.with, " and "); }
     if (!expected.without.empty()) { words += " without " + values_words(expected.without, " or "); }
+    if (expected.status) { words += fmt::format(", answered with {}", status_words(*expected.status)); }
+    return words;
+}
+
+// Its values are left out, as they may be private.
+std::string names_in(const Expectation& expected) {
+    const auto names = [](const std::vector<ExpectedValue>& values) {
+        std::string words;
+        for (const ExpectedValue& value : values) { words += (words.empty() ? " " : ", ") + value.name; }
+        return words;
+    };
+    std::string words = ids_words(expected.commands);
+    if (!expected.with.empty()) { words += " with" + names(expected.with); }
+    if (!expected.without.empty()) { words += " without" + names(expected.without); }
     if (expected.status) { words += fmt::format(", answered with {}", status_words(*expected.status)); }
     return words;
 }
@@ -115,14 +129,14 @@ void Judge::complain_of_counts(std::vector<Complaint>& complaints) const {
         if (is_met(expected.times, met)) { continue; }
         const std::string due = expected.times ? times_words(*expected.times) : "at least once";
         const std::string last = almost.empty() ? "" : fmt::format("; the last {}", almost);
-        complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}{}", due, words_of(expected),
+        complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}{}", due, words_for(expected),
                                                          times_words(met), last)});
     }
     if (next_ == ordered_.size()) { return; }
     const auto& [expected, met, almost] = ordered_[next_];
     const std::string others = since_.empty() ? "nothing" : fmt::format("{}", fmt::join(since_, ", "));
     complaints.push_back({expected.line, fmt::format("expected {}: {}; it came {}, and {} instead",
-                                                     times_words(expected.times.value_or(1)), words_of(expected),
+                                                     times_words(expected.times.value_or(1)), words_for(expected),
                                                      times_words(met), others)});
 }
 
@@ -148,12 +162,35 @@ std::vector<std::string> Judge::complaints(const std::vector<Finding>& findings)
     complain_of_counts(all);
     complain_of_findings(all, findings);
     std::ranges::stable_sort(all, {}, &Complaint::line);
+    return words_of(all);
+}
+
+std::vector<std::string> Judge::complaints() const { return words_of(complaints_); }
+
+std::vector<std::string> Judge::words_of(const std::vector<Complaint>& complaints) const {
     std::vector<std::string> words;
-    words.reserve(all.size());
-    for (const auto& [line, text] : all) {
+    words.reserve(complaints.size());
+    for (const auto& [line, text] : complaints) {
         words.push_back(line == 0 ? text : fmt::format("{}:{}: {}", scenario_.file, line, text));
     }
     return words;
+}
+
+std::vector<Progress::Line> Judge::progress() const {
+    using Mark = Progress::Mark;
+    std::vector<Progress::Line> lines;
+    for (size_t i = 0; i < ordered_.size(); ++i) {
+        const uint32_t line = ordered_[i].expected.line;
+        const bool failed = std::ranges::find(complaints_, line, &Complaint::line) != complaints_.end();
+        const Mark mark = failed ? Mark::kFailed : i < next_ ? Mark::kDone : i == next_ ? Mark::kNow : Mark::kDue;
+        lines.push_back({line, names_in(ordered_[i].expected), mark});
+    }
+    for (const Count& count : anywhere_) {
+        const bool exceeded = count.expected.times && count.met > *count.expected.times;
+        const Mark mark = exceeded ? Mark::kFailed : is_met(count.expected.times, count.met) ? Mark::kDone : Mark::kDue;
+        lines.push_back({count.expected.line, names_in(count.expected), mark});
+    }
+    return lines;
 }
 
 }  // namespace quorvel::sim

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/scenario/progress.h"
 #include "simulator/scenario/scenario.h"
 #include "simulator/watch/exchange.h"
 #include "simulator/watch/finding.h"
@@ -26,6 +27,10 @@ public:
     [[nodiscard]] bool is_content() const;
     // One can be met no more.
     [[nodiscard]] bool has_decided() const { return !complaints_.empty(); }
+    // Those in order, then those for anywhere.
+    [[nodiscard]] std::vector<Progress::Line> progress() const;
+    // What was wrong so far, in words.
+    [[nodiscard]] std::vector<std::string> complaints() const;
     // All that is wrong, in words, in the order of the file.
     [[nodiscard]] std::vector<std::string> complaints(const std::vector<Finding>& findings) const;
 
@@ -42,6 +47,7 @@ private:
         std::string words;
     };
 
+    [[nodiscard]] std::vector<std::string> words_of(const std::vector<Complaint>& complaints) const;
     void compare_next(const Exchange& exchange);
     void complain_of_counts(std::vector<Complaint>& complaints) const;
     void complain_of_findings(std::vector<Complaint>& complaints, const std::vector<Finding>& findings) const;

@@ -20,6 +20,8 @@ PinPad::Options Performance::prepare(PinPad::Options options) {
     return options;
 }
 
+Progress Performance::progress() const { return {player_.progress(), judge_.progress(), judge_.complaints()}; }
+
 std::vector<std::string> Performance::complaints(const std::vector<Finding>& findings) const {
     std::vector<std::string> complaints = judge_.complaints(findings);
     if (auto stuck = player_.complaint(scenario_.file)) { complaints.push_back(std::move(*stuck)); }

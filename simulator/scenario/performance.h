@@ -36,6 +36,8 @@ public:
     // The same options with the scenario's device, its time, and the performance as companion.
     [[nodiscard]] PinPad::Options prepare(PinPad::Options options);
 
+    // As things stand; on the PIN pad's thread, or while nobody plays it.
+    [[nodiscard]] Progress progress() const;
     // What did not go as the scenario says, in words; none when all did. Once the PIN pad has stopped.
     [[nodiscard]] std::vector<std::string> complaints(const std::vector<Finding>& findings) const;
 

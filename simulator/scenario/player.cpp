@@ -44,6 +44,17 @@ bool Player::is_over(const Step::Pause& pause, Clock::time_point now) {
     return true;
 }
 
+std::vector<Progress::Line> Player::progress() const {
+    std::vector<Progress::Line> lines;
+    for (auto step = script_.begin(); step != script_.end(); ++step) {
+        const auto mark = step < next_    ? Progress::Mark::kDone
+                          : step == next_ ? Progress::Mark::kNow
+                                          : Progress::Mark::kDue;
+        lines.push_back({step->line, step->words, mark});
+    }
+    return lines;
+}
+
 std::optional<std::string> Player::complaint(const std::string& file) const {
     if (is_done()) { return std::nullopt; }
     const std::string others = others_.empty() ? "no command" : fmt::format("{}", fmt::join(others_, ", "));

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/scenario/progress.h"
 #include "simulator/scenario/scenario.h"
 
 namespace quorvel::sim {
@@ -29,6 +30,7 @@ public:
     [[nodiscard]] std::optional<Clock::time_point> due() const { return pausedUntil_; }
 
     [[nodiscard]] bool is_done() const { return next_ == script_.end(); }
+    [[nodiscard]] std::vector<Progress::Line> progress() const;
     // What the script did not come to, in words.
     [[nodiscard]] std::optional<std::string> complaint(const std::string& file) const;
 

@@ -38,6 +38,7 @@ ROOMS = {
     "recording": {"keys", "cards", "device", "cardholder", "watch", "commands", "line", "faults", "control", "pin pad"},
     "exam": {"files", "cards", "device", "cardholder", "watch", "line", "faults", "scenario", "pin pad"},
     "face": {"cards", "device", "cardholder", "watch", "pin pad"},
+    "web": {"keys", "cards", "device", "cardholder", "watch", "faults", "control", "scenario", "pin pad"},
 }
 PIN_PAD = ("engine", "pin_pad", "transmitter")
 for room, known in ROOMS.items():
