@@ -32,10 +32,10 @@ std::string text_of(const json& value) { return value.dump(-1, ' ', false, json:
 json revealed(const Traffic& traffic) {
     json line = to_json(traffic);
     line["bytes"] = fmt::format("{:02X}", fmt::join(traffic.wire, " "));
-    if (traffic.packet) {
-        line["words"] = utf8(traffic.sealed ? enciphered_words(wire::whole_words_for(traffic.sender, *traffic.packet))
-                                            : wire::whole_words_for(traffic.sender, *traffic.packet));
-    }
+    if (!traffic.packet) { return line; }
+    const std::string words = wire::whole_words_for(traffic.sender, *traffic.packet);
+    const std::string struck = traffic.fault.empty() ? "" : fmt::format(" (fault: {})", traffic.fault);
+    line["words"] = utf8((traffic.sealed ? enciphered_words(words) : words) + struck);
     return line;
 }
 
