@@ -85,8 +85,8 @@ public:
 private:
     static constexpr size_t kSize = size_t{1} << 18;
     void* memory_;
-    ucontext_t inside_{};
-    ucontext_t outside_{};
+    [[maybe_unused]] ucontext_t inside_{};
+    [[maybe_unused]] ucontext_t outside_{};
 };
 
 // On the heap, so that the program's variables can be searched.
