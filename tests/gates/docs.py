@@ -9,7 +9,7 @@ from pathlib import Path
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 SOURCE = re.compile(r"<!-- from (\S+) -->\n$")
 LINK = re.compile(r"\[[^]]*\]\(([^)#\s]*)(?:#([^)\s]+))?\)")
-CODE = ("c", "cpp", "python")
+CODE = ("c", "cpp", "python", "go", "java", "lua", "pascal")
 FUNCTION = re.compile(r"\b_*(?:kor|abecs|crypt)_[a-z0-9_]+\*?")
 CONSTANT = re.compile(r"\b(?:KOR|ABECS|CRYPT)_[A-Z0-9_]+\b")
 
@@ -44,7 +44,7 @@ def quotes(root: Path, text: str):
 
 
 def links(page: Path, text: str):
-    for link in LINK.finditer(text):
+    for link in LINK.finditer(FENCE.sub(lambda block: re.sub(r"[^\n]", " ", block[0]), text)):
         if "://" in link[1]:
             continue
         target = page.parent / link[1] if link[1] else page
