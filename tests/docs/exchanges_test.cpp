@@ -118,9 +118,8 @@ std::string words(const Json& frame, const Json& contents) {
     if (const Json& status = frame["status"]; status.is_object()) {
         text += fmt::format(", {:03} {}", status["code"].get<int>(), status["name"].get<std::string>());
     }
-    if (contents.empty() || contents == "") { return text; }
     const std::string all = contents.is_object() ? value_words(contents) : "{" + contents.get<std::string>() + "}";
-    return text + ": " + all.substr(1, all.size() - 2);
+    return all == "{}" ? text : text + ": " + all.substr(1, all.size() - 2);
 }
 
 // With what the tool says below each line of bytes.

@@ -440,6 +440,7 @@ const std::map<std::string, void (*)(Session&)> kExchanges{
 
 std::vector<std::string> exchanges() {
     std::vector<std::string> names;
+    names.reserve(kExchanges.size());
     for (const auto& each : kExchanges) { names.push_back(each.first); }
     return names;
 }
