@@ -9,7 +9,7 @@ from pathlib import Path
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 SOURCE = re.compile(r"<!-- from (\S+) -->\n$")
 LINK = re.compile(r"\[[^]]*\]\(([^)#\s]*)(?:#([^)\s]+))?\)")
-CODE = ("c", "cpp", "python")
+CODE = ("c", "cpp", "python", "go", "java", "lua", "pascal")
 FUNCTION = re.compile(r"\b_*(?:kor|abecs|crypt)_[a-z0-9_]+\*?")
 CONSTANT = re.compile(r"\b(?:KOR|ABECS|CRYPT)_[A-Z0-9_]+\b")
 
@@ -44,7 +44,7 @@ def quotes(root: Path, text: str):
 
 
 def links(page: Path, text: str):
-    for link in LINK.finditer(text):
+    for link in LINK.finditer(FENCE.sub(lambda block: re.sub(r"[^\n]", " ", block[0]), text)):
         if "://" in link[1]:
             continue
         target = page.parent / link[1] if link[1] else page
@@ -76,18 +76,18 @@ def breaches(root: Path):
     functions = {name for path in (root / "cmake").glob("*.txt") for name in path.read_text().split()}
     headers = {path: path.read_text() for path in sorted((root / "include").rglob("*.h"))}
     constants = set(CONSTANT.findall("\n".join(headers.values())))
-    pages = {page.name: page.read_text() for page in sorted((root / "docs").glob("*.md"))}
+    docs = root / "docs"
+    pages = {str(page.relative_to(docs)): page.read_text() for page in sorted(docs.rglob("*.md"))}
     for name, text in [*pages.items(), ("../README.md", (root / "README.md").read_text())]:
         found = [*links(root / "docs" / name, text), *names(text, functions, constants)]
-        if name in pages:
-            found += quotes(root, text)
+        found += quotes(root, text)
         for position, what in found:
             yield f"docs/{name}:{line_of(text, position)}: {what}"
 
     def declared(header: str, pattern: str) -> set:
         return set(re.findall(pattern, headers[root / "include/quorvel" / header]))
     complete = {
-        "README.md": pages.keys() - {"README.md"},
+        "README.md": {page for page in pages if "/" not in page} - {"README.md"},
         "commands.md": {name for name in functions if name.startswith("abecs_cmd_")},
         "errors.md": declared("kor/result.h", r"\bKOR_RESULT_\w+(?= =)")
         | declared("abecs/rsp_stat.h", r"\bABECS_RSP_STAT_\w+(?= =)"),

@@ -33,6 +33,25 @@ DOCS = {
                       "\n<!-- from examples/a.c -->\n```c\nint b;\nint c;\n```\n",
     "docs/commands.md": "`abecs_cmd_gin`, `abecs_cmd_gcx_builder_*`; [names](errors.md#on-errors)\n",
 }
+PAGE = ("`abecs_cmd_abc`\n<!-- exchange: abc -->\n| ABC_N | 2 | N |\n| SPE_TIMEOUT | 000C | 1 |\n| PP_SERNUM | 8001 | |\n"
+        "| 0 ST_OK |\n| 12 ST_TIMEOUT |\n")
+COMMANDS = {
+    "cmake/exports.txt": "abecs_cmd_abc\n",
+    "wire/command.h": 'Command{"ABC", "a"}, Command{"ERR", "error"},\n',
+    "wire/command.cpp": 'constexpr std::array kAbcRequest{kBlock, digits("ABC_N", 2)};\n',
+    "wire/param_id.h": "namespace spe {\ninline constexpr uint16_t kTimeout = 0x000C;\n}\n",
+    "wire/param_id.cpp": 'Row{spe::kTimeout, "SPE_TIMEOUT"}, Row{0x8001, "PP_SERNUM"},\n',
+    "wire/status.h": "enum { kOk = 0, kTimeout = 12, kCancel = 13, };\n",
+    "abecs/data/spe_param.h": "{QUORVEL_SPE(TIMEOUT), SpeForm::kBinary, 1},\n",
+    "abecs/cmd/abc.cpp": "ABECS_SPE_ID_TIMEOUT\n",
+    "simulator/commands/abc.cpp": "Status::kTimeout, spe::kTimeout\n",
+    "docs/commands.md": "[a](commands/abc.md) [b](commands/parameters.md) [c](commands/statuses.md)\n",
+    "docs/commands/abc.md": PAGE,
+    "docs/commands/parameters.md": "| SPE_TIMEOUT | 000C | 1 | X | seconds | [ABC](abc.md) |\n"
+                                   "| PP_SERNUM | 8001 | A | serial number |\n",
+    "docs/commands/statuses.md": "## All of them\n| 0 ST_OK | done | every command |\n"
+                                 "| 12 ST_TIMEOUT | late | [ABC](abc.md) |\n| 13 ST_CANCEL | gone | none |\n",
+}
 # Check, file, its text and what is said of it; nothing said means that it passes.
 CASES = [
     ("sources", "core/x.cpp", "int* a = new int;", "core/x.cpp:3: operator new"),
@@ -87,6 +106,27 @@ CASES = [
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/b.c -->\n```c\nint b;\n```", "code from examples"),
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n<!-- from examples/a.c -->\n```c\nnt b;\n```", "code that is not in"),
     ("docs", "README.md", "[x](docs/x.md)", "a link to docs/x.md"),
+    ("docs", "README.md", "[x](docs/README.md)\n```java\nint b;\n```", "docs/../README.md:2: code without the file"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n```lua\na[b](c)\n```\n<!-- from examples/a.c -->", "code without the file"),
+    ("docs", "docs/commands/abc.md", "[x](x.md)", "docs/commands/abc.md:1: a link to x.md"),
+    ("commands", "docs/commands/abc.md", PAGE, ""),
+    ("commands", "docs/commands/abc.md", PAGE.replace("abecs_cmd_abc", "abecs_cmd_ab"), "leaves out abecs_cmd_abc"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("ABC_N", "ABC_M"), "leaves out the field ABC_N"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("| 2 |", "| 3 |"), "ABC_N has 2 characters"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("000C", "000D"), "SPE_TIMEOUT is 000C"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("000C | 1", "000C | 2"), "SPE_TIMEOUT has 1 characters"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("SPE_T", "SPE_S"), "abc.md: leaves out SPE_TIMEOUT"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("PP_SER", "PP_S"), "there is no PP_SNUM"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("12 ST_TIMEOUT", "13 ST_CANCEL"), "leaves out status 12"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("12 ST_TIMEOUT", "12 ST_TIMEUP"), "there is no 12 ST_TIMEUP"),
+    ("commands", "docs/commands/abc.md", PAGE + "| 13 ST_CANCEL |\n", "statuses.md: 13 is answered by abc"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("exchange", "change"), "shows no exchange"),
+    ("commands", "docs/commands/abd.md", PAGE, "abd.md: there is no such command"),
+    ("commands", "docs/commands/parameters.md", "| PP_SERNUM | 8001 |", "parameters.md: leaves out SPE_TIMEOUT"),
+    ("commands", "docs/commands/parameters.md", COMMANDS["docs/commands/parameters.md"].replace("abc.md", "abd.md"),
+     "parameters.md: SPE_TIMEOUT is in abc"),
+    ("commands", "docs/commands.md", "[a](commands/abc.md) [c](commands/statuses.md)", "no link to commands/parameters.md"),
+    ("commands", "wire/command.h", 'Command{"ABC", "a"}, Command{"XYZ", "x"},', "no page for XYZ"),
     ("layers", "cli/x.cpp", '#include "quorvel/quorvel.hpp"\n#include "wire/x.h"', ""),
     ("layers", "cli/x.cpp", '#include "quorvel/quorvel.h"', "cli must not include quorvel/quorvel.h"),
     ("layers", "cli/x.cpp", '#include "simulator/keys/x.h"', "cli must not include"),
@@ -109,9 +149,9 @@ def verdict(check: str, files: dict) -> tuple:
 wrong = 0
 UNLICENSED = [("sources", name, None, f"{name}:1: no licence head") for name in ("core/x.cpp", "cli/x.cpp", "wire/x.h")]
 for check, name, text, said in [*CASES, *UNLICENSED]:
-    head = "" if check == "docs" else CPP_HEAD
+    head = "" if check in ("docs", "commands") else CPP_HEAD
     body = "int a;\n" if text is None else head + text + "\n"
-    code, output = verdict(check, SOUND | DOCS | {name: body})
+    code, output = verdict(check, (COMMANDS if check == "commands" else SOUND | DOCS) | {name: body})
     if code != (1 if said else 0) or said not in output or (not said and output):
         wrong += 1
         print(f"{check} on {name} with {text!r}: exit {code}, {output!r}; expected {said!r}")
