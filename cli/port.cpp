@@ -104,6 +104,17 @@ PortInfo info_of(const std::string& path) {
     return {path, description(path), error == 0 ? "ready" : std::generic_category().message(error)};
 }
 
+// Whether the user has joined the group, but this session began before that.
+bool has_joined(gid_t team) {
+    const passwd* user = getpwuid(geteuid());
+    if (user == nullptr) { return false; }
+    int count = 0;
+    getgrouplist(user->pw_name, user->pw_gid, nullptr, &count);
+    std::vector<gid_t> teams(static_cast<std::size_t>(std::max(count, 0)));
+    return getgrouplist(user->pw_name, user->pw_gid, teams.data(), &count) >= 0
+           && std::ranges::find(teams, team) != teams.end();
+}
+
 // Who may open it, and what is to be done by who may not.
 std::string permission_remedy(const std::string& path) {
     struct stat info = {};
@@ -115,6 +126,9 @@ std::string permission_remedy(const std::string& path) {
     const std::string who = fmt::format("It belongs to {}, group {}, mode {:04o}. ", user, team, info.st_mode & 07777);
     // Joining root's group would open far more than a port.
     const bool helps = (info.st_mode & (S_IRGRP | S_IWGRP)) == (S_IRGRP | S_IWGRP) && info.st_gid != 0;
+    if (helps && group_member(info.st_gid) == 0 && has_joined(info.st_gid)) {
+        return who + "You have joined the group since you logged in: log out and in again.";
+    }
     return who
            + (helps ? fmt::format("Join the group and log in again: sudo usermod -aG {} $USER", team)
                     : "Give it to a group of yours, dialout for instance, by a rule of udev: GROUP=\"dialout\", "

@@ -27,8 +27,13 @@ if(TARGET quorvel_sim)
 endif()
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/quorvel-config.cmake.in quorvel-config.cmake
   INSTALL_DESTINATION ${QUORVEL_CMAKE_DIR} NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/quorvel-config-version.cmake
-  COMPATIBILITY SameMajorVersion)
+# Before 1.0 a minor version may break what the one before it promised.
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(compatible SameMinorVersion)
+else()
+  set(compatible SameMajorVersion)
+endif()
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/quorvel-config-version.cmake COMPATIBILITY ${compatible})
 install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/quorvel-config.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/quorvel-config-version.cmake
@@ -39,5 +44,15 @@ install(FILES
 file(RELATIVE_PATH QUORVEL_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH QUORVEL_PC_LIBDIR ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
 file(RELATIVE_PATH QUORVEL_PC_INCLUDEDIR ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
-configure_file(${PROJECT_SOURCE_DIR}/cmake/quorvel.pc.in quorvel.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/quorvel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# The loader looks for libraries under /usr by itself. Where it does not, programs are told where this one is; only the
+# installation knows its prefix, which need not be the one that was configured.
+set(QUORVEL_PC_RPATH "")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/quorvel.pc.in pkgconfig/system/quorvel.pc @ONLY)
+set(QUORVEL_PC_RPATH " -Wl,-rpath,\${libdir}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/quorvel.pc.in pkgconfig/elsewhere/quorvel.pc @ONLY)
+install(CODE "set(quorvel_pc_for elsewhere)
+if(CMAKE_INSTALL_PREFIX MATCHES \"^/(usr/?)?$\")
+  set(quorvel_pc_for system)
+endif()")
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pkgconfig/\${quorvel_pc_for}/quorvel.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
+#include <filesystem>
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include "cli/command.h"
 #include "cli/link.h"
 #include "cli/port.h"
+#include "cli/udev.h"
 
 namespace quorvel::cli::setup {
 
@@ -59,6 +62,20 @@ Outcome no_answer(Findings& findings, const std::string& port, const LibraryErro
                            "speaks ABECS at 19200 baud; then unplug and plug it.");
 }
 
+// Nobody looks for modems at a pseudo-terminal.
+void tell_of_prober(Findings& findings, const std::string& port) {
+    std::error_code error;
+    const std::filesystem::path device = std::filesystem::canonical(port, error);
+    struct stat info = {};
+    if (stat(port.c_str(), &info) != 0 || device.parent_path() == "/dev/pts") { return; }
+    const Prober prober = prober_at(System(), info.st_rdev, device.filename().string());
+    if (prober.remedy.empty()) {
+        findings.ok("modem prober", prober.found);
+    } else {
+        findings.remark("modem prober", prober.found, prober.remedy);
+    }
+}
+
 void tell_versions(Findings& findings, Link& link) {
     const GinAnswer who = link.ask(Gin{});
     findings.ok("versions", fmt::format("{} {}, protocol {}, software {}, library {}", who.manufacturer, who.model,
@@ -103,6 +120,7 @@ Outcome run_doctor(Context& context) {
             require_free(port);
             findings.ok("port is free", "no other program has it open");
         }
+        tell_of_prober(findings, port);
         return check_sessions(context, findings);
     } catch (const PortError& error) {
         return findings.failed(error.exit(), check_of(error.reason()), error.what(), error.remedy());

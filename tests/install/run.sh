@@ -26,6 +26,12 @@ if grep -rlF -e "$source" -e "$build" -e "$work/first" "$prefix/$libdir/cmake" "
     echo "these files name a folder of the build"; exit 1
 fi
 
+# What the Debian packages are made of says the same as the build.
+diff <(LC_ALL=C sort <(echo QUORVEL_0) "$source"/cmake/{exports,additions}.txt) \
+    <(sed -n 's/^ \(.*\)@QUORVEL_0 .*/\1/p' "$source/debian/libquorvel0.symbols" | LC_ALL=C sort) ||
+    { echo "debian/libquorvel0.symbols lists other names than cmake/exports.txt with cmake/additions.txt"; exit 1; }
+head -1 "$source/debian/changelog" | grep -qF 'quorvel (0.1.0)'
+
 expected=$'0.1.0\n[KOR_RESULT_ILLEGAL_ARGUMENT] \'out\' is NULL'
 check() {
     local printed
@@ -45,17 +51,22 @@ check "find_package and C++" "$work/consumer/cpp_consumer"
 export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
 [ "$(pkg-config --modversion quorvel)" = 0.1.0 ]
 read -ra from_pkg_config <<<"$(pkg-config --cflags --libs quorvel)"
-"$cc" -std=c11 "${flags[@]}" "$here/consumer/main.c" -o "$work/by_pkg_config" "${from_pkg_config[@]}" \
-    -Wl,-rpath,"$prefix/$libdir"
+"$cc" -std=c11 "${flags[@]}" "$here/consumer/main.c" -o "$work/by_pkg_config" "${from_pkg_config[@]}"
 check pkg-config "$work/by_pkg_config"
 
-# refuses <component> <what CMake says of it>
+# Where the loader looks by itself, it is told nothing.
+DESTDIR=$work/system "$cmake" --install "$build" --prefix /usr >"$work/log" || { cat "$work/log"; exit 1; }
+[ "$(PKG_CONFIG_PATH=$work/system/usr/$libdir/pkgconfig pkg-config --libs-only-other quorvel)" = "" ]
+
+# refuses <components> <what CMake says of them> [<version>]
 refuses() {
-    "$cmake" -S "$here/consumer" -B "$work/refused" "${outside[@]}" -DCONSUMER_COMPONENTS="$1" >"$work/log" 2>&1 &&
-        { echo "the component $1 was found"; exit 1; }
+    "$cmake" -S "$here/consumer" -B "$work/refused" "${outside[@]}" -DCONSUMER_COMPONENTS="$1" \
+        -DCONSUMER_VERSION="${3:-0.1}" >"$work/log" 2>&1 && { echo "$1 ${3:-} was found"; exit 1; }
     tr -s ' \n' ' ' <"$work/log" | grep -qF "$2" || { cat "$work/log"; exit 1; }
 }
 refuses cobol 'quorvel has no component "cobol", only "simulator"'
+# Another minor version is another interface, before 1.0.
+for version in 0.0 0.2 1.0; do refuses '' 'version: 0.1.0' "$version"; done
 
 if [ -e "$prefix/bin/quorvel-sim" ]; then
     "$prefix/bin/quorvel-sim" --help >/dev/null
@@ -79,4 +90,20 @@ if [ -e "$prefix/bin/quorvel" ]; then
     if command -v scdoc >/dev/null; then
         for page in man1/quorvel.1 man1/quorvel-sim.1 man5/quorvel-tables.5; do [ -s "$prefix/share/man/$page" ]; done
     fi
+fi
+
+if [ -e "$prefix/bin/quorvel" ] && [ -e "$prefix/bin/quorvel-sim" ]; then
+    # Of a build folder in which nothing has been built, nothing is installed, and what is missing is what the two programs'
+    # builds make.
+    "$cmake" -S "$source" -B "$work/empty" -G Ninja -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" \
+        -DQUORVEL_BUILD_TESTS=OFF -DQUORVEL_BUILD_EXAMPLES=OFF >"$work/log"
+    "$cmake" --install "$work/empty" --prefix "$work/nothing" >"$work/log" 2>&1 && { echo "nothing was installed"; exit 1; }
+    grep -qF "cmake --build $work/empty" "$work/log" || { cat "$work/log"; exit 1; }
+    [ ! -e "$work/nothing" ] || { echo "half an installation was left"; exit 1; }
+    mapfile -t missing < <(sed -n "/not built yet/,/Build them/s|^ *$work/empty/||p" "$work/log")
+    made=$(ninja -C "$work/empty" -t commands quorvel-sim quorvel-cli)
+    [ "${#missing[@]}" -ge 7 ] || { cat "$work/log"; exit 1; }
+    for file in "${missing[@]}"; do
+        grep -qF "$file" <<<"$made" || { echo "$file is made by neither quorvel-sim nor quorvel-cli"; exit 1; }
+    done
 fi

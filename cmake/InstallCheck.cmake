@@ -1,0 +1,33 @@
+# Nothing is installed before everything that is to be installed has been built. This file is both halves: included, before
+# the first rule of installation, it sets up the check; run by `cmake --install`, it is the check.
+if(NOT DEFINED QUORVEL_INSTALLED_BUILD)
+  install(CODE "set(QUORVEL_INSTALLED_BUILD \"${PROJECT_BINARY_DIR}\")
+  include(\"${CMAKE_CURRENT_LIST_FILE}\")")
+  return()
+endif()
+
+# What is installed stands in the scripts that CMake has made for that.
+set(scripts ${QUORVEL_INSTALLED_BUILD}/cmake_install.cmake)
+set(missing)
+while(scripts)
+  list(POP_FRONT scripts script)
+  file(READ ${script} text)
+  string(REGEX MATCHALL "include\\(\"[^\"]+/cmake_install.cmake\"\\)" included "${text}")
+  list(TRANSFORM included REPLACE "include\\(\"(.*)\"\\)" "\\1")
+  list(APPEND scripts ${included})
+  string(REGEX MATCHALL "file\\(INSTALL [^)]*\\)" rules "${text}")
+  list(FILTER rules EXCLUDE REGEX " OPTIONAL ")
+  string(REGEX MATCHALL "\"[^\"]*\"" files "${rules}")
+  list(TRANSFORM files REPLACE "\"" "")
+  foreach(file IN LISTS files)
+    string(FIND "${file}" "${QUORVEL_INSTALLED_BUILD}/" at)
+    if(at EQUAL 0 AND NOT file MATCHES "\\$" AND NOT EXISTS "${file}")
+      list(APPEND missing "${file}")
+    endif()
+  endforeach()
+endwhile()
+if(missing)
+  list(JOIN missing "\n  " lines)
+  message(FATAL_ERROR "Nothing was installed, because these are not built yet:\n  ${lines}\n"
+    "Build them first:\n  cmake --build ${QUORVEL_INSTALLED_BUILD}")
+endif()
