@@ -2,6 +2,8 @@
 add_library(quorvel_warnings INTERFACE)
 target_compile_options(quorvel_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wformat=2 -Wno-format-y2k -Wconversion -Wsign-conversion -Wshadow -Wcast-qual
+  # libstdc++ 12 marks as deprecated what its own stable_sort calls, and clang since 17 says so of whoever sorts.
+  $<$<AND:$<COMPILE_LANG_AND_ID:CXX,Clang>,$<VERSION_GREATER_EQUAL:$<CXX_COMPILER_VERSION>,17>>:-Wno-deprecated-declarations>
   $<$<BOOL:${QUORVEL_WERROR}>:-Werror>)
 
 add_library(quorvel_sanitize INTERFACE)

@@ -11,10 +11,13 @@
 /// 2. Link, Session and Wait are handles that end what they stand for: the port, the session, the command that waits.
 ///    They may be moved and not copied.
 /// 3. Requests are structures, one for each command, with the protocol's name: Session::run sends one that is answered
-/// at
-///    once, Session::start one that waits for the cardholder. Their texts and bytes are only looked at during the call.
+///    at once, Session::start one that waits for the cardholder. Their texts and bytes are only looked at during the
+///    call.
 /// 4. After an error in the middle of an exchange, the next command begins with CAN.
 /// 5. One thread at a time, for all links of a process; Link::cancel and Wait::cancel may be called by any.
+
+/// @namespace quorvel
+/// The C++ interface; quorvel.hpp says what holds everywhere.
 
 #include "quorvel/hpp/answer.hpp"
 #include "quorvel/hpp/cardholder.hpp"

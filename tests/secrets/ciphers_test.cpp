@@ -43,11 +43,11 @@ Table ciphers() {
             for (const auto& [way, setup, block, raised] : ways) {
                 for (const auto& [kind, run] :
                      {std::pair("Encrypt", mode.encrypt), std::pair("Decrypt", mode.decrypt)}) {
-                    const auto prepare = [=, setup = setup, block = block, run = run, cipher = cipher]() -> Row::Call {
-                        const auto failing = std::make_shared<FailingCipher>(cipher, setup, block);
+                    const auto prepare = [family, at = setup, then = block, of = cipher, go = run]() -> Row::Call {
+                        const auto failing = std::make_shared<FailingCipher>(of, at, then);
                         const auto work = std::make_shared<Work>(family);
                         return [=] {
-                            run(work->key.get(), work->blocks, work->blocks, sizeof work->blocks, nullptr);
+                            go(work->key.get(), work->blocks, work->blocks, sizeof work->blocks, nullptr);
                             static_cast<void>(failing);
                         };
                     };

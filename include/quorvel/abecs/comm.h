@@ -40,6 +40,7 @@ KOR_BEGIN_DECLS
  * 6. One thread at a time uses a link.
  */
 
+/* A link; abecs_comm_open makes it. */
 typedef struct AbecsComm AbecsComm;
 
 /*
@@ -97,7 +98,10 @@ KOR_API void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet);
  */
 KOR_API AbecsPacket* abecs_comm_read_packet(AbecsComm* pinpad, AbecsPacket* out);
 
-/* ILLEGAL_STATE "Connection is blocked waiting for %s response" if the link is blocked; does nothing else. */
+/*
+ * Raises when the link is blocked, and does nothing else. ILLEGAL_STATE "Connection is blocked waiting for %s
+ * response".
+ */
 KOR_API void abecs_comm_check_busy(const AbecsComm* pinpad);
 
 /*

@@ -15,12 +15,12 @@ KOR_BEGIN_DECLS
 /*
  * The protocol's fields: runs of characters or bytes of a fixed length, written to and read from a byte buffer.
  *
- *   N  decimal digits, right-justified, padded with leading zero digits; at most 13 digits
- *   A  text of 0x20 to 0x7E, left-justified, padded with trailing blanks
- *   S  as A, of bytes 0x20 to 0xFF
- *   H  bytes as pairs of hexadecimal digits, right-justified, padded with leading pairs "30"
- *   X  a big-endian unsigned integer of 1, 2 or 4 bytes
- *   B  bytes as they are
+ * - N: decimal digits, right-justified, padded with leading zero digits; at most 13 digits
+ * - A: text of 0x20 to 0x7E, left-justified, padded with trailing blanks
+ * - S: as A, of bytes 0x20 to 0xFF
+ * - H: bytes as pairs of hexadecimal digits, right-justified, padded with leading pairs "30"
+ * - X: a big-endian unsigned integer of 1, 2 or 4 bytes
+ * - B: bytes as they are
  *
  * 1. A field's length `fieldLen` counts characters on the wire (bytes for X and B). A null text raises
  *    ILLEGAL_ARGUMENT "'data' is NULL", and so do null bytes or digits of a given length other than 0. A null buffer
@@ -37,16 +37,16 @@ KOR_BEGIN_DECLS
 
 /* A date; year is its last two digits. */
 typedef struct AbecsDate {
-    uint8_t year;
-    uint8_t month;
-    uint8_t day;
+    uint8_t year;  /* 0 to 99 */
+    uint8_t month; /* 1 to 12 */
+    uint8_t day;   /* 1 to 31 */
 } AbecsDate;
 
 /* A time of day. */
 typedef struct AbecsTime {
-    uint8_t hours;
-    uint8_t minutes;
-    uint8_t seconds;
+    uint8_t hours;   /* 0 to 23 */
+    uint8_t minutes; /* 0 to 59 */
+    uint8_t seconds; /* 0 to 59 */
 } AbecsTime;
 
 /*

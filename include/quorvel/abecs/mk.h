@@ -15,9 +15,9 @@ typedef enum AbecsMkType_E KOR_ENUM_INT32 { ABECS_MK_TYPE_DES = 0, ABECS_MK_TYPE
 /* A master key, in clear, and its index in the PIN pad, 0 to 99. ABECS_MK_TYPE_DES uses the first 8 bytes of the key.
  */
 typedef struct AbecsMk {
-    AbecsMkType_E type;
-    uint8_t idx;
-    uint8_t key[16];
+    AbecsMkType_E type; /* the cipher */
+    uint8_t idx;        /* in the PIN pad */
+    uint8_t key[16];    /* in clear */
 } AbecsMk;
 
 KOR_END_DECLS

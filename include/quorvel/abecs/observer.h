@@ -18,6 +18,7 @@ KOR_BEGIN_DECLS
  * A null handle raises ILLEGAL_ARGUMENT "'pinpad' is NULL".
  */
 
+/* What has happened on the link. */
 typedef enum {
     ABECS_LINK_EVENT_SENT = 0,      /* the PIN pad has accepted a request */
     ABECS_LINK_EVENT_RECEIVED = 1,  /* a response or a notification has come */
@@ -27,8 +28,9 @@ typedef enum {
     ABECS_LINK_EVENT_TIMEOUT = 5,   /* an answer, or the confirmation of a CAN, has not come in time */
 } AbecsLinkEvent_E;
 
+/* One event of a link. */
 typedef struct {
-    AbecsLinkEvent_E type;
+    AbecsLinkEvent_E type; /* what has happened */
     char cmdId[4];     /* CMD_ID or RSP_ID of SENT and RECEIVED; of the others that of the last request, or "". What is
                           neither an upper-case letter nor a digit is a question mark */
     int32_t status;    /* RSP_STAT of RECEIVED, or -1 */

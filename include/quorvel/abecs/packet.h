@@ -26,6 +26,7 @@ KOR_BEGIN_DECLS
  * else.
  */
 
+/* A packet; abecs_packet_new makes it. */
 typedef struct AbecsPacket AbecsPacket;
 
 /* An empty packet, the caller's to abecs_packet_delete. MALLOC_ERROR. */
@@ -40,7 +41,7 @@ KOR_API void abecs_packet_clear(AbecsPacket* packet);
 /* The number of bytes not read yet. */
 KOR_API size_t abecs_packet_available_read(const AbecsPacket* packet);
 
-/* The fields, and single bytes. */
+/* Write or read a field, or a single byte, as the abecs_data_ function that has the rest of the name. */
 KOR_API void abecs_packet_write_byte(AbecsPacket* packet, uint8_t byte);
 KOR_API uint8_t abecs_packet_read_byte(AbecsPacket* packet);
 KOR_API void abecs_packet_write_field_n(AbecsPacket* packet, uint64_t i, size_t fieldLen);

@@ -25,6 +25,7 @@ KOR_BEGIN_DECLS
  * anything else.
  */
 
+/* A parameter; abecs_param_new makes it. */
 typedef struct AbecsParam AbecsParam;
 
 /* A parameter with id 0 and no data, the caller's to abecs_param_delete. MALLOC_ERROR. */
@@ -46,7 +47,7 @@ KOR_API void abecs_param_set_id(AbecsParam* param, uint16_t id);
 /* The number of data bytes not read yet. */
 KOR_API size_t abecs_param_available_read(const AbecsParam* param);
 
-/* The fields, and single bytes. */
+/* Write or read a field, or a single byte, as the abecs_data_ function that has the rest of the name. */
 KOR_API void abecs_param_write_byte(AbecsParam* param, uint8_t byte);
 KOR_API uint8_t abecs_param_read_byte(AbecsParam* param);
 KOR_API void abecs_param_write_field_n(AbecsParam* param, uint64_t i, size_t fieldLen);

@@ -23,20 +23,21 @@ KOR_BEGIN_DECLS
  * A null map raises ILLEGAL_ARGUMENT "'map' is NULL".
  */
 
+/* A map of parameters; abecs_rsp_param_map_new makes it. */
 typedef KorMap AbecsRspParamMap;
 
 /* A value: `size` bytes at `data`, null when there are none; `owned` tells whether the map frees them. */
 typedef struct AbecsRspParamValue {
-    uint32_t size;
-    uint8_t* data;
-    bool owned;
+    uint32_t size; /* in bytes */
+    uint8_t* data; /* not terminated */
+    bool owned;    /* whether the map frees them */
 } AbecsRspParamValue;
 
 /* An iterator, in the caller's storage: the id and a copy of the value record of the entry it is on. */
 typedef struct AbecsRspParamMapIt {
-    const AbecsRspParamMap* map;
-    uint16_t id;
-    AbecsRspParamValue value;
+    const AbecsRspParamMap* map; /* that it walks through */
+    uint16_t id;                 /* of the entry */
+    AbecsRspParamValue value;    /* of the entry */
 } AbecsRspParamMapIt;
 
 /* An empty map, the caller's to kor_map_delete. MALLOC_ERROR. */

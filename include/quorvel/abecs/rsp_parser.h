@@ -20,6 +20,7 @@ KOR_BEGIN_DECLS
  * anything else.
  */
 
+/* A parser; abecs_rsp_parser_new makes it. */
 typedef struct AbecsRspParser AbecsRspParser;
 
 /* A parser with an empty id, status 0 and no packet, the caller's to abecs_rsp_parser_delete. MALLOC_ERROR. */

@@ -18,8 +18,8 @@ typedef enum AbecsWkPanType_E KOR_ENUM_INT32 {
 
 /* The working key for card numbers. ABECS_WK_PAN_TYPE_DES uses the first 8 bytes of the key. */
 typedef struct AbecsWkPan {
-    AbecsWkPanType_E type;
-    uint8_t key[16];
+    AbecsWkPanType_E type; /* the cipher */
+    uint8_t key[16];       /* in clear */
 } AbecsWkPan;
 
 KOR_END_DECLS

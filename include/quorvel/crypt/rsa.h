@@ -44,10 +44,10 @@ typedef struct CryptRsaKey CryptRsaKey;
  * `exponentSize` (1 to 4) bytes of the two numbers are used.
  */
 typedef struct CryptRsaPublicKey {
-    uint32_t modulusSize;
-    uint32_t exponentSize;
-    uint8_t modulus[256];
-    uint8_t exponent[4];
+    uint32_t modulusSize;  /* in bytes */
+    uint32_t exponentSize; /* in bytes */
+    uint8_t modulus[256];  /* big-endian */
+    uint8_t exponent[4];   /* big-endian */
 } CryptRsaPublicKey;
 
 /*

@@ -17,8 +17,8 @@ KOR_BEGIN_DECLS
 
 /* `keySize` is 24, or 16 for a key whose third part is its first one; the first `keySize` bytes of `key` are used. */
 typedef struct Crypt3DesKey {
-    uint8_t key[24];
-    uint32_t keySize;
+    uint8_t key[24];  /* in clear */
+    uint32_t keySize; /* 16 or 24 */
 } Crypt3DesKey;
 
 /* Enciphers each block by itself. */

@@ -5,6 +5,9 @@
 
 #include "quorvel/hpp/values.hpp"
 
+/// @file
+/// What commands answer.
+
 namespace quorvel {
 
 /// What a command answers that has nothing to tell but its status.
@@ -13,13 +16,16 @@ struct Nothing {};
 /// The parameters of an answer by their ids (AbecsRspDatId_E). Copies share them; they are wiped with the last one.
 class Items {
 public:
+    /// None.
     Items() : map_(detail::call([] { return abecs_rsp_param_map_new(); }), [](KorMap* map) { kor_map_delete(&map); }) {}
 
-    // Copied where others are moved, so that none is without its map.
+    /// Copied where others are moved, so that none is without its map.
     Items(const Items&) = default;
+    /// The same.
     Items& operator=(const Items&) = default;
     ~Items() = default;
 
+    /// Whether the answer has the parameter.
     [[nodiscard]] bool has(int32_t id) const noexcept { return bytes(id).has_value(); }
     /// The value, which lives as long as these items; nothing when the answer does not have it.
     [[nodiscard]] std::optional<Bytes> bytes(int32_t id) const noexcept {
@@ -35,8 +41,9 @@ public:
         const std::string_view all = detail::text_of(*value);
         return all.substr(0, all.find_last_not_of(' ') + 1);
     }
-    /// The same as a copy that is wiped: of a text, and of bytes as they are.
+    /// The same as a copy that is wiped.
     [[nodiscard]] std::optional<Secret> secret(int32_t id) const { return copied(text(id)); }
+    /// The same of bytes as they are.
     [[nodiscard]] std::optional<Secret> secret_bytes(int32_t id) const { return copied(bytes(id)); }
     /// The same of 1 to 18 decimal digits; nothing when it is something else.
     [[nodiscard]] std::optional<uint64_t> number(int32_t id) const noexcept {
@@ -49,7 +56,7 @@ public:
         }
         return value;
     }
-    /// In rising order.
+    /// The ids of all that there are, in rising order.
     [[nodiscard]] std::vector<int32_t> ids() const {
         std::vector<int32_t> all;
         AbecsRspParamMapIt at{};
@@ -78,29 +85,39 @@ private:
 template <typename Value>
 class [[nodiscard]] Answer {
 public:
+    /// The type of the value.
     using value_type = Value;
 
     /// One without a value.
     Answer(std::string_view command, Status status) noexcept : command_(command), status_(status) {}
+    /// One with a value.
     Answer(std::string_view command, Status status, Value value)
         : command_(command), status_(status), value_(std::move(value)) {}
 
     /// Whether there is a value: the status is OK or, of Gky, tells a key.
     [[nodiscard]] bool ok() const noexcept { return value_.has_value(); }
+    /// The PIN pad's status.
     [[nodiscard]] Status status() const noexcept { return status_; }
     /// The id of the command that has been answered, "GCX" for instance.
     [[nodiscard]] std::string_view command() const noexcept { return command_; }
 
     /// The value; throws Refused when there is none.
     Value& value() & { return *checked(); }
+    /// The same.
     const Value& value() const& { return *checked(); }
+    /// The same.
     Value&& value() && { return std::move(*checked()); }
+    /// A member of the value; throws as value() does.
     Value* operator->() { return checked(); }
+    /// The same.
     const Value* operator->() const { return checked(); }
+    /// The value; throws as value() does.
     Value& operator*() & { return *checked(); }
+    /// The same.
     const Value& operator*() const& { return *checked(); }
     /// Throws Refused when the status is not OK, for those who have no use for it.
     Value require() && { return std::move(*checked()); }
+    /// The same.
     const Value& require() const& { return *checked(); }
 
 private:

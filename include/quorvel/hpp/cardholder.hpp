@@ -5,15 +5,17 @@
 
 #include "quorvel/hpp/receivers.hpp"
 
-// Requests that speak to whoever stands before the PIN pad: display, keys, menus, cards coming and going. What each
-// member may be, and what is an error, stands with the C function in quorvel/abecs/cmd.
+/// @file
+/// Requests that speak to whoever stands before the PIN pad: display, keys, menus, cards coming and going. What each
+/// member may be, and what is an error, stands with the C function in quorvel/abecs/cmd.
+
 namespace quorvel {
 
 /// DSP: shows up to 32 characters.
 struct Dsp {
-    std::string_view text = {};
+    std::string_view text = {};  ///< what is shown
 
-    static constexpr std::string_view id = "DSP";
+    static constexpr std::string_view id = "DSP";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const detail::CText shown(text);
         return detail::answered(id, line.exchange([&] { return abecs_cmd_dsp(line.get(), shown.get()); }));
@@ -22,9 +24,9 @@ struct Dsp {
 
 /// DEX: shows up to 160 characters; carriage returns break the lines.
 struct Dex {
-    std::string_view text = {};
+    std::string_view text = {};  ///< what is shown
 
-    static constexpr std::string_view id = "DEX";
+    static constexpr std::string_view id = "DEX";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const detail::CText shown(text);
         return detail::answered(id, line.exchange([&] { return abecs_cmd_dex(line.get(), shown.get()); }));
@@ -33,9 +35,9 @@ struct Dex {
 
 /// DSI: shows a media file.
 struct Dsi {
-    std::string_view file = {};
+    std::string_view file = {};  ///< name of the media file
 
-    static constexpr std::string_view id = "DSI";
+    static constexpr std::string_view id = "DSI";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const detail::CText name(file);
         return detail::answered(id, line.exchange([&] { return abecs_cmd_dsi(line.get(), name.get()); }));
@@ -45,6 +47,7 @@ struct Dsi {
 /// The keys that GKY and CKE tell of.
 enum class Key : int32_t { enter = 0, f1 = 4, f2 = 5, f3 = 6, f4 = 7, clear = 8, cancel = 13 };
 
+/// The name on the key.
 [[nodiscard]] constexpr std::string_view name(Key key) noexcept {
     switch (key) {
         case Key::enter:
@@ -67,7 +70,7 @@ enum class Key : int32_t { enter = 0, f1 = 4, f2 = 5, f3 = 6, f4 = 7, clear = 8,
 
 /// GKY: waits for a function key, CLEAR, CANCEL or ENTER. Its status is the key, so ok() says whether there was one.
 struct Gky {
-    static constexpr std::string_view id = "GKY";
+    static constexpr std::string_view id = "GKY";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         struct Reader final : detail::Receiver<Key> {
             int32_t poll(AbecsComm* link, char* text) override { return abecs_cmd_gky_response(link, text); }
@@ -80,12 +83,12 @@ struct Gky {
 
 /// GCD: has digits typed in. `prompt` is the index of one of the PIN pad's own texts.
 struct Gcd {
-    uint16_t prompt = 0;
-    uint8_t min_digits = 0;
-    uint8_t max_digits = 32;
+    uint16_t prompt = 0;              ///< index of one of the PIN pad's own texts
+    uint8_t min_digits = 0;           ///< the least digits
+    uint8_t max_digits = 32;          ///< the most digits
     std::chrono::seconds timeout{0};  ///< 0 is the PIN pad's own
 
-    static constexpr std::string_view id = "GCD";
+    static constexpr std::string_view id = "GCD";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         constexpr size_t kRoom = 33;
         struct Reader final : detail::Receiver<Secret> {
@@ -103,11 +106,11 @@ struct Gcd {
 
 /// MNU: shows 1 to 20 options of up to 24 characters, and waits for the choice: its number, counted from 1.
 struct Mnu {
-    std::span<const std::string_view> options = {};
-    std::string_view title = {};      ///< up to 128 characters
-    std::chrono::seconds timeout{0};  ///< 0 is the PIN pad's own
+    std::span<const std::string_view> options = {};  ///< what is offered
+    std::string_view title = {};                     ///< up to 128 characters
+    std::chrono::seconds timeout{0};                 ///< 0 is the PIN pad's own
 
-    static constexpr std::string_view id = "MNU";
+    static constexpr std::string_view id = "MNU";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         constexpr size_t kMostOptions = 20;
         if (options.size() > kMostOptions) { detail::refuse_argument("a menu has 1 to 20 options"); }
@@ -123,9 +126,9 @@ struct Mnu {
 
 /// RMC: shows up to 32 characters until no card is left in the PIN pad.
 struct Rmc {
-    std::string_view text = {};
+    std::string_view text = {};  ///< what is shown
 
-    static constexpr std::string_view id = "RMC";
+    static constexpr std::string_view id = "RMC";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         const detail::CText shown(text);
         return detail::started<detail::StatusReceiver<abecs_cmd_rmc_response>>(
@@ -151,25 +154,27 @@ enum class CexEvent : int32_t {
     contactless = ABECS_PP_EVENT_CTLS_DETECTED,
 };
 
+/// What has ended the wait, and what belongs to it.
 struct CexAnswer {
-    CexEvent event;
-    std::optional<Secret> track1, track2, track3;
-    Items items;
+    CexEvent event;                                ///< what has happened
+    std::optional<Secret> track1, track2, track3;  ///< the tracks, those that are there
+    Items items;                                   ///< the whole answer
 };
 
 /// CEX: waits for the first of the events that are asked for.
 struct Cex {
+    /// Which event of the chip ends the wait.
     enum class Chip : char { none = '0', removed = '1', inserted = '2' };
 
-    bool keys = false;
-    bool stripe = false;
-    Chip chip = Chip::none;
-    bool contactless = false;
-    std::optional<std::chrono::seconds> timeout = {};
-    std::optional<PanMask> pan_mask = {};
+    bool keys = false;                                 ///< whether a key ends the wait
+    bool stripe = false;                               ///< whether a swiped card ends the wait
+    Chip chip = Chip::none;                            ///< whether a chip ends the wait, and how
+    bool contactless = false;                          ///< whether a contactless card counts
+    std::optional<std::chrono::seconds> timeout = {};  ///< the PIN pad's own, when there is none
+    std::optional<PanMask> pan_mask = {};              ///< how many digits of the card number come in clear
     std::string_view options = {};  ///< the six characters themselves, in place of the four members above
 
-    static constexpr std::string_view id = "CEX";
+    static constexpr std::string_view id = "CEX";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         const auto digit = [](bool on) { return on ? '1' : '0'; };
         const std::string flags{digit(keys), digit(stripe), static_cast<char>(chip), digit(contactless), '0', '0'};
@@ -190,7 +195,9 @@ private:
     }
 };
 
+/// What has ended the wait, and what belongs to it.
 struct CkeAnswer {
+    /// What has happened: a key, or a card of some kind.
     enum class Event : int32_t {
         key = ABECS_CMD_CKE_EVENT_KEY,
         stripe = ABECS_CMD_CKE_EVENT_MAGNETIC_CARD,
@@ -198,22 +205,23 @@ struct CkeAnswer {
         contactless = ABECS_CMD_CKE_EVENT_CTLS,
     };
 
-    Event event;
+    Event event;                        ///< what has happened
     std::optional<Key> key = {};        ///< of a key
     std::optional<Secret> track1 = {};  ///< of a stripe, those that are there
-    std::optional<Secret> track2 = {};
-    std::optional<Secret> track3 = {};
-    std::optional<bool> present = {};  ///< of a chip or a contactless card
+    std::optional<Secret> track2 = {};  ///< track 2
+    std::optional<Secret> track3 = {};  ///< track 3
+    std::optional<bool> present = {};   ///< of a chip or a contactless card
 };
 
 /// CKE: waits for the first of the events that are asked for.
 struct Cke {
-    bool keys = false;
-    bool stripe = false;
-    AbecsCmdCkeIccCheckType_E chip = ABECS_CMD_CKE_ICC_CHECK_TYPE_0;
-    AbecsCmdCkeCtlsCheckType_E contactless = ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;
+    bool keys = false;                                                ///< whether a key ends the wait
+    bool stripe = false;                                              ///< whether a swiped card ends the wait
+    AbecsCmdCkeIccCheckType_E chip = ABECS_CMD_CKE_ICC_CHECK_TYPE_0;  ///< whether a chip ends the wait, and how
+    AbecsCmdCkeCtlsCheckType_E contactless =
+        ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;  ///< whether a contactless card counts
 
-    static constexpr std::string_view id = "CKE";
+    static constexpr std::string_view id = "CKE";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         return detail::started<detail::RecordReceiver<AbecsCmdCkeOut, abecs_cmd_cke_response, answer_of>>(
             line, [&](AbecsComm* link) { abecs_cmd_cke(link, keys, stripe, chip, contactless); });
@@ -245,6 +253,7 @@ private:
     }
 };
 
+/// A PIN, enciphered.
 struct GpnAnswer {
     Secret pin_block;  ///< 16 hexadecimal digits
     std::string ksn;   ///< 20 hexadecimal digits
@@ -252,19 +261,20 @@ struct GpnAnswer {
 
 /// GPN: has the cardholder enter the PIN, which comes enciphered.
 struct Gpn {
+    /// One entry of a PIN.
     struct Entry {
-        uint8_t min_digits = 4;
-        uint8_t max_digits = 12;
+        uint8_t min_digits = 4;      ///< the least digits
+        uint8_t max_digits = 12;     ///< the most digits
         std::string_view text = {};  ///< the prompt, up to 32 characters
     };
 
-    PinMethod method = PinMethod::dukpt_tdes;
-    uint8_t key_index = 0;
-    std::optional<Bytes> working_key = {};  ///< under the master key, for the methods that take one: 8 or 16 bytes
-    std::string_view pan = {};
-    std::span<const Entry> entries = {};  ///< 1 to 9
+    PinMethod method = PinMethod::dukpt_tdes;  ///< how it is enciphered
+    uint8_t key_index = 0;                     ///< of the key in the PIN pad, 0 to 99
+    std::optional<Bytes> working_key = {};     ///< under the master key, for the methods that take one: 8 or 16 bytes
+    std::string_view pan = {};                 ///< the card number in the PIN block
+    std::span<const Entry> entries = {};       ///< 1 to 9
 
-    static constexpr std::string_view id = "GPN";
+    static constexpr std::string_view id = "GPN";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         detail::Wiped<AbecsCmdGpnCmdData> held;
         AbecsCmdGpnCmdData& data = held.record;
@@ -295,13 +305,13 @@ private:
 /// CHP: speaks to a chip in a slot, or has a PIN taken for it. Its answer are the bytes that the chip gave, without
 /// leading bytes 30.
 struct Chp {
-    uint8_t slot = 0;
-    uint8_t operation = 0;
-    Bytes command = {};
+    uint8_t slot = 0;            ///< 0 is the chip reader, 1 to 8 hold security modules
+    uint8_t operation = 0;       ///< the protocol's number
+    Bytes command = {};          ///< bytes for the chip
     uint8_t pin_format = 0;      ///< of operation 3
     std::string_view text = {};  ///< of operation 3, up to 32 characters
 
-    static constexpr std::string_view id = "CHP";
+    static constexpr std::string_view id = "CHP";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         detail::Wiped<AbecsCmdChpParam> held;
         AbecsCmdChpParam& param = held.record;

@@ -5,30 +5,32 @@
 
 #include "quorvel/hpp/receivers.hpp"
 
-// Requests about the PIN pad itself: who it is, its tables, media and keys, and chips in its slots. What each member
-// may be, and what is an error, stands with the C functions in quorvel/abecs/cmd.
+/// @file
+/// Requests about the PIN pad itself: who it is, its tables, media and keys, and chips in its slots. What each member
+/// may be, and what is an error, stands with the C functions in quorvel/abecs/cmd.
+
 namespace quorvel {
 
 /// The PIN pad's identification. Of acquirer 0 it is the members with names; of any other the fields in their order.
 struct GinAnswer {
-    std::string manufacturer;
-    std::string model;
-    std::string model_detail;
-    bool contactless = false;
-    std::string system_version;
-    std::string protocol_version;
-    std::string vendor_version;
-    std::string serial;
-    std::vector<std::string> fields;
-    std::optional<bool> dukpt;      ///< of acquirer 3
-    std::optional<uint8_t> number;  ///< the last field of acquirers other than 0
+    std::string manufacturer;         ///< its name
+    std::string model;                ///< up to the first semicolon of its field
+    std::string model_detail;         ///< behind it
+    bool contactless = false;         ///< whether it takes contactless cards
+    std::string system_version;       ///< of the operating system
+    std::string protocol_version;     ///< of the protocol
+    std::string vendor_version;       ///< of the manufacturer's part
+    std::string serial;               ///< serial number
+    std::vector<std::string> fields;  ///< the fields as they came, of indexes other than 0
+    std::optional<bool> dukpt;        ///< of acquirer 3
+    std::optional<uint8_t> number;    ///< the last field of acquirers other than 0
 };
 
 /// GIN: asks for the identification for an acquirer, 0 to 99.
 struct Gin {
-    uint8_t acquirer = 0;
+    uint8_t acquirer = 0;  ///< the acquirer's index, 0 to 99
 
-    static constexpr std::string_view id = "GIN";
+    static constexpr std::string_view id = "GIN";  ///< the command's name on the line
     Answer<GinAnswer> on(detail::Line& line) const {
         AbecsCmdGinOut out{};
         const int32_t status = line.exchange([&] { return abecs_cmd_gin(line.get(), acquirer, &out); });
@@ -76,9 +78,9 @@ private:
 
 /// GIX: asks for items by their ids (AbecsCmdGixId_E), up to 64 of them; with none the PIN pad chooses.
 struct Gix {
-    std::span<const int32_t> ids = {};
+    std::span<const int32_t> ids = {};  ///< of the items that are asked for
 
-    static constexpr std::string_view id = "GIX";
+    static constexpr std::string_view id = "GIX";  ///< the command's name on the line
     Answer<Items> on(detail::Line& line) const {
         const Items items;
         const int32_t status =
@@ -89,9 +91,9 @@ struct Gix {
 
 /// GTS: the version of the tables of an acquirer, 0 to 99; empty when there are none.
 struct Gts {
-    uint8_t acquirer = 0;
+    uint8_t acquirer = 0;  ///< the acquirer's index, 0 to 99
 
-    static constexpr std::string_view id = "GTS";
+    static constexpr std::string_view id = "GTS";  ///< the command's name on the line
     Answer<std::string> on(detail::Line& line) const {
         char version[11]{};
         const int32_t status = line.exchange([&] { return abecs_cmd_gts(line.get(), acquirer, version); });
@@ -101,10 +103,10 @@ struct Gts {
 
 /// TLI: opens a load of tables. Tables does it all.
 struct Tli {
-    uint8_t acquirer = 0;
-    std::string_view version = {};
+    uint8_t acquirer = 0;           ///< the acquirer's index, 0 to 99
+    std::string_view version = {};  ///< of the tables
 
-    static constexpr std::string_view id = "TLI";
+    static constexpr std::string_view id = "TLI";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const detail::CText text(version);
         return detail::answered(id, line.exchange([&] { return abecs_cmd_tli(line.get(), acquirer, text.get()); }));
@@ -113,9 +115,9 @@ struct Tli {
 
 /// TLR: sends records, up to 99 and up to 997 characters, one behind the other.
 struct Tlr {
-    std::string_view records = {};
+    std::string_view records = {};  ///< up to 99 of them, one behind the other
 
-    static constexpr std::string_view id = "TLR";
+    static constexpr std::string_view id = "TLR";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const detail::CText text(records);
         return detail::answered(id, line.exchange([&] { return abecs_cmd_tlr(line.get(), text.get()); }));
@@ -124,7 +126,7 @@ struct Tlr {
 
 /// TLE: ends a load of tables.
 struct Tle {
-    static constexpr std::string_view id = "TLE";
+    static constexpr std::string_view id = "TLE";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         return detail::answered(id, line.exchange([&] { return abecs_cmd_tle(line.get()); }));
     }
@@ -132,12 +134,12 @@ struct Tle {
 
 /// MLI: announces a media file. Media does it all.
 struct Mli {
-    std::string_view file = {};
-    uint32_t size = 0;
-    uint16_t crc = 0;
-    uint8_t type = 0;
+    std::string_view file = {};  ///< name of the media file
+    uint32_t size = 0;           ///< in bytes
+    uint16_t crc = 0;            ///< CRC-16 of the file
+    uint8_t type = 0;            ///< of the file: see abecs_cmd_mli
 
-    static constexpr std::string_view id = "MLI";
+    static constexpr std::string_view id = "MLI";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const detail::CText name(file);
         return detail::answered(id,
@@ -147,9 +149,9 @@ struct Mli {
 
 /// MLR: sends the next 1 to 995 bytes of a media file.
 struct Mlr {
-    Bytes data = {};
+    Bytes data = {};  ///< 1 to 995 bytes of the file
 
-    static constexpr std::string_view id = "MLR";
+    static constexpr std::string_view id = "MLR";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         return detail::answered(id, line.exchange([&] { return abecs_cmd_mlr(line.get(), data.data(), data.size()); }));
     }
@@ -157,7 +159,7 @@ struct Mlr {
 
 /// MLE: ends the load of a media file.
 struct Mle {
-    static constexpr std::string_view id = "MLE";
+    static constexpr std::string_view id = "MLE";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         return detail::answered(id, line.exchange([&] { return abecs_cmd_mle(line.get()); }));
     }
@@ -190,7 +192,7 @@ private:
 
 /// LMF: the names of the media files.
 struct Lmf {
-    static constexpr std::string_view id = "LMF";
+    static constexpr std::string_view id = "LMF";  ///< the command's name on the line
     Answer<std::vector<std::string>> on(detail::Line& line) const {
         const detail::TextList names;
         const int32_t status = line.exchange([&] { return abecs_cmd_lmf(line.get(), names.get()); });
@@ -200,9 +202,9 @@ struct Lmf {
 
 /// DMF: deletes media files.
 struct Dmf {
-    std::span<const std::string_view> files = {};
+    std::span<const std::string_view> files = {};  ///< names of media files
 
-    static constexpr std::string_view id = "DMF";
+    static constexpr std::string_view id = "DMF";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         detail::TextList names;
         for (const std::string_view file : files) { names.add(file); }
@@ -212,12 +214,13 @@ struct Dmf {
 
 /// GDU: the serial number of a DUKPT key for PINs, 20 hexadecimal digits.
 struct Gdu {
+    /// Which cipher the key is for.
     enum class Method : int32_t { des = ABECS_CMD_GDU_METHOD_2, tdes = ABECS_CMD_GDU_METHOD_3 };
 
-    Method method = Method::tdes;
-    uint8_t index = 0;
+    Method method = Method::tdes;  ///< which kind of key
+    uint8_t index = 0;             ///< of the key, 0 to 99
 
-    static constexpr std::string_view id = "GDU";
+    static constexpr std::string_view id = "GDU";  ///< the command's name on the line
     Answer<std::string> on(detail::Line& line) const {
         char ksn[21]{};
         const auto kind = static_cast<AbecsCmdGduMethod_E>(method);
@@ -230,10 +233,10 @@ struct Gdu {
 /// DWK, the host making the key: a working key for card numbers under the master key. See quorvel/abecs/cmd/dwk.h for
 /// how it is drawn.
 struct Dwk1 {
-    MasterKey master_key;
-    bool on_link = true;  ///< the link deciphers with it
+    MasterKey master_key;  ///< under which the working key travels
+    bool on_link = true;   ///< the link deciphers with it
 
-    static constexpr std::string_view id = "DWK";
+    static constexpr std::string_view id = "DWK";  ///< the command's name on the line
     Answer<WorkingKey> on(detail::Line& line) const {
         detail::Wiped<AbecsWkPan> held;
         AbecsWkPan& key = held.record;
@@ -247,7 +250,7 @@ struct Dwk1 {
 struct Dwk2 {
     bool on_link = true;  ///< the link deciphers with it
 
-    static constexpr std::string_view id = "DWK";
+    static constexpr std::string_view id = "DWK";  ///< the command's name on the line
     Answer<WorkingKey> on(detail::Line& line) const {
         detail::Wiped<AbecsWkPan> held;
         AbecsWkPan& key = held.record;
@@ -258,12 +261,12 @@ struct Dwk2 {
 
 /// ENB: has one block of 8 bytes enciphered under a working key, which travels under a master key.
 struct Enb {
-    uint8_t method = 0;
-    uint8_t key_index = 0;
+    uint8_t method = 0;      ///< the cipher
+    uint8_t key_index = 0;   ///< of the key in the PIN pad, 0 to 99
     Bytes working_key = {};  ///< under the master key: 16 bytes
     Bytes data = {};         ///< 8 bytes
 
-    static constexpr std::string_view id = "ENB";
+    static constexpr std::string_view id = "ENB";  ///< the command's name on the line
     Answer<Secret> on(detail::Line& line) const {
         detail::Wiped<AbecsCmdEnbCmdData> held;
         AbecsCmdEnbCmdData& request = held.record;
@@ -301,21 +304,22 @@ private:
     }
 };
 
+/// What was enciphered.
 struct EbxAnswer {
-    std::optional<Secret> data;
-    std::optional<Secret> ksn;  ///< of a DUKPT key
-    Items items;
+    std::optional<Secret> data;  ///< enciphered
+    std::optional<Secret> ksn;   ///< of a DUKPT key
+    Items items;                 ///< the whole answer
 };
 
 /// EBX: has data enciphered, a multiple of 8 bytes.
 struct Ebx {
-    Bytes data = {};
-    DataMethod method = DataMethod::dukpt_dat3_ecb;
-    uint8_t key_index = 0;
+    Bytes data = {};                                 ///< in clear
+    DataMethod method = DataMethod::dukpt_dat3_ecb;  ///< how it is enciphered
+    uint8_t key_index = 0;                           ///< of the key in the PIN pad, 0 to 99
     std::optional<Bytes> working_key = {};  ///< under the master key, for the methods that take one: 8 or 16 bytes
-    std::optional<std::array<uint8_t, 8>> iv = {};
+    std::optional<std::array<uint8_t, 8>> iv = {};  ///< what the chain of blocks starts from: 8 bytes
 
-    static constexpr std::string_view id = "EBX";
+    static constexpr std::string_view id = "EBX";  ///< the command's name on the line
     Answer<EbxAnswer> on(detail::Line& line) const {
         const auto kind = static_cast<AbecsSpeMthdDat_E>(method);
         const detail::Owned<abecs_cmd_ebx_builder_delete> built(
@@ -337,12 +341,12 @@ struct Ebx {
 
 /// GEN 02/K3: for each index from `first` to `last` whether there is a key of that type and use.
 struct GenKeys {
-    uint8_t type = 0;  ///< 0 to 3
-    uint8_t use = 0;   ///< 0 or 1
-    uint8_t first = 0;
-    uint8_t last = 99;
+    uint8_t type = 0;   ///< 0 to 3
+    uint8_t use = 0;    ///< 0 or 1
+    uint8_t first = 0;  ///< the first index
+    uint8_t last = 99;  ///< the last index
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     Answer<std::vector<bool>> on(detail::Line& line) const {
         const AbecsCmdGen02K3CmdData request{type, use, first, last};
         char out[101]{};
@@ -373,31 +377,32 @@ inline Answer<Secret> data_objects(Line& line, GenTagsFn ask, const Tags& tags, 
 
 /// GEN 03/02: the values of tags of the card that was read last.
 struct GenCardData {
-    Tags tags;
+    Tags tags;  ///< whose values are to be in the answer
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     Answer<Secret> on(detail::Line& line) const { return detail::data_objects(line, abecs_cmd_gen_03_02, tags, 1); }
 };
 
 /// GEN 04/04: the same of the card in the chip reader.
 struct GenChipData {
-    Tags tags;
+    Tags tags;  ///< whose values are to be in the answer
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     Answer<Secret> on(detail::Line& line) const { return detail::data_objects(line, abecs_cmd_gen_04_04, tags, 2); }
 };
 
+/// What was enciphered, and under which key.
 struct GenEncryptAnswer {
     std::string ksn;  ///< 20 hexadecimal digits
-    Secret data;
+    Secret data;      ///< enciphered
 };
 
 /// GEN 03/03: has up to 16 blocks of 8 bytes enciphered under a key of the PIN pad.
 struct GenEncrypt {
-    uint8_t key_index = 0;
-    Bytes data = {};
+    uint8_t key_index = 0;  ///< of the key in the PIN pad, 0 to 99
+    Bytes data = {};        ///< in clear
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     Answer<GenEncryptAnswer> on(detail::Line& line) const {
         detail::Wiped<AbecsCmdGen0303CmdData> held;
         held.record.idx = key_index;
@@ -428,9 +433,10 @@ private:
     }
 };
 
+/// How the slot is.
 struct GenPowerAnswer {
-    uint8_t status1;
-    uint32_t status2;
+    uint8_t status1;   ///< of the slot, as the PIN pad tells it
+    uint32_t status2;  ///< further status, likewise
     uint8_t atr_size;  ///< of what the chip answered to its reset, in bytes
     std::string atr;   ///< the first `atr_size` hexadecimal digits of that
 };
@@ -438,9 +444,9 @@ struct GenPowerAnswer {
 /// GEN 04/01: switches a slot's power or asks for it.
 struct GenPower {
     uint8_t operation = ABECS_CMD_GEN_04_01_OPER_1;  ///< 1 to 4
-    uint8_t slot = 0;
+    uint8_t slot = 0;                                ///< 0 is the chip reader, 1 to 8 hold security modules
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     Answer<GenPowerAnswer> on(detail::Line& line) const {
         const AbecsCmdGen0401CmdData request{static_cast<AbecsCmdGen0401Oper_E>(operation), slot};
         AbecsCmdGen0401RspData out{};
@@ -455,17 +461,17 @@ struct GenPower {
 struct ChipAnswer {
     uint8_t status;  ///< of the exchange, as the PIN pad tells it
     std::string sw;  ///< the status word, 4 hexadecimal digits
-    Secret data;
+    Secret data;     ///< what the chip has answered
 };
 
 /// GEN 04/02: sends a command to a chip.
 struct GenApdu {
-    uint8_t slot = 0;
+    uint8_t slot = 0;                    ///< 0 is the chip reader, 1 to 8 hold security modules
     std::array<uint8_t, 4> header = {};  ///< CLA, INS, P1 and P2
     Bytes data = {};                     ///< up to 255 bytes
     uint16_t most = 256;                 ///< bytes of answer, Le
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     Answer<ChipAnswer> on(detail::Line& line) const {
         detail::Wiped<AbecsCmdGen0402CmdData> held;
         AbecsCmdGen0402CmdData& request = held.record;
@@ -486,14 +492,14 @@ struct GenApdu {
 
 /// GEN 04/03: has the cardholder enter a PIN that goes to a chip alone.
 struct GenPin {
-    uint8_t slot = 0;
-    std::array<uint8_t, 4> header = {};
-    char format = 'A';  ///< of the PIN block, a hexadecimal digit
-    uint8_t min_digits = 4;
-    uint8_t max_digits = 12;
-    std::string_view text = {};  ///< the prompt, up to 32 characters
+    uint8_t slot = 0;                    ///< 0 is the chip reader, 1 to 8 hold security modules
+    std::array<uint8_t, 4> header = {};  ///< of the command that takes the PIN to the chip: four bytes
+    char format = 'A';                   ///< of the PIN block, a hexadecimal digit
+    uint8_t min_digits = 4;              ///< the least digits
+    uint8_t max_digits = 12;             ///< the most digits
+    std::string_view text = {};          ///< the prompt, up to 32 characters
 
-    static constexpr std::string_view id = "GEN";
+    static constexpr std::string_view id = "GEN";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         AbecsCmdGen0403CmdData request{};
         request.slot = slot;

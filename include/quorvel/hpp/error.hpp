@@ -13,6 +13,9 @@
 
 #include "quorvel/quorvel.h"
 
+/// @file
+/// Errors and statuses.
+
 namespace quorvel {
 
 /// The kinds of errors: those of the library (quorvel/kor/result.h), by the same numbers, and two of the wrapper.
@@ -37,12 +40,15 @@ enum class ErrorCode : int16_t {
 /// What the library raises, and the base of what the wrapper throws. Copying it allocates nothing.
 class Error : public std::exception {
 public:
+    /// Of what the library has raised.
     explicit Error(const KorException& raised) noexcept : record_(raised) {}
+    /// The wrapper's own.
     Error(ErrorCode code, std::string_view text) noexcept {
         record_.error = static_cast<int16_t>(code);
         std::memcpy(record_.message, text.data(), std::min(text.size(), sizeof record_.message - 1));
     }
 
+    /// Its kind.
     [[nodiscard]] ErrorCode code() const noexcept { return static_cast<ErrorCode>(record_.error); }
     /// The whole text, "[KOR_RESULT_IO_ERROR] read() error: 5" for instance; at most 255 characters.
     [[nodiscard]] std::string_view text() const noexcept { return record_.message; }
@@ -52,6 +58,7 @@ public:
         const size_t end = all.starts_with('[') ? all.find("] ") : std::string_view::npos;
         return end == std::string_view::npos ? all : all.substr(end + 2);
     }
+    /// The same as text(), with a NUL.
     [[nodiscard]] const char* what() const noexcept override { return record_.message; }
 
     /// Whether the PIN pad had accepted a request when this was raised, and may have carried it out.
@@ -118,11 +125,14 @@ auto call(Body body) {
 /// protocol knows.
 class Status {
 public:
+    /// OK.
     constexpr Status() noexcept = default;
+    /// By its number.
     constexpr explicit Status(int32_t code) noexcept : code_(code) {}
 
     /// The three digits that travel.
     [[nodiscard]] constexpr int32_t code() const noexcept { return code_; }
+    /// Whether it is 0.
     [[nodiscard]] constexpr bool is_ok() const noexcept { return code_ == 0; }
     /// The protocol's name, "ST_TIMEOUT" for instance; "unknown" for a number that it does not know.
     [[nodiscard]] constexpr std::string_view name() const noexcept {
@@ -221,6 +231,7 @@ public:
                 return "unknown";
         }
     }
+    /// Whether both are the same.
     friend constexpr bool operator==(Status, Status) noexcept = default;
 
     static const Status ok, nosec, f1, f2, f3, f4, backspace, errpktsec, invalid_call, invalid_parameter, timeout,
@@ -235,61 +246,79 @@ private:
     int32_t code_ = 0;
 };
 
-inline constexpr Status Status::ok{ABECS_RSP_STAT_ST_OK};
-inline constexpr Status Status::nosec{ABECS_RSP_STAT_ST_NOSEC};
-inline constexpr Status Status::f1{ABECS_RSP_STAT_ST_F1};
-inline constexpr Status Status::f2{ABECS_RSP_STAT_ST_F2};
-inline constexpr Status Status::f3{ABECS_RSP_STAT_ST_F3};
-inline constexpr Status Status::f4{ABECS_RSP_STAT_ST_F4};
-inline constexpr Status Status::backspace{ABECS_RSP_STAT_ST_BACKSP};
-inline constexpr Status Status::errpktsec{ABECS_RSP_STAT_ST_ERRPKTSEC};
-inline constexpr Status Status::invalid_call{ABECS_RSP_STAT_ST_INVCALL};
-inline constexpr Status Status::invalid_parameter{ABECS_RSP_STAT_ST_INVPARM};
-inline constexpr Status Status::timeout{ABECS_RSP_STAT_ST_TIMEOUT};
-inline constexpr Status Status::cancel{ABECS_RSP_STAT_ST_CANCEL};
-inline constexpr Status Status::mandatory{ABECS_RSP_STAT_ST_MANDAT};
-inline constexpr Status Status::tables_differ{ABECS_RSP_STAT_ST_TABVERDIF};
-inline constexpr Status Status::tables_error{ABECS_RSP_STAT_ST_TABERR};
-inline constexpr Status Status::internal_error{ABECS_RSP_STAT_ST_INTERR};
-inline constexpr Status Status::stripe_error{ABECS_RSP_STAT_ST_MCDATAERR};
-inline constexpr Status Status::key_missing{ABECS_RSP_STAT_ST_ERRKEY};
-inline constexpr Status Status::no_card{ABECS_RSP_STAT_ST_NOCARD};
-inline constexpr Status Status::pin_busy{ABECS_RSP_STAT_ST_PINBUSY};
-inline constexpr Status Status::response_overflow{ABECS_RSP_STAT_ST_RSPOVRFL};
-inline constexpr Status Status::crypt_error{ABECS_RSP_STAT_ST_ERRCRYPT};
-inline constexpr Status Status::no_sam{ABECS_RSP_STAT_ST_NOSAM};
-inline constexpr Status Status::dumb_card{ABECS_RSP_STAT_ST_DUMBCARD};
-inline constexpr Status Status::card_error{ABECS_RSP_STAT_ST_ERRCARD};
-inline constexpr Status Status::card_invalidated{ABECS_RSP_STAT_ST_CARDINVALIDAT};
-inline constexpr Status Status::card_problems{ABECS_RSP_STAT_ST_CARDPROBLEMS};
-inline constexpr Status Status::card_bad_data{ABECS_RSP_STAT_ST_CARDINVDATA};
-inline constexpr Status Status::card_no_application{ABECS_RSP_STAT_ST_CARDAPPNAV};
-inline constexpr Status Status::card_application_not_allowed{ABECS_RSP_STAT_ST_CARDAPPNAUT};
-inline constexpr Status Status::fallback_refused{ABECS_RSP_STAT_ST_ERRFALLBACK};
-inline constexpr Status Status::invalid_amount{ABECS_RSP_STAT_ST_INVAMOUNT};
-inline constexpr Status Status::too_many_applications{ABECS_RSP_STAT_ST_ERRMAXAID};
-inline constexpr Status Status::card_blocked{ABECS_RSP_STAT_ST_CARDBLOCKED};
-inline constexpr Status Status::ctls_multiple{ABECS_RSP_STAT_ST_CTLSMULTIPLE};
-inline constexpr Status Status::ctls_error{ABECS_RSP_STAT_ST_CTLSCOMMERR};
-inline constexpr Status Status::ctls_invalidated{ABECS_RSP_STAT_ST_CTLSINVALIDAT};
-inline constexpr Status Status::ctls_problems{ABECS_RSP_STAT_ST_CTLSPROBLEMS};
-inline constexpr Status Status::ctls_no_application{ABECS_RSP_STAT_ST_CTLSAPPNAV};
-inline constexpr Status Status::ctls_application_not_allowed{ABECS_RSP_STAT_ST_CTLSAPPNAUT};
-inline constexpr Status Status::ctls_external_verification{ABECS_RSP_STAT_ST_CTLSEXTCVM};
-inline constexpr Status Status::ctls_interface_change{ABECS_RSP_STAT_ST_CTLSIFCHG};
-inline constexpr Status Status::media_not_found{ABECS_RSP_STAT_ST_MFNFOUND};
-inline constexpr Status Status::media_bad_format{ABECS_RSP_STAT_ST_MFERRFMT};
-inline constexpr Status Status::media_error{ABECS_RSP_STAT_ST_MFERR};
+inline constexpr Status Status::ok{ABECS_RSP_STAT_ST_OK};  ///< done; for keys, ENTER
+inline constexpr Status Status::nosec{
+    ABECS_RSP_STAT_ST_NOSEC};  ///< an enciphered command, but there is no encrypted session at that end
+inline constexpr Status Status::f1{ABECS_RSP_STAT_ST_F1};             ///< F1 was pressed
+inline constexpr Status Status::f2{ABECS_RSP_STAT_ST_F2};             ///< F2 was pressed
+inline constexpr Status Status::f3{ABECS_RSP_STAT_ST_F3};             ///< F3 was pressed
+inline constexpr Status Status::f4{ABECS_RSP_STAT_ST_F4};             ///< F4 was pressed
+inline constexpr Status Status::backspace{ABECS_RSP_STAT_ST_BACKSP};  ///< CLEAR was pressed
+inline constexpr Status Status::errpktsec{
+    ABECS_RSP_STAT_ST_ERRPKTSEC};  ///< the command could not be deciphered, or came plain inside an encrypted session
+inline constexpr Status Status::invalid_call{ABECS_RSP_STAT_ST_INVCALL};  ///< the command is unknown, or out of order
+inline constexpr Status Status::invalid_parameter{ABECS_RSP_STAT_ST_INVPARM};  ///< a parameter is wrong
+inline constexpr Status Status::timeout{ABECS_RSP_STAT_ST_TIMEOUT};   ///< the cardholder did nothing for too long
+inline constexpr Status Status::cancel{ABECS_RSP_STAT_ST_CANCEL};     ///< the cardholder pressed CANCEL
+inline constexpr Status Status::mandatory{ABECS_RSP_STAT_ST_MANDAT};  ///< a parameter is missing
+inline constexpr Status Status::tables_differ{
+    ABECS_RSP_STAT_ST_TABVERDIF};  ///< the PIN pad's tables have another version than you named
+inline constexpr Status Status::tables_error{
+    ABECS_RSP_STAT_ST_TABERR};  ///< the tables could not be stored, or a load is out of order
+inline constexpr Status Status::internal_error{
+    ABECS_RSP_STAT_ST_INTERR};  ///< the PIN pad failed inside; and what a function returns where a raise returns
+inline constexpr Status Status::stripe_error{ABECS_RSP_STAT_ST_MCDATAERR};  ///< the stripe could not be read
+inline constexpr Status Status::key_missing{
+    ABECS_RSP_STAT_ST_ERRKEY};  ///< the PIN pad has no key of that kind at that index
+inline constexpr Status Status::no_card{ABECS_RSP_STAT_ST_NOCARD};              ///< no card where one must be
+inline constexpr Status Status::pin_busy{ABECS_RSP_STAT_ST_PINBUSY};            ///< too many PINs in too short a time
+inline constexpr Status Status::response_overflow{ABECS_RSP_STAT_ST_RSPOVRFL};  ///< the answer would be too long
+inline constexpr Status Status::crypt_error{ABECS_RSP_STAT_ST_ERRCRYPT};        ///< a cryptographic check failed
+inline constexpr Status Status::no_sam{ABECS_RSP_STAT_ST_NOSAM};        ///< there is no security module in that slot
+inline constexpr Status Status::dumb_card{ABECS_RSP_STAT_ST_DUMBCARD};  ///< the chip does not answer
+inline constexpr Status Status::card_error{ABECS_RSP_STAT_ST_ERRCARD};  ///< talking to the chip failed
+inline constexpr Status Status::card_invalidated{ABECS_RSP_STAT_ST_CARDINVALIDAT};  ///< the card has been invalidated
+inline constexpr Status Status::card_problems{ABECS_RSP_STAT_ST_CARDPROBLEMS};  ///< the card does not work as it should
+inline constexpr Status Status::card_bad_data{ABECS_RSP_STAT_ST_CARDINVDATA};   ///< the card holds wrong data
+inline constexpr Status Status::card_no_application{
+    ABECS_RSP_STAT_ST_CARDAPPNAV};  ///< no application that both sides know
+inline constexpr Status Status::card_application_not_allowed{
+    ABECS_RSP_STAT_ST_CARDAPPNAUT};  ///< the application may not be used for this sale
+inline constexpr Status Status::fallback_refused{
+    ABECS_RSP_STAT_ST_ERRFALLBACK};  ///< the chip failed in a way that allows the stripe
+inline constexpr Status Status::invalid_amount{ABECS_RSP_STAT_ST_INVAMOUNT};  ///< the amount cannot be used
+inline constexpr Status Status::too_many_applications{
+    ABECS_RSP_STAT_ST_ERRMAXAID};  ///< more applications than the PIN pad can take in
+inline constexpr Status Status::card_blocked{ABECS_RSP_STAT_ST_CARDBLOCKED};        ///< the card is blocked
+inline constexpr Status Status::ctls_multiple{ABECS_RSP_STAT_ST_CTLSMULTIPLE};      ///< more than one card in the field
+inline constexpr Status Status::ctls_error{ABECS_RSP_STAT_ST_CTLSCOMMERR};          ///< talking to the card failed
+inline constexpr Status Status::ctls_invalidated{ABECS_RSP_STAT_ST_CTLSINVALIDAT};  ///< the card has been invalidated
+inline constexpr Status Status::ctls_problems{ABECS_RSP_STAT_ST_CTLSPROBLEMS};  ///< the card does not work as it should
+inline constexpr Status Status::ctls_no_application{
+    ABECS_RSP_STAT_ST_CTLSAPPNAV};  ///< no application that both sides know
+inline constexpr Status Status::ctls_application_not_allowed{
+    ABECS_RSP_STAT_ST_CTLSAPPNAUT};  ///< the application may not be used for this sale
+inline constexpr Status Status::ctls_external_verification{
+    ABECS_RSP_STAT_ST_CTLSEXTCVM};  ///< the cardholder must confirm on the phone first
+inline constexpr Status Status::ctls_interface_change{
+    ABECS_RSP_STAT_ST_CTLSIFCHG};                                             ///< the card wants another interface
+inline constexpr Status Status::media_not_found{ABECS_RSP_STAT_ST_MFNFOUND};  ///< no media file of that name
+inline constexpr Status Status::media_bad_format{
+    ABECS_RSP_STAT_ST_MFERRFMT};  ///< a kind of file that the PIN pad does not take
+inline constexpr Status Status::media_error{
+    ABECS_RSP_STAT_ST_MFERR};  ///< the load failed: out of order, too long, or damaged on the way
 
 /// Thrown where a status other than OK has to be an error: by Link::open, and by asking an answer for a value that it
 /// does not have.
 class Refused : public Error {
 public:
+    /// For the wrapper: the status of a command.
     Refused(std::string_view command, Status status) noexcept
         : Error(text_of(command, status)), status_(status), size_(std::min(command.size(), sizeof command_)) {
         std::memcpy(command_, command.data(), size_);
     }
 
+    /// What the PIN pad has answered.
     [[nodiscard]] Status status() const noexcept { return status_; }
     /// The id of the command, "GCX" for instance.
     [[nodiscard]] std::string_view command() const noexcept { return {command_, size_}; }
@@ -311,13 +340,16 @@ private:
 /// A wait that its caller has ended. The PIN pad has been sent CAN and has confirmed it; the session goes on.
 class Ended : public Error {
 public:
+    /// What has ended it.
     enum class Why { deadline, cancelled };
 
+    /// For the wrapper.
     explicit Ended(Why why) noexcept
         : Error(ErrorCode::ended,
                 why == Why::deadline ? "[ENDED] the deadline has passed" : "[ENDED] the wait was cancelled"),
           why_(why) {}
 
+    /// What has ended it.
     [[nodiscard]] Why why() const noexcept { return why_; }
 
 private:

@@ -9,10 +9,14 @@
 #include "quorvel/additions.h"
 #include "quorvel/hpp/answer.hpp"
 
+/// @file
+/// What a link does, for a log.
+
 namespace quorvel {
 
 /// What a link has done, for a log. The views live until the observer returns.
 struct Event {
+    /// What can happen.
     enum class Type : int32_t {
         sent = ABECS_LINK_EVENT_SENT,
         received = ABECS_LINK_EVENT_RECEIVED,
@@ -22,12 +26,12 @@ struct Event {
         timeout = ABECS_LINK_EVENT_TIMEOUT,
     };
 
-    Type type;
-    std::string_view command;      ///< the id of the command or answer, or ""
-    std::optional<Status> status;  ///< of what was received
-    bool encrypted;
-    size_t packet_size;
-    size_t frame_size;
+    Type type;                           ///< what has happened
+    std::string_view command;            ///< the id of the command or answer, or ""
+    std::optional<Status> status;        ///< of what was received
+    bool encrypted;                      ///< whether the frame was enciphered
+    size_t packet_size;                  ///< in clear, in bytes; or 0
+    size_t frame_size;                   ///< on the line, in bytes; or 0
     std::chrono::microseconds duration;  ///< since the last event or the beginning of the request
     std::optional<Bytes> packet;         ///< in clear, if it was asked for
 };

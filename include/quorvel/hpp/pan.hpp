@@ -5,8 +5,10 @@
 
 #include "quorvel/hpp/values.hpp"
 
-// Card numbers and tracks under a working key; see quorvel/abecs/pan.h for what looks enciphered and what comes back as
-// it was. The library's own copies are left to its next call, so each function has one more call wipe them.
+/// @file
+/// Card numbers and tracks under a working key; see quorvel/abecs/pan.h for what looks enciphered and what comes back
+/// as it was. The library's own copies are left to its next call, so each function has one more call wipe them.
+
 namespace quorvel {
 
 namespace detail {

@@ -5,9 +5,11 @@
 
 #include "quorvel/hpp/receivers.hpp"
 
-// Requests of a payment: the card is read (GCX or GCR), its application decides (GOX or GOC), and the acquirer's answer
-// is handed to it (FCX or FNC). Amounts are in the smallest unit of their currency. What each member may be, and what
-// is an error, stands with the C functions in quorvel/abecs/cmd.
+/// @file
+/// Requests of a payment: the card is read (GCX or GCR), its application decides (GOX or GOC), and the acquirer's
+/// answer is handed to it (FCX or FNC). Amounts are in the smallest unit of their currency. What each member may be,
+/// and what is an error, stands with the C functions in quorvel/abecs/cmd.
+
 namespace quorvel {
 
 /// How a card was read.
@@ -20,19 +22,19 @@ enum class CardType : uint8_t {
 
 /// What GCX has read of a card: the members of which the PIN pad has told. `items` has them all, as they came.
 struct CardAnswer {
-    std::optional<CardType> type;
-    std::optional<uint64_t> chip_status;      ///< how the last reading of a chip ended
-    std::optional<std::string> table_record;  ///< acquirer, record and type of application: PP_AIDTABINFO
-    std::optional<Secret> pan;
-    std::optional<uint64_t> pan_sequence;
-    std::optional<Secret> cardholder;
-    std::optional<std::string> label;   ///< the application's
-    std::optional<std::string> expiry;  ///< YYMMDD
-    std::optional<uint64_t> issuer_country;
-    std::optional<Secret> track1, track2, track3;
-    std::optional<Secret> emv_data;
-    std::optional<std::string> device_type;
-    Items items;
+    std::optional<CardType> type;                  ///< how it was read
+    std::optional<uint64_t> chip_status;           ///< how the last reading of a chip ended
+    std::optional<std::string> table_record;       ///< acquirer, record and type of application: PP_AIDTABINFO
+    std::optional<Secret> pan;                     ///< the card number
+    std::optional<uint64_t> pan_sequence;          ///< its sequence number
+    std::optional<Secret> cardholder;              ///< the cardholder's name
+    std::optional<std::string> label;              ///< the application's
+    std::optional<std::string> expiry;             ///< YYMMDD
+    std::optional<uint64_t> issuer_country;        ///< its numeric code
+    std::optional<Secret> track1, track2, track3;  ///< the tracks, those that are there
+    std::optional<Secret> emv_data;                ///< EMV data objects, one behind the other
+    std::optional<std::string> device_type;        ///< what holds the card: a card, a phone or something else
+    Items items;                                   ///< the whole answer
 
     /// The acquirer's index in the table record, for Gox; nothing when there is none.
     [[nodiscard]] std::optional<uint8_t> acquirer() const noexcept {
@@ -44,6 +46,7 @@ struct CardAnswer {
         return static_cast<uint8_t>((tens - '0') * 10 + (ones - '0'));
     }
 
+    /// For Gcx: what an answer tells.
     [[nodiscard]] static CardAnswer of(const Items& items) {
         const auto text = [&](int32_t id) {
             const auto value = items.text(id);
@@ -71,23 +74,23 @@ struct CardAnswer {
 
 /// GCX: has a card inserted, swiped or tapped, and reads it.
 struct Gcx {
-    std::optional<Whole<uint64_t>> amount = {};
-    std::optional<Whole<uint64_t>> cashback = {};
-    std::optional<Whole<uint16_t>> currency = {};  ///< its numeric code, 986 for instance
-    std::optional<Whole<uint8_t>> acquirer = {};   ///< any, when there is none
-    std::optional<Bytes> application_types = {};
+    std::optional<Whole<uint64_t>> amount = {};         ///< in the currency's smallest unit
+    std::optional<Whole<uint64_t>> cashback = {};       ///< in the currency's smallest unit
+    std::optional<Whole<uint16_t>> currency = {};       ///< its numeric code, 986 for instance
+    std::optional<Whole<uint8_t>> acquirer = {};        ///< any, when there is none
+    std::optional<Bytes> application_types = {};        ///< 1 to 10 of them, each 1 to 98
     std::optional<std::string_view> applications = {};  ///< records of the AID table, four characters each
     std::optional<Whole<uint8_t>> type = {};            ///< of the transaction
     std::optional<bool> contactless = {};               ///< takes a contactless card: the first digit of the options
     std::optional<std::string_view> options = {};       ///< all five digits, in place of `contactless`
-    std::optional<PanMask> pan_mask = {};
-    std::optional<Bytes> emv_data = {};
-    std::optional<Tags> tags = {};  ///< whose values are to be in the answer
-    std::optional<std::chrono::seconds> timeout = {};
-    std::optional<std::string_view> text = {};  ///< on the display, up to 128 characters
-    std::optional<DateTime> when = {};          ///< the time of sending, when there is none
+    std::optional<PanMask> pan_mask = {};               ///< how many digits of the card number come in clear
+    std::optional<Bytes> emv_data = {};                 ///< EMV data objects, one behind the other
+    std::optional<Tags> tags = {};                      ///< whose values are to be in the answer
+    std::optional<std::chrono::seconds> timeout = {};   ///< the PIN pad's own, when there is none
+    std::optional<std::string_view> text = {};          ///< on the display, up to 128 characters
+    std::optional<DateTime> when = {};                  ///< the time of sending, when there is none
 
-    static constexpr std::string_view id = "GCX";
+    static constexpr std::string_view id = "GCX";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         const auto built = builder(line);
         return detail::started<detail::ItemsReceiver<abecs_cmd_gcx_response, CardAnswer::of>>(
@@ -146,19 +149,21 @@ private:
 /// What the card has decided at first. `decision` is nothing when the PIN pad does not tell one that the protocol
 /// knows.
 struct GoxAnswer {
+    /// The application's decision.
     enum class Decision { approved = 0, declined = 1, online = 2 };
 
-    std::optional<Decision> decision = {};
-    bool signature = false;    ///< is asked for
-    bool pin_offline = false;  ///< the card has verified a PIN
-    uint8_t pin_errors = 0;    ///< wrong PINs entered for the card
-    bool pin_blocked = false;
-    bool pin_online = false;  ///< `pin_block` is for the acquirer
-    std::optional<Secret> pin_block;
-    std::optional<Secret> ksn;
-    std::optional<Secret> emv_data;
-    Items items;
+    std::optional<Decision> decision = {};  ///< what was decided
+    bool signature = false;                 ///< is asked for
+    bool pin_offline = false;               ///< the card has verified a PIN
+    uint8_t pin_errors = 0;                 ///< wrong PINs entered for the card
+    bool pin_blocked = false;               ///< after too many wrong PINs
+    bool pin_online = false;                ///< `pin_block` is for the acquirer
+    std::optional<Secret> pin_block;        ///< the PIN, enciphered
+    std::optional<Secret> ksn;              ///< serial number of a DUKPT key
+    std::optional<Secret> emv_data;         ///< EMV data objects, one behind the other
+    Items items;                            ///< the whole answer
 
+    /// For Gox: what an answer tells.
     [[nodiscard]] static GoxAnswer of(const Items& items) {
         GoxAnswer answer{.pin_block = items.secret_bytes(ABECS_RSP_DATID_PP_PINBLK),
                          .ksn = items.secret_bytes(ABECS_RSP_DATID_PP_KSN),
@@ -178,22 +183,22 @@ struct GoxAnswer {
 
 /// GOX: after GCX has read a chip, or a contactless card with EMV data, has its application take its first decision.
 struct Gox {
-    uint8_t acquirer = 0;  ///< CardAnswer::acquirer()
-    PinMethod pin_method = PinMethod::dukpt_tdes;
-    uint8_t key_index = 0;
-    std::optional<Bytes> working_key = {};    ///< under the master key, for the methods that take one: 8 or 16 bytes
-    std::optional<Whole<uint8_t>> type = {};  ///< of the transaction
-    std::optional<Whole<uint64_t>> amount = {};
-    std::optional<Whole<uint64_t>> cashback = {};
-    std::optional<Whole<uint16_t>> currency = {};
+    uint8_t acquirer = 0;                          ///< CardAnswer::acquirer()
+    PinMethod pin_method = PinMethod::dukpt_tdes;  ///< how the PIN is enciphered
+    uint8_t key_index = 0;                         ///< of the key in the PIN pad, 0 to 99
+    std::optional<Bytes> working_key = {};       ///< under the master key, for the methods that take one: 8 or 16 bytes
+    std::optional<Whole<uint8_t>> type = {};     ///< of the transaction
+    std::optional<Whole<uint64_t>> amount = {};  ///< in the currency's smallest unit
+    std::optional<Whole<uint64_t>> cashback = {};      ///< in the currency's smallest unit
+    std::optional<Whole<uint16_t>> currency = {};      ///< its numeric code
     std::optional<std::string_view> options = {};      ///< five digits
     std::optional<std::string_view> text = {};         ///< on the display, up to 128 characters
     std::optional<std::array<uint8_t, 10>> risk = {};  ///< see quorvel::risk
-    std::optional<Bytes> emv_data = {};
-    std::optional<Tags> tags = {};
-    std::optional<std::chrono::seconds> timeout = {};
+    std::optional<Bytes> emv_data = {};                ///< EMV data objects, one behind the other
+    std::optional<Tags> tags = {};                     ///< whose values are to be in the answer
+    std::optional<std::chrono::seconds> timeout = {};  ///< the PIN pad's own, when there is none
 
-    static constexpr std::string_view id = "GOX";
+    static constexpr std::string_view id = "GOX";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         const auto built = builder(line);
         return detail::started<detail::ItemsReceiver<abecs_cmd_gox_response, GoxAnswer::of>>(
@@ -230,13 +235,15 @@ private:
 
 /// The card's last word. `decision` is nothing when the PIN pad does not tell one that the protocol knows.
 struct FcxAnswer {
+    /// The last decision.
     enum class Decision { approved = 0, declined_by_card = 1, declined_by_acquirer = 2 };
 
-    std::optional<Decision> decision;
-    std::optional<Secret> emv_data;
-    std::optional<Secret> script_results;
-    Items items;
+    std::optional<Decision> decision;      ///< what was decided
+    std::optional<Secret> emv_data;        ///< EMV data objects, one behind the other
+    std::optional<Secret> script_results;  ///< results of the issuer's scripts
+    Items items;                           ///< the whole answer
 
+    /// For Fcx: what an answer tells.
     [[nodiscard]] static FcxAnswer of(const Items& items) {
         const auto result = items.number(ABECS_RSP_DATID_PP_FCXRES);
         return {.decision = result && *result <= 2 ? std::optional(static_cast<Decision>(*result)) : std::nullopt,
@@ -251,10 +258,10 @@ struct Fcx {
     std::optional<std::string_view> response_code = {};  ///< two characters; without one the acquirer was not reached
     std::optional<std::string_view> options = {};        ///< four digits; "0000" with a response code, else "2000"
     std::optional<Bytes> emv_data = {};                  ///< the issuer's authentication data and scripts
-    std::optional<Tags> tags = {};
-    std::optional<std::chrono::seconds> timeout = {};
+    std::optional<Tags> tags = {};                       ///< whose values are to be in the answer
+    std::optional<std::chrono::seconds> timeout = {};    ///< the PIN pad's own, when there is none
 
-    static constexpr std::string_view id = "FCX";
+    static constexpr std::string_view id = "FCX";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         const auto built = builder(line);
         return detail::started<detail::ItemsReceiver<abecs_cmd_fcx_response, FcxAnswer::of>>(
@@ -283,24 +290,25 @@ private:
 
 /// What GCR has read of a card.
 struct GcrAnswer {
-    CardType type;
-    AbecsCmdGcrStatChip_E chip_status;
-    uint8_t application_type;
-    uint8_t acquirer;
-    std::string record;  ///< of the AID table
-    Secret track1, track2, track3;
-    Secret pan;
-    uint8_t pan_sequence;
-    std::string label;
-    uint16_t service_code;
-    Secret cardholder;
+    CardType type;                                  ///< how it was read
+    AbecsCmdGcrStatChip_E chip_status;              ///< how the last reading of a chip ended
+    uint8_t application_type;                       ///< of the card's application
+    uint8_t acquirer;                               ///< the acquirer's index
+    std::string record;                             ///< of the AID table
+    Secret track1, track2, track3;                  ///< the tracks
+    Secret pan;                                     ///< the card number
+    uint8_t pan_sequence;                           ///< its sequence number
+    std::string label;                              ///< the application's name
+    uint16_t service_code;                          ///< the service code
+    Secret cardholder;                              ///< the cardholder's name
     uint8_t expiry_year, expiry_month, expiry_day;  ///< of the year the last two digits
-    std::array<uint8_t, 29> extra;
-    uint16_t issuer_country;
-    std::string acquirer_data;   ///< hexadecimal digits, of the acquirers 1 and 2 only
-    std::string acquirer_text1;  ///< of acquirer 1 only
-    std::string acquirer_text2;
+    std::array<uint8_t, 29> extra;                  ///< what the acquirer adds
+    uint16_t issuer_country;                        ///< its numeric code
+    std::string acquirer_data;                      ///< hexadecimal digits, of the acquirers 1 and 2 only
+    std::string acquirer_text1;                     ///< of acquirer 1 only
+    std::string acquirer_text2;                     ///< of acquirer 1 only
 
+    /// For Gcr: what an answer tells.
     [[nodiscard]] static GcrAnswer of(const AbecsCmdGcrResponse& out) {
         const auto text = [](const auto& member) { return std::string(detail::taken(member)); };
         const auto secret = [](const auto& member) { return Secret(detail::taken(member)); };
@@ -339,15 +347,16 @@ struct GcrAnswer {
 
 /// GCR: reads a card as GCX does, with a request and an answer of fixed fields.
 struct Gcr {
-    uint8_t acquirer = 0;
-    uint8_t application_type = 0;
-    uint64_t amount = 0;
-    std::string_view tables_version = {};
-    bool contactless = false;
+    uint8_t acquirer = 0;                               ///< the acquirer's index, 0 to 99
+    uint8_t application_type = 0;                       ///< one type of application, or 0 for any
+    uint64_t amount = 0;                                ///< in the currency's smallest unit
+    std::string_view tables_version = {};               ///< that the caller knows
+    bool contactless = false;                           ///< whether contactless cards are taken
     std::optional<std::string_view> applications = {};  ///< records of the AID table, four characters each
     std::optional<DateTime> when = {};                  ///< the time of sending, when there is none
 
-    static constexpr std::string_view id = "GCR";
+    static constexpr std::string_view id = "GCR";  ///< the command's name on the line
+    /// For GcrAgain.
     using Reader = detail::RecordReceiver<AbecsCmdGcrResponse, abecs_cmd_gcr_response, GcrAnswer::of>;
     auto on(detail::Line& line) const {
         const DateTime moment = when.value_or(DateTime::now());
@@ -366,7 +375,7 @@ struct Gcr {
 
 /// GCR without data: the PIN pad takes its defaults.
 struct GcrAgain {
-    static constexpr std::string_view id = "GCR";
+    static constexpr std::string_view id = "GCR";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         return detail::started<Gcr::Reader>(line, [](AbecsComm* link) { abecs_cmd_gcr_empty(link); });
     }
@@ -374,16 +383,17 @@ struct GcrAgain {
 
 /// What the card has decided at first; numbers as they came.
 struct GocAnswer {
-    uint8_t decision;
-    bool signature;
-    bool pin_offline;
-    uint8_t pin_errors;
-    bool pin_blocked;
-    bool pin_online;
-    Secret pin_block;  ///< 16 characters
-    Secret ksn;        ///< 20 characters
-    Secret emv_data;
+    uint8_t decision;    ///< what was decided
+    bool signature;      ///< is asked for
+    bool pin_offline;    ///< the card has verified a PIN
+    uint8_t pin_errors;  ///< wrong PINs entered for the card
+    bool pin_blocked;    ///< after too many wrong PINs
+    bool pin_online;     ///< `pin_block` is for the acquirer
+    Secret pin_block;    ///< 16 characters
+    Secret ksn;          ///< 20 characters
+    Secret emv_data;     ///< EMV data objects, one behind the other
 
+    /// For Goc: what an answer tells.
     [[nodiscard]] static GocAnswer of(const AbecsCmdGocResponse& out) {
         return {out.decision,
                 out.signature,
@@ -401,28 +411,28 @@ struct GocAnswer {
 struct Goc {
     /// The terminal's risk management.
     struct Risk {
-        uint32_t floor_limit = 0;
-        uint8_t target_percent = 0;
-        uint32_t threshold = 0;
-        uint8_t most_percent = 0;
+        uint32_t floor_limit = 0;    ///< above which the acquirer is asked
+        uint8_t target_percent = 0;  ///< for random selection, up to 99
+        uint32_t threshold = 0;      ///< below which selection is by the target alone
+        uint8_t most_percent = 0;    ///< for random selection near the floor limit, up to 99
     };
 
-    uint8_t acquirer = 0;  ///< GcrAnswer::acquirer
-    uint64_t amount = 0;
-    uint64_t cashback = 0;
-    bool excluded = false;  ///< the card is on an exception list
-    bool online = true;     ///< the acquirer can be reached
-    PinMethod method = PinMethod::dukpt_tdes;
-    uint8_t key_index = 0;
-    std::optional<Bytes> working_key = {};
-    std::optional<Risk> risk = {};
-    uint8_t type = 0;                      ///< of the transaction, for acquirer 1
-    bool flag = false;                     ///< for acquirer 1
-    std::string_view acquirer_data = {};   ///< up to 32 characters, for acquirer 2
-    std::optional<Tags> tags = {};         ///< whose values are to be in the answer
-    std::optional<Tags> tags_of_pin = {};  ///< further ones, when a PIN was taken for the acquirer
+    uint8_t acquirer = 0;                      ///< GcrAnswer::acquirer
+    uint64_t amount = 0;                       ///< in the currency's smallest unit
+    uint64_t cashback = 0;                     ///< in the currency's smallest unit
+    bool excluded = false;                     ///< the card is on an exception list
+    bool online = true;                        ///< the acquirer can be reached
+    PinMethod method = PinMethod::dukpt_tdes;  ///< how it is enciphered
+    uint8_t key_index = 0;                     ///< of the key in the PIN pad, 0 to 99
+    std::optional<Bytes> working_key = {};     ///< under the master key, for the methods that take one: 8 or 16 bytes
+    std::optional<Risk> risk = {};             ///< the terminal's risk management
+    uint8_t type = 0;                          ///< of the transaction, for acquirer 1
+    bool flag = false;                         ///< for acquirer 1
+    std::string_view acquirer_data = {};       ///< up to 32 characters, for acquirer 2
+    std::optional<Tags> tags = {};             ///< whose values are to be in the answer
+    std::optional<Tags> tags_of_pin = {};      ///< further ones, when a PIN was taken for the acquirer
 
-    static constexpr std::string_view id = "GOC";
+    static constexpr std::string_view id = "GOC";  ///< the command's name on the line
     auto on(detail::Line& line) const {
         detail::Wiped<AbecsCmdGocData> held;
         AbecsCmdGocData& data = held.record;
@@ -463,9 +473,9 @@ private:
 
 /// The card's last word; the number as it came.
 struct FncAnswer {
-    uint32_t decision;
-    Secret emv_data;
-    Secret script_results;
+    uint32_t decision;      ///< what was decided
+    Secret emv_data;        ///< EMV data objects, one behind the other
+    Secret script_results;  ///< results of the issuer's scripts
 };
 
 /// FNC: after GOC, hands the acquirer's answer to the chip.
@@ -475,7 +485,7 @@ struct Fnc {
     Bytes issuer_data = {};               ///< up to 494 bytes
     Bytes tags = {};                      ///< up to 498 bytes
 
-    static constexpr std::string_view id = "FNC";
+    static constexpr std::string_view id = "FNC";  ///< the command's name on the line
     Answer<FncAnswer> on(detail::Line& line) const {
         detail::Wiped<AbecsCmdFncData> held;
         AbecsCmdFncData& data = held.record;
@@ -497,9 +507,9 @@ struct Fnc {
 
 /// GED: the values of tags of the card in process, tag by tag.
 struct Ged {
-    Tags tags;
+    Tags tags;  ///< whose values are to be in the answer
 
-    static constexpr std::string_view id = "GED";
+    static constexpr std::string_view id = "GED";  ///< the command's name on the line
     Answer<Secret> on(detail::Line& line) const {
         detail::Wiped<AbecsEmvData> held;
         AbecsEmvData& out = held.record;
@@ -510,9 +520,9 @@ struct Ged {
 
 /// CNG: changes EMV data of the transaction, up to 99 bytes.
 struct Cng {
-    Bytes emv_data = {};
+    Bytes emv_data = {};  ///< what is changed, at most 99 bytes
 
-    static constexpr std::string_view id = "CNG";
+    static constexpr std::string_view id = "CNG";  ///< the command's name on the line
     Answer<Nothing> on(detail::Line& line) const {
         const Secret digits = detail::to_hex(emv_data);
         const detail::CText data(digits.reveal());
@@ -522,24 +532,24 @@ struct Cng {
 
 /// The tracks and the number of the card that was read last, those that were asked for and are there.
 struct GtkAnswer {
-    std::optional<Secret> pan, track1, track2, track3;
-    std::optional<Secret> pan_ksn, track1_ksn, track2_ksn, track3_ksn;
-    std::optional<Secret> random_key;  ///< under the host's RSA key
-    Items items;
+    std::optional<Secret> pan, track1, track2, track3;                  ///< the card number; then the tracks
+    std::optional<Secret> pan_ksn, track1_ksn, track2_ksn, track3_ksn;  ///< serial numbers of their keys
+    std::optional<Secret> random_key;                                   ///< under the host's RSA key
+    Items items;                                                        ///< the whole answer
 };
 
 /// GTK: asks for the tracks and the number of the card that was read last, in clear or enciphered.
 struct Gtk {
-    std::optional<std::string_view> tracks = {};  ///< four digits: tracks 1, 2 and 3 and the number
-    std::optional<DataMethod> method = {};
-    std::optional<std::array<uint8_t, 8>> iv = {};
-    std::optional<Whole<int32_t>> open_digits = {};
-    std::optional<Whole<uint8_t>> key_index = {};
+    std::optional<std::string_view> tracks = {};           ///< four digits: tracks 1, 2 and 3 and the number
+    std::optional<DataMethod> method = {};                 ///< how it is enciphered
+    std::optional<std::array<uint8_t, 8>> iv = {};         ///< what the chain of blocks starts from: 8 bytes
+    std::optional<Whole<int32_t>> open_digits = {};        ///< how many digits of the card number stay open
+    std::optional<Whole<uint8_t>> key_index = {};          ///< of the key in the PIN pad, 0 to 99
     std::optional<Bytes> working_key = {};                 ///< under the master key: 8 or 16 bytes
     std::optional<std::array<uint8_t, 256>> modulus = {};  ///< of the host's RSA key, for the methods with a random key
     std::optional<Bytes> exponent = {};                    ///< up to 3 bytes
 
-    static constexpr std::string_view id = "GTK";
+    static constexpr std::string_view id = "GTK";  ///< the command's name on the line
     Answer<GtkAnswer> on(detail::Line& line) const {
         const detail::Owned<abecs_cmd_gtk_builder_delete> built(line.call([] { return abecs_cmd_gtk_builder_new(); }));
         AbecsCmdGtkBuilder* const to = built.get();

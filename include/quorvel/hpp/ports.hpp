@@ -5,6 +5,9 @@
 
 #include "quorvel/hpp/device.hpp"
 
+/// @file
+/// Which ports there are, and which has a PIN pad.
+
 namespace quorvel {
 
 /// The paths of the serial ports that can be opened. Each candidate is opened and closed again; nothing is sent.

@@ -5,6 +5,9 @@
 
 #include "quorvel/hpp/receivers.hpp"
 
+/// @file
+/// Requests of any kind, by their ids.
+
 namespace quorvel {
 
 /// The answer to a Raw request.
@@ -107,15 +110,16 @@ private:
 /// Any request, by its id of three characters: with blocks as they stand, or with parameters, which are laid out in one
 /// or two blocks. OPN, CLO and CLX belong to the session.
 struct Raw {
+    /// A parameter of the request.
     struct Parameter {
-        uint16_t id = 0;
+        uint16_t id = 0;   ///< AbecsSpeId_E, or any other
         Bytes value = {};  ///< up to 995 bytes
     };
 
-    std::string_view command = {};
-    std::span<const Parameter> parameters = {};
-    std::span<const Bytes> blocks = {};  ///< up to 999 bytes each
-    bool waits = false;                  ///< for the cardholder: start() it; anything else is run()
+    std::string_view command = {};               ///< the command's name, three characters
+    std::span<const Parameter> parameters = {};  ///< one behind the other
+    std::span<const Bytes> blocks = {};          ///< up to 999 bytes each
+    bool waits = false;                          ///< for the cardholder: start() it; anything else is run()
 
     Answer<RawAnswer> on(detail::Line& line) const {
         if (waits) { detail::refuse_argument("a request that waits is to be started"); }

@@ -5,7 +5,9 @@
 
 #include "quorvel/hpp/wait.hpp"
 
-// What the requests are made of.
+/// @file
+/// What the requests are made of.
+
 namespace quorvel::detail {
 
 // The answer of a command that has nothing to tell.

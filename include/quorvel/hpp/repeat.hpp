@@ -7,7 +7,9 @@
 
 #include "quorvel/hpp/error.hpp"
 
-// Whether a command may be sent again after it has failed. docs/cpp.md has the same as a table.
+/// @file
+/// Whether a command may be sent again after it has failed. docs/cpp.md has the same as a table.
+
 namespace quorvel {
 
 /// What became of a command.
@@ -37,15 +39,16 @@ enum class Failure {
 
 /// What to do then.
 struct Repeat {
+    /// What can be done.
     enum class Advice {
         again,       ///< send it again
         from_start,  ///< not by itself: begin with `first` again
         never,       ///< nobody knows whether it was carried out, and a second time would be a second one
     };
 
-    Advice advice;
+    Advice advice;           ///< what to do
     std::string_view first;  ///< the command to begin with, of from_start
-    std::string_view why;
+    std::string_view why;    ///< in words
 };
 
 /// Whether a command, by its id, may be sent again. `lost` is the hard case: the PIN pad may have carried it out.

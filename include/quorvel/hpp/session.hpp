@@ -10,11 +10,16 @@
 #include "quorvel/hpp/payment.hpp"
 #include "quorvel/hpp/raw.hpp"
 
+/// @file
+/// Links and sessions.
+
 namespace quorvel {
 
 /// Whether what is said in a session is enciphered.
 enum class Encryption { plain, secure };
+/// For Link::open: a session in clear.
 inline constexpr Encryption plain = Encryption::plain;
+/// For Link::open: an encrypted session.
 inline constexpr Encryption secure = Encryption::secure;
 
 namespace detail {
@@ -108,6 +113,7 @@ public:
         }
         number_ = line_->session = ++line_->sessions;
     }
+    /// The other one is closed afterwards.
     Session(Session&&) noexcept = default;
     Session& operator=(Session&&) = delete;
     /// Does what close() does, with the text that leave() was given; what goes wrong stays untold.
@@ -138,6 +144,7 @@ public:
         std::unique_ptr<detail::Receiver<Value>> receiver = request.on(*line_);
         return Wait<Value>(line_, Request::id, std::move(receiver));
     }
+    /// The same of a request that Raw makes.
     Wait<RawAnswer> start(const Raw& request) {
         require_open();
         auto receiver = request.start_on(*line_);
@@ -159,7 +166,9 @@ public:
         return detail::end_session(*line_);
     }
 
+    /// Whether it has neither been closed nor moved from.
     [[nodiscard]] bool is_open() const noexcept { return line_ != nullptr && line_->session == number_; }
+    /// Whether it is open and enciphered.
     [[nodiscard]] bool is_encrypted() const noexcept { return is_open() && line_->encrypted; }
 
     /// The link of the C interface, for what it has beyond this. Its try blocks and quorvel::detail::call do not mix
@@ -177,10 +186,10 @@ private:
 
 /// How a link uses its port; see quorvel/abecs/line.h.
 struct LinkOptions {
-    bool claim = false;                  ///< nobody else may open the port meanwhile
-    bool whole_frames = false;           ///< a frame goes out in one write
-    std::chrono::milliseconds limit{0};  ///< the longest that a call may use the line; 0 is none
-    std::chrono::milliseconds send_interval{0};
+    bool claim = false;                          ///< nobody else may open the port meanwhile
+    bool whole_frames = false;                   ///< a frame goes out in one write
+    std::chrono::milliseconds limit{0};          ///< the longest that a call may use the line; 0 is none
+    std::chrono::milliseconds send_interval{0};  ///< the least time between two commands
 };
 
 /// The link to a PIN pad on a serial port. It, its sessions and their waits are used by one thread at a time, and so
@@ -194,7 +203,9 @@ public:
         set_limit(options.limit);
         set_send_interval(options.send_interval);
     }
+    /// The other one is closed afterwards.
     Link(Link&&) noexcept = default;
+    /// The other one is closed afterwards, and what this one was is let go.
     Link& operator=(Link&&) noexcept = default;
 
     /// Opens a session. A plain one on a PIN pad whose encrypted session was cut off ends that first. Throws Refused
@@ -218,27 +229,34 @@ public:
         }
         if (first) { std::rethrow_exception(first); }
     }
+    /// Whether it has neither been closed nor moved from.
     [[nodiscard]] bool is_open() const noexcept { return line_ != nullptr && line_->get() != nullptr; }
 
     /// Aborts what the PIN pad is doing, in whatever session.
     void send_can() { line().send_can(); }
 
+    /// As abecs_comm_set_whole_frames.
     void set_whole_frames(bool whole) {
         line().call([&] { abecs_comm_set_whole_frames(line_->get(), whole); });
     }
+    /// As abecs_comm_set_limit.
     void set_limit(std::chrono::milliseconds limit) {
         const int32_t time = milliseconds_of(limit);
         line().call([&] { abecs_comm_set_limit(line_->get(), time); });
     }
+    /// As abecs_comm_set_send_interval.
     void set_send_interval(std::chrono::milliseconds interval) {
         line().call([&] { abecs_comm_set_send_interval(line_->get(), interval.count()); });
     }
+    /// What was set.
     [[nodiscard]] bool whole_frames() const {
         return line().call([this] { return abecs_comm_get_whole_frames(line_->get()); });
     }
+    /// What was set.
     [[nodiscard]] std::chrono::milliseconds limit() const {
         return std::chrono::milliseconds(line().call([this] { return abecs_comm_get_limit(line_->get()); }));
     }
+    /// What was set.
     [[nodiscard]] std::chrono::milliseconds send_interval() const {
         return std::chrono::milliseconds(line().call([this] { return abecs_comm_get_send_interval(line_->get()); }));
     }

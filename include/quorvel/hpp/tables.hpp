@@ -8,6 +8,9 @@
 
 #include "quorvel/hpp/session.hpp"
 
+/// @file
+/// Loading of tables and media files.
+
 namespace quorvel {
 
 /// How far a load has come: done and all, of records or bytes. It may throw, which ends the load.
@@ -34,6 +37,7 @@ public:
         ++batches_.back().records;
         ++records_;
     }
+    /// How many there are.
     [[nodiscard]] size_t records() const noexcept { return records_; }
 
     /// Loads them: TLI, TLR as often as it takes, TLE. Returns the answer to TLE or the first that is not OK. A load
@@ -91,8 +95,11 @@ public:
         return put(session, name, type, detail::bytes_of({content.data(), content.size()}), progress);
     }
 
+    /// The names of the files that the PIN pad has: LMF.
     static Answer<std::vector<std::string>> list(Session& session) { return session.run(Lmf{}); }
+    /// Shows a file: DSI.
     static Answer<Nothing> show(Session& session, std::string_view name) { return session.run(Dsi{name}); }
+    /// Deletes files: DMF.
     static Answer<Nothing> remove(Session& session, std::span<const std::string_view> names) {
         return session.run(Dmf{names});
     }

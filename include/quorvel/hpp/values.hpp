@@ -20,6 +20,9 @@
 
 #include "quorvel/hpp/error.hpp"
 
+/// @file
+/// Secrets, keys, tags, dates, numbers and texts.
+
 namespace quorvel {
 
 /// Bytes to be read, the caller's.
@@ -53,8 +56,11 @@ inline Bytes bytes_of(std::string_view text) noexcept {
 /// before it is released; it cannot be printed, and not be compared but by equals().
 class Secret {
 public:
+    /// None.
     Secret() noexcept = default;
+    /// A copy of a text.
     explicit Secret(std::string_view text) : Secret(detail::bytes_of(text)) {}
+    /// A copy of bytes.
     explicit Secret(Bytes bytes) : bytes_(std::make_unique<uint8_t[]>(bytes.size())), size_(bytes.size()) {
         std::copy(bytes.begin(), bytes.end(), bytes_.get());
     }
@@ -67,8 +73,11 @@ public:
         fill(std::span(made.bytes_.get(), size));
         return made;
     }
+    /// A copy, in memory of its own.
     Secret(const Secret& other) : Secret(other.bytes()) {}
+    /// The other one is empty afterwards.
     Secret(Secret&& other) noexcept : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, 0)) {}
+    /// What it was is wiped.
     Secret& operator=(Secret other) noexcept {
         std::swap(bytes_, other.bytes_);
         std::swap(size_, other.size_);
@@ -78,7 +87,9 @@ public:
         if (size_ != 0) { detail::wipe(bytes_.get(), size_); }
     }
 
+    /// In bytes.
     [[nodiscard]] size_t size() const noexcept { return size_; }
+    /// Whether there is nothing in it.
     [[nodiscard]] bool empty() const noexcept { return size_ == 0; }
     /// The text itself; it lives as long as the secret does and does not change.
     [[nodiscard]] std::string_view reveal() const noexcept { return detail::text_of(bytes()); }
@@ -178,10 +189,12 @@ inline uint8_t seconds_of(std::chrono::seconds time) {
 template <typename Number>
 class Whole {
 public:
+    /// Of any integer that fits.
     template <std::integral Other>
     requires(!std::same_as<Other, bool>) constexpr Whole(Other number) : number_(static_cast<Number>(number)) {
         if (!std::in_range<Number>(number)) { detail::refuse_argument("a number does not fit its field"); }
     }
+    /// The number itself.
     constexpr operator Number() const noexcept { return number_; }
 
 private:
@@ -191,6 +204,7 @@ private:
 /// Tags of EMV data objects, one behind the other: Tags{0x9F26, 0x82}. At most 128 bytes; throws Error for more.
 class Tags {
 public:
+    /// Of numbers.
     Tags(std::initializer_list<uint32_t> tags) {
         for (const uint32_t tag : tags) {
             for (int shift = 24; shift >= 0; shift -= 8) {
@@ -198,11 +212,14 @@ public:
             }
         }
     }
+    /// Of their bytes.
     explicit Tags(Bytes bytes) {
         for (const uint8_t byte : bytes) { add(byte); }
     }
 
+    /// One behind the other.
     [[nodiscard]] Bytes bytes() const noexcept { return {list_.data, list_.szData}; }
+    /// For the C interface.
     [[nodiscard]] const AbecsTagList& native() const noexcept { return list_; }
 
 private:
@@ -216,12 +233,12 @@ private:
 
 /// A date and a time of day, as the till has them.
 struct DateTime {
-    uint8_t year = 0;  ///< its last two digits
-    uint8_t month = 1;
-    uint8_t day = 1;
-    uint8_t hour = 0;
-    uint8_t minute = 0;
-    uint8_t second = 0;
+    uint8_t year = 0;    ///< its last two digits
+    uint8_t month = 1;   ///< 1 to 12
+    uint8_t day = 1;     ///< 1 to 31
+    uint8_t hour = 0;    ///< 0 to 23
+    uint8_t minute = 0;  ///< 0 to 59
+    uint8_t second = 0;  ///< 0 to 59
 
     /// Now, in local time.
     [[nodiscard]] static DateTime now() {
@@ -236,8 +253,8 @@ struct DateTime {
 
 /// How many leading and trailing digits of a card number come in clear, each 0 to 99.
 struct PanMask {
-    uint8_t leading = 6;
-    uint8_t trailing = 4;
+    uint8_t leading = 6;   ///< at its start
+    uint8_t trailing = 4;  ///< at its end
 };
 
 /// How a PIN is enciphered: master and working key, or DUKPT, with DES or triple DES.
@@ -269,13 +286,19 @@ public:
         if (key.size() != sizeof key_.key) { detail::refuse_argument("a working key has 16 bytes"); }
         std::copy(key.bytes().begin(), key.bytes().end(), key_.key);
     }
+    /// Of the C interface's record.
     explicit WorkingKey(const AbecsWkPan& key) noexcept : key_(key) {}
+    /// A copy.
     WorkingKey(const WorkingKey&) = default;
+    /// A copy.
     WorkingKey& operator=(const WorkingKey&) = default;
     ~WorkingKey() { detail::wipe(&key_, sizeof key_); }
 
+    /// What it is for.
     [[nodiscard]] AbecsWkPanType_E type() const noexcept { return key_.type; }
+    /// The key itself.
     [[nodiscard]] Secret key() const { return Secret(Bytes(key_.key)); }
+    /// For the C interface.
     [[nodiscard]] const AbecsWkPan& native() const noexcept { return key_; }
 
 private:
@@ -290,10 +313,13 @@ public:
         if (key.size() != sizeof key_.key) { detail::refuse_argument("a master key has 16 bytes"); }
         std::copy(key.bytes().begin(), key.bytes().end(), key_.key);
     }
+    /// A copy.
     MasterKey(const MasterKey&) = default;
+    /// A copy.
     MasterKey& operator=(const MasterKey&) = default;
     ~MasterKey() { detail::wipe(&key_, sizeof key_); }
 
+    /// For the C interface.
     [[nodiscard]] const AbecsMk& native() const noexcept { return key_; }
 
 private:

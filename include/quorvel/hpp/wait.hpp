@@ -8,6 +8,9 @@
 
 #include "quorvel/hpp/line.hpp"
 
+/// @file
+/// Commands that wait for the cardholder.
+
 namespace quorvel {
 
 namespace detail {
@@ -38,11 +41,13 @@ inline constexpr std::chrono::milliseconds kLook{2000};
 template <typename Value>
 class [[nodiscard]] Wait {
 public:
+    /// What deadlines are told by.
     using Clock = std::chrono::steady_clock;
 
     /// For Session::start: the command `id` has been sent.
     Wait(std::shared_ptr<detail::Line> line, std::string_view id, std::unique_ptr<detail::Receiver<Value>> receiver)
         : line_(std::move(line)), id_(id), receiver_(std::move(receiver)), turn_(line_->begin_wait()) {}
+    /// The other one is over afterwards.
     Wait(Wait&& other) noexcept = default;
     Wait& operator=(Wait&&) = delete;
     /// Sends CAN if the answer has not come. What goes wrong then stays untold: the next command begins with CAN.
@@ -69,6 +74,7 @@ public:
         if (std::chrono::duration<double>(within) > kLongest) { return wait(std::nullopt, stop); }
         return wait(Clock::now() + std::chrono::duration_cast<Clock::duration>(within), stop);
     }
+    /// The same with a moment for the deadline.
     Answer<Value> get(Clock::time_point deadline, std::stop_token stop = {}) { return wait(deadline, stop); }
     /// Without a deadline, until a stop is asked for.
     Answer<Value> get(std::stop_token stop) { return wait(std::nullopt, stop); }

@@ -24,6 +24,7 @@ KOR_BEGIN_DECLS
  * 3. `byteOrder` is 0 for big-endian and anything else for little-endian.
  */
 
+/* A buffer; kor_buffer_new makes it. */
 typedef struct KorBuffer KorBuffer;
 
 /*
@@ -31,9 +32,9 @@ typedef struct KorBuffer KorBuffer;
  * `lastRead` is true and full if it is false.
  */
 typedef struct KorBufferState {
-    uint32_t writeCursor;
-    uint32_t readCursor;
-    bool lastRead;
+    uint32_t writeCursor; /* where the next byte is written */
+    uint32_t readCursor;  /* where the next byte is read */
+    bool lastRead;        /* whether reading came last */
 } KorBufferState;
 
 /*

@@ -3,15 +3,19 @@
 #ifndef QUORVEL_KOR_DEFS_H
 #define QUORVEL_KOR_DEFS_H
 
-/* Linkage and visibility of everything the library exports. */
+/* What the other headers are made of. */
+
 #ifdef __cplusplus
+/* Before the declarations of a header: their linkage is that of C. */
 #define KOR_BEGIN_DECLS extern "C" {
+/* Behind them. */
 #define KOR_END_DECLS }
 #else
 #define KOR_BEGIN_DECLS
 #define KOR_END_DECLS
 #endif
 
+/* The visibility of everything that the library exports. */
 #define KOR_API __attribute__((visibility("default")))
 
 /*

@@ -14,6 +14,7 @@ KOR_BEGIN_DECLS
  * the two differ. No function raises.
  */
 
+/* The most significant byte first, or last. */
 typedef enum KorEndianness_E KOR_ENUM_INT32 { KOR_ENDIANNESS_BIG = 0, KOR_ENDIANNESS_LITTLE = 1 } KorEndianness_E;
 
 /* The order of this machine. */

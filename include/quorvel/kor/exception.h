@@ -32,18 +32,19 @@ KOR_BEGIN_DECLS
 
 /* The error record: the pending error, or code 0 and an empty text. */
 typedef struct KorException {
-    int16_t error;
-    char message[256];
+    int16_t error;     /* the code */
+    char message[256]; /* the text */
 } KorException;
 
+/* A node of the stack of open try blocks, which the library keeps. */
 typedef struct KorExceptionFrameNode KorExceptionFrameNode;
 
 /* One open try block. Nodes are made on demand and used again; they are never freed. */
 struct KorExceptionFrameNode {
-    uint32_t state; /* 0 opened, 1 body, 2 body ended, 3 no branch has taken the error yet, 4 over */
-    jmp_buf jump;
-    KorExceptionFrameNode* previous;
-    KorExceptionFrameNode* next;
+    uint32_t state;                  /* 0 opened, 1 body, 2 body ended, 3 no branch has taken the error yet, 4 over */
+    jmp_buf jump;                    /* where a raise goes */
+    KorExceptionFrameNode* previous; /* the block around it */
+    KorExceptionFrameNode* next;     /* the node for the next block inside */
 };
 
 /* `message` may be none and is only valid during the call. */
@@ -135,6 +136,7 @@ static inline void kor_leave_try_(KorExceptionFrameNode* const* left) {
 #endif
 
 /* clang-format off */
+/* Opens a block; its body follows in braces. */
 #define KOR_TRY                                                                      \
     do {                                                                             \
         if (__kor_exception_begin_try__() == NULL) break;                            \
@@ -147,12 +149,15 @@ static inline void kor_leave_try_(KorExceptionFrameNode* const* left) {
         while (__kor_exception_next_state__(kor_frame_) != 4) {                      \
             if (kor_frame_->state == 1) {
 
+/* A branch for the errors with this code, or, with KOR_RESULT_OK, for every error. */
 #define KOR_CATCH(code)                                                              \
             } else if (__kor_exception_catch__(kor_frame_, (code))) {
 
+/* What is done however the body ends. */
 #define KOR_CLEANUP                                                                  \
             } else if (__kor_exception_cleanup__(kor_frame_)) {
 
+/* Ends the block. */
 #define KOR_END_TRY                                                                  \
             }                                                                        \
         }                                                                            \

@@ -18,8 +18,10 @@ KOR_BEGIN_DECLS
  * IO_ERROR with errno in place of %d.
  */
 
+/* An open file; kor_file_open makes it. */
 typedef struct KorFile KorFile;
 
+/* Where kor_file_seek counts from. */
 typedef enum KorFileOrigin_E KOR_ENUM_INT32 {
     KOR_FILE_ORIGIN_START = 0,
     KOR_FILE_ORIGIN_CURRENT = 1,

@@ -10,8 +10,8 @@
 KOR_BEGIN_DECLS
 
 /*
- * `size` bytes from the heap, not initialised; free them with kor_heap_free. When memory runs out: none if the low bit
- * of `nullable` is set, else MALLOC_ERROR with an empty detail. Size 0 gives a block too.
+ * `size` bytes from the heap, not initialised; free them with kor_heap_free. Size 0 gives a block too. When memory runs
+ * out, none is returned if the low bit of `nullable` is set. MALLOC_ERROR with an empty detail if it is not.
  */
 KOR_API void* kor_heap_alloc(size_t size, int nullable);
 

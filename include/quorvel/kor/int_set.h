@@ -18,14 +18,17 @@ KOR_BEGIN_DECLS
 
 /* A value of a set while walking through it. */
 typedef struct KorIntSetIterator {
-    const KorSet* intSet;
-    int32_t value;
+    const KorSet* intSet; /* that it walks through */
+    int32_t value;        /* that it is on */
 } KorIntSetIterator;
 
+/* An empty set; as kor_set_new. */
 KOR_API KorSet* kor_int_set_new(uint32_t initialCapacity);
 
 /* Stores `value` and returns where; none when it is present. Do not change the value there. */
 KOR_API int32_t* kor_int_set_put(KorSet* set, int32_t value);
+
+/* Whether `value` is in the set. ILLEGAL_ARGUMENT "'set' is NULL". */
 KOR_API bool kor_int_set_contains(const KorSet* set, int32_t value);
 
 /*

@@ -16,8 +16,10 @@ KOR_BEGIN_DECLS
  * "node is NULL" for such an argument. A node is valid until it is removed.
  */
 
+/* A place in a list, with its item. */
 typedef struct KorListNode KorListNode;
 
+/* A list; kor_list_new makes it. */
 typedef struct KorList KorList;
 
 /* An empty list. ILLEGAL_ARGUMENT: "itemCpFn is NULL"; "itemDelFn is NULL"; "equalsFn is NULL". */
@@ -25,7 +27,11 @@ KOR_API KorList* kor_list_new(KorItemCpFn itemCpFn, KorItemDelFn itemDelFn, KorI
 
 /* Removes every node. */
 KOR_API void kor_list_clear(KorList* list);
+
+/* Frees the list with its nodes and sets the caller's variable to none; none is ignored. */
 KOR_API void kor_list_delete(KorList** list);
+
+/* The number of nodes. */
 KOR_API uint32_t kor_list_size(const KorList* list);
 
 /* The node at either end, or none when the list is empty. */

@@ -15,13 +15,14 @@ KOR_BEGIN_DECLS
  * "map is NULL" for a map of none.
  */
 
+/* A map; kor_map_new makes it. */
 typedef struct KorMap KorMap;
 
 /* An entry of a map while walking through it. `key` and `value` are the map's own. */
 typedef struct KorMapIterator {
-    const KorMap* map;
-    void* key;
-    void* value;
+    const KorMap* map; /* that it walks through */
+    void* key;         /* of the entry */
+    void* value;       /* of the entry */
 } KorMapIterator;
 
 /*
@@ -44,6 +45,8 @@ KOR_API void* kor_map_get(const KorMap* map, const void* key);
 
 /* Frees every entry; the capacity stays. */
 KOR_API void kor_map_clear(KorMap* map);
+
+/* Frees the map with its entries and sets the caller's variable to none; none is ignored. */
 KOR_API void kor_map_delete(KorMap** map);
 
 /* The number of slots. */

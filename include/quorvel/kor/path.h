@@ -39,7 +39,10 @@ KOR_API const char* kor_path_lextension(const char* path, bool allowDir);
 /* kor_path_lextension that refuses directories. */
 KOR_API const char* kor_path_extension(const char* path);
 
-/* IO_ERROR "stat() error: %d" when the system cannot tell, for instance where the way to the path is closed. */
+/*
+ * Whether there is something at the path. IO_ERROR "stat() error: %d" when the system cannot tell, for instance where
+ * the way to the path is closed.
+ */
 KOR_API bool kor_path_exists(const char* path);
 
 /*

@@ -13,6 +13,7 @@ KOR_BEGIN_DECLS
  * POSIX extended regular expressions over NUL-terminated texts.
  */
 
+/* A compiled expression; kor_regex_new makes it. */
 typedef struct KorRegex KorRegex;
 
 /*

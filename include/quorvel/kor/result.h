@@ -12,6 +12,7 @@ KOR_BEGIN_DECLS
 /* The codes of every error the library raises. */
 typedef int16_t KorResult_E;
 
+/* The codes themselves. */
 enum {
     KOR_RESULT_OK = 0,
     KOR_RESULT_RUNTIME_ERROR = 1,       /* something that should not happen: an unknown enumerator, a failed service */

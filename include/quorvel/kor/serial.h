@@ -34,6 +34,7 @@ KOR_BEGIN_DECLS
  * 6. A call that a signal interrupts goes on; the signal does not lengthen the read time-out.
  */
 
+/* An open port; kor_serial_open makes it. */
 typedef struct KorSerial KorSerial;
 
 /* One and a half stop bits are sent as two. */
@@ -43,18 +44,21 @@ typedef enum KorSerialStopBits_E KOR_ENUM_INT32 {
     KOR_SERIAL_STOP_BITS_ONE_AND_HALF = 3
 } KorSerialStopBits_E;
 
+/* Whether a bit of parity goes with each character, and which. */
 typedef enum KorSerialParity_E KOR_ENUM_INT32 {
     KOR_SERIAL_PARITY_NONE = 0,
     KOR_SERIAL_PARITY_ODD = 1,
     KOR_SERIAL_PARITY_EVEN = 2
 } KorSerialParity_E;
 
+/* How either side holds the other one up. */
 typedef enum KorSerialFlowControl_E KOR_ENUM_INT32 {
     KOR_SERIAL_FLOW_CONTROL_NONE = 0,
     KOR_SERIAL_FLOW_CONTROL_SOFTWARE = 1,
     KOR_SERIAL_FLOW_CONTROL_HARDWARE = 2
 } KorSerialFlowControl_E;
 
+/* What kor_serial_purge discards. */
 typedef enum KorSerialPurge_E KOR_ENUM_INT32 {
     KOR_SERIAL_PURGE_INPUT = 0,
     KOR_SERIAL_PURGE_OUTPUT = 1,
@@ -63,12 +67,12 @@ typedef enum KorSerialPurge_E KOR_ENUM_INT32 {
 
 /* What kor_serial_config applies; the values are those of the setters below. */
 typedef struct KorSerialConfig {
-    uint8_t readTimeout;
-    int32_t baudRate;
-    int32_t dataBits;
-    int32_t stopBits;
-    int32_t parity;
-    int32_t flowControl;
+    uint8_t readTimeout; /* in tenths of a second */
+    int32_t baudRate;    /* bits in a second */
+    int32_t dataBits;    /* 5 to 8 */
+    int32_t stopBits;    /* one of KorSerialStopBits_E */
+    int32_t parity;      /* one of KorSerialParity_E */
+    int32_t flowControl; /* one of KorSerialFlowControl_E */
 } KorSerialConfig;
 
 /*
@@ -105,19 +109,14 @@ KOR_API void kor_serial_close(KorSerial** handle);
 KOR_API void kor_serial_config(KorSerial* handle, const KorSerialConfig* config);
 
 /*
- * The setters. Each changes one setting at once and leaves the others as they are.
+ * Changes one setting at once and leaves the others as they are: the read time-out, in tenths of a second, 0 not
+ * waiting; the speed in both directions, 110, 300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600 or 115200 baud; the
+ * character size, 5 to 8 bits; the stop bits, KorSerialStopBits_E; the parity, KorSerialParity_E; the flow control,
+ * KorSerialFlowControl_E, software being XON/XOFF and hardware RTS/CTS.
  *
- * - The read time-out, in tenths of a second; 0 does not wait.
- * - The speed, in both directions: 110, 300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600 or 115200 baud.
- *   RUNTIME_ERROR "Unsupported baudRate: %d".
- * - The character size: 5 to 8 bits. RUNTIME_ERROR "Unsupported dataBits: %d".
- * - The stop bits: KorSerialStopBits_E. RUNTIME_ERROR "Unsupported stopBits: %d".
- * - The parity: KorSerialParity_E. RUNTIME_ERROR "Unsupported parity: %d".
- * - The flow control: KorSerialFlowControl_E, software being XON/XOFF and hardware RTS/CTS. RUNTIME_ERROR "Unsupported
- *   flowControl: %d".
- *
- * IO_ERROR "tcgetattr() error: %d", "cfsetispeed() error: %d", "cfsetospeed() error: %d", "tcsetattr(TCSANOW) error:
- * %d".
+ * RUNTIME_ERROR "Unsupported baudRate: %d", "Unsupported dataBits: %d", "Unsupported stopBits: %d", "Unsupported
+ * parity: %d", "Unsupported flowControl: %d". IO_ERROR "tcgetattr() error: %d", "cfsetispeed() error: %d",
+ * "cfsetospeed() error: %d", "tcsetattr(TCSANOW) error: %d".
  */
 KOR_API void kor_serial_set_read_timeout(KorSerial* handle, uint8_t tenths);
 KOR_API void kor_serial_set_baud_rate(KorSerial* handle, int32_t baudRate);

@@ -13,12 +13,13 @@ KOR_BEGIN_DECLS
 
 /* A hash set of copies, see collection.h. Every function raises ILLEGAL_ARGUMENT "'set' is NULL" for a set of none. */
 
+/* A set; kor_set_new makes it. */
 typedef struct KorSet KorSet;
 
 /* An item of a set while walking through it. `item` is the set's own. */
 typedef struct KorSetIterator {
-    const KorSet* set;
-    void* item;
+    const KorSet* set; /* that it walks through */
+    void* item;        /* that it is on */
 } KorSetIterator;
 
 /*
@@ -35,10 +36,14 @@ KOR_API KorSet* kor_set_new(uint32_t initialCapacity, KorItemHashFn itemHashFn, 
  * when the set has no slot left, which growing prevents.
  */
 KOR_API void* kor_set_put(KorSet* set, const void* item);
+
+/* Whether an equal item is in the set. */
 KOR_API bool kor_set_contains(const KorSet* set, const void* item);
 
 /* Frees every item; the capacity stays. */
 KOR_API void kor_set_clear(KorSet* set);
+
+/* Frees the set with its items and sets the caller's variable to none; none is ignored. */
 KOR_API void kor_set_delete(KorSet** set);
 
 /* The number of slots. */

@@ -39,12 +39,15 @@ KOR_API char* kor_string_new(const char* text);
 /* Length in bytes. */
 KOR_API size_t kor_string_len(const char* text);
 
+/* Whether the text is none or has no character. */
 KOR_API bool kor_string_is_empty(const char* text);
 
 /* Less than, equal to or greater than 0, as strcmp; 0 for the same pointer. */
 KOR_API int32_t kor_string_ccmp(const char* lhs, const char* rhs, bool ignoreCase);
 KOR_API int32_t kor_string_cmp(const char* lhs, const char* rhs);
 KOR_API int32_t kor_string_icmp(const char* lhs, const char* rhs);
+
+/* Whether the texts are the same. */
 KOR_API bool kor_string_cequals(const char* lhs, const char* rhs, bool ignoreCase);
 KOR_API bool kor_string_equals(const char* lhs, const char* rhs);
 KOR_API bool kor_string_iequals(const char* lhs, const char* rhs);
@@ -63,11 +66,12 @@ KOR_API const char* kor_string_cfind_last(const char* needle, const char* text, 
 KOR_API const char* kor_string_find_last(const char* needle, const char* text);
 KOR_API const char* kor_string_ifind_last(const char* needle, const char* text);
 
+/* Whether `text` begins with `prefix`. */
 KOR_API bool kor_string_cstarts_with(const char* prefix, const char* text, bool ignoreCase);
 KOR_API bool kor_string_starts_with(const char* prefix, const char* text);
 KOR_API bool kor_string_istarts_with(const char* prefix, const char* text);
 
-/* False for an empty suffix. */
+/* Whether `text` ends with `suffix`; false for an empty one. */
 KOR_API bool kor_string_cends_with(const char* suffix, const char* text, bool ignoreCase);
 KOR_API bool kor_string_ends_with(const char* suffix, const char* text);
 KOR_API bool kor_string_iends_with(const char* suffix, const char* text);

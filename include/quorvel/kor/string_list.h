@@ -16,17 +16,34 @@ KOR_BEGIN_DECLS
  * can be an item.
  */
 
+/* An empty list; as kor_list_new. */
 KOR_API KorList* kor_string_list_new(void);
+
+/* Removes every node; as kor_list_clear. */
 KOR_API void kor_string_list_clear(KorList* list);
+
+/* Frees the list with its nodes and sets the caller's variable to none; as kor_list_delete. */
 KOR_API void kor_string_list_delete(KorList** list);
+
+/* The number of nodes; as kor_list_size. */
 KOR_API uint32_t kor_string_list_size(const KorList* list);
+
+/* The node at either end, or none when the list is empty; as kor_list_first and kor_list_last. */
 KOR_API KorListNode* kor_string_list_first(const KorList* list);
 KOR_API KorListNode* kor_string_list_last(const KorList* list);
+
+/* Adds a copy of `text` at the end and returns its node; as kor_list_append. */
 KOR_API KorListNode* kor_string_list_append(KorList* list, const char* text);
+
+/* Remove the last node (pop) or the first (poll); as kor_list_pop and kor_list_poll. */
 KOR_API bool kor_string_list_pop(KorList* list);
 KOR_API bool kor_string_list_poll(KorList* list);
+
+/* The neighbour of a node, or none at the end of the list; as kor_list_next and kor_list_previous. */
 KOR_API KorListNode* kor_string_list_next(const KorListNode* node);
 KOR_API KorListNode* kor_string_list_previous(const KorListNode* node);
+
+/* The list's copy of the text; as kor_list_item. */
 KOR_API const char* kor_string_list_item(const KorListNode* node);
 
 /*

@@ -18,14 +18,17 @@ KOR_BEGIN_DECLS
 
 /* A text of a set while walking through it. `item` is the set's own. */
 typedef struct KorStringSetIterator {
-    const KorSet* set;
-    const char* item;
+    const KorSet* set; /* that it walks through */
+    const char* item;  /* that it is on */
 } KorStringSetIterator;
 
+/* An empty set; as kor_set_new. */
 KOR_API KorSet* kor_string_set_new(uint32_t initialCapacity);
 
 /* Stores a copy of `text` and returns the copy; none when an equal text is present. */
 KOR_API char* kor_string_set_put(KorSet* set, const char* text);
+
+/* Whether an equal text is in the set. ILLEGAL_ARGUMENT "'set' is NULL". */
 KOR_API bool kor_string_set_contains(const KorSet* set, const char* text);
 
 /*

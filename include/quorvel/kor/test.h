@@ -16,10 +16,13 @@ KOR_BEGIN_DECLS
  * A function without arguments or result is a case. It fails by raising, which leaves kor_test_suite_run too.
  */
 
+/* A suite; kor_test_suite_new makes it. */
 typedef struct KorTestSuite KorTestSuite;
 
+/* A case. */
 typedef void (*KorTestFn)(void);
 
+/* What is called with the number of a signal that has come. */
 typedef void (*KorTestSignalHandler)(int signal);
 
 /* An empty suite. Delete it with kor_test_suite_delete. MALLOC_ERROR. */

@@ -14,6 +14,7 @@ KOR_BEGIN_DECLS
  * as long as the process. Nothing here raises.
  */
 
+/* Whether the sources were those of the commit, or changed, or not known to version control. */
 typedef enum KorVersionGitStatus_E KOR_ENUM_INT32 {
     KOR_VERSION_GIT_STATUS_UNKNOWN = -1,
     KOR_VERSION_GIT_STATUS_CLEAN = 0,

@@ -16,7 +16,7 @@ KOR_BEGIN_DECLS
  * than -1 and -2.
  */
 
-/* Slots, operations and formats of the PIN block are the protocol's numbers. */
+/* The slot of a chip, by the protocol's number. */
 typedef enum AbecsCmdChpSlot_E KOR_ENUM_INT32 {
     ABECS_CMD_CHP_SLOT_0 = 0,
     ABECS_CMD_CHP_SLOT_1 = 1,
@@ -30,6 +30,7 @@ typedef enum AbecsCmdChpSlot_E KOR_ENUM_INT32 {
     ABECS_CMD_CHP_SLOT_9 = 9
 } AbecsCmdChpSlot_E;
 
+/* What is done with the chip, by the protocol's number. */
 typedef enum AbecsCmdChpOper_E KOR_ENUM_INT32 {
     ABECS_CMD_CHP_OPER_0 = 0,
     ABECS_CMD_CHP_OPER_1 = 1,
@@ -37,6 +38,7 @@ typedef enum AbecsCmdChpOper_E KOR_ENUM_INT32 {
     ABECS_CMD_CHP_OPER_3 = 3
 } AbecsCmdChpOper_E;
 
+/* The format of the PIN block, by the protocol's number. */
 typedef enum AbecsCmdChpPinFmt_E KOR_ENUM_INT32 {
     ABECS_CMD_CHP_PIN_FMT_0 = 0,
     ABECS_CMD_CHP_PIN_FMT_1 = 1,
@@ -49,8 +51,8 @@ typedef enum AbecsCmdChpPinFmt_E KOR_ENUM_INT32 {
  * meanwhile, without carriage returns. Of a text without a NUL the last character of its member does not count.
  */
 typedef struct AbecsCmdChpParam {
-    AbecsCmdChpSlot_E slot;
-    AbecsCmdChpOper_E oper;
+    AbecsCmdChpSlot_E slot;     /* of the chip */
+    AbecsCmdChpOper_E oper;     /* what is done with it */
     char chpCmd[521];           /* hexadecimal: up to 260 bytes; for operation 3, 4 bytes */
     AbecsCmdChpPinFmt_E pinFmt; /* operation 3 only */
     char message[33];           /* operation 3 only: up to 32 characters */

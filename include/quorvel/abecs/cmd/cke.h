@@ -53,19 +53,19 @@ typedef enum AbecsCmdCkeCtlsCheckType_E KOR_ENUM_INT32 {
  * its own.
  */
 typedef struct AbecsCmdCkeOut {
-    AbecsCmdCkeEvent_E event;
-    __extension__ union { /* a struct without a name is no C++, but known to every compiler that this is for */
-        AbecsCmdCkeKey_E key;
+    AbecsCmdCkeEvent_E event; /* which of the following is there */
+    __extension__ union {     /* a struct without a name is no C++, but known to every compiler that this is for */
+        AbecsCmdCkeKey_E key; /* of a key */
         struct {
-            uint8_t trk1Len;
-            char track1[77];
-            uint8_t trk2Len;
-            char track2[41];
-            uint8_t trk3Len;
-            char track3[105];
+            uint8_t trk1Len;  /* of a stripe: length of track 1 */
+            char track1[77];  /* track 1 */
+            uint8_t trk2Len;  /* length of track 2 */
+            char track2[41];  /* track 2 */
+            uint8_t trk3Len;  /* length of track 3 */
+            char track3[105]; /* track 3 */
         };
-        bool iccPresent;
-        bool ctlsPresent;
+        bool iccPresent;  /* of a chip: whether one is in the reader */
+        bool ctlsPresent; /* of a contactless card: whether one is there */
     };
 } AbecsCmdCkeOut;
 

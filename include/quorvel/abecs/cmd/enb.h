@@ -23,9 +23,10 @@ typedef enum AbecsCmdEnbMethod_E KOR_ENUM_INT32 {
     ABECS_CMD_ENB_METHOD_1 = 1
 } AbecsCmdEnbMethod_E;
 
+/* What is enciphered, and under which key. */
 typedef struct AbecsCmdEnbCmdData {
-    AbecsCmdEnbMethod_E method;
-    uint8_t keyIdx; /* of the master key in the PIN pad, 0 to 99 */
+    AbecsCmdEnbMethod_E method; /* the cipher */
+    uint8_t keyIdx;             /* of the master key in the PIN pad, 0 to 99 */
     char wkEnc[33]; /* the working key under the master key: 32 hex digits; fewer are filled up in front with "30" */
     char data[17];  /* the block: 16 hex digits, filled up likewise */
 } AbecsCmdEnbCmdData;

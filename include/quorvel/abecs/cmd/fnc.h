@@ -26,12 +26,12 @@ typedef struct AbecsCmdFncData {
 
 /* The card's last word. Texts are hexadecimal digits as received, without leading pairs "30". */
 typedef struct AbecsCmdFncResponse {
-    uint32_t decision;
-    uint32_t emvDataLen; /* bytes of EMV data received */
-    char emvData[513];
+    uint32_t decision;     /* approved, or declined by the card or the acquirer: the PIN pad's code */
+    uint32_t emvDataLen;   /* bytes of EMV data received */
+    char emvData[513];     /* the values of the tags */
     uint32_t isResultsLen; /* bytes of results of issuer scripts received */
-    char isResults[101];
-    uint32_t acqDataLen; /* bytes of data for the acquirer, which are not read */
+    char isResults[101];   /* the results themselves */
+    uint32_t acqDataLen;   /* bytes of data for the acquirer, which are not read */
 } AbecsCmdFncResponse;
 
 /*

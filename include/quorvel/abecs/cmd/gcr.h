@@ -22,6 +22,7 @@ KOR_BEGIN_DECLS
 /* How the card was read: the protocol's own codes. */
 typedef uint8_t AbecsCmdGcrCardType_E;
 
+/* The codes. */
 enum {
     ABECS_CMD_GCR_CARD_TYPE_MAGNETIC = 0,
     ABECS_CMD_GCR_CARD_TYPE_ICC_EMV = 3,
@@ -42,13 +43,13 @@ typedef enum AbecsCmdGcrStatChip_E KOR_ENUM_INT32 {
  * the tables that the caller knows, at most 10 characters and a NUL; `ctlsOn` allows contactless cards.
  */
 typedef struct AbecsCmdGcrData {
-    uint8_t acqIdxReq;
-    uint8_t appTypReq;
-    uint64_t amount;
-    AbecsDate date;
-    AbecsTime time;
-    char tabVer[11];
-    bool ctlsOn;
+    uint8_t acqIdxReq; /* the acquirer */
+    uint8_t appTypReq; /* the type of application */
+    uint64_t amount;   /* of the sale */
+    AbecsDate date;    /* of the sale */
+    AbecsTime time;    /* of the sale */
+    char tabVer[11];   /* of the tables */
+    bool ctlsOn;       /* whether cards are taken without contact */
 } AbecsCmdGcrData;
 
 /*
@@ -65,33 +66,33 @@ typedef struct AbecsCmdGcrData {
  * 2: the rest stays as it was.
  */
 typedef struct AbecsCmdGcrResponse {
-    AbecsCmdGcrCardType_E cardType;
-    AbecsCmdGcrStatChip_E statChip;
-    uint8_t appType;
-    uint8_t acqIdx;
-    char recIdx[3];
-    uint8_t track1Len;
-    char track1[77];
-    uint8_t track2Len;
-    char track2[41];
-    uint8_t track3Len;
-    char track3[105];
-    uint8_t panLen;
-    char pan[20];
-    uint8_t panSeqNum;
-    char appLabel[17];
-    uint16_t serviceCode;
-    char cardholderName[27];
-    uint8_t expYear; /* last two digits */
-    uint8_t expMonth;
-    uint8_t expDay;
-    uint8_t extData[30]; /* 29 bytes and a zero */
-    uint16_t issuerCountry;
+    AbecsCmdGcrCardType_E cardType; /* how the card was read */
+    AbecsCmdGcrStatChip_E statChip; /* how the last reading of a chip ended */
+    uint8_t appType;                /* type of the application */
+    uint8_t acqIdx;                 /* the acquirer's index */
+    char recIdx[3];                 /* the record of the AID table */
+    uint8_t track1Len;              /* length of track 1 */
+    char track1[77];                /* track 1 */
+    uint8_t track2Len;              /* length of track 2 */
+    char track2[41];                /* track 2 */
+    uint8_t track3Len;              /* see above */
+    char track3[105];               /* track 3 */
+    uint8_t panLen;                 /* length of the card number */
+    char pan[20];                   /* the card number */
+    uint8_t panSeqNum;              /* its sequence number */
+    char appLabel[17];              /* the application's name */
+    uint16_t serviceCode;           /* the service code */
+    char cardholderName[27];        /* the cardholder's name */
+    uint8_t expYear;                /* of the expiry, its last two digits */
+    uint8_t expMonth;               /* of the expiry */
+    uint8_t expDay;                 /* of the expiry */
+    uint8_t extData[30];            /* what the acquirer adds: 29 bytes and a zero */
+    uint16_t issuerCountry;         /* the issuer's country, its numeric code */
     __extension__ union {
-        struct {                  /* acqIdx 1 */
-            char acqRd01Data[33]; /* hexadecimal digits */
-            char acqRd01Text1[17];
-            char acqRd01Text2[17];
+        struct {                   /* acqIdx 1 */
+            char acqRd01Data[33];  /* hexadecimal digits */
+            char acqRd01Text1[17]; /* the acquirer's text */
+            char acqRd01Text2[17]; /* the acquirer's other text */
         };
         char acqRd02Data[11]; /* acqIdx 2: hexadecimal digits */
     };
@@ -114,7 +115,7 @@ KOR_API const char* abecs_cmd_gcr_stat_chip_to_string(AbecsCmdGcrStatChip_E stat
  */
 KOR_API KorResult_E abecs_cmd_gcr(AbecsComm* pinpad, const AbecsCmdGcrData* gcrData, const char* aidRecIds);
 
-/* The same with no data at all: the PIN pad takes its defaults. ILLEGAL_ARGUMENT "'pinpad' is NULL"; and what the link
+/* Sends GCR with no data at all: the PIN pad takes its defaults. ILLEGAL_ARGUMENT "'pinpad' is NULL"; and what the link
  * raises, returned as above. */
 KOR_API KorResult_E abecs_cmd_gcr_empty(AbecsComm* pinpad);
 

@@ -43,76 +43,82 @@ typedef enum AbecsCmdGen0401Oper_E KOR_ENUM_INT32 {
 /* Which keys 02/K3 asks for: those of one type (0 to 3) and use (0, 1) at the indexes from `idxIni` to `idxEnd` (99).
  */
 typedef struct AbecsCmdGen02K3CmdData {
-    uint8_t keyType;
-    uint8_t keyUse;
-    uint8_t idxIni;
-    uint8_t idxEnd;
+    uint8_t keyType; /* 0 to 3 */
+    uint8_t keyUse;  /* 0 or 1 */
+    uint8_t idxIni;  /* the first index */
+    uint8_t idxEnd;  /* the last index */
 } AbecsCmdGen02K3CmdData;
 
 /* Data objects, in hexadecimal. */
 typedef struct AbecsCmdGenTagsOut {
-    uint16_t len; /* in digits from 03/02, in bytes from 04/04 */
-    char data[513];
+    uint16_t len;   /* in digits from 03/02, in bytes from 04/04 */
+    char data[513]; /* the objects */
 } AbecsCmdGenTagsOut;
 
 /* Up to 16 blocks of 8 bytes, in hexadecimal. */
 typedef struct AbecsCmdGen0303Data {
-    uint32_t size; /* in digits: a multiple of 16 */
-    char data[257];
+    uint32_t size;  /* in digits: a multiple of 16 */
+    char data[257]; /* the blocks */
 } AbecsCmdGen0303Data;
 
+/* What 03/03 is to encipher. */
 typedef struct AbecsCmdGen0303CmdData {
-    uint8_t idx; /* of the key in the PIN pad, 0 to 99 */
-    AbecsCmdGen0303Data input;
+    uint8_t idx;               /* of the key in the PIN pad, 0 to 99 */
+    AbecsCmdGen0303Data input; /* in clear */
 } AbecsCmdGen0303CmdData;
 
+/* What 03/03 has enciphered. */
 typedef struct AbecsCmdGen0303RspData {
     char ksn[21];     /* the key's serial number, 20 digits */
     uint32_t dataLen; /* in digits */
-    char data[257];
+    char data[257];   /* enciphered */
 } AbecsCmdGen0303RspData;
 
+/* Which slot 04/01 switches, and how. */
 typedef struct AbecsCmdGen0401CmdData {
-    AbecsCmdGen0401Oper_E oper;
-    uint8_t slot;
+    AbecsCmdGen0401Oper_E oper; /* what is done */
+    uint8_t slot;               /* 0 to 8 */
 } AbecsCmdGen0401CmdData;
 
+/* How a slot is after 04/01. */
 typedef struct AbecsCmdGen0401RspData {
-    uint8_t status1;
-    uint32_t status2;
-    uint8_t atrLen; /* what the chip answered to its reset, in bytes: up to 36 */
-    char atr[73];   /* the first `atrLen` digits of it, that is its first half */
+    uint8_t status1;  /* of the slot, as the PIN pad tells it */
+    uint32_t status2; /* further status, likewise */
+    uint8_t atrLen;   /* what the chip answered to its reset, in bytes: up to 36 */
+    char atr[73];     /* the first `atrLen` digits of it, that is its first half */
 } AbecsCmdGen0401RspData;
 
 /* A command to a chip. */
 typedef struct AbecsCmdGen0402CmdData {
-    uint8_t slot;
+    uint8_t slot;       /* 0 to 8 */
     char apduHeader[9]; /* CLA, INS, P1 and P2: 8 digits */
     uint8_t lc;         /* how many bytes of data */
     char apduData[511]; /* twice as many digits */
     uint16_t le;        /* how many bytes of answer at most: 0 to 256 */
 } AbecsCmdGen0402CmdData;
 
+/* What a chip has answered to 04/02. */
 typedef struct AbecsCmdGen0402RspData {
-    uint8_t status; /* of the exchange, as the PIN pad tells it */
-    char sw[5];     /* the chip's status word */
-    uint16_t la;    /* how many bytes of data */
-    char apduData[513];
+    uint8_t status;     /* of the exchange, as the PIN pad tells it */
+    char sw[5];         /* the chip's status word */
+    uint16_t la;        /* how many bytes of data */
+    char apduData[513]; /* twice as many digits */
 } AbecsCmdGen0402RspData;
 
 /* A PIN that the cardholder is to enter and that goes to the chip alone. */
 typedef struct AbecsCmdGen0403CmdData {
-    uint8_t slot;
-    char apduHeader[9]; /* of the command that takes the PIN to the chip: 8 digits */
-    char format;        /* of the PIN block: a hexadecimal digit */
-    uint8_t pinMinDigits;
+    uint8_t slot;         /* 0 to 8 */
+    char apduHeader[9];   /* of the command that takes the PIN to the chip: 8 digits */
+    char format;          /* of the PIN block: a hexadecimal digit */
+    uint8_t pinMinDigits; /* the least digits of the PIN */
     uint8_t pinMaxDigits; /* from the least to 99 */
     char message[33];     /* the prompt, at most 32 characters */
 } AbecsCmdGen0403CmdData;
 
+/* What a chip has made of the PIN. */
 typedef struct AbecsCmdGen0403RspData {
-    uint8_t status;
-    char sw[5];
+    uint8_t status; /* of the exchange, as the PIN pad tells it */
+    char sw[5];     /* the chip's status word */
 } AbecsCmdGen0403RspData;
 
 /*

@@ -32,12 +32,12 @@ typedef enum AbecsCmdGocMethod_E KOR_ENUM_INT32 {
  * start with pairs "30". Amounts are in the smallest unit of the currency, below 10^12.
  */
 typedef struct AbecsCmdGocData {
-    uint64_t amount;
-    uint64_t cashback;
-    uint8_t exclist; /* 1 when the card is on an exception list, else 0 */
-    bool connect;    /* the acquirer can be reached */
-    AbecsCmdGocMethod_E method;
-    uint8_t keyidx;   /* 0 to 99 */
+    uint64_t amount;            /* of the sale */
+    uint64_t cashback;          /* paid out in cash */
+    uint8_t exclist;            /* 1 when the card is on an exception list, else 0 */
+    bool connect;               /* the acquirer can be reached */
+    AbecsCmdGocMethod_E method; /* for a PIN that the acquirer verifies */
+    uint8_t keyidx;             /* 0 to 99 */
     char wkenc[33];   /* hexadecimal: the working key under its master key, for the methods that have one; what stands
                          behind 32 digits does not count */
     bool riskman;     /* the terminal manages the risk, with what follows */
@@ -62,16 +62,16 @@ typedef struct AbecsCmdGocData {
 
 /* What the card has decided; the codes are stored as received. */
 typedef struct AbecsCmdGocResponse {
-    uint8_t decision;
+    uint8_t decision;         /* approved, declined or to be asked of the acquirer: the PIN pad's code */
     bool signature;           /* asked for */
     bool pinOffline;          /* the card has verified a PIN */
     uint8_t pinOfflineErrors; /* wrong PINs entered for the card */
-    bool pinBlocked;
-    bool pinOnline; /* pinBlock has a PIN, enciphered, and ksn the serial number of a DUKPT key */
-    uint8_t pinBlock[16];
-    uint8_t ksn[20];
-    uint16_t emvDataLen; /* bytes in emvData */
-    uint8_t emvData[512];
+    bool pinBlocked;          /* the last wrong PIN has blocked it */
+    bool pinOnline;           /* pinBlock has a PIN, enciphered, and ksn the serial number of a DUKPT key */
+    uint8_t pinBlock[16];     /* hexadecimal digits, without a NUL */
+    uint8_t ksn[20];          /* hexadecimal digits, without a NUL */
+    uint16_t emvDataLen;      /* bytes in emvData */
+    uint8_t emvData[512];     /* the values of the tags */
 } AbecsCmdGocResponse;
 
 /*

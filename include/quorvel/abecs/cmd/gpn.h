@@ -20,17 +20,18 @@ typedef enum AbecsCmdGpnMethod_E KOR_ENUM_INT32 {
 
 /* One capture: from `min` to `max` digits, 4 to 99, with the prompt `msg` of at most 32 characters. */
 typedef struct AbecsCmdGpnEntry {
-    uint8_t min;
-    uint8_t max;
-    char msg[33];
+    uint8_t min;  /* the least digits */
+    uint8_t max;  /* the most digits */
+    char msg[33]; /* the prompt */
 } AbecsCmdGpnEntry;
 
+/* What is asked of the cardholder, and how the PIN comes. */
 typedef struct AbecsCmdGpnCmdData {
-    AbecsCmdGpnMethod_E method;
-    uint8_t keyIdx; /* of the key in the PIN pad, 0 to 99 */
-    char wkEnc[33]; /* the working key under the master key: 16 hex digits for MK_WK_DES, 32 for MK_WK_TDES */
-    char pan[20];   /* the card number in the PIN block: 2 to 19 digits, or empty */
-    uint8_t entryCount;
+    AbecsCmdGpnMethod_E method; /* how the PIN is enciphered */
+    uint8_t keyIdx;             /* of the key in the PIN pad, 0 to 99 */
+    char wkEnc[33];     /* the working key under the master key: 16 hex digits for MK_WK_DES, 32 for MK_WK_TDES */
+    char pan[20];       /* the card number in the PIN block: 2 to 19 digits, or empty */
+    uint8_t entryCount; /* how many captures */
     AbecsCmdGpnEntry entries[9]; /* the first `entryCount`, 1 to 9 */
 } AbecsCmdGpnCmdData;
 
@@ -39,8 +40,8 @@ typedef struct AbecsCmdGpnCmdData {
  * and dropped: a text that is shorter has lost so many.
  */
 typedef struct AbecsCmdGpnRspData {
-    char pinBlk[17];
-    char ksn[21];
+    char pinBlk[17]; /* the PIN block */
+    char ksn[21];    /* the serial number of a DUKPT key */
 } AbecsCmdGpnRspData;
 
 /*

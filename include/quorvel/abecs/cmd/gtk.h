@@ -12,46 +12,52 @@
 
 KOR_BEGIN_DECLS
 
-/* Values: `size` bytes of `data`. */
-
+/* An enciphered working key: `size` bytes of `data`. */
 typedef struct AbecsCmdGtkWkEnc {
-    uint32_t size;
-    uint8_t data[16];
+    uint32_t size;    /* how many bytes */
+    uint8_t data[16]; /* the first `size` of them count */
 } AbecsCmdGtkWkEnc;
 
+/* A public exponent. */
 typedef struct AbecsCmdGtkPbkExp {
-    uint32_t size;
-    uint8_t data[3];
+    uint32_t size;   /* how many bytes */
+    uint8_t data[3]; /* the first `size` of them count */
 } AbecsCmdGtkPbkExp;
 
+/* An enciphered card number. */
 typedef struct AbecsCmdGtkEncPan {
-    uint32_t size;
-    uint8_t data[16];
+    uint32_t size;    /* how many bytes */
+    uint8_t data[16]; /* the first `size` of them count */
 } AbecsCmdGtkEncPan;
 
+/* Track 1, in clear or enciphered. */
 typedef struct AbecsCmdGtkTrack1 {
-    uint32_t size;
-    uint8_t data[88];
+    uint32_t size;    /* how many bytes */
+    uint8_t data[88]; /* the first `size` of them count */
 } AbecsCmdGtkTrack1;
 
+/* Track 2, in clear or enciphered. */
 typedef struct AbecsCmdGtkTrack2 {
-    uint32_t size;
-    uint8_t data[28];
+    uint32_t size;    /* how many bytes */
+    uint8_t data[28]; /* the first `size` of them count */
 } AbecsCmdGtkTrack2;
 
+/* Track 3, in clear or enciphered. */
 typedef struct AbecsCmdGtkTrack3 {
-    uint32_t size;
-    uint8_t data[60];
+    uint32_t size;    /* how many bytes */
+    uint8_t data[60]; /* the first `size` of them count */
 } AbecsCmdGtkTrack3;
 
+/* The serial number of a DUKPT key. */
 typedef struct AbecsCmdGtkKsn {
-    uint32_t size;
-    uint8_t data[10];
+    uint32_t size;    /* how many bytes */
+    uint8_t data[10]; /* the first `size` of them count */
 } AbecsCmdGtkKsn;
 
+/* The random key under the host's RSA key. */
 typedef struct AbecsCmdGtkEncKrand {
-    uint32_t size;
-    uint8_t data[256];
+    uint32_t size;     /* how many bytes */
+    uint8_t data[256]; /* the first `size` of them count */
 } AbecsCmdGtkEncKrand;
 
 /*
