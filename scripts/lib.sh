@@ -13,10 +13,10 @@ die() {
     exit 1
 }
 
-# The packages of packages.txt that dpkg does not know as installed, one a line.
+# missing_packages <list>: those of the list that dpkg does not know as installed, one a line.
 missing_packages() {
     local package
-    sed 's/#.*//' packages.txt | while read -r package; do
+    sed 's/#.*//' "$1" | while read -r package; do
         [ -n "$package" ] || continue
         dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || printf '%s\n' "$package"
     done
@@ -32,11 +32,12 @@ as_root() {
     fi
 }
 
-# Asks the network only when something is missing.
+# install_packages [<list>]: those of packages.txt, or of that list. Asks the network only when something is missing.
 install_packages() {
-    command -v dpkg-query >/dev/null || die "this is no Debian system; install what packages.txt names, then build with cmake"
+    local list=${1:-packages.txt}
+    command -v dpkg-query >/dev/null || die "this is no Debian system; install what $list names, then build with cmake"
     local missing
-    mapfile -t missing < <(missing_packages)
+    mapfile -t missing < <(missing_packages "$list")
     [ "${#missing[@]}" -gt 0 ] || return 0
     say "Installing ${missing[*]}"
     as_root apt-get -o Acquire::Retries=3 update -q </dev/null
