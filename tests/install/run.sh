@@ -26,6 +26,12 @@ if grep -rlF -e "$source" -e "$build" -e "$work/first" "$prefix/$libdir/cmake" "
     echo "these files name a folder of the build"; exit 1
 fi
 
+# What the Debian packages are made of says the same as the build.
+diff <(LC_ALL=C sort <(echo QUORVEL_0) "$source"/cmake/{exports,additions}.txt) \
+    <(sed -n 's/^ \(.*\)@QUORVEL_0 .*/\1/p' "$source/debian/libquorvel0.symbols" | LC_ALL=C sort) ||
+    { echo "debian/libquorvel0.symbols lists other names than cmake/exports.txt with cmake/additions.txt"; exit 1; }
+head -1 "$source/debian/changelog" | grep -qF 'quorvel (0.1.0)'
+
 expected=$'0.1.0\n[KOR_RESULT_ILLEGAL_ARGUMENT] \'out\' is NULL'
 check() {
     local printed
