@@ -237,7 +237,7 @@ def links_of(page: Path) -> set:
     """The files that a guide links to."""
     text = re.sub(r"^```.*?^```$", "", page.read_text(), flags=re.MULTILINE | re.DOTALL)
     return {(page.parent / link[3].partition("#")[0]).resolve() for link in LINK.finditer(text)
-            if "://" not in link[3] and not link[3].startswith("#")}
+            if not link[1] and "://" not in link[3] and not link[3].startswith("#")}
 
 
 def guide(path: Path, text: str) -> str:
@@ -255,8 +255,10 @@ def guide(path: Path, text: str) -> str:
         for link in LINK.finditer(text):
             out.append(prose(text[at:link.start()], ""))
             at = link.end()
-            if link[1] or "://" in link[3]:
+            if "://" in link[3]:
                 out.append(link[0])
+            elif link[1]:  # pictures stand beside the pages
+                out.append(f"![{escaped(link[2])}]({Path(link[3]).name})")
             else:
                 # Doxygen takes the words of a link on one line only.
                 words = escaped(re.sub(r"\s+", " ", link[2].replace("`", "")))

@@ -54,7 +54,8 @@ TREE = {
     "docs/README.md": "# Guides\n\n[one](one.md#what-is-what), [program](../examples/a.c), [header]"
                       "(../include/quorvel/kor/thing.h): `kor_thing_new`, `%d`, a <b>, **loud**, `two\nlines`, "
                       "[over\ntwo](one.md)\n",
-    "docs/one.md": "# One\n\n## What is what\n\nText, [back](README.md).\n",
+    "docs/one.md": "# One\n\n## What is what\n\nText, [back](README.md).\n\n![A picture](p/a.svg)\n",
+    "docs/p/a.svg": "<svg xmlns='http://www.w3.org/2000/svg'/>\n",
     "README.md": "# quorvel\n\n[Guides](docs/README.md)\n",
     "examples/a.c": "int a; // <&>\n",
 }
