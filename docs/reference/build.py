@@ -33,6 +33,11 @@ def filtered(into: Path):
         copy.parent.mkdir(parents=True, exist_ok=True)
         copy.write_text(sources.filtered(path))
     pages.write(into / "pages")
+    images = into.parent / "images"
+    shutil.rmtree(images, ignore_errors=True)
+    images.mkdir()
+    for path in [*(ROOT / "docs").rglob("*.png"), *(ROOT / "docs").rglob("*.svg")]:
+        shutil.copy(path, images)
 
 
 def doxygen(out: Path) -> list:
@@ -60,7 +65,7 @@ class Page(html.parser.HTMLParser):
         for key, value in attributes:
             if key in ("id", "name") and value:
                 self.names.add(value)
-            elif key in ("href", "src") and value and tag in ("a", "img", "link", "script", "area"):
+            elif key in ("href", "src", "data") and value and tag in ("a", "img", "link", "script", "area", "object"):
                 self.links.append((self.getpos()[0], value))
 
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
-"""filter.py <file>: prints what Doxygen is given in place of a header or a guide. No line is added or taken away, so that
-its warnings name the right one.
+"""filter.py <file>: prints what Doxygen is given in place of a header or a guide. No line is added or taken away, so
+that its warnings name the right one.
 
 Headers in C keep their plain comments. One that stands right before a declaration documents it, and those that follow
 it without a blank line between; one behind a member or an enumerator documents that; one with a blank line behind it
@@ -22,34 +22,35 @@ CODES = ("RUNTIME_ERROR", "ILLEGAL_ARGUMENT", "ILLEGAL_STATE", "INDEX_OUT_OF_BOU
          "TIMEOUT_ERROR", "FILE_NOT_FOUND", "ENCODING_ERROR", "DEVICE_BUSY", "PERMISSION_DENIED", "PROTOCOL_ERROR",
          "CRYPT_ERROR")
 # A sentence that tells of errors: at the start of a paragraph, or behind the end of another one.
-ERRORS = re.compile(r"(?:^|(?<=[.:])\s+|\n\s*\n)(?=(?:In this order: |Further )?(?:%s)\b|\"|Errors?[ :]|The (?:same )?errors\b|"
+ERRORS = re.compile(r"(?:^|(?<=[.:])\s+|\n\s*\n)"
+                    r"(?=(?:In this order: |Further )?(?:%s)\b|\"|Errors?[ :]|The (?:same )?errors\b|"
                     r"Those of (?:abecs|kor|crypt)_)" % "|".join(CODES))
 WORD = re.compile(r"\b_*(?:kor|abecs|crypt)_[a-z0-9_]+\b(?![*(/]|\.h)")
 
 
-def escaped(text: str) -> str:
-    """Text of which nothing is a command of Doxygen, HTML or Markdown."""
-    text = re.sub(r"([\\%<>&#@$*])", r"\\\1", text)
+def escaped(text: str, marks: str = "*") -> str:
+    """Text of which nothing is a command of Doxygen, HTML or Markdown, whose marks are given."""
+    text = re.sub(rf"([\\%<>&#@${marks}])", r"\\\1", text)
     return re.sub(r"(?<![\w\\])_(?=\w)", r"\\_", text).replace('"', "&quot;")
 
 
-def linked(text: str) -> str:
+def linked(text: str, marks: str = "*") -> str:
     """With the functions that it names made links."""
     def link(name):
         if name[0] not in FUNCTIONS:
-            return escaped(name[0])
+            return escaped(name[0], marks)
         return f'\\ref {name[0]} "{name[0]}"'
     parts, at = [], 0
     for name in WORD.finditer(text):
-        parts += [escaped(text[at:name.start()]), link(name)]
+        parts += [escaped(text[at:name.start()], marks), link(name)]
         at = name.end()
-    return "".join(parts) + escaped(text[at:])
+    return "".join(parts) + escaped(text[at:], marks)
 
 
-def prose(text: str) -> str:
-    """A comment's text, or a guide's, with what stands in backquotes as code."""
+def prose(text: str, marks: str = "*") -> str:
+    """A comment's text with what stands in backquotes as code; or a guide's, whose own marks count: none is given."""
     spans = re.split(r"`([^`]+)`", text)
-    return "".join(f"<code>{linked(span)}</code>" if i % 2 else linked(span) for i, span in enumerate(spans))
+    return "".join(f"<code>{linked(span)}</code>" if i % 2 else linked(span, marks) for i, span in enumerate(spans))
 
 
 def with_errors(text: str) -> str:
@@ -68,14 +69,15 @@ def converted(comment: list, opening: str, function: bool) -> list:
     lines = []
     # Lines further in than a list's are code, which stays as it is.
     for piece in re.split(r"((?:^ {4,}.*\n)+)", text, flags=re.MULTILINE):
-        lines.append(piece if re.match(r" {4,}", piece) and piece.endswith("\n") and "    " == piece[:4] and CODE.search(piece)
-                     else prose(piece).replace("\0", "\\errors "))
+        code = piece.startswith("    ") and piece.endswith("\n") and CODE.search(piece)
+        lines.append(piece if code else prose(piece).replace("\0", "\\errors "))
     out = "".join(lines).split("\n")
     indent = re.match(r"\s*", comment[0])[0]
     if len(out) == 1:
         return [f"{indent}{opening} {out[0]} */"]
     first = f"{indent}{opening} {out[0]}".rstrip()
-    return [first] + [f"{indent} * {line}".rstrip() for line in out[1:-1]] + [f"{indent} * {out[-1]}".rstrip(" *") + " */"]
+    middle = [f"{indent} * {line}".rstrip() for line in out[1:-1]]
+    return [first, *middle, f"{indent} * {out[-1]}".rstrip(" *") + " */"]
 
 
 CODE = re.compile(r"[;{}]")
@@ -201,7 +203,8 @@ def cpp(text: str) -> str:
     text = re.sub(r"((?<![/:\"])///<?)(.*)$", line, text, flags=re.MULTILINE)
     text = SEVERAL.sub(lambda found: found[1] + " ".join(f"/** {found[4]} */ {found[2]} {name};"
                                                          for name in found[3].split(", ")), text)
-    return re.sub(r"^(\s*)(?=(?:[\w<>:, ]+ )?(?:start_)?on\(detail::Line& line\) const)", lambda found: found[1] + ON, text, flags=re.MULTILINE)
+    return re.sub(r"^(\s*)(?=(?:[\w<>:, ]+ )?(?:start_)?on\(detail::Line& line\) const)",
+                  lambda found: found[1] + ON, text, flags=re.MULTILINE)
 
 
 def slug(text: str) -> str:
@@ -234,7 +237,7 @@ def links_of(page: Path) -> set:
     """The files that a guide links to."""
     text = re.sub(r"^```.*?^```$", "", page.read_text(), flags=re.MULTILINE | re.DOTALL)
     return {(page.parent / link[3].partition("#")[0]).resolve() for link in LINK.finditer(text)
-            if "://" not in link[3] and not link[3].startswith("#")}
+            if not link[1] and "://" not in link[3] and not link[3].startswith("#")}
 
 
 def guide(path: Path, text: str) -> str:
@@ -247,32 +250,44 @@ def guide(path: Path, text: str) -> str:
             return str(there.relative_to(ROOT / "include"))
         return page_id(there) + (f"_{part}" if part else "")
 
-    def inline(line: str) -> str:
+    def inline(text: str) -> str:
         out, at = [], 0
-        for link in LINK.finditer(line):
-            out.append(prose(line[at:link.start()]))
+        for link in LINK.finditer(text):
+            out.append(prose(text[at:link.start()], ""))
             at = link.end()
-            if link[1] or "://" in link[3]:
+            if "://" in link[3]:
                 out.append(link[0])
+            elif link[1]:  # pictures stand beside the pages
+                out.append(f"![{escaped(link[2])}]({Path(link[3]).name})")
             else:
-                words = re.sub(r"`([^`]+)`", r"\1", link[2])
-                out.append(f"[{escaped(words)}](@ref {target(link[3])})")
-        return "".join(out) + prose(line[at:])
+                # Doxygen takes the words of a link on one line only.
+                words = escaped(re.sub(r"\s+", " ", link[2].replace("`", "")))
+                out.append("\n" * link[2].count("\n") + f"[{words}](@ref {target(link[3])})")
+        return "".join(out) + prose(text[at:], "")
 
-    out, code = [], False
+    out, code, text_lines = [], False, []
+
+    def end_of_text():
+        if text_lines:
+            out.append(inline("\n".join(text_lines)))
+            text_lines.clear()
+
     for line in text.split("\n"):
         fence = line.lstrip().startswith("```")
         heading = re.match(r"(#+) (.*)$", line)
+        if not (fence or code or heading or line.startswith(("    ", "<!--")) or re.match(r"\|[-|]+$", line)):
+            text_lines.append(line)
+            continue
+        end_of_text()
         if fence or code:
             code = code != fence
             out.append(line)
         elif heading:
             name = here if heading[1] == "#" else f"{here}_{anchor(heading[2])}"
             out.append(f"{heading[1]} {prose(heading[2])} {{#{name}}}")
-        elif line.startswith("    ") or line.startswith("<!--") or re.match(r"\|[-|]+$", line):
-            out.append(line)
         else:
-            out.append(inline(line))
+            out.append(line)
+    end_of_text()
     return "\n".join(out)
 
 

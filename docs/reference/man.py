@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
-"""Man pages of section 3 from what Doxygen has read: one for each function that the library exports, one for each header,
-with its types, and quorvel(3) with what holds everywhere.
+"""Man pages of section 3 from what Doxygen has read: one for each function that the library exports, one for each
+header, with its types, and quorvel(3) with what holds everywhere.
 """
 import re
 import xml.etree.ElementTree as ET
@@ -78,7 +78,7 @@ class Text:
                     out += [f".IP {mark} 4", *[".IP \"\" 4" if one == ".PP" else one for one in paras[1:]]]
             elif child.tag in ("verbatim", "programlisting"):
                 code = child.text if child.tag == "verbatim" else "\n".join(
-                    "".join(" " if part.tag == "sp" else "" + (part.text or "") + "" for part in one.iter()
+                    "".join(" " if part.tag == "sp" else part.text for part in one.iter()
                             if part.tag == "sp" or part.text) for one in child.findall("codeline"))
                 out += [".PP", ".RS 4", ".nf", *[("\\&" if row[:1] in (".", "'") else "") + roff(row)
                                                 for row in (code or "").strip("\n").split("\n")], ".fi", ".RE"]
@@ -149,7 +149,8 @@ class Pages:
             rows += self.type(inner.text, record, [
                 (plain(member.find("type")) + " " + member.findtext("name") + (member.findtext("argsstring") or ""), "",
                  member) for member in record.iter("memberdef")
-                if member.get("kind") == "variable" and "@" not in plain(member.find("type")) + member.findtext("name")])
+                if member.get("kind") == "variable"
+                and "@" not in plain(member.find("type")) + member.findtext("name")])
         return rows
 
     def type(self, name: str, node, members: list) -> list:
@@ -183,14 +184,16 @@ class Pages:
             self.write(name, plain(member.find("briefdescription")), [
                 ("SYNOPSIS", synopsis + [".fi"]),
                 ("DESCRIPTION", said[i].body),
-                ("ERRORS", errors + [".PP", f"\\fB{roff(page_of(header))}\\fP(3) tells what holds for all functions of its header, "
-                                            "\\fBquorvel\\fP(3) what holds everywhere."]),
+                ("ERRORS", errors + [".PP", f"\\fB{roff(page_of(header))}\\fP(3) tells what holds for all functions of "
+                                            "its header, \\fBquorvel\\fP(3) what holds everywhere."]),
                 ("SEE ALSO", self.see([*others, *sorted(said[i].seen - {name, *others}), page_of(header), "quorvel"]))])
         listed = []
         for member in functions:
-            listed += [".TP", f"\\fB{roff(member.findtext('name'))}\\fP(3)", line(roff(plain(member.find('briefdescription'))))]
+            listed += [".TP", f"\\fB{roff(member.findtext('name'))}\\fP(3)",
+                       line(roff(plain(member.find("briefdescription"))))]
         self.write(page_of(header), plain(compound.find("briefdescription")), [
-            ("SYNOPSIS", [f"#include <{header if header.endswith('additions.h') else include}>"]), ("DESCRIPTION", text.body),
+            ("SYNOPSIS", [f"#include <{header if header.endswith('additions.h') else include}>"]),
+            ("DESCRIPTION", text.body),
             ("FUNCTIONS", listed), ("TYPES", self.types(compound)),
             ("SEE ALSO", self.see(["quorvel"] if header != "quorvel/quorvel.h" else sorted(self.written - ALL)))])
 

@@ -23,15 +23,14 @@ typedef enum AbecsRspStat_E KOR_ENUM_INT32 {
     ABECS_RSP_STAT_ST_F3 = 6,            /* F3 was pressed */
     ABECS_RSP_STAT_ST_F4 = 7,            /* F4 was pressed */
     ABECS_RSP_STAT_ST_BACKSP = 8,        /* CLEAR was pressed */
-    ABECS_RSP_STAT_ST_ERRPKTSEC =
-        9,                          /* the command could not be deciphered, or came plain inside an encrypted session */
-    ABECS_RSP_STAT_ST_INVCALL = 10, /* the command is unknown, or out of order */
-    ABECS_RSP_STAT_ST_INVPARM = 11, /* a parameter is wrong */
-    ABECS_RSP_STAT_ST_TIMEOUT = 12, /* the cardholder did nothing for too long */
-    ABECS_RSP_STAT_ST_CANCEL = 13,  /* the cardholder pressed CANCEL */
-    ABECS_RSP_STAT_ST_MANDAT = 19,  /* a parameter is missing */
-    ABECS_RSP_STAT_ST_TABVERDIF = 20, /* the PIN pad's tables have another version than you named */
-    ABECS_RSP_STAT_ST_TABERR = 21,    /* the tables could not be stored, or a load is out of order */
+    ABECS_RSP_STAT_ST_ERRPKTSEC = 9,     /* could not be deciphered, or came plain inside an encrypted session */
+    ABECS_RSP_STAT_ST_INVCALL = 10,      /* the command is unknown, or out of order */
+    ABECS_RSP_STAT_ST_INVPARM = 11,      /* a parameter is wrong */
+    ABECS_RSP_STAT_ST_TIMEOUT = 12,      /* the cardholder did nothing for too long */
+    ABECS_RSP_STAT_ST_CANCEL = 13,       /* the cardholder pressed CANCEL */
+    ABECS_RSP_STAT_ST_MANDAT = 19,       /* a parameter is missing */
+    ABECS_RSP_STAT_ST_TABVERDIF = 20,    /* the PIN pad's tables have another version than you named */
+    ABECS_RSP_STAT_ST_TABERR = 21,       /* the tables could not be stored, or a load is out of order */
     ABECS_RSP_STAT_ST_INTERR = 40,    /* the PIN pad failed inside; and what a function returns where a raise returns */
     ABECS_RSP_STAT_ST_MCDATAERR = 41, /* the stripe could not be read */
     ABECS_RSP_STAT_ST_ERRKEY = 42,    /* the PIN pad has no key of that kind at that index */

@@ -218,8 +218,8 @@ struct Cke {
     bool keys = false;                                                ///< whether a key ends the wait
     bool stripe = false;                                              ///< whether a swiped card ends the wait
     AbecsCmdCkeIccCheckType_E chip = ABECS_CMD_CKE_ICC_CHECK_TYPE_0;  ///< whether a chip ends the wait, and how
-    AbecsCmdCkeCtlsCheckType_E contactless =
-        ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;  ///< whether a contactless card counts
+    /// Whether a contactless card ends the wait.
+    AbecsCmdCkeCtlsCheckType_E contactless = ABECS_CMD_CKE_CTLS_CHECK_TYPE_NOT_SENT;
 
     static constexpr std::string_view id = "CKE";  ///< the command's name on the line
     auto on(detail::Line& line) const {
