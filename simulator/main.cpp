@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <sys/mman.h>
 #include <system_error>
@@ -260,7 +261,7 @@ public:
 
     void announce() {
         port_.announce(pinPad_.path());
-        if (!page_) { return; }
+        if (!page_ || !may_print(settings_, STDOUT_FILENO)) { return; }
         fmt::print("{}", sim::told_by(settings_.number, fmt::format("WEB {}\n", page_->link())));
         std::fflush(stdout);
     }
@@ -272,7 +273,8 @@ public:
         page_.reset();
     }
     void play_by_hand() {
-        sim::show_face(pinPad_, control_.cards(), feed_, [this] { announce(); });
+        sim::show_face(
+            pinPad_, control_.cards(), feed_, [this] { announce(); }, page_ ? page_->link() : "");
     }
     [[nodiscard]] bool went_well() { return !performance_ || report(*performance_, pinPad_, settings_.number); }
 
@@ -301,10 +303,15 @@ private:
         options.names = settings_.webNames;
         options.version = QUORVEL_VERSION;
         options.values = values();
-        options.recording = unnamed_ ? unnamed_->path() : settings_.record;
+        // One with private values is not for the page, unless the page is to show them.
+        const bool isOpen = !settings_.recordPrivate || settings_.reveal;
+        options.recording = unnamed_ ? unnamed_->path() : isOpen ? settings_.record : "";
         options.performance = performance_.get();
         if (options.address.port != 0 && settings_.number > 1) {
             options.address.port += static_cast<int>(settings_.number) - 1;
+            if (options.address.port > sim::web::Address::kHighestPort) {
+                throw std::runtime_error(fmt::format("--web: there is no port {}", options.address.port));
+            }
         }
         page_.emplace(std::move(options), control_, bulletin_);
     }

@@ -28,6 +28,7 @@ public:
     // With as much of the trace as fits in so many rows.
     [[nodiscard]] View view(size_t rows) const;
 
+    void greet(const std::string& words) { remark_ = words; }
     // The person has left.
     [[nodiscard]] bool is_over() const noexcept { return over_; }
 
@@ -57,9 +58,10 @@ private:
 };
 
 // Plays the PIN pad and shows its face in the terminal until the person leaves, a signal to end comes or the PIN pad is
-// told to stop. Calls `ready` once the terminal is there. Throws std::runtime_error when there is none that can show
-// it, and what PinPad::run() throws.
-void show_face(PinPad& pinPad, const Cards& cards, const Feed& feed, const std::function<void()>& ready);
+// told to stop. The greeting is there until the person does something. Calls `ready` once the terminal is there. Throws
+// std::runtime_error when there is none that can show it, and what PinPad::run() throws.
+void show_face(PinPad& pinPad, const Cards& cards, const Feed& feed, const std::function<void()>& ready,
+               const std::string& greeting = "");
 
 }  // namespace quorvel::sim
 

@@ -100,8 +100,10 @@ private:
 
 }  // namespace
 
-void show_face(PinPad& pinPad, const Cards& cards, const Feed& feed, const std::function<void()>& ready) {
+void show_face(PinPad& pinPad, const Cards& cards, const Feed& feed, const std::function<void()>& ready,
+               const std::string& greeting) {
     Face face(pinPad, cards, feed);
+    face.greet(greeting);
     const NoticeSignals noticeSignals(feed.wake_up());
     Terminal terminal;
     Playing playing(pinPad, feed.wake_up());

@@ -183,12 +183,12 @@ std::vector<Progress::Line> Judge::progress() const {
         const uint32_t line = ordered_[i].expected.line;
         const bool failed = std::ranges::find(complaints_, line, &Complaint::line) != complaints_.end();
         const Mark mark = failed ? Mark::kFailed : i < next_ ? Mark::kDone : i == next_ ? Mark::kNow : Mark::kDue;
-        lines.push_back({line, names_in(ordered_[i].expected), mark});
+        lines.push_back({line, words_for(ordered_[i].expected), names_in(ordered_[i].expected), mark});
     }
     for (const Count& count : anywhere_) {
         const bool exceeded = count.expected.times && count.met > *count.expected.times;
         const Mark mark = exceeded ? Mark::kFailed : is_met(count.expected.times, count.met) ? Mark::kDone : Mark::kDue;
-        lines.push_back({count.expected.line, names_in(count.expected), mark});
+        lines.push_back({count.expected.line, words_for(count.expected), names_in(count.expected), mark});
     }
     return lines;
 }

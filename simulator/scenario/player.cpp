@@ -50,7 +50,7 @@ std::vector<Progress::Line> Player::progress() const {
         const auto mark = step < next_    ? Progress::Mark::kDone
                           : step == next_ ? Progress::Mark::kNow
                                           : Progress::Mark::kDue;
-        lines.push_back({step->line, step->words, mark});
+        lines.push_back({step->line, step->words, step->openWords, mark});
     }
     return lines;
 }

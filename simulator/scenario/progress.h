@@ -17,6 +17,8 @@ struct Progress {
     struct Line {
         uint32_t line = 0;
         std::string words;
+        // Without values that may be private.
+        std::string openWords;
         Mark mark = Mark::kDue;
 
         bool operator==(const Line&) const = default;

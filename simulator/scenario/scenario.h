@@ -37,6 +37,8 @@ struct Step {
     uint32_t line = 0;
     // As the file has it: insert = "visa-chip".
     std::string words;
+    // What is typed, which may be a PIN, is left out.
+    std::string openWords = {};
     std::variant<Wait, Pause, Deed> what;
 };
 

@@ -36,11 +36,23 @@ json to_json(const toml::node& node) {
     return whole;
 }
 
+// Digits that are typed or pressed may be a PIN's.
+json open_value(const std::string& key, json value) {
+    const bool isText = value.is_string();
+    const bool isDigit = isText && value.get_ref<const std::string&>().size() == 1
+                         && is_digit(digit(value.get_ref<const std::string&>().front()));
+    if ((key == "type" && isText) || (key == "press" && isDigit)) { return "..."; }
+    for (auto& [inner, each] : value.items()) {
+        if (value.is_structured()) { each = open_value(value.is_object() ? inner : key, each); }
+    }
+    return value;
+}
+
 // As the file has it.
-std::string words_of(TomlTable& table) {
+std::string words_of(TomlTable& table, json (*shown)(const std::string& key, json value)) {
     std::string words;
     for (const std::string& key : table.keys()) {
-        words += fmt::format("{}{} = {}", words.empty() ? "" : ", ", key, to_json(*table.node(key)).dump());
+        words += fmt::format("{}{} = {}", words.empty() ? "" : ", ", key, shown(key, to_json(*table.node(key))).dump());
     }
     return words;
 }
@@ -160,7 +172,11 @@ CommandIds command_ids(TomlTable& table, std::string_view key) {
 Step read_step(TomlTable& table, const Cards& cards) {
     require_alone(table, "wait");
     require_alone(table, "pause");
-    Step step{.line = table.line(), .words = words_of(table), .what = Step::Pause{}};
+    const auto whole = [](const std::string& /*key*/, json value) { return value; };
+    Step step{.line = table.line(),
+              .words = words_of(table, whole),
+              .openWords = words_of(table, open_value),
+              .what = Step::Pause{}};
     if (table.has("wait")) {
         step.what = Step::Wait{command_ids(table, "wait")};
     } else if (table.has("pause")) {

@@ -11,13 +11,11 @@ namespace quorvel::sim::web {
 
 namespace {
 
-constexpr int kHighestPort = 65535;
-
 std::optional<int> port_of(std::string_view digits) {
     int port = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
     const bool whole = error == std::errc() && end == digits.data() + digits.size();
-    return whole && port >= 0 && port <= kHighestPort ? std::optional(port) : std::nullopt;
+    return whole && port >= 0 && port <= Address::kHighestPort ? std::optional(port) : std::nullopt;
 }
 
 // Without brackets; empty for what is no host.

@@ -10,6 +10,8 @@ namespace quorvel::sim::web {
 
 // Where a page is served.
 struct Address {
+    static constexpr int kHighestPort = 65535;
+
     // Without the brackets of an IPv6 address.
     std::string host = "127.0.0.1";
     // 0 for any that is free.

@@ -27,11 +27,12 @@ constexpr std::array<std::pair<Progress::Mark, std::string_view>, 4> kMarks{{{Pr
                                                                              {Progress::Mark::kDone, "done"},
                                                                              {Progress::Mark::kFailed, "failed"}}};
 
-json to_json(const std::vector<Progress::Line>& lines) {
+json to_json(const std::vector<Progress::Line>& lines, bool withheld) {
     json list = json::array();
     for (const Progress::Line& line : lines) {
         const auto* mark = std::ranges::find(kMarks, line.mark, &std::pair<Progress::Mark, std::string_view>::first);
-        list.push_back({{"line", line.line}, {"words", line.words}, {"status", mark->second}});
+        list.push_back(
+            {{"line", line.line}, {"words", withheld ? line.openWords : line.words}, {"status", mark->second}});
     }
     return list;
 }
@@ -52,9 +53,11 @@ Reporter::~Reporter() {
 void Reporter::work() {
     while (bulletin_.await_touch(kLongest) && !stopping_) {
         if (readers_ == 0) { continue; }
-        const std::lock_guard lock(mutex_);
-        report_quick();
-        if (Clock::now() >= slowAt_) { report_slow(); }
+        {
+            const std::lock_guard lock(mutex_);
+            report_quick();
+            if (Clock::now() >= slowAt_) { report_slow(); }
+        }
         std::this_thread::sleep_for(kPause);
     }
 }
@@ -128,26 +131,19 @@ json Reporter::findings() const {
     return {{"findings", list}, {"count", all.size()}};
 }
 
-// What is typed may be a PIN, and a complaint may hold anything that the host has sent.
-void Reporter::withhold(Progress& progress) {
-    for (Progress::Line& step : progress.steps) {
-        if (step.words.starts_with("type")) { step.words = "type = \"...\""; }
-    }
-    for (std::string& complaint : progress.complaints) {
-        const size_t text = complaint.find(": ");
-        complaint = complaint.substr(0, text) + ": not as expected";
-    }
-}
-
 json Reporter::scenario() const {
     if (performance_ == nullptr) { return nullptr; }
     Progress progress;
     control_.pin_pad().visit([&](const Device& /*device*/) { progress = performance_->progress(); });
-    if (values_ == Bulletin::Values::kWithheld) { withhold(progress); }
+    const bool withheld = values_ == Bulletin::Values::kWithheld;
+    // A complaint may hold anything that the host has sent.
+    for (std::string& complaint : progress.complaints) {
+        if (withheld) { complaint = complaint.substr(0, complaint.find(": ")) + ": not as expected"; }
+    }
     return {{"file", performance_->scenario().file},
             {"title", performance_->scenario().title},
-            {"steps", to_json(progress.steps)},
-            {"expectations", to_json(progress.expectations)},
+            {"steps", to_json(progress.steps, withheld)},
+            {"expectations", to_json(progress.expectations, withheld)},
             {"complaints", progress.complaints}};
 }
 

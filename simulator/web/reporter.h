@@ -52,7 +52,6 @@ private:
     void report_quick();
     void report_slow();
     void post_answer(const std::string& verb);
-    static void withhold(Progress& progress);
     [[nodiscard]] nlohmann::json state() const;
     [[nodiscard]] nlohmann::json cards() const;
     [[nodiscard]] nlohmann::json findings() const;

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <httplib.h>
@@ -22,6 +23,7 @@
 #include "simulator/control/verbs.h"
 #include "simulator/keys/random.h"
 #include "simulator/web/access.h"
+#include "simulator/web/connection.h"
 #include "simulator/web/page_file.h"
 #include "simulator/web/reporter.h"
 #include "simulator/web/workers.h"
@@ -40,8 +42,6 @@ constexpr unsigned kMostListeners = 16;
 constexpr unsigned kMostAwaits = 8;
 constexpr size_t kLongestRequest = 65536;
 constexpr size_t kFirstLines = 1000;
-constexpr time_t kPatience = 5;
-constexpr time_t kFirstByte = 1;
 constexpr auto kLook = std::chrono::milliseconds(500);
 constexpr auto kQuiet = std::chrono::seconds(10);
 // Between what one browser is told and what it is told next.
@@ -53,9 +53,12 @@ constexpr const char* kPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob:; connect-src 'self'; base-uri "
     "'none'; form-action 'none'; frame-ancestors 'none'";
 
+// Invalid UTF-8 does not stop it.
+std::string text_of(const json& value) { return value.dump(-1, ' ', false, json::error_handler_t::replace); }
+
 void refuse(Response& response, int status, std::string_view error) {
     response.status = status;
-    response.set_content(refusal(error).dump(), kJson);
+    response.set_content(text_of(refusal(error)), kJson);
 }
 
 json keys() {
@@ -161,10 +164,12 @@ public:
         bind();
         thread_ = std::thread([this] { server_.listen_after_bind(); });
         while (!server_.is_running()) { std::this_thread::sleep_for(std::chrono::milliseconds(1)); }
+        server_.widen_queue();
     }
 
     ~Site() {
         bulletin_.close();
+        server_.hang_up();
         workers_.open();
         server_.stop();
         thread_.join();
@@ -193,11 +198,6 @@ private:
         server_.new_task_queue = [this] { return new Queue(workers_); };
         server_.set_socket_options(set_socket_options);
         server_.set_tcp_nodelay(true);
-        server_.set_read_timeout(kPatience);
-        server_.set_write_timeout(kPatience);
-        // A connection that waits for its next request would keep the program from its end.
-        server_.set_keep_alive_max_count(1);
-        server_.set_keep_alive_timeout(kFirstByte);
         server_.set_payload_max_length(kLongestRequest);
         server_.set_default_headers({{"Content-Security-Policy", kPolicy},
                                      {"X-Content-Type-Options", "nosniff"},
@@ -255,7 +255,7 @@ private:
         const auto* answer = std::get_if<json>(&outcome);
         const json given = answer != nullptr ? *answer : wait_for(std::get<Control::Await>(outcome));
         bulletin_.touch();
-        response.set_content(given.dump(-1, ' ', false, json::error_handler_t::replace), kJson);
+        response.set_content(text_of(given), kJson);
     }
 
     json wait_for(const Control::Await& await) {
@@ -275,8 +275,7 @@ private:
         }
         listener->place.line = bulletin_.line_before_last(kFirstLines);
         if (request.get_param_value("run") == run_) { listener->place.line = line_in(request).value_or(0); }
-        listener->first =
-            fmt::format("event: hello\ndata: {}\n\n", hello().dump(-1, ' ', false, json::error_handler_t::replace));
+        listener->first = fmt::format("event: hello\ndata: {}\n\n", text_of(hello()));
         response.set_chunked_content_provider(
             "text/event-stream",
             [this, listener](size_t /*offset*/, httplib::DataSink& sink) { return tell_more(*listener, sink); });
@@ -329,8 +328,12 @@ private:
     }
 
     void give_recording(Response& response) {
-        std::ifstream file(options_.recording, std::ios::binary);
-        if (options_.recording.empty() || !file) { return refuse(response, 404, "there is no recording"); }
+        std::error_code ignored;
+        // From a pipe, which may be one too, there would be nothing to read before the end.
+        const bool isThere = std::filesystem::is_regular_file(options_.recording, ignored);
+        std::ifstream file;
+        if (isThere) { file.open(options_.recording, std::ios::binary); }
+        if (!isThere || !file) { return refuse(response, 404, "there is no recording"); }
         response.set_header("Content-Disposition", "attachment; filename=\"session.rec\"");
         response.set_content(std::string(std::istreambuf_iterator<char>(file), {}), "text/plain; charset=utf-8");
     }
@@ -344,7 +347,7 @@ private:
     std::atomic<unsigned> awaits_{0};
     Workers workers_{kMostConnections};
     Reporter reporter_;
-    httplib::Server server_;
+    Server server_;
     std::thread thread_;
 };
 

@@ -238,6 +238,8 @@ TEST_F(WebTest, LetsNobodyInWithoutTheTokenOrFromElsewhere) {
         {"GET /", "", 403, "this PIN pad is not"},
         {"GET /", "Host: evil.example\r\n", 403, "this PIN pad is not \\\"evil.example\\\": --web-name takes a name"},
         {"GET /", kHost + kHost, 403, "this PIN pad is not"},
+        {"GET /", "Host: \xFF\xFE\r\n", 403, "this PIN pad is not"},
+        {"GET /", kHost + "Range: bytes=0-,0-,0-,0-\r\n", 200, "<!doctype html>"},
         {"GET /index.html", kHost, 404, ""},
         {"GET /../main.cpp", kHost, 404, ""},
         {"GET /api/events", kHost, 401, "this is not the token of this PIN pad"},
@@ -347,6 +349,22 @@ TEST_F(WebTest, GivesMediaFilesAndTheRecording) {
     EXPECT_NE(recording.head.find("Content-Disposition: attachment; filename=\"session.rec\""), std::string::npos);
 }
 
+// However slowly it goes on, and however much there is of it.
+TEST_F(WebTest, IsNotKeptFromItsEndByAHeadThatDoesNotEnd) {
+    serve();
+    Browser slow(port_);
+    slow.send("GET / HTTP/1.1\r\nX: ");
+    EXPECT_EQ(Browser(port_).ask("GET /", kHost).first, 200);
+    Browser long_(port_);
+    const std::string line = "X: " + std::string(1000, 'x') + "\r\n";
+    std::string head = "GET / HTTP/1.1\r\n" + kHost;
+    while (head.size() < 1'000'000) { head += line; }
+    EXPECT_LT(long_.send_what_goes(head), head.size());
+    const auto begin = std::chrono::steady_clock::now();
+    server_.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+}
+
 TEST_F(WebTest, TurnsTheSeventeenthListenerAway) {
     serve();
     std::list<Browser> listeners;
@@ -394,11 +412,11 @@ TEST(WebBulletin, TellsASlowReaderHowMuchItHasMissed) {
 TEST_F(WebTest, ShowsHowFarAScenarioIs) {
     Performance performance(Scenario::from_toml("a.toml", R"toml(
 title = "one"
-script = [{ wait = "GKY" }, { type = "1234" }]
+script = [{ wait = "GKY" }, { type = "1234" }, { press = "7" }, { when = "GPN", acts = [{ type = "86421" }, { press = "9" }] }]
 expect = [{ command = "GKY" }, { command = "DSP", with = 'DSP_MSG="secret"' }]
 )toml"));
     Progress progress = performance.progress();
-    ASSERT_EQ(progress.steps.size(), 2U);
+    ASSERT_EQ(progress.steps.size(), 4U);
     EXPECT_EQ(progress.steps[0].mark, Progress::Mark::kNow);
     EXPECT_EQ(progress.expectations[0].mark, Progress::Mark::kNow);
     serve(Bulletin::Values::kWithheld, &performance);
@@ -410,6 +428,8 @@ expect = [{ command = "GKY" }, { command = "DSP", with = 'DSP_MSG="secret"' }]
     EXPECT_EQ(shown["title"], "one");
     EXPECT_EQ(shown["steps"][1]["status"], "done");
     EXPECT_EQ(shown["steps"][1]["words"], "type = \"...\"");
+    EXPECT_EQ(shown["steps"][2]["words"], "press = \"...\"");
+    EXPECT_EQ(shown["steps"][3]["words"], R"(acts = [{"type":"..."},{"press":"..."}], when = "GPN")");
     EXPECT_EQ(shown["expectations"][0]["status"], "done");
     EXPECT_EQ(shown["expectations"][1]["words"], "DSP with DSP_MSG");
 }

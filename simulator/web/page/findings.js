@@ -9,6 +9,7 @@ export class Findings {
     constructor() {
         this.list = byId("finding-list");
         this.last = 0;
+        this.lastTime = "";
     }
 
     forget() {
@@ -19,11 +20,14 @@ export class Findings {
     // Those that have come since the last time; all of them, where they were forgotten or numbered anew.
     show({findings, count}) {
         const newest = findings.at(-1)?.number ?? 0;
-        if (newest < this.last || findings.length === 0) { this.forget(); }
+        const known = findings.find(({number}) => number === this.last);
+        const anew = known && known.time !== this.lastTime;
+        if (newest < this.last || findings.length === 0 || anew) { this.forget(); }
         const fresh = findings.filter(({number}) => number > this.last).reverse();
         this.list.prepend(...fresh.map((finding) => this.item(finding)));
         while (this.list.children.length > MOST) { this.list.lastChild.remove(); }
         this.last = newest;
+        this.lastTime = findings.at(-1)?.time ?? "";
         say(byId("finding-count"), count === 0 ? "none" : `${count}`);
         byId("findings").classList.toggle("some", count > 0);
         byId("clear-findings").disabled = count === 0;

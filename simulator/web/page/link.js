@@ -11,11 +11,13 @@ export const REFUSED = "This link is not this PIN pad's (any more): open the one
 // The token leaves the address bar, as that is what people copy and show.
 export function take_token() {
     const found = /(?:^#|&)token=([^&]+)/.exec(location.hash);
-    if (found) {
-        sessionStorage.setItem(KEPT, found[1]);
-        history.replaceState(null, "", location.pathname);
-    }
-    return sessionStorage.getItem(KEPT) ?? "";
+    // A link that is opened where the page is already changes nothing but this.
+    addEventListener("hashchange", () => { if (location.hash.includes("token=")) { location.reload(); } });
+    if (found) { history.replaceState(null, "", location.pathname); }
+    try {
+        if (found) { sessionStorage.setItem(KEPT, found[1]); }
+        return sessionStorage.getItem(KEPT) ?? "";
+    } catch { return found?.[1] ?? ""; }
 }
 
 class Refused extends Error {}
