@@ -19,8 +19,6 @@ namespace {
 
 // So that one who was away, or is slow, gets them piece by piece.
 constexpr size_t kMostAtOnce = 200;
-// Between two pieces, so that whoever looks on takes little of the processor from the PIN pad.
-constexpr std::chrono::milliseconds kPause{20};
 
 std::string event(std::string_view name, std::string_view data) {
     return fmt::format("event: {}\ndata: {}\n\n", name, data);
