@@ -21,16 +21,6 @@ from conftest import Page, PinPad, until  # noqa: E402
 REGION = re.compile(r"(<!-- figures of the page -->\n).*?(<!-- end -->)", re.DOTALL)
 SLICES = 11
 SHOW = b"DSP032" + b"%-32s" % b"HELLO"
-CLICK = """
-    const [typed, done] = arguments;
-    const start = performance.now();
-    new MutationObserver((_, observer) => {
-        if (!document.getElementById("display").textContent.includes(typed)) { return; }
-        observer.disconnect();
-        requestAnimationFrame(() => done(performance.now() - start));
-    }).observe(document.getElementById("display"), {childList: true, subtree: true});
-    document.querySelector("[data-key='7']").click();
-"""
 WATCH = """
     window.longest = 0;
     let last = performance.now();
@@ -72,7 +62,7 @@ def clicks(page, pin_pad, count):
         page.shows("INSERT")
         page.type("i")
         page.shows("ENTER THE PIN")
-        took += [page.driver.execute_async_script(CLICK, "*" * (i + 1)) for i in range(9)]
+        took += [page.click_to_display("*" * (i + 1)) for i in range(9)]
         page.type("i")
         till.wait(20)
     return sorted(took[:count])

@@ -9,6 +9,7 @@
 #include "simulator/control/utf8.h"
 #include "simulator/control/verbs.h"
 #include "simulator/watch/listen.h"
+#include "simulator/web/json_text.h"
 #include "wire/words.h"
 
 namespace quorvel::sim::web {
@@ -19,13 +20,6 @@ namespace {
 
 // So that one who was away, or is slow, gets them piece by piece.
 constexpr size_t kMostAtOnce = 200;
-
-std::string event(std::string_view name, std::string_view data) {
-    return fmt::format("event: {}\ndata: {}\n\n", name, data);
-}
-
-// Invalid UTF-8 does not stop it.
-std::string text_of(const json& value) { return value.dump(-1, ' ', false, json::error_handler_t::replace); }
 
 json revealed(const Traffic& traffic) {
     json line = to_json(traffic);
@@ -121,20 +115,19 @@ bool Bulletin::is_closed() const {
 bool Bulletin::has_more(const Place& place) const { return place.line < last_ || place.news < lastNews_; }
 
 std::string Bulletin::take(Place& place, std::chrono::milliseconds longest) {
-    std::vector<std::pair<uint64_t, const News*>> news;
     std::vector<Line> lines;
     std::string text;
     std::unique_lock lock(mutex_);
     changed_.wait_for(lock, longest, [&] { return closed_ || has_more(place); });
     for (const auto& [name, each] : news_) {
-        if (each.number > place.news) { text += event(name, each.data); }
+        if (each.number > place.news) { text += server_sent_event(name, each.data); }
     }
     place.news = lastNews_;
     // One that has seen more than there is has seen another run's.
     place.line = std::min(place.line, last_);
     const uint64_t first = last_ - lines_.size();
     if (place.line < first) {
-        text += event("missed", fmt::format("{{\"count\":{}}}", first - place.line));
+        text += server_sent_event("missed", fmt::format("{{\"count\":{}}}", first - place.line));
         place.line = first;
     }
     const auto begin = lines_.begin() + static_cast<std::ptrdiff_t>(place.line - first);
@@ -157,7 +150,7 @@ std::string Bulletin::event_of(uint64_t number, const Line& line) const {
         data["from"] = "finding";
     }
     data["number"] = number;
-    return fmt::format("id: {}\n{}", number, event("line", text_of(data)));
+    return fmt::format("id: {}\n{}", number, server_sent_event("line", text_of(data)));
 }
 
 }  // namespace quorvel::sim::web

@@ -10,6 +10,7 @@
 
 #include "simulator/control/utf8.h"
 #include "simulator/control/verbs.h"
+#include "simulator/web/json_text.h"
 
 namespace quorvel::sim::web {
 
@@ -36,8 +37,6 @@ json to_json(const std::vector<Progress::Line>& lines, bool withheld) {
     }
     return list;
 }
-
-std::string text_of(const json& value) { return value.dump(-1, ' ', false, json::error_handler_t::replace); }
 
 }  // namespace
 

@@ -24,6 +24,7 @@
 #include "simulator/keys/random.h"
 #include "simulator/web/access.h"
 #include "simulator/web/connection.h"
+#include "simulator/web/json_text.h"
 #include "simulator/web/page_file.h"
 #include "simulator/web/reporter.h"
 #include "simulator/web/workers.h"
@@ -52,9 +53,6 @@ constexpr const char* kJson = "application/json";
 constexpr const char* kPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob:; connect-src 'self'; base-uri "
     "'none'; form-action 'none'; frame-ancestors 'none'";
-
-// Invalid UTF-8 does not stop it.
-std::string text_of(const json& value) { return value.dump(-1, ' ', false, json::error_handler_t::replace); }
 
 void refuse(Response& response, int status, std::string_view error) {
     response.status = status;
@@ -275,7 +273,7 @@ private:
         }
         listener->place.line = bulletin_.line_before_last(kFirstLines);
         if (request.get_param_value("run") == run_) { listener->place.line = line_in(request).value_or(0); }
-        listener->first = fmt::format("event: hello\ndata: {}\n\n", text_of(hello()));
+        listener->first = server_sent_event("hello", text_of(hello()));
         response.set_chunked_content_provider(
             "text/event-stream",
             [this, listener](size_t /*offset*/, httplib::DataSink& sink) { return tell_more(*listener, sink); });

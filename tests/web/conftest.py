@@ -208,6 +208,19 @@ class Page:
     def script(self, source, *arguments):
         return self.driver.execute_script(source, *arguments)
 
+    def click_to_display(self, typed):
+        """Milliseconds from a click on a digit until the display shows what is typed then."""
+        return self.driver.execute_async_script("""
+            const [typed, done] = arguments;
+            const start = performance.now();
+            new MutationObserver((_, observer) => {
+                if (!document.getElementById("display").textContent.includes(typed)) { return; }
+                observer.disconnect();
+                requestAnimationFrame(() => done(performance.now() - start));
+            }).observe(document.getElementById("display"), {childList: true, subtree: true});
+            document.querySelector("[data-key='7']").click();
+        """, typed)
+
     def picture(self, name):
         PICTURES.mkdir(parents=True, exist_ok=True)
         self.driver.save_screenshot(str(PICTURES / f"{name}.png"))
