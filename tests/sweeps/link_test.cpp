@@ -73,6 +73,24 @@ TEST(Opening, LeavesNothingBehindWhereverItFails) {
     }
 }
 
+// Each of the four purges gives up after 3 s, having looked at the line a few times rather than at each byte.
+TEST(Opening, OfALineThatNeverFallsSilentFailsInTimeAndAtLittleCost) {
+    memory::Line line;
+    std::string heard;
+    line.listen([&](uint8_t byte) { heard += static_cast<char>(byte); });
+    line.send_in_bytes(true);
+    line.send(std::string(40'000, 'U'));
+    const memory::Time before = line.now();
+    AbecsComm* link = nullptr;
+    EXPECT_EQ(raised_by([&] { link = abecs_comm_open(memory::kPath); }),
+              error(KOR_RESULT_IO_ERROR, "Communication error while sending CAN"));
+    EXPECT_EQ(link, nullptr);
+    EXPECT_EQ(heard, "\x18\x18\x18");
+    EXPECT_GE(line.now() - before, 12s);
+    EXPECT_LT(line.now() - before, 13s);
+    EXPECT_LT(line.calls(), 3000U);
+}
+
 // Whatever the line does, within the limit and the little that a byte takes.
 TEST(Limit, IsKept) {
     Rig rig;

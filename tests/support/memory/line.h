@@ -48,6 +48,8 @@ public:
     void heal();
 
     [[nodiscard]] Time now() const { return now_; }
+    // Since the last fail().
+    [[nodiscard]] size_t calls() const { return calls_; }
     [[nodiscard]] size_t open_descriptors() const { return ports_.size() + wakers_.size(); }
     [[nodiscard]] bool hung_up() const { return hungUp_; }
 
