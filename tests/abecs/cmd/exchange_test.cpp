@@ -203,7 +203,7 @@ TEST(Limit, CountsForAWholeCall) {
     const auto expectLate = [](std::function<void()> call) {
         const Elapsed elapsed;
         EXPECT_EQ(raised_by(call), error(KOR_RESULT_TIMEOUT_ERROR, "The limit of 900 ms has passed"));
-        EXPECT_TRUE(elapsed.between(890ms, 1150ms));
+        EXPECT_TRUE(elapsed.between(890ms, 5s));
     };
     EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 900));
     link.peer.wait(600ms).any_request().wait(600ms);
@@ -237,7 +237,7 @@ TEST_F(Waits, CanBePolledAgainAfterATimeOutOrThreeDamagedFrames) {
         send(command);
         const Elapsed elapsed;
         expect_poll(command, ABECS_RSP_STAT_ST_PROCESSING);
-        EXPECT_TRUE(elapsed.between(2s, 5s));
+        EXPECT_TRUE(elapsed.between(2s, 9s));
         for (int i = 0; i < 3; ++i) { link_.peer.send(frame(command.name + "013", 0x0000)).expect("15"_hex); }
         expect_poll(command, ABECS_RSP_STAT_ST_PROCESSING);
         link_.peer.response("NTM000002HI").response(command.name + "013");

@@ -18,7 +18,7 @@ TEST(Open, SetsAndClearsTheLineAndSendsCan) {
     const Elapsed elapsed;
     EXPECT_NO_RAISE(comm = abecs_comm_open(peer.path().c_str()));
     ASSERT_NE(comm, nullptr);
-    EXPECT_TRUE(elapsed.between(800ms, 3s));
+    EXPECT_TRUE(elapsed.between(800ms, 5s));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(comm), "");
     EXPECT_EQ(abecs_comm_get_send_interval(comm), 0);
     EXPECT_FALSE(comm->keySet || comm->panProtected || comm->panKeyInstalled);
@@ -48,7 +48,7 @@ TEST(Open, ThatFailsHasItsOwnError) {
         EXPECT_EQ(raised_by([&, name = path.c_str()] { comm = abecs_comm_open(name); }), error) << path;
         EXPECT_EQ(comm, nullptr);
     }
-    EXPECT_TRUE(elapsed.between(6500ms, 8s));
+    EXPECT_TRUE(elapsed.between(6500ms, 14s));
 }
 
 // Applications close in the clean-up of the block that failed; they want to know why it failed, not that the line did.
@@ -72,7 +72,7 @@ TEST(Can, IsSentAgainWhenItIsIgnoredAndReleasesABlockedLink) {
     link.peer.expect(kCan).expect_silence(1900ms).accept_can();
     const Elapsed elapsed;
     EXPECT_NO_RAISE(abecs_comm_send_can(link.comm));
-    EXPECT_TRUE(elapsed.between(2s, 3500ms));
+    EXPECT_TRUE(elapsed.between(2s, 9s));
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "");
 }
 

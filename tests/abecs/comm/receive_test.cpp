@@ -56,7 +56,7 @@ TEST_F(Receive, AsksForAFrameAgainThatStopsArriving) {
     const Elapsed elapsed;
     link.peer.send("16 12 47 13"_hex).expect(kNak).send(kGood);
     EXPECT_EQ(receive(), "GIN000");
-    EXPECT_TRUE(elapsed.between(2s + 500ms, 4s));
+    EXPECT_TRUE(elapsed.between(2s + 500ms, 9s));
 }
 
 // A byte each 1.9 s keeps every wait for the next one from ending.
@@ -68,7 +68,7 @@ TEST_F(Receive, AsksForAFrameAgainThatIsNotCompleteInThirtySeconds) {
     link.peer.expect(kNak).send(kGood);
     const Elapsed elapsed;
     EXPECT_EQ(receive(), "GIN000");
-    EXPECT_TRUE(elapsed.between(30s / kFactor + 500ms, 5s));
+    EXPECT_TRUE(elapsed.between(30s / kFactor + 500ms, 9s));
     clockSpeed = 1;
 }
 
@@ -82,7 +82,7 @@ TEST_F(Receive, RefusesAnotherFirstByteAndLeavesTheRestInTheLine) {
 TEST_F(Receive, WaitsTenSecondsForAResponse) {
     const Elapsed elapsed;
     EXPECT_EQ(read(), kTimeout);
-    EXPECT_TRUE(elapsed.between(10s, 13s));
+    EXPECT_TRUE(elapsed.between(10s, 19s));
 }
 
 // Silence is an ordinary time-out after a NAK too.
@@ -90,7 +90,7 @@ TEST_F(Receive, WaitsTwoSecondsWhileBlockedAndStaysBlocked) {
     EXPECT_NO_RAISE(abecs_comm_lock(link.comm, "GCR"));
     const Elapsed elapsed;
     EXPECT_EQ(read(), kTimeout);
-    EXPECT_TRUE(elapsed.between(2s, 3500ms));
+    EXPECT_TRUE(elapsed.between(2s, 9s));
     link.peer.send(kBad).expect(kNak);
     EXPECT_EQ(read(), kTimeout);
     EXPECT_STREQ(abecs_comm_get_blk_wait_id(link.comm), "GCR");

@@ -70,7 +70,7 @@ TEST_F(Send, WaitsTwoSecondsForTheAnswer) {
     link.peer.expect(kGin);
     const Elapsed elapsed;
     EXPECT_EQ(raised_by_sending(link, gin), kTimeout);
-    EXPECT_TRUE(elapsed.between(2s, 3500ms));
+    EXPECT_TRUE(elapsed.between(2s, 9s));
     EXPECT_EQ(gin.take(), "");
 }
 
@@ -81,7 +81,7 @@ TEST_F(Pacing, KeepsSendsAtTheirDistance) {
     send_gin();
     send_gin();
     // The library's clock counts whole milliseconds.
-    EXPECT_TRUE(first.between(399ms, 2s));
+    EXPECT_TRUE(first.between(399ms, 1900ms));
 }
 
 TEST_F(Pacing, WaitsAtMostTheIntervalWhenTheClockWasSetBack) {
