@@ -11,7 +11,7 @@ import time
 import weakref
 from collections.abc import Callable, Generator
 from types import TracebackType
-from typing import Any, Generic, TypeVar
+from typing import Any, Generic, Self, TypeVar
 
 from . import _native
 from ._records import decoded, display, wiped
@@ -58,7 +58,28 @@ class _Waker:
             os.close(self.descriptor)
 
 
-class Link:
+class _Closing:
+    """Closed by the end of a `with`. An error in that gives way to the one that ended the block."""
+
+    def close(self) -> object:
+        raise NotImplementedError
+
+    def _at_end(self) -> None:
+        self.close()
+
+    def __enter__(self) -> Self:
+        return self
+
+    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
+                 traceback: TracebackType | None) -> None:
+        try:
+            self._at_end()
+        except Error:
+            if error is None:
+                raise
+
+
+class Link(_Closing):
     """An open port with a PIN pad at it. With `claim` no other program may open it meanwhile."""
 
     def __init__(self, port: str | os.PathLike[str], claim: bool = False, whole_frames: bool = False) -> None:
@@ -277,17 +298,6 @@ class Link:
         finally:
             self._watch.deliver()
 
-    def __enter__(self) -> "Link":
-        return self
-
-    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
-                 traceback: TracebackType | None) -> None:
-        try:
-            self.close()
-        except Error:
-            if error is None:
-                raise
-
     def _look(self, poll: Poll[T], notice: Any) -> Outcome[T]:
         """Looks for an answer without waiting for one to begin."""
         with _native.lock:
@@ -357,7 +367,7 @@ class Link:
                 self._waker.rest()
 
 
-class Session:
+class Session(_Closing):
     """A session with the PIN pad, which Link.open() opens. The end of a `with` closes it: it sends CAN where the PIN
     pad may still be at work, then CLO or CLX. An error in that gives way to the one that ended the block."""
 
@@ -439,21 +449,12 @@ class Session:
             status = self.link._do(*close)
         return Answer("CLO" if short else "CLX", Status(status), status == Status.OK)
 
-    def __enter__(self) -> "Session":
-        return self
-
-    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
-                 traceback: TracebackType | None) -> None:
-        if self.closed or self.link._session() is not self:
-            return
-        try:
+    def _at_end(self) -> None:
+        if not self.closed and self.link._session() is self:
             self.close(*self._last)
-        except Error:
-            if error is None:
-                raise
 
 
-class Wait(Generic[T]):
+class Wait(_Closing, Generic[T]):
     """A request that waits for somebody. Use it with `with`, whose end sends CAN unless the answer has come, or with
     `await`. One that is dropped before that sends CAN, too."""
 
@@ -484,8 +485,6 @@ class Wait(Generic[T]):
             more = self._step()
             if self._answer is not None:
                 return self._answer
-            if self._cancelled:
-                self._end(Why.CANCELLED)
             if end is not None and time.monotonic() >= end:
                 self._end(Why.DEADLINE)
             if not more:
@@ -499,8 +498,6 @@ class Wait(Generic[T]):
             more = self._step()
             if self._answer is not None:
                 return self._answer
-            if self._cancelled:
-                self._end(Why.CANCELLED)
             if (woken and not more) or time.monotonic() >= end:
                 return None
             woken = not more and self._pause(end)
@@ -546,17 +543,6 @@ class Wait(Generic[T]):
                     await asyncio.shield(asyncio.get_running_loop().run_in_executor(None, self.close))
             raise
 
-    def __enter__(self) -> "Wait[T]":
-        return self
-
-    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
-                 traceback: TracebackType | None) -> None:
-        try:
-            self.close()
-        except Error:
-            if error is None:
-                raise
-
     def __del__(self) -> None:
         # A task that was cancelled before its first step, for instance, has only dropped it. What goes wrong stays
         # untold: the next request begins with CAN.
@@ -585,11 +571,15 @@ class Wait(Generic[T]):
         raise self._failure or Ended(why)
 
     def _step(self) -> bool:
-        """Looks at the line once. Whether it is to be looked at again without a pause."""
+        """Looks at the line once. Whether it is to be looked at again without a pause. Ended once cancel() was
+        called, unless the answer has come."""
         try:
-            return self._take(self._ask())
+            more = self._take(self._ask())
         finally:
             self._link._watch.deliver()
+        if self._answer is None and self._cancelled:
+            self._end(Why.CANCELLED)
+        return more
 
     def _pause(self, until: float | None) -> bool:
         try:

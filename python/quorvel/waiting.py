@@ -80,15 +80,15 @@ class CkeEvent(enum.IntEnum):
 class CexEvent(enum.IntEnum):
     """The first are the keys of Key."""
 
-    ENTER = 0
-    UP = 2
-    DOWN = 3
-    F1 = 4
-    F2 = 5
-    F3 = 6
-    F4 = 7
-    CLEAR = 8
-    CANCEL = 13
+    ENTER = Key.ENTER
+    UP = Key.UP
+    DOWN = Key.DOWN
+    F1 = Key.F1
+    F2 = Key.F2
+    F3 = Key.F3
+    F4 = Key.F4
+    CLEAR = Key.CLEAR
+    CANCEL = Key.CANCEL
     MAGNETIC_CARD = 90
     CHIP_REMOVED = 91
     CHIP_INSERTED = 92
@@ -228,7 +228,9 @@ def _small_numbers(numbers: Sequence[int]) -> bytes:
 
 
 @dataclass(frozen=True)
-class GoxAnswer:
+class _FirstAnswer:
+    """What a card has decided first, and how the cardholder was verified."""
+
     decision: Decision
     signature: bool
     pin_offline: bool
@@ -237,6 +239,10 @@ class GoxAnswer:
     pin_online: bool
     pin_block: bytes | None = field(repr=False)
     ksn: bytes | None
+
+
+@dataclass(frozen=True)
+class GoxAnswer(_FirstAnswer):
     emv_data: bytes | None = field(repr=False)
     items: Items
 
@@ -410,15 +416,7 @@ class Risk:
 
 
 @dataclass(frozen=True)
-class GocAnswer:
-    decision: Decision
-    signature: bool
-    pin_offline: bool
-    pin_errors: int
-    pin_blocked: bool
-    pin_online: bool
-    pin_block: bytes | None = field(repr=False)
-    ksn: bytes | None
+class GocAnswer(_FirstAnswer):
     emv_data: bytes = field(repr=False)
 
 
