@@ -270,7 +270,13 @@ TEST(Values, AreWhatTheySay) {
     EXPECT_EQ(Status::timeout.name(), "ST_TIMEOUT");
     EXPECT_EQ(Status(14).name(), "unknown");
     EXPECT_EQ(Error(ErrorCode::io, "[KOR_RESULT_IO_ERROR] read() error: 5").detail(), "read() error: 5");
-    EXPECT_EQ(name(ErrorCode::busy), "KOR_RESULT_DEVICE_BUSY");
+    for (const auto& [code, expected] : {std::pair(ErrorCode::runtime, "KOR_RESULT_RUNTIME_ERROR"),
+                                         {ErrorCode::busy, "KOR_RESULT_DEVICE_BUSY"},
+                                         {ErrorCode::crypt, "KOR_RESULT_CRYPT_ERROR"},
+                                         {ErrorCode::refused, ""},
+                                         {ErrorCode{}, ""}}) {
+        EXPECT_EQ(name(code), expected);
+    }
     EXPECT_THROW(Tables().add("009too short"), Error);
     EXPECT_EQ(to_utf8("\xC1GUA"), "\u00c1GUA");
     EXPECT_THROW(static_cast<void>(Gcx{.acquirer = 256}), Error);

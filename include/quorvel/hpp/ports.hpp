@@ -30,23 +30,9 @@ inline void probe(std::string_view port) {
 [[nodiscard]] inline std::string_view version() noexcept { return kor_version_project(); }
 
 /// The library's name of an error, "KOR_RESULT_IO_ERROR" for instance; "" for those of the wrapper.
-[[nodiscard]] constexpr std::string_view name(ErrorCode code) noexcept {
-    constexpr std::string_view kNames[] = {"",
-                                           "KOR_RESULT_RUNTIME_ERROR",
-                                           "KOR_RESULT_ILLEGAL_ARGUMENT",
-                                           "KOR_RESULT_ILLEGAL_STATE",
-                                           "KOR_RESULT_INDEX_OUT_OF_BOUNDS",
-                                           "KOR_RESULT_MALLOC_ERROR",
-                                           "KOR_RESULT_IO_ERROR",
-                                           "KOR_RESULT_TIMEOUT_ERROR",
-                                           "KOR_RESULT_FILE_NOT_FOUND",
-                                           "KOR_RESULT_ENCODING_ERROR",
-                                           "KOR_RESULT_DEVICE_BUSY",
-                                           "KOR_RESULT_PERMISSION_DENIED",
-                                           "KOR_RESULT_PROTOCOL_ERROR",
-                                           "KOR_RESULT_CRYPT_ERROR"};
-    const auto at = static_cast<size_t>(code);
-    return at < std::size(kNames) ? kNames[at] : "";
+[[nodiscard]] inline std::string_view name(ErrorCode code) noexcept {
+    const bool known = code >= ErrorCode::runtime && code <= ErrorCode::crypt;
+    return known ? kor_result_to_string(static_cast<KorResult_E>(code)) : "";
 }
 
 }  // namespace quorvel
