@@ -54,8 +54,6 @@ void Performer::exchanged(PinPad& pinPad, const Exchange& exchange) {
     cue(pinPad, Cue::When::kEnded, exchange.command);
 }
 
-void Performer::left(PinPad&) {}
-
 // Each cue once.
 bool Performer::cue(PinPad& pinPad, Cue::When when, const std::string& command) {
     const auto found = std::ranges::find_if(sale_.cues, [&](const Cue& each) {

@@ -41,7 +41,6 @@ public:
     void crossed(const Traffic& traffic);
     void waits(PinPad& pinPad, const std::string& command) override;
     void exchanged(PinPad& pinPad, const Exchange& exchange) override;
-    void left(PinPad& pinPad) override;
     void work(PinPad& pinPad, Clock::time_point now) override;
     [[nodiscard]] std::optional<Clock::time_point> due() const override;
 

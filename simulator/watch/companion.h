@@ -32,7 +32,7 @@ public:
     // A command has ended.
     virtual void exchanged(PinPad& pinPad, const Exchange& exchange) = 0;
     // A host has closed the line, after it had sent something.
-    virtual void left(PinPad& pinPad) = 0;
+    virtual void left(PinPad&) {}
 
     // First before anything is heard, then from time to time, and at due() if there is one.
     virtual void work(PinPad& pinPad, Clock::time_point now) = 0;
