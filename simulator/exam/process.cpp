@@ -26,18 +26,12 @@ using Clock = std::chrono::steady_clock;
 constexpr size_t kKept = 65536;
 constexpr int kSignalled = 128;
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
+// The texts and what stands behind them, as exec() takes it.
+std::vector<char*> pointers(std::vector<std::string>& texts, char* const* behind) {
     std::vector<char*> all;
-    all.reserve(texts.size() + 1);
     for (std::string& text : texts) { all.push_back(text.data()); }
+    for (; *behind != nullptr; ++behind) { all.push_back(*behind); }
     all.push_back(nullptr);
-    return all;
-}
-
-// The given ones stand before those of this program that have the same name, which are passed over.
-std::vector<std::string> merged(const std::vector<std::string>& given) {
-    std::vector<std::string> all = given;
-    for (char** each = environ; *each != nullptr; ++each) { all.emplace_back(*each); }
     return all;
 }
 
@@ -115,12 +109,14 @@ void Process::start(const std::vector<std::string>& command, const std::vector<s
     pipe_ = ends[0];
     const wire::Descriptor output(ends[1], "pipe2");
     std::vector<std::string> words = command;
-    std::vector<std::string> variables = merged(environment);
+    // They stand before those of this program that have the same name, which are passed over.
+    std::vector<std::string> variables = environment;
+    char* const nothing = nullptr;
     const Attributes attributes;
     const Files files(output.get());
     pid_t process = 0;
     const int error = ::posix_spawnp(&process, words.front().c_str(), files.get(), attributes.get(),
-                                     pointers(words).data(), pointers(variables).data());
+                                     pointers(words, &nothing).data(), pointers(variables, environ).data());
     require(error, words.front());
     group_ = process;
     // The C library declares it for C only.
