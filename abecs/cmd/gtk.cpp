@@ -29,10 +29,11 @@ constexpr int32_t kMaxOpenDigits = 8;
 
 const char* name_of(const DataMethod& method) { return abecs_spe_mthd_dat_to_string(method.value); }
 
-// Null, with an error raised, while there is no method.
-const DataMethod* method_of(const AbecsCmdGtkBuilder& builder) {
-    if (builder.mthdDat == kNoMethod) { return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT not set yet"), nullptr; }
-    const DataMethod* method = find_data_method(builder.mthdDat);
+// Null, with an error raised, without a builder and while it has no method.
+const DataMethod* method_of(const AbecsCmdGtkBuilder* builder) {
+    if (refuse_null(builder, "'builder' is NULL")) { return nullptr; }
+    if (builder->mthdDat == kNoMethod) { return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT not set yet"), nullptr; }
+    const DataMethod* method = find_data_method(builder->mthdDat);
     if (method == nullptr) { raise(KOR_RESULT_RUNTIME_ERROR, "Unhandled case"); }
     return method;
 }
@@ -99,8 +100,7 @@ void abecs_cmd_gtk_builder_mthd_dat(AbecsCmdGtkBuilder* builder, AbecsSpeMthdDat
 }
 
 void abecs_cmd_gtk_builder_iv_cbc(AbecsCmdGtkBuilder* builder, const uint8_t* ivCbc) {
-    if (refuse_null(builder, "'builder' is NULL")) { return; }
-    const DataMethod* method = method_of(*builder);
+    const DataMethod* method = method_of(builder);
     if (method == nullptr) { return; }
     if (!method->chained) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not uses SPE_IVCBC", name_of(*method));
@@ -119,8 +119,7 @@ void abecs_cmd_gtk_builder_opn_dig(AbecsCmdGtkBuilder* builder, int32_t opnDig) 
 }
 
 void abecs_cmd_gtk_builder_key_idx(AbecsCmdGtkBuilder* builder, uint8_t keyIdx) {
-    if (refuse_null(builder, "'builder' is NULL")) { return; }
-    const DataMethod* method = method_of(*builder);
+    const DataMethod* method = method_of(builder);
     if (method == nullptr) { return; }
     if (!method->has_key_index()) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not use SPE_KEYIDX", name_of(*method));
@@ -130,8 +129,7 @@ void abecs_cmd_gtk_builder_key_idx(AbecsCmdGtkBuilder* builder, uint8_t keyIdx) 
 }
 
 void abecs_cmd_gtk_builder_wk_enc(AbecsCmdGtkBuilder* builder, const AbecsCmdGtkWkEnc* wkEnc) {
-    if (refuse_null(builder, "'builder' is NULL")) { return; }
-    const DataMethod* method = method_of(*builder);
+    const DataMethod* method = method_of(builder);
     if (method == nullptr) { return; }
     if (method->workingKeySize == 0) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not uses SPE_WKENC", name_of(*method));
@@ -145,8 +143,7 @@ void abecs_cmd_gtk_builder_wk_enc(AbecsCmdGtkBuilder* builder, const AbecsCmdGtk
 }
 
 void abecs_cmd_gtk_builder_pbk_mod(AbecsCmdGtkBuilder* builder, const uint8_t* pbkMod) {
-    if (refuse_null(builder, "'builder' is NULL")) { return; }
-    const DataMethod* method = method_of(*builder);
+    const DataMethod* method = method_of(builder);
     if (method == nullptr) { return; }
     if (!method->has_public_key()) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not use SPE_not SPE_PBKMOD", name_of(*method));
@@ -156,8 +153,7 @@ void abecs_cmd_gtk_builder_pbk_mod(AbecsCmdGtkBuilder* builder, const uint8_t* p
 }
 
 void abecs_cmd_gtk_builder_pbk_exp(AbecsCmdGtkBuilder* builder, const AbecsCmdGtkPbkExp* pbkExp) {
-    if (refuse_null(builder, "'builder' is NULL")) { return; }
-    const DataMethod* method = method_of(*builder);
+    const DataMethod* method = method_of(builder);
     if (method == nullptr) { return; }
     if (!method->has_public_key()) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "SPE_MTHDDAT (%s) does not use SPE_not SPE_PBKEXP", name_of(*method));
