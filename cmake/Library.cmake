@@ -20,6 +20,7 @@ unset(CMAKE_REQUIRED_LINK_OPTIONS)
 
 # The C++ language without its runtime: errors leave by longjmp, so nothing here may throw or own a destructor.
 add_library(quorvel_library_rules INTERFACE)
+string(COMPARE NOTEQUAL "${QUORVEL_SANITIZE}" "" sanitized)
 target_compile_options(quorvel_library_rules INTERFACE
   -fvisibility=hidden
   -fstack-protector-strong
@@ -27,6 +28,8 @@ target_compile_options(quorvel_library_rules INTERFACE
   $<$<BOOL:${QUORVEL_HAS_CF_PROTECTION}>:-fcf-protection>
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fvisibility-inlines-hidden>
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wglobal-constructors>
+  # The sweeps under the sanitizers are nothing but calls of it.
+  $<$<AND:$<CONFIG:Debug>,$<BOOL:${sanitized}>>:-O1>
   # Small, because nearly all the time goes to the line. With frame pointers the unwind tables are smaller, too.
   $<$<NOT:$<CONFIG:Debug>>:-Oz -fno-omit-frame-pointer -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 if(QUORVEL_COVERAGE)

@@ -1,13 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
-# run.sh <cmake> <source folder> <build folder> <C compiler> <C++ compiler> <library folder> [<flag> ...]: installs the
-# build into an empty prefix, then builds and runs a small program in C and one in C++ against it through find_package,
+# run.sh <cmake> <source folder> <build folder> <C compiler> <C++ compiler> <library folder>: installs the build into
+# an empty prefix, then builds and runs a small program in C and one in C++ against it through find_package,
 # and the former through pkg-config; and the tests of examples/fixture, which play a PIN pad themselves.
 set -euo pipefail
 cmake=$1 source=$2 build=$3 cc=$4 cxx=$5 libdir=$6
-shift 6
-flags=(-Wall -Wextra -Wpedantic -Werror "$@")
+flags=(-Wall -Wextra -Wpedantic -Werror)
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
