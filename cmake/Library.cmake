@@ -49,7 +49,7 @@ function(quorvel_layer name folder)
 endfunction()
 
 # Making a key is nothing but this arithmetic.
-set_source_files_properties(crypt/modulus.cpp PROPERTIES COMPILE_OPTIONS -O2)
+set_source_files_properties(crypt/modulus_multiply.cpp PROPERTIES COMPILE_OPTIONS -O1)
 
 quorvel_layer(quorvel_core core)
 quorvel_layer(quorvel_crypt crypt)
