@@ -6,9 +6,10 @@ import re
 import sys
 from pathlib import Path
 
-FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+import page_links
+from page_links import FENCE
+
 SOURCE = re.compile(r"<!-- from (\S+) -->\n$")
-LINK = re.compile(r"\[[^]]*\]\(([^)#\s]*)(?:#([^)\s]+))?\)")
 CODE = ("c", "cpp", "python", "go", "java", "lua", "pascal")
 FUNCTION = re.compile(r"\b_*(?:kor|abecs|crypt)_[a-z0-9_]+\*?")
 CONSTANT = re.compile(r"\b(?:KOR|ABECS|CRYPT)_[A-Z0-9_]+\b")
@@ -18,10 +19,10 @@ def line_of(text: str, position: int) -> int:
     return text.count("\n", 0, position) + 1
 
 
-def anchors(text: str) -> set:
-    """What a page's headings are called in links."""
+def anchors(text: str) -> list:
+    """What a page's headings are called in links, one by one."""
     titles = re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE)
-    return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
+    return [re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles]
 
 
 def covers(name: str, others) -> bool:
@@ -44,14 +45,12 @@ def quotes(root: Path, text: str):
 
 
 def links(page: Path, text: str):
-    for link in LINK.finditer(FENCE.sub(lambda block: re.sub(r"[^\n]", " ", block[0]), text)):
-        if "://" in link[1]:
-            continue
-        target = page.parent / link[1] if link[1] else page
+    for at, name, heading in page_links.links(text):
+        target = page.parent / name if name else page
         if not target.exists():
-            yield link.start(), f"a link to {link[1]}, which is not there"
-        elif link[2] and link[2] not in anchors(target.read_text()):
-            yield link.start(), f"a link to #{link[2]}, which {target.name} does not have"
+            yield at, f"a link to {name}, which is not there"
+        elif heading and (times := anchors(target.read_text()).count(heading)) != 1:
+            yield at, f"a link to #{heading}, which {target.name} " + (f"has {times} times" if times else "does not have")
 
 
 def names(text: str, functions: set, constants: set):
@@ -66,7 +65,7 @@ def names(text: str, functions: set, constants: set):
 
 def missing(page: str, text: str, wanted):
     """Whether a page that is to be complete names all of these."""
-    said = set(FUNCTION.findall(text)) | set(CONSTANT.findall(text)) | {link[0] for link in LINK.findall(text)}
+    said = set(FUNCTION.findall(text)) | set(CONSTANT.findall(text)) | {name for _, name, _ in page_links.links(text)}
     for name in sorted(wanted):
         if not any(covers(one, {name}) for one in said):
             yield f"docs/{page}:1: leaves out {name}"

@@ -33,6 +33,13 @@ DOCS = {
                       "\n<!-- from examples/a.c -->\n```c\nint b;\nint c;\n```\n",
     "docs/commands.md": "`abecs_cmd_gin`, `abecs_cmd_gcx_builder_*`; [names](errors.md#on-errors)\n",
 }
+# As they lie when they are installed.
+GUIDES = {
+    "share/doc/quorvel/README.md": '[a](docs/a.md#x)\n<img src="docs/b.png">\n```\n[c](docs/c.md)\n```\n[d](https://d.example/e)\n',
+    "share/doc/quorvel/docs/a.md": "[h](../include/a.h), [here](#x)\n![b](b.png)\n",
+    "share/doc/quorvel/docs/b.png": "",
+    "share/doc/quorvel/include/a.h": "",
+}
 PAGE = ("`abecs_cmd_abc`\n<!-- exchange: abc -->\n| ABC_N | 2 | N |\n| SPE_TIMEOUT | 000C | 1 |\n| PP_SERNUM | 8001 | |\n"
         "| 0 ST_OK |\n| 12 ST_TIMEOUT |\n")
 COMMANDS = {
@@ -109,6 +116,17 @@ CASES = [
     ("docs", "README.md", "[x](docs/README.md)\n```java\nint b;\n```", "docs/../README.md:2: code without the file"),
     ("docs", "docs/commands.md", "`abecs_cmd_*`\n```lua\na[b](c)\n```\n<!-- from examples/a.c -->", "code without the file"),
     ("docs", "docs/commands/abc.md", "[x](x.md)", "docs/commands/abc.md:1: a link to x.md"),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n<img width=1\n src='x.png'>", "docs/commands.md:2: a link to x.png"),
+    ("docs", "docs/commands.md", '`abecs_cmd_*` <img src="errors.md"> <img src="https://x.example/x.png">', ""),
+    ("docs", "docs/commands.md", '`abecs_cmd_*`\n```html\n<img src="x.png">\n```\n# X\n# X\n', ""),
+    ("docs", "docs/commands.md", "`abecs_cmd_*`\n# X\n## x!\n[x](#x)", "docs/commands.md:4: a link to #x, which commands.md has 2 times"),
+    ("docs", "docs/errors.md", DOCS["docs/errors.md"].replace("[here](#on-errors)", "") + "# On errors\n",
+     "docs/commands.md:1: a link to #on-errors, which errors.md has 2 times"),
+    ("guides", "share/doc/quorvel/docs/b.md", "[a](a.md)", ""),
+    ("guides", "share/doc/quorvel/docs/b.md", "[a](../a.md)", "docs/b.md:1: a link to ../a.md, which is not installed"),
+    ("guides", "share/doc/quorvel/docs/b.md", '\n<img src="a.png">', "docs/b.md:2: a link to a.png"),
+    ("guides", "share/doc/quorvel/docs/b.md", "[a](../../../../..)", "a link to ../../../../.., which is not installed"),
+    ("guides", "share/doc/quorvel/python/README.md", "[a](a.md)", "python/README.md:1: a link to a.md"),
     ("commands", "docs/commands/abc.md", PAGE, ""),
     ("commands", "docs/commands/abc.md", PAGE.replace("abecs_cmd_abc", "abecs_cmd_ab"), "leaves out abecs_cmd_abc"),
     ("commands", "docs/commands/abc.md", PAGE.replace("ABC_N", "ABC_M"), "leaves out the field ABC_N"),
@@ -136,22 +154,26 @@ CASES = [
 ]
 
 
+SCRIPTS = {"guides": HERE.parents[1] / "debian/tests/guides"}
+TREES = {"commands": COMMANDS, "docs": SOUND | DOCS, "guides": GUIDES}
+
+
 def verdict(check: str, files: dict) -> tuple:
     with tempfile.TemporaryDirectory() as root:
         for name, text in files.items():
             path = Path(root, name)
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(text)
-        done = subprocess.run([sys.executable, HERE / f"{check}.py", root], capture_output=True, text=True)
+        done = subprocess.run([sys.executable, SCRIPTS.get(check, HERE / f"{check}.py"), root], capture_output=True, text=True)
         return done.returncode, done.stdout.strip() + done.stderr
 
 
 wrong = 0
 UNLICENSED = [("sources", name, None, f"{name}:1: no licence head") for name in ("core/x.cpp", "cli/x.cpp", "wire/x.h")]
 for check, name, text, said in [*CASES, *UNLICENSED]:
-    head = "" if check in ("docs", "commands") else CPP_HEAD
+    head = "" if check in TREES else CPP_HEAD
     body = "int a;\n" if text is None else head + text + "\n"
-    code, output = verdict(check, (COMMANDS if check == "commands" else SOUND | DOCS) | {name: body})
+    code, output = verdict(check, TREES.get(check, SOUND) | {name: body})
     if code != (1 if said else 0) or said not in output or (not said and output):
         wrong += 1
         print(f"{check} on {name} with {text!r}: exit {code}, {output!r}; expected {said!r}")
