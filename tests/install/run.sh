@@ -25,6 +25,9 @@ if grep -rlF -e "$source" -e "$build" -e "$work/first" "$prefix/$libdir/cmake" "
     echo "these files name a folder of the build"; exit 1
 fi
 
+# The guides are read where they lie: their links lead to what is installed with them, the headers among it.
+"$source/debian/tests/guides" "$prefix"
+
 # What the Debian packages are made of says the same as the build.
 diff <(LC_ALL=C sort <(echo QUORVEL_0) "$source"/cmake/{exports,additions}.txt) \
     <(sed -n 's/^ \(.*\)@QUORVEL_0 .*/\1/p' "$source/debian/libquorvel0.symbols" | LC_ALL=C sort) ||
