@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 the quorvel authors
 """commands.py <root>: each command has a page that names what the command carries, in the width that it has there, and
-the reference of parameters and statuses agrees with the pages. Prints each breach."""
+the statuses of the exchanges that it shows; and the reference of parameters and statuses agrees with the pages. Prints
+each breach."""
 import re
 import sys
 from pathlib import Path
@@ -11,6 +12,8 @@ REFERENCE = ("parameters", "statuses", "tables-records")
 NO_COMMANDS = {"ERR", "NTM"}
 PARAMETER = r"(?:SPE|PP)_[A-Z0-9]+"
 FIELD = re.compile(r'\b(digits|text|hex|withheld)\("(\w+)", (\d+)\)')
+EXCHANGE = re.compile(r"^<!-- exchange: (\w+[^\n]*?) -->\n```\n(.*?)^```$", re.M | re.S)
+ANSWERED = re.compile(r"^  [^:\n]*, (\d{3}) ST_\w+", re.M)
 FAMILY = re.compile(r"^(PP_(?:KSNDESP|KSNTDESP|KSNTDESD|TABVER))\d+$")
 
 
@@ -86,6 +89,7 @@ class Page:
                     self.parameters.setdefault(FAMILY.sub(r"\1", name), row)
         self.statuses = {int(match[1]): match[2] for row in self.rows
                          for match in [re.match(r"(\d+) ST_(\w+)$", row[0])] if match}
+        self.exchanges = {name: {int(code) for code in ANSWERED.findall(lines)} for name, lines in EXCHANGE.findall(text)}
 
 
 def page_breaches(sources: Sources, id: str, page: Page):
@@ -121,8 +125,13 @@ def page_breaches(sources: Sources, id: str, page: Page):
     for code, name in page.statuses.items():
         if sources.statuses.get(name.capitalize()) != code:
             yield f"there is no {code} ST_{name}"
-    if not re.search(rf"<!-- exchange: {lower}\b[^>]*-->", page.text):
+    if not any(re.match(rf"{lower}\b", name) for name in page.exchanges):
         yield "shows no exchange"
+    for name, codes in page.exchanges.items():
+        if not codes:
+            yield f"shows no status in the exchange '{name}'"
+        for code in sorted(codes - set(page.statuses)):
+            yield f"leaves out status {code}, which the exchange '{name}' shows"
 
 
 def links_in(text: str) -> set:

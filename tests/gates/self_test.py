@@ -40,7 +40,9 @@ GUIDES = {
     "share/doc/quorvel/docs/b.png": "",
     "share/doc/quorvel/include/a.h": "",
 }
-PAGE = ("`abecs_cmd_abc`\n<!-- exchange: abc -->\n| ABC_N | 2 | N |\n| SPE_TIMEOUT | 000C | 1 |\n| PP_SERNUM | 8001 | |\n"
+PAGE = ("`abecs_cmd_abc`\n<!-- exchange: abc, in time -->\n```\n"
+        '> 00\n  ABC a: ABC_N "it, 013 ST_CANCEL"\n< 01\n  ABC a, 000 ST_OK: 1\n```\n'
+        "| ABC_N | 2 | N |\n| SPE_TIMEOUT | 000C | 1 |\n| PP_SERNUM | 8001 | |\n"
         "| 0 ST_OK |\n| 12 ST_TIMEOUT |\n")
 COMMANDS = {
     "cmake/exports.txt": "abecs_cmd_abc\n",
@@ -139,6 +141,11 @@ CASES = [
     ("commands", "docs/commands/abc.md", PAGE.replace("12 ST_TIMEOUT", "12 ST_TIMEUP"), "there is no 12 ST_TIMEUP"),
     ("commands", "docs/commands/abc.md", PAGE + "| 13 ST_CANCEL |\n", "statuses.md: 13 is answered by abc"),
     ("commands", "docs/commands/abc.md", PAGE.replace("exchange", "change"), "shows no exchange"),
+    ("commands", "docs/commands/abc.md", PAGE.replace(": abc,", ": abd,"), "shows no exchange"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("000 ST_OK", "done"), "shows no status in the exchange 'abc, in time'"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("000 ST_OK: 1", "013 ST_CANCEL"),
+     "abc.md: leaves out status 13, which the exchange 'abc, in time' shows"),
+    ("commands", "docs/commands/abc.md", PAGE.replace("000 ST_OK: 1", "012 ST_TIMEOUT"), ""),
     ("commands", "docs/commands/abd.md", PAGE, "abd.md: there is no such command"),
     ("commands", "docs/commands/parameters.md", "| PP_SERNUM | 8001 |", "parameters.md: leaves out SPE_TIMEOUT"),
     ("commands", "docs/commands/parameters.md", COMMANDS["docs/commands/parameters.md"].replace("abc.md", "abd.md"),
