@@ -46,10 +46,15 @@ function(quorvel_layer name folder)
   endif()
   add_library(${name} OBJECT ${sources})
   target_link_libraries(${name} PRIVATE quorvel_library_rules)
+  if(QUORVEL_FEWER_UNITS AND NOT name STREQUAL quorvel_core)
+    target_precompile_headers(${name} REUSE_FROM quorvel_core)
+  elseif(QUORVEL_FEWER_UNITS)
+    target_precompile_headers(${name} PRIVATE <algorithm> <array> <chrono> <cstring> <optional> <span> <string_view>)
+  endif()
 endfunction()
 
 # Making a key is nothing but this arithmetic.
-set_source_files_properties(crypt/modulus_multiply.cpp PROPERTIES COMPILE_OPTIONS -O1)
+set_source_files_properties(crypt/modulus_multiply.cpp PROPERTIES COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
 
 quorvel_layer(quorvel_core core)
 quorvel_layer(quorvel_crypt crypt)

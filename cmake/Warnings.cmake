@@ -27,7 +27,8 @@ endif()
 
 set(QUORVEL_PROGRAMS_LEVEL 1 CACHE STRING "How far the programs beside the library are optimised, other than in Debug")
 
-option(QUORVEL_FEWER_UNITS "Compile the sources of a folder of the programs together: the same, in less time" OFF)
+option(QUORVEL_FEWER_UNITS
+  "Compile the sources of a folder of the programs together, and read common headers once: the same, in less time" OFF)
 
 # quorvel_join(<target> [<name> ...]): so it is for this target's sources, eight at a time, but for those named, whose
 # own names others of their folder have, too. A build without it shows that each source includes what it needs.

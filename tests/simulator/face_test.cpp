@@ -147,7 +147,7 @@ TEST(FacePicture, HasInEachBoxWhatItIsForOrNoBoxWhateverTheSize) {
             {" Findings: 17 ", "layout: DSP"}, {" Trace ", traced},      {" Trace, End goes to the newest ", traced}};
         std::set<std::string> seen;
         for (size_t rows = 5; rows <= 60; rows += rows < 30 ? 1 : 10) {
-            for (size_t columns = 20; columns <= 200; columns += columns < 90 ? 1 : 10) {
+            for (size_t columns = 20; columns <= 200; columns += columns < 70 ? 1 : 10) {
                 SCOPED_TRACE(fmt::format("{} rows, {} columns", rows, columns));
                 const Canvas canvas = paint(view, {rows, columns});
                 expect_parts(canvas, {"APROXIME, INSIRA"});
