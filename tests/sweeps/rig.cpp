@@ -96,9 +96,9 @@ const std::vector<Command>& commands() {
     return kCommands;
 }
 
-const Command& command_of(const std::string& name) {
+const Command& command_of(std::string_view name) {
     const auto found = std::find_if(commands().begin(), commands().end(), [&](auto& row) { return row.name == name; });
-    if (found == commands().end()) { throw std::out_of_range(name); }
+    if (found == commands().end()) { throw std::out_of_range(std::string(name)); }
     return *found;
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/core/temp_dir.h"
@@ -28,7 +29,7 @@ struct Command {
 
 // Those of commands.inc, and what the keys of the host's are needed for.
 const std::vector<Command>& commands();
-const Command& command_of(const std::string& name);
+const Command& command_of(std::string_view name);
 
 // As it goes over the line in a session whose key is `kSession`.
 extern const std::string kSession;
