@@ -74,8 +74,16 @@ bool Server::process_and_close_socket(int socket) {
     Connection connection(socket, hurry_);
     bool closed = false;
     // Nothing here needs ranges, by which one request could have a file many times.
-    const bool done =
-        process_request(connection, true, closed, [](httplib::Request& request) { request.ranges.clear(); });
+    const auto arrange = [](httplib::Request& request) { request.ranges.clear(); };
+    // Newer versions of cpp-httplib want the addresses, too, which nothing here asks for.
+    const auto process = [&](auto& stream) {
+        if constexpr (requires { this->process_request(stream, true, closed, arrange); }) {
+            return this->process_request(stream, true, closed, arrange);
+        } else {
+            return this->process_request(stream, "", 0, "", 0, true, closed, arrange);
+        }
+    };
+    const bool done = process(connection);
     const std::lock_guard lock(mutex_);
     sockets_.erase(socket);
     ::shutdown(socket, SHUT_RDWR);

@@ -126,7 +126,12 @@ void set_socket_options(int socket) {
 class Queue : public httplib::TaskQueue {
 public:
     explicit Queue(Workers& workers) : workers_(workers) {}
-    void enqueue(std::function<void()> work) override { workers_.bring(std::move(work)); }
+    // Newer versions of cpp-httplib want to know whether it was taken.
+    using Taken = decltype(std::declval<httplib::TaskQueue&>().enqueue({}));
+    Taken enqueue(std::function<void()> work) override {
+        workers_.bring(std::move(work));
+        return static_cast<Taken>(true);
+    }
     void shutdown() override { workers_.finish(); }
 
 private:
