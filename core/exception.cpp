@@ -48,6 +48,12 @@ void default_uncaught_handler(int16_t code, const char* message) {
     abort_by_signal();
 }
 
+// Of the text no more than there is: most often there is none.
+void copy_record(KorException& to, const KorException& from) {
+    to.error = from.error;
+    std::memcpy(to.message, from.message, strnlen(from.message, sizeof from.message - 1) + 1);
+}
+
 void record_error(int16_t code, const char* message) {
     __cex__.error = code;
     if (message == nullptr) {
@@ -195,16 +201,17 @@ void step(KorExceptionFrameNode* frame, const Branch& body, std::span<const Catc
 // The library's only setjmp. What the branches capture lives in the caller's frame, not in this one, so nothing here
 // or there needs to be volatile.
 void kor::run_attempt(Branch body, std::span<const CatchBranch> catches, Branch cleanup) {
-    const KorException pending = __cex__;
+    KorException pending;
+    copy_record(pending, __cex__);
     const uint32_t uncaught = uncaughtCount;
     if (__kor_exception_begin_try__() == nullptr) { return; }
     // Without its code, so nothing is pending; but the text may be an argument of what is called in here.
-    std::memcpy(__cex__.message, pending.message, sizeof pending.message);
+    __cex__.message[0] = pending.message[0];
     (void)setjmp(__kor_exception_get_frame__()->jump);
     KorExceptionFrameNode* frame = __kor_exception_get_frame__();
     while (__kor_exception_next_state__(frame) != kOver) { step(frame, body, catches, cleanup); }
     // An error that nobody caught leaves a clear record behind.
-    if (uncaught == uncaughtCount) { __cex__ = pending; }
+    if (uncaught == uncaughtCount) { copy_record(__cex__, pending); }
 }
 
 uint32_t kor::uncaught_errors() { return uncaughtCount; }
