@@ -43,8 +43,8 @@ bool set_blocking(const KorSerial* handle, bool blocking);
 
 // Hands the bytes to the port, which sends them while the caller goes on; `drain` waits until they have left. False
 // after it raised, as kor_serial_write does, and when the deadline has passed, which wants a port that does not block.
-// What was written leaves the front of `bytes`.
-bool enqueue(const KorSerial* handle, std::span<const uint8_t>& bytes, Deadline deadline = Deadline::never());
+// No more than `piece` bytes go in one write. What was written leaves the front of `bytes`.
+bool enqueue(const KorSerial* handle, std::span<const uint8_t>& bytes, Deadline deadline, size_t piece = 1);
 bool drain(const KorSerial* handle, Deadline deadline = Deadline::never());
 
 }  // namespace kor

@@ -111,20 +111,26 @@ bool wait_for_room(int fd, Deadline deadline) {
     return retry([&] { return poll(&waited, 1, poll_time(deadline)); }) != 0;
 }
 
-// Writes once. The number written, or 0 after it raised or when the deadline has passed; where a line that has hung up
-// refuses the bytes, it is the drain that reports it.
-size_t write_some(const KorSerial* handle, std::span<const uint8_t> bytes, Deadline deadline = Deadline::never()) {
-    const auto attempt = [&] { return retry([&] { return write(handle->fd, bytes.data(), bytes.size()); }); };
-    ssize_t count = attempt();
-    while (count < 0 && errno == EAGAIN) {
-        if (deadline.passed() || !wait_for_room(handle->fd, deadline)) { return 0; }
-        count = attempt();
+// Goes on after a write that took nothing; `count` is what it returned.
+size_t write_after_all(const KorSerial* handle, std::span<const uint8_t> bytes, Deadline deadline, ssize_t count) {
+    while (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+        const bool full = errno == EAGAIN;
+        if (full && (deadline.passed() || !wait_for_room(handle->fd, deadline))) { return 0; }
+        count = write(handle->fd, bytes.data(), bytes.size());
     }
     if (count > 0) { return static_cast<size_t>(count); }
     // Kept across tcdrain(); a write of nothing is a failure too, or the caller would never come to an end.
     const int error = count == 0 ? EIO : errno;
     if (drain(handle)) { raise(KOR_RESULT_IO_ERROR, "write() error: %d", error); }
     return 0;
+}
+
+// Writes once. The number written, or 0 after it raised or when the deadline has passed; where a line that has hung up
+// refuses the bytes, it is the drain that reports it.
+[[gnu::always_inline]] inline size_t write_some(const KorSerial* handle, std::span<const uint8_t> bytes,
+                                                Deadline deadline) {
+    const ssize_t count = write(handle->fd, bytes.data(), bytes.size());
+    return count > 0 ? static_cast<size_t>(count) : write_after_all(handle, bytes, deadline, count);
 }
 
 // How many bytes the port has yet to send; none where it cannot tell.
@@ -145,9 +151,9 @@ size_t kor::read_arrived(const KorSerial* handle, Deadline deadline, std::span<u
     return static_cast<size_t>(count);
 }
 
-bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t>& bytes, Deadline deadline) {
+bool kor::enqueue(const KorSerial* handle, std::span<const uint8_t>& bytes, Deadline deadline, size_t piece) {
     while (!bytes.empty()) {
-        const size_t written = write_some(handle, bytes, deadline);
+        const size_t written = write_some(handle, bytes.first(std::min(piece, bytes.size())), deadline);
         if (written == 0) { return false; }
         bytes = bytes.subspan(written);
     }
@@ -168,7 +174,7 @@ void kor_serial_write(KorSerial* handle, const void* bytes, size_t length) {
     if (refuse_null(handle, "'handle' is NULL")) { return; }
     std::span left(static_cast<const uint8_t*>(bytes), length);
     while (!left.empty()) {
-        const size_t written = write_some(handle, left);
+        const size_t written = write_some(handle, left, Deadline::never());
         if (written == 0 || !drain(handle)) { return; }
         left = left.subspan(written);
     }

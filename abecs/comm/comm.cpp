@@ -62,12 +62,20 @@ void connect(AbecsComm* link, const char* portName, bool alone) {
     link->lastSend = kor_system_current_time_millis();
 }
 
+bool closes_session(const char* id) { return kor_string_equals(id, "CLO") || kor_string_equals(id, "CLX"); }
+
+void drop_keys(AbecsComm* link) {
+    abecs_comm_set_key(link, nullptr);
+    abecs_comm_set_wk_pan(link, nullptr);
+}
+
 // Keeps the first error, so that what follows it is still done.
-template <typename Step>
-void keep_error(KorException* first, Step&& step) {
-    KorException error{};
-    attempt(step).on_any([&] { kor_exception_get(&error); }).run();
-    if (first->error == KOR_RESULT_OK) { *first = error; }
+void keep_error(KorException* first, Branch step) {
+    attempt(step)
+        .on_any([&] {
+            if (first->error == KOR_RESULT_OK) { kor_exception_get(first); }
+        })
+        .run();
 }
 
 }  // namespace
@@ -124,6 +132,7 @@ void abecs_comm_send_packet(AbecsComm* pinpad, AbecsPacket* packet) {
         abecs_comm_get_cmd_id(packet, id, sizeof id);
         if (pinpad->keySet && !kor_string_equals(id, kNeverEncrypted)) { encrypted = secure_encrypt(pinpad, packet); }
         transmit(pinpad, packet, encrypted);
+        if (closes_session(id)) { drop_keys(pinpad); }
     })
         .cleanup([&] {
             end_call(pinpad, outermost);
@@ -291,11 +300,11 @@ void abecs_comm_set_wk_pan(AbecsComm* pinpad, const AbecsWkPan* wkPan) {
 
 uint16_t abecs_comm_crc16(AbecsPacket* packet, const uint8_t* prefix, const uint8_t* suffix) {
     if (refuse_null(packet, "'packet' is NULL")) { return uint16_t{0}; }
-    uint16_t crc = kCrc16.initial;
-    if (prefix != nullptr) { crc = crc16_update(crc, *prefix); }
+    const auto one = [](const uint8_t* byte) { return std::span(byte, byte != nullptr ? 1 : 0); };
     const Unread data = unread_of(packet);
-    for (const std::span<const uint8_t> piece : {data.first, data.second}) {
-        for (const uint8_t byte : piece) { crc = crc16_update(crc, byte); }
+    uint16_t crc = kCrc16.initial;
+    for (const std::span<const uint8_t> piece : {one(prefix), data.first, data.second, one(suffix)}) {
+        abecs_crc16(piece.data(), piece.size(), &crc);
     }
-    return suffix != nullptr ? crc16_update(crc, *suffix) : crc;
+    return crc;
 }

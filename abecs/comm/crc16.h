@@ -33,7 +33,7 @@ inline constexpr Crc16Parameters kCrc16{0x1021, 0x0000, 0x31C3};
 
 inline constexpr std::array<uint16_t, 256> kCrc16Table = crc16_table(kCrc16.polynomial);
 
-[[nodiscard]] constexpr uint16_t crc16_update(uint16_t crc, uint8_t byte) {
+[[nodiscard, gnu::always_inline]] constexpr uint16_t crc16_update(uint16_t crc, uint8_t byte) {
     return static_cast<uint16_t>((crc << 8) ^ kCrc16Table[static_cast<uint8_t>((crc >> 8) ^ byte)]);
 }
 

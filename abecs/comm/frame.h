@@ -3,8 +3,6 @@
 #ifndef QUORVEL_ABECS_COMM_FRAME_H
 #define QUORVEL_ABECS_COMM_FRAME_H
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -17,36 +15,51 @@ namespace abecs {
 
 [[nodiscard]] constexpr bool needs_escape(uint8_t byte) { return byte == kDc3 || byte == kSyn || byte == kEtb; }
 
-// Turns a packet's bytes into the frame's. What a call returns is overwritten by the next one.
+// Turns a packet's bytes into the frame's, which go to `frame`, one after the other.
 class FrameEncoder {
 public:
-    using Wire = std::span<const uint8_t>;
+    explicit constexpr FrameEncoder(uint8_t* frame) : next_(frame) {}
 
-    [[nodiscard]] constexpr Wire begin(bool encrypted) {
+    constexpr void begin(bool encrypted) {
         crc_ = kCrc16.initial;
-        if (!encrypted) { return emit(kSyn); }
-        crc_ = crc16_update(crc_, kDc2);
-        return emit(kSyn, kDc2);
+        emit(kSyn);
+        if (encrypted) { emit(cover(kDc2)); }
     }
 
-    [[nodiscard]] constexpr Wire data(uint8_t byte) {
-        crc_ = crc16_update(crc_, byte);
-        return needs_escape(byte) ? emit(kDc3, byte + kEscapeOffset) : emit(byte);
+    constexpr void data(std::span<const uint8_t> bytes) {
+        // Bytes written through a pointer may be anything's, members included: these two stay in registers.
+        uint16_t crc = crc_;
+        uint8_t* next = next_;
+        for (uint8_t byte : bytes) {
+            crc = crc16_update(crc, byte);
+            if (needs_escape(byte)) {
+                *next++ = kDc3;
+                byte = static_cast<uint8_t>(byte + kEscapeOffset);
+            }
+            *next++ = byte;
+        }
+        crc_ = crc;
+        next_ = next;
     }
 
-    [[nodiscard]] constexpr Wire end() {
-        crc_ = crc16_update(crc_, kEtb);
-        return emit(kEtb, crc_ >> 8, crc_);
+    // Returns the end of the frame.
+    [[nodiscard]] constexpr uint8_t* end() {
+        emit(cover(kEtb));
+        const uint16_t crc = crc_;
+        emit(static_cast<uint8_t>(crc >> 8));
+        emit(static_cast<uint8_t>(crc));
+        return next_;
     }
 
 private:
-    template <typename... Byte>
-    constexpr Wire emit(Byte... bytes) {
-        wire_ = {static_cast<uint8_t>(bytes)...};
-        return Wire(wire_.data(), sizeof...(bytes));
+    constexpr uint8_t cover(uint8_t byte) {
+        crc_ = crc16_update(crc_, byte);
+        return byte;
     }
 
-    std::array<uint8_t, 3> wire_{};
+    constexpr void emit(uint8_t byte) { *next_++ = byte; }
+
+    uint8_t* next_;
     uint16_t crc_ = kCrc16.initial;
 };
 

@@ -7,6 +7,8 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <span>
 #include <utility>
 
 #include "core/deadline.h"
@@ -30,6 +32,18 @@ struct Line {
 inline bool take_byte(Line& line, uint8_t* byte) {
     *byte = std::exchange(line.ahead[line.next++], uint8_t{0});
     return true;
+}
+
+// What has arrived and was not handed out yet.
+[[nodiscard]] inline std::span<uint8_t> ahead_of(Line& line) {
+    return std::span(line.ahead).subspan(line.next, line.end - line.next);
+}
+
+// Forgets, and wipes, the first bytes of that, unless all were forgotten in the meantime.
+inline void drop_ahead(Line& line, size_t count) {
+    if (!has_ahead(line)) { return; }
+    explicit_bzero(line.ahead.data() + line.next, count);
+    line.next += count;
 }
 
 // Takes what has arrived, waiting for it until the deadline, or until the waker ends the wait. False when nothing came

@@ -2,7 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/comm/secure.h"
 
-#include <algorithm>
 #include <span>
 
 #include "abecs/comm/comm.h"
@@ -26,9 +25,8 @@ static_assert(padding_of(11) == 1 && padding_of(12) == 16);
 
 // The first byte that does not fit is refused by itself.
 void write_piece(AbecsPacket* sealed, std::span<const uint8_t> piece) {
-    const size_t room = kor_buffer_available_write(sealed->buffer);
-    kor_buffer_write(sealed->buffer, piece.data(), std::min(piece.size(), room));
-    if (piece.size() > room) { abecs_packet_write_byte(sealed, piece[room]); }
+    const std::span<const uint8_t> rest = fill(sealed, piece);
+    if (!rest.empty()) { abecs_packet_write_byte(sealed, rest.front()); }
 }
 
 void write_content(AbecsPacket* sealed, AbecsPacket* plain) {

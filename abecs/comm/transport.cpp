@@ -51,9 +51,9 @@ void pace(AbecsComm* link) {
     if (link->line.limit.passed()) { raise_late(link); }
 }
 
-// What was written leaves the front of the bytes.
-void put(AbecsComm* link, std::span<const uint8_t>& bytes) {
-    if (!enqueue(link->line.serial, bytes, link->line.limit)) { raise_late(link); }
+// No more than `piece` in one write. What was written leaves the front of the bytes.
+void put(AbecsComm* link, std::span<const uint8_t>& bytes, size_t piece = 1) {
+    if (!enqueue(link->line.serial, bytes, link->line.limit, piece)) { raise_late(link); }
 }
 
 void put_out(AbecsComm* link) {
@@ -67,57 +67,41 @@ enum class Pace : uint8_t {
     kStepped,  // the same, waiting until each has left, for a PIN pad that was outrun
 };
 
-// Makes the frame and hands it out in small pieces.
-void encode(const AbecsPacket* packet, bool encrypted, FunctionRef<void(FrameEncoder::Wire)> put) {
+// All of it before the first byte goes out: between two calls of the system each branch costs.
+std::span<const uint8_t> encode(const AbecsPacket* packet, bool encrypted, std::array<uint8_t, kMaxFrame>& frame) {
     const Unread data = unread_of(packet);
-    FrameEncoder encoder;
-    put(encoder.begin(encrypted));
-    for (const std::span<const uint8_t> piece : {data.first, data.second}) {
-        for (const uint8_t byte : piece) { put(encoder.data(byte)); }
-    }
-    put(encoder.end());
+    FrameEncoder encoder(frame.data());
+    encoder.begin(encrypted);
+    encoder.data(data.first);
+    encoder.data(data.second);
+    return {frame.data(), encoder.end()};
 }
 
-// As soon as something is written the packet is consumed. Nothing of what it held stays behind.
-size_t write_whole(AbecsComm* link, AbecsPacket* packet, bool encrypted) {
-    std::array<uint8_t, kMaxFrame> frame;
-    size_t size = 0;
-    encode(packet, encrypted, [&](FrameEncoder::Wire wire) {
-        std::memcpy(frame.data() + size, wire.data(), wire.size());
-        size += wire.size();
-    });
-    std::span<const uint8_t> left(frame.data(), size);
-    attempt([&] { put(link, left); })
+// What went out leaves the front of the frame.
+void put_frame(AbecsComm* link, Pace pace, std::span<const uint8_t>& frame) {
+    if (pace != Pace::kStepped) { return put(link, frame, pace == Pace::kWhole ? frame.size() : 1); }
+    while (!frame.empty()) {
+        std::span<const uint8_t> byte = frame.first(1);
+        put(link, byte);
+        frame = frame.subspan(1);
+        put_out(link);
+    }
+}
+
+// As soon as something is written the packet is consumed. Nothing of what it held stays behind. When it returns the
+// frame has left, and the wait for its acknowledgement begins.
+Frame write_frame(AbecsComm* link, Pace pace, AbecsPacket* packet, bool encrypted) {
+    std::array<uint8_t, kMaxFrame> bytes;
+    const std::span<const uint8_t> frame = encode(packet, encrypted, bytes);
+    std::span<const uint8_t> left = frame;
+    attempt([&] { put_frame(link, pace, left); })
         .cleanup([&] {
-            if (left.size() < size) { consume(packet); }
-            explicit_bzero(frame.data(), size);
+            if (left.size() < frame.size()) { consume(packet); }
+            explicit_bzero(bytes.data(), frame.size());
         })
         .run();
-    return size;
-}
-
-size_t write_bytes(AbecsComm* link, Pace pace, AbecsPacket* packet, bool encrypted) {
-    size_t size = 0;
-    encode(packet, encrypted, [&](FrameEncoder::Wire wire) {
-        for (const uint8_t& byte : wire) {
-            std::span<const uint8_t> left(&byte, 1);
-            put(link, left);
-            consume(packet);
-            if (pace == Pace::kStepped) { put_out(link); }
-        }
-        size += wire.size();
-    });
-    return size;
-}
-
-// When it returns the frame has left, and the wait for its acknowledgement begins.
-Frame write_frame(AbecsComm* link, Pace pace, AbecsPacket* packet, bool encrypted) {
-    const auto write = [&] {
-        return pace == Pace::kWhole ? write_whole(link, packet, encrypted) : write_bytes(link, pace, packet, encrypted);
-    };
-    const size_t size = write();
     put_out(link);
-    return {.encrypted = encrypted, .size = size};
+    return {.encrypted = encrypted, .size = frame.size()};
 }
 
 // The frame as it went out.
@@ -143,17 +127,14 @@ Frame write_until_accepted(AbecsComm* link, AbecsPacket* packet, bool encrypted)
     return {};
 }
 
-bool closes_session(AbecsPacket* packet) {
-    char id[4] = "";
-    abecs_comm_get_cmd_id(packet, id, sizeof id);
-    return kor_string_equals(id, "CLO") || kor_string_equals(id, "CLX");
-}
-
 // A full packet refuses the next byte. The rest of such a response goes first, or it would be taken for the answers to
 // the commands that follow.
-void append(AbecsComm* link, AbecsPacket* out, uint8_t byte) {
-    if (kor_buffer_available_write(out->buffer) == 0) { purge(link); }
-    abecs_packet_write_byte(out, byte);
+void append(AbecsComm* link, AbecsPacket* out, std::span<const uint8_t> data) {
+    const std::span<const uint8_t> rest = fill(out, data);
+    if (rest.empty()) { return; }
+    const uint8_t refused = rest.front();
+    purge(link);
+    abecs_packet_write_byte(out, refused);
 }
 
 // Forgets what was read of an answer.
@@ -225,27 +206,47 @@ void read_first(AbecsComm* link, AbecsPacket* out) {
     reception.frameEnd = Deadline(kFrameLimit);
 }
 
-// False when the byte did not come in time.
-bool read_next(AbecsComm* link, AbecsPacket* out, uint8_t* byte) {
+// False when nothing more came in time.
+bool await_rest(AbecsComm* link, AbecsPacket* out) {
     Reception& reception = link->reception;
-    if (!has_ahead(link->line)) {
-        if (!refill(link->line, std::min(reception.byteEnd, reception.frameEnd))) {
-            if (link->line.limit.passed()) { raise_cut(link, out); }
-            return false;
-        }
+    if (has_ahead(link->line)) { return true; }
+    if (refill(link->line, std::min(reception.byteEnd, reception.frameEnd))) {
         reception.byteEnd = Deadline(kByteWait);
+        return true;
     }
-    return take_byte(link->line, byte);
+    if (link->line.limit.passed()) { raise_cut(link, out); }
+    return false;
+}
+
+// What has come of a frame, taken apart.
+struct Piece {
+    size_t size;  // on the line
+    std::span<const uint8_t> data;
+    Event last;
+
+    [[nodiscard]] bool ends_frame() const { return last == Event::kGood || last == Event::kBad; }
+};
+
+// No further than to the frame's end. The data moves together where it stands.
+Piece decode(FrameDecoder& decoder, std::span<uint8_t> come) {
+    Piece piece{0, {}, Event::kPending};
+    size_t count = 0;
+    while (piece.size < come.size() && !piece.ends_frame()) {
+        piece.last = decoder.feed(come[piece.size++]);
+        if (piece.last == Event::kData) { come[count++] = decoder.data(); }
+    }
+    piece.data = come.first(count);
+    return piece;
 }
 
 // Reads what follows SYN. False when the frame is damaged, stops arriving or does not come to its end.
 bool read_rest(AbecsComm* link, AbecsPacket* out) {
-    Reception& reception = link->reception;
-    for (uint8_t byte = 0; read_next(link, out, &byte);) {
-        ++reception.frameSize;
-        const Event event = reception.decoder.feed(byte);
-        if (event == Event::kData) { append(link, out, reception.decoder.data()); }
-        if (event == Event::kGood || event == Event::kBad) { return event == Event::kGood; }
+    while (await_rest(link, out)) {
+        const Piece piece = decode(link->reception.decoder, ahead_of(link->line));
+        link->reception.frameSize += piece.size;
+        append(link, out, piece.data);
+        drop_ahead(link->line, piece.size);
+        if (piece.ends_frame()) { return piece.last == Event::kGood; }
     }
     return false;
 }
@@ -305,7 +306,6 @@ void cancel(AbecsComm* link) {
 void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
     pace(link);
     abecs_comm_check_busy(link);
-    const bool closing = closes_session(plain);  // told apart now: sending consumes the packet
     const Unread clear = unread_of(plain);
     drop(link->reception);
     name_request(link->observer, clear);
@@ -313,9 +313,6 @@ void transmit(AbecsComm* link, AbecsPacket* plain, AbecsPacket* encrypted) {
     const Frame frame = write_until_accepted(link, encrypted != nullptr ? encrypted : plain, encrypted != nullptr);
     tell_packet(link->observer, ABECS_LINK_EVENT_SENT, frame, clear);
     link->lastSend = kor_system_current_time_millis();
-    if (!closing) { return; }
-    abecs_comm_set_key(link, nullptr);
-    abecs_comm_set_wk_pan(link, nullptr);
 }
 
 Frame receive(AbecsComm* link, AbecsPacket* out) {

@@ -3,6 +3,7 @@
 #include "abecs/data/packet.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "abecs/data/codec.h"
 #include "abecs/data/flag.h"
@@ -34,6 +35,17 @@ Unread abecs::unread_of(const AbecsPacket* packet) {
 void abecs::consume(AbecsPacket* packet) {
     kor_buffer_set_read_cursor_pos(packet->buffer, kor_buffer_get_write_cursor_pos(packet->buffer));
     kor_buffer_set_last_read(packet->buffer, true);
+}
+
+void abecs::wipe(AbecsPacket* packet) {
+    explicit_bzero(kor_buffer_get_storage(packet->buffer), kor_buffer_get_write_cursor_pos(packet->buffer));
+    kor_buffer_clear(packet->buffer);
+}
+
+std::span<const uint8_t> abecs::fill(AbecsPacket* packet, std::span<const uint8_t> bytes) {
+    const size_t count = std::min(bytes.size(), kor_buffer_available_write(packet->buffer));
+    kor_buffer_write(packet->buffer, bytes.data(), count);
+    return bytes.subspan(count);
 }
 
 AbecsPacket* abecs_packet_new() { return new_owner<AbecsPacket>(); }

@@ -40,6 +40,12 @@ struct Unread {
 // Counts the unread bytes as read.
 void consume(AbecsPacket* packet);
 
+// Empties the packet and leaves nothing of what was written to it since it was last empty.
+void wipe(AbecsPacket* packet);
+
+// Writes the bytes, as far as there is room, and returns the rest.
+[[nodiscard]] std::span<const uint8_t> fill(AbecsPacket* packet, std::span<const uint8_t> bytes);
+
 inline size_t read_field_h_bytes(AbecsPacket* packet, uint8_t* to, size_t sizeTo, size_t fieldLen) {
     KorBuffer* bytes = bytes_of(packet);
     return bytes != nullptr ? read_field_h_bytes(bytes, to, sizeTo, fieldLen) : 0;

@@ -176,12 +176,14 @@ using Wiped = std::vector<std::string>;
 const Wiped kUnprotected{"168: number", "20: key", "20: key", "20: key", "28: key", "8360: number"};
 const Wiped kTaken{"11664: key", "128: key", "128: key", "20: key", "256: key"};
 
-// 2044 is the storage of a packet, 999 that of a parameter or of a builder's block, 16 the value in a map or a key.
+// 2044 is the storage of a packet, 999 that of a parameter or of a builder's block, 16 the value in a map or a key. A
+// frame goes from the stack, and what was read ahead from the link.
 const Table kRows{
     row("GcxAnswer", kNumbers, talk(answer("GCX000" + block(kNumberParam)), read_gcx),
-        {"1048: number", "2088: number"}),
+        {"1048: number", "2088: number", "32: number"}),
     row("GcxAnswerThatIsMalformedBehindTheNumber", kNumbers,
-        talk(answer("GCX000" + block(kNumberParam + "00")), read_gcx), {"1048: number", "16: number", "2088: number"},
+        talk(answer("GCX000" + block(kNumberParam + "00")), read_gcx),
+        {"1048: number", "16: number", "2088: number", "34: number"},
         io("Malformed packet (remaining bytes on BLK1 cannot be used)")),
     row("GcrAnswer", kBoth, talk(answer("GCR0009990619803Z1" + kTracks + kCard, true), read_gcr),
         {"168: number", "20: key", "20: key", "20: key", "20: key", "28: key", "8360: number"}),
@@ -192,13 +194,14 @@ const Table kRows{
              read_cke),
         kUnprotected),
     row("GocAnswer", kNumbers, talk(answer("GOC000999000000" + padded(kClear, 36) + "016" + kClear + "000"), read_goc),
-        {"2088: number"}),
-    row("GpnRequest", kBoth, talk(take_gpn, gpn), {"2088: number, key"}),
+        {"2088: number", "76: number"}),
+    row("GpnRequest", kBoth, talk(take_gpn, gpn), {"103: number, key", "2088: number, key"}),
     row("GpnRequestInOneWrite", kBoth, talk(take_gpn_whole, gpn), {"103: number, key", "2088: number, key"}),
-    row("GpnAnswer", kNumbers, talk(answer("GPN000036" + kClear + "FFFF9876543210E00001"), read_gpn), {"2088: number"}),
+    row("GpnAnswer", kNumbers, talk(answer("GPN000036" + kClear + "FFFF9876543210E00001"), read_gpn),
+        {"2088: number", "48: number"}),
     row("GcdAnswer", kNumbers, talk(answer("GCD000" + block(param("804D"_hex, kNumber))), read_gcd),
-        {"1048: number", "2088: number"}),
-    row("GedAnswer", kNumbers, talk(answer_ged, ged), {"1048: number", "2088: number"}),
+        {"1048: number", "2088: number", "32: number"}),
+    row("GedAnswer", kNumbers, talk(answer_ged, ged), {"1048: number", "2088: number", "26: number"}),
     row("OpnAnswer", kKeys, talk(answer_opn(session_block(237, "")), open_session),
         {"11664: key", "256: key", "256: key"}),
     row("OpnAnswerWithALongerKey", kKeys, talk(answer_opn(session_block(236, "x")), open_session),

@@ -2,7 +2,9 @@
 // Copyright (c) 2026 the quorvel authors
 #include "abecs/comm/frame.h"
 
+#include <array>
 #include <gtest/gtest.h>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -37,13 +39,11 @@ const struct {
 };
 
 std::string encode(std::string_view payload, bool encrypted) {
-    FrameEncoder encoder;
-    std::string wire;
-    const auto put = [&](FrameEncoder::Wire bytes) { wire.append(bytes.begin(), bytes.end()); };
-    put(encoder.begin(encrypted));
-    for (const char c : payload) { put(encoder.data(static_cast<uint8_t>(c))); }
-    put(encoder.end());
-    return wire;
+    std::array<uint8_t, 64> wire{};
+    FrameEncoder encoder(wire.data());
+    encoder.begin(encrypted);
+    encoder.data(std::span(reinterpret_cast<const uint8_t*>(payload.data()), payload.size()));
+    return {wire.data(), encoder.end()};
 }
 
 // Feeds all of `wire` and keeps the data until the frame's end; the event is that of the last byte.
