@@ -3,9 +3,11 @@
 #include "abecs/cmd/exchange.h"
 
 #include <cstring>
+#include <utility>
 
 #include "abecs/cmd/builder.h"
 #include "abecs/comm/comm.h"
+#include "abecs/data/packet.h"
 #include "core/attempt.h"
 #include "core/check.h"
 #include "core/raise.h"
@@ -28,6 +30,13 @@ struct Temporaries {
     AbecsParam* param = nullptr;
     AbecsCmdBuilder* builder = nullptr;
     AbecsRspParser* parser = nullptr;
+
+    // What the request was made of; the packet is left for the answer.
+    void release_request() {
+        abecs_cmd_builder_delete(&builder);
+        abecs_param_delete(&param);
+        wipe(packet);
+    }
 
     void release() {
         abecs_rsp_parser_delete(&parser);
@@ -58,22 +67,20 @@ void write_request(Temporaries& own, const Command& command, const Request& requ
     if (request.writeFields) { request.writeFields(own.packet); }
 }
 
-bool send_request(AbecsComm* pinpad, const Command& command, const Request& request, bool blocking) {
-    Temporaries own;
-    bool sent = false;
+// Sends it and goes on with `then`, in one try block.
+void send_request(AbecsComm* pinpad, Temporaries& own, const Command& command, const Request& request, Branch then,
+                  Branch cleanup) {
     const BuilderState state = save_builder(request.builder);
     attempt([&] {
         write_request(own, command, request);
         abecs_comm_send_packet(pinpad, own.packet);
-        if (blocking) { abecs_comm_lock(pinpad, command.name); }
-        sent = true;
+        then();
     })
         .cleanup([&] {
             restore_builder(request.builder, state);
-            own.release();
+            cleanup();
         })
         .run();
-    return sent;
 }
 
 void check_id(const Command& command, const char* id) {
@@ -173,29 +180,34 @@ int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Respo
     Temporaries own;
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
-    bool outermost = false;
-    attempt([&] {
-        outermost = begin_call(pinpad);
-        send_request(pinpad, command, request, false);
+    const bool outermost = begin_call(pinpad);
+    const auto read = [&] {
+        own.release_request();
         stat = read_answer(pinpad, own, command, response, false, nullptr);
-    })
-        .cleanup([&] {
-            end_call(pinpad, outermost);
-            release_after_answer(own, response);
-        })
-        .run();
+    };
+    send_request(pinpad, own, command, request, read, [&] {
+        end_call(pinpad, outermost);
+        release_after_answer(own, response);
+    });
     return stat;
 }
 
 int32_t send(AbecsComm* pinpad, const Command& command, Request&& request) {
-    return send_request(pinpad, command, request, true) ? 0 : kRaised;
+    Temporaries own;
+    int32_t result = kRaised;
+    const auto block = [&] {
+        abecs_comm_lock(pinpad, command.name);
+        result = 0;
+    };
+    send_request(pinpad, own, command, request, block, [&] { own.release(); });
+    return result;
 }
 
 // The code is taken while the error is pending: nothing is left of it once its raise has returned.
 KorResult_E send_for_result(AbecsComm* pinpad, const Command& command, Request&& request) {
     KorResult_E code = KOR_RESULT_OK;
     attempt([&] {
-        send_request(pinpad, command, request, true);
+        send(pinpad, command, std::move(request));
     }).cleanup([&] {
           code = KorResult_E{kor_exception_get_error()};
       }).run();
