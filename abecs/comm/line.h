@@ -39,9 +39,8 @@ inline bool take_byte(Line& line, uint8_t* byte) {
     return std::span(line.ahead).subspan(line.next, line.end - line.next);
 }
 
-// Forgets, and wipes, the first bytes of that, unless all were forgotten in the meantime.
+// Forgets, and wipes, the first bytes of that.
 inline void drop_ahead(Line& line, size_t count) {
-    if (!has_ahead(line)) { return; }
     explicit_bzero(line.ahead.data() + line.next, count);
     line.next += count;
 }
