@@ -53,8 +53,8 @@ build() {
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }
 
-# run_tests <preset>
+# run_tests <preset> [<option of ctest> ...]
 run_tests() {
-    say "Testing $1"
-    ctest --preset "$1"
+    say "Testing $*"
+    ctest --preset "$@"
 }
