@@ -12,28 +12,17 @@ namespace quorvel::wire {
 
 // The data objects that the programs here read or set themselves.
 namespace tag {
-inline constexpr Tag kAid = 0x4F;
-inline constexpr Tag kLabel = 0x50;
-inline constexpr Tag kCurrency = 0x5F2A;
-inline constexpr Tag kFileName = 0x84;
-inline constexpr Tag kCommand = 0x86;
-inline constexpr Tag kResponseCode = 0x8A;
-inline constexpr Tag kTerminalResults = 0x95;
-inline constexpr Tag kDate = 0x9A;
-inline constexpr Tag kType = 0x9C;
-inline constexpr Tag kAmount = 0x9F02;
-inline constexpr Tag kCashback = 0x9F03;
-inline constexpr Tag kScriptId = 0x9F18;
-inline constexpr Tag kTime = 0x9F21;
-inline constexpr Tag kCryptogram = 0x9F26;
-inline constexpr Tag kCryptogramInformation = 0x9F27;
-inline constexpr Tag kVerificationResults = 0x9F34;
-inline constexpr Tag kCounter = 0x9F36;
-inline constexpr Tag kUnpredictableNumber = 0x9F37;
-inline constexpr Tag kScriptResults = 0x9F5B;
-// Issuer scripts, for before and after the second decision.
-inline constexpr Tag kEarlyScript = 0x71;
-inline constexpr Tag kLateScript = 0x72;
+// Of the application.
+inline constexpr Tag kAid = 0x4F, kLabel = 0x50, kFileName = 0x84;
+// Of the transaction.
+inline constexpr Tag kDate = 0x9A, kTime = 0x9F21, kType = 0x9C, kCurrency = 0x5F2A, kAmount = 0x9F02,
+                     kCashback = 0x9F03, kUnpredictableNumber = 0x9F37, kTerminalResults = 0x95,
+                     kVerificationResults = 0x9F34;
+// Of its decisions.
+inline constexpr Tag kCryptogram = 0x9F26, kCryptogramInformation = 0x9F27, kCounter = 0x9F36, kResponseCode = 0x8A;
+// Of the issuer's scripts, which are for before and after the second decision.
+inline constexpr Tag kEarlyScript = 0x71, kLateScript = 0x72, kScriptId = 0x9F18, kCommand = 0x86,
+                     kScriptResults = 0x9F5B;
 }  // namespace tag
 
 // "Application label"; empty for a tag that is not known.
