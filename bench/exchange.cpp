@@ -11,6 +11,7 @@
 
 #include "wire/crc.h"
 #include "wire/frame.h"
+#include "wire/named.h"
 
 namespace quorvel::bench {
 
@@ -152,20 +153,15 @@ Exchange packets(size_t sent, size_t received, bool encrypted) {
             .encrypted = encrypted};
 }
 
-const char* name_of(Way way) {
-    switch (way) {
-        case Way::kLibrary:
-            return "library";
-        case Way::kLibraryWholeFrames:
-            return "library, whole frames";
-        case Way::kBytesDrained:
-            return "loop: bytes, each drained";
-        case Way::kBytesDrainedOnce:
-            return "loop: bytes, drained once, bulk reads";
-        case Way::kWholeFrames:
-            return "loop: whole frames, no checks";
-    }
-    return "";
+std::string name_of(Way way) {
+    static constexpr std::array kNames{
+        wire::Named{"library", Way::kLibrary},
+        wire::Named{"library, whole frames", Way::kLibraryWholeFrames},
+        wire::Named{"loop: bytes, each drained", Way::kBytesDrained},
+        wire::Named{"loop: bytes, drained once, bulk reads", Way::kBytesDrainedOnce},
+        wire::Named{"loop: whole frames, no checks", Way::kWholeFrames},
+    };
+    return std::string(wire::name_among(kNames, way));
 }
 
 Run open(const Exchange& exchange, Way way, const std::shared_ptr<FarEnd>& far, size_t line) {

@@ -62,7 +62,7 @@ inline constexpr std::array kWays{Way::kLibrary, Way::kLibraryWholeFrames, Way::
                                   Way::kWholeFrames};
 inline constexpr std::array kLibraryWays{Way::kLibrary, Way::kLibraryWholeFrames};
 
-const char* name_of(Way way);
+std::string name_of(Way way);
 Run open(const Exchange& exchange, Way way, const std::shared_ptr<FarEnd>& far, size_t line = 0);
 
 }  // namespace quorvel::bench

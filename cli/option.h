@@ -8,8 +8,9 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
+
+#include "wire/named.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the parser's
 class App;
@@ -58,7 +59,7 @@ public:
     }
 
     template <typename Value>
-    using Choices = std::span<const std::pair<std::string_view, Value>>;
+    using Choices = std::span<const wire::Named<Value>>;
 
     // One of some words; the one for what the value is already is the default.
     template <typename Value>

@@ -2,6 +2,10 @@
 // Copyright (c) 2026 the quorvel authors
 #include "cli/transaction.h"
 
+#include <array>
+
+#include "wire/named.h"
+
 namespace quorvel::cli {
 
 CardAnswer read_card(Link& link, const CardRequest& request) {
@@ -27,17 +31,11 @@ std::string have_card_removed(Link& link, const std::string& message, std::chron
 }
 
 std::string card_type_words(CardType type) {
-    switch (type) {
-        case CardType::stripe:
-            return "magnetic stripe";
-        case CardType::chip:
-            return "chip";
-        case CardType::contactless_stripe:
-            return "contactless, stripe data";
-        case CardType::contactless:
-            break;
-    }
-    return "contactless";
+    static constexpr std::array kWords{wire::Named{"magnetic stripe", CardType::stripe},
+                                       wire::Named{"chip", CardType::chip},
+                                       wire::Named{"contactless, stripe data", CardType::contactless_stripe},
+                                       wire::Named{"contactless", CardType::contactless}};
+    return std::string(wire::name_among(kWords, type));
 }
 
 Group card_group(const CardAnswer& card) {

@@ -106,7 +106,11 @@ const std::map<std::string, sim::Scenario::End> kEnds{
 
 const std::map<std::string, sim::Sessions> kSessions{{"strict", sim::Sessions::kStrict},
                                                      {"lenient", sim::Sessions::kLenient}};
-const std::map<std::string, sim::Language> kLanguageNames(sim::kLanguages.begin(), sim::kLanguages.end());
+const auto kLanguageNames = [] {
+    std::map<std::string, sim::Language> names;
+    for (const auto& [name, language] : sim::kLanguages) { names.emplace(name, language); }
+    return names;
+}();
 
 // What stands under lasting names while the PIN pad runs, and leads to whatever device it is on.
 class Port {
@@ -421,14 +425,16 @@ int run_exam(const sim::exam::Request& request, bool listed) {
     return kKept;
 }
 
+// An option whose value may be left out.
+CLI::Option* value_or_none(CLI::Option* option, const char* type) { return option->type_name(type)->expected(0, 1); }
+
 // The page for browsers. Gives the option, as its value may be left out.
 CLI::Option* add_web(CLI::App& app, Settings& settings) {
-    CLI::Option* const web =
+    CLI::Option* const web = value_or_none(
         app.add_option("--web", settings.web,
                        "Serve a page on which the PIN pad is played in a browser, and print its link behind READY; "
-                       "without a value at 127.0.0.1 and any free port")
-            ->type_name("[[ADDRESS:]PORT]")
-            ->expected(0, 1);
+                       "without a value at 127.0.0.1 and any free port"),
+        "[[ADDRESS:]PORT]");
     app.add_option("--web-token", settings.webToken,
                    "Keep the link's token in this file, so that links live on after a restart")
         ->type_name("FILE")
@@ -519,11 +525,10 @@ int main(int argc, char** argv) {
                  "place of what would be printed there; what goes into files and pipes is printed as usual")
         ->excludes(count);
     const CLI::Option* const web = add_web(app, settings);
-    auto* const trace =
+    auto* const trace = value_or_none(
         app.add_option("--trace", settings.trace,
-                       "Print each frame in hexadecimal and in words to standard error, or write it behind a file")
-            ->type_name("[FILE]")
-            ->expected(0, 1);
+                       "Print each frame in hexadecimal and in words to standard error, or write it behind a file"),
+        "[FILE]");
     app.add_option("--trace-size", settings.traceSize,
                    "Begin a new file before it has so many bytes, and keep four older ones, FILE.1 to FILE.4")
         ->type_name("BYTES")

@@ -3,10 +3,12 @@
 #include "wire/words.h"
 
 #include <algorithm>
+#include <array>
 #include <fmt/format.h>
 #include <string_view>
 
 #include "wire/hex.h"
+#include "wire/named.h"
 #include "wire/status.h"
 
 namespace quorvel::wire {
@@ -90,18 +92,10 @@ std::string whole_words_for(Sender sender, ByteView packet) {
 }
 
 std::string control_words(uint8_t byte) {
-    switch (byte) {
-        case control::kEot:
-            return "EOT";
-        case control::kAck:
-            return "ACK";
-        case control::kNak:
-            return "NAK";
-        case control::kCan:
-            return "CAN";
-        default:
-            return fmt::format("stray byte 0x{:02X}", byte);
-    }
+    static constexpr std::array kNames{Named{"EOT", control::kEot}, Named{"ACK", control::kAck},
+                                       Named{"NAK", control::kNak}, Named{"CAN", control::kCan}};
+    const std::string_view name = name_among(kNames, byte);
+    return name.empty() ? fmt::format("stray byte 0x{:02X}", byte) : std::string(name);
 }
 
 std::string reception_words(const Reception& reception) {

@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "cli/command.h"
 #include "cli/link.h"
@@ -15,14 +14,12 @@ namespace quorvel::cli::setup {
 
 namespace {
 
-constexpr auto kMethods = std::to_array<std::pair<std::string_view, DataMethod>>({
-    {"mk-des-ecb", DataMethod::mk_wk_des_ecb},
-    {"mk-des-cbc", DataMethod::mk_wk_des_cbc},
-    {"mk-tdes-ecb", DataMethod::mk_wk_tdes_ecb},
-    {"mk-tdes-cbc", DataMethod::mk_wk_tdes_cbc},
-    {"dukpt-tdes-ecb", DataMethod::dukpt_dat3_ecb},
-    {"dukpt-tdes-cbc", DataMethod::dukpt_dat3_cbc},
-});
+constexpr auto kMethods = [] {
+    using enum DataMethod;
+    return std::array{wire::Named{"mk-des-ecb", mk_wk_des_ecb},      wire::Named{"mk-des-cbc", mk_wk_des_cbc},
+                      wire::Named{"mk-tdes-ecb", mk_wk_tdes_ecb},    wire::Named{"mk-tdes-cbc", mk_wk_tdes_cbc},
+                      wire::Named{"dukpt-tdes-ecb", dukpt_dat3_ecb}, wire::Named{"dukpt-tdes-cbc", dukpt_dat3_cbc}};
+}();
 
 struct EncipherOptions {
     std::string data = "-";

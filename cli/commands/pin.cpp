@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "cli/command.h"
 #include "cli/link.h"
@@ -17,12 +16,12 @@ namespace quorvel::cli::setup {
 
 namespace {
 
-constexpr auto kMethods = std::to_array<std::pair<std::string_view, PinMethod>>({
-    {"mk-des", PinMethod::mk_wk_des},
-    {"mk-tdes", PinMethod::mk_wk_tdes},
-    {"dukpt-des", PinMethod::dukpt_des},
-    {"dukpt-tdes", PinMethod::dukpt_tdes},
-});
+constexpr std::array kMethods{
+    wire::Named{"mk-des", PinMethod::mk_wk_des},
+    wire::Named{"mk-tdes", PinMethod::mk_wk_tdes},
+    wire::Named{"dukpt-des", PinMethod::dukpt_des},
+    wire::Named{"dukpt-tdes", PinMethod::dukpt_tdes},
+};
 
 struct PinOptions {
     PinMethod method = PinMethod::dukpt_tdes;

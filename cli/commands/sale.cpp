@@ -21,8 +21,11 @@ namespace {
 // What the acquirer that is played here does.
 enum class Host { kApproves, kDeclines, kUnreachable };
 
-constexpr auto kHosts = std::to_array<std::pair<std::string_view, Host>>(
-    {{"approves", Host::kApproves}, {"declines", Host::kDeclines}, {"unreachable", Host::kUnreachable}});
+constexpr std::array kHosts{
+    wire::Named{"approves", Host::kApproves},
+    wire::Named{"declines", Host::kDeclines},
+    wire::Named{"unreachable", Host::kUnreachable},
+};
 
 struct SaleOptions {
     std::string amount;

@@ -16,40 +16,48 @@ namespace quorvel::sim {
 
 namespace {
 
-template <typename Value, size_t Count>
-using Choices = std::array<std::pair<std::string_view, Value>, Count>;
+constexpr std::array kVerifications{
+    Named{"none", Verification::kNone},
+    Named{"signature", Verification::kSignature},
+    Named{"offline-pin", Verification::kOfflinePin},
+    Named{"online-pin", Verification::kOnlinePin},
+    Named{"device", Verification::kDevice},
+};
 
-constexpr Choices<Verification, 5> kVerifications{{{"none", Verification::kNone},
-                                                   {"signature", Verification::kSignature},
-                                                   {"offline-pin", Verification::kOfflinePin},
-                                                   {"online-pin", Verification::kOnlinePin},
-                                                   {"device", Verification::kDevice}}};
+constexpr std::array kFirstDecisions{
+    Named{"as-asked", Chip::First::kAsAsked},
+    Named{"online", Chip::First::kOnline},
+    Named{"declined", Chip::First::kDeclined},
+};
 
-constexpr Choices<Chip::First, 3> kFirstDecisions{
-    {{"as-asked", Chip::First::kAsAsked}, {"online", Chip::First::kOnline}, {"declined", Chip::First::kDeclined}}};
+constexpr std::array kSecondDecisions{
+    Named{"as-asked", Chip::Second::kAsAsked},
+    Named{"approved", Chip::Second::kApproved},
+    Named{"declined", Chip::Second::kDeclined},
+};
 
-constexpr Choices<Chip::Second, 3> kSecondDecisions{{{"as-asked", Chip::Second::kAsAsked},
-                                                     {"approved", Chip::Second::kApproved},
-                                                     {"declined", Chip::Second::kDeclined}}};
+constexpr std::array kChipFaults{
+    Named{"none", Status::kOk},
+    Named{"mute", Status::kDumbcard},
+    Named{"unreadable", Status::kErrcard},
+    Named{"invalidated", Status::kCardinvalidat},
+    Named{"problems", Status::kCardproblems},
+    Named{"invalid-data", Status::kCardinvdata},
+    Named{"not-accepted", Status::kCardappnaut},
+    Named{"fallback", Status::kErrfallback},
+    Named{"blocked", Status::kCardblocked},
+};
 
-constexpr Choices<Status, 9> kChipFaults{{{"none", Status::kOk},
-                                          {"mute", Status::kDumbcard},
-                                          {"unreadable", Status::kErrcard},
-                                          {"invalidated", Status::kCardinvalidat},
-                                          {"problems", Status::kCardproblems},
-                                          {"invalid-data", Status::kCardinvdata},
-                                          {"not-accepted", Status::kCardappnaut},
-                                          {"fallback", Status::kErrfallback},
-                                          {"blocked", Status::kCardblocked}}};
-
-constexpr Choices<Status, 8> kContactlessFaults{{{"none", Status::kOk},
-                                                 {"multiple", Status::kCtlsmultiple},
-                                                 {"unreadable", Status::kCtlscommerr},
-                                                 {"invalidated", Status::kCtlsinvalidat},
-                                                 {"problems", Status::kCtlsproblems},
-                                                 {"not-accepted", Status::kCtlsappnaut},
-                                                 {"confirm-on-device", Status::kCtlsextcvm},
-                                                 {"use-chip", Status::kCtlsifchg}}};
+constexpr std::array kContactlessFaults{
+    Named{"none", Status::kOk},
+    Named{"multiple", Status::kCtlsmultiple},
+    Named{"unreadable", Status::kCtlscommerr},
+    Named{"invalidated", Status::kCtlsinvalidat},
+    Named{"problems", Status::kCtlsproblems},
+    Named{"not-accepted", Status::kCtlsappnaut},
+    Named{"confirm-on-device", Status::kCtlsextcvm},
+    Named{"use-chip", Status::kCtlsifchg},
+};
 
 constexpr std::string_view kDecimalDigits = "0123456789";
 
@@ -139,7 +147,7 @@ Chip chip(TomlTable table) {
 
 Contactless contactless(TomlTable table) {
     Contactless contactless;
-    contactless.stripeData = table.choice("mode", Choices<bool, 2>{{{"emv", false}, {"stripe", true}}});
+    contactless.stripeData = table.choice("mode", std::array{Named{"emv", false}, Named{"stripe", true}});
     contactless.verification = table.choice("verification", kVerifications);
     if (contactless.verification == Verification::kOfflinePin) {
         table.refuse("verification", "it would need the chip");

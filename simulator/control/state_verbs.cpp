@@ -6,12 +6,12 @@
 #include <array>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include "simulator/control/card_json.h"
 #include "simulator/control/utf8.h"
 #include "wire/fields.h"
 #include "wire/hex.h"
+#include "wire/named.h"
 
 namespace quorvel::sim::verbs {
 
@@ -23,20 +23,16 @@ using Reset = PinPad::Reset;
 
 constexpr size_t kLongestName = 40;
 
-constexpr std::array<std::pair<std::string_view, Reset>, 9> kResets{{{"all", Reset::kAll},
-                                                                     {"cards", Reset::kCards},
-                                                                     {"tables", Reset::kTables},
-                                                                     {"keys", Reset::kKeys},
-                                                                     {"pins", Reset::kPins},
-                                                                     {"media", Reset::kMedia},
-                                                                     {"plans", Reset::kPlans},
-                                                                     {"faults", Reset::kFaults},
-                                                                     {"findings", Reset::kFindings}}};
+constexpr std::array kResets{
+    Named{"all", Reset::kAll},     Named{"cards", Reset::kCards},   Named{"tables", Reset::kTables},
+    Named{"keys", Reset::kKeys},   Named{"pins", Reset::kPins},     Named{"media", Reset::kMedia},
+    Named{"plans", Reset::kPlans}, Named{"faults", Reset::kFaults}, Named{"findings", Reset::kFindings},
+};
 
 Reset reset_of(const std::string& what) {
-    const auto* found = std::ranges::find(kResets, what, &std::pair<std::string_view, Reset>::first);
-    if (found == kResets.end()) { throw RequestError(fmt::format("there is no \"{}\" to reset", what)); }
-    return found->second;
+    const auto found = value_among(kResets, what);
+    if (!found) { throw RequestError(fmt::format("there is no \"{}\" to reset", what)); }
+    return *found;
 }
 
 json to_json(const std::vector<Cardholder::Plan>& plans) {

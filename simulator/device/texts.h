@@ -10,8 +10,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "wire/named.h"
 #include "wire/status.h"
 
 namespace quorvel::sim {
@@ -19,8 +19,7 @@ namespace quorvel::sim {
 // In which the PIN pad talks to the cardholder.
 enum class Language { kEnglish, kPortuguese };
 
-inline constexpr std::array<std::pair<std::string_view, Language>, 2> kLanguages{
-    {{"en", Language::kEnglish}, {"pt", Language::kPortuguese}}};
+inline constexpr std::array kLanguages{wire::Named{"en", Language::kEnglish}, wire::Named{"pt", Language::kPortuguese}};
 
 // What the PIN pad shows of its own.
 enum class Text {

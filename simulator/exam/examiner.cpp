@@ -19,6 +19,7 @@
 #include "simulator/exam/performer.h"
 #include "simulator/exam/probe.h"
 #include "simulator/line/port_link.h"
+#include "wire/named.h"
 
 namespace quorvel::sim::exam {
 
@@ -28,13 +29,6 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr size_t kMostLines = 1000;
-
-constexpr std::array<std::pair<std::string_view, Verdict>, 6> kVerdicts{{{"passed", Verdict::kPassed},
-                                                                         {"money", Verdict::kMoney},
-                                                                         {"state", Verdict::kState},
-                                                                         {"conduct", Verdict::kConduct},
-                                                                         {"not-applicable", Verdict::kNotApplicable},
-                                                                         {"broken", Verdict::kBroken}}};
 
 class Folder {
 public:
@@ -231,7 +225,14 @@ std::vector<size_t> longest_first(const std::vector<const Case*>& all) {
 }  // namespace
 
 std::string_view name_of(Verdict verdict) noexcept {
-    return std::ranges::find(kVerdicts, verdict, &std::pair<std::string_view, Verdict>::second)->first;
+    using enum Verdict;
+    static constexpr std::array kNames{Named{"passed", kPassed},
+                                       Named{"money", kMoney},
+                                       Named{"state", kState},
+                                       Named{"conduct", kConduct},
+                                       Named{"not-applicable", kNotApplicable},
+                                       Named{"broken", kBroken}};
+    return name_among(kNames, verdict);
 }
 
 std::string unfit(const Case& asked, const Till& till) {

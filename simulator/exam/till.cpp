@@ -18,23 +18,23 @@ namespace {
 // Whoever writes longer lines has said what matters before; the library's matcher needs the stack for each character.
 constexpr size_t kLongestLine = 1000;
 
-constexpr std::array<std::pair<std::string_view, Host>, 4> kHosts{{{"approves", Host::kApproves},
-                                                                   {"declines", Host::kDeclines},
-                                                                   {"unreachable", Host::kUnreachable},
-                                                                   {"late", Host::kLate}}};
+constexpr std::array kHosts{
+    Named{"approves", Host::kApproves},
+    Named{"declines", Host::kDeclines},
+    Named{"unreachable", Host::kUnreachable},
+    Named{"late", Host::kLate},
+};
 
-constexpr std::array<std::pair<std::string_view, Feature>, 7> kFeatures{{{"chip", Feature::kChip},
-                                                                         {"stripe", Feature::kStripe},
-                                                                         {"contactless", Feature::kContactless},
-                                                                         {"pin", Feature::kPin},
-                                                                         {"tables", Feature::kTables},
-                                                                         {"interrupt", Feature::kInterrupt},
-                                                                         {"encrypted", Feature::kEncrypted}}};
-
-template <typename Value, size_t Count>
-std::string_view name_among(const std::array<std::pair<std::string_view, Value>, Count>& all, Value value) noexcept {
-    return std::ranges::find(all, value, &std::pair<std::string_view, Value>::second)->first;
-}
+constexpr auto kFeatures = [] {
+    using enum Feature;
+    return std::array{Named{"chip", kChip},
+                      Named{"stripe", kStripe},
+                      Named{"contactless", kContactless},
+                      Named{"pin", kPin},
+                      Named{"tables", kTables},
+                      Named{"interrupt", kInterrupt},
+                      Named{"encrypted", kEncrypted}};
+}();
 
 bool has_line(const std::string& text, const std::regex& pattern) {
     for (size_t begin = 0; begin < text.size();) {
@@ -88,10 +88,9 @@ void read_rules(Till& till, TomlTable table) {
 void read_takes(Till& till, TomlTable& table) {
     till.takes.clear();
     for (const std::string& name : table.texts("takes")) {
-        const auto* found =
-            std::ranges::find(kFeatures, std::string_view(name), &std::pair<std::string_view, Feature>::first);
-        if (found == kFeatures.end()) { table.refuse("takes", fmt::format("there is no \"{}\"", name)); }
-        till.takes.insert(found->second);
+        const auto feature = value_among(kFeatures, name);
+        if (!feature) { table.refuse("takes", fmt::format("there is no \"{}\"", name)); }
+        till.takes.insert(*feature);
     }
 }
 

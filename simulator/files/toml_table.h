@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "simulator/wire.h"
+#include "wire/named.h"
 #include "wire/toml.h"
 
 namespace quorvel::sim {
@@ -46,13 +47,10 @@ public:
 
     // The value that stands beside the text; the first when the key is not there.
     template <typename Value, size_t Count>
-    [[nodiscard]] Value choice(std::string_view key,
-                               const std::array<std::pair<std::string_view, Value>, Count>& among) {
-        if (!table_->contains(key)) { return among.front().second; }
+    [[nodiscard]] Value choice(std::string_view key, const std::array<Named<Value>, Count>& among) {
+        if (!table_->contains(key)) { return among.front().value; }
         const std::string chosen = text(key);
-        for (const auto& [name, value] : among) {
-            if (name == chosen) { return value; }
-        }
+        if (const auto value = value_among(among, chosen)) { return *value; }
         refuse(key, "\"" + chosen + "\" is none of its values");
     }
 

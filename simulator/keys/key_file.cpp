@@ -15,9 +15,14 @@ namespace quorvel::sim {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, KeyStrength>, 2> kStrengths{
-    {{"des", KeyStrength::kDes}, {"tdes", KeyStrength::kTdes}}};
-constexpr std::array<std::pair<std::string_view, KeyUse>, 2> kUses{{{"pin", KeyUse::kPin}, {"data", KeyUse::kData}}};
+constexpr std::array kStrengths{
+    Named{"des", KeyStrength::kDes},
+    Named{"tdes", KeyStrength::kTdes},
+};
+constexpr std::array kUses{
+    Named{"pin", KeyUse::kPin},
+    Named{"data", KeyUse::kData},
+};
 
 constexpr int64_t kLastIndex = 99;
 

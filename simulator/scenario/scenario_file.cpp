@@ -19,8 +19,11 @@ namespace {
 namespace fs = std::filesystem;
 
 using End = Scenario::End;
-constexpr std::array<std::pair<std::string_view, End>, 3> kEnds{
-    {{"close", End::kClose}, {"done", End::kDone}, {"stop", End::kStop}}};
+constexpr std::array kEnds{
+    Named{"close", End::kClose},
+    Named{"done", End::kDone},
+    Named{"stop", End::kStop},
+};
 
 struct IdentityField {
     std::string_view name;

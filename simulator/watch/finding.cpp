@@ -2,29 +2,22 @@
 // Copyright (c) 2026 the quorvel authors
 #include "simulator/watch/finding.h"
 
+#include <array>
 #include <fmt/format.h>
 #include <regex>
 
 #include "simulator/watch/clock.h"
+#include "simulator/wire.h"
+#include "wire/named.h"
 
 namespace quorvel::sim {
 
 std::string_view kind_name(Finding::Kind kind) noexcept {
-    switch (kind) {
-        case Finding::Kind::kFraming:
-            return "framing";
-        case Finding::Kind::kLayout:
-            return "layout";
-        case Finding::Kind::kSequence:
-            return "sequence";
-        case Finding::Kind::kMoney:
-            return "money";
-        case Finding::Kind::kUnsupported:
-            return "unsupported";
-        case Finding::Kind::kInternal:
-            return "internal";
-    }
-    return "";
+    using enum Finding::Kind;
+    static constexpr std::array kNames{Named{"framing", kFraming},         Named{"layout", kLayout},
+                                       Named{"sequence", kSequence},       Named{"money", kMoney},
+                                       Named{"unsupported", kUnsupported}, Named{"internal", kInternal}};
+    return name_among(kNames, kind);
 }
 
 std::string field_in(const Finding& finding) {
