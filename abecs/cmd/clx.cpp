@@ -13,7 +13,6 @@ using namespace kor;
 namespace {
 
 constexpr Command kClx{.id = "CLX"};
-constexpr size_t kMaxMessage = width_of(ABECS_SPE_ID_DSPMSG);
 constexpr size_t kNameWidth = width_of(ABECS_SPE_ID_MFNAME);
 
 }  // namespace
@@ -22,7 +21,7 @@ int32_t abecs_cmd_clx(AbecsComm* pinpad, const char* dspMsg, const char* mfName)
     if (refuse_null(pinpad, "'pinpad' is NULL")) { return kRaised; }
     const size_t messageLength = dspMsg != nullptr ? kor_string_len(dspMsg) : 0;
     const size_t nameLength = mfName != nullptr ? kor_string_len(mfName) : 0;
-    if (refuse_if(messageLength > kMaxMessage, "'dspMsg' length (%zu)  is greater than 128 characters", messageLength)
+    if (refuse_if(messageLength > kMaxDspMsg, "'dspMsg' length (%zu)  is greater than 128 characters", messageLength)
         || refuse_if(nameLength > kNameWidth, "'mfName' length (%zu) is greater than 8 characters", nameLength)) {
         return kRaised;
     }

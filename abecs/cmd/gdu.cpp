@@ -12,15 +12,6 @@ using namespace kor;
 namespace {
 
 constexpr Command kGdu{.id = "GDU", .unexpectedId = UnexpectedId::kTable};
-constexpr size_t kKsnWidth = 20;
-
-void read_ksn(AbecsPacket* packet, char* out) {
-    const auto length = static_cast<unsigned>(abecs_packet_read_field_n(packet, kLengthWidth));
-    if (length != kKsnWidth) {
-        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 (expected: 20, read: %u)", length);
-    }
-    abecs_packet_read_field_h(packet, out, kKsnWidth + 1, kKsnWidth);
-}
 
 }  // namespace
 
@@ -37,5 +28,8 @@ int32_t abecs_cmd_gdu(AbecsComm* pinpad, AbecsCmdGduMethod_E method, uint8_t idx
                     abecs_packet_write_field_n(packet, static_cast<uint64_t>(method), 1);
                     abecs_packet_write_field_n(packet, idx, 2);
                 }),
-                Response::fields([&](AbecsPacket* packet) { read_ksn(packet, out); }));
+                Response::fields([&](AbecsPacket* packet) {
+                    if (!read_length(packet, kKsnWidth)) { return; }
+                    abecs_packet_read_field_h(packet, out, kKsnWidth + 1, kKsnWidth);
+                }));
 }

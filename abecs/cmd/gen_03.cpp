@@ -17,7 +17,6 @@ namespace {
 
 constexpr size_t kMaxData = 256;
 constexpr size_t kDataStep = 16;  // the digits of one block
-constexpr size_t kKsnWidth = 20;
 
 bool is_data_size(size_t size) { return size <= kMaxData && size % kDataStep == 0; }
 

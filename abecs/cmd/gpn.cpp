@@ -14,13 +14,9 @@ using namespace kor;
 namespace {
 
 constexpr Command kGpn{.id = "GPN"};
-constexpr size_t kPanWidth = 19;
-constexpr size_t kPinBlockWidth = 16;
-constexpr size_t kKsnWidth = 20;
-constexpr size_t kMinPan = 2;
-constexpr size_t kMaxEntries = 9;
-constexpr int kMinDigits = 4;
-constexpr int kMaxDigits = 99;
+constexpr size_t kPanWidth = 19, kPinBlockWidth = 16;
+constexpr size_t kMinPan = 2, kMaxEntries = 9;
+constexpr int kMinDigits = 4, kMaxDigits = 99;
 
 constexpr size_t kFixedLength = 1 + 2 + kKeyWidth + 2 + kPanWidth + 1;
 constexpr size_t kEntryLength = 2 + 2 + kMessageWidth;

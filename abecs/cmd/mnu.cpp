@@ -19,7 +19,6 @@ using namespace kor;
 namespace {
 
 constexpr Command kMnu{.id = "MNU"};
-constexpr size_t kMaxMessage = width_of(ABECS_SPE_ID_DSPMSG);
 constexpr size_t kOptionWidth = width_of(ABECS_SPE_ID_MNUOPT);
 constexpr size_t kMaxOptions = 20;
 constexpr size_t kChoiceWidth = 2;
@@ -49,7 +48,7 @@ void write_menu(ParamWriter& params, uint8_t timeout, const char* dspMsg, std::s
     if (timeout != 0) { params.number(ABECS_SPE_ID_TIMEOUT, timeout); }
     if (dspMsg != nullptr && !kor_string_is_empty(dspMsg)) {
         params.put(ABECS_SPE_ID_DSPMSG,
-                   [&](AbecsParam* param) { abecs_param_write_field_s(param, dspMsg, kMaxMessage, true); });
+                   [&](AbecsParam* param) { abecs_param_write_field_s(param, dspMsg, kMaxDspMsg, true); });
     }
     for (const Slot& slot : slots) {
         params.put(ABECS_SPE_ID_MNUOPT, [&](AbecsParam* param) {
@@ -70,7 +69,7 @@ void read_choice(ParamReader& params, uint32_t& out) {
 
 void abecs_cmd_mnu(AbecsComm* pinpad, uint8_t timeout, const char* dspMsg, const char (*mnuOpts)[25], size_t numOpts) {
     if (refuse_null(pinpad, "'pinpad' is NULL")
-        || refuse_if(dspMsg != nullptr && kor_string_len(dspMsg) > kMaxMessage, "'dspMsg' is too long")
+        || refuse_if(dspMsg != nullptr && kor_string_len(dspMsg) > kMaxDspMsg, "'dspMsg' is too long")
         || refuse_null(mnuOpts, "'mnuOpts' is NULL")
         || refuse_if(numOpts == 0 || numOpts > kMaxOptions, "Invalid numOpts: %zu (min: 1, max: 20)", numOpts)) {
         return;

@@ -114,9 +114,7 @@ bool add_tag_list(ParamBuilder* builder, const AbecsTagList* tagList) {
 bool add_message(ParamBuilder* builder, const char* dspMsg) {
     if (refuse_null(builder, "'builder' is NULL") || refuse_null(dspMsg, "'dspMsg' is NULL")) { return false; }
     const size_t length = kor_string_len(dspMsg);
-    if (refuse_if(length > width_of(ABECS_SPE_ID_DSPMSG), "'dspMsg' is too long (length: %zu, max: 128)", length)) {
-        return false;
-    }
+    if (refuse_if(length > kMaxDspMsg, "'dspMsg' is too long (length: %zu, max: 128)", length)) { return false; }
     return add_param(builder, ABECS_SPE_ID_DSPMSG,
                      [&](AbecsParam* param) { abecs_param_write_field_s(param, dspMsg, length, true); });
 }

@@ -13,7 +13,6 @@ using namespace kor;
 namespace {
 
 constexpr Command kTli{.id = "TLI", .unexpectedId = UnexpectedId::kTable};
-constexpr size_t kVersionWidth = 10;
 
 }  // namespace
 

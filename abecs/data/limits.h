@@ -15,6 +15,8 @@ inline constexpr size_t kLengthWidth = 3;    // of the length before a block
 inline constexpr uint32_t kMaxBlock = 999;   // what such a length can say
 inline constexpr uint8_t kMaxIndex = 99;     // of keys, acquirers, tables: two digits
 inline constexpr size_t kKeyWidth = 32;      // of an enciphered key of 16 bytes, in digits
+inline constexpr size_t kKsnWidth = 20;      // of the serial number of a DUKPT key, in digits
+inline constexpr size_t kVersionWidth = 10;  // of the version of an acquirer's tables
 inline constexpr size_t kMessageWidth = 32;  // of a message on the display, and of a notification
 
 }  // namespace abecs

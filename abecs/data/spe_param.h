@@ -100,6 +100,9 @@ consteval size_t width_of(SpeIdOf<SpeForm::kDigits, SpeForm::kBinary, SpeForm::k
     return spe_param(param.id).width;
 }
 
+// Of a text that is shown meanwhile.
+inline constexpr size_t kMaxDspMsg = width_of(ABECS_SPE_ID_DSPMSG);
+
 // In as many digits or bytes as the parameter has.
 void write_number(AbecsParam* param, SpeNumber id, uint64_t value);
 
