@@ -25,26 +25,23 @@ namespace {
 constexpr Command kGcr{.id = "GCR"};
 constexpr size_t kRecordLength = 4;  // the acquirer's index, the record's index
 constexpr size_t kMaxRecords = 99;
-constexpr size_t kTableVersionWidth = 10;
-constexpr size_t kLength = 2 + 2 + 12 + 3 * 2 + 3 * 2 + kTableVersionWidth + 2;
+constexpr size_t kLength = 2 + 2 + 12 + 3 * 2 + 3 * 2 + kVersionWidth + 2;
 static_assert(kLength == 40);
 constexpr size_t kTrack2Width = 37;
 constexpr size_t kProtectedTrack2Width = 40;
 
-constexpr std::array<Named<AbecsCmdGcrCardType_E>, 4> kCardTypes{{
+constexpr auto kCardTypes = enum_table<Named<AbecsCmdGcrCardType_E>>({
     {QUORVEL_NAMED(ABECS_CMD_GCR_CARD_TYPE_MAGNETIC)},
     {QUORVEL_NAMED(ABECS_CMD_GCR_CARD_TYPE_ICC_EMV)},
     {QUORVEL_NAMED(ABECS_CMD_GCR_CARD_TYPE_CTLS_MAGSTRIPE)},
     {QUORVEL_NAMED(ABECS_CMD_GCR_CARD_TYPE_CTLS_EMV)},
-}};
-static_assert(is_sorted_and_unique(kCardTypes));
+});
 
-constexpr std::array<Named<AbecsCmdGcrStatChip_E>, 3> kChipStats{{
+constexpr auto kChipStats = enum_table<Named<AbecsCmdGcrStatChip_E>>({
     {QUORVEL_NAMED(ABECS_CMD_GCR_STATCHIP_SUCCESS)},
     {QUORVEL_NAMED(ABECS_CMD_GCR_STATCHIP_ERROR_FALLBACK)},
     {QUORVEL_NAMED(ABECS_CMD_GCR_STATCHIP_NOT_SUPPORTED)},
-}};
-static_assert(is_sorted_and_unique(kChipStats));
+});
 
 bool refuse_moment(const AbecsCmdGcrData& data) {
     bool refused = true;
@@ -97,7 +94,7 @@ void write_request(AbecsPacket* packet, const AbecsCmdGcrData& data, const char*
     abecs_packet_write_field_n(packet, data.amount, 12);
     for (const uint8_t part : {data.date.year, data.date.month, data.date.day}) { write_pair(packet, part); }
     for (const uint8_t part : {data.time.hours, data.time.minutes, data.time.seconds}) { write_pair(packet, part); }
-    abecs_packet_write_field_a(packet, WholeMemberText(data.tabVer).text, kTableVersionWidth, false);
+    abecs_packet_write_field_a(packet, WholeMemberText(data.tabVer).text, kVersionWidth, false);
     abecs_packet_write_field_n(packet, count, 2);
     if (count != 0) { abecs_packet_write_field_b(packet, records, kRecordLength * count); }
     // Behind what the length covers; left out, the PIN pad reads contactless cards too.

@@ -18,11 +18,20 @@ struct Named {
     const char* name;
 };
 
-// The look-up searches by halves: to be proved of every table by a static_assert.
+// The look-up searches by halves, so this is proved of every table: by enum_table(), or by a static_assert.
 template <typename Row, size_t N>
 constexpr bool is_sorted_and_unique(const std::array<Row, N>& table) {
     return std::adjacent_find(table.begin(), table.end(), [](const Row& a, const Row& b) { return a.value >= b.value; })
            == table.end();
+}
+
+// These rows, once they are proved; the call does not compile otherwise.
+template <typename Row, size_t N>
+consteval std::array<Row, N> enum_table(const Row (&rows)[N]) {
+    void the_rows_are_not_sorted_and_unique();  // not constexpr, and nowhere defined
+    const std::array<Row, N> table = std::to_array(rows);
+    if (!is_sorted_and_unique(table)) { the_rows_are_not_sorted_and_unique(); }
+    return table;
 }
 
 // The row of `value`, or null. A caller in C may pass any number for an enumerator.

@@ -10,7 +10,7 @@ using namespace kor;
 
 namespace {
 
-constexpr std::array<Named<AbecsPpEvent_E>, 14> kEvents{{
+constexpr auto kEvents = enum_table<Named<AbecsPpEvent_E>>({
     {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_ARROW_UP)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_PRESSED_KEY_ARROW_DOWN)},
@@ -25,8 +25,7 @@ constexpr std::array<Named<AbecsPpEvent_E>, 14> kEvents{{
     {QUORVEL_NAMED(ABECS_PP_EVENT_ICC_INSERTED)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_CTLS_NOT_DETECTED)},
     {QUORVEL_NAMED(ABECS_PP_EVENT_CTLS_DETECTED)},
-}};
-static_assert(is_sorted_and_unique(kEvents));
+});
 
 }  // namespace
 

@@ -20,7 +20,7 @@ struct DatId {
     Form form;
 };
 
-constexpr std::array<DatId, 62> kDatIds{{
+constexpr auto kDatIds = enum_table<DatId>({
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_SERNUM), kText},      {QUORVEL_NAMED(ABECS_RSP_DATID_PP_PARTNBR), kText},
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_MODEL), kText},       {QUORVEL_NAMED(ABECS_RSP_DATID_PP_MNNAME), kText},
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_CAPAB), kText},       {QUORVEL_NAMED(ABECS_RSP_DATID_PP_SOVER), kText},
@@ -52,8 +52,7 @@ constexpr std::array<DatId, 62> kDatIds{{
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_CARDEXP), kText},     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_MFNAME), kText},
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_DEVTYPE), kText},     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_ENCKEY), kBinary},
     {QUORVEL_NAMED(ABECS_RSP_DATID_PP_TLRMEM), kBinary},    {QUORVEL_NAMED(ABECS_RSP_DATID_PP_ENCKRAND), kBinary},
-}};
-static_assert(is_sorted_and_unique(kDatIds));
+});
 
 // The ids of a family are numbered from its first one; %d is the number.
 struct Family {

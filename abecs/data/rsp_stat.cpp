@@ -10,7 +10,7 @@ using namespace kor;
 
 namespace {
 
-constexpr std::array<Named<AbecsRspStat_E>, 47> kStats{{
+constexpr auto kStats = enum_table<Named<AbecsRspStat_E>>({
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_NOTIFICATION)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_PROCESSING)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_OK)},
@@ -58,8 +58,7 @@ constexpr std::array<Named<AbecsRspStat_E>, 47> kStats{{
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_MFNFOUND)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_MFERRFMT)},
     {QUORVEL_NAMED(ABECS_RSP_STAT_ST_MFERR)},
-}};
-static_assert(is_sorted_and_unique(kStats));
+});
 
 }  // namespace
 

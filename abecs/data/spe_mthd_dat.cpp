@@ -10,7 +10,7 @@ using namespace kor;
 
 namespace {
 
-constexpr std::array<Named<AbecsSpeMthdDat_E>, 9> kMethods{{
+constexpr auto kMethods = enum_table<Named<AbecsSpeMthdDat_E>>({
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_MK_WK_DES_ECB)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_MK_WK_DES_CBC)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_MK_WK_TDES_ECB)},
@@ -20,8 +20,7 @@ constexpr std::array<Named<AbecsSpeMthdDat_E>, 9> kMethods{{
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_DUKPT_DAT3_CBC)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_TDES_RANDOM_ECB)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_DAT_TDES_RANDOM_CBC)},
-}};
-static_assert(is_sorted_and_unique(kMethods));
+});
 
 }  // namespace
 

@@ -10,13 +10,12 @@ using namespace kor;
 
 namespace {
 
-constexpr std::array<Named<AbecsSpeMthdPin_E>, 4> kMethods{{
+constexpr auto kMethods = enum_table<Named<AbecsSpeMthdPin_E>>({
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_MK_WK_DES)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_MK_WK_TDES)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_DUKPT_DES)},
     {QUORVEL_NAMED(ABECS_SPE_MTHD_PIN_DUKPT_TDES)},
-}};
-static_assert(is_sorted_and_unique(kMethods));
+});
 
 }  // namespace
 
