@@ -18,13 +18,7 @@ struct CryptAesCipher {
 
 namespace {
 
-constexpr BlockCipher kAes{
-    .index = &Registry::aes,
-    .blockSize = 16,
-    .minKeySize = 16,
-    .maxKeySize = sizeof CryptAesCipher::key,
-    .noKey = "'cipher' is NULL",
-};
+static_assert(kAes.maxKeySize == sizeof CryptAesCipher::key);
 
 Key key_of(const CryptAesCipher* cipher) { return cipher != nullptr ? Key{cipher->key, cipher->keySize} : Key{}; }
 

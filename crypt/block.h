@@ -16,13 +16,17 @@ struct BlockCipher {
     size_t blockSize;
     size_t minKeySize;
     size_t maxKeySize;
-    const char* noKey;
+    const char* noKey;  // what is said when the caller gave none
 
     // Between the limits, the key sizes of all these ciphers go in steps of 8 bytes.
     [[nodiscard]] constexpr bool takes(size_t keySize) const {
         return minKeySize <= keySize && keySize <= maxKeySize && keySize % 8 == 0;
     }
 };
+
+inline constexpr BlockCipher kDes{&Registry::des, 8, 8, 8, "'key' is NULL"};
+inline constexpr BlockCipher kTdes{&Registry::tdes, 8, 16, 24, "'key' is NULL"};
+inline constexpr BlockCipher kAes{&Registry::aes, 16, 16, 32, "'cipher' is NULL"};
 
 enum class Direction { kEncrypt, kDecrypt };
 

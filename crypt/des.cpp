@@ -8,14 +8,6 @@ using namespace kor::crypt;
 
 namespace {
 
-constexpr BlockCipher kDes{
-    .index = &Registry::des,
-    .blockSize = 8,
-    .minKeySize = 8,
-    .maxKeySize = 8,
-    .noKey = "'key' is NULL",
-};
-
 Key key_of(const uint8_t* key) { return {key, kDes.maxKeySize}; }
 
 }  // namespace

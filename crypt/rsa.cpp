@@ -40,6 +40,10 @@ bool refuse(Bytes N, Bytes e) {
            || refuse_if(!is_modulus_size(N.size()), "Invalid key size: %d", static_cast<int>(N.size()));
 }
 
+bool refuse_bytes(const uint8_t* in, const uint8_t* out) {
+    return refuse_null(in, "'in' is NULL") || refuse_null(out, "'out' is NULL");
+}
+
 // An empty key with room for a private exponent of so many bytes, or none after the raise.
 CryptRsaKey* new_key(size_t exponentSize) {
     const size_t limbs = (exponentSize + sizeof(Limb) - 1) / sizeof(Limb);
@@ -257,10 +261,7 @@ CryptRsaPublicKey* crypt_rsa_get_public_key(const CryptRsaKey* privKey, CryptRsa
 
 size_t crypt_rsa_private_exp(const CryptRsaKey* privKey, const uint8_t* in, size_t inLen, uint8_t* out,
                              size_t outSize) {
-    if (refuse_null(privKey, "'privKey' is NULL") || refuse_null(in, "'in' is NULL")
-        || refuse_null(out, "'out' is NULL")) {
-        return 0;
-    }
+    if (refuse_null(privKey, "'privKey' is NULL") || refuse_bytes(in, out)) { return 0; }
     return length_or_raise(through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
         const int status = raise_to_private(*privKey, {in, inLen}, {work, *length});
         *length = privKey->modulusSize;
@@ -270,10 +271,7 @@ size_t crypt_rsa_private_exp(const CryptRsaKey* privKey, const uint8_t* in, size
 
 size_t crypt_rsa_public_exp(const CryptRsaPublicKey* pubKey, const uint8_t* in, size_t inLen, uint8_t* out,
                             size_t outSize) {
-    if (refuse_null(pubKey, "'pubKey' is NULL") || refuse_null(in, "'in' is NULL")
-        || refuse_null(out, "'out' is NULL")) {
-        return 0;
-    }
+    if (refuse_null(pubKey, "'pubKey' is NULL") || refuse_bytes(in, out)) { return 0; }
     return with_public_key(*pubKey, out, outSize, [&](const CryptRsaKey& key, std::span<uint8_t> work) {
         return raise_to_private(key, {in, inLen}, work);
     });
@@ -281,20 +279,14 @@ size_t crypt_rsa_public_exp(const CryptRsaPublicKey* pubKey, const uint8_t* in, 
 
 size_t crypt_rsa_encrypt(const CryptRsaPublicKey* pubKey, const uint8_t* in, size_t inLen, uint8_t* out,
                          size_t outSize) {
-    if (refuse_null(pubKey, "'pubKey' is NULL") || refuse_null(in, "'in' is NULL")
-        || refuse_null(out, "'out' is NULL")) {
-        return 0;
-    }
+    if (refuse_null(pubKey, "'pubKey' is NULL") || refuse_bytes(in, out)) { return 0; }
     return with_public_key(*pubKey, out, outSize, [&](const CryptRsaKey& key, std::span<uint8_t> work) {
         return oaep_encrypt(key, {in, inLen}, work);
     });
 }
 
 size_t crypt_rsa_decrypt(const CryptRsaKey* privKey, const uint8_t* in, size_t inLen, uint8_t* out, size_t outSize) {
-    if (refuse_null(privKey, "'privKey' is NULL") || refuse_null(in, "'in' is NULL")
-        || refuse_null(out, "'out' is NULL")) {
-        return 0;
-    }
+    if (refuse_null(privKey, "'privKey' is NULL") || refuse_bytes(in, out)) { return 0; }
     const Result result = through_work_area(out, outSize, [&](uint8_t* work, unsigned long* length) {
         return oaep_decrypt(*privKey, {in, inLen}, work, length);
     });

@@ -8,13 +8,7 @@ using namespace kor::crypt;
 
 namespace {
 
-constexpr BlockCipher kTdes{
-    .index = &Registry::tdes,
-    .blockSize = 8,
-    .minKeySize = 16,
-    .maxKeySize = sizeof Crypt3DesKey::key,
-    .noKey = "'key' is NULL",
-};
+static_assert(kTdes.maxKeySize == sizeof Crypt3DesKey::key);
 
 Key key_of(const Crypt3DesKey* key) { return key != nullptr ? Key{key->key, key->keySize} : Key{}; }
 
