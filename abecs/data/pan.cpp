@@ -11,7 +11,6 @@
 #include "abecs/data/wk_pan.h"
 #include "core/attempt.h"
 #include "core/check.h"
-#include "core/raise.h"
 
 using namespace abecs;
 using namespace abecs::codec;
@@ -19,14 +18,9 @@ using namespace kor;
 
 namespace {
 
-constexpr size_t kMaxPan = 64;
-constexpr size_t kMaxTrack = 128;
-constexpr size_t kMaxIdentifiedTrack = 255;
-constexpr size_t kMinPan = 13;
-constexpr size_t kBlockBytes = 8;
-constexpr size_t kBlock = 2 * kBlockBytes;
-constexpr char kPadding = 'F';
-constexpr char kEncipheredBlank = 'E';
+constexpr size_t kMinPan = 13, kMaxPan = 64, kMaxTrack = 128, kMaxIdentifiedTrack = 255;
+constexpr size_t kBlockBytes = 8, kBlock = 2 * kBlockBytes;
+constexpr char kPadding = 'F', kEncipheredBlank = 'E';
 
 char panResult[kMaxPan + 1];
 char trackResult[kMaxTrack + 1];
@@ -105,39 +99,26 @@ size_t length_of(const char* text) { return text != nullptr ? std::strlen(text) 
 
 }  // namespace
 
-const char* abecs_pan_encrypt(const char* pan, const AbecsWkPan* key) {
-    return abecs_pan_encrypt2(pan, length_of(pan), key);
-}
-
 const char* abecs_pan_encrypt2(const char* pan, size_t len, const AbecsWkPan* key) {
-    if (refuse_null(pan, "'pan' is NULL") || refuse_null(key, "'key' is NULL")) { return ""; }
-    if (len > kMaxPan) {
-        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "PAN length is too big (max: %zu, requested: %zu)", kMaxPan, len);
+    if (refuse_null(pan, "'pan' is NULL") || refuse_null(key, "'key' is NULL")
+        || refuse_if(len > kMaxPan, "PAN length is too big (max: %zu, requested: %zu)", kMaxPan, len)) {
         return "";
     }
     return transformed<kMaxPan>(panResult, pan, len, [&](auto& area) { return transform_pan(area, *key); });
 }
 
-const char* abecs_pan_decrypt_track(const char* track, const AbecsWkPan* key) {
-    return abecs_pan_decrypt_track2(track, length_of(track), key);
-}
-
 const char* abecs_pan_decrypt_track2(const char* track, size_t len, const AbecsWkPan* key) {
-    if (refuse_null(track, "'track' is NULL") || refuse_null(key, "'key' is NULL")) { return ""; }
-    if (len > kMaxTrack) {
-        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Track length is too big (max: %zu, requested: %zu)", kMaxTrack, len);
+    if (refuse_null(track, "'track' is NULL") || refuse_null(key, "'key' is NULL")
+        || refuse_if(len > kMaxTrack, "Track length is too big (max: %zu, requested: %zu)", kMaxTrack, len)) {
         return "";
     }
     return transformed<kMaxTrack>(trackResult, track, len, [&](auto& area) { return transform_track(area, *key); });
 }
 
-const char* abecs_pan_identify(const char* track) { return abecs_pan_identify2(track, length_of(track)); }
-
 const char* abecs_pan_identify2(const char* track, size_t len) {
-    if (refuse_null(track, "'track' is NULL")) { return ""; }
-    if (len > kMaxIdentifiedTrack) {
-        raise(KOR_RESULT_ILLEGAL_ARGUMENT, "track length is too big (max: %zu, requested: %zu)", kMaxIdentifiedTrack,
-              len);
+    if (refuse_null(track, "'track' is NULL")
+        || refuse_if(len > kMaxIdentifiedTrack, "track length is too big (max: %zu, requested: %zu)",
+                     kMaxIdentifiedTrack, len)) {
         return "";
     }
     const char* end = track + strnlen(track, len);
@@ -150,3 +131,14 @@ const char* abecs_pan_identify2(const char* track, size_t len) {
     explicit_bzero(number, sizeof number);
     return identifiedResult;
 }
+
+// The same, of a text that ends with a NUL.
+const char* abecs_pan_encrypt(const char* pan, const AbecsWkPan* key) {
+    return abecs_pan_encrypt2(pan, length_of(pan), key);
+}
+
+const char* abecs_pan_decrypt_track(const char* track, const AbecsWkPan* key) {
+    return abecs_pan_decrypt_track2(track, length_of(track), key);
+}
+
+const char* abecs_pan_identify(const char* track) { return abecs_pan_identify2(track, length_of(track)); }
