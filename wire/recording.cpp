@@ -30,32 +30,28 @@ constexpr std::string_view kWords = "# ";
 // What may stand behind a kind.
 enum class Rest { kNothing, kBytes, kText };
 
-struct Kind {
+// Those of one mark behind which the same may stand.
+struct Kinds {
     Mark mark;
-    std::string_view name;
     Rest rest;
+    std::array<std::string_view, 6> names;
 };
 
 constexpr std::array kKinds{
-    Kind{Mark::kHost, "frame", Rest::kBytes},      Kind{Mark::kHost, "sealed", Rest::kBytes},
-    Kind{Mark::kHost, "bytes", Rest::kBytes},      Kind{Mark::kHost, "can", Rest::kNothing},
-    Kind{Mark::kHost, "nak", Rest::kNothing},      Kind{Mark::kPinPad, "frame", Rest::kBytes},
-    Kind{Mark::kPinPad, "sealed", Rest::kBytes},   Kind{Mark::kPinPad, "ack", Rest::kNothing},
-    Kind{Mark::kPinPad, "nak", Rest::kNothing},    Kind{Mark::kPinPad, "eot", Rest::kNothing},
-    Kind{Mark::kDeed, "press", Rest::kText},       Kind{Mark::kDeed, "swipe", Rest::kText},
-    Kind{Mark::kDeed, "insert", Rest::kText},      Kind{Mark::kDeed, "tap", Rest::kText},
-    Kind{Mark::kDeed, "remove", Rest::kNothing},   Kind{Mark::kDeed, "notify", Rest::kText},
-    Kind{Mark::kDeed, "fault", Rest::kText},       Kind{Mark::kDeed, "left", Rest::kNothing},
-    Kind{Mark::kFinding, "framing", Rest::kText},  Kind{Mark::kFinding, "layout", Rest::kText},
-    Kind{Mark::kFinding, "sequence", Rest::kText}, Kind{Mark::kFinding, "unsupported", Rest::kText},
-    Kind{Mark::kFinding, "internal", Rest::kText}, Kind{Mark::kFinding, "money", Rest::kText},
+    Kinds{Mark::kHost, Rest::kBytes, {"frame", "sealed", "bytes"}},
+    Kinds{Mark::kHost, Rest::kNothing, {"can", "nak"}},
+    Kinds{Mark::kPinPad, Rest::kBytes, {"frame", "sealed"}},
+    Kinds{Mark::kPinPad, Rest::kNothing, {"ack", "nak", "eot"}},
+    Kinds{Mark::kDeed, Rest::kText, {"press", "swipe", "insert", "tap", "notify", "fault"}},
+    Kinds{Mark::kDeed, Rest::kNothing, {"remove", "left"}},
+    Kinds{Mark::kFinding, Rest::kText, {"framing", "layout", "sequence", "unsupported", "internal", "money"}},
 };
 
 constexpr std::array<std::string_view, 3> kSettings{"seed", "second", "values"};
 
 Rest rest_of(Mark mark, std::string_view name) {
-    for (const Kind& kind : kKinds) {
-        if (kind.mark == mark && kind.name == name) { return kind.rest; }
+    for (const Kinds& kinds : kKinds) {
+        if (kinds.mark == mark && !name.empty() && std::ranges::count(kinds.names, name) != 0) { return kinds.rest; }
     }
     throw std::runtime_error(fmt::format("there is no kind \"{}\" behind \"{}\"", name, static_cast<char>(mark)));
 }
