@@ -63,6 +63,15 @@ quorvel_layer(quorvel_comm abecs/comm)
 quorvel_layer(quorvel_cmd abecs/cmd)
 set(QUORVEL_LAYERS quorvel_core quorvel_crypt quorvel_data quorvel_comm quorvel_cmd)
 
+# quorvel_link_layers(<target> [<object libraries> ...]): those of them that there are, to reach private functions.
+function(quorvel_link_layers target)
+  foreach(layer IN LISTS ARGN)
+    if(TARGET ${layer})
+      target_link_libraries(${target} PRIVATE ${layer})
+    endif()
+  endforeach()
+endfunction()
+
 include(cmake/Version.cmake)
 
 # The version script that exports the reviewed names and nothing else (hidden visibility alone would still export the
