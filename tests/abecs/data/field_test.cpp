@@ -166,15 +166,12 @@ TEST(FieldH, AnythingButPairsOfHexadecimalDigitsIsRefused) {
 }
 
 TEST(FieldX, IsBigEndianOfOneTwoOrFourBytes) {
+    constexpr std::pair<uint32_t, size_t> kNumbers[]{{0xFF, 1}, {0x9234, 2}, {0xFEDCBA98, 4}};
     const Bytes bytes;
-    abecs_data_write_field_x(bytes, 0xFF, 1);
-    abecs_data_write_field_x(bytes, 0x9234, 2);
-    abecs_data_write_field_x(bytes, 0xFEDCBA98, 4);
+    for (const auto& [number, width] : kNumbers) { abecs_data_write_field_x(bytes, number, width); }
     EXPECT_EQ(bytes.take(), "\xFF\x92\x34\xFE\xDC\xBA\x98");
     const Bytes fields("\xFF\x92\x34\xFE\xDC\xBA\x98");
-    EXPECT_EQ(abecs_data_read_field_x(fields, 1), 0xFFU);
-    EXPECT_EQ(abecs_data_read_field_x(fields, 2), 0x9234U);
-    EXPECT_EQ(abecs_data_read_field_x(fields, 4), 0xFEDCBA98U);
+    for (const auto& [number, width] : kNumbers) { EXPECT_EQ(abecs_data_read_field_x(fields, width), number); }
 }
 
 char text[5];

@@ -36,14 +36,14 @@ TEST(PanEncrypt, DeciphersTheLastSixteenDigits) {
         {"0004111111111111111", "000BEC8C7B720B1ED83", "00064B02AE35D82E5CE"},
         {"378282246310005", "FE0D32BE59E5B29C", "351A2A05CB1EEA69"},
         {"4222222222222", "8AD95F89C9C0743D", "4EA6E3B067950B33"},
-        {"422222222222", "422222222222", "422222222222"},
-        {"", "", ""},
-        {"41111111111111A1", "41111111111111A1", "41111111111111A1"},
     };
-    for (const auto& [pan, des, tdes] : cases) {
-        for (const int32_t type : {0, 1, 2}) {
-            const AbecsWkPan key = working_key(type);
+    for (const int32_t type : {0, 1, 2}) {
+        const AbecsWkPan key = working_key(type);
+        for (const auto& [pan, des, tdes] : cases) {
             EXPECT_STREQ(abecs_pan_encrypt(exact(pan).get(), &key), type == 0 ? des : tdes);
+        }
+        for (const char* tooShortOrNoNumber : {"422222222222", "", "41111111111111A1"}) {
+            EXPECT_STREQ(abecs_pan_encrypt(exact(tooShortOrNoNumber).get(), &key), tooShortOrNoNumber);
         }
     }
 }
@@ -93,21 +93,16 @@ TEST(PanIdentify, TakesTheDigitsUpToTheSeparator) {
 
 TEST(Pan, LengthsCutTheTextAndReadNothingPastIt) {
     const AbecsWkPan key = working_key(0);
-    const std::tuple<const char*, size_t, const char*> pans[]{
-        {"4222222222222", 16, "8AD95F89C9C0743D"},
-        {"41111111111111119", 16, "BEC8C7B720B1ED83"},
-        {"4111111111111111", 12, "411111111111"},
+    const std::tuple<decltype(&abecs_pan_encrypt2), const char*, size_t, const char*> cases[]{
+        {abecs_pan_encrypt2, "4222222222222", 16, "8AD95F89C9C0743D"},
+        {abecs_pan_encrypt2, "41111111111111119", 16, "BEC8C7B720B1ED83"},
+        {abecs_pan_encrypt2, "4111111111111111", 12, "411111111111"},
+        {abecs_pan_decrypt_track2, "F0157C5DA1787BED", 99, "4111111111111111"},
+        {abecs_pan_decrypt_track2, "F0157C5DA1787BED=2512", 17, "4111111111111111="},
+        {abecs_pan_decrypt_track2, "F0157C5DA1787BED=2512", 15, "F0157C5DA1787BE"},
     };
-    for (const auto& [pan, length, deciphered] : pans) {
-        EXPECT_STREQ(abecs_pan_encrypt2(exact(pan).get(), length, &key), deciphered);
-    }
-    const std::tuple<const char*, size_t, const char*> tracks[]{
-        {"F0157C5DA1787BED", 99, "4111111111111111"},
-        {"F0157C5DA1787BED=2512", 17, "4111111111111111="},
-        {"F0157C5DA1787BED=2512", 15, "F0157C5DA1787BE"},
-    };
-    for (const auto& [track, length, clear] : tracks) {
-        EXPECT_STREQ(abecs_pan_decrypt_track2(exact(track).get(), length, &key), clear);
+    for (const auto& [transform, text, length, transformed] : cases) {
+        EXPECT_STREQ(transform(exact(text).get(), length, &key), transformed);
     }
     EXPECT_STREQ(abecs_pan_identify2(exact("4111111111111111").get(), 255), "4111111111111111");
     EXPECT_STREQ(abecs_pan_identify2("%B4111111111111111", 6), "4111");
