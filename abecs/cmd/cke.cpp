@@ -19,12 +19,9 @@ namespace {
 
 constexpr Command kCke{.id = "CKE"};
 
-constexpr size_t kTrack1 = 76;
-constexpr size_t kTrack2 = 37;
+constexpr size_t kTrack1 = 76, kTrack2 = 37, kTrack3 = 104;
 constexpr size_t kEncipheredTrack2 = 40;  // filling of the card number has made it longer
-constexpr size_t kTrack3 = 104;
-constexpr size_t kTrackLength = 2;
-constexpr size_t kTrack3Length = 3;
+constexpr size_t kTrackLength = 2, kTrack3Length = 3;
 
 constexpr uint64_t kKeyAnswer = 1 + 2;
 constexpr uint64_t kPresenceAnswer = 1 + 1;

@@ -9,7 +9,6 @@ using namespace kor;
 
 namespace {
 
-constexpr size_t kGroupWidth = 2;
 constexpr size_t kMaxTags = 256;
 
 }  // namespace

@@ -19,8 +19,7 @@ struct SubCommand {
     const char* id;
 };
 
-inline constexpr size_t kSubCommandWidth = 2;
-inline constexpr size_t kStatusWordWidth = 4;
+inline constexpr size_t kGroupWidth = 2, kSubCommandWidth = 2, kStatusWordWidth = 4;
 
 // `length` is that of the sub-command's data, which follow.
 void write_gen_head(AbecsPacket* packet, const SubCommand& sub, size_t length);
