@@ -120,16 +120,23 @@ Verb::Deed inject(Arguments& arguments) {
     return [fault](PinPad& pinPad) { pinPad.inject(fault); };
 }
 
-json faults(Control& control, Arguments& arguments) {
+// What takes nothing but its name.
+template <void (PinPad::*kDone)()>
+Verb::Deed deed(Arguments& arguments) {
     arguments.end();
-    json list = json::array();
-    for (const Fault& fault : control.pin_pad().faults()) { list.push_back(to_json(fault)); }
-    return {{"faults", list}};
+    return [](PinPad& pinPad) { (pinPad.*kDone)(); };
 }
 
-Verb::Deed clear_faults(Arguments& arguments) {
+template <typename Each>
+json to_list(const std::vector<Each>& all) {
+    json list = json::array();
+    for (const Each& each : all) { list.push_back(to_json(each)); }
+    return list;
+}
+
+json faults(Control& control, Arguments& arguments) {
     arguments.end();
-    return [](PinPad& pinPad) { pinPad.clear_faults(); };
+    return {{"faults", to_list(control.pin_pad().faults())}};
 }
 
 Verb::Deed hang_up(Arguments& arguments) {
@@ -172,14 +179,7 @@ json screen(Control& control, Arguments& arguments) {
 
 json findings(Control& control, Arguments& arguments) {
     arguments.end();
-    json list = json::array();
-    for (const Finding& finding : control.pin_pad().findings()) { list.push_back(to_json(finding)); }
-    return {{"findings", list}};
-}
-
-Verb::Deed clear_findings(Arguments& arguments) {
-    arguments.end();
-    return [](PinPad& pinPad) { pinPad.clear_findings(); };
+    return {{"findings", to_list(control.pin_pad().findings())}};
 }
 
 json traffic(Control& control, Arguments& arguments) {
@@ -194,11 +194,6 @@ json traffic(Control& control, Arguments& arguments) {
 json cards(Control& control, Arguments& arguments) {
     arguments.end();
     return {{"cards", control.cards().names()}};
-}
-
-Verb::Deed stop(Arguments& arguments) {
-    arguments.end();
-    return [](PinPad& pinPad) { pinPad.request_stop(); };
 }
 
 constexpr std::array kVerbs{
@@ -225,13 +220,13 @@ constexpr std::array kVerbs{
     Verb{"tables", verbs::tables},
     Verb{"reset", verbs::reset},
     Verb{"findings", findings},
-    Verb{"clear-findings", clear_findings},
+    Verb{"clear-findings", deed<&PinPad::clear_findings>},
     Verb{"traffic", traffic},
     Verb{"fault", inject, "fault"},
     Verb{"faults", faults},
-    Verb{"clear-faults", clear_faults},
+    Verb{"clear-faults", deed<&PinPad::clear_faults>},
     Verb{"hang-up", hang_up, "ms"},
-    Verb{"stop", stop},
+    Verb{"stop", deed<&PinPad::request_stop>},
 };
 
 }  // namespace
