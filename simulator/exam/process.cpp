@@ -39,27 +39,33 @@ void require(int error, const std::string& what) {
     if (error != 0) { throw std::system_error(error, std::generic_category(), what); }
 }
 
-// What the child begins with: a group of its own, and the signals as they come.
-class Attributes {
+// What posix_spawn() is told, between its making and its destroying.
+template <typename Told, auto kInit, auto kDestroy>
+class Spawn {
 public:
-    Attributes() {
-        posix_spawnattr_init(&attributes_);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-        posix_spawnattr_setpgroup(&attributes_, 0);
-        sigset_t all;
-        sigfillset(&all);
-        posix_spawnattr_setsigdefault(&attributes_, &all);
-        sigemptyset(&all);
-        posix_spawnattr_setsigmask(&attributes_, &all);
-    }
-    ~Attributes() { posix_spawnattr_destroy(&attributes_); }
-    Attributes(const Attributes&) = delete;
-    Attributes& operator=(const Attributes&) = delete;
+    Spawn() { kInit(&told_); }
+    ~Spawn() { kDestroy(&told_); }
+    Spawn(const Spawn&) = delete;
+    Spawn& operator=(const Spawn&) = delete;
 
-    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+    [[nodiscard]] Told* get() { return &told_; }
 
 private:
-    posix_spawnattr_t attributes_{};
+    Told told_{};
+};
+
+// What the child begins with: a group of its own, and the signals as they come.
+class Attributes : public Spawn<posix_spawnattr_t, posix_spawnattr_init, posix_spawnattr_destroy> {
+public:
+    Attributes() {
+        posix_spawnattr_setflags(get(), POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+        posix_spawnattr_setpgroup(get(), 0);
+        sigset_t all;
+        sigfillset(&all);
+        posix_spawnattr_setsigdefault(get(), &all);
+        sigemptyset(&all);
+        posix_spawnattr_setsigmask(get(), &all);
+    }
 };
 
 static_assert(std::atomic<bool>::is_always_lock_free, "stop() is called in signal handlers");
@@ -67,22 +73,14 @@ std::atomic<bool> stopped{false};
 // How often somebody who waits looks whether it is over.
 constexpr std::chrono::milliseconds kGlance{100};
 
-class Files {
+class Files
+    : public Spawn<posix_spawn_file_actions_t, posix_spawn_file_actions_init, posix_spawn_file_actions_destroy> {
 public:
     explicit Files(int output) {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions_, output, STDERR_FILENO);
+        posix_spawn_file_actions_addopen(get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_adddup2(get(), output, STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(get(), output, STDERR_FILENO);
     }
-    ~Files() { posix_spawn_file_actions_destroy(&actions_); }
-    Files(const Files&) = delete;
-    Files& operator=(const Files&) = delete;
-
-    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_{};
 };
 
 }  // namespace
@@ -112,8 +110,8 @@ void Process::start(const std::vector<std::string>& command, const std::vector<s
     // They stand before those of this program that have the same name, which are passed over.
     std::vector<std::string> variables = environment;
     char* const nothing = nullptr;
-    const Attributes attributes;
-    const Files files(output.get());
+    Attributes attributes;
+    Files files(output.get());
     pid_t process = 0;
     const int error = ::posix_spawnp(&process, words.front().c_str(), files.get(), attributes.get(),
                                      pointers(words, &nothing).data(), pointers(variables, environ).data());
