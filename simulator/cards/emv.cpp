@@ -65,9 +65,9 @@ DataObjects terminal_objects() {
         {tag::kTerminalResults, Bytes(kTerminalResultsSize)},
         {0x9B, from_hex("E800")},
         {0x9F09, from_hex("008C")},
-        {0x9F1A, from_hex("0076")},
-        {0x9F33, from_hex("E0F0C8")},
-        {0x9F35, from_hex("22")},
+        {card_tag::kTerminalCountry, from_hex("0076")},
+        {card_tag::kCapabilities, from_hex("E0F0C8")},
+        {card_tag::kTerminalType, from_hex("22")},
         {0x9F40, from_hex("F000F0A001")},
     };
 }

@@ -94,19 +94,19 @@ namespace {
 constexpr const char* kNoSale = "Nothing is paid, and the till must say so.";
 
 struct Answer {
-    Host host;
     const char* title;
     const char* why;
     const char* must;
+    Host host;
 };
 
 constexpr std::array kAnswers{
-    Answer{Host::kDeclines, "the acquirer declines", "The acquirer has the last word about a no.", kNoSale},
-    Answer{Host::kUnreachable, "the acquirer cannot be reached", "Nobody has said yes.",
-           "The card must be told so, and without its word nothing is paid."},
-    Answer{
-        Host::kLate, "the acquirer's yes comes too late", "The acquirer believes in a sale that the till gave up.",
-        "Not paid with a reversal owed, or unknown, or paid where it has waited: a silent end charges the customer."},
+    Answer{"the acquirer declines", "The acquirer has the last word about a no.", kNoSale, Host::kDeclines},
+    Answer{"the acquirer cannot be reached", "Nobody has said yes.",
+           "The card must be told so, and without its word nothing is paid.", Host::kUnreachable},
+    Answer{"the acquirer's yes comes too late", "The acquirer believes in a sale that the till gave up.",
+           "Not paid with a reversal owed, or unknown, or paid where it has waited: a silent end charges the customer.",
+           Host::kLate},
 };
 
 using Interface = std::pair<const char*, void (*)(Case&)>;
