@@ -12,13 +12,9 @@ namespace {
 using Method = VerificationRule::Method;
 
 // In the second byte of the capabilities.
-constexpr uint8_t kPlainPin = 0x80;
-constexpr uint8_t kOnlinePin = 0x40;
-constexpr uint8_t kSignature = 0x20;
-constexpr uint8_t kEncipheredPin = 0x10;
+constexpr uint8_t kPlainPin = 0x80, kOnlinePin = 0x40, kSignature = 0x20, kEncipheredPin = 0x10;
 
-constexpr uint64_t kCash = 0x01;
-constexpr uint64_t kGoodsWithCashback = 0x09;
+constexpr uint64_t kCash = 0x01, kGoodsWithCashback = 0x09;
 
 // The second digit of the terminal's type: 1 to 3 attended, 4 to 6 unattended.
 bool is_unattended(const Bytes& type) { return (number(type) & 0x0F) >= 4; }

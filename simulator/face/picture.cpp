@@ -20,12 +20,8 @@ constexpr size_t kLeastRight = 28;
 // With their borders: of the trace, and of all below the PIN pad, where the trace stands above a finding.
 constexpr size_t kLeastTrace = 5;
 constexpr size_t kLeastBottom = kLeastTrace + 3;
-constexpr size_t kStateRows = 4;
-constexpr size_t kCaptionColumns = 6;
-constexpr size_t kKeyColumns = 23;
-constexpr size_t kSlotColumns = 5;
-constexpr size_t kShownFindings = 3;
-constexpr size_t kTraceIndent = 2;
+constexpr size_t kStateRows = 4, kShownFindings = 3;
+constexpr size_t kCaptionColumns = 6, kKeyColumns = 23, kSlotColumns = 5, kTraceIndent = 2;
 // Fields are filled up with blanks; more of them than this tell nothing.
 constexpr size_t kMostBlanks = 3;
 

@@ -16,8 +16,7 @@ namespace quorvel::sim {
 struct State {
     // The id of the command that waits for the cardholder; empty when none does.
     std::string waiting = {};
-    bool session = false;
-    bool encrypted = false;
+    bool session = false, encrypted = false;
     bool cardInserted = false;
     // The card number of that card.
     std::string cardNumber = {};
