@@ -50,15 +50,13 @@ int run(const char* port) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     if (argc != 2) {
         std::cerr << "usage: " << argv[0] << " PORT\n";
         return EXIT_FAILURE;
     }
-    try {
-        return run(argv[1]);
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-        return EXIT_FAILURE;
-    }
+    return run(argv[1]);
+} catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+    return EXIT_FAILURE;
 }
