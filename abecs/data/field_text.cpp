@@ -26,17 +26,24 @@ struct Charset {
 constexpr Charset charset_a(bool allowCr) { return {0x20, 0x7E, allowCr}; }
 constexpr Charset charset_s(bool allowCr) { return {0x20, 0xFF, allowCr}; }
 
-// Character by character, as far as the first fault: what was appended stays for the caller to discard.
+// The first character that does not fit is refused by itself.
+bool append_text(KorBuffer* buffer, const char* text, size_t length) {
+    const size_t room = buffer != nullptr ? kor_buffer_available_write(buffer) : 0;
+    if (length <= room) { return length == 0 || codec::append(buffer, text, length); }
+    if (room != 0) { codec::append(buffer, text, room); }
+    return codec::append(buffer, &text[room], 1);
+}
+
+// As far as the first fault: what was appended stays for the caller to discard.
 void write_text(KorBuffer* buffer, const char* data, size_t fieldLen, Charset charset) {
     if (refuse_null(data, "'data' is NULL")) { return; }
     size_t length = 0;
-    for (; data[length] != '\0'; ++length) {
+    while (length < fieldLen && data[length] != '\0' && charset.contains(data[length])) { ++length; }
+    if (!append_text(buffer, data, length)) { return; }
+    if (data[length] != '\0') {
         if (refuse_if(length == fieldLen, "Field does not have enough room for data")) { return; }
-        if (!charset.contains(data[length])) {
-            return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid character (0x%02X) at position %zu",
-                         codec::shown(data[length]), length);
-        }
-        if (!codec::append(buffer, &data[length], 1)) { return; }
+        return raise(KOR_RESULT_ILLEGAL_ARGUMENT, "Invalid character (0x%02X) at position %zu",
+                     codec::shown(data[length]), length);
     }
     codec::append_repeated(buffer, " ", fieldLen - length);
 }

@@ -55,6 +55,16 @@ class FieldText : public testing::TestWithParam<TextType> {};
 
 INSTANTIATE_TEST_SUITE_P(AAndS, FieldText, testing::ValuesIn(kTextTypes));
 
+TEST_P(FieldText, IsWrittenAsFarAsThereIsRoom) {
+    KorBuffer* narrow = kor_buffer_new(3);
+    EXPECT_RAISES(kIo, "No enough space in buffer (available: 0, requested: 1)",
+                  GetParam().write(narrow, "ABCDE", 5, false));
+    char written[4] = "";
+    EXPECT_EQ(kor_buffer_read(narrow, written, 3), 3U);
+    EXPECT_STREQ(written, "ABC");
+    kor_buffer_delete(&narrow);
+}
+
 TEST_P(FieldText, IsPaddedWithBlanksThatReadingDrops) {
     const Bytes bytes;
     GetParam().write(bytes, "AB", 5, false);
