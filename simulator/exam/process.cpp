@@ -29,6 +29,7 @@ constexpr int kSignalled = 128;
 // The texts and what stands behind them, as exec() takes it.
 std::vector<char*> pointers(std::vector<std::string>& texts, char* const* behind) {
     std::vector<char*> all;
+    all.reserve(texts.size() + 1);
     for (std::string& text : texts) { all.push_back(text.data()); }
     for (; *behind != nullptr; ++behind) { all.push_back(*behind); }
     all.push_back(nullptr);

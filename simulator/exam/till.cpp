@@ -188,12 +188,12 @@ std::string Till::words_for(const Ended& ended) const {
 }
 
 void Till::check_command() const {
-    static const std::regex looksLikeOne("\\{[a-z]+\\}");
+    static const std::regex kLooksLikeOne("\\{[a-z]+\\}");
     const auto known = values({});
     for (const std::string& each : command) {
         const bool isKnown =
             std::ranges::find(known, each, [](const auto& value) { return value.first; }) != known.end();
-        if (!isKnown && std::regex_match(each, looksLikeOne)) {
+        if (!isKnown && std::regex_match(each, kLooksLikeOne)) {
             throw std::runtime_error(fmt::format("there is no placeholder \"{}\"", each));
         }
     }
