@@ -175,7 +175,7 @@ private:
         }
     }
 
-    void conclude(Judgement judgement, const std::string& which) {
+    void conclude(const Judgement& judgement, const std::string& which) {
         result_.verdict = judgement.verdict;
         result_.expected = judgement.expected;
         result_.said = judgement.said;
