@@ -176,14 +176,6 @@ void release_after_answer(Temporaries& own, const Response& response) {
 
 }  // namespace
 
-bool read_length(AbecsPacket* packet, size_t expected) {
-    const uint64_t length = abecs_packet_read_field_n(packet, kLengthWidth);
-    if (length == expected) { return true; }
-    raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 (expected: %zu, read: %u)", expected,
-          static_cast<unsigned>(length));
-    return false;
-}
-
 int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Response&& response) {
     Temporaries own;
     int32_t stat = kRaised;

@@ -131,9 +131,6 @@ struct Response {
     }
 };
 
-// Reads RSP_LEN1 of an answer that always has the same length. False, after PROTOCOL_ERROR, for another one.
-[[nodiscard]] bool read_length(AbecsPacket* packet, size_t expected);
-
 // Sends the request, reads the answer and returns RSP_STAT.
 [[nodiscard]] int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Response&& response);
 

@@ -13,6 +13,14 @@ namespace {
 
 constexpr Command kGdu{.id = "GDU", .unexpectedId = UnexpectedId::kTable};
 
+void read_ksn(AbecsPacket* packet, char* out) {
+    const auto length = static_cast<unsigned>(abecs_packet_read_field_n(packet, kLengthWidth));
+    if (length != kKsnWidth) {
+        return raise(KOR_RESULT_PROTOCOL_ERROR, "Invalid RSP_LEN1 (expected: 20, read: %u)", length);
+    }
+    abecs_packet_read_field_h(packet, out, kKsnWidth + 1, kKsnWidth);
+}
+
 }  // namespace
 
 int32_t abecs_cmd_gdu(AbecsComm* pinpad, AbecsCmdGduMethod_E method, uint8_t idx, char* out) {
@@ -28,8 +36,5 @@ int32_t abecs_cmd_gdu(AbecsComm* pinpad, AbecsCmdGduMethod_E method, uint8_t idx
                     abecs_packet_write_field_n(packet, static_cast<uint64_t>(method), 1);
                     abecs_packet_write_field_n(packet, idx, 2);
                 }),
-                Response::fields([&](AbecsPacket* packet) {
-                    if (!read_length(packet, kKsnWidth)) { return; }
-                    abecs_packet_read_field_h(packet, out, kKsnWidth + 1, kKsnWidth);
-                }));
+                Response::fields([&](AbecsPacket* packet) { read_ksn(packet, out); }));
 }
