@@ -13,8 +13,14 @@
 namespace quorvel::wire {
 
 namespace control {
-inline constexpr uint8_t kEot = 0x04, kAck = 0x06, kDc2 = 0x12, kDc3 = 0x13, kNak = 0x15, kSyn = 0x16, kEtb = 0x17,
-                         kCan = 0x18;
+inline constexpr uint8_t kEot = 0x04;
+inline constexpr uint8_t kAck = 0x06;
+inline constexpr uint8_t kDc2 = 0x12;
+inline constexpr uint8_t kDc3 = 0x13;
+inline constexpr uint8_t kNak = 0x15;
+inline constexpr uint8_t kSyn = 0x16;
+inline constexpr uint8_t kEtb = 0x17;
+inline constexpr uint8_t kCan = 0x18;
 }  // namespace control
 
 // The largest command has two blocks of 999 bytes, 2007 bytes in all; enciphered, with its head and padding, 2016.

@@ -40,11 +40,22 @@ inline constexpr TerminalResult kLateScriptFailed{5, 0x10};
 
 // What the kernel asks of a card and of the terminal, beside what hosts ask for.
 namespace card_tag {
-inline constexpr Tag kExpiry = 0x5F24, kEffective = 0x5F25, kIssuerCountry = 0x5F28, kVerificationList = 0x8E,
-                     kUsageControl = 0x9F07, kIssuerDefault = 0x9F0D, kIssuerDenial = 0x9F0E, kIssuerOnline = 0x9F0F,
-                     kLastOnlineCounter = 0x9F13, kLowerOfflineLimit = 0x9F14, kTerminalCountry = 0x9F1A,
-                     kUpperOfflineLimit = 0x9F23, kCapabilities = 0x9F33, kTerminalType = 0x9F35, kCurrency = 0x9F42,
-                     kTerminalQualifiers = 0x9F66;
+inline constexpr Tag kExpiry = 0x5F24;
+inline constexpr Tag kEffective = 0x5F25;
+inline constexpr Tag kIssuerCountry = 0x5F28;
+inline constexpr Tag kVerificationList = 0x8E;
+inline constexpr Tag kUsageControl = 0x9F07;
+inline constexpr Tag kIssuerDefault = 0x9F0D;
+inline constexpr Tag kIssuerDenial = 0x9F0E;
+inline constexpr Tag kIssuerOnline = 0x9F0F;
+inline constexpr Tag kLastOnlineCounter = 0x9F13;
+inline constexpr Tag kLowerOfflineLimit = 0x9F14;
+inline constexpr Tag kTerminalCountry = 0x9F1A;
+inline constexpr Tag kUpperOfflineLimit = 0x9F23;
+inline constexpr Tag kCapabilities = 0x9F33;
+inline constexpr Tag kTerminalType = 0x9F35;
+inline constexpr Tag kCurrency = 0x9F42;
+inline constexpr Tag kTerminalQualifiers = 0x9F66;
 }  // namespace card_tag
 
 // Empty, or `otherwise`, for an object that is not there.

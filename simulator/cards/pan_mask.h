@@ -10,7 +10,8 @@ namespace quorvel::sim {
 
 // How many digits of a card number stay readable at each end.
 struct PanMask {
-    size_t leading = 6, trailing = 4;
+    size_t leading = 6;
+    size_t trailing = 4;
 };
 
 // A track whose card number, of so many digits, ends before the first separator. Blanks among the digits stay.

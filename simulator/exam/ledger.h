@@ -78,8 +78,11 @@ private:
     Step finish_;
     std::string cardType_;
     std::string current_;
-    bool ackLost_ = false, removal_ = false;
-    bool struck_ = false, cut_ = false, interrupted_ = false;
+    bool ackLost_ = false;
+    bool removal_ = false;
+    bool struck_ = false;
+    bool cut_ = false;
+    bool interrupted_ = false;
     // In the midst of what decides about the money.
     bool early_ = false;
     bool pinAsked_ = false;

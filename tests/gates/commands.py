@@ -41,7 +41,7 @@ class Sources:
         self.functions = {name for path in (root / "cmake").glob("*.txt") for name in path.read_text().split()}
         constants = {f"{space}::{name}": int(value, 16)
                      for space, body in re.findall(r"namespace (spe|pp) \{(.*?)\}", read(root / "wire/param_id.h"), re.S)
-                     for name, value in re.findall(r"(k\w+) = (0x[0-9A-F]{4})[,;]", body)}
+                     for name, value in re.findall(r"(k\w+) = (0x[0-9A-F]{4});", body)}
         self.ids = {}
         for id, name in re.findall(rf'Row\{{([\w:]+), "({PARAMETER})"', read(root / "wire/param_id.cpp")):
             self.ids[name] = constants[id] if id in constants else int(id, 16)

@@ -2,7 +2,6 @@
 // Copyright (c) 2026 the quorvel authors
 #include <cerrno>
 #include <gtest/gtest.h>
-#include <utility>
 
 #include "tests/hpp/rows.h"
 #include "tests/support/malloc/failing_malloc.h"
@@ -23,30 +22,6 @@ Outcome outcome_of(const Row& row, quorvel::Session& session) {
         outcome.result = row.act(session);
     } catch (const std::exception& error) { std::snprintf(outcome.error, sizeof outcome.error, "%s", error.what()); }
     return outcome;
-}
-
-// Of those that are written as numbers; the others are spelt with the names of the C interface.
-TEST(Enumerations, HaveTheNumbersOfTheInterface) {
-    using quorvel::CardType;
-    using Cke = quorvel::CkeAnswer::Event;
-    using Link = quorvel::Event::Type;
-    const std::pair<int32_t, int32_t> numbers[]{
-        {int32_t(CardType::stripe), ABECS_CMD_GCR_CARD_TYPE_MAGNETIC},
-        {int32_t(CardType::chip), ABECS_CMD_GCR_CARD_TYPE_ICC_EMV},
-        {int32_t(CardType::contactless_stripe), ABECS_CMD_GCR_CARD_TYPE_CTLS_MAGSTRIPE},
-        {int32_t(CardType::contactless), ABECS_CMD_GCR_CARD_TYPE_CTLS_EMV},
-        {int32_t(Cke::key), ABECS_CMD_CKE_EVENT_KEY},
-        {int32_t(Cke::stripe), ABECS_CMD_CKE_EVENT_MAGNETIC_CARD},
-        {int32_t(Cke::chip), ABECS_CMD_CKE_EVENT_ICC},
-        {int32_t(Cke::contactless), ABECS_CMD_CKE_EVENT_CTLS},
-        {int32_t(Link::sent), ABECS_LINK_EVENT_SENT},
-        {int32_t(Link::received), ABECS_LINK_EVENT_RECEIVED},
-        {int32_t(Link::rejected), ABECS_LINK_EVENT_REJECTED},
-        {int32_t(Link::damaged), ABECS_LINK_EVENT_DAMAGED},
-        {int32_t(Link::cancelled), ABECS_LINK_EVENT_CANCELLED},
-        {int32_t(Link::timeout), ABECS_LINK_EVENT_TIMEOUT},
-    };
-    for (const auto& [ours, interfaces] : numbers) { EXPECT_EQ(ours, interfaces); }
 }
 
 TEST(Requests, GoOutAndComeBackAsTheProtocolHasThem) {

@@ -198,7 +198,12 @@ private:
 /// What has ended the wait, and what belongs to it.
 struct CkeAnswer {
     /// What has happened: a key, or a card of some kind.
-    enum class Event : int32_t { key = 0, stripe = 1, chip = 2, contactless = 3 };
+    enum class Event : int32_t {
+        key = ABECS_CMD_CKE_EVENT_KEY,
+        stripe = ABECS_CMD_CKE_EVENT_MAGNETIC_CARD,
+        chip = ABECS_CMD_CKE_EVENT_ICC,
+        contactless = ABECS_CMD_CKE_EVENT_CTLS,
+    };
 
     Event event;                        ///< what has happened
     std::optional<Key> key = {};        ///< of a key

@@ -17,7 +17,14 @@ namespace quorvel {
 /// What a link has done, for a log. The views live until the observer returns.
 struct Event {
     /// What can happen.
-    enum class Type : int32_t { sent = 0, received = 1, rejected = 2, damaged = 3, cancelled = 4, timeout = 5 };
+    enum class Type : int32_t {
+        sent = ABECS_LINK_EVENT_SENT,
+        received = ABECS_LINK_EVENT_RECEIVED,
+        rejected = ABECS_LINK_EVENT_REJECTED,
+        damaged = ABECS_LINK_EVENT_DAMAGED,
+        cancelled = ABECS_LINK_EVENT_CANCELLED,
+        timeout = ABECS_LINK_EVENT_TIMEOUT,
+    };
 
     Type type;                           ///< what has happened
     std::string_view command;            ///< the id of the command or answer, or ""

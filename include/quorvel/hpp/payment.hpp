@@ -13,7 +13,12 @@
 namespace quorvel {
 
 /// How a card was read.
-enum class CardType : uint8_t { stripe = 0, chip = 3, contactless_stripe = 5, contactless = 6 };
+enum class CardType : uint8_t {
+    stripe = ABECS_CMD_GCR_CARD_TYPE_MAGNETIC,
+    chip = ABECS_CMD_GCR_CARD_TYPE_ICC_EMV,
+    contactless_stripe = ABECS_CMD_GCR_CARD_TYPE_CTLS_MAGSTRIPE,
+    contactless = ABECS_CMD_GCR_CARD_TYPE_CTLS_EMV,
+};
 
 /// What GCX has read of a card: the members of which the PIN pad has told. `items` has them all, as they came.
 struct CardAnswer {
