@@ -14,18 +14,6 @@ using namespace kor;
 
 namespace {
 
-size_t readable(const KorBuffer& buffer) {
-    if (buffer.writeCursor > buffer.readCursor) { return buffer.writeCursor - buffer.readCursor; }
-    if (buffer.writeCursor < buffer.readCursor) { return buffer.capacity - buffer.readCursor + buffer.writeCursor; }
-    return buffer.lastRead ? 0 : buffer.capacity;
-}
-
-size_t writable(const KorBuffer& buffer) {
-    if (buffer.writeCursor > buffer.readCursor) { return buffer.capacity - buffer.writeCursor + buffer.readCursor; }
-    if (buffer.writeCursor < buffer.readCursor) { return buffer.readCursor - buffer.writeCursor; }
-    return buffer.lastRead ? buffer.capacity : 0;
-}
-
 void rewind(KorBuffer& buffer, bool lastRead) {
     buffer.writeCursor = 0;
     buffer.readCursor = 0;
@@ -58,6 +46,18 @@ void release_storage(const KorBuffer& buffer) {
 }
 
 }  // namespace
+
+size_t kor::readable(const KorBuffer& buffer) {
+    if (buffer.writeCursor > buffer.readCursor) { return buffer.writeCursor - buffer.readCursor; }
+    if (buffer.writeCursor < buffer.readCursor) { return buffer.capacity - buffer.readCursor + buffer.writeCursor; }
+    return buffer.lastRead ? 0 : buffer.capacity;
+}
+
+size_t kor::writable(const KorBuffer& buffer) {
+    if (buffer.writeCursor > buffer.readCursor) { return buffer.capacity - buffer.writeCursor + buffer.readCursor; }
+    if (buffer.writeCursor < buffer.readCursor) { return buffer.readCursor - buffer.writeCursor; }
+    return buffer.lastRead ? buffer.capacity : 0;
+}
 
 KorBuffer* kor_buffer_new(uint32_t capacity) {
     auto* buffer = static_cast<KorBuffer*>(kor_heap_alloc(sizeof(KorBuffer), 0));

@@ -19,6 +19,10 @@ struct KorBuffer {
 
 namespace kor {
 
+// How many bytes wait to be read, and for how many there is room.
+[[nodiscard]] size_t readable(const KorBuffer& buffer);
+[[nodiscard]] size_t writable(const KorBuffer& buffer);
+
 // A buffer with its storage in it, as a member of what is allocated whole. It stays where it is made.
 template <uint32_t kCapacity>
 struct InlineBuffer {

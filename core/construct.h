@@ -3,27 +3,23 @@
 #ifndef QUORVEL_CORE_CONSTRUCT_H
 #define QUORVEL_CORE_CONSTRUCT_H
 
+#include <new>
+
 #include "core/attempt.h"
 #include "quorvel/kor/heap.h"
 
 namespace kor {
 
+void complete_or_discard(Branch complete, Branch discard);
+
 // A new object, zeroed and then completed by `complete`. What fails in there takes the object with it, through
 // `discard`, and null is returned.
 template <typename Object, typename Complete>
 [[nodiscard]] Object* construct(void (*discard)(Object**), Complete&& complete) {
-    auto* object = static_cast<Object*>(kor_heap_alloc(sizeof(Object), 0));
-    if (object == nullptr) { return nullptr; }
-    *object = Object{};
-    bool done = false;
-    attempt([&] {
-        complete(object);
-        done = true;
-    })
-        .cleanup([&] {
-            if (!done) { discard(&object); }
-        })
-        .run();
+    void* place = kor_heap_alloc(sizeof(Object), 0);
+    if (place == nullptr) { return nullptr; }
+    auto* object = new (place) Object{};
+    complete_or_discard([&] { complete(object); }, [&] { discard(&object); });
     return object;
 }
 

@@ -51,6 +51,8 @@ void default_uncaught_handler(int16_t code, const char* message) {
 // Of the text no more than there is: most often there is none.
 void copy_record(KorException& to, const KorException& from) {
     to.error = from.error;
+    to.message[0] = '\0';
+    if (from.message[0] == '\0') { return; }
     std::memcpy(to.message, from.message, strnlen(from.message, sizeof from.message - 1) + 1);
 }
 

@@ -3,7 +3,6 @@
 #include "abecs/cmd/exchange.h"
 
 #include <cstring>
-#include <utility>
 
 #include "abecs/cmd/builder.h"
 #include "abecs/comm/comm.h"
@@ -26,6 +25,7 @@ constexpr const char* kNotification = "NTM";
 
 // What one call needs, released on every way out.
 struct Temporaries {
+    AbecsComm* link;
     AbecsPacket* packet = nullptr;
     AbecsParam* param = nullptr;
     AbecsCmdBuilder* builder = nullptr;
@@ -42,7 +42,7 @@ struct Temporaries {
         abecs_rsp_parser_delete(&parser);
         abecs_cmd_builder_delete(&builder);
         abecs_param_delete(&param);
-        abecs_packet_delete(&packet);
+        give_back(link, packet);
     }
 };
 
@@ -56,7 +56,7 @@ void write_params(Temporaries& own, const Command& command, const WriteParams& w
 }
 
 void write_request(Temporaries& own, const Command& command, const Request& request) {
-    own.packet = abecs_packet_new();
+    own.packet = take_packet(own.link);
     if (request.writeParams) { return write_params(own, command, request.writeParams); }
     if (request.builder != nullptr) {
         abecs_cmd_builder_set_cmd_id(request.builder, command.id);
@@ -163,7 +163,7 @@ int32_t read_field_answer(Temporaries& own, const Command& command, const Respon
 
 int32_t read_answer(AbecsComm* pinpad, Temporaries& own, const Command& command, const Response& response,
                     bool blocking, char* notification) {
-    if (own.packet == nullptr) { own.packet = abecs_packet_new(); }
+    if (own.packet == nullptr) { own.packet = take_packet(own.link); }
     abecs_comm_read_packet(pinpad, own.packet);
     auto* read = response.parsed ? read_parsed_answer : read_field_answer;
     return read(own, command, response, blocking, notification);
@@ -174,10 +174,21 @@ void release_after_answer(Temporaries& own, const Response& response) {
     own.release();
 }
 
+int32_t send_and_lock(AbecsComm* pinpad, const Command& command, const Request& request) {
+    Temporaries own{pinpad};
+    int32_t result = kRaised;
+    const auto block = [&] {
+        abecs_comm_lock(pinpad, command.name);
+        result = 0;
+    };
+    send_request(pinpad, own, command, request, block, [&] { own.release(); });
+    return result;
+}
+
 }  // namespace
 
 int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Response&& response) {
-    Temporaries own;
+    Temporaries own{pinpad};
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
     const bool outermost = begin_call(pinpad);
@@ -193,21 +204,14 @@ int32_t call(AbecsComm* pinpad, const Command& command, Request&& request, Respo
 }
 
 int32_t send(AbecsComm* pinpad, const Command& command, Request&& request) {
-    Temporaries own;
-    int32_t result = kRaised;
-    const auto block = [&] {
-        abecs_comm_lock(pinpad, command.name);
-        result = 0;
-    };
-    send_request(pinpad, own, command, request, block, [&] { own.release(); });
-    return result;
+    return send_and_lock(pinpad, command, request);
 }
 
 // The code is taken while the error is pending: nothing is left of it once its raise has returned.
 KorResult_E send_for_result(AbecsComm* pinpad, const Command& command, Request&& request) {
     KorResult_E code = KOR_RESULT_OK;
     attempt([&] {
-        send(pinpad, command, std::move(request));
+        send_and_lock(pinpad, command, request);
     }).cleanup([&] {
           code = KorResult_E{kor_exception_get_error()};
       }).run();
@@ -219,7 +223,7 @@ int32_t poll(AbecsComm* pinpad, const Command& command, Response&& response, cha
     if (!kor_string_equals(abecs_comm_get_blk_wait_id(pinpad), command.name)) {
         return raise(KOR_RESULT_ILLEGAL_STATE, "%s was not sent yet", command.name), kRaised;
     }
-    Temporaries own;
+    Temporaries own{pinpad};
     int32_t stat = kRaised;
     if (response.map != nullptr) { kor_map_clear(response.map); }
     attempt([&] {

@@ -10,6 +10,7 @@
 #include "abecs/comm/secure.h"
 #include "abecs/comm/transport.h"
 #include "abecs/comm/wire.h"
+#include "abecs/data/codec.h"
 #include "abecs/data/flag.h"
 #include "abecs/data/limits.h"
 #include "core/attempt.h"
@@ -177,18 +178,11 @@ const char* abecs_comm_get_blk_wait_id(const AbecsComm* pinpad) {
     return pinpad->blkWaitId;
 }
 
-// Restored on an error too, so that a packet with a bad id is left as it came.
+// Read by cursors of its own, so that the packet is left as it came, with a bad id, too.
 char* abecs_comm_get_cmd_id(AbecsPacket* packet, char* out, size_t sizeOut) {
     if (refuse_null(packet, "'packet' is NULL") || refuse_null(out, "'out' is NULL")) { return nullptr; }
-    KorBufferState start;
-    abecs_packet_save_state(packet, &start);
-    char* id = nullptr;
-    attempt([&] {
-        id = abecs_packet_read_field_a(packet, out, sizeOut, kIdWidth, false);
-    }).cleanup([&] {
-          abecs_packet_set_state(packet, &start);
-      }).run();
-    return id;
+    KorBuffer cursors = *packet->buffer;
+    return codec::read_a(&cursors, out, sizeOut, kIdWidth) ? out : nullptr;
 }
 
 void abecs_comm_set_send_interval(AbecsComm* pinpad, int64_t interval) {
@@ -246,6 +240,13 @@ void abecs::end_call(AbecsComm* link, bool outermost) {
     if (!outermost) { return; }
     link->inCall = false;
     link->line.limit = Deadline::never();
+}
+
+AbecsPacket* abecs::take_packet(AbecsComm* link) { return link != nullptr ? &link->packet : abecs_packet_new(); }
+
+void abecs::give_back(AbecsComm* link, AbecsPacket* packet) {
+    if (link == nullptr || packet == nullptr) { return abecs_packet_delete(&packet); }
+    wipe(packet);
 }
 
 void abecs_comm_set_observer(AbecsComm* pinpad, AbecsLinkObserverFn observer, void* context) {

@@ -73,6 +73,7 @@ struct AbecsComm {
     abecs::Purge purge;
     abecs::Observer observer;
     std::chrono::milliseconds pollTime{abecs::kPollTime};
+    AbecsPacket packet;  // of the command that goes on; wiped between two of them
 };
 
 namespace abecs {
@@ -81,6 +82,11 @@ namespace abecs {
 // returned goes to `end_call`. A null link is ignored.
 [[nodiscard]] bool begin_call(AbecsComm* link);
 void end_call(AbecsComm* link, bool outermost);
+
+// An empty packet for one command at a time, and the way back for it: the link's own or, without a link, one that is
+// made and deleted.
+[[nodiscard]] AbecsPacket* take_packet(AbecsComm* link);
+void give_back(AbecsComm* link, AbecsPacket* packet);
 
 // Whether the reading of an answer was ended in its middle.
 [[nodiscard]] inline bool is_cut(const AbecsComm* link) {

@@ -107,8 +107,7 @@ Frame write_frame(AbecsComm* link, Pace pace, AbecsPacket* packet, bool encrypte
 // The frame as it went out.
 Frame write_until_accepted(AbecsComm* link, AbecsPacket* packet, bool encrypted) {
     Pace pace = link->wholeFrames ? Pace::kWhole : Pace::kFlowing;
-    KorBufferState start;
-    abecs_packet_save_state(packet, &start);
+    const KorBuffer start = *packet->buffer;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         const Frame frame = write_frame(link, pace, packet, encrypted);
         uint8_t answer = 0;
@@ -120,7 +119,7 @@ Frame write_until_accepted(AbecsComm* link, AbecsPacket* packet, bool encrypted)
             raise(KOR_RESULT_PROTOCOL_ERROR, "Protocol error (unknown packet response: 0x%hhx)", answer);
         }
         tell(link->observer, ABECS_LINK_EVENT_REJECTED, frame);
-        abecs_packet_set_state(packet, &start);
+        *packet->buffer = start;
         pace = Pace::kStepped;
     }
     raise(KOR_RESULT_PROTOCOL_ERROR, "Packet was rejected");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 the quorvel authors
-#include <cstdio>
-#include <cstring>
+#include <iterator>
 
 #include "abecs/data/codec.h"
 #include "abecs/data/limits.h"
@@ -53,13 +52,17 @@ std::optional<int32_t> codec::read_rsp_stat(KorBuffer* buffer) {
 void abecs_data_write_field_n(KorBuffer* buffer, uint64_t i, size_t fieldLen) {
     const auto value = static_cast<unsigned long long>(i);
     if (refuse_if(i >= kLimit, "'i' (%llu) is too long (maximum: 9999999999999", value)) { return; }
-    char digits[kMaxDigits + 1];
-    std::snprintf(digits, sizeof digits, "%llu", value);
-    const size_t length = std::strlen(digits);
+    char digits[kMaxDigits];
+    char* first = std::end(digits);
+    do {
+        *--first = static_cast<char>('0' + i % 10);
+        i /= 10;
+    } while (i != 0);
+    const auto length = static_cast<size_t>(std::end(digits) - first);
     if (refuse_if(length > fieldLen, "Number length (%zu) is greater than field length (%zu)", length, fieldLen)) {
         return;
     }
-    if (codec::append_repeated(buffer, "0", fieldLen - length)) { codec::append(buffer, digits, length); }
+    if (codec::append_repeated(buffer, "0", fieldLen - length)) { codec::append(buffer, first, length); }
 }
 
 uint64_t abecs_data_read_field_n(KorBuffer* buffer, size_t fieldLen) {

@@ -24,26 +24,25 @@ constexpr size_t kNotificationSize = 33;
 }  // namespace
 
 Unread abecs::unread_of(const AbecsPacket* packet) {
-    const KorBuffer* buffer = packet->buffer;
-    const std::span storage(kor_buffer_get_storage(buffer), kor_buffer_capacity(buffer));
-    const size_t length = kor_buffer_available_read(buffer);
-    const size_t begin = kor_buffer_get_read_cursor_pos(buffer);
-    const size_t untilEnd = std::min(length, storage.size() - begin);
-    return {storage.subspan(begin, untilEnd), storage.first(length - untilEnd)};
+    const KorBuffer& buffer = *packet->buffer;
+    const std::span storage(buffer.storage, buffer.capacity);
+    const size_t length = readable(buffer);
+    const size_t untilEnd = std::min(length, storage.size() - buffer.readCursor);
+    return {storage.subspan(buffer.readCursor, untilEnd), storage.first(length - untilEnd)};
 }
 
 void abecs::consume(AbecsPacket* packet) {
-    kor_buffer_set_read_cursor_pos(packet->buffer, kor_buffer_get_write_cursor_pos(packet->buffer));
-    kor_buffer_set_last_read(packet->buffer, true);
+    packet->buffer->readCursor = packet->buffer->writeCursor;
+    packet->buffer->lastRead = true;
 }
 
 void abecs::wipe(AbecsPacket* packet) {
-    explicit_bzero(kor_buffer_get_storage(packet->buffer), kor_buffer_get_write_cursor_pos(packet->buffer));
+    explicit_bzero(packet->bytes.storage.data(), packet->bytes.storage.size());
     kor_buffer_clear(packet->buffer);
 }
 
 std::span<const uint8_t> abecs::fill(AbecsPacket* packet, std::span<const uint8_t> bytes) {
-    const size_t count = std::min(bytes.size(), kor_buffer_available_write(packet->buffer));
+    const size_t count = std::min(bytes.size(), writable(*packet->buffer));
     kor_buffer_write(packet->buffer, bytes.data(), count);
     return bytes.subspan(count);
 }

@@ -40,7 +40,7 @@ struct Unread {
 // Counts the unread bytes as read.
 void consume(AbecsPacket* packet);
 
-// Empties the packet and leaves nothing of what was written to it since it was last empty.
+// Empties the packet and leaves nothing of what was ever written to it.
 void wipe(AbecsPacket* packet);
 
 // Writes the bytes, as far as there is room, and returns the rest.
