@@ -362,6 +362,7 @@ std::vector<std::unique_ptr<Place>> places_of(const Settings& settings) {
 bool play_all(const std::vector<std::unique_ptr<Place>>& places) {
     std::atomic<bool> whole = true;
     std::vector<std::jthread> threads;
+    threads.reserve(places.size());
     for (const auto& place : places) { place->announce(); }
     for (const auto& place : places) {
         threads.emplace_back([&place = *place, &whole] {
@@ -380,6 +381,7 @@ bool play_all(const std::vector<std::unique_ptr<Place>>& places) {
 int play(const Settings& settings) {
     const auto places = places_of(settings);
     std::vector<sim::PinPad*> pinPads;
+    pinPads.reserve(places.size());
     for (const auto& place : places) { pinPads.push_back(&place->pin_pad()); }
     const StopOnSignals<sim::PinPad> stopOnSignals(std::move(pinPads));
     if (places.size() > 1) {

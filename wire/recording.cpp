@@ -53,7 +53,7 @@ Rest rest_of(Mark mark, std::string_view name) {
     for (const Kinds& kinds : kKinds) {
         if (kinds.mark == mark && !name.empty() && std::ranges::count(kinds.names, name) != 0) { return kinds.rest; }
     }
-    throw std::runtime_error(fmt::format("there is no kind \"{}\" behind \"{}\"", name, static_cast<char>(mark)));
+    throw std::runtime_error(fmt::format(R"(there is no kind "{}" behind "{}")", name, static_cast<char>(mark)));
 }
 
 // Off the front, with the blank behind it.
@@ -71,14 +71,14 @@ int64_t number_in(std::string_view digits) {
 }
 
 microseconds time_in(std::string_view text) {
-    const auto all_digits = [](std::string_view part) {
+    const auto allDigits = [](std::string_view part) {
         return std::ranges::all_of(part, [](unsigned char c) { return std::isdigit(c) != 0; });
     };
     const size_t point = std::min(text.find('.'), text.size());
     const std::string_view seconds = text.substr(0, point);
     const std::string_view decimals = text.substr(std::min(point + 1, text.size()));
     const bool fits = !seconds.empty() && seconds.size() <= kMostSeconds && decimals.size() == kDecimals;
-    if (!fits || !all_digits(seconds) || !all_digits(decimals)) {
+    if (!fits || !allDigits(seconds) || !allDigits(decimals)) {
         throw std::runtime_error(fmt::format("\"{}\" is no time like 12.345678", text));
     }
     return microseconds(number_in(seconds) * kMicrosecondsPerSecond + number_in(decimals));

@@ -33,7 +33,7 @@ Outcome run_card(Context& context, const CardOptions& options) {
                               .whole = context.output.reveals()};
     Link link(context.settings, context.output);
     context.output.notice(options.noTap ? "Insert or swipe the card." : "Insert, swipe or tap the card.");
-    const auto give_back = [&] {
+    const auto giveBack = [&] {
         if (options.keepCard || interrupt::requested()) { return; }
         static_cast<void>(have_card_removed(link, "REMOVE THE CARD", request.timeout));
     };
@@ -41,10 +41,10 @@ Outcome run_card(Context& context, const CardOptions& options) {
     try {
         card = read_card(link, request);
     } catch (const StatusError&) {
-        give_back();
+        giveBack();
         throw;
     }
-    if (card->type == CardType::chip) { give_back(); }
+    if (card->type == CardType::chip) { giveBack(); }
     link.close();
     return {card_group(*card)};
 }

@@ -48,8 +48,8 @@ std::string Number::words() const { return fmt::format("{}.{}.{}", chapter, fami
 std::span<const Chapter> chapters() noexcept { return kChapters; }
 
 const std::vector<Case>& catalogue() {
-    static const std::vector<Case> all = all_cases();
-    return all;
+    static const std::vector<Case> kAll = all_cases();
+    return kAll;
 }
 
 std::vector<const Case*> chosen(const std::vector<std::string>& patterns) {

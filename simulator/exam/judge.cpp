@@ -67,7 +67,7 @@ private:
         judgement_.said = said ? words_for(*said) : evidence_.till.words_for(*evidence_.ended);
         if (!said) { return fail(Verdict::kBroken, "the till says " + judgement_.said); }
         if (!allowed_.has(*said)) {
-            return fail(Verdict::kMoney, fmt::format("the till says \"{}\"; right is \"{}\": {}", judgement_.said,
+            return fail(Verdict::kMoney, fmt::format(R"(the till says "{}"; right is "{}": {})", judgement_.said,
                                                      words_for(allowed_), judgement_.truth));
         }
         if (evidence_.goal.has(*said)) { return; }

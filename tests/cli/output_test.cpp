@@ -15,8 +15,8 @@ using OutputTest = PinPadToolTest;
 TEST_F(OutputTest, ALostResultIsNoSuccess) {
     const std::tuple<const char*, Arguments, int, const char*> cases[]{
         {">/dev/full", {"info"}, 74, "No space left on device. This is it:\nManufacturer"},
-        {">/dev/full", {"info", "--json"}, 74, "\"serialNumber\": \"QV00000001\""},
-        {">/dev/full", {"gix", "--json"}, 74, "\"exit\": 74"},
+        {">/dev/full", {"info", "--json"}, 74, R"("serialNumber": "QV00000001")"},
+        {">/dev/full", {"gix", "--json"}, 74, R"("exit": 74)"},
         {">/dev/full", {"--help"}, 74, "Usage: quorvel"},
         {">/dev/full", {"completion", "bash"}, 74, "complete -o filenames"},
         {">/dev/full", {"gix", "nonsense"}, 2, "There is no item"},

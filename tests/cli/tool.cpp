@@ -34,7 +34,7 @@ Ended ToolTest::run(Arguments arguments, std::vector<std::string> environment) c
 }
 
 Ended ToolTest::redirected(const std::string& streams, Arguments arguments) const {
-    arguments.insert(arguments.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" " + streams, QUORVEL_CLI});
+    arguments.insert(arguments.begin(), {"/bin/sh", "-c", R"(exec "$0" "$@" )" + streams, QUORVEL_CLI});
     support::Child child(std::move(arguments), with_home({}, folder_ / ""));
     const int exit = child.wait();
     return {.exit = exit, .out = child.output(), .err = child.errors()};

@@ -16,6 +16,7 @@ namespace {
 
 TEST(Guide, HasTheTableOfAmounts) {
     std::vector<std::vector<std::string>> due;
+    due.reserve(std::size(kCourses));
     for (const Course& each : kCourses) { due.push_back({fmt::format(".{:02}", each.cents), std::string(each.title)}); }
     EXPECT_EQ(table_of_guide("amounts.md", "| cents |"), due);
 }
@@ -54,7 +55,7 @@ protected:
     std::string read(unsigned amount) {
         const std::string fields =
             "0015 0006"_hex + "240229" + "0016 0006"_hex + "235958" + "0013 000C"_hex + fmt::format("{:012}", amount);
-        const std::string answer = ask(fmt::format("GCX{:03}{}", fields.size(), fields));
+        std::string answer = ask(fmt::format("GCX{:03}{}", fields.size(), fields));
         if (answer.substr(3, 3) != "000") { return answer; }
         return "GCX" + std::string(answer.substr(13, 2) == "00" ? "-stripe" : "-chip");
     }

@@ -103,7 +103,7 @@ TEST_F(ControlTest, RefusesWhatIsNoRequest) {
         {R"({"do":"await","ms":-1})", refused("\"ms\" is not from 0 to 86400000")},
         {R"({"do":"fault","fault":"delay"})", refused("\"delay\" needs a time")},
         {R"({"do":"fault","fault":"nak","chance":"high"})", refused("\"chance\" is no number")},
-        {R"({"do":"keys","use":"both"})", refused("\"use\" is neither \"pin\" nor \"data\"")},
+        {R"({"do":"keys","use":"both"})", refused(R"("use" is neither "pin" nor "data")")},
         {R"({"do":"decipher-pin","pan":"41","block":"12","ksn":""})",
          refused("\"block\" is not of 16 hexadecimal digits")},
         {R"({"do":"decipher-pin","pan":"41","block":"0011223344556677","ksn":"FFFF"})",

@@ -94,7 +94,7 @@ TEST(ExamCases, HaveNumbersOfTheirOwnAndAreChosenByThem) {
 // None of these tills asks the PIN pad for anything.
 TEST(Exam, TellsOneFaultFromTheOther) {
     const std::tuple<const char*, const char*, Verdict, const char*> rows[]{
-        {"1.1.1", "exit 0", Verdict::kMoney, "the till says \"paid\"; right is \"not paid\": no card was read"},
+        {"1.1.1", "exit 0", Verdict::kMoney, R"(the till says "paid"; right is "not paid": no card was read)"},
         {"1.1.1", "exit 5", Verdict::kConduct, "the till has not come to \"paid\": no card was read"},
         {"1.1.1", "exit 9", Verdict::kBroken, "the till says nothing that is known, exit 9"},
         {"1.1.1", "echo REVERSE; exit 0", Verdict::kBroken, "the till says paid and reversal at once, exit 0"},
@@ -162,9 +162,8 @@ TEST(ExamProgram, ReportsAndEndsAsItShould) {
     for (const auto& each : json["cases"]) { results.push_back(each["result"]); }
     EXPECT_EQ(results, (Texts{"conduct", "not-applicable", "passed"}));
     support::Child xml({"/usr/bin/env", "python3", "-c",
-                        "import sys, xml.etree.ElementTree as t\n"
-                        "for s in t.parse(sys.argv[1]).getroot(): print(*[s.get(n) for n in "
-                        "('name', 'tests', 'failures', 'skipped')])",
+                        R"(import sys, xml.etree.ElementTree as t
+for s in t.parse(sys.argv[1]).getroot(): print(*[s.get(n) for n in ('name', 'tests', 'failures', 'skipped')]))",
                         folder / "deep/report/exam.xml"});
     EXPECT_EQ(xml.wait(), 0);
     EXPECT_EQ(xml.output(), "1 Sales in which nothing goes wrong 2 1 1\n9 The port 1 0 0\n");

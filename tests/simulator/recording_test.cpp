@@ -30,13 +30,13 @@ std::string file_of(const std::string& path) {
 
 TEST(RecordingFile, SaysWhatIsWrongAndWhere) {
     for (const auto& [text, due] : {
-             std::pair(""s, "line 1: this is not \"quorvel-recording 1\""s),
+             std::pair(""s, R"(line 1: this is not "quorvel-recording 1")"s),
              {"quorvel-recording 2\n", "line 1: this is not \"quorvel-recording 1\""},
              {kFirst + "sead 1\n", "line 2: \"sead\" is no setting, and no time either"},
              {kFirst + "\n1.5 > can\n", "line 3: \"1.5\" is no time like 12.345678"},
              {kFirst + "1234567890.000000 > can\n", "line 2: \"1234567890.000000\" is no time like 12.345678"},
              {kFirst + "1.000000 = can\n", "line 2: \"=\" is none of > < * !"},
-             {kFirst + "1.000000 > ack\n", "line 2: there is no kind \"ack\" behind \">\""},
+             {kFirst + "1.000000 > ack\n", R"(line 2: there is no kind "ack" behind ">")"},
              {kFirst + "1.000000 > can GKY\n", "line 2: \"GKY\" has no place in it"},
              {kFirst + "1.000000 > frame 474B5\n", "line 2: an odd number of hexadecimal digits"},
              {kFirst + "1.000000 > frame 474B replaced= word\n", "line 2: \"word\" has no place in it"},
@@ -227,8 +227,8 @@ TEST_F(RecorderTest, WritesDownWhatHappens) {
                "* press 1",
                "* press f1",
                "< frame 474B59303034 # GKY 004 F1",
-               "> frame 474344303231000B00020007000D000102000E000103000C00013C # GCD ask for a number: SPE_MSGIDX=7, "
-               "SPE_MINDIG=2, SPE_MAXDIG=3, SPE_TIMEOUT=60",
+               "> frame 474344303231000B00020007000D000102000E000103000C00013C # GCD ask for a number: SPE_MSGIDX=7, "s
+                   + "SPE_MINDIG=2, SPE_MAXDIG=3, SPE_TIMEOUT=60",
                "< ack # ACK",
                "* insert visa-chip",
                "* press digit",
@@ -334,7 +334,7 @@ TEST_F(ReplayTest, AnswersAsRecordedAndTellsWhatDiffers) {
     for (const auto& [asked, due] : {
              Case{{{"OPN", "OPN000"}, {"GIN00202", "GIN000003ABC"}, {"GKY", gky}, {dsp, "DSP000"}}, {}},
              {{{"OPN", "OPN000"}, {"GIN00200", "GIN000003ABC"}, {"GKY", gky}, {other, "DSP000"}, {"GKY", "ERR010"}},
-              {"line 4: GIN: expected GIN_ACQIDX=\"02\", got GIN_ACQIDX=\"00\"",
+              {R"(line 4: GIN: expected GIN_ACQIDX="02", got GIN_ACQIDX="00")",
                "line 12: DSP: expected DSP_MSG=\"" + std::string(32, 'X') + "\", got DSP_MSG=\"" + std::string(32, 'Y')
                    + "\"",
                "nothing more was asked, got GKY wait for a key"}},

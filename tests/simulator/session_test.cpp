@@ -165,6 +165,7 @@ protected:
     }
     void expect_found(const std::vector<std::string>& findings) {
         std::vector<Finding> due;
+        due.reserve(findings.size());
         for (const std::string& text : findings) { due.push_back({Kind::kSequence, text}); }
         expect_findings(due);
     }

@@ -77,13 +77,13 @@ TEST(WebAccess, KeepsATokenInAFileOfTheUsersOwn) {
     struct stat about = {};
     ASSERT_EQ(::stat(path.c_str(), &about), 0);
     EXPECT_EQ(about.st_mode & 0777U, 0600U);
-    const auto refusal_of = [&] { return thrown([&] { static_cast<void>(token_in(path)); }); };
+    const auto refusalOf = [&] { return thrown([&] { static_cast<void>(token_in(path)); }); };
     for (const char* bad : {"", "short", "0123456789abcde-", "0123456789abcdef\n0123456789abcdef\n"}) {
         std::ofstream(path) << bad;
-        EXPECT_EQ(refusal_of(), path + ": no token: 16 to 128 letters and digits") << bad;
+        EXPECT_EQ(refusalOf(), path + ": no token: 16 to 128 letters and digits") << bad;
     }
     std::filesystem::permissions(path, std::filesystem::perms::group_read, std::filesystem::perm_options::add);
-    EXPECT_EQ(refusal_of(), path + ": others may read it: chmod 600 " + path);
+    EXPECT_EQ(refusalOf(), path + ": others may read it: chmod 600 " + path);
 }
 
 TEST(WebPage, StandsInTheProgramAsItIs) {
@@ -160,7 +160,7 @@ public:
         for (;;) {
             const auto found = std::ranges::find_if(passed_, isIt);
             if (found != passed_.end()) {
-                const json data = json::parse(found->second);
+                json data = json::parse(found->second);
                 passed_.erase(found);
                 return data;
             }
@@ -236,7 +236,7 @@ TEST_F(WebTest, LetsNobodyInWithoutTheTokenOrFromElsewhere) {
     const std::tuple<const char*, std::string, int, const char*> rows[]{
         {"GET /", kHost, 200, "<!DOCTYPE html>"},
         {"GET /", "", 403, "this PIN pad is not"},
-        {"GET /", "Host: evil.example\r\n", 403, "this PIN pad is not \\\"evil.example\\\": --web-name takes a name"},
+        {"GET /", "Host: evil.example\r\n", 403, R"(this PIN pad is not \"evil.example\": --web-name takes a name)"},
         {"GET /", kHost + kHost, 403, "this PIN pad is not"},
         {"GET /", "Host: \xFF\xFE\r\n", 403, "this PIN pad is not"},
         {"GET /", kHost + "Range: bytes=0-,0-,0-,0-\r\n", 200, "<!DOCTYPE html>"},
@@ -355,12 +355,12 @@ TEST_F(WebTest, IsNotKeptFromItsEndByAHeadThatDoesNotEnd) {
     Browser slow(port_);
     slow.send("GET / HTTP/1.1\r\nX: ");
     EXPECT_EQ(Browser(port_).ask("GET /", kHost).first, 200);
-    Browser long_(port_);
+    Browser lengthy(port_);
     const std::string line = "X: " + std::string(1000, 'x') + "\r\n";
     std::string head = "GET / HTTP/1.1\r\n" + kHost;
     while (head.size() < 1'000'000) { head += line; }
-    long_.send_what_goes(head);
-    EXPECT_TRUE(long_.is_left());
+    lengthy.send_what_goes(head);
+    EXPECT_TRUE(lengthy.is_left());
     const auto begin = std::chrono::steady_clock::now();
     server_.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
@@ -437,7 +437,7 @@ expect = [{ command = "GKY" }, { command = "DSP", with = 'DSP_MSG="secret"' }]
 
 TEST(WebProgram, PrintsItsLinkAndKeepsItsToken) {
     const TempDir folder;
-    const auto link_of = [&](const std::vector<std::string>& more) {
+    const auto linkOf = [&](const std::vector<std::string>& more) {
         std::vector<std::string> arguments{QUORVEL_SIM, "--web-token", folder / "token"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         support::Child program(std::move(arguments));
@@ -446,10 +446,10 @@ TEST(WebProgram, PrintsItsLinkAndKeepsItsToken) {
         EXPECT_EQ(program.end(SIGTERM), 0);
         return link;
     };
-    const std::string first = link_of({"--web"});
+    const std::string first = linkOf({"--web"});
     EXPECT_TRUE(first.starts_with("WEB http://127.0.0.1:")) << first;
     const std::string token = first.substr(first.find("#token="));
-    EXPECT_TRUE(link_of({"--web", "[::1]:0"}).ends_with(token));
+    EXPECT_TRUE(linkOf({"--web", "[::1]:0"}).ends_with(token));
 }
 
 }  // namespace
