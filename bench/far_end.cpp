@@ -56,6 +56,7 @@ private:
 };
 
 [[noreturn]] void answer_at_once(int master, const Traffic& traffic) {
+    const OnOneProcessor here(OnOneProcessor::End::kFar);
     for (Ear ear(master, traffic);;) {
         ear.listen();
         if (ear.has_all()) { send(master, traffic.answer.data(), traffic.answer.size()); }
@@ -120,6 +121,19 @@ void give_up(const std::string& what) {
     std::perror(what.c_str());
     _exit(1);
 }
+
+OnOneProcessor::OnOneProcessor(End end) {
+    if (sched_getaffinity(0, sizeof before_, &before_) != 0) { give_up("sched_getaffinity"); }
+    size_t chosen = CPU_SETSIZE;
+    for (size_t i = 0; i < CPU_SETSIZE && (chosen == CPU_SETSIZE || end == End::kFar); ++i) {
+        if (CPU_ISSET(i, &before_)) { chosen = i; }
+    }
+    cpu_set_t one{};
+    CPU_SET(chosen, &one);
+    if (sched_setaffinity(0, sizeof one, &one) != 0) { give_up("sched_setaffinity"); }
+}
+
+OnOneProcessor::~OnOneProcessor() { sched_setaffinity(0, sizeof before_, &before_); }
 
 FarEnd::Line::Line() : master(posix_openpt(O_RDWR | O_NOCTTY)) {
     if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) { give_up("no pseudo-terminal"); }

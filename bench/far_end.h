@@ -4,6 +4,7 @@
 #define QUORVEL_BENCH_FAR_END_H
 
 #include <chrono>
+#include <sched.h>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -22,6 +23,20 @@ struct Traffic {
 inline constexpr std::chrono::nanoseconds kByteTime = std::chrono::nanoseconds(std::chrono::seconds(10)) / 19200;
 
 [[noreturn]] void give_up(const std::string& what);
+
+// Keeps the thread on one processor while it stands: the host's end of a line on the first, the far end on the last.
+// Otherwise it is chance, and stays so for long, whether the two share one.
+class OnOneProcessor {
+public:
+    enum class End { kHost, kFar };
+    explicit OnOneProcessor(End end);
+    ~OnOneProcessor();
+    OnOneProcessor(const OnOneProcessor&) = delete;
+    OnOneProcessor& operator=(const OnOneProcessor&) = delete;
+
+private:
+    cpu_set_t before_{};
+};
 
 // The far ends of pseudo-terminals, in a process of their own, so that its time is not the host's. They confirm CAN and
 // answer each request, which must be the expected one to the byte, with the same bytes.

@@ -4,6 +4,7 @@
 // repetitions that are interleaved: report.py has them. A name is group/what/who.
 #include <benchmark/benchmark.h>
 #include <modbus/modbus.h>
+#include <optional>
 #include <span>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -22,6 +23,8 @@ using Row = benchmark::internal::Benchmark;
 Row* time(const std::string& name, const std::function<Run()>& open, std::chrono::duration<double> onLine = {}) {
     const auto measure = [=, run = Run()](benchmark::State& state) mutable {
         if (!run) { run = open(); }
+        std::optional<OnOneProcessor> here;
+        if (onLine.count() == 0) { here.emplace(OnOneProcessor::End::kHost); }
         for (auto _ : state) { run(); }
         if (onLine.count() == 0) { return; }
         state.counters["line_use"] = benchmark::Counter(onLine.count(), benchmark::Counter::kIsIterationInvariantRate);
