@@ -169,11 +169,12 @@ TEST(LowLatency, IsAskedForAndPutBackAsItWas) {
 
 // A port that never gets rid of its bytes.
 TEST_F(SystemCalls, OfADrainEndWithTheLimit) {
-    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 300));
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 10'000));
     Driver slow{.unsent = 10, .sends = 1};
     driver = &slow;
     link.peer.request(request);
     EXPECT_EQ(exchange(0).drains, 1U);
+    EXPECT_NO_RAISE(abecs_comm_set_limit(link.comm, 300));
     Driver stuck{.unsent = 10};
     driver = &stuck;
     const Packet packet(request);
