@@ -10,6 +10,7 @@
 
 namespace kor {
 
+// Runs `complete`, and `discard` before what that raises goes on.
 void complete_or_discard(Branch complete, Branch discard);
 
 // A new object, zeroed and then completed by `complete`. What fails in there takes the object with it, through

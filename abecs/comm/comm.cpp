@@ -245,8 +245,8 @@ void abecs::end_call(AbecsComm* link, bool outermost) {
 AbecsPacket* abecs::take_packet(AbecsComm* link) { return link != nullptr ? &link->packet : abecs_packet_new(); }
 
 void abecs::give_back(AbecsComm* link, AbecsPacket* packet) {
-    if (link == nullptr || packet == nullptr) { return abecs_packet_delete(&packet); }
-    wipe(packet);
+    if (link == nullptr) { return abecs_packet_delete(&packet); }
+    wipe(&link->packet);
 }
 
 void abecs_comm_set_observer(AbecsComm* pinpad, AbecsLinkObserverFn observer, void* context) {
